@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+
+namespace zvk::Pelkraft {
+
+// Layout codes. A packed plane holds several samples per byte.
+constexpr std::int32_t LayoutInterleaved = 0x100;
+constexpr std::int32_t LayoutPlanar = 0x200;
+constexpr std::int32_t LayoutPlanarPacked = 0x600;
+
+// What a conversion, or one step of it, needs to know of a row. Widths in pixels.
+struct ImageRowFormat
+{
+    std::int32_t bits = 0;
+    std::int32_t layout = 0;
+    std::int32_t channels = 0;
+    // Read back to front; only a source format can be.
+    bool reversed = false;
+    std::int64_t width = 0;
+    // The pixels that the conversion touches, never more than width.
+    std::int64_t activeWidth = 0;
+};
+
+std::int32_t LayoutOf(std::int32_t bits, bool planar);
+
+// By layout and not by depth: an interleaved row of 1 or 2 bits is a row of bytes.
+bool IsPacked(const ImageRowFormat& format);
+
+std::uint64_t PixelBytes(const ImageRowFormat& format);
+
+// Throws "zvk::Pelkraft::ImageRowFormat unsupported bit depth" unless bits is 1, 2, 8, 10 or 16.
+void RequireSupportedDepth(std::int32_t bits);
+
+// A pixel count in what is counted along the row: byte columns of a packed row, else pixels.
+std::uint64_t CountColumns(const ImageRowFormat& format, std::int64_t pixels);
+
+} // namespace zvk::Pelkraft

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+
+#include "common/image_row_format.h"
+
+namespace zvk::Pelkraft {
+
+struct ChunkConvertFacility;
+
+// Works on one batch, in place or into the next region. Gets the block that GetConvertMethod
+// filled, or null if it takes none.
+using ConvertMethod = void (*)(void* firstChunkHeader, const void* parameters);
+
+// What a step says of itself while the chain is sized.
+struct ChunkConvertMetrics
+{
+    std::uint64_t inputChunks;
+    std::uint64_t outputChunks;
+    std::uint64_t parameterBytes;
+    // True: writes into the next region. False: works in place.
+    bool ownRegion;
+};
+
+// What the portal says of the buffer when it asks for the method. Strides in bytes, the two
+// others in strides: input chunks of an expanding step stand `expansion` apart, output chunks
+// of a reducing one `reduction`.
+struct ChunkStepGeometry
+{
+    std::uint64_t expansion;
+    std::uint64_t reduction;
+    std::uint64_t inputChunkStride;
+    std::uint64_t outputChunkStride;
+};
+
+// Answers for one kind of step. Stateless: one constant object per class, never freed.
+class IChunkConvertDescriptor
+{
+public:
+    virtual ChunkConvertMetrics& GetMetrics(ChunkConvertMetrics& out,
+                                            const ChunkConvertFacility& facility,
+                                            const ImageRowFormat& input) const = 0;
+    // Fills bits, layout, channels and reversed, and leaves the widths to the caller.
+    virtual ImageRowFormat& GetOutputFormat(ImageRowFormat& out,
+                                            const ChunkConvertFacility& facility,
+                                            const ImageRowFormat& input) const = 0;
+    // Fills the 16-byte-aligned block of parameterBytes.
+    virtual ConvertMethod GetConvertMethod(const ChunkConvertFacility& facility,
+                                           const ImageRowFormat& input,
+                                           const ChunkStepGeometry& geometry,
+                                           void* parameters) const = 0;
+
+protected:
+    ~IChunkConvertDescriptor() = default;
+};
+
+} // namespace zvk::Pelkraft

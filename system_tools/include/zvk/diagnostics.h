@@ -1,0 +1,55 @@
+#pragma once
+
+#include <exception>
+
+#include "zvk/system_tools_export.h"
+
+#if defined(_WIN32)
+struct _EXCEPTION_POINTERS;
+#endif
+
+namespace zvk {
+namespace Diagnostics {
+
+// Where lines of the failure log go. The owner keeps the object alive while it is set.
+class ZVK_SYSTEM_TOOLS_EXPORT ILogSink
+{
+public:
+    // Takes one line, without a line end. May be called from several threads at once.
+    virtual void Write(const wchar_t* line) = 0;
+
+protected:
+    ~ILogSink() = default;
+};
+
+namespace Seh {
+
+// The sink of the process. At first the built-in one, which writes each line to the standard
+// error stream.
+ZVK_SYSTEM_TOOLS_EXPORT ILogSink& GetDefaultLog();
+
+// Replaces it; null restores the built-in one. Safe to call while others log.
+ZVK_SYSTEM_TOOLS_EXPORT void SetDefaultLog(ILogSink* sink);
+
+#if defined(_WIN32)
+// Logs a structured exception and answers the filter with "go on searching".
+ZVK_SYSTEM_TOOLS_EXPORT long LogAllCatchNothing(_EXCEPTION_POINTERS* pointers, unsigned long code,
+                                                ILogSink& sink);
+#endif
+
+} // namespace Seh
+
+// Each form writes one line: the context, then the text or number. None of them throws: a sink
+// that does must not replace the failure that is being logged.
+class ZVK_SYSTEM_TOOLS_EXPORT StandardExceptionLogger
+{
+public:
+    static void Log(unsigned long code, const wchar_t* context, ILogSink& sink);
+    static void Log(const std::exception& e, const wchar_t* context, ILogSink& sink);
+    static void Log(const std::exception* e, const wchar_t* context, ILogSink& sink);
+    static void Log(const char* text, const wchar_t* context, ILogSink& sink);
+    static void Log(const wchar_t* text, const wchar_t* context, ILogSink& sink);
+};
+
+} // namespace Diagnostics
+} // namespace zvk

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "zvk/system_tools_export.h"
+
+namespace zvk {
+namespace SystemTools {
+
+// The processor's vector level, the operating system's support included. Each level includes
+// those below.
+//   0 none, also off x86   3 SSSE3    6 AVX2
+//   1 SSE                  4 SSE4.1   7 AVX-512 (F, BW, VL and VBMI)
+//   2 SSE2                 5 SSE4.2
+// Worked out once; costs a load afterwards. Safe to call from any thread.
+ZVK_SYSTEM_TOOLS_EXPORT int GetSseVersion();
+
+// Lowers what GetSseVersion reports to at most level, for tests and for a host that must switch
+// a road off. A later call replaces an earlier one; no level raises the processor's own.
+ZVK_SYSTEM_TOOLS_EXPORT void LimitSseVersion(int level);
+
+} // namespace SystemTools
+} // namespace zvk
