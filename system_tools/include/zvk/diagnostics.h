@@ -39,8 +39,10 @@ ZVK_SYSTEM_TOOLS_EXPORT long LogAllCatchNothing(_EXCEPTION_POINTERS* pointers, u
 
 } // namespace Seh
 
-// Each form writes one line: the context, then the text or number. None of them throws: a sink
-// that does must not replace the failure that is being logged.
+// Each form writes one line: the context, then the text or number. A control character becomes a
+// blank, so that a text can't break the line; narrow text is UTF-8, and any other byte is taken as
+// Latin-1. Null pointers are allowed. None of them throws: a sink that does must not replace the
+// failure that is being logged.
 class ZVK_SYSTEM_TOOLS_EXPORT StandardExceptionLogger
 {
 public:

@@ -1,0 +1,36 @@
+#include "zvk/system_tools.h"
+
+#include <algorithm>
+#include <atomic>
+
+#include "system_tools/processor_level.h"
+
+namespace zvk::SystemTools {
+namespace {
+
+constexpr int unknownLevel = -1;
+
+// The processor's level and the limit in one number, so that asking costs a single load.
+constinit std::atomic<int> reportedLevel{unknownLevel};
+
+} // namespace
+
+int GetSseVersion()
+{
+    int level = reportedLevel.load(std::memory_order_relaxed);
+    if (level != unknownLevel)
+        return level;
+
+    // Only over the unknown: a limit set meanwhile by another thread must stand.
+    const int processorLevel = GetProcessorLevel();
+    if (reportedLevel.compare_exchange_strong(level, processorLevel, std::memory_order_relaxed))
+        return processorLevel;
+    return level;
+}
+
+void LimitSseVersion(int level)
+{
+    reportedLevel.store(std::clamp(level, 0, GetProcessorLevel()), std::memory_order_relaxed);
+}
+
+} // namespace zvk::SystemTools
