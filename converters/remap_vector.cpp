@@ -1,0 +1,144 @@
+#include <cstdint>
+
+#include "common/size_policies.h"
+#include "common/units.h"
+#include "common/unroll_vector.h"
+#include "converters/chunk_slots.h"
+#include "converters/chunk_units_vector.h"
+#include "converters/convert_classes.h"
+#include "converters/remap_base.h"
+#include "converters/remap_masks.h"
+
+namespace zvk::Pelkraft::VectorRoad {
+namespace {
+
+// The masks of slots of known size, held in registers over the whole chunk.
+template <int units>
+struct HeldMasks
+{
+    __m128i mask[units][units];
+};
+
+template <int units>
+HeldMasks<units> HoldMasks(const unsigned char* masks)
+{
+    HeldMasks<units> held;
+    Unroll<units>([&](auto output) {
+        Unroll<units>([&](auto input) {
+            held.mask[output][input] = LoadUnit(masks + (output * units + input) * unitBytes);
+        });
+    });
+    return held;
+}
+
+template <int units>
+void RemapSlot(const unsigned char* from, unsigned char* to, const HeldMasks<units>& masks)
+{
+    Unroll<units>([&](auto output) {
+        __m128i unit = _mm_setzero_si128();
+        Unroll<units>([&](auto input) {
+            unit = _mm_or_si128(unit, _mm_shuffle_epi8(LoadUnit(from + input * unitBytes),
+                                                       masks.mask[output][input]));
+        });
+        StoreUnit(to + output * unitBytes, unit);
+    });
+}
+
+template <int units>
+void RemapChunk(FixedSize<units>, void* chunkHeader, const unsigned char* block)
+{
+    const HeldMasks<units> masks = HoldMasks<units>(block);
+    const unsigned char* from = SlotsOf(chunkHeader);
+    unsigned char* to = SlotsOf(NextRegionOf(chunkHeader));
+    Unroll<slotsPerChunk>([&](auto slot) {
+        constexpr std::int64_t start = slot * units * unitBytes;
+        RemapSlot<units>(from + start, to + start, masks);
+    });
+}
+
+__m128i PickLanes(const unsigned char* units, const unsigned char* masks, std::uint64_t index)
+{
+    return _mm_shuffle_epi8(LoadUnit(units + index * unitBytes),
+                            LoadUnit(masks + index * unitBytes));
+}
+
+__m128i GatherUnit(const unsigned char* from, std::uint64_t inputUnits, const unsigned char* masks)
+{
+    __m128i unit = _mm_setzero_si128();
+    std::uint64_t input = 0;
+    for (; input + 4 <= inputUnits; input += 4) {
+        const __m128i front =
+            _mm_or_si128(PickLanes(from, masks, input), PickLanes(from, masks, input + 1));
+        const __m128i back =
+            _mm_or_si128(PickLanes(from, masks, input + 2), PickLanes(from, masks, input + 3));
+        unit = _mm_or_si128(unit, _mm_or_si128(front, back));
+    }
+    for (; input < inputUnits; ++input)
+        unit = _mm_or_si128(unit, PickLanes(from, masks, input));
+    return unit;
+}
+
+void RemapChunk(VariableSize, void* chunkHeader, const unsigned char* block)
+{
+    void* nextHeader = NextRegionOf(chunkHeader);
+    const std::uint64_t inputUnits = CountUnits(PixelBytesOf(chunkHeader));
+    const std::uint64_t outputUnits = CountUnits(PixelBytesOf(nextHeader));
+    const std::uint64_t inputSlotBytes = inputUnits * unitBytes;
+    const unsigned char* from = SlotsOf(chunkHeader);
+    unsigned char* to = SlotsOf(nextHeader);
+    for (std::uint64_t slot = 0; slot < slotsPerChunk; ++slot) {
+        for (std::uint64_t output = 0; output < outputUnits; ++output) {
+            StoreUnit(to, GatherUnit(from, inputUnits, block + output * inputSlotBytes));
+            to += unitBytes;
+        }
+        from += inputSlotBytes;
+    }
+}
+
+template <typename Policy>
+void Remap(void* chunkHeader, const void* parameters)
+{
+    RemapChunk(Policy{}, chunkHeader, static_cast<const unsigned char*>(parameters));
+}
+
+template <int units>
+RemapUnits UnitsOf(FixedSize<units>, const ChunkConvertFacility&, const ImageRowFormat&)
+{
+    return {units, units};
+}
+
+RemapUnits UnitsOf(VariableSize, const ChunkConvertFacility& facility, const ImageRowFormat& input)
+{
+    return {CountUnits(PixelBytes(input)), CountRemapOutputUnits(facility, input)};
+}
+
+template <typename InputPolicy, typename OutputPolicy>
+class ConvertRemap final : public ConvertRemapInitialized<InputPolicy, OutputPolicy>
+{
+public:
+    ConvertMethod GetConvertMethod(const ChunkConvertFacility& facility,
+                                   const ImageRowFormat& input, const ChunkStepGeometry&,
+                                   void* parameters) const override
+    {
+        BuildRemapMasks(facility, input, UnitsOf(InputPolicy{}, facility, input),
+                        static_cast<unsigned char*>(parameters));
+        return Remap<InputPolicy>;
+    }
+};
+
+constexpr ConvertRemap<FixedSize<1>, FixedSize<1>> remapOneUnit;
+constexpr ConvertRemap<FixedSize<2>, FixedSize<2>> remapTwoUnits;
+constexpr ConvertRemap<VariableSize, VariableSize> remapUnits;
+
+} // namespace
+
+const IChunkConvertDescriptor* GetRemap(std::uint64_t inputUnits, std::uint64_t outputUnits)
+{
+    if (inputUnits == 1 && outputUnits == 1)
+        return &remapOneUnit;
+    if (inputUnits == 2 && outputUnits == 2)
+        return &remapTwoUnits;
+    return &remapUnits;
+}
+
+} // namespace zvk::Pelkraft::VectorRoad

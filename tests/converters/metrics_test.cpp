@@ -1,0 +1,236 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "converters/convert_classes.h"
+#include "tests/converters/step_runner.h"
+
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+struct Numbers
+{
+    std::uint64_t inputChunks;
+    std::uint64_t outputChunks;
+    std::uint64_t parameterBytes;
+    bool ownRegion;
+};
+
+void ExpectMetrics(const Numbers& expected, const ChunkConvertFacility& facility,
+                   const ImageRowFormat& input)
+{
+    // Whatever was there must be written over.
+    ChunkConvertMetrics metrics = {77, 78, 79, !expected.ownRegion};
+    const ChunkConvertMetrics& answer =
+        facility.select(facility, input)->GetMetrics(metrics, facility, input);
+    EXPECT_EQ(&metrics, &answer);
+    EXPECT_EQ(expected.inputChunks, metrics.inputChunks);
+    EXPECT_EQ(expected.outputChunks, metrics.outputChunks);
+    EXPECT_EQ(expected.parameterBytes, metrics.parameterBytes);
+    EXPECT_EQ(expected.ownRegion, metrics.ownRegion);
+}
+
+TEST(ConvertMetrics, AreOneToOneIntoAnOwnRegionForDepthSteps)
+{
+    for (const Road& road : AvailableRoads())
+        for (const std::size_t channels : {1U, 8U, 9U, 17U, 40U}) {
+            SCOPED_TRACE(road.name);
+            ExpectMetrics({1, 1, 0, true},
+                          ChunkConvertFacility::Create_Convert8to16(road.sseVersion),
+                          FormatOf(8, channels));
+            ExpectMetrics({1, 1, 0, true},
+                          ChunkConvertFacility::Create_Convert16to8(road.sseVersion),
+                          FormatOf(16, channels));
+        }
+}
+
+TEST(ConvertMetrics, ReduceByTheSamplesOfAByteForPackers)
+{
+    for (const Road& road : AvailableRoads()) {
+        SCOPED_TRACE(road.name);
+        ExpectMetrics({8, 1, 16, false}, ChunkConvertFacility::Create_Packer(road.sseVersion, 1),
+                      FormatOf(8, 40));
+        ExpectMetrics({4, 1, 16, false}, ChunkConvertFacility::Create_Packer(road.sseVersion, 2),
+                      FormatOf(8, 40));
+    }
+}
+
+TEST(ConvertMetrics, ExpandByTheSamplesOfAByteForUnpackers)
+{
+    for (const Road& road : AvailableRoads()) {
+        SCOPED_TRACE(road.name);
+        ExpectMetrics({1, 8, 16, false}, ChunkConvertFacility::Create_Unpacker(road.sseVersion, 1),
+                      FormatOf(1, 40, LayoutPlanarPacked));
+        ExpectMetrics({1, 4, 16, false}, ChunkConvertFacility::Create_Unpacker(road.sseVersion, 2),
+                      FormatOf(2, 40, LayoutPlanarPacked));
+    }
+}
+
+TEST(ConvertMetrics, ExpandByTheFactorWithoutItsSignForRepeats)
+{
+    for (const Road& road : AvailableRoads())
+        for (const std::size_t channels : {1U, 17U})
+            for (const std::int32_t factor : {1, 2, 4})
+                for (const std::int32_t sign : {1, -1}) {
+                    SCOPED_TRACE(road.name);
+                    ExpectMetrics(
+                        {1, static_cast<std::uint64_t>(factor), 16, false},
+                        ChunkConvertFacility::Create_PixelRepeat(road.sseVersion, sign * factor),
+                        FormatOf(8, channels));
+                }
+}
+
+TEST(ConvertMetrics, AreOneToOneInPlaceForReverses)
+{
+    for (const Road& road : AvailableRoads())
+        for (const std::size_t channels : {1U, 40U}) {
+            SCOPED_TRACE(road.name);
+            ExpectMetrics({1, 1, 0, false}, ChunkConvertFacility::Create_Reverse(road.sseVersion),
+                          FormatOf(8, channels));
+        }
+}
+
+TEST(ConvertMetrics, HoldAnEntryPerChannelForPortableRemaps)
+{
+    const std::vector<std::int32_t> table(130, 0);
+    for (const std::int32_t bits : {1, 8, 10, 16})
+        for (const std::uint64_t channels : {0U, 1U, 4U, 17U, 33U, 130U})
+            ExpectMetrics({1, 1, 8 * channels, true},
+                          ChunkConvertFacility::Create_Remap(0, channels, table.data()),
+                          FormatOf(bits, 20));
+}
+
+TEST(ConvertMetrics, HoldAMaskPerPairOfUnitsForVectorRemaps)
+{
+    if (!HasVectorRoad())
+        return;
+    struct Case
+    {
+        std::int32_t bits;
+        std::size_t channels;
+        std::uint64_t remapChannels;
+        std::uint64_t parameterBytes;
+    };
+    // Output units times input slot bytes; 16 and 64 where the slots are one or two units each.
+    const Case cases[] = {{8, 4, 4, 16},     {8, 16, 1, 16},    {8, 17, 32, 64}, {8, 20, 10, 32},
+                          {8, 10, 20, 32},   {8, 4, 40, 48},    {8, 40, 4, 48},  {8, 40, 40, 144},
+                          {8, 130, 33, 432}, {16, 8, 8, 16},    {16, 9, 9, 64},  {16, 9, 8, 32},
+                          {16, 20, 20, 144}, {10, 20, 20, 144}, {8, 4, 0, 0},    {1, 33, 1, 48}};
+    const std::vector<std::int32_t> table(130, 0);
+    for (const Case& one : cases)
+        ExpectMetrics({1, 1, one.parameterBytes, true},
+                      ChunkConvertFacility::Create_Remap(3, one.remapChannels, table.data()),
+                      FormatOf(one.bits, one.channels));
+}
+
+// An input in every respect unlike a default, so that what is copied and what is set both show.
+ImageRowFormat OddInput(std::int32_t bits, std::int32_t layout)
+{
+    ImageRowFormat input = FormatOf(bits, 7, layout);
+    input.reversed = true;
+    input.width = 1234;
+    input.activeWidth = 1200;
+    return input;
+}
+
+void ExpectOutput(const ImageRowFormat& expected, const ChunkConvertFacility& facility,
+                  const ImageRowFormat& input)
+{
+    ImageRowFormat output;
+    output.bits = 99;
+    output.layout = 99;
+    output.channels = 99;
+    output.reversed = !expected.reversed;
+    output.width = 555;
+    output.activeWidth = 444;
+    const ImageRowFormat& answer =
+        facility.select(facility, input)->GetOutputFormat(output, facility, input);
+    EXPECT_EQ(&output, &answer);
+    EXPECT_EQ(expected.bits, output.bits);
+    EXPECT_EQ(expected.layout, output.layout);
+    EXPECT_EQ(expected.channels, output.channels);
+    EXPECT_EQ(expected.reversed, output.reversed);
+    EXPECT_EQ(555, output.width);
+    EXPECT_EQ(444, output.activeWidth);
+}
+
+TEST(ConvertOutputFormat, IsInterleavedAtTheNewDepth)
+{
+    for (const Road& road : AvailableRoads()) {
+        SCOPED_TRACE(road.name);
+        ExpectOutput(FormatOf(16, 7), ChunkConvertFacility::Create_Convert8to16(road.sseVersion),
+                     OddInput(8, LayoutPlanar));
+        ExpectOutput(FormatOf(8, 7), ChunkConvertFacility::Create_Convert16to8(road.sseVersion),
+                     OddInput(16, LayoutPlanar));
+        for (const std::int32_t depth : {1, 2}) {
+            ExpectOutput(FormatOf(8, 7),
+                         ChunkConvertFacility::Create_Packer(road.sseVersion, depth),
+                         OddInput(8, LayoutPlanar));
+            ExpectOutput(FormatOf(8, 7),
+                         ChunkConvertFacility::Create_Unpacker(road.sseVersion, depth),
+                         OddInput(depth, LayoutPlanarPacked));
+        }
+    }
+}
+
+TEST(ConvertOutputFormat, IsTheInputsForRepeatsAndReverses)
+{
+    for (const Road& road : AvailableRoads())
+        for (const std::int32_t bits : {1, 8, 10, 16})
+            for (const std::int32_t layout : {LayoutInterleaved, LayoutPlanar, LayoutPlanarPacked})
+                for (const bool reversed : {false, true}) {
+                    SCOPED_TRACE(road.name);
+                    ImageRowFormat input = OddInput(bits, layout);
+                    input.reversed = reversed;
+                    for (const std::int32_t factor : {1, 2, 4})
+                        ExpectOutput(
+                            input,
+                            ChunkConvertFacility::Create_PixelRepeat(road.sseVersion, factor),
+                            input);
+                    ExpectOutput(input, ChunkConvertFacility::Create_Reverse(road.sseVersion),
+                                 input);
+                }
+}
+
+TEST(ConvertOutputFormat, HasTheChannelsOfTheTableForRemaps)
+{
+    const std::vector<std::int32_t> table(40, 0);
+    for (const Road& road : AvailableRoads())
+        for (const std::int32_t bits : {1, 2, 8, 10, 16})
+            for (const std::size_t channels : {0U, 1U, 5U, 17U, 40U}) {
+                SCOPED_TRACE(road.name);
+                ExpectOutput(
+                    FormatOf(bits, channels),
+                    ChunkConvertFacility::Create_Remap(road.sseVersion, channels, table.data()),
+                    OddInput(bits, LayoutPlanar));
+            }
+}
+
+TEST(ConvertOutputFormat, RefusesDepthsThatNoRowHasForEveryRemap)
+{
+    const std::int32_t table[] = {0, 1, 2, 3};
+    std::vector<std::int32_t> unsupported = {-8, 0, 17, 24, 32, 33, 40};
+    for (std::int32_t bits = 3; bits < 16; ++bits)
+        if (bits != 8 && bits != 10)
+            unsupported.push_back(bits);
+    std::vector<const IChunkConvertDescriptor*> members = {PortableRoad::GetRemap(1),
+                                                           PortableRoad::GetRemap(2)};
+#ifdef PELKRAFT_VECTOR_ROAD
+    members.push_back(VectorRoad::GetRemap(1, 1));
+    members.push_back(VectorRoad::GetRemap(2, 2));
+    members.push_back(VectorRoad::GetRemap(3, 1));
+#endif
+    const auto facility = ChunkConvertFacility::Create_Remap(0, 4, table);
+    for (const IChunkConvertDescriptor* member : members)
+        for (const std::int32_t bits : unsupported) {
+            ImageRowFormat output;
+            EXPECT_EQ("zvk::Pelkraft::ImageRowFormat unsupported bit depth",
+                      TextOf([&] { member->GetOutputFormat(output, facility, FormatOf(bits, 4)); }))
+                << bits;
+        }
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport
