@@ -51,19 +51,13 @@ void SaveChunk(const void* chunkHeader, void* row)
 class ChunkMultiLoaderX86I final : public InterleavedLoader
 {
 public:
-    LoadMethod GetLoadMethod(const ChunkLoadFacilityInternal&) const override
-    {
-        return LoadChunk;
-    }
+    LoadMethod GetLoadMethod(const ChunkLoadFacilityInternal&) const override { return LoadChunk; }
 };
 
 class ChunkMultiSaverX86I final : public InterleavedSaver
 {
 public:
-    SaveMethod GetLoadMethod(const ChunkSaveFacilityInternal&) const override
-    {
-        return SaveChunk;
-    }
+    SaveMethod GetLoadMethod(const ChunkSaveFacilityInternal&) const override { return SaveChunk; }
 };
 
 constexpr ChunkMultiLoaderX86I loader;

@@ -10,8 +10,8 @@ unsigned char* AllocateAligned(std::uint64_t bytes, std::size_t alignment) noexc
 {
     if (bytes > std::numeric_limits<std::size_t>::max())
         return nullptr;
-    return static_cast<unsigned char*>(::operator new(static_cast<std::size_t>(bytes),
-                                                      std::align_val_t(alignment), std::nothrow));
+    return static_cast<unsigned char*>(
+        ::operator new(static_cast<std::size_t>(bytes), std::align_val_t(alignment), std::nothrow));
 }
 
 void FreeAligned(unsigned char* memory, std::size_t alignment) noexcept

@@ -1,0 +1,59 @@
+#include "common/row_size.h"
+
+#include <limits>
+
+namespace zvk::Pelkraft {
+namespace {
+
+std::int32_t WrappedProduct(std::int32_t a, std::int32_t b)
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
+}
+
+std::int32_t WrappedRoundToBytes(std::int32_t bits)
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(bits) + 7U) / 8;
+}
+
+// What no 32-bit size equals.
+constexpr std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
+
+std::int64_t LimitedProduct(std::int64_t a, std::int64_t b)
+{
+    constexpr std::int64_t limit = std::int64_t{1} << 31;
+    if (a == 0 || b == 0)
+        return 0;
+    if (a > limit || a < -limit || b > limit || b < -limit)
+        return tooLarge;
+    return a * b;
+}
+
+std::int64_t ExactRowSize(const RowGeometry& geometry)
+{
+    const std::int64_t bits = geometry.bits;
+    if (!geometry.planar)
+        return LimitedProduct(LimitedProduct(geometry.channels, geometry.width), (bits + 7) / 8);
+    return LimitedProduct(geometry.channels, (geometry.width * bits + 7) / 8);
+}
+
+} // namespace
+
+std::int32_t WrappedPlaneSize(const RowGeometry& geometry)
+{
+    return WrappedRoundToBytes(WrappedProduct(geometry.width, geometry.bits));
+}
+
+std::int32_t WrappedRowSize(const RowGeometry& geometry)
+{
+    if (geometry.planar)
+        return WrappedProduct(geometry.channels, WrappedPlaneSize(geometry));
+    return WrappedProduct(WrappedProduct(geometry.channels, geometry.width),
+                          WrappedRoundToBytes(geometry.bits));
+}
+
+bool RowSizeFits(const RowGeometry& geometry)
+{
+    return ExactRowSize(geometry) == WrappedRowSize(geometry);
+}
+
+} // namespace zvk::Pelkraft

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+#include "common/chunk_header.h"
+#include "common/image_row_format.h"
+
+namespace zvk::Pelkraft {
+
+// Clears what a packed destination's last byte column holds behind the row's last pixel. Does
+// nothing for other rows, or where `pixels` of them end at a byte's end.
+void MaskLastSlot(ChunkHeader* chunk, std::uint64_t slot, const ImageRowFormat& destination,
+                  std::int64_t pixels);
+
+} // namespace zvk::Pelkraft

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "common/aligned_memory.h"
+#include "common/chunk_header.h"
+#include "portal/chain_metrics.h"
+#include "portal/offset_table.h"
+
+namespace zvk::Pelkraft {
+
+// What each chunk's header says of one end of the conversion.
+struct SideGeometry
+{
+    std::uint64_t unitCount;
+    std::uint64_t planePitch;
+    // 0 where no partial chunk is staged.
+    std::uint64_t stripBytes;
+};
+
+// The one allocation in which a conversion works: chunks region after region, the offset table,
+// then the strips and the parameter blocks. Zeroed, so that no foreign memory reaches a row.
+class OperationBufferContainer
+{
+public:
+    // Throws std::bad_alloc.
+    OperationBufferContainer(const ChainMetrics& metrics, const SideGeometry& load,
+                             const SideGeometry& save);
+
+    // The region's first chunk.
+    ChunkHeader* GetChunk(std::size_t region) const;
+    std::uint64_t GetSize() const { return size; }
+
+    // Null if the block is empty.
+    void* GetLoadStrip() const { return table.GetBlock(data.get(), 0); }
+    void* GetSaveStrip() const { return table.GetBlock(data.get(), 1); }
+    void* GetParameterBlock(std::size_t step) const { return table.GetBlock(data.get(), 2 + step); }
+
+private:
+    void SetEntries(const ChainMetrics& metrics, const SideGeometry& load,
+                    const SideGeometry& save);
+    void WriteHeaders(const ChainMetrics& metrics, const ChunkHeader& prototype) const;
+
+    AlignedMemory<64> data;
+    std::uint64_t size = 0;
+    OffsetTable table;
+    std::uint64_t regionOffsets[maxActiveSteps + 1] = {};
+};
+
+// The slots behind a header.
+inline unsigned char* GetSlots(ChunkHeader* chunk)
+{
+    return reinterpret_cast<unsigned char*>(chunk + 1);
+}
+
+// The chunk that lies this many bytes behind another.
+inline ChunkHeader* Advance(ChunkHeader* chunk, std::uint64_t bytes)
+{
+    return reinterpret_cast<ChunkHeader*>(reinterpret_cast<unsigned char*>(chunk) + bytes);
+}
+
+} // namespace zvk::Pelkraft
