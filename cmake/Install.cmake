@@ -1,14 +1,19 @@
 # Everything is found relative to where the package stands, so that a prefix can be moved.
 set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/pelkraft)
-install(TARGETS pelkraft zvk_system_tools EXPORT pelkraftTargets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+foreach(pair IN ITEMS "pelkraft;pelkraftTargets" "zvk_system_tools;systemToolsTargets")
+    list(GET pair 0 library)
+    list(GET pair 1 exportSet)
+    install(TARGETS ${library} EXPORT ${exportSet}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endforeach()
 set_target_properties(pelkraft zvk_system_tools PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(DIRECTORY include/pelkraft DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY system_tools/include/zvk DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-install(EXPORT pelkraftTargets DESTINATION ${packageDir} FILE pelkraftTargets.cmake)
+install(EXPORT systemToolsTargets DESTINATION ${packageDir} NAMESPACE zvk::)
+install(EXPORT pelkraftTargets DESTINATION ${packageDir} NAMESPACE pelkraft::)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/pelkraftConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES cmake/pelkraftConfig.cmake ${PROJECT_BINARY_DIR}/pelkraftConfigVersion.cmake

@@ -17,8 +17,7 @@ GuardedBuffer::GuardedBuffer(std::size_t size, Flush flush, unsigned char fill) 
 
 GuardedBuffer::GuardedBuffer(const std::vector<unsigned char>& newContent, Flush flush)
     : GuardedBuffer(newContent, flush, 0)
-{
-}
+{}
 
 GuardedBuffer::GuardedBuffer(const std::vector<unsigned char>& newContent, Flush flush,
                              std::size_t gap)
@@ -59,8 +58,8 @@ void GuardedBuffer::Map(Flush flush, std::size_t gap)
     mapping = static_cast<unsigned char*>(memory);
     if (inside != 0 && mprotect(mapping + page, inside, PROT_READ | PROT_WRITE) != 0)
         throw std::bad_alloc();
-    content = flush == Flush::AtEnd ? mapping + page + inside - contentSize - gap
-                                    : mapping + page + gap;
+    content =
+        flush == Flush::AtEnd ? mapping + page + inside - contentSize - gap : mapping + page + gap;
 }
 
 } // namespace zvk::Pelkraft::TestSupport

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include "pelkraft/image_row.h"
+#include "tests/support/guarded_buffer.h"
+#include "tests/support/naive_conversion.h"
+
+namespace zvk::Pelkraft::TestSupport {
+
+// One conversion through the public row class.
+struct ConversionCase
+{
+    NaiveGeometry source;
+    NaiveGeometry destination;
+    NaiveOperation operation;
+    bool forcePortable;
+};
+
+std::string Describe(const ConversionCase& oneCase);
+
+// Runs it on the given buffers, which hold exactly the rows' bytes.
+void RunConversion(const ConversionCase& oneCase, unsigned char* source,
+                   unsigned char* destination);
+
+// How many channels, from the first, the portable unpacker leaves as they are. They are not
+// compared: all others of the destination are.
+bool IsLeftPacked(const ConversionCase& oneCase, int destinationChannel);
+
+// Sets the samples that IsLeftPacked names to 0, so that the rest can be compared whole.
+void ForgetLeftPacked(const ConversionCase& oneCase, Bytes& destinationRow);
+
+} // namespace zvk::Pelkraft::TestSupport

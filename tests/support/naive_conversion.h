@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+// What a conversion has to do, sample by sample from the definition, in plain loops. Includes
+// nothing of the library, so that it is a second opinion.
+namespace zvk::Pelkraft::TestSupport {
+
+using Bytes = std::vector<unsigned char>;
+
+struct NaiveGeometry
+{
+    int width;
+    int channels;
+    int bits;
+    bool planar;
+};
+
+// A plain fill, a repeat by a factor, or a map; factor is 1 but for a repeat.
+struct NaiveOperation
+{
+    bool isFill = true;
+    int factor = 1;
+    bool hasMap = false;
+    std::vector<int> map;
+};
+
+std::string Describe(const NaiveGeometry& geometry);
+std::string Describe(const NaiveOperation& operation);
+
+// Bit-packed planes, several samples in a byte.
+bool IsNaivePacked(const NaiveGeometry& geometry);
+std::size_t NaiveRowBytes(const NaiveGeometry& geometry);
+
+// All samples, pixel by pixel; channels of a pixel side by side.
+std::vector<unsigned> ReadSamples(const NaiveGeometry& geometry, const Bytes& row);
+
+// Sets the first count samples of a channel to 0.
+void ClearSamples(const NaiveGeometry& geometry, Bytes& row, int channel, int count);
+
+// The number of destination pixels that a conversion sets.
+int CountSetPixels(const NaiveGeometry& source, const NaiveGeometry& destination, int factor);
+
+// Whether a way leads from one kind of row to the other.
+bool IsServed(const NaiveGeometry& source, const NaiveGeometry& destination,
+              const NaiveOperation& operation);
+
+// The destination's bytes after the conversion, given those before it.
+Bytes NaiveConvert(const NaiveGeometry& source, const Bytes& sourceRow,
+                   const NaiveGeometry& destination, const Bytes& before,
+                   const NaiveOperation& operation);
+
+} // namespace zvk::Pelkraft::TestSupport
