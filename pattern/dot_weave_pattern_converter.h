@@ -1,0 +1,70 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "pattern/combination_distribution.h"
+#include "pattern/in_color_records.h"
+#include "pattern/pattern_combinations.h"
+#include "pattern/pattern_model.h"
+#include "pattern/pattern_reader.h"
+
+namespace zvk::Pelkraft {
+
+// Turns a pattern text into tables that an engine applies with lookups alone. Built once, loaded
+// once by its engine, then read only. Each final form prepares the rows for its own engine.
+class DotWeavePatternConverter
+{
+public:
+    DotWeavePatternConverter(const DotWeavePatternConverter&) = delete;
+    DotWeavePatternConverter& operator=(const DotWeavePatternConverter&) = delete;
+
+    // False if the header word is missing. The flag has no effect. Throws.
+    virtual bool Parse(std::string text, int flag);
+    virtual void Reset();
+
+    // Throws all that a text can be refused for, a missing header word with the wide
+    // "Internal Message: init from dotweave pattern failed".
+    void Load(const char* text);
+
+    // Counts of distinct names: a repeated name makes them smaller than the lists.
+    std::int32_t GetInColorCount() const { return static_cast<std::int32_t>(mInColorNames.size()); }
+    std::int32_t GetOutInkCount() const { return static_cast<std::int32_t>(mOutInkNames.size()); }
+
+    std::int32_t GetVersion() const { return mVersion; }
+    std::int32_t GetRandomSeed() const { return mRandomSeed; }
+    std::uint32_t GetCombinationCount() const { return mNumCombinations; }
+    const PatternCombinations& GetCombinations() const { return mCombinations; }
+    const CombinationDistribution& GetDistribution() const { return mDistribution; }
+    const std::array<std::uint8_t, 16>& GetInColorOfOutInk() const { return mInColorOfOutInk; }
+    const std::array<std::uint8_t, 16>& GetMaxStepOfInColor() const { return mMaxStepOfInColor; }
+    const std::vector<std::string>& GetTokens() const { return mTokens; }
+    const InColorRecords<InColorRecord>& GetInColors() const { return mInColors; }
+
+protected:
+    DotWeavePatternConverter();
+    ~DotWeavePatternConverter() = default;
+
+    PatternCombinations mCombinations{};
+    std::uint32_t mNumCombinations = 0;
+
+private:
+    class TextSink;
+
+    void Finish();
+
+    std::int32_t mVersion = 1;
+    InColorRecords<InColorRecord> mInColors;
+    std::array<std::uint8_t, 16> mInColorOfOutInk;
+    std::array<std::uint8_t, 16> mMaxStepOfInColor{};
+    std::int32_t mRandomSeed = 42;
+    CombinationDistribution mDistribution;
+    char mCommentCharacter = '#';
+    std::vector<std::string> mTokens;
+    NameTable mInColorNames;
+    NameTable mOutInkNames;
+};
+
+} // namespace zvk::Pelkraft

@@ -1,0 +1,125 @@
+#include "pattern/early_check.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+#include "tests/pattern/pattern_support.h"
+
+namespace zvk::Pelkraft {
+namespace {
+
+using TestSupport::WhatIsThrown;
+
+const std::string noVersion = "wide: Internal Message: no version in dotweave pattern";
+
+std::string Refusal(const char* text)
+{
+    return WhatIsThrown([text] { CheckPatternText(text); });
+}
+
+// A text of any length, whose memory is two megabytes that are mapped again and again.
+class LongText
+{
+public:
+    explicit LongText(std::size_t length) : mappedBytes((length / blockBytes + 1) * blockBytes)
+    {
+        const int file = memfd_create("text", 0);
+        if (file < 0 || ftruncate(file, blockBytes) != 0)
+            return;
+        void* memory = mmap(nullptr, mappedBytes + blockBytes, PROT_NONE,
+                            MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        if (memory == MAP_FAILED)
+            return;
+        text = static_cast<char*>(memory);
+        for (std::size_t at = 0; at < mappedBytes; at += blockBytes)
+            mmap(text + at, blockBytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0);
+        std::memset(text, 'x', blockBytes);
+        // A page of its own for the end, since all other blocks are one and the same.
+        char* lastBlock = text + mappedBytes - blockBytes;
+        mmap(lastBlock, blockBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED,
+             -1, 0);
+        std::memset(lastBlock, 'x', blockBytes);
+        text[length] = 0;
+        close(file);
+    }
+
+    ~LongText() { munmap(text, mappedBytes + blockBytes); }
+    LongText(const LongText&) = delete;
+    LongText& operator=(const LongText&) = delete;
+
+    const char* get() const { return text; }
+
+private:
+    static constexpr std::size_t blockBytes = std::size_t{2} << 20;
+    const std::size_t mappedBytes;
+    char* text = nullptr;
+};
+
+TEST(EarlyCheck, RefusesANullPointer)
+{
+    EXPECT_EQ(Refusal(nullptr), "wide: Internal Message: no input dotweave pattern");
+}
+
+TEST(EarlyCheck, RefusesExactlyOneLength)
+{
+    const LongText text(0x7FFFFFFF);
+    ASSERT_NE(text.get(), nullptr);
+    EXPECT_EQ(Refusal(text.get()), "wide: Internal Message: to long dotweave pattern");
+}
+
+TEST(EarlyCheck, RefusesATextThatIsTooShortForAVersion)
+{
+    for (const char* text : {"", "V", "VERSIO", "      "})
+        EXPECT_EQ(Refusal(text), noVersion) << text;
+}
+
+TEST(EarlyCheck, RefusesATextWithoutTheWord)
+{
+    EXPECT_EQ(Refusal("DotWeavePattern version 2"), noVersion);
+    EXPECT_EQ(Refusal("DotWeavePattern VERSIO N2"), noVersion);
+}
+
+TEST(EarlyCheck, RefusesAWordWithoutAPieceBehindIt)
+{
+    for (const char* text :
+         {"VERSION", "DotWeavePattern VERSION", "VERSION \t\n ", "VERSION2", "VERSION\r3"})
+        EXPECT_EQ(Refusal(text), noVersion) << text;
+}
+
+TEST(EarlyCheck, ReadsTheSecondPieceAsANumber)
+{
+    EXPECT_EQ(CheckPatternText("VERSION 3"), 3);
+    EXPECT_EQ(CheckPatternText("DotWeavePattern\nVERSION\t2\nRANDOM_SEED 7"), 2);
+    EXPECT_EQ(CheckPatternText("VERSION    \n\t 12x"), 12);
+    EXPECT_EQ(CheckPatternText("VERSION\r\n3\r\n"), 3);
+    EXPECT_EQ(CheckPatternText("VERSIONS 5 6"), 5);
+    EXPECT_EQ(CheckPatternText("VERSION two"), 0);
+    EXPECT_EQ(CheckPatternText("VERSION -1"), -1);
+    EXPECT_EQ(CheckPatternText("VERSION 99999999999"), INT32_MAX);
+}
+
+TEST(EarlyCheck, TakesTheFirstWordEvenInACommentOrInQuotes)
+{
+    EXPECT_EQ(CheckPatternText("#VERSION 2\nVERSION 3"), 2);
+    EXPECT_EQ(CheckPatternText("\"x VERSION 4\" VERSION 3"), 4);
+    EXPECT_EQ(CheckPatternText("MYVERSION 5 VERSION 3"), 5);
+}
+
+TEST(EarlyCheck, SeesTwentyBytesAndAsManyAsStandInFront)
+{
+    // At position 0 the piece is 20 bytes: the word, 12 blanks and one byte of the number.
+    EXPECT_EQ(CheckPatternText("VERSION            34"), 3);
+    EXPECT_EQ(Refusal("VERSION             34"), noVersion);
+    // Each byte in front lets one more be seen.
+    EXPECT_EQ(CheckPatternText("xVERSION            34"), 34);
+    EXPECT_EQ(CheckPatternText("xVERSION             34"), 3);
+    EXPECT_EQ(CheckPatternText("xxVERSION             34"), 34);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "pattern/dot_weave_pattern_converter.h"
+
+namespace zvk::Pelkraft::TestSupport {
+
+// "narrow: ..." or "wide: ...", the thrown text whole; "nothing" if the action returns.
+std::string WhatIsThrown(const std::function<void()>& action);
+
+// " C3" of " C" and 3.
+std::string Numbered(const char* prefix, int number);
+
+// Two in-colours, Cyan with four steps and Black with two, and three out-inks.
+extern const char* const exampleText;
+
+// The lines in front of the first in-colour.
+std::string Head(const std::string& version, const std::string& inColors,
+                 const std::string& outInks);
+
+// One in-colour block: its inks and its value lines.
+std::string InColor(const std::string& name, const std::string& inks, const std::string& values);
+
+// The model as it is before an engine's own form of it.
+class PlainConverter final : public DotWeavePatternConverter
+{};
+
+} // namespace zvk::Pelkraft::TestSupport
