@@ -36,7 +36,7 @@ __m128i SampleMask()
 
 // No bit crosses the border of a byte: what is shifted out of one has not been shifted in yet.
 template <int depth>
-__m128i PackUnit(const unsigned char* from, std::uint64_t slotBytes)
+[[gnu::always_inline]] inline __m128i PackUnit(const unsigned char* from, std::uint64_t slotBytes)
 {
     __m128i packed = _mm_setzero_si128();
     Unroll<pixelsPerByte<depth>>([&](auto pixel) {
@@ -58,7 +58,7 @@ void PackColumn(unsigned char* column, const PackBlock& block)
     for (std::uint64_t chunk = 0; chunk < pixelsPerByte<depth>; ++chunk) {
         const unsigned char* from = column + chunk * chunkBytes;
         Unroll<passesPerChunk<depth>>([&](auto pass) {
-            const auto slot = static_cast<std::uint64_t>(pass * pixelsPerByte<depth>);
+            const auto slot = static_cast<std::uint64_t>(pass) * pixelsPerByte<depth>;
             StoreUnit(to, PackUnit<depth>(from + slot * slotBytes, slotBytes));
             to += slotBytes;
         });
@@ -74,7 +74,8 @@ void PackChunks(void* firstChunkHeader, const void* parameters)
 }
 
 template <int depth>
-void UnpackUnit(__m128i packed, unsigned char* to, std::uint64_t slotBytes)
+[[gnu::always_inline]] inline void UnpackUnit(__m128i packed, unsigned char* to,
+                                              std::uint64_t slotBytes)
 {
     Unroll<pixelsPerByte<depth>>([&](auto step) {
         const auto slot = static_cast<std::uint64_t>(pixelsPerByte<depth> - 1 - step);

@@ -13,9 +13,11 @@ namespace {
 
 void LeaveChunk(void*, const void*) {}
 
-// One unit of each slot. Descending, so that the copies land on slots that have been read.
+// One unit of each slot. Descending, so that the copies land on slots that have been read. Inlined
+// by force, so that a known slot size is a constant in every address.
 template <int factor>
-void RepeatColumn(unsigned char* column, std::uint64_t slotBytes, std::uint64_t stride)
+[[gnu::always_inline]] inline void RepeatColumn(unsigned char* column, std::uint64_t slotBytes,
+                                                std::uint64_t stride)
 {
     Unroll<slotsPerChunk>([=](auto step) {
         constexpr int slot = slotsPerChunk - 1 - step;

@@ -2,7 +2,6 @@
 
 #include <type_traits>
 
-#include "common/size_policies.h"
 #include "common/units.h"
 #include "converters/convert_facility.h"
 #include "converters/output_format.h"

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "common/size_policies.h"
 #include "converters/convert_descriptor.h"
 
 namespace zvk::Pelkraft {
@@ -30,6 +31,10 @@ public:
 protected:
     ~ConvertRemapInitialized() = default;
 };
+
+extern template class ConvertRemapInitialized<FixedSize<1>, FixedSize<1>>;
+extern template class ConvertRemapInitialized<FixedSize<2>, FixedSize<2>>;
+extern template class ConvertRemapInitialized<VariableSize, VariableSize>;
 
 // Units of one slot of the remapped pixels.
 std::uint64_t CountRemapOutputUnits(const ChunkConvertFacility& facility,

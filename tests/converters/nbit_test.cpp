@@ -1,0 +1,366 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/converters/chunk_memory.h"
+#include "tests/converters/step_runner.h"
+
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+// A packing or unpacking step as the portal may place it: its unpacked chunks stand `hop` strides
+// apart.
+struct Shape
+{
+    std::size_t depth;
+    std::size_t channels;
+    std::size_t hop = 1;
+
+    std::size_t SamplesPerByte() const
+    {
+        return 8 / depth;
+    }
+    std::size_t Chunks() const
+    {
+        return SamplesPerByte() * hop;
+    }
+};
+
+ChunkMemory MemoryOf(const Shape& shape, std::uint32_t seed, Flush flush = Flush::AtEnd)
+{
+    return ChunkMemory({{shape.channels, shape.Chunks()}}, seed, flush);
+}
+
+void Pack(const Shape& shape, const Road& road, const ChunkMemory& memory)
+{
+    const auto depth = static_cast<std::int32_t>(shape.depth);
+    RunStep({ChunkConvertFacility::Create_Packer(road.sseVersion, depth),
+             FormatOf(8, shape.channels),
+             {shape.hop, shape.SamplesPerByte() * shape.hop, memory.Stride(0), memory.Stride(0)}},
+            memory.Header(0));
+}
+
+void Unpack(const Shape& shape, const Road& road, const ChunkMemory& memory)
+{
+    const auto depth = static_cast<std::int32_t>(shape.depth);
+    RunStep({ChunkConvertFacility::Create_Unpacker(road.sseVersion, depth),
+             FormatOf(depth, shape.channels, LayoutPlanarPacked),
+             {shape.SamplesPerByte() * shape.hop, shape.hop, memory.Stride(0), memory.Stride(0)}},
+            memory.Header(0));
+}
+
+// Where the sample of a pixel lies, counted through the unpacked chunks.
+std::size_t SampleAt(const ChunkMemory& memory, const Shape& shape, std::size_t pixel,
+                     std::size_t lane)
+{
+    return memory.SlotStart(0, pixel / 16 * shape.hop, pixel % 16) + lane;
+}
+
+unsigned ShiftOf(const Shape& shape, std::size_t pixelInByte)
+{
+    return static_cast<unsigned>(8 - shape.depth * (pixelInByte + 1));
+}
+
+unsigned MaskOf(const Shape& shape)
+{
+    return shape.depth == 1 ? 1 : 3;
+}
+
+struct Lanes
+{
+    std::size_t first;
+    std::size_t end;
+};
+
+std::size_t RoundUp(std::size_t value, std::size_t step)
+{
+    return (value + step - 1) / step * step;
+}
+
+// What a road packs: whole slots, or whole words from the slot's start.
+Lanes PackedLanes(const Road& road, const Shape& shape)
+{
+    return {0, RoundUp(shape.channels, road.isVector ? 16 : 4)};
+}
+
+// What a road unpacks: whole slots, or as many words, but at the slot's end.
+Lanes UnpackedLanes(const Road& road, const Shape& shape)
+{
+    const std::size_t slotBytes = RoundUp(shape.channels, 16);
+    return {road.isVector ? 0 : slotBytes - RoundUp(shape.channels, 4), slotBytes};
+}
+
+Bytes NaivePack(Bytes bytes, const ChunkMemory& memory, const Shape& shape, Lanes lanes)
+{
+    const Bytes before = bytes;
+    for (std::size_t lane = lanes.first; lane < lanes.end; ++lane)
+        for (std::size_t group = 0; group < 16; ++group) {
+            unsigned sum = 0;
+            for (std::size_t k = 0; k < shape.SamplesPerByte(); ++k) {
+                const std::size_t pixel = group * shape.SamplesPerByte() + k;
+                sum += (before[SampleAt(memory, shape, pixel, lane)] & MaskOf(shape))
+                       << ShiftOf(shape, k);
+            }
+            bytes[memory.SlotStart(0, 0, group) + lane] = static_cast<unsigned char>(sum);
+        }
+    return bytes;
+}
+
+Bytes NaiveUnpack(Bytes bytes, const ChunkMemory& memory, const Shape& shape, Lanes lanes)
+{
+    const Bytes before = bytes;
+    for (std::size_t lane = lanes.first; lane < lanes.end; ++lane)
+        for (std::size_t pixel = 0; pixel < 16 * shape.SamplesPerByte(); ++pixel) {
+            const std::size_t group = pixel / shape.SamplesPerByte();
+            const unsigned packed = before[memory.SlotStart(0, 0, group) + lane];
+            bytes[SampleAt(memory, shape, pixel, lane)] = static_cast<unsigned char>(
+                (packed >> ShiftOf(shape, pixel % shape.SamplesPerByte())) & MaskOf(shape));
+        }
+    return bytes;
+}
+
+std::string NameOf(const Road& road, const Shape& shape)
+{
+    return std::string(road.name) + ", depth " + std::to_string(shape.depth) + ", channels " +
+           std::to_string(shape.channels) + ", hop " + std::to_string(shape.hop);
+}
+
+class NbitStep : public testing::TestWithParam<std::size_t>
+{};
+
+TEST_P(NbitStep, PacksEveryChannelCountAndLeavesTheRest)
+{
+    for (std::size_t channels = 1; channels <= 130; ++channels)
+        for (const std::size_t hop : {1U, 2U, 3U})
+            for (const Road& road : AvailableRoads()) {
+                const Shape shape = {GetParam(), channels, hop};
+                SCOPED_TRACE(NameOf(road, shape));
+                const auto seed = static_cast<std::uint32_t>(channels * 10 + hop);
+                const ChunkMemory memory = MemoryOf(shape, seed);
+                const Bytes expected =
+                    NaivePack(memory.bytes(), memory, shape, PackedLanes(road, shape));
+                Pack(shape, road, memory);
+                ASSERT_EQ(expected, memory.bytes());
+            }
+}
+
+TEST_P(NbitStep, UnpacksTheLanesOfItsRoadAndLeavesTheRest)
+{
+    for (std::size_t channels = 1; channels <= 130; ++channels)
+        for (const std::size_t hop : {1U, 2U, 3U})
+            for (const Road& road : AvailableRoads()) {
+                const Shape shape = {GetParam(), channels, hop};
+                SCOPED_TRACE(NameOf(road, shape));
+                const auto seed = static_cast<std::uint32_t>(channels * 10 + hop);
+                const ChunkMemory memory = MemoryOf(shape, seed);
+                const Bytes expected =
+                    NaiveUnpack(memory.bytes(), memory, shape, UnpackedLanes(road, shape));
+                Unpack(shape, road, memory);
+                ASSERT_EQ(expected, memory.bytes());
+            }
+}
+
+TEST_P(NbitStep, StaysBehindTheStartOfItsChunks)
+{
+    for (const std::size_t channels : {1U, 4U, 13U, 16U, 17U, 33U})
+        for (const Road& road : AvailableRoads()) {
+            const Shape shape = {GetParam(), channels};
+            SCOPED_TRACE(NameOf(road, shape));
+            const ChunkMemory memory = MemoryOf(shape, 3, Flush::AtStart);
+            const Bytes packed = NaivePack(memory.bytes(), memory, shape, PackedLanes(road, shape));
+            Pack(shape, road, memory);
+            ASSERT_EQ(packed, memory.bytes());
+            const Bytes unpacked = NaiveUnpack(packed, memory, shape, UnpackedLanes(road, shape));
+            Unpack(shape, road, memory);
+            ASSERT_EQ(unpacked, memory.bytes());
+        }
+}
+
+TEST_P(NbitStep, DoesNothingWithoutChannels)
+{
+    for (const Road& road : AvailableRoads()) {
+        const Shape shape = {GetParam(), 0};
+        const ChunkMemory memory = MemoryOf(shape, 1);
+        const Bytes before = memory.bytes();
+        Pack(shape, road, memory);
+        Unpack(shape, road, memory);
+        EXPECT_EQ(before, memory.bytes()) << road.name;
+    }
+}
+
+// Every value of a packed byte in every lane, and every value of a sample at every place of its
+// byte: 256 values stand in the 16 slots of 16 lanes.
+TEST_P(NbitStep, ServesAllByteValues)
+{
+    for (const Road& road : AvailableRoads()) {
+        const Shape shape = {GetParam(), 16};
+        SCOPED_TRACE(road.name);
+        const ChunkMemory packed = MemoryOf(shape, 1);
+        for (std::size_t slot = 0; slot < 16; ++slot)
+            for (std::size_t lane = 0; lane < 16; ++lane)
+                packed.SetByte(packed.SlotStart(0, 0, slot) + lane,
+                               static_cast<unsigned char>(16 * slot + lane));
+        const Bytes unpacked = NaiveUnpack(packed.bytes(), packed, shape, {0, 16});
+        Unpack(shape, road, packed);
+        ASSERT_EQ(unpacked, packed.bytes());
+
+        for (unsigned value = 0; value < 256; ++value) {
+            const ChunkMemory samples = MemoryOf(shape, 2);
+            for (std::size_t pixel = 0; pixel < 16 * shape.SamplesPerByte(); ++pixel)
+                for (std::size_t lane = 0; lane < 16; ++lane)
+                    samples.SetByte(SampleAt(samples, shape, pixel, lane),
+                                    static_cast<unsigned char>(value + pixel * lane));
+            const Bytes expected = NaivePack(samples.bytes(), samples, shape, {0, 16});
+            Pack(shape, road, samples);
+            ASSERT_EQ(expected, samples.bytes());
+        }
+    }
+}
+
+TEST_P(NbitStep, PacksToTheSameRealLanesOnBothRoads)
+{
+    for (std::size_t channels = 1; channels <= 130; ++channels) {
+        const Shape shape = {GetParam(), channels};
+        std::vector<Bytes> lanes;
+        for (const Road& road : AvailableRoads()) {
+            const ChunkMemory memory = MemoryOf(shape, 11);
+            Pack(shape, road, memory);
+            const Bytes bytes = memory.bytes();
+            Bytes real;
+            for (std::size_t slot = 0; slot < 16; ++slot)
+                for (std::size_t lane = 0; lane < channels; ++lane)
+                    real.push_back(bytes[memory.SlotStart(0, 0, slot) + lane]);
+            lanes.push_back(real);
+        }
+        ASSERT_EQ(lanes.front(), lanes.back()) << channels;
+    }
+}
+
+TEST_P(NbitStep, UnpacksToTheSameBytesOnBothRoadsWhereTheSlotIsNearlyFull)
+{
+    for (std::size_t channels = 1; channels <= 130; ++channels) {
+        const Shape shape = {GetParam(), channels};
+        std::vector<Bytes> results;
+        for (const Road& road : AvailableRoads()) {
+            const ChunkMemory memory = MemoryOf(shape, 12);
+            Unpack(shape, road, memory);
+            results.push_back(memory.bytes());
+        }
+        const bool nearlyFull = RoundUp(channels, 16) - channels <= 3;
+        const bool equal = results.front() == results.back();
+        EXPECT_EQ(nearlyFull || !HasVectorRoad(), equal) << channels;
+    }
+}
+
+TEST_P(NbitStep, RestoresTheLowestBitsOfEachSampleOnTheVectorRoad)
+{
+    if (!HasVectorRoad())
+        return;
+    const Road vector = {"vector", 3, true};
+    for (std::size_t channels = 1; channels <= 130; ++channels) {
+        const Shape shape = {GetParam(), channels};
+        const ChunkMemory memory = MemoryOf(shape, 13);
+        const Bytes before = memory.bytes();
+        Pack(shape, vector, memory);
+        Unpack(shape, vector, memory);
+        const Bytes after = memory.bytes();
+        for (std::size_t pixel = 0; pixel < 16 * shape.SamplesPerByte(); ++pixel)
+            for (std::size_t lane = 0; lane < channels; ++lane) {
+                const std::size_t at = SampleAt(memory, shape, pixel, lane);
+                ASSERT_EQ(before[at] & MaskOf(shape), after[at]) << channels;
+            }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryDepth, NbitStep, testing::Values(1, 2),
+                         [](const testing::TestParamInfo<std::size_t>& depth) {
+                             return "Depth" + std::to_string(depth.param);
+                         });
+
+// The first byte of the packed chunk, from these samples in lane 0.
+unsigned PackedByte(std::size_t depth, const Road& road, const Bytes& samples)
+{
+    const Shape shape = {depth, 1};
+    const ChunkMemory memory = MemoryOf(shape, 1);
+    for (std::size_t pixel = 0; pixel < samples.size(); ++pixel)
+        memory.SetByte(SampleAt(memory, shape, pixel, 0), samples[pixel]);
+    Pack(shape, road, memory);
+    return memory.bytes()[memory.SlotStart(0, 0, 0)];
+}
+
+TEST(Packer, PutsTheFirstPixelIntoTheHighestBits)
+{
+    for (const Road& road : AvailableRoads()) {
+        SCOPED_TRACE(road.name);
+        EXPECT_EQ(0x80U, PackedByte(1, road, {1, 0, 0, 0, 0, 0, 0, 0}));
+        EXPECT_EQ(0x01U, PackedByte(1, road, {0, 0, 0, 0, 0, 0, 0, 1}));
+        EXPECT_EQ(0xA3U, PackedByte(1, road, {1, 0, 1, 0, 0, 0, 1, 1}));
+        EXPECT_EQ(0xC0U, PackedByte(2, road, {3, 0, 0, 0}));
+        EXPECT_EQ(0x03U, PackedByte(2, road, {0, 0, 0, 3}));
+        EXPECT_EQ(0x1BU, PackedByte(2, road, {0, 1, 2, 3}));
+    }
+}
+
+TEST(Packer, TakesTheLowestBitsAndNoThreshold)
+{
+    for (const Road& road : AvailableRoads()) {
+        SCOPED_TRACE(road.name);
+        EXPECT_EQ(0x00U, PackedByte(1, road, {2, 2, 254, 128, 4, 8, 16, 0}));
+        EXPECT_EQ(0xFFU, PackedByte(1, road, {255, 1, 3, 129, 255, 5, 9, 17}));
+        EXPECT_EQ(0xFFU, PackedByte(2, road, {255, 3, 7, 131}));
+        EXPECT_EQ(0x00U, PackedByte(2, road, {252, 4, 128, 0}));
+    }
+}
+
+TEST(Unpacker, TurnsOnesIntoLevelsAndNotIntoTones)
+{
+    for (const Road& road : AvailableRoads())
+        for (const std::size_t depth : {1U, 2U}) {
+            const Shape shape = {depth, 16};
+            const ChunkMemory memory = MemoryOf(shape, 1);
+            for (std::size_t slot = 0; slot < 16; ++slot)
+                for (std::size_t lane = 0; lane < 16; ++lane)
+                    memory.SetByte(memory.SlotStart(0, 0, slot) + lane, 0xFF);
+            Unpack(shape, road, memory);
+            const Bytes after = memory.bytes();
+            for (std::size_t pixel = 0; pixel < 128 / depth; ++pixel)
+                for (std::size_t lane = 0; lane < 16; ++lane)
+                    ASSERT_EQ(MaskOf(shape), after[SampleAt(memory, shape, pixel, lane)]);
+        }
+}
+
+TEST(Unpacker, CoversTheLastFourLanesOfFourChannelsOnThePortableRoad)
+{
+    const Road portable = {"portable", 0, false};
+    for (const std::size_t depth : {1U, 2U}) {
+        const Shape shape = {depth, 4};
+        const ChunkMemory memory = MemoryOf(shape, 21);
+        const Bytes before = memory.bytes();
+        Unpack(shape, portable, memory);
+        const Bytes after = memory.bytes();
+        for (std::size_t pixel = 0; pixel < 128 / depth; ++pixel)
+            for (std::size_t lane = 0; lane < 16; ++lane) {
+                const std::size_t at = SampleAt(memory, shape, pixel, lane);
+                if (lane < 12)
+                    ASSERT_EQ(before[at], after[at]) << lane;
+                else
+                    ASSERT_GE(MaskOf(shape), after[at]) << lane;
+            }
+    }
+}
+
+TEST(PackedRow, NeedsAChunkForEach16ByteColumns)
+{
+    ImageRowFormat format = FormatOf(1, 1, LayoutPlanarPacked);
+    EXPECT_EQ(2U, (CountColumns(format, 129) + 15) / 16);
+    EXPECT_EQ(1U, (CountColumns(format, 128) + 15) / 16);
+    format.bits = 2;
+    EXPECT_EQ(3U, (CountColumns(format, 129) + 15) / 16);
+    EXPECT_EQ(2U, (CountColumns(format, 128) + 15) / 16);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport
