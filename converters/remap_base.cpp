@@ -1,10 +1,10 @@
 #include "converters/remap_base.h"
 
-#include <type_traits>
-
 #include "common/units.h"
 #include "converters/convert_facility.h"
 #include "converters/output_format.h"
+
+#include <type_traits>
 
 namespace zvk::Pelkraft {
 namespace {
