@@ -10,12 +10,17 @@
 
 // Whole conversions through the public row class against the naive reference, on buffers of
 // exactly the rows' size with a forbidden page behind or before them. A push takes a sample of
-// the grid with a fixed seed; PELKRAFT_TEST_FULL=1 takes all of it.
+// the grid with a fixed seed, PELKRAFT_TEST_CASES says how many; PELKRAFT_TEST_FULL=1 takes all.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 constexpr unsigned seed = 20261121;
-constexpr std::size_t sampledCases = 40000;
+
+std::size_t CountSampledCases()
+{
+    const char* cases = std::getenv("PELKRAFT_TEST_CASES");
+    return cases != nullptr ? std::strtoul(cases, nullptr, 10) : 40000;
+}
 
 struct Form
 {
@@ -156,7 +161,9 @@ void SweepSample()
     std::mt19937 engine(seed);
     const auto channelCounts = ChannelCounts();
     const auto widths = Widths();
-    for (std::size_t i = 0; i != sampledCases && !::testing::Test::HasFailure(); ++i) {
+    const std::size_t count = CountSampledCases();
+    ASSERT_NE(count, 0U);
+    for (std::size_t i = 0; i != count && !::testing::Test::HasFailure(); ++i) {
         const int channels = PickFrom(channelCounts, engine);
         const NaiveOperation operation = PickFrom(Operations(channels), engine);
         const auto pair = PickFrom(ServedForms(operation), engine);
