@@ -26,6 +26,15 @@ bool IsServed(const Facility& facility, std::int32_t layout)
            facility.bytesPerSample == 2;
 }
 
+#ifdef PELKRAFT_VECTOR_ROAD
+template <typename Facility>
+std::uint64_t UnitsOf(const Facility& facility)
+{
+    return CountUnits(static_cast<std::uint64_t>(facility.channels) *
+                      static_cast<std::uint64_t>(facility.bytesPerSample));
+}
+#endif
+
 } // namespace
 
 ChunkLoadFacilityInternal ChunkLoadFacilityInternal::Create(const ImageRowFormat& format,
@@ -48,7 +57,13 @@ ChunkLoadFacilityInternal::SelectDescriptor(const ChunkLoadFacilityInternal& fac
 {
     if (!IsServed(facility, layout))
         throw unsupportedLoad;
+#ifdef PELKRAFT_VECTOR_ROAD
+    if (layout == LayoutInterleaved)
+        return VectorRoad::GetInterleavedLoader(UnitsOf(facility));
+    return VectorRoad::GetPlanarLoader(facility.bytesPerSample, UnitsOf(facility));
+#else
     return SelectDescriptorX86(facility, layout);
+#endif
 }
 
 const IChunkLoaderDescriptor*
@@ -81,7 +96,13 @@ ChunkSaveFacilityInternal::SelectDescriptor(const ChunkSaveFacilityInternal& fac
 {
     if (!IsServed(facility, layout))
         throw unsupportedSave;
+#ifdef PELKRAFT_VECTOR_ROAD
+    if (layout == LayoutInterleaved)
+        return VectorRoad::GetInterleavedSaver(UnitsOf(facility));
+    return VectorRoad::GetPlanarSaver(facility.bytesPerSample, UnitsOf(facility));
+#else
     return SelectDescriptorX86(facility, layout);
+#endif
 }
 
 const IChunkSaverDescriptor*

@@ -113,12 +113,12 @@ void PlanarLoader::LoadPartialChunk(const ChunkLoadFacilityInternal& facility,
     const auto pitch = static_cast<std::int64_t>(PlanePitch(facility));
     const auto planeStripBytes = static_cast<std::int64_t>(PlaneStripBytes(facility));
     const std::int64_t start = position.offset + static_cast<std::int64_t>(skip);
-    unsigned char* planeStrips = static_cast<unsigned char*>(strip) + skip;
+    auto* stripBytes = static_cast<unsigned char*>(strip);
 
     ClearStrip(strip, StripBytes(facility));
     for (std::int64_t plane = 0; plane < facility.channels; ++plane) {
-        CopyBytes(planeStrips + plane * planeStripBytes, position.row + (start + plane * pitch),
-                  count * sampleBytes);
+        unsigned char* planeStrip = stripBytes + skip + plane * planeStripBytes;
+        CopyBytes(planeStrip, position.row + (start + plane * pitch), count * sampleBytes);
     }
 }
 

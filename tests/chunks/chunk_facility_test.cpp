@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <set>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -180,6 +181,145 @@ TEST(ChunkFacility, ServesInterleavedRowsOfAnySample)
         }
     }
 }
+
+#ifdef PELKRAFT_VECTOR_ROAD
+
+// The selection by the numbers of the table, not by the way the library works them out.
+std::string InterleavedPolicy(std::int32_t pixelBytes)
+{
+    if (pixelBytes <= 16)
+        return "<FixedSize<0>>";
+    if (pixelBytes <= 32)
+        return "<FixedSize<1>>";
+    if (pixelBytes <= 48)
+        return "<FixedSize<2>>";
+    if (pixelBytes <= 64)
+        return "<FixedSize<3>>";
+    if (pixelBytes <= 80)
+        return "<FixedSize<4>>";
+    return "<VariableSize>";
+}
+
+TEST(ChunkFacility, TakesTheVectorClassesByPixelSizeFromLevelThreeOn)
+{
+    for (const std::int32_t level : {3, 4, 7, 100}) {
+        for (std::int32_t channels = 0; channels <= 130; ++channels) {
+            for (const std::int32_t bits : {8, 10, 16, 24, 32}) {
+                SCOPED_TRACE(testing::Message() << bits << " bits, " << channels << " channels");
+                const auto format = MakeFormat(LayoutInterleaved, bits, channels);
+                const std::string policy = InterleavedPolicy((bits + 7) / 8 * channels);
+                ASSERT_EQ(LoaderClass(format, level), "ChunkMultiLoaderI" + policy);
+                ASSERT_EQ(SaverClass(format, level), "ChunkMultiSaverI" + policy);
+            }
+        }
+    }
+}
+
+TEST(ChunkFacility, TakesTheVectorClassesByPlanesFromLevelThreeOn)
+{
+    for (const std::int32_t level : {3, 7}) {
+        for (std::int32_t channels = 0; channels <= 40; ++channels) {
+            SCOPED_TRACE(testing::Message() << level << ", " << channels << " channels");
+            const std::string bytes = channels <= 16 ? "P8<FixedSize<1>>" : "P8<VariableSize>";
+            const std::string words = channels <= 8 ? "P16<FixedSize<1>>" : "P16<VariableSize>";
+            for (const std::int32_t bits : {1, 2, 8}) {
+                const std::int32_t layout = bits == 8 ? LayoutPlanar : LayoutPlanarPacked;
+                const auto format = MakeFormat(layout, bits, channels);
+                EXPECT_EQ(LoaderClass(format, level), "ChunkMultiLoader" + bytes);
+                EXPECT_EQ(SaverClass(format, level), "ChunkMultiSaver" + bytes);
+            }
+            for (const std::int32_t bits : {10, 16}) {
+                const auto format = MakeFormat(LayoutPlanar, bits, channels);
+                EXPECT_EQ(LoaderClass(format, level), "ChunkMultiLoader" + words);
+                EXPECT_EQ(SaverClass(format, level), "ChunkMultiSaver" + words);
+            }
+        }
+    }
+}
+
+template <typename Facility>
+std::string MethodFailure(Facility facility, std::int64_t channels, std::int64_t bytesPerSample)
+{
+    facility.channels = channels;
+    facility.bytesPerSample = bytesPerSample;
+    try {
+        facility.descriptor->GetLoadMethod(facility);
+    } catch (const char* text) {
+        return text;
+    }
+    return "no failure";
+}
+
+TEST(ChunkFacility, RefusesADamagedRecordWhereHalfASampleRemains)
+{
+    for (const std::int32_t channels : {4, 12}) {
+        const auto load =
+            ChunkLoadFacilityInternal::Create(MakeFormat(LayoutPlanar, 16, channels), 3);
+        const auto save =
+            ChunkSaveFacilityInternal::Create(MakeFormat(LayoutPlanar, 16, channels), 3);
+        for (const std::int64_t damaged : {1, 17, 33}) {
+            EXPECT_EQ(MethodFailure(load, damaged, 1),
+                      "ChunkMultiLoaderP16::GetLoadMethod Invalid trail");
+            EXPECT_EQ(MethodFailure(save, damaged, 1),
+                      "ChunkMultiSaverP16::GetLoadMethod Invalid trail");
+        }
+        // None of these leaves less than a sample in the last unit.
+        for (const std::int64_t channelsNow : {0, 1, 8, 9, 16, 40}) {
+            EXPECT_EQ(MethodFailure(load, channelsNow, 2), "no failure");
+            EXPECT_EQ(MethodFailure(save, channelsNow, 2), "no failure");
+        }
+    }
+}
+
+TEST(ChunkFacility, FindsAMethodForAnyRecordOfWholeBytes)
+{
+    for (const std::int32_t channels : {1, 4, 16, 17, 81}) {
+        for (const std::int32_t layout : {LayoutInterleaved, LayoutPlanar}) {
+            const auto format = MakeFormat(layout, 8, channels);
+            const auto load = ChunkLoadFacilityInternal::Create(format, 3);
+            const auto save = ChunkSaveFacilityInternal::Create(format, 3);
+            for (const std::int64_t damaged : {0, 1, 15, 16, 17, 1000, -1, -17}) {
+                EXPECT_EQ(MethodFailure(load, damaged, 1), "no failure");
+                EXPECT_EQ(MethodFailure(save, damaged, 1), "no failure");
+            }
+        }
+    }
+}
+
+// A row of no channels takes the last entry, as does any pixel that fills its units.
+TEST(ChunkFacility, GivesEachTrailAMethodOfItsOwn)
+{
+    struct Family
+    {
+        std::int32_t layout;
+        std::int32_t bits;
+        std::size_t entries;
+    };
+    for (const Family& family : {Family{LayoutInterleaved, 8, 16}, Family{LayoutPlanar, 8, 16},
+                                 Family{LayoutPlanar, 16, 8}}) {
+        for (const std::int32_t channels : {1, 17, 33, 49, 65, 81}) {
+            const auto format = MakeFormat(family.layout, family.bits, channels);
+            auto load = ChunkLoadFacilityInternal::Create(format, 3);
+            auto save = ChunkSaveFacilityInternal::Create(format, 3);
+            std::set<LoadMethod> loads;
+            std::set<SaveMethod> saves;
+            for (load.channels = 0; load.channels < 64; ++load.channels)
+                loads.insert(load.descriptor->GetLoadMethod(load));
+            for (save.channels = 0; save.channels < 64; ++save.channels)
+                saves.insert(save.descriptor->GetLoadMethod(save));
+            EXPECT_EQ(loads.size(), family.entries);
+            EXPECT_EQ(saves.size(), family.entries);
+            for (load.channels = 0; load.channels < 64; ++load.channels) {
+                const LoadMethod method = load.descriptor->GetLoadMethod(load);
+                load.channels += static_cast<std::int64_t>(family.entries);
+                EXPECT_EQ(load.descriptor->GetLoadMethod(load), method);
+                load.channels -= static_cast<std::int64_t>(family.entries);
+            }
+        }
+    }
+}
+
+#endif
 
 } // namespace
 } // namespace zvk::Pelkraft

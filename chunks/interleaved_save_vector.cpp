@@ -1,0 +1,148 @@
+#include "chunks/chunk_classes.h"
+#include "chunks/chunk_facility.h"
+#include "chunks/row_walk.h"
+#include "chunks/units_vector.h"
+#include "common/chunk_header.h"
+
+namespace zvk::Pelkraft {
+namespace {
+
+constexpr const char* invalidTrail = "Invalid";
+
+// Where a save stands: the row is written in whole units, once each and in order.
+struct Gathering
+{
+    const unsigned char* slot;
+    unsigned char* row;
+    // Its top bytes are the last ones gathered, those that fill no row unit yet among them.
+    __m128i gathered;
+};
+
+// Takes the low bytes of the next slot unit behind the pending ones. What stands above them in
+// the slot is never aligned into the row.
+template <int pending, int bytes>
+[[gnu::always_inline]] inline void GatherUnit(Gathering& gathering)
+{
+    const __m128i unit = LoadSlotUnit(gathering.slot);
+    gathering.slot += unitBytes;
+    if constexpr (pending + bytes < unitBytes) {
+        gathering.gathered = AlignUnits<bytes>(gathering.gathered, unit);
+    } else {
+        StoreRowUnit(gathering.row, AlignUnits<unitBytes - pending>(gathering.gathered, unit));
+        gathering.row += unitBytes;
+        // From here on only bytes of this unit are pending: nothing has to wait for the others.
+        gathering.gathered = AlignUnits<bytes>(unit, unit);
+    }
+}
+
+template <typename Policy, int trail>
+[[gnu::always_inline]] inline void GatherPixels(Gathering gathering,
+                                                const LeadingUnits<Policy>& leadingUnits)
+{
+    Unroll<slotsPerChunk>([&](auto pixel) __attribute__((always_inline)) {
+        // Whole units in front of the trails don't count in a place within a unit.
+        constexpr int pending = pixel * trail % unitBytes;
+        leadingUnits.ForEach([&]() __attribute__((always_inline)) {
+            GatherUnit<pending, unitBytes>(gathering);
+        });
+        GatherUnit<pending, trail>(gathering);
+    });
+}
+
+// The low bytes of so many slots side by side, with as many junk bytes behind them.
+template <int trail, int slotCount>
+[[gnu::always_inline]] inline __m128i JoinSlots(const unsigned char* slots)
+{
+    if constexpr (slotCount == 1) {
+        return LoadSlotUnit(slots);
+    } else {
+        constexpr int half = slotCount / 2;
+        const __m128i first = JoinSlots<trail, half>(slots);
+        const __m128i second = JoinSlots<trail, half>(slots + half * unitBytes);
+        return InterleaveLow<half * trail>(first, second);
+    }
+}
+
+// For short pixels that never lie across two row units: each row unit is a tree of its own.
+template <int trail>
+[[gnu::always_inline]] inline void JoinPixels(const Gathering& gathering)
+{
+    constexpr int slotsPerUnit = unitBytes / trail;
+    Unroll<trail>([&](auto unit) __attribute__((always_inline)) {
+        const unsigned char* slots = gathering.slot + unit * slotsPerUnit * unitBytes;
+        StoreRowUnit(gathering.row + unit * unitBytes, JoinSlots<trail, slotsPerUnit>(slots));
+    });
+}
+
+template <typename Policy>
+constexpr bool isOneUnit = false;
+template <>
+constexpr bool isOneUnit<FixedSize<0>> = true;
+
+template <typename Policy, int trail>
+void SaveChunk(const void* chunkHeader, void* row)
+{
+    const auto* header = static_cast<const ChunkHeader*>(chunkHeader);
+    const Gathering gathering{static_cast<const unsigned char*>(chunkHeader) + headerBytes,
+                              static_cast<unsigned char*>(row), _mm_setzero_si128()};
+
+    if constexpr (isOneUnit<Policy> && unitBytes % trail == 0)
+        JoinPixels<trail>(gathering);
+    else
+        GatherPixels<Policy, trail>(gathering, LeadingUnits<Policy>(header->saveUnitCount));
+}
+
+struct SaveMethods
+{
+    SaveMethod byTrail[unitBytes];
+};
+
+template <typename Policy, int... index>
+constexpr SaveMethods MakeMethods(std::integer_sequence<int, index...>)
+{
+    return {{SaveChunk<Policy, index + 1>...}};
+}
+
+template <typename Policy>
+constexpr SaveMethods methods = MakeMethods<Policy>(std::make_integer_sequence<int, unitBytes>{});
+
+template <typename Policy>
+class ChunkMultiSaverI final : public InterleavedSaver
+{
+public:
+    SaveMethod GetLoadMethod(const ChunkSaveFacilityInternal& facility) const override
+    {
+        const std::uint64_t pixelBytes = static_cast<std::uint64_t>(facility.channels) *
+                                         static_cast<std::uint64_t>(facility.bytesPerSample);
+        const std::uint64_t index = (pixelBytes - 1) % unitBytes;
+        if (index >= unitBytes)
+            throw invalidTrail;
+        return methods<Policy>.byTrail[index];
+    }
+};
+
+template <typename Policy>
+constexpr ChunkMultiSaverI<Policy> saver;
+
+} // namespace
+
+const IChunkSaverDescriptor* VectorRoad::GetInterleavedSaver(std::uint64_t unitCount)
+{
+    switch (unitCount) {
+    case 0:
+    case 1:
+        return &saver<FixedSize<0>>;
+    case 2:
+        return &saver<FixedSize<1>>;
+    case 3:
+        return &saver<FixedSize<2>>;
+    case 4:
+        return &saver<FixedSize<3>>;
+    case 5:
+        return &saver<FixedSize<4>>;
+    default:
+        return &saver<VariableSize>;
+    }
+}
+
+} // namespace zvk::Pelkraft

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <tmmintrin.h>
+
+#include <cstdint>
+
+#include "common/size_policies.h"
+#include "common/unroll_vector.h"
+
+// Only for files built with vector flags; like all of theirs it has internal linkage.
+namespace zvk::Pelkraft {
+namespace {
+
+// A row may begin at any address.
+[[gnu::always_inline]] inline __m128i LoadRowUnit(const unsigned char* row)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(row));
+}
+
+[[gnu::always_inline]] inline void StoreRowUnit(unsigned char* row, __m128i unit)
+{
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(row), unit);
+}
+
+[[gnu::always_inline]] inline __m128i LoadSlotUnit(const unsigned char* slot)
+{
+    return _mm_load_si128(reinterpret_cast<const __m128i*>(slot));
+}
+
+[[gnu::always_inline]] inline void StoreSlotUnit(unsigned char* slot, __m128i unit)
+{
+    _mm_store_si128(reinterpret_cast<__m128i*>(slot), unit);
+}
+
+// The 16 bytes from byte shift on of two units side by side.
+template <int shift>
+[[gnu::always_inline]] inline __m128i AlignUnits(__m128i low, __m128i high)
+{
+    if constexpr (shift == 0)
+        return low;
+    else if constexpr (shift == unitBytes)
+        return high;
+    else
+        return _mm_alignr_epi8(high, low, shift);
+}
+
+// The bytes from byte shift on, and zeros behind them.
+template <int shift>
+[[gnu::always_inline]] inline __m128i ShiftUnit(__m128i unit)
+{
+    if constexpr (shift == 0)
+        return unit;
+    else
+        return _mm_srli_si128(unit, shift);
+}
+
+// Elements of so many bytes, from the low halves of both in turn.
+template <int elementBytes>
+[[gnu::always_inline]] inline __m128i InterleaveLow(__m128i first, __m128i second)
+{
+    if constexpr (elementBytes == 1)
+        return _mm_unpacklo_epi8(first, second);
+    else if constexpr (elementBytes == 2)
+        return _mm_unpacklo_epi16(first, second);
+    else if constexpr (elementBytes == 4)
+        return _mm_unpacklo_epi32(first, second);
+    else
+        return _mm_unpacklo_epi64(first, second);
+}
+
+template <int elementBytes>
+[[gnu::always_inline]] inline __m128i InterleaveHigh(__m128i first, __m128i second)
+{
+    if constexpr (elementBytes == 1)
+        return _mm_unpackhi_epi8(first, second);
+    else if constexpr (elementBytes == 2)
+        return _mm_unpackhi_epi16(first, second);
+    else if constexpr (elementBytes == 4)
+        return _mm_unpackhi_epi32(first, second);
+    else
+        return _mm_unpackhi_epi64(first, second);
+}
+
+// The units of a pixel before its last one: as many as the build says, or the chunk. The count
+// comes by reference, so that nothing reads it in the first case.
+template <typename Policy>
+class LeadingUnits;
+
+template <int count>
+class LeadingUnits<FixedSize<count>>
+{
+public:
+    explicit LeadingUnits(const std::uint64_t&) {}
+
+    template <typename Body>
+    [[gnu::always_inline]] void ForEach(Body body) const
+    {
+        Unroll<count>([&](auto) __attribute__((always_inline)) { body(); });
+    }
+};
+
+template <>
+class LeadingUnits<VariableSize>
+{
+public:
+    explicit LeadingUnits(const std::uint64_t& unitCount) : count(unitCount - 1) {}
+
+    template <typename Body>
+    [[gnu::always_inline]] void ForEach(Body body) const
+    {
+        for (std::uint64_t unit = 0; unit < count; ++unit)
+            body();
+    }
+
+private:
+    std::uint64_t count;
+};
+
+} // namespace
+} // namespace zvk::Pelkraft
