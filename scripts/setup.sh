@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that a script needs, and only those that are missing.
+#   setup.sh demo     to build the library and the program, and to run the demo
+#   setup.sh test     to build and run all tests, sanitizers too
+#   setup.sh bench    to build and run the benchmarks
+# Without a name it takes what the tests need, which is the most.
+set -euo pipefail
+
+build_packages=(g++ cmake ninja-build pkg-config libtiff-dev libpng-dev libcli11-dev)
+picture_packages=(ghostscript libtiff-tools)
+test_packages=(clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind)
+
+case "${1:-test}" in
+demo) wanted=("${build_packages[@]}" "${picture_packages[@]}") ;;
+test) wanted=("${build_packages[@]}" "${picture_packages[@]}" "${test_packages[@]}") ;;
+bench) wanted=("${build_packages[@]}" clang libbenchmark-dev libgtest-dev) ;;
+*)
+    echo "usage: bash scripts/setup.sh [demo|test|bench]" >&2
+    exit 2
+    ;;
+esac
+
+installed() {
+    dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | grep -qx installed
+}
+
+missing=()
+for package in "${wanted[@]}"; do
+    installed "$package" || missing+=("$package")
+done
+if [ ${#missing[@]} -eq 0 ]; then
+    exit 0
+fi
+
+if [ "$(id -u)" -ne 0 ]; then
+    echo "setup.sh: root must install: ${missing[*]}" >&2
+    exit 1
+fi
+echo "setup.sh: installing ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+apt-get update -q
+apt-get install -q -y --no-install-recommends "${missing[@]}"

@@ -1,0 +1,291 @@
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+#include "tests/support/random_bytes.h"
+#include "tests/tools/tool_fixture.h"
+
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+class ConvertFailures : public ToolFixture
+{
+protected:
+    void MakeInput(int bits = 8, const FileForm& form = {})
+    {
+        WriteTiff(Path("in.tif"), RandomImage(40, 30, 3, bits, 8), form);
+    }
+
+    // Nothing but the input lies in the folder.
+    [[nodiscard]] bool LeftNothing() const { return Files() == std::vector<std::string>{"in.tif"}; }
+};
+
+TEST_F(ConvertFailures, NameAMissingInput)
+{
+    EXPECT_TRUE(Refused(Convert(), 6, {"in.tif: cannot be read: No such file"}));
+    EXPECT_TRUE(
+        Refused(Run({"convert", folder, Path("out.tif")}), 6, {folder, "not a regular file"}));
+    EXPECT_TRUE(Files().empty());
+}
+
+TEST_F(ConvertFailures, NameAnOutputThatCantBe)
+{
+    MakeInput();
+    for (const std::string& target :
+         {Path("in.tif") + "/out.tif", std::string("/proc/out.tif"), Path("missing/out.tif"),
+          folder, folder + "/", std::string("/dev/null")}) {
+        EXPECT_TRUE(Refused(Run({"convert", Path("in.tif"), target}), 6,
+                            {target + ": cannot be written: "}));
+    }
+    EXPECT_TRUE(LeftNothing());
+    struct stat status = {};
+    ASSERT_EQ(0, stat("/dev/null", &status));
+    EXPECT_TRUE(S_ISCHR(status.st_mode));
+}
+
+TEST_F(ConvertFailures, NameWrongUsage)
+{
+    MakeInput();
+    EXPECT_TRUE(Refused(Convert({"--bits", "4"}), 2, {"--bits", "{1,2,8,16}"}));
+    EXPECT_TRUE(Refused(Convert({"--layout", "diagonal"}), 2, {"interleaved", "planar"}));
+    EXPECT_TRUE(Refused(Convert({"--repeat", "3"}), 2, {"--repeat"}));
+    EXPECT_TRUE(Refused(Convert({"--threads", "0"}), 2, {"--threads"}));
+    EXPECT_TRUE(Refused(Convert({"--tones", "sepia"}), 2, {"scale", "raw"}));
+    EXPECT_TRUE(Refused(Convert({"--sideways"}), 2, {"--sideways"}));
+    EXPECT_TRUE(Refused(Convert({"--channels", "0,3"}), 2, {"in.tif", "\"3\"", "0 to 2"}));
+    EXPECT_TRUE(Refused(Convert({"--channels", "Cyan"}), 2, {"\"Cyan\""}));
+    EXPECT_TRUE(Refused(Convert({"--channels", "0,,1"}), 2, {"\"\""}));
+    EXPECT_TRUE(Refused(Convert({"--channels", "99999999999999999999"}), 2, {"0 to 2"}));
+    EXPECT_TRUE(Refused(Run({}), 2, {"--help"}));
+    EXPECT_TRUE(Refused(Run({"paint"}), 2, {"--help"}));
+    EXPECT_TRUE(Refused(Run({"convert", Path("in.tif")}), 2, {"OUT.tif"}));
+    EXPECT_TRUE(LeftNothing());
+}
+
+TEST_F(ConvertFailures, NameSamplesThatAreNotServed)
+{
+    FileForm form;
+    WriteTiff(Path("in.tif"), RandomImage(10, 3, 1, 4, 1), form);
+    EXPECT_TRUE(Refused(Convert(), 5, {"in.tif", "4 bits", "1, 2, 8 and 16"}));
+    for (const int sampleFormat : {SAMPLEFORMAT_INT, SAMPLEFORMAT_IEEEFP}) {
+        form.setTags = [=](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, sampleFormat); };
+        WriteTiff(Path("in.tif"), RandomImage(10, 3, 1, 16, 1), form);
+        EXPECT_TRUE(Refused(Convert(), 5, {"in.tif", "unsigned integers"}));
+    }
+    EXPECT_TRUE(LeftNothing());
+}
+
+TEST_F(ConvertFailures, NameRowsThatAreTooLong)
+{
+    // 300 MB of zeros compress to little: 8 channels of 16 bits repeated by 4 are beyond 2^31.
+    FileForm form;
+    form.compression = COMPRESSION_ADOBE_DEFLATE;
+    WriteTiff(Path("in.tif"), BlankImage(35000000, 1, 4, 1), form);
+    EXPECT_TRUE(Refused(Convert({"--bits", "16", "--channels", "0,1,2,3,0,1,2,3", "--repeat", "4"}),
+                        5, {"in.tif", "2147483647 bytes"}));
+    EXPECT_TRUE(LeftNothing());
+}
+
+TEST_F(ConvertFailures, MeetEveryTruncationWithoutACrash)
+{
+    for (const bool separate : {false, true}) {
+        for (const int compression : {COMPRESSION_NONE, COMPRESSION_LZW}) {
+            FileForm form;
+            form.separate = separate;
+            form.compression = compression;
+            form.tile = separate ? 16 : 0;
+            MakeInput(8, form);
+            const std::string whole = Bytes(Path("in.tif"));
+            ASSERT_EQ(0, Convert().exitCode);
+            std::filesystem::remove(Path("out.tif"));
+            for (std::size_t size = 0; size < whole.size(); size += whole.size() / 16 + 1) {
+                WriteBytes(Path("in.tif"), whole.substr(0, size));
+                EXPECT_TRUE(Refused(Convert(), 3, {"in.tif"})) << size << " of " << whole.size();
+                EXPECT_TRUE(LeftNothing());
+            }
+        }
+    }
+}
+
+// Three strips behind their directory, which stays whole when the end of the file is lost.
+void WriteDirectoryFirst(const std::string& path)
+{
+    TIFF* tiff = TIFFOpen(path.c_str(), "w");
+    ASSERT_NE(nullptr, tiff);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 40);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 30);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 10);
+    TIFFDeferStrileArrayWriting(tiff);
+    TIFFWriteCheck(tiff, 0, "test");
+    TIFFWriteDirectory(tiff);
+    TIFFSetDirectory(tiff, 0);
+    std::vector<unsigned char> strip(1200, 7);
+    for (std::uint32_t i = 0; i < 3; ++i)
+        TIFFWriteEncodedStrip(tiff, i, strip.data(), 1200);
+    TIFFForceStrileArrayWriting(tiff);
+    TIFFClose(tiff);
+}
+
+TEST_F(ConvertFailures, TellWhichStripIsMissing)
+{
+    WriteDirectoryFirst(Path("in.tif"));
+    ASSERT_EQ(0, Convert().exitCode);
+    std::filesystem::remove(Path("out.tif"));
+    std::filesystem::resize_file(Path("in.tif"), std::filesystem::file_size(Path("in.tif")) - 1300);
+    EXPECT_TRUE(Refused(Convert(), 3, {"in.tif", "strip 2 of 3", "truncated"}));
+    EXPECT_TRUE(LeftNothing());
+}
+
+// Whatever a damaged file says, the program ends by itself and leaves a whole file or none.
+TEST_F(ConvertFailures, MeetDamagedFilesWithoutACrash)
+{
+    int refused = 0;
+    for (std::uint32_t seed = 0; seed < 240; ++seed) {
+        FileForm form;
+        form.separate = seed % 2 == 0;
+        form.tile = seed % 3 == 0 ? 16 : 0;
+        form.compression = seed % 4 == 0 ? COMPRESSION_LZW : COMPRESSION_NONE;
+        WriteTiff(Path("in.tif"), RandomImage(17, 9, 3, seed % 5 == 0 ? 1 : 8, seed), form);
+        std::string bytes = Bytes(Path("in.tif"));
+        std::uint32_t directory = 0;
+        std::memcpy(&directory, bytes.data() + 4, 4);
+        const auto random = RandomBytes(12, seed);
+        for (std::size_t i = 0; i < 3; ++i) {
+            const std::size_t where =
+                directory + (random[4 * i] | random[4 * i + 1] << 8) % (bytes.size() - directory);
+            bytes[where] = static_cast<char>(random[4 * i + 2]);
+        }
+        WriteBytes(Path("in.tif"), bytes);
+        const Outcome outcome = Convert({"--bits", "8", "--layout", "planar"});
+        SCOPED_TRACE(::testing::Message() << "seed " << seed << ": " << outcome.errors);
+        ASSERT_EQ(0, outcome.signalNumber);
+        ASSERT_TRUE(outcome.exitCode == 0 || outcome.exitCode == 3 || outcome.exitCode == 5);
+        ASSERT_EQ(outcome.exitCode == 0, std::filesystem::exists(Path("out.tif")));
+        ASSERT_LE(Files().size(), 2U);
+        refused += outcome.exitCode != 0 ? 1 : 0;
+        std::filesystem::remove(Path("out.tif"));
+    }
+    EXPECT_GT(refused, 20);
+}
+
+// A sanitizer ends the program itself where memory is short.
+#if !defined(PELKRAFT_SANITIZED)
+TEST_F(ConvertFailures, TellWhenMemoryIsShort)
+{
+    FileForm form;
+    form.compression = COMPRESSION_ADOBE_DEFLATE;
+    WriteTiff(Path("in.tif"), BlankImage(20000000, 1, 1, 8), form);
+    EXPECT_TRUE(Refused(Convert({"--bits", "16", "--threads", "1"}, 50UL << 20), 7, {"memory"}));
+    EXPECT_TRUE(LeftNothing());
+}
+#endif
+
+TEST_F(ConvertFailures, DontBelieveAbsurdSizes)
+{
+    struct Claim
+    {
+        std::uint32_t tag;
+        std::uint32_t value;
+        int compression;
+    };
+    for (const Claim& claim : {Claim{TIFFTAG_IMAGEWIDTH, 500000000, COMPRESSION_LZW},
+                               Claim{TIFFTAG_IMAGEWIDTH, 500000000, COMPRESSION_NONE},
+                               Claim{TIFFTAG_IMAGEWIDTH, 4000000000U, COMPRESSION_LZW},
+                               Claim{TIFFTAG_TILEWIDTH, 1600000000, COMPRESSION_LZW},
+                               Claim{TIFFTAG_TILELENGTH, 1600000000, COMPRESSION_NONE}}) {
+        FileForm form;
+        form.compression = claim.compression;
+        form.tile = claim.tag == TIFFTAG_IMAGEWIDTH ? 0 : 16;
+        MakeInput(8, form);
+        // The entry of the directory with this tag gets the new value as a LONG.
+        std::string bytes = Bytes(Path("in.tif"));
+        std::uint32_t directory = 0;
+        std::uint16_t count = 0;
+        std::memcpy(&directory, bytes.data() + 4, 4);
+        std::memcpy(&count, bytes.data() + directory, 2);
+        bool found = false;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            char* entry = bytes.data() + directory + 2 + 12 * i;
+            std::uint16_t tag = 0;
+            std::memcpy(&tag, entry, 2);
+            if (tag != claim.tag)
+                continue;
+            const std::uint16_t longType = 4;
+            std::memcpy(entry + 2, &longType, 2);
+            std::memcpy(entry + 8, &claim.value, 4);
+            found = true;
+        }
+        ASSERT_TRUE(found);
+        WriteBytes(Path("in.tif"), bytes);
+        const Outcome outcome = Convert({"--threads", "1"}, 100UL << 20);
+        EXPECT_TRUE(outcome.exitCode == 3 || outcome.exitCode == 5) << outcome.exitCode;
+        EXPECT_TRUE(Refused(outcome, outcome.exitCode, {"in.tif"}));
+        EXPECT_TRUE(LeftNothing());
+    }
+}
+
+TEST_F(ConvertFailures, LeaveTheOldFileWhenTheDiskIsFull)
+{
+    MakeInput(16);
+    WriteBytes(Path("out.tif"), "old");
+    Subprocess tool({PELKRAFT_TOOL, "convert", Path("in.tif"), Path("out.tif")},
+                    folder + "/streams", [] {
+                        const rlimit limit = {2000, 2000};
+                        setrlimit(RLIMIT_FSIZE, &limit);
+                    });
+    EXPECT_TRUE(Refused(tool.Wait(), 6, {"out.tif", "cannot be written"}));
+    EXPECT_EQ("old", Bytes(Path("out.tif")));
+    EXPECT_EQ((std::vector<std::string>{"in.tif", "out.tif"}), Files());
+}
+
+TEST_F(ConvertFailures, LeaveNothingWhenInterrupted)
+{
+    FileForm form;
+    form.compression = COMPRESSION_ADOBE_DEFLATE;
+    WriteTiff(Path("in.tif"), RandomImage(1500, 1500, 4, 8, 8), form);
+    WriteBytes(Path("out.tif"), "old");
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+        Subprocess tool({PELKRAFT_TOOL, "convert", Path("in.tif"), Path("out.tif")},
+                        folder + "/streams");
+        // The temporary file tells that the work is under way.
+        while (Files().size() < 3)
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        kill(tool.Id(), signalNumber);
+        const Outcome outcome = tool.Wait();
+        EXPECT_TRUE(Refused(outcome, 130, {"out.tif", "interrupted", "nothing was written"}));
+        EXPECT_EQ("old", Bytes(Path("out.tif")));
+        EXPECT_EQ((std::vector<std::string>{"in.tif", "out.tif"}), Files());
+    }
+}
+
+TEST_F(ConvertFailures, KeepATerminalsControlCharactersOut)
+{
+    const std::string name = folder + "/a\033[31m\nb.tif";
+    EXPECT_TRUE(Refused(Run({"convert", name, Path("out.tif")}), 6, {"a?[31m?b.tif"}));
+}
+
+TEST_F(ConvertFailures, DontComeFromALinkAsTheOutput)
+{
+    MakeInput();
+    WriteBytes(Path("target.tif"), "old");
+    chmod(Path("target.tif").c_str(), 0640);
+    std::filesystem::create_symlink("target.tif", Path("out.tif"));
+    ASSERT_TRUE(EndedSilently(Convert()));
+    EXPECT_TRUE(std::filesystem::is_symlink(Path("out.tif")));
+    EXPECT_EQ(RandomImage(40, 30, 3, 8, 8).samples, Output().samples);
+    struct stat status = {};
+    ASSERT_EQ(0, stat(Path("target.tif").c_str(), &status));
+    EXPECT_EQ(0640U, status.st_mode & 0777);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+#include "tests/tools/tiff_image.h"
+
+namespace zvk::Pelkraft::TestSupport {
+
+// What a conversion is asked for.
+struct Wish
+{
+    int bits = 8;
+    // Empty for all channels as they are; -1 for an empty one.
+    std::vector<int> channels;
+    int repeat = 1;
+    bool mirror = false;
+    bool scaleTones = true;
+};
+
+// The picture that must come out, worked out sample by sample.
+TiffImage Expected(const TiffImage& image, const Wish& wish);
+
+} // namespace zvk::Pelkraft::TestSupport

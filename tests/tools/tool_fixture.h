@@ -1,0 +1,111 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/tools/subprocess.h"
+#include "tests/tools/tiff_image.h"
+
+namespace zvk::Pelkraft::TestSupport {
+
+// A test of the whole program in a folder of its own.
+class ToolFixture : public ::testing::Test
+{
+protected:
+    ToolFixture()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "pelkraft-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr)
+            throw std::runtime_error("no folder to be had");
+        folder = pattern;
+        std::filesystem::create_directory(folder + "/streams");
+    }
+    ~ToolFixture() override { std::filesystem::remove_all(folder); }
+
+    std::string Path(const std::string& name) const { return folder + "/" + name; }
+
+    [[nodiscard]] Outcome Run(const std::vector<std::string>& arguments,
+                              unsigned long memoryBytes = 0) const
+    {
+        return RunTool(folder + "/streams", arguments, memoryBytes);
+    }
+
+    // convert of in.tif to out.tif.
+    [[nodiscard]] Outcome Convert(const std::vector<std::string>& options = {},
+                                  unsigned long memoryBytes = 0) const
+    {
+        std::vector<std::string> arguments = {"convert", Path("in.tif"), Path("out.tif")};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return Run(arguments, memoryBytes);
+    }
+
+    [[nodiscard]] TiffImage Output() const
+    {
+        FileForm form;
+        return ReadTiff(Path("out.tif"), form);
+    }
+
+    [[nodiscard]] static std::string Bytes(const std::string& path)
+    {
+        std::ifstream file(path, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+
+    static void WriteBytes(const std::string& path, const std::string& bytes)
+    {
+        std::ofstream(path, std::ios::binary) << bytes;
+    }
+
+    // All names in the test's folder but that of the streams.
+    [[nodiscard]] std::vector<std::string> Files() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            if (!entry.is_directory())
+                names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    std::string folder;
+};
+
+// The program ended well and had nothing to say.
+inline ::testing::AssertionResult EndedSilently(const Outcome& outcome)
+{
+    if (outcome.exitCode == 0 && outcome.errors.empty())
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "exit code " << outcome.exitCode << ", signal "
+                                         << outcome.signalNumber << ", errors: " << outcome.errors;
+}
+
+// The program refused with this code and one line that holds all of these words.
+inline ::testing::AssertionResult Refused(const Outcome& outcome, int code,
+                                          const std::vector<std::string>& words)
+{
+    const auto failure = [&] {
+        return ::testing::AssertionFailure()
+               << "exit code " << outcome.exitCode << ", signal " << outcome.signalNumber
+               << ", errors: " << outcome.errors;
+    };
+    const std::string& text = outcome.errors;
+    if (outcome.exitCode != code || text.rfind("pelkraft: ", 0) != 0 ||
+        std::count(text.begin(), text.end(), '\n') != 1 || text.back() != '\n')
+        return failure();
+    for (const std::string& word : words) {
+        if (text.find(word) == std::string::npos)
+            return failure() << "without: " << word;
+    }
+    return ::testing::AssertionSuccess();
+}
+
+} // namespace zvk::Pelkraft::TestSupport

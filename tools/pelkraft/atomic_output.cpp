@@ -1,0 +1,92 @@
+#include "tools/pelkraft/atomic_output.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+#include "tools/pelkraft/failure.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+[[noreturn]] void ThrowWriteFailure(const std::string& path, const std::string& text)
+{
+    throw Failure(ExitCode::ReadWrite, path, "cannot be written: " + text);
+}
+
+std::string FollowLinks(const std::string& path)
+{
+    std::error_code error;
+    std::filesystem::path followed = path;
+    // As many as the kernel follows; a longer way is a circle.
+    for (int step = 0; std::filesystem::is_symlink(followed, error); ++step) {
+        if (step == 40)
+            ThrowWriteFailure(path, std::strerror(ELOOP));
+        const auto next = std::filesystem::read_symlink(followed, error);
+        if (error)
+            ThrowWriteFailure(path, error.message());
+        followed = followed.parent_path() / next;
+    }
+    return followed.string();
+}
+
+// The mode that a plain creation of the file would have had, or that of the file it replaces.
+mode_t ModeOf(const struct stat* present)
+{
+    if (present != nullptr)
+        return present->st_mode & 0777;
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+} // namespace
+
+AtomicOutput::AtomicOutput(const std::string& newPath)
+    : shownPath(newPath), targetPath(FollowLinks(newPath))
+{
+    struct stat present = {};
+    const bool exists = stat(targetPath.c_str(), &present) == 0;
+    if (exists && !S_ISREG(present.st_mode))
+        ThrowWriteFailure(shownPath, "it exists and is not a regular file");
+
+    const std::filesystem::path target = targetPath;
+    if (!target.has_filename())
+        ThrowWriteFailure(shownPath, "it names a folder");
+    std::string pattern = (target.parent_path() / ".pelkraft-XXXXXX").string();
+    descriptor = mkostemp(pattern.data(), O_CLOEXEC);
+    if (descriptor < 0)
+        ThrowWriteFailure(shownPath, std::strerror(errno));
+    temporaryPath = std::move(pattern);
+    // A file system without modes is no reason to refuse.
+    [[maybe_unused]] const int ignored = fchmod(descriptor, ModeOf(exists ? &present : nullptr));
+}
+
+AtomicOutput::~AtomicOutput()
+{
+    if (descriptor >= 0)
+        close(descriptor);
+    if (!temporaryPath.empty())
+        unlink(temporaryPath.c_str());
+}
+
+int AtomicOutput::TakeDescriptor()
+{
+    return std::exchange(descriptor, -1);
+}
+
+void AtomicOutput::Commit()
+{
+    if (std::rename(temporaryPath.c_str(), targetPath.c_str()) != 0)
+        ThrowWriteFailure(shownPath, std::strerror(errno));
+    temporaryPath.clear();
+}
+
+} // namespace zvk::Pelkraft::Client

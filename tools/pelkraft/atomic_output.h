@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+namespace zvk::Pelkraft::Client {
+
+// A file that appears whole or not at all: written under a temporary name beside its target, and
+// renamed by Commit. Without Commit the destructor removes it. A target that exists must be a
+// regular file; what a symbolic link points to is replaced, the link stays.
+class AtomicOutput
+{
+public:
+    explicit AtomicOutput(const std::string& newPath);
+    ~AtomicOutput();
+    AtomicOutput(const AtomicOutput&) = delete;
+    AtomicOutput& operator=(const AtomicOutput&) = delete;
+
+    // The open temporary. Whoever takes it closes it.
+    int TakeDescriptor();
+    const std::string& TemporaryPath() const { return temporaryPath; }
+    void Commit();
+
+private:
+    std::string shownPath;
+    std::string targetPath;
+    std::string temporaryPath;
+    int descriptor = -1;
+};
+
+} // namespace zvk::Pelkraft::Client

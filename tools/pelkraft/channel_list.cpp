@@ -1,0 +1,79 @@
+#include "tools/pelkraft/channel_list.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+
+#include "tools/pelkraft/failure.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+// Of the tag that counts the samples of a pixel.
+constexpr std::size_t mostChannels = 65535;
+
+std::string Trimmed(const std::string& text)
+{
+    const auto first = text.find_first_not_of(' ');
+    return first == std::string::npos ? ""
+                                      : text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+bool EqualInAnyCase(const std::string& left, const std::string& right)
+{
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
+        return std::tolower(static_cast<unsigned char>(a)) ==
+               std::tolower(static_cast<unsigned char>(b));
+    });
+}
+
+std::string Offer(const std::vector<Channel>& channels)
+{
+    std::string offer = "0 to " + std::to_string(channels.size() - 1);
+    for (const Channel& channel : channels) {
+        if (!channel.name.empty())
+            offer += ", " + channel.name;
+    }
+    return offer + " and - for an empty channel";
+}
+
+int FindChannel(const std::string& entry, const std::vector<Channel>& channels,
+                const std::string& path)
+{
+    if (entry == "-")
+        return -1;
+    int number = -1;
+    const char* const end = entry.data() + entry.size();
+    const auto read = std::from_chars(entry.data(), end, number);
+    if (read.ec == std::errc() && read.ptr == end && number >= 0 &&
+        number < static_cast<int>(channels.size()))
+        return number;
+    const auto found = std::find_if(channels.begin(), channels.end(), [&](const Channel& channel) {
+        return !entry.empty() && EqualInAnyCase(entry, channel.name);
+    });
+    if (found == channels.end())
+        throw Failure(ExitCode::Usage, path,
+                      "has no channel \"" + entry + "\" for --channels; supported are " +
+                          Offer(channels));
+    return static_cast<int>(found - channels.begin());
+}
+
+} // namespace
+
+std::vector<int> ParseChannelList(const std::string& list, const std::vector<Channel>& channels,
+                                  const std::string& path)
+{
+    std::vector<int> map;
+    std::size_t start = 0;
+    while (start <= list.size()) {
+        const std::size_t end = std::min(list.find(',', start), list.size());
+        map.push_back(FindChannel(Trimmed(list.substr(start, end - start)), channels, path));
+        start = end + 1;
+        if (map.size() > mostChannels)
+            throw Failure(ExitCode::Usage, path,
+                          "--channels names too many channels; supported are up to 65535");
+    }
+    return map;
+}
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,188 @@
+#include "tools/pelkraft/convert_command.h"
+
+#include <CLI/CLI.hpp>
+
+#include <chrono>
+#include <cstdio>
+#include <thread>
+
+#include "tools/pelkraft/atomic_output.h"
+#include "tools/pelkraft/explain.h"
+#include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/page_conversion.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+// A file of the old form can't point beyond 4 GB; what tags and tables take is well below this.
+constexpr std::uint64_t largestPlainFile = (std::uint64_t{1} << 32) - (std::uint64_t{64} << 20);
+constexpr int mostThreads = 256;
+
+constexpr const char* convertHelp =
+    "Samples of 1, 2, 8 and 16 bits, any number of channels, strips and tiles, every page of the\n"
+    "file. The new file is in strips, keeps what its tags say of the picture, and appears whole\n"
+    "or not at all. Rows are repeated and mirrored, columns are not: --repeat 2 makes a picture\n"
+    "twice as wide and doubles its horizontal resolution.\n\n";
+
+// What all pages together come to.
+struct Total
+{
+    std::uint64_t rows = 0;
+    std::uint64_t bytes = 0;
+};
+
+bool NextPage(const TiffFile& file, int page)
+{
+    if (TIFFLastDirectory(file.Get()) != 0)
+        return false;
+    if (TIFFReadDirectory(file.Get()) != 1)
+        file.Throw(ExitCode::BadInput,
+                   "has a page " + std::to_string(page + 1) + " that can't be read");
+    return true;
+}
+
+// Refuses before the first row of the first page what is wrong with the last.
+Total PlanAll(const TiffFile& file, const ConvertOptions& options)
+{
+    Total total;
+    int page = 1;
+    do {
+        const PagePlan plan = PlanPage(file, options);
+        const auto rowBytes = static_cast<std::uint64_t>(
+            FileRowBytes(plan.to.width, plan.to.channels, plan.to.bits, plan.to.separate));
+        // What doesn't compress may grow by a half.
+        const bool plain = plan.to.compression == COMPRESSION_NONE;
+        total.bytes += rowBytes * plan.to.height / 2 * (plain ? 2 : 3);
+        total.rows += plan.to.height;
+        if (options.explain)
+            std::fputs(ExplainPage(plan, options, page).c_str(), stdout);
+        for (const std::string& warning : plan.tags.warnings)
+            PrintWarning(options.input, warning);
+    } while (NextPage(file, page++));
+    if (TIFFSetDirectory(file.Get(), 0) != 1)
+        file.Throw(ExitCode::BadInput, "can't be read twice");
+    return total;
+}
+
+// Writes all pages, and tells whether samples exceeded the levels they were cut to.
+bool ConvertAll(const TiffFile& file, const ConvertOptions& options, const Total& total)
+{
+    AtomicOutput output(options.output);
+    bool cutSamples = false;
+    {
+        const TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
+                                                      total.bytes > largestPlainFile);
+        Progress progress("convert " + options.output, total.rows);
+        int page = 1;
+        do {
+            const PagePlan plan = PlanPage(file, options);
+            cutSamples = ConvertPage(file, out, plan, options, progress) || cutSamples;
+        } while (NextPage(file, page++));
+    }
+    StopIfInterrupted(options.output);
+    output.Commit();
+    return cutSamples;
+}
+
+void PrintSpeed(std::uint64_t rows, std::chrono::steady_clock::duration time)
+{
+    const double seconds = std::chrono::duration<double>(time).count();
+    const double rate = seconds > 0 ? static_cast<double>(rows) / seconds : 0;
+    std::printf("%llu rows in %.3f s, %.0f rows per second\n",
+                static_cast<unsigned long long>(rows), seconds, rate);
+}
+
+class ConvertCommand final : public ISubcommand
+{
+public:
+    void Register(CLI::App& program) override
+    {
+        options.threads =
+            std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, mostThreads);
+        verb = program.add_subcommand("convert", "Convert the rows of a TIFF file");
+        verb->add_option("IN.tif", options.input, "The file to read")->required();
+        verb->add_option("OUT.tif", options.output, "The file to write")->required();
+        AddFormatOptions();
+        AddWorkOptions();
+        verb->footer(std::string(convertHelp) + exitCodeHelp);
+    }
+
+    bool Chosen() const override { return verb->parsed(); }
+
+    ExitCode Run() override
+    {
+        TakeOptions();
+        CatchInterrupts();
+        const TiffFile file = TiffFile::OpenForReading(options.input);
+        const auto start = std::chrono::steady_clock::now();
+        const Total total = PlanAll(file, options);
+        const bool cutSamples = ConvertAll(file, options, total);
+        for (const std::string& warning : file.Warnings())
+            PrintWarning(options.input, warning);
+        if (options.explain)
+            PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
+        if (!cutSamples)
+            return ExitCode::Done;
+        PrintWarning(options.input, "samples exceed the levels of the new depth, and only their "
+                                    "lowest bits were kept; --tones scale rounds them to levels");
+        return ExitCode::Warnings;
+    }
+
+private:
+    void AddFormatOptions()
+    {
+        verb->add_option("--layout", layout,
+                         "Samples of a pixel side by side, or one plane per channel")
+            ->check(CLI::IsMember({"interleaved", "planar"}));
+        verb->add_option("--bits", bits, "Bits per sample")->check(CLI::IsMember({1, 2, 8, 16}));
+        verb->add_option("--channels", options.channels,
+                         "New channels, each by the number or name of an old one, or - for an "
+                         "empty one: 2,1,0,3 or Cyan,Black");
+        verb->add_option("--repeat", options.repeat, "Write each pixel of a row so many times")
+            ->check(CLI::IsMember({1, 2, 4}));
+        verb->add_flag("--mirror", options.mirror,
+                       "Write each row from its last pixel to its first");
+        verb->add_option("--tones", tones,
+                         "Below 8 bits: scale rounds tones to levels and stretches levels to "
+                         "tones, the default where one side alone is below 8 bits; raw takes "
+                         "samples as numbers")
+            ->check(CLI::IsMember({"scale", "raw"}));
+    }
+
+    void AddWorkOptions()
+    {
+        verb->add_flag("--portable", options.portable, "Take the portable road of the library");
+        verb->add_option(
+                "--threads", options.threads,
+                "Threads that share each band of rows; the file is the same for any number")
+            ->check(CLI::Range(1, mostThreads))
+            ->capture_default_str();
+        verb->add_flag("--explain", options.explain, "Print the plan, and how long it took");
+    }
+
+    void TakeOptions()
+    {
+        if (!layout.empty())
+            options.separate = layout == "planar";
+        if (bits != 0)
+            options.bits = bits;
+        if (!tones.empty())
+            options.tones = tones == "raw" ? Tones::Raw : Tones::Scale;
+    }
+
+    ConvertOptions options;
+    CLI::App* verb = nullptr;
+    std::string layout;
+    std::string tones;
+    int bits = 0;
+};
+
+} // namespace
+
+std::unique_ptr<ISubcommand> MakeConvertCommand()
+{
+    return std::make_unique<ConvertCommand>();
+}
+
+} // namespace zvk::Pelkraft::Client

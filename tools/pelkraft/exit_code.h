@@ -1,0 +1,33 @@
+#pragma once
+
+namespace zvk::Pelkraft::Client {
+
+// What the program answers to its caller; told by --help.
+enum class ExitCode : int
+{
+    Done = 0,
+    Warnings = 1,
+    Usage = 2,
+    BadInput = 3,
+    BadPattern = 4,
+    Unsupported = 5,
+    ReadWrite = 6,
+    Memory = 7,
+    Interrupted = 130,
+};
+
+// The table of all codes for the end of a help text.
+inline constexpr const char* exitCodeHelp =
+    "Exit codes:\n"
+    "  0    done; a warning about tags alone changes nothing here\n"
+    "  1    compared and differs, or done with a warning about pixels: --tones raw cut samples\n"
+    "       that exceed the levels of the new depth\n"
+    "  2    wrong usage\n"
+    "  3    bad input file\n"
+    "  4    bad pattern\n"
+    "  5    conversion not supported\n"
+    "  6    reading or writing failed\n"
+    "  7    out of memory\n"
+    "  130  interrupted; nothing was written\n";
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "tools/pelkraft/page_conversion.h"
+
+namespace zvk::Pelkraft::Client {
+
+// The plan of a page in words: formats, passes with their chains, road, tones, polarity and the
+// order of bits.
+std::string ExplainPage(const PagePlan& plan, const ConvertOptions& options, int page);
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/pelkraft/tiff_file.h"
+#include "tools/pelkraft/tiff_picture.h"
+
+namespace zvk::Pelkraft::Client {
+
+// The role of one channel of a page.
+struct Channel
+{
+    // Empty where neither a tag nor the photometric kind gives it a name.
+    std::string name;
+    // Beyond the colour channels: what the extra-sample tag says of it.
+    bool extra = false;
+    std::uint16_t extraKind = EXTRASAMPLE_UNSPECIFIED;
+};
+
+// The channels of the page at which the file stands, in their order.
+std::vector<Channel> ReadChannels(const TiffFile& file, const TiffPicture& picture);
+
+// The names in the page's own tag; empty where it has none.
+std::vector<std::string> ReadInkTags(const TiffFile& file);
+
+} // namespace zvk::Pelkraft::Client

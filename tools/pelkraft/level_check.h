@@ -1,0 +1,14 @@
+#pragma once
+
+#include <vector>
+
+#include "tools/pelkraft/plan.h"
+
+namespace zvk::Pelkraft::Client {
+
+// Whether a sample of the row is beyond the highest level of a depth of levelBits, once 16 bits
+// are narrowed to 8. Looks at the channels that map names, or at all if it is empty.
+bool ExceedsLevels(const unsigned char* row, const RowShape& shape, int levelBits,
+                   const std::vector<int>& map);
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/pelkraft/page_tags.h"
+#include "tools/pelkraft/plan.h"
+#include "tools/pelkraft/progress.h"
+#include "tools/pelkraft/tiff_file.h"
+#include "tools/pelkraft/tiff_picture.h"
+
+namespace zvk::Pelkraft::Client {
+
+// What the command line asks for; what it leaves out is as in the file.
+struct ConvertOptions
+{
+    std::string input;
+    std::string output;
+    std::optional<bool> separate;
+    std::optional<int> bits;
+    std::string channels;
+    int repeat = 1;
+    bool mirror = false;
+    std::optional<Tones> tones;
+    bool portable = false;
+    int threads = 1;
+    bool explain = false;
+};
+
+// Everything that is known of a page's conversion before its first row.
+struct PagePlan
+{
+    TiffPicture from;
+    TiffPicture to;
+    PageTags tags;
+    RowRequest request;
+    std::vector<RowStep> steps;
+};
+
+// Plans the page at which the file stands, and refuses here what can't be served.
+PagePlan PlanPage(const TiffFile& file, const ConvertOptions& options);
+
+// Writes the page, tags and rows. Tells whether samples exceeded the levels they were cut to.
+[[nodiscard]] bool ConvertPage(const TiffFile& file, const TiffFile& out, const PagePlan& plan,
+                               const ConvertOptions& options, Progress& progress);
+
+// Rows that are held at once.
+std::uint32_t BandRows(const PagePlan& plan);
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/pelkraft/ink_names.h"
+#include "tools/pelkraft/tiff_file.h"
+#include "tools/pelkraft/tiff_picture.h"
+
+namespace zvk::Pelkraft::Client {
+
+// What of a page's tags depends on what happens to its samples.
+struct PageTags
+{
+    std::uint16_t photometric = PHOTOMETRIC_MINISBLACK;
+    // Profile and whatever else describes these very colours.
+    bool keepColourTags = true;
+    // What speaks in sample values: curves and ranges.
+    bool keepValueTags = true;
+    std::optional<std::uint16_t> inkSet;
+    std::optional<std::uint16_t> numberOfInks;
+    std::vector<std::string> inkNames;
+    std::vector<std::uint16_t> extraKinds;
+    int repeat = 1;
+    // Where the new samples and the photometric kind don't go together.
+    std::vector<std::string> warnings;
+};
+
+// Tags for a page whose channels come from map, all in their order if it is empty, and whose
+// samples get a new depth.
+PageTags PlanTags(const TiffFile& file, const TiffPicture& picture,
+                  const std::vector<Channel>& channels, const std::vector<int>& map, int newBits);
+
+} // namespace zvk::Pelkraft::Client

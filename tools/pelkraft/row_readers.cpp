@@ -1,0 +1,180 @@
+#include "tools/pelkraft/row_readers.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "tools/pelkraft/failure.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+// Strips up to this size, all planes together, are decoded whole.
+constexpr std::int64_t largestHeldBytes = std::int64_t{64} << 20;
+// Beyond this an operating system may refuse to open the file once more for each plane.
+constexpr int mostPlaneFiles = 256;
+
+std::string RowName(std::uint32_t row)
+{
+    return "cannot be read at row " + std::to_string(std::uint64_t{row} + 1) +
+           "; it may be truncated or damaged";
+}
+
+// What a picture is cut into, for a tiled one and for one in strips alike: a strip is a tile as
+// wide as the picture.
+struct BlockGrid
+{
+    std::int64_t blockWidth;
+    std::uint32_t blockLength;
+    std::uint32_t columns;
+    std::uint32_t planes;
+    // Of one row of a block, and of one plane of a picture's row.
+    std::int64_t blockRowBytes;
+    std::int64_t planeBytes;
+};
+
+BlockGrid MakeGrid(const TiffPicture& picture)
+{
+    BlockGrid grid = {};
+    const int channelsTogether = picture.separate ? 1 : picture.channels;
+    grid.blockWidth = picture.tiled ? picture.tileWidth : picture.width;
+    grid.blockLength = picture.tiled ? picture.tileLength : picture.rowsPerStrip;
+    grid.columns =
+        static_cast<std::uint32_t>((picture.width + grid.blockWidth - 1) / grid.blockWidth);
+    grid.planes = picture.separate ? static_cast<std::uint32_t>(picture.channels) : 1;
+    grid.blockRowBytes = PlaneBytes(grid.blockWidth, channelsTogether, picture.bits, false);
+    grid.planeBytes = PlaneBytes(picture.width, channelsTogether, picture.bits, false);
+    return grid;
+}
+
+// Decodes one row of blocks at a time and hands out its rows.
+class BlockReader final : public IRowReader
+{
+public:
+    BlockReader(const TiffFile& newFile, const TiffPicture& newPicture)
+        : file(newFile), picture(newPicture), grid(MakeGrid(newPicture)),
+          rowBytes(static_cast<std::size_t>(grid.planeBytes * grid.planes))
+    {
+        const std::uint32_t rows = std::min(grid.blockLength, picture.height);
+        held.resize(rowBytes * rows);
+        block.resize(static_cast<std::size_t>(grid.blockRowBytes *
+                                              (picture.tiled ? grid.blockLength : rows)));
+    }
+
+    void ReadRow(unsigned char* row) override
+    {
+        const std::uint32_t rowInBlock = nextRow % grid.blockLength;
+        if (rowInBlock == 0)
+            ReadBlocks();
+        std::memcpy(row, held.data() + rowBytes * rowInBlock, rowBytes);
+        ++nextRow;
+    }
+
+private:
+    void ReadBlocks()
+    {
+        const std::uint32_t rows = std::min(grid.blockLength, picture.height - nextRow);
+        for (std::uint32_t plane = 0; plane < grid.planes; ++plane) {
+            for (std::uint32_t column = 0; column < grid.columns; ++column) {
+                ReadBlock(plane, column, rows);
+                Place(plane, column, rows);
+            }
+        }
+    }
+
+    void ReadBlock(std::uint32_t plane, std::uint32_t column, std::uint32_t rows)
+    {
+        const auto x = static_cast<std::uint32_t>(column * grid.blockWidth);
+        const auto sample = static_cast<std::uint16_t>(plane);
+        tmsize_t wanted = static_cast<tmsize_t>(block.size());
+        tmsize_t got = 0;
+        if (picture.tiled) {
+            const std::uint32_t tile = TIFFComputeTile(file.Get(), x, nextRow, 0, sample);
+            got = TIFFReadEncodedTile(file.Get(), tile, block.data(), wanted);
+        } else {
+            wanted = static_cast<tmsize_t>(grid.blockRowBytes * rows);
+            const std::uint32_t strip = TIFFComputeStrip(file.Get(), nextRow, sample);
+            got = TIFFReadEncodedStrip(file.Get(), strip, block.data(), wanted);
+        }
+        if (got != wanted)
+            file.Throw(ExitCode::BadInput, RowName(nextRow));
+    }
+
+    // The last column of tiles reaches beyond the picture; so does the last row of them.
+    void Place(std::uint32_t plane, std::uint32_t column, std::uint32_t rows)
+    {
+        const std::int64_t start = column * grid.blockRowBytes;
+        const auto bytes =
+            static_cast<std::size_t>(std::min(grid.blockRowBytes, grid.planeBytes - start));
+        for (std::uint32_t row = 0; row < rows; ++row)
+            std::memcpy(held.data() + rowBytes * row +
+                            static_cast<std::size_t>(plane * grid.planeBytes + start),
+                        block.data() + static_cast<std::size_t>(row * grid.blockRowBytes), bytes);
+    }
+
+    const TiffFile& file;
+    TiffPicture picture;
+    BlockGrid grid;
+    std::size_t rowBytes;
+    std::uint32_t nextRow = 0;
+    std::vector<unsigned char> held;
+    std::vector<unsigned char> block;
+};
+
+// For strips too large to hold: row by row. A decoder keeps its place in one strip alone, so
+// compressed planes get an open file each.
+class ScanlineReader final : public IRowReader
+{
+public:
+    ScanlineReader(const TiffFile& newFile, const TiffPicture& newPicture)
+        : file(newFile), planes(newPicture.separate ? newPicture.channels : 1),
+          planeBytes(static_cast<std::size_t>(MakeGrid(newPicture).planeBytes))
+    {
+        if (planes == 1 || newPicture.compression == COMPRESSION_NONE)
+            return;
+        if (planes > mostPlaneFiles)
+            throw Failure(ExitCode::Unsupported, file.Path(),
+                          "has " + std::to_string(planes) +
+                              " separate planes in compressed strips of over 64 MiB; supported "
+                              "are 256 of that size");
+        for (int plane = 0; plane < planes; ++plane) {
+            planeFiles.push_back(TiffFile::OpenForReading(file.Path()));
+            if (TIFFSetDirectory(planeFiles.back().Get(), TIFFCurrentDirectory(file.Get())) == 0)
+                planeFiles.back().Throw(ExitCode::BadInput, "cannot be read again");
+        }
+    }
+
+    void ReadRow(unsigned char* row) override
+    {
+        for (int plane = 0; plane < planes; ++plane) {
+            const TiffFile& from =
+                planeFiles.empty() ? file : planeFiles[static_cast<std::size_t>(plane)];
+            unsigned char* to = row + planeBytes * static_cast<std::size_t>(plane);
+            if (TIFFReadScanline(from.Get(), to, nextRow, static_cast<std::uint16_t>(plane)) != 1)
+                from.Throw(ExitCode::BadInput, RowName(nextRow));
+        }
+        ++nextRow;
+    }
+
+private:
+    const TiffFile& file;
+    int planes;
+    std::size_t planeBytes;
+    std::uint32_t nextRow = 0;
+    std::vector<TiffFile> planeFiles;
+};
+
+} // namespace
+
+std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& picture)
+{
+    const BlockGrid grid = MakeGrid(picture);
+    const std::int64_t heldBytes =
+        grid.planeBytes * grid.planes * std::min(grid.blockLength, picture.height);
+    if (picture.tiled || heldBytes <= largestHeldBytes || picture.rowsPerStrip == 1)
+        return std::make_unique<BlockReader>(file, picture);
+    return std::make_unique<ScanlineReader>(file, picture);
+}
+
+} // namespace zvk::Pelkraft::Client

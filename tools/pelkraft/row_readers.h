@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "tools/pelkraft/tiff_picture.h"
+
+namespace zvk::Pelkraft::Client {
+
+// Gives the rows of a page one after the other, from the first to the last, whatever the file is
+// cut into. A row has FileRowBytes() bytes. Failures are those of a damaged file.
+class IRowReader
+{
+public:
+    virtual ~IRowReader() = default;
+    virtual void ReadRow(unsigned char* row) = 0;
+};
+
+// A reader for the page at which the file stands; the file must stay there while it is used.
+std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& picture);
+
+} // namespace zvk::Pelkraft::Client

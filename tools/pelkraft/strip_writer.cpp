@@ -1,0 +1,65 @@
+#include "tools/pelkraft/strip_writer.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+constexpr std::int64_t wantedStripBytes = std::int64_t{256} << 10;
+constexpr std::int64_t largestStripBytes = std::int64_t{1} << 20;
+// Of all planes of these rows together, since they are held at once.
+constexpr std::int64_t mostHeldBytes = std::int64_t{16} << 20;
+
+} // namespace
+
+std::uint32_t ChooseRowsPerStrip(const TiffPicture& picture)
+{
+    const std::int64_t planeBytes =
+        PlaneBytes(picture.width, picture.channels, picture.bits, picture.separate);
+    const std::int64_t rowBytes =
+        FileRowBytes(picture.width, picture.channels, picture.bits, picture.separate);
+    const std::int64_t mostRows = mostHeldBytes / rowBytes;
+    const std::int64_t present = std::min(picture.rowsPerStrip, picture.height);
+    const bool keep = !picture.tiled && present <= mostRows &&
+                      present * planeBytes <= largestStripBytes;
+    const std::int64_t rows = keep ? present : std::min(wantedStripBytes / planeBytes, mostRows);
+    return static_cast<std::uint32_t>(
+        std::clamp<std::int64_t>(rows, 1, static_cast<std::int64_t>(picture.height)));
+}
+
+StripWriter::StripWriter(const TiffFile& newFile, const TiffPicture& newPicture)
+    : file(newFile), picture(newPicture),
+      planeBytes(static_cast<std::size_t>(
+          PlaneBytes(picture.width, picture.channels, picture.bits, picture.separate))),
+      planes(picture.separate ? picture.channels : 1), strip(planeBytes * picture.rowsPerStrip)
+{}
+
+void StripWriter::WriteRows(const unsigned char* rows, std::int64_t rowStride,
+                            std::uint32_t rowCount)
+{
+    while (rowCount > 0) {
+        const std::uint32_t now = std::min(rowCount, picture.rowsPerStrip);
+        WriteStrip(rows, rowStride, now);
+        rows += rowStride * now;
+        rowCount -= now;
+        nextRow += now;
+    }
+}
+
+void StripWriter::WriteStrip(const unsigned char* rows, std::int64_t rowStride,
+                             std::uint32_t rowCount)
+{
+    for (int plane = 0; plane < planes; ++plane) {
+        const unsigned char* from = rows + planeBytes * static_cast<std::size_t>(plane);
+        for (std::uint32_t row = 0; row < rowCount; ++row)
+            std::memcpy(strip.data() + planeBytes * row, from + rowStride * row, planeBytes);
+        const std::uint32_t number =
+            TIFFComputeStrip(file.Get(), nextRow, static_cast<std::uint16_t>(plane));
+        const auto bytes = static_cast<tmsize_t>(planeBytes * rowCount);
+        if (TIFFWriteEncodedStrip(file.Get(), number, strip.data(), bytes) != bytes)
+            file.Throw(ExitCode::ReadWrite, "cannot be written");
+    }
+}
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "tools/pelkraft/tiff_file.h"
+#include "tools/pelkraft/tiff_picture.h"
+
+namespace zvk::Pelkraft::Client {
+
+// Rows of one strip for a page of this kind: as many as it has where that makes strips of up to
+// 1 MiB a plane, else as many as make about 256 KiB.
+std::uint32_t ChooseRowsPerStrip(const TiffPicture& picture);
+
+// Writes the samples of a page whose tags are set, strip after strip.
+class StripWriter
+{
+public:
+    // picture tells the shape of the new page; its rowsPerStrip counts.
+    StripWriter(const TiffFile& newFile, const TiffPicture& newPicture);
+
+    // Takes rows that follow those of the last call; rowStride bytes lie between their starts.
+    // Every call but the last of a page brings whole strips.
+    void WriteRows(const unsigned char* rows, std::int64_t rowStride, std::uint32_t rowCount);
+
+private:
+    void WriteStrip(const unsigned char* rows, std::int64_t rowStride, std::uint32_t rowCount);
+
+    const TiffFile& file;
+    TiffPicture picture;
+    std::size_t planeBytes;
+    int planes;
+    std::uint32_t nextRow = 0;
+    std::vector<unsigned char> strip;
+};
+
+} // namespace zvk::Pelkraft::Client

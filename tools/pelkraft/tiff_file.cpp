@@ -1,0 +1,102 @@
+#include "tools/pelkraft/tiff_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+#include "tools/pelkraft/failure.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+// More of them say nothing new.
+constexpr std::size_t mostWarnings = 8;
+// What libtiff may allocate at once for tables that a file declares.
+constexpr tmsize_t largestTable = tmsize_t{1} << 30;
+
+std::string Format(const char* format, va_list arguments)
+{
+    char text[512];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    return text;
+}
+
+int NoteError(TIFF*, void* userData, const char*, const char* format, va_list arguments)
+{
+    static_cast<TiffMessages*>(userData)->error = Format(format, arguments);
+    return 1;
+}
+
+int NoteWarning(TIFF*, void* userData, const char*, const char* format, va_list arguments)
+{
+    auto& warnings = static_cast<TiffMessages*>(userData)->warnings;
+    std::string text = Format(format, arguments);
+    // Inks beyond the fourth are no extra samples to us, whatever libtiff makes of them.
+    if (text.find("Defining non-color channels as ExtraSamples") != std::string::npos)
+        return 1;
+    if (warnings.size() < mostWarnings &&
+        std::find(warnings.begin(), warnings.end(), text) == warnings.end())
+        warnings.push_back(std::move(text));
+    return 1;
+}
+
+struct FreeOptions
+{
+    void operator()(TIFFOpenOptions* options) const { TIFFOpenOptionsFree(options); }
+};
+
+} // namespace
+
+TiffFile::TiffFile(int descriptor, const std::string& newPath, const char* mode)
+    : path(newPath), messages(std::make_unique<TiffMessages>())
+{
+    const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), largestTable);
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), NoteError, messages.get());
+    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), NoteWarning, messages.get());
+    handle.reset(TIFFFdOpenExt(descriptor, path.c_str(), mode, options.get()));
+    if (!handle)
+        close(descriptor);
+}
+
+TiffFile TiffFile::OpenForReading(const std::string& path)
+{
+    // Without O_NONBLOCK a pipe would be waited for before it can be refused.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat status = {};
+    if (descriptor < 0 || fstat(descriptor, &status) != 0)
+        throw Failure(ExitCode::ReadWrite, path,
+                      std::string("cannot be read: ") + std::strerror(errno));
+    if (!S_ISREG(status.st_mode)) {
+        close(descriptor);
+        throw Failure(ExitCode::ReadWrite, path, "cannot be read: it is not a regular file");
+    }
+
+    TiffFile file(descriptor, path, "r");
+    file.size = static_cast<std::uint64_t>(status.st_size);
+    if (!file.handle)
+        file.Throw(ExitCode::BadInput, "is no TIFF file; supported are TIFF and BigTIFF");
+    return file;
+}
+
+TiffFile TiffFile::OpenForWriting(int descriptor, const std::string& shownPath, bool big)
+{
+    TiffFile file(descriptor, shownPath, big ? "w8" : "w");
+    if (!file.handle)
+        file.Throw(ExitCode::ReadWrite, "cannot be written");
+    return file;
+}
+
+void TiffFile::Throw(ExitCode code, const std::string& text) const
+{
+    const std::string& said = messages->error;
+    throw Failure(code, path, said.empty() ? text : text + " (" + said + ")");
+}
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <tiffio.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/pelkraft/exit_code.h"
+
+namespace zvk::Pelkraft::Client {
+
+// What libtiff said about one file, instead of on the standard error stream.
+struct TiffMessages
+{
+    std::string error;
+    std::vector<std::string> warnings;
+};
+
+// An open TIFF file of libtiff, closed at the end of the scope.
+class TiffFile
+{
+public:
+    // Opens a regular file at its first page.
+    static TiffFile OpenForReading(const std::string& path);
+    // Writes to an open file, which it closes; big takes the form for more than 4 GB.
+    static TiffFile OpenForWriting(int descriptor, const std::string& shownPath, bool big);
+
+    TIFF* Get() const { return handle.get(); }
+    const std::string& Path() const { return path; }
+    // Bytes of the file at the time of opening; 0 for one that is being written.
+    std::uint64_t Size() const { return size; }
+    const std::vector<std::string>& Warnings() const { return messages->warnings; }
+
+    // A failure of this file: the text, and behind it what libtiff said last.
+    [[noreturn]] void Throw(ExitCode code, const std::string& text) const;
+
+private:
+    struct Close
+    {
+        void operator()(TIFF* file) const { TIFFClose(file); }
+    };
+
+    TiffFile(int descriptor, const std::string& newPath, const char* mode);
+
+    std::string path;
+    std::uint64_t size = 0;
+    // At a fixed address: libtiff keeps a pointer to it.
+    std::unique_ptr<TiffMessages> messages;
+    std::unique_ptr<TIFF, Close> handle;
+};
+
+} // namespace zvk::Pelkraft::Client
