@@ -1,0 +1,137 @@
+#include "pelkraft/dot_weave_pattern.h"
+
+#include <memory>
+
+#include "pattern/early_check.h"
+#include "pattern/pattern_engine_sse.h"
+#include "pattern/pattern_engine_x86.h"
+#include "pattern/random_field.h"
+#include "pattern/random_field_ng.h"
+#include "pattern/random_pointer.h"
+#include "pattern/random_pointer_ng.h"
+#include "pattern/reference_pattern.h"
+#include "zvk/system_tools.h"
+
+namespace zvk::Pelkraft {
+namespace {
+
+constexpr const wchar_t* noInColorsOrInks =
+    L"DotWeavePattern::Init invalid DotWeave pattern configuration file!";
+constexpr const char* unsupportedEngine = "DotWeavePattern::Init unsupported engine";
+
+constexpr int firstVersionOfSecondGeneration = 3;
+constexpr int leastSseVersion = 3;
+
+using EngineOwner = std::unique_ptr<DotWeavePatternEngine>;
+
+template <template <typename> class Engine, typename First, typename Second>
+EngineOwner MakeGeneration(int textVersion)
+{
+    if (textVersion < firstVersionOfSecondGeneration)
+        return std::make_unique<Engine<First>>();
+    return std::make_unique<Engine<Second>>();
+}
+
+EngineOwner MakePortable(int textVersion)
+{
+    return MakeGeneration<DotWeavePatternEngineX86, RandomField, RandomFieldNG>(textVersion);
+}
+
+EngineOwner MakeVector(int textVersion)
+{
+    return MakeGeneration<DotWeavePatternEngineSse, RandomPointer<SseTransformation>,
+                          RandomPointerNG<SseTransformation>>(textVersion);
+}
+
+EngineOwner MakeEngine(DotWeavePattern::Engine engine, int textVersion)
+{
+    switch (engine) {
+    case DotWeavePattern::Automatic:
+        return zvk::SystemTools::GetSseVersion() < leastSseVersion ? MakePortable(textVersion)
+                                                                   : MakeVector(textVersion);
+    case DotWeavePattern::Reference:
+        return std::make_unique<Testonly::CDotWeavePattern<RandomField>>();
+    case DotWeavePattern::X86:
+        return MakePortable(textVersion);
+    case DotWeavePattern::Sse:
+        return MakeVector(textVersion);
+    }
+    throw unsupportedEngine;
+}
+
+} // namespace
+
+DotWeavePattern::DotWeavePattern(char* text) : DotWeavePattern(text, Automatic) {}
+
+DotWeavePattern::DotWeavePattern(char* text, Engine engine) : mEngine(nullptr), mTextVersion(1)
+{
+    ChkInPatternStr(text);
+    Init(text, engine);
+}
+
+DotWeavePattern::DotWeavePattern(const DotWeavePattern& other)
+    : mEngine(other.mEngine), mTextVersion(other.mTextVersion)
+{
+    mEngine->AddHolder();
+}
+
+DotWeavePattern& DotWeavePattern::operator=(const DotWeavePattern& other)
+{
+    // First the new holder: both may share one engine already.
+    other.mEngine->AddHolder();
+    mEngine->RemoveHolder();
+    mEngine = other.mEngine;
+    mTextVersion = other.mTextVersion;
+    return *this;
+}
+
+DotWeavePattern::~DotWeavePattern()
+{
+    if (mEngine != nullptr)
+        mEngine->RemoveHolder();
+    mEngine = nullptr;
+}
+
+void DotWeavePattern::ChkInPatternStr(char* text)
+{
+    mTextVersion = CheckPatternText(text);
+}
+
+void DotWeavePattern::Init(char* text, Engine engine)
+{
+    EngineOwner loaded = MakeEngine(engine, mTextVersion);
+    loaded->InitFromText(text);
+    if (loaded->GetInColorCount() <= 0 || loaded->GetOutColorCount() <= 0)
+        throw noInColorsOrInks;
+    if (mEngine != nullptr)
+        mEngine->RemoveHolder();
+    mEngine = loaded.release();
+}
+
+void DotWeavePattern::ResetRandomizer()
+{
+    mEngine->ResetRandomizer();
+}
+
+void DotWeavePattern::ApplyPattern(unsigned char* source, unsigned char* destination,
+                                   unsigned long pixels)
+{
+    mEngine->ApplyPattern(source, destination, pixels);
+}
+
+int DotWeavePattern::GetInColorCount()
+{
+    return mEngine->GetInColorCount();
+}
+
+int DotWeavePattern::GetNumberOfStepsForInColor(int inColor)
+{
+    return mEngine->GetNumberOfStepsForInColor(inColor);
+}
+
+int DotWeavePattern::GetOutColorCount()
+{
+    return mEngine->GetOutColorCount();
+}
+
+} // namespace zvk::Pelkraft

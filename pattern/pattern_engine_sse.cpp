@@ -1,0 +1,110 @@
+#include "pattern/pattern_engine_sse.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <type_traits>
+
+#include "pattern/random_pointer.h"
+#include "pattern/random_pointer_ng.h"
+
+namespace zvk::Pelkraft {
+namespace {
+
+constexpr const char* arrayTooLong = "Array too long for SSE register";
+
+SseRowMethod SelectRowMethod()
+{
+#if defined(PELKRAFT_VECTOR_ROAD)
+    return GetSseRowMethodVector();
+#else
+    return GetSseRowMethodPortable();
+#endif
+}
+
+} // namespace
+
+template <typename RandomSource>
+DotWeavePatternEngineSse<RandomSource>::DotWeavePatternEngineSse() : mApplyRow(SelectRowMethod())
+{}
+
+template <typename RandomSource>
+DotWeavePatternEngineSse<RandomSource>::~DotWeavePatternEngineSse() = default;
+
+template <typename RandomSource>
+void DotWeavePatternEngineSse<RandomSource>::InitFromText(char* text)
+{
+    LoadConverter(text);
+    mSourceStride = mNumInColors;
+    mDestinationStride = mNumOutInks;
+    PackTransformations();
+    if (ExceedsTables())
+        throw arrayTooLong;
+    CopySteps();
+    BuildLanes();
+    BuildRandomSource();
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineSse<RandomSource>::PackTransformations()
+{
+    const SseTransformationBuilder* tables = mConverter->GetSseTables();
+    std::transform(tables, tables + mNumCombinations, mTransformations.begin(),
+                   [](const SseTransformationBuilder& table) { return table.Pack(); });
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineSse<RandomSource>::BuildLanes()
+{
+    mLanes = SseLanes{};
+    std::copy_n(mMaxStepOfInColor.begin(), mNumInColors, mLanes.mStepLimits.begin());
+    for (std::size_t ink = 0; ink < static_cast<std::size_t>(mNumOutInks); ++ink) {
+        const std::uint8_t inColor = mConverter->GetInColorOfOutInk()[ink];
+        mLanes.mStoreMask[ink] = 0xFF;
+        // A repeated name can lead behind the last lane, of which a shuffle would see but the
+        // low four bits.
+        mLanes.mInColorLanes[ink] = inColor < outInkLanes ? inColor : noInColorOfInk;
+    }
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineSse<RandomSource>::BuildRandomSource()
+{
+    const std::int32_t seed = mConverter->GetRandomSeed();
+    if constexpr (std::is_same_v<RandomSource, RandomPointer<SseTransformation>>)
+        mRandom.Build(seed, mConverter->GetDistribution(), mTransformations.data());
+    else
+        mRandom.Build(seed, mConverter->GetCombinations(), mNumCombinations,
+                      mTransformations.data());
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineSse<RandomSource>::ResetRandomizer()
+{
+    mRandom.Reset();
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineSse<RandomSource>::ApplyPattern(unsigned char* source,
+                                                          unsigned char* destination,
+                                                          unsigned long pixels)
+{
+    const SseRow row = {
+        .source = source,
+        .destination = destination,
+        .pixels = static_cast<std::uint32_t>(pixels),
+        .sourceStride = static_cast<std::uint32_t>(mSourceStride),
+        .destinationStride = static_cast<std::uint32_t>(mDestinationStride),
+        .lanes = &mLanes,
+        .field = mRandom.GetField(),
+        .position = mRandom.GetPosition(),
+        .fieldSize = mRandom.GetWalkSize(),
+        .single = DrawsCombinations() ? nullptr : mTransformations.data(),
+    };
+    mApplyRow(row);
+    mRandom.StartNextRow();
+}
+
+template class DotWeavePatternEngineSse<RandomPointer<SseTransformation>>;
+template class DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>>;
+
+} // namespace zvk::Pelkraft

@@ -1,0 +1,110 @@
+#include <algorithm>
+#include <cstddef>
+
+#include "pattern/pattern_engine_x86.h"
+#include "pattern/random_field.h"
+#include "pattern/random_field_ng.h"
+
+namespace zvk::Pelkraft {
+namespace {
+
+constexpr const char* arrayTooLong = "Array too long for pattern tables";
+
+} // namespace
+
+template <typename RandomSource>
+DotWeavePatternEngineX86<RandomSource>::DotWeavePatternEngineX86()
+{
+    mInColorOfOutInk.fill(noInColorOfInk);
+}
+
+template <typename RandomSource>
+DotWeavePatternEngineX86<RandomSource>::~DotWeavePatternEngineX86() = default;
+
+template <typename RandomSource>
+void DotWeavePatternEngineX86<RandomSource>::InitFromText(char* text)
+{
+    mRandom.reset();
+    mInColorOfOutInk.fill(noInColorOfInk);
+    LoadConverter(text);
+    if (ExceedsTables())
+        throw arrayTooLong;
+
+    CopySteps();
+    std::copy_n(mConverter->GetInColorOfOutInk().begin(), mNumOutInks, mInColorOfOutInk.begin());
+    // A pattern without in-colours or inks is about to be refused, for that and for nothing that
+    // its random source could say.
+    if (mNumInColors > 0 && mNumOutInks > 0)
+        mRandom = std::make_unique<RandomSource>(mConverter->GetRandomSeed(),
+                                                 mConverter->GetDistribution(),
+                                                 mConverter->GetCombinations(), mNumCombinations);
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineX86<RandomSource>::ResetRandomizer()
+{
+    mRandom->Reset();
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineX86<RandomSource>::ApplyPattern(unsigned char* source,
+                                                          unsigned char* destination,
+                                                          unsigned long pixels)
+{
+    const auto count = static_cast<std::uint32_t>(pixels);
+    if (DrawsCombinations())
+        ApplyDrawn(source, destination, count);
+    else
+        ApplySingle(source, destination, count);
+    mRandom->StartNextRow();
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineX86<RandomSource>::ApplyDrawn(const unsigned char* source,
+                                                        unsigned char* destination,
+                                                        std::uint32_t pixels)
+{
+    const PatternCombinations& combinations = mConverter->GetCombinations();
+    for (; pixels != 0; --pixels) {
+        ApplyPixel(source, destination, combinations[mRandom->Next()]);
+        source += mNumInColors;
+        destination += mNumOutInks;
+    }
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineX86<RandomSource>::ApplySingle(const unsigned char* source,
+                                                         unsigned char* destination,
+                                                         std::uint32_t pixels) const
+{
+    const PatternCombination& combination = mConverter->GetCombinations()[0];
+    for (; pixels >= 2; pixels -= 2) {
+        ApplyPixel(source, destination, combination);
+        ApplyPixel(source + mNumInColors, destination + mNumOutInks, combination);
+        source += 2 * std::ptrdiff_t{mNumInColors};
+        destination += 2 * std::ptrdiff_t{mNumOutInks};
+    }
+    if (pixels != 0)
+        ApplyPixel(source, destination, combination);
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineX86<RandomSource>::ApplyPixel(const unsigned char* source,
+                                                        unsigned char* destination,
+                                                        const PatternCombination& combination) const
+{
+    for (std::size_t ink = 0; ink < static_cast<std::size_t>(mNumOutInks); ++ink) {
+        const std::size_t inColor = mInColorOfOutInk[ink];
+        // A repeated name leads to an index behind the pixel, where no step stands.
+        std::uint8_t step = 0;
+        if (inColor < static_cast<std::size_t>(mNumInColors))
+            step = std::min(source[inColor], mMaxStepOfInColor[inColor]);
+        const StepRow& row = *combination.inkSteps[ink];
+        destination[ink] = step < row.size() ? static_cast<std::uint8_t>(row[step]) : 0;
+    }
+}
+
+template class DotWeavePatternEngineX86<RandomField>;
+template class DotWeavePatternEngineX86<RandomFieldNG>;
+
+} // namespace zvk::Pelkraft

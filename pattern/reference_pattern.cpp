@@ -1,0 +1,240 @@
+#include "pattern/reference_pattern.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+
+#include "pattern/linear_random.h"
+#include "pattern/pattern_sink.h"
+#include "pattern/random_field.h"
+#include "pattern/random_old_setting.h"
+#include "pattern/tokenizer.h"
+
+namespace zvk::Pelkraft::Testonly {
+namespace {
+
+constexpr const char* arrayTooLong = "Array too long for pattern tables";
+
+constexpr char commentCharacter = '#';
+
+constexpr ReaderRules secondRules = {
+    .weightsOfLine = 12,
+    .positions = outInksOfPixel,
+    .highestWeightSum = highestWeightSum,
+    .lowestVersion = std::numeric_limits<std::int32_t>::min(),
+    .entriesAlwaysNamePosition = false,
+};
+
+// What steps must have in common to share a source in the newer way of drawing: in-colour,
+// number and sum of weights, and the first four weights.
+using Distribution = std::array<std::int64_t, 7>;
+
+Distribution DistributionOf(std::int32_t inColor, const ValueLine& line)
+{
+    return {inColor,         line.count,      line.weightSum, line.weights[0],
+            line.weights[1], line.weights[2], line.weights[3]};
+}
+
+} // namespace
+
+// Stores what the text says in the fields of the class.
+template <typename RandomSource>
+class CDotWeavePattern<RandomSource>::TextSink final : public IPatternSink
+{
+public:
+    explicit TextSink(CDotWeavePattern& newPattern) : pattern(newPattern) {}
+
+    void TakeVersion(std::int32_t version) override { pattern.mVersion = version; }
+    void TakeSeed(std::int32_t seed) override { pattern.mRandomSeed = seed; }
+    void AllocateInColors(std::int32_t count) override { pattern.mInColors.Allocate(count); }
+    void SelectInColor(std::int32_t inColor) override { pattern.mInColors.Select(inColor); }
+
+    void TakeInk(std::int32_t inColor, std::int32_t position, std::int32_t outInk) override
+    {
+        pattern.mInColors.Select(inColor).inks[static_cast<std::size_t>(position)] = outInk;
+    }
+
+    void TakeInkCount(std::int32_t inColor, std::int32_t count) override
+    {
+        pattern.mInColors.Select(inColor).numInks = count;
+    }
+
+    void BeginValueLines(std::int32_t inColor) override
+    {
+        pattern.mInColors.Select(inColor).numValueLines = 0;
+    }
+
+    void TakeValueLine(std::int32_t inColor, const ValueLine& line) override
+    {
+        auto& record = pattern.mInColors.Select(inColor);
+        auto& step = record.steps[static_cast<std::size_t>(line.step)];
+        step.random = line.weightSum >= 2 ? SourceFor(inColor, line) : nullptr;
+        ++record.numValueLines;
+        Expand(line, step);
+        if (line.hasSuffix)
+            for (auto s = static_cast<std::size_t>(line.step) + 1; s < record.steps.size(); ++s)
+                record.steps[s] = step;
+    }
+
+private:
+    RandomSource* SourceFor(std::int32_t inColor, const ValueLine& line)
+    {
+        const std::int64_t key =
+            pattern.mRandomOld ? static_cast<std::int64_t>(line.weightSum) : KeyOf(inColor, line);
+        auto& source = pattern.mRandomFields[key];
+        if (source == nullptr) {
+            source = MakeSource(line.weightSum);
+            source->Reset();
+        }
+        return source.get();
+    }
+
+    // In the order in which the distributions appear.
+    std::int64_t KeyOf(std::int32_t inColor, const ValueLine& line)
+    {
+        const auto next = static_cast<std::int64_t>(keys.size());
+        return keys.emplace(DistributionOf(inColor, line), next).first->second;
+    }
+
+    std::unique_ptr<RandomSource> MakeSource(std::uint32_t weightSum) const
+    {
+        if (pattern.mRandomOld)
+            return std::make_unique<RandomSource>(pattern.mRandomSeed, weightSum);
+        return std::make_unique<RandomSource>(pattern.mRandomSeed, weightSum, Divisor());
+    }
+
+    // The sources act as digits of one number. Beyond the generator's reach a divisor gives 0,
+    // however large it is.
+    std::uint32_t Divisor() const
+    {
+        std::uint32_t product = 1;
+        for (const auto& [key, source] : pattern.mRandomFields)
+            if (source != nullptr)
+                product = std::min(product * source->GetCount(), linearRandomValues);
+        return product;
+    }
+
+    // Gives each random number the value of the alternative that owns it: as many numbers to an
+    // alternative as its weight says.
+    static void Expand(const ValueLine& line, TestStep<RandomSource>& step)
+    {
+        const auto numbers = static_cast<std::int64_t>(line.weightSum);
+        std::int64_t number = 0;
+        for (std::size_t j = 0; j < static_cast<std::size_t>(line.count); ++j) {
+            auto& values = step.table[static_cast<std::size_t>(line.positions[j])];
+            const std::int64_t end = std::min(number + line.weights[j], numbers);
+            for (; number < end; ++number)
+                values[static_cast<std::size_t>(number)] = line.values[j];
+        }
+    }
+
+    CDotWeavePattern& pattern;
+    std::map<Distribution, std::int64_t> keys;
+};
+
+template <typename RandomSource>
+CDotWeavePattern<RandomSource>::CDotWeavePattern()
+{
+    mRandomOld = ReadRandomOldSetting(mRandomOld);
+}
+
+template <typename RandomSource>
+CDotWeavePattern<RandomSource>::~CDotWeavePattern() = default;
+
+template <typename RandomSource>
+void CDotWeavePattern<RandomSource>::Clear()
+{
+    mRandomFields.clear();
+    mInColors.Free();
+}
+
+template <typename RandomSource>
+void CDotWeavePattern<RandomSource>::InitFromText(char* text)
+{
+    Clear();
+    mVersion = 1;
+    mTokens = CutTokens(text, commentCharacter);
+    TextSink sink(*this);
+    PatternReader reader(secondRules, mInColorNames, mOutInkNames, sink);
+    if (!reader.Read(mTokens))
+        return;
+    if (GetOutColorCount() > outInksOfPixel)
+        throw arrayTooLong;
+    ResetRandomizer();
+}
+
+template <typename RandomSource>
+void CDotWeavePattern<RandomSource>::ResetRandomizer()
+{
+    for (const auto& [key, source] : mRandomFields)
+        source->Reset();
+}
+
+template <typename RandomSource>
+void CDotWeavePattern<RandomSource>::ApplyPattern(unsigned char* source, unsigned char* destination,
+                                                  unsigned long pixels)
+{
+    for (auto rest = static_cast<std::uint32_t>(pixels); rest != 0; --rest) {
+        ApplyPixel(source);
+        std::memcpy(destination, mPixel.data(), mOutInkNames.size());
+        source += mInColorNames.size();
+        destination += mOutInkNames.size();
+    }
+}
+
+template <typename RandomSource>
+void CDotWeavePattern<RandomSource>::ApplyPixel(const unsigned char* source)
+{
+    mPixel.fill(0);
+    for (std::int32_t i = 0; i < mInColors.Count(); ++i)
+        if (const auto* record = mInColors.Find(i); record != nullptr)
+            // A repeated name leads to an index behind the pixel, where no step stands.
+            ApplyInColor(*record, i < GetInColorCount() ? source[i] : std::uint8_t{0});
+    if (!mRandomOld)
+        for (const auto& [key, random] : mRandomFields)
+            random->Next();
+}
+
+template <typename RandomSource>
+void CDotWeavePattern<RandomSource>::ApplyInColor(const TestInColorRecord<RandomSource>& record,
+                                                  std::uint8_t step)
+{
+    // As a step without a line: no draw, and nothing to add.
+    if (step >= record.steps.size())
+        return;
+    const TestStep<RandomSource>& values = record.steps[step];
+    std::uint32_t number = 0;
+    if (values.random != nullptr)
+        number = mRandomOld ? values.random->Next() : values.random->Current();
+    for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p)
+        // Several in-colours that feed one ink combine bit by bit.
+        if (const auto ink = static_cast<std::size_t>(record.inks[p]); ink < mPixel.size())
+            mPixel[ink] = static_cast<std::uint8_t>(
+                mPixel[ink] | static_cast<std::uint8_t>(values.table[p][number]));
+}
+
+template <typename RandomSource>
+int CDotWeavePattern<RandomSource>::GetInColorCount()
+{
+    return static_cast<int>(mInColorNames.size());
+}
+
+template <typename RandomSource>
+int CDotWeavePattern<RandomSource>::GetNumberOfStepsForInColor(int inColor)
+{
+    if (inColor < 0 || inColor >= GetInColorCount())
+        return 0;
+    const auto* record = mInColors.Find(inColor);
+    return record != nullptr ? record->numValueLines : 0;
+}
+
+template <typename RandomSource>
+int CDotWeavePattern<RandomSource>::GetOutColorCount()
+{
+    return static_cast<int>(mOutInkNames.size());
+}
+
+template class CDotWeavePattern<RandomField>;
+
+} // namespace zvk::Pelkraft::Testonly

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "pattern/dot_weave_pattern_engine.h"
+#include "pattern/in_color_records.h"
+#include "pattern/pattern_reader.h"
+#include "pattern/value_line.h"
+
+namespace zvk::Pelkraft::Testonly {
+
+constexpr std::int32_t outInksOfPixel = 12;
+constexpr std::int32_t highestWeightSum = 30;
+
+template <typename RandomSource>
+struct TestStep
+{
+    // Null where the sum of the weights is below 2.
+    RandomSource* random = nullptr;
+    // Value by ink position and random number.
+    std::array<std::array<std::int32_t, highestWeightSum>, outInksOfPixel> table{};
+};
+
+template <typename RandomSource>
+struct TestInColorRecord
+{
+    // Of the last list of values.
+    std::int32_t numValueLines = 0;
+    std::int32_t numInks = 0;
+    // Out-ink index by ink position.
+    std::array<std::int32_t, outInksOfPixel> inks{};
+    std::array<TestStep<RandomSource>, stepsOfInColor> steps;
+};
+
+// A second, simple implementation of the same job: each step of each in-colour keeps its own
+// table and random source, and a pixel is resolved in-colour by in-colour, with a draw for each.
+// It draws differently from the other engines and so gives other bytes.
+template <typename RandomSource>
+class CDotWeavePattern : public DotWeavePatternEngine
+{
+public:
+    CDotWeavePattern();
+    ~CDotWeavePattern() override;
+
+    void InitFromText(char* text) override;
+    void ResetRandomizer() override;
+    void ApplyPattern(unsigned char* source, unsigned char* destination,
+                      unsigned long pixels) override;
+    int GetInColorCount() override;
+    // The number of value lines, and not the highest step. 0 outside the in-colours.
+    int GetNumberOfStepsForInColor(int inColor) override;
+    int GetOutColorCount() override;
+    DotWeavePatternConverter* GetConverter() override { return nullptr; }
+    virtual RandomSource* GetRandomSource() { return nullptr; }
+
+protected:
+    // Sources shared by all steps of one sum of weights, which move with the pixels that use
+    // them. Off: sources shared by steps of one distribution, which move with every pixel.
+    bool mRandomOld = true;
+
+private:
+    class TextSink;
+
+    void Clear();
+    void ApplyPixel(const unsigned char* source);
+    void ApplyInColor(const TestInColorRecord<RandomSource>& record, std::uint8_t step);
+
+    std::vector<std::string> mTokens;
+    std::int32_t mVersion = 1;
+    NameTable mInColorNames;
+    NameTable mOutInkNames;
+    InColorRecords<TestInColorRecord<RandomSource>> mInColors;
+    std::array<std::uint8_t, outInksOfPixel> mPixel{};
+    std::map<std::int64_t, std::unique_ptr<RandomSource>> mRandomFields;
+    std::int32_t mRandomSeed = 42;
+};
+
+} // namespace zvk::Pelkraft::Testonly

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "pattern/sse_transformation.h"
+
+namespace zvk::Pelkraft {
+
+// What the loop needs of a pattern besides its transformations.
+struct SseLanes
+{
+    // By destination byte: 0xFF for those of a pixel.
+    alignas(16) std::array<std::uint8_t, 16> mStoreMask{};
+    // By out-ink: its in-colour. The top bit stands for none.
+    alignas(16) std::array<std::uint8_t, 16> mInColorLanes{};
+    // By in-colour: its top step. 0 for the bytes behind a pixel.
+    alignas(16) std::array<std::uint8_t, 16> mStepLimits{};
+};
+
+// One row, which is not to be written to where it is read.
+struct SseRow
+{
+    const unsigned char* source;
+    unsigned char* destination;
+    std::uint32_t pixels;
+    std::uint32_t sourceStride;
+    std::uint32_t destinationStride;
+    const SseLanes* lanes;
+    // The walk: one transformation for each pixel from position on, again from the front at
+    // fieldSize.
+    const SseTransformation* const* field;
+    std::uint32_t position;
+    std::uint32_t fieldSize;
+    // Takes the place of the walk if it isn't null.
+    const SseTransformation* single;
+};
+
+// Reads the bytes of the source pixels and writes those of the destination pixels, and no other.
+using SseRowMethod = void (*)(const SseRow& row);
+
+// By 16-byte vectors; only where PELKRAFT_VECTOR_ROAD is defined.
+SseRowMethod GetSseRowMethodVector();
+// The same lane by lane, for any processor.
+SseRowMethod GetSseRowMethodPortable();
+
+} // namespace zvk::Pelkraft

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace zvk::Pelkraft::TestSupport {
+
+using Bytes = std::vector<unsigned char>;
+
+// A pattern as a person would describe it. Alternative j of a step has weights[j] and puts
+// values[j] on the ink position positions[j].
+struct NaiveLine
+{
+    std::vector<std::uint64_t> weights;
+    std::vector<int> positions;
+    std::vector<int> values;
+};
+
+struct NaiveInColor
+{
+    // Out-ink by position. No ink is fed twice.
+    std::vector<int> inks;
+    // By step; a gap is only allowed at 0.
+    std::map<int, NaiveLine> lines;
+};
+
+struct NaivePattern
+{
+    int version = 2;
+    int seed = 42;
+    int outInks = 0;
+    std::vector<NaiveInColor> inColors;
+
+    std::string Text() const;
+};
+
+// Simulates pixel by pixel from the definition, in exact arithmetic and with no table of rows.
+class NaiveSimulation
+{
+public:
+    explicit NaiveSimulation(const NaivePattern& newPattern);
+
+    static std::uint64_t CountCombinations(const NaivePattern& pattern);
+    // The combination numbers that the walk meets.
+    const std::vector<std::uint32_t>& Field() const { return field; }
+
+    Bytes Row(const Bytes& source);
+    // Whether the first row afterwards starts one place later.
+    void Reset(bool oneLater);
+
+private:
+    // The variable of an in-colour, shared by its steps of one distribution.
+    struct Variable
+    {
+        std::vector<std::uint64_t> weights;
+        std::uint64_t sum = 0;
+    };
+    struct Share
+    {
+        std::uint64_t numerator = 1;
+        std::uint64_t denominator = 1;
+    };
+
+    static std::vector<Variable> VariablesOf(const NaiveInColor& inColor);
+    Share ShareOf(std::uint64_t combination) const;
+    void DrawFirstGeneration();
+    void DrawSecondGeneration();
+    unsigned char InkValue(std::uint64_t combination, const unsigned char* pixel, int ink) const;
+    std::size_t Alternative(std::uint64_t combination, std::size_t inColor,
+                            const NaiveLine& line) const;
+
+    const NaivePattern pattern;
+    const std::uint64_t combinations;
+    // By in-colour.
+    std::vector<std::vector<Variable>> variables;
+    std::vector<std::uint32_t> field;
+    std::uint64_t position = 0;
+    std::uint32_t row = 0;
+};
+
+// A pattern that the vector engine may still refuse for its number of values.
+NaivePattern RandomPattern(std::mt19937& random, int version);
+
+} // namespace zvk::Pelkraft::TestSupport

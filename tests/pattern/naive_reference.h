@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include "tests/pattern/naive_pattern.h"
+
+namespace zvk::Pelkraft::TestSupport {
+
+// The reference class from its definition, for patterns without suffixes: draws one number for
+// each in-colour, from a sequence for each sum of weights.
+class NaiveReference
+{
+public:
+    explicit NaiveReference(const NaivePattern& newPattern) : pattern(newPattern) { Reset(); }
+
+    Bytes Apply(const Bytes& source);
+    void Reset();
+
+private:
+    std::uint32_t Draw(std::uint64_t sum);
+    void AddInColor(const NaiveInColor& inColor, int step, Bytes& pixel);
+
+    const NaivePattern pattern;
+    std::map<std::uint64_t, std::vector<std::uint32_t>> fields;
+    std::map<std::uint64_t, std::size_t> positions;
+};
+
+} // namespace zvk::Pelkraft::TestSupport

@@ -1,0 +1,272 @@
+#include "pelkraft/dot_weave_pattern.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "pattern/pattern_engine_sse.h"
+#include "pattern/pattern_engine_x86.h"
+#include "pattern/random_field.h"
+#include "pattern/random_field_ng.h"
+#include "pattern/random_pointer.h"
+#include "pattern/random_pointer_ng.h"
+#include "tests/pattern/engine_support.h"
+#include "tests/pattern/pattern_support.h"
+#include "zvk/system_tools.h"
+
+namespace zvk::Pelkraft {
+namespace {
+
+using TestSupport::Apply;
+using TestSupport::Bytes;
+using TestSupport::Engine;
+using TestSupport::Head;
+using TestSupport::InColor;
+using TestSupport::Load;
+using TestSupport::Numbered;
+using TestSupport::Refusal;
+using TestSupport::WhatIsThrown;
+
+constexpr Engine allEngines[] = {DotWeavePattern::Automatic, DotWeavePattern::Reference,
+                                 DotWeavePattern::X86, DotWeavePattern::Sse};
+
+const std::string noColors =
+    "wide: DotWeavePattern::Init invalid DotWeave pattern configuration file!";
+
+static_assert(DotWeavePattern::Automatic == 0 && DotWeavePattern::Reference == 1 &&
+              DotWeavePattern::X86 == 2 && DotWeavePattern::Sse == 3);
+static_assert(std::is_same_v<std::underlying_type_t<DotWeavePattern::Engine>, int>);
+static_assert(sizeof(DotWeavePattern) == 2 * sizeof(void*));
+static_assert(!std::is_polymorphic_v<DotWeavePattern>);
+
+std::string Listed(int inColors, int outInks)
+{
+    std::string inNames;
+    std::string outNames;
+    for (int i = 0; i < inColors; ++i)
+        inNames += Numbered(" C", i);
+    for (int i = 0; i < outInks; ++i)
+        outNames += Numbered(" X", i);
+    return Head("2", inNames, outNames);
+}
+
+TEST(DotWeavePattern, RefusesWhatTheEarlyCheckRefuses)
+{
+    for (const Engine engine : allEngines) {
+        EXPECT_EQ(WhatIsThrown([=] { DotWeavePattern(nullptr, engine); }),
+                  "wide: Internal Message: no input dotweave pattern");
+        EXPECT_EQ(Refusal("", engine), "wide: Internal Message: no version in dotweave pattern");
+        EXPECT_EQ(Refusal("DotWeavePattern VERSION", engine),
+                  "wide: Internal Message: no version in dotweave pattern");
+    }
+    EXPECT_EQ(WhatIsThrown([] { DotWeavePattern(nullptr); }),
+              "wide: Internal Message: no input dotweave pattern");
+    // Ahead of the choice of an engine.
+    EXPECT_EQ(Refusal("", static_cast<Engine>(4)),
+              "wide: Internal Message: no version in dotweave pattern");
+}
+
+TEST(DotWeavePattern, RefusesAnEngineItDoesNotKnow)
+{
+    // Ahead of a look at the text.
+    for (const int engine : {4, 5, 255, 1 << 30, -1})
+        EXPECT_EQ(Refusal("VERSION 2", static_cast<Engine>(engine)),
+                  "narrow: DotWeavePattern::Init unsupported engine")
+            << engine;
+}
+
+TEST(DotWeavePattern, RefusesATextWithoutTheHeaderWord)
+{
+    for (const Engine engine :
+         {DotWeavePattern::Automatic, DotWeavePattern::X86, DotWeavePattern::Sse})
+        EXPECT_EQ(Refusal("VERSION 2", engine),
+                  "wide: Internal Message: init from dotweave pattern failed");
+}
+
+TEST(DotWeavePattern, RefusesATextWithoutInColorsOrInks)
+{
+    for (const Engine engine : allEngines)
+        for (const char* version : {"1", "2", "3", "9"}) {
+            EXPECT_EQ(Refusal(Head(version, "", ""), engine), noColors);
+            EXPECT_EQ(Refusal(Head(version, "A B", ""), engine), noColors);
+            EXPECT_EQ(Refusal(Head(version, "", "X Y"), engine), noColors);
+        }
+}
+
+TEST(DotWeavePattern, RefusesMoreThanItsTablesHold)
+{
+    const std::string portable = "narrow: Array too long for pattern tables";
+    const std::string vector = "narrow: Array too long for SSE register";
+    const std::string fed =
+        InColor("C0", "X0 X1 X2 X3 X4 X5 X6 X7 X8 X9 X10 X11 X12 X13 X14 X15", "1 1:1 0-1 1-2");
+    EXPECT_EQ(Refusal(Listed(16, 16) + fed, DotWeavePattern::X86), "nothing");
+    EXPECT_EQ(Refusal(Listed(16, 16) + fed, DotWeavePattern::Sse), "nothing");
+    for (const auto& [inColors, outInks] :
+         {std::pair(17, 16), std::pair(16, 17), std::pair(300, 300)}) {
+        EXPECT_EQ(Refusal(Listed(inColors, outInks) + fed, DotWeavePattern::X86), portable);
+        EXPECT_EQ(Refusal(Listed(inColors, outInks) + fed, DotWeavePattern::Sse), vector);
+    }
+    // Of the inks only those that the tables hold are asked for an in-colour.
+    EXPECT_EQ(Refusal(Listed(17, 17) + InColor("C0", "X0", "1 1 0-1"), DotWeavePattern::X86),
+              "narrow: out-ink without in-colour in pattern");
+}
+
+TEST(DotWeavePattern, RefusesAnInkWithoutInColorOrRowOnThePortableEngine)
+{
+    const std::string refusal = "narrow: out-ink without in-colour in pattern";
+    EXPECT_EQ(Refusal(Listed(1, 2) + InColor("C0", "X0", ""), DotWeavePattern::X86), refusal);
+    // Fed, but the list of inks does not end.
+    EXPECT_EQ(Refusal(Listed(1, 1) + "BEGIN_IN_COLOR C0 BEGIN_INKS X0", DotWeavePattern::X86),
+              refusal);
+    EXPECT_EQ(Refusal(Listed(1, 1) + "BEGIN_IN_COLOR C0 BEGIN_INKS X0", DotWeavePattern::Sse),
+              "nothing");
+    // In the second generation this comes ahead of the refusal of a single combination.
+    EXPECT_EQ(Refusal(Head("3", "A", "X"), DotWeavePattern::X86), refusal);
+}
+
+TEST(DotWeavePattern, PassesOnTheFaultsOfTheModel)
+{
+    for (const Engine engine :
+         {DotWeavePattern::Automatic, DotWeavePattern::X86, DotWeavePattern::Sse}) {
+        const auto refusal = [=](const std::string& values) {
+            return Refusal(Head("2", "A", "X") + InColor("A", "X", values), engine);
+        };
+        EXPECT_EQ(refusal("2 1 0-1"), "narrow: step without value line in pattern");
+        EXPECT_EQ(refusal("1 1:65535 0-1 0-2 2 3:65533 0-1 0-2"),
+                  "narrow: fraction out of range in pattern");
+        EXPECT_EQ(refusal("1 1:1:1:1:1:1 0 0 0 0 0 0 2 2:1:1:1:1:1 0 0 0 0 0 0"),
+                  "narrow: numCombinations > MAXS_CHANNEL_RANDOM");
+        EXPECT_EQ(refusal("9"), "narrow: step out of range in pattern");
+    }
+}
+
+TEST(DotWeavePattern, TakesTheGenerationFromTheEarlyCheckAndTheGrammarFromTheParser)
+{
+    // The word in the comment is read first and selects the second generation.
+    const std::string body = "RANDOM_SEED 5 BEGIN_OUT_INKS X END_OUT_INKS BEGIN_IN_COLORS A "
+                             "END_IN_COLORS" +
+                             InColor("A", "X", "1 1:1 0-1 0-2");
+    const Bytes source(300, 1);
+    DotWeavePattern first = Load("DotWeavePattern VERSION 2 " + body, DotWeavePattern::X86);
+    DotWeavePattern second = Load("DotWeavePattern VERSION 3 " + body, DotWeavePattern::X86);
+    DotWeavePattern odd =
+        Load("DotWeavePattern #VERSION 3\nVERSION 2 " + body, DotWeavePattern::X86);
+    const Bytes expected = Apply(second, source);
+    EXPECT_EQ(Apply(odd, source), expected);
+    EXPECT_NE(Apply(first, source), expected);
+    EXPECT_EQ(Refusal("DotWeavePattern #VERSION 3\n" + body, DotWeavePattern::X86),
+              "narrow: unsupported pattern version");
+}
+
+TEST(DotWeavePattern, ChoosesByProcessorUnlessTold)
+{
+    // An ink that nobody feeds tells the families apart.
+    const std::string text = Head("2", "A", "X Y") + InColor("A", "X", "1 1 0-1");
+    const std::string portable = "narrow: out-ink without in-colour in pattern";
+    for (const int level : {0, 1, 2}) {
+        zvk::SystemTools::LimitSseVersion(level);
+        EXPECT_EQ(Refusal(text, DotWeavePattern::Automatic), portable) << level;
+        EXPECT_EQ(WhatIsThrown([&] { DotWeavePattern(std::string(text).data()); }), portable);
+        EXPECT_EQ(Refusal(text, DotWeavePattern::Sse), "nothing");
+    }
+    zvk::SystemTools::LimitSseVersion(3);
+    const bool vector = zvk::SystemTools::GetSseVersion() >= 3;
+    EXPECT_EQ(Refusal(text, DotWeavePattern::Automatic), vector ? "nothing" : portable);
+    zvk::SystemTools::LimitSseVersion(100);
+}
+
+TEST(DotWeavePattern, SharesItsEngineWithItsCopies)
+{
+    for (const Engine engine : allEngines) {
+        const std::string text = std::string(TestSupport::exampleText);
+        const Bytes source(200, 2);
+        DotWeavePattern alone = Load(text, engine);
+        DotWeavePattern original = Load(text, engine);
+        DotWeavePattern target = Load(Head("2", "A", "X") + InColor("A", "X", "1 1 0-1"), engine);
+        target = original;
+        EXPECT_EQ(target.GetInColorCount(), 2);
+        EXPECT_EQ(target.GetOutColorCount(), 3);
+        // Both move one random source.
+        for (int row = 0; row < 6; ++row) {
+            DotWeavePattern copy = row % 3 == 0 ? original : target;
+            EXPECT_EQ(Apply(copy, source), Apply(alone, source)) << row;
+        }
+    }
+}
+
+TEST(DotWeavePattern, OutlivesTheObjectItWasAssignedFrom)
+{
+    for (const Engine engine : allEngines) {
+        const std::string text = std::string(TestSupport::exampleText);
+        const Bytes source(200, 2);
+        DotWeavePattern alone = Load(text, engine);
+        DotWeavePattern target = Load(text, engine);
+        {
+            DotWeavePattern original = Load(text, engine);
+            target = original;
+        }
+        const DotWeavePattern& itself = target;
+        target = itself;
+        EXPECT_EQ(Apply(target, source), Apply(alone, source));
+    }
+}
+
+// Reaches what only a derived class can.
+class Derived : public DotWeavePattern
+{
+public:
+    using DotWeavePattern::DotWeavePattern;
+    using DotWeavePattern::Init;
+};
+
+TEST(DotWeavePattern, KeepsItsEngineWhenAnotherFailsToLoad)
+{
+    std::string text = TestSupport::exampleText;
+    std::string broken = "DotWeavePattern";
+    Derived pattern(text.data(), DotWeavePattern::X86);
+    EXPECT_EQ(WhatIsThrown([&] { pattern.Init(broken.data(), DotWeavePattern::Sse); }), noColors);
+    EXPECT_EQ(pattern.GetInColorCount(), 2);
+    pattern.Init(text.data(), DotWeavePattern::Sse);
+    EXPECT_EQ(pattern.GetOutColorCount(), 3);
+}
+
+template <typename EngineClass>
+void ExpectAlignment()
+{
+    std::string text = TestSupport::exampleText;
+    std::vector<std::unique_ptr<EngineClass>> engines;
+    for (int i = 0; i < 5; ++i) {
+        engines.push_back(std::make_unique<EngineClass>());
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(engines.back().get()) % 32, 0U);
+        engines.back()->InitFromText(text.data());
+        // A second load replaces the first.
+        engines.back()->InitFromText(text.data());
+        EXPECT_EQ(engines.back()->GetOutColorCount(), 3);
+        EXPECT_NE(engines.back()->GetConverter(), nullptr);
+    }
+}
+
+TEST(DotWeavePatternEngines, StandAlignedTo32Bytes)
+{
+    ExpectAlignment<DotWeavePatternEngineX86<RandomField>>();
+    ExpectAlignment<DotWeavePatternEngineX86<RandomFieldNG>>();
+    ExpectAlignment<DotWeavePatternEngineSse<RandomPointer<SseTransformation>>>();
+    ExpectAlignment<DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>>>();
+}
+
+TEST(DotWeavePatternEngines, ShowTheSourceThatTheyWalk)
+{
+    std::string text = TestSupport::exampleText;
+    DotWeavePatternEngineX86<RandomField> engine;
+    engine.InitFromText(text.data());
+    ASSERT_NE(engine.GetRandomSource(), nullptr);
+    EXPECT_EQ(engine.GetRandomSource()->GetCount(), 2U);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft

@@ -1,0 +1,375 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "pattern/combination_draw.h"
+#include "pattern/jump_table.h"
+#include "pattern/linear_random.h"
+#include "pattern/random_field.h"
+#include "pattern/random_field_ng.h"
+#include "pattern/random_pointer.h"
+#include "pattern/random_pointer_ng.h"
+#include "pattern/shuffled_field.h"
+#include "pattern/sse_transformation.h"
+#include "tests/pattern/naive_random.h"
+#include "tests/pattern/pattern_support.h"
+
+namespace zvk::Pelkraft {
+namespace {
+
+using TestSupport::NaiveJump;
+using TestSupport::NaiveRand;
+using TestSupport::NaiveShuffle;
+using TestSupport::NaiveTwister;
+using TestSupport::WhatIsThrown;
+
+using Numbers = std::vector<std::uint32_t>;
+
+std::unique_ptr<PatternCombinations> Combinations(const std::vector<Fraction>& fractions)
+{
+    auto combinations = std::make_unique<PatternCombinations>();
+    for (std::size_t i = 0; i < fractions.size(); ++i)
+        (*combinations)[i].fraction = fractions[i];
+    return combinations;
+}
+
+CombinationDistribution Distribution(const Numbers& cumulative, std::uint32_t total)
+{
+    CombinationDistribution distribution;
+    distribution.count = static_cast<std::uint32_t>(cumulative.size());
+    distribution.total = total;
+    std::copy(cumulative.begin(), cumulative.end(), distribution.cumulative.begin());
+    return distribution;
+}
+
+Numbers DataOf(RandomField& field)
+{
+    return Numbers(field.GetData(), field.GetData() + field.GetSize());
+}
+
+Numbers CountsOf(const Numbers& field, std::uint32_t count)
+{
+    Numbers counts(count, 0);
+    for (const std::uint32_t entry : field)
+        ++counts.at(entry);
+    return counts;
+}
+
+Numbers NgField(const std::vector<Fraction>& fractions, std::int32_t seed)
+{
+    const auto combinations = Combinations(fractions);
+    RandomFieldNG field(seed, CombinationDistribution{}, *combinations,
+                        static_cast<std::uint32_t>(fractions.size()));
+    return Numbers(field.GetData(), field.GetData() + field.GetSize());
+}
+
+TEST(LinearGenerator, GivesTheSequenceOfItsSeed)
+{
+    LinearRandom random(4711);
+    EXPECT_EQ(random.Next(), 15422U);
+    EXPECT_EQ(random.Next(), 16902U);
+    EXPECT_EQ(random.Next(), 31126U);
+    for (const std::uint32_t seed : {0U, 1U, 42U, 0x80000000U, 0xFFFFFFFFU}) {
+        LinearRandom own(seed);
+        NaiveRand naive(seed);
+        for (int i = 0; i < 1000; ++i)
+            ASSERT_EQ(own.Next(), naive()) << seed << " " << i;
+    }
+}
+
+TEST(NaiveGenerator, IsThePublishedTwister)
+{
+    // The published check: output 10000 of the default seed.
+    NaiveTwister twister(5489);
+    for (int i = 1; i < 10000; ++i)
+        twister();
+    EXPECT_EQ(twister(), 4123659995U);
+}
+
+TEST(JumpTable, HoldsTheEvenPlacesOfItsSequence)
+{
+    const JumpTable& table = GetJumpTable();
+    const std::array<std::uint16_t, 6> start = {30844, 33804, 62252, 40392, 11742, 58938};
+    for (std::size_t i = 0; i < start.size(); ++i)
+        EXPECT_EQ(table[i], start[i]);
+    for (std::uint32_t i = 0; i < table.size(); ++i)
+        ASSERT_EQ(table[i], NaiveJump(i));
+    EXPECT_TRUE(std::all_of(table.begin(), table.end(), [](auto entry) { return entry % 2 == 0; }));
+}
+
+TEST(CombinationDraw, TakesTheFirstSumAboveTheRest)
+{
+    // Fractions 1/4 and 3/4: a rest of 0 is combination 0, any other is 1.
+    CombinationDraw draw(1234, Distribution({0, 1}, 4));
+    NaiveRand rand(1234);
+    for (int i = 0; i < 10000; ++i)
+        ASSERT_EQ(draw.Next(), rand() % 4 == 0 ? 0U : 1U);
+}
+
+TEST(CombinationDraw, PassesACombinationOfNoWeight)
+{
+    CombinationDraw draw(1, Distribution({0, 0, 2, 2}, 3));
+    NaiveRand rand(1);
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(draw.Next(), rand() % 3 < 2 ? 1U : 3U);
+}
+
+TEST(CombinationDraw, NeverReachesTheHighEndOfALargeTotal)
+{
+    CombinationDraw draw(7, Distribution({0, 100, 32767, 32768}, 65536));
+    NaiveRand rand(7);
+    for (int i = 0; i < 100000; ++i) {
+        const std::uint32_t rest = rand();
+        ASSERT_EQ(draw.Next(), rest < 100 ? 0U : rest < 32767 ? 1U : 2U);
+    }
+}
+
+TEST(CombinationDraw, TakesSumsThatHaveWrappedAsTheyStand)
+{
+    const Numbers cumulative = {0, 50, 20, 70, 10, 90};
+    CombinationDraw draw(3, Distribution(cumulative, 100));
+    NaiveRand rand(3);
+    for (int i = 0; i < 10000; ++i) {
+        const std::uint32_t rest = rand() % 100;
+        std::uint32_t k = 0;
+        while (k < cumulative.size() && rest >= cumulative[k])
+            ++k;
+        ASSERT_EQ(draw.Next(), k - 1);
+    }
+}
+
+TEST(RandomField, DrawsOnceForEachEntry)
+{
+    RandomField field(1234, Distribution({0, 1, 5}, 7), PatternCombinations{}, 99);
+    NaiveRand rand(1234);
+    Numbers expected;
+    for (int i = 0; i < 65536; ++i) {
+        const std::uint32_t rest = rand() % 7;
+        expected.push_back(rest < 1 ? 0 : rest < 5 ? 1 : 2);
+    }
+    EXPECT_EQ(DataOf(field), expected);
+    EXPECT_EQ(field.GetCount(), 3U);
+    EXPECT_EQ(field.GetSize(), 65536U);
+}
+
+TEST(RandomField, HoldsMinusOneWithoutCombinations)
+{
+    RandomField field(1, Distribution({}, 1), PatternCombinations{}, 0);
+    EXPECT_EQ(DataOf(field), Numbers(65536, 0xFFFFFFFF));
+}
+
+TEST(RandomField, DropsDrawsByTotal)
+{
+    for (const std::uint32_t total : {1U, 2U, 3U, 4U, 5U, 30U}) {
+        RandomField field(-9, total);
+        NaiveRand rand(static_cast<std::uint32_t>(-9));
+        Numbers expected;
+        for (int i = 0; i < 65536; ++i) {
+            if (total == 3)
+                rand();
+            expected.push_back(rand() % total);
+            rand();
+            rand();
+            if (total == 2)
+                rand();
+        }
+        EXPECT_EQ(DataOf(field), expected) << total;
+        EXPECT_EQ(field.GetCount(), total);
+    }
+}
+
+TEST(RandomField, TakesADigitBehindADivisor)
+{
+    RandomField field(42, 5, 12);
+    NaiveRand rand(42);
+    Numbers expected;
+    for (int i = 0; i < 65536; ++i)
+        expected.push_back(rand() / 12 % 5);
+    EXPECT_EQ(DataOf(field), expected);
+}
+
+template <typename Field>
+void ExpectTheWalk(Field& field, std::uint32_t size)
+{
+    const std::uint32_t* data = field.GetData();
+    const auto expectAt = [&](std::uint32_t position) {
+        EXPECT_EQ(field.Current(), data[position % size]);
+    };
+    std::uint32_t position = NaiveJump(0);
+    for (std::uint32_t i = 0; i < 2 * size + 5; ++i)
+        ASSERT_EQ(field.Next(), data[(position + i) % size]) << i;
+
+    for (std::uint32_t row = 1; row < 70000; ++row) {
+        field.StartNextRow();
+        expectAt(NaiveJump(row));
+    }
+    field.Reset();
+    expectAt(NaiveJump(0) + 1);
+    field.StartNextRow();
+    expectAt(NaiveJump(1));
+}
+
+TEST(RandomField, WalksFromTheJumpTableAndOnePlaceLaterAfterAReset)
+{
+    RandomField field(42, 30);
+    ExpectTheWalk(field, 65536);
+}
+
+TEST(RandomFieldNG, WalksFromTheJumpTableAndOnePlaceLaterAfterAReset)
+{
+    const auto combinations = Combinations({{1, 4}, {1, 4}, {1, 2}});
+    RandomFieldNG field(42, CombinationDistribution{}, *combinations, 3);
+    EXPECT_EQ(field.GetSize(), 100004U);
+    ExpectTheWalk(field, 100004);
+}
+
+TEST(RandomFieldNG, HoldsEachCombinationAsOftenAsItsProportionSays)
+{
+    const Numbers field = NgField({{1, 4}, {3, 4}}, 42);
+    EXPECT_EQ(field.size(), 100004U);
+    EXPECT_EQ(CountsOf(field, 2), (Numbers{25001, 75003}));
+}
+
+TEST(RandomFieldNG, GivesTheRestToTheFirstCombination)
+{
+    const Numbers field = NgField({{1, 6}, {1, 2}, {1, 3}}, 42);
+    EXPECT_EQ(field.size(), 100002U);
+    EXPECT_EQ(CountsOf(field, 3), (Numbers{33334, 33334, 33334}));
+}
+
+TEST(RandomFieldNG, ShufflesFromFrontToBack)
+{
+    for (const std::int32_t seed : {0, 1, 42, -7}) {
+        // The first combination has less than one entry in six, and all that is left behind.
+        Numbers expected(33334, 1);
+        expected.insert(expected.end(), 33334, 2);
+        expected.insert(expected.end(), 33334, 0);
+        NaiveShuffle(expected, static_cast<std::uint32_t>(seed));
+        EXPECT_EQ(NgField({{1, 6}, {1, 2}, {1, 3}}, seed), expected) << seed;
+    }
+}
+
+TEST(RandomFieldNG, GrowsWithALargeDenominator)
+{
+    const Numbers field = NgField({{1, 250000}, {249999, 250000}}, 42);
+    EXPECT_EQ(field.size(), 250000U);
+    // 249999 * 250000 wraps in 32 bits, and what that leaves is divided.
+    const std::uint32_t entries = 249999U * 250000U / 250000U;
+    EXPECT_EQ(CountsOf(field, 2), (Numbers{250000 - entries, entries}));
+}
+
+TEST(RandomFieldNG, NeverTakesMoreEntriesThanItsSize)
+{
+    // Numerators that have wrapped ask for more than there is room for.
+    const Numbers field = NgField({{0xFFFFFFFF, 3}, {0x7FFFFFFF, 3}}, 42);
+    EXPECT_EQ(field.size(), 100002U);
+}
+
+TEST(RandomFieldNG, RefusesFewerThanTwoCombinations)
+{
+    for (const std::uint32_t count : {0U, 1U})
+        EXPECT_EQ(WhatIsThrown([=] {
+                      RandomFieldNG(42, CombinationDistribution{}, *Combinations({{1, 1}}), count);
+                  }),
+                  "narrow: pattern without random combinations");
+}
+
+TEST(RandomFieldNG, RefusesAFieldThatNoMachineIsMeantToHold)
+{
+    EXPECT_EQ(WhatIsThrown([] { NgField({{1, 2}, {1, 0xFFFFFFFF}}, 42); }), "std::bad_alloc");
+}
+
+template <typename Pointer>
+Numbers NumbersOf(const Pointer& source, const SseTransformation* transformations,
+                  std::uint32_t size)
+{
+    Numbers numbers;
+    for (std::uint32_t i = 0; i < size; ++i)
+        numbers.push_back(static_cast<std::uint32_t>(source.GetField()[i] - transformations));
+    return numbers;
+}
+
+TEST(RandomPointer, WalksTheSameCombinationsAsTheField)
+{
+    const std::vector<SseTransformation> transformations(1024);
+    const CombinationDistribution distribution = Distribution({0, 1, 5}, 7);
+    const auto source = std::make_unique<RandomPointer<SseTransformation>>();
+    source->Build(77, distribution, transformations.data());
+    RandomField field(77, distribution, PatternCombinations{}, 3);
+    EXPECT_EQ(NumbersOf(*source, transformations.data(), 65536), DataOf(field));
+    EXPECT_EQ(source->GetWalkSize(), 65536U);
+}
+
+TEST(RandomPointerNG, WalksTheSameCombinationsAsTheField)
+{
+    const std::vector<SseTransformation> transformations(1024);
+    const std::vector<Fraction> fractions = {{1, 6}, {1, 2}, {1, 3}};
+    RandomPointerNG<SseTransformation> source;
+    source.Build(77, *Combinations(fractions), 3, transformations.data());
+    EXPECT_EQ(source.GetWalkSize(), 100002U);
+    EXPECT_EQ(NumbersOf(source, transformations.data(), 100002), NgField(fractions, 77));
+}
+
+TEST(RandomPointerNG, HasAFieldForOneCombination)
+{
+    const std::vector<SseTransformation> transformations(1);
+    RandomPointerNG<SseTransformation> source;
+    source.Build(77, *Combinations({{1, 1}}), 1, transformations.data());
+    EXPECT_EQ(source.GetWalkSize(), 100001U);
+    EXPECT_EQ(NumbersOf(source, transformations.data(), 100001), Numbers(100001, 0));
+}
+
+TEST(RandomPointerNG, WrapsAtTheSizeOfTheOneBuiltLastButNotBeyondItsEnd)
+{
+    const std::vector<SseTransformation> transformations(4);
+    RandomPointerNG<SseTransformation> large;
+    RandomPointerNG<SseTransformation> small;
+    large.Build(1, *Combinations({{1, 2}, {1, 100003}}), 2, transformations.data());
+    EXPECT_EQ(large.GetWalkSize(), 100003U);
+    small.Build(1, *Combinations({{1, 2}, {1, 2}}), 2, transformations.data());
+    EXPECT_EQ(small.GetWalkSize(), 100002U);
+    EXPECT_EQ(large.GetWalkSize(), 100002U);
+    large.Build(1, *Combinations({{1, 2}, {1, 100003}}), 2, transformations.data());
+    EXPECT_EQ(small.GetWalkSize(), 100002U);
+    EXPECT_EQ(large.GetWalkSize(), 100003U);
+}
+
+template <typename Pointer>
+void ExpectStartsOfRows(Pointer& source)
+{
+    EXPECT_EQ(source.GetPosition(), 30844U);
+    source.Reset();
+    EXPECT_EQ(source.GetPosition(), 30844U);
+    for (std::uint32_t row = 1; row < 70000; ++row) {
+        source.StartNextRow();
+        ASSERT_EQ(source.GetPosition(), NaiveJump(row)) << row;
+    }
+    source.Reset();
+    EXPECT_EQ(source.GetPosition(), 30844U);
+    source.StartNextRow();
+    EXPECT_EQ(source.GetPosition(), 33804U);
+}
+
+TEST(RandomPointer, StartsRowsAtTheJumpTableAlsoAfterAReset)
+{
+    const std::vector<SseTransformation> transformations(2);
+    const auto source = std::make_unique<RandomPointer<SseTransformation>>();
+    source->Build(1, Distribution({0, 1}, 2), transformations.data());
+    ExpectStartsOfRows(*source);
+}
+
+TEST(RandomPointerNG, StartsRowsAtTheJumpTableAlsoAfterAReset)
+{
+    const std::vector<SseTransformation> transformations(2);
+    RandomPointerNG<SseTransformation> source;
+    source.Build(1, *Combinations({{1, 2}, {1, 2}}), 2, transformations.data());
+    ExpectStartsOfRows(source);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft

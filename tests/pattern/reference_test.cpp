@@ -1,0 +1,314 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "pattern/random_field.h"
+#include "pattern/random_old_setting.h"
+#include "pattern/reference_pattern.h"
+#include "tests/pattern/engine_support.h"
+#include "tests/pattern/naive_pattern.h"
+#include "tests/pattern/naive_random.h"
+#include "tests/pattern/naive_reference.h"
+#include "tests/pattern/pattern_support.h"
+
+namespace zvk::Pelkraft {
+namespace {
+
+using TestSupport::Bytes;
+using TestSupport::Head;
+using TestSupport::InColor;
+using TestSupport::NaiveJump;
+using TestSupport::NaivePattern;
+using TestSupport::NaiveRand;
+using TestSupport::NaiveReference;
+using TestSupport::Numbered;
+using TestSupport::RandomPattern;
+using TestSupport::RandomSteps;
+
+DotWeavePattern Load(const std::string& text)
+{
+    return TestSupport::Load(text, DotWeavePattern::Reference);
+}
+
+std::string Refusal(const std::string& text)
+{
+    return TestSupport::Refusal(text, DotWeavePattern::Reference);
+}
+
+// One in-colour that feeds the inks X and Y.
+std::string Values(const std::string& version, const std::string& values)
+{
+    return Head(version, "A", "X Y") + InColor("A", "X Y", values);
+}
+
+Bytes Once(const std::string& text, const Bytes& source)
+{
+    DotWeavePattern pattern = Load(text);
+    return TestSupport::Apply(pattern, source);
+}
+
+TEST(ReferenceClass, AgreesWithTheNaiveOneOnRandomPatterns)
+{
+    std::mt19937 random(99);
+    int compared = 0;
+    for (int round = 0; round < 400; ++round) {
+        const NaivePattern description = RandomPattern(random, 2);
+        if (description.outInks > 12)
+            continue;
+        NaiveReference naive(description);
+        DotWeavePattern pattern = Load(description.Text());
+        for (int row = 0; row < 5; ++row) {
+            if (row == 3) {
+                naive.Reset();
+                pattern.ResetRandomizer();
+            }
+            const Bytes source = RandomSteps(37 * description.inColors.size(),
+                                             static_cast<std::uint32_t>(round * 8 + row));
+            ASSERT_EQ(TestSupport::Apply(pattern, source), naive.Apply(source))
+                << description.Text();
+        }
+        ++compared;
+    }
+    EXPECT_GT(compared, 200);
+}
+
+TEST(ReferenceClass, RunsOnAcrossCallsAndEmptyRows)
+{
+    const std::string text = Values("2", "1 1:1 0-10 0-20");
+    DotWeavePattern whole = Load(text);
+    DotWeavePattern inPieces = Load(text);
+    const Bytes expected = TestSupport::Apply(whole, Bytes(100, 1));
+    Bytes joined;
+    for (const std::size_t pixels : {10U, 0U, 50U, 40U}) {
+        const Bytes piece = TestSupport::Apply(inPieces, Bytes(pixels, 1));
+        joined.insert(joined.end(), piece.begin(), piece.end());
+    }
+    EXPECT_EQ(joined, expected);
+}
+
+TEST(ReferenceClass, TakesPlainValuesAtOtherVersionsThan2)
+{
+    for (const char* version : {"0", "1", "3", "4"})
+        EXPECT_EQ(Once(Values(version, "1 1 9 2 1 0-7"), {1, 2}), (Bytes{9, 0, 0, 0})) << version;
+    // Alternative j stands at position j, and the whole token is its value.
+    EXPECT_EQ(Once(Values("1", "1 0:1 8 9"), {1}), (Bytes{0, 9}));
+    EXPECT_EQ(Once(Values("1", "1 0:1 8 1-9"), {1}), (Bytes{0, 1}));
+    EXPECT_EQ(Once(Values("1", "1 1 -1"), {1}), (Bytes{255, 0}));
+    EXPECT_EQ(Once(Values("2", "1 0:1 8 1-9"), {1}), (Bytes{0, 9}));
+    EXPECT_EQ(Once(Values("2", "1 1 9"), {1}), (Bytes{9, 0}));
+}
+
+TEST(ReferenceClass, IsTakenWhateverTheVersion)
+{
+    const std::string text = Values("1", "1 1 9");
+    for (const auto engine : {DotWeavePattern::X86, DotWeavePattern::Sse})
+        EXPECT_EQ(TestSupport::Refusal(text, engine), "narrow: unsupported pattern version");
+    EXPECT_EQ(Refusal(text), "nothing");
+}
+
+TEST(ReferenceClass, CopiesAStepWithASuffixToAllHigherSteps)
+{
+    const std::string text = Values("2", "1 1 0-3 2+ 1:0 1-5 0-0 7+ 1 0-9");
+    EXPECT_EQ(Once(text, {0, 1, 2, 3, 6, 7}), (Bytes{0, 0, 3, 0, 0, 5, 0, 5, 0, 5, 9, 5}));
+    DotWeavePattern pattern = Load(text);
+    EXPECT_EQ(pattern.GetNumberOfStepsForInColor(0), 3);
+}
+
+TEST(ReferenceClass, CopiesTheSourceOfAStepWithASuffix)
+{
+    DotWeavePattern pattern = Load(Values("2", "1+ 1:1 0-1 0-2"));
+    DotWeavePattern other = Load(Values("2", "1+ 1:1 0-1 0-2"));
+    const Bytes ones = TestSupport::Apply(pattern, Bytes(50, 1));
+    EXPECT_EQ(TestSupport::Apply(other, Bytes(50, 6)), ones);
+    EXPECT_NE(ones, Bytes(100, 1));
+}
+
+TEST(ReferenceClass, SetsNoSourceForASuffixWithASumBelow2)
+{
+    // The second line takes the source from step 1, and its copy takes it from step 2.
+    DotWeavePattern pattern = Load(Values("2", "1 1:1 0-1 0-2 2 1:1 0-1 0-2 1+ 1 0-7"));
+    const Bytes inks = TestSupport::Apply(pattern, {1, 2, 1, 2});
+    EXPECT_EQ(inks, (Bytes{7, 0, 7, 0, 7, 0, 7, 0}));
+}
+
+TEST(ReferenceClass, CombinesInColorsOfOneInkBitByBit)
+{
+    const std::string text =
+        Head("2", "A B", "X") + InColor("A", "X", "1 1 0-3") + InColor("B", "X", "1 1 0-6");
+    EXPECT_EQ(Once(text, {1, 1, 1, 0, 0, 1}), (Bytes{7, 3, 6}));
+}
+
+TEST(ReferenceClass, LetsInColorsOfOneSumDrawFromOneField)
+{
+    const std::string text = Head("2", "A B", "X Y") + "RANDOM_SEED 7" +
+                             InColor("A", "X", "1 1:1 0-1 0-2") +
+                             InColor("B", "Y", "1 1:1 0-1 0-2");
+    DotWeavePattern pattern = Load(text);
+    const Bytes inks = TestSupport::Apply(pattern, Bytes(200, 1));
+    RandomField field(7, 2);
+    for (std::size_t i = 0; i < inks.size(); ++i)
+        ASSERT_EQ(inks[i], field.GetData()[(NaiveJump(0) + 1 + i) % 65536] + 1) << i;
+}
+
+TEST(ReferenceClass, MovesASourceOnlyForPixelsThatUseIt)
+{
+    const std::string text = Values("2", "1 1:1 0-1 0-2");
+    DotWeavePattern dense = Load(text);
+    DotWeavePattern sparse = Load(text);
+    const Bytes all = TestSupport::Apply(dense, {1, 1, 1, 1});
+    const Bytes some = TestSupport::Apply(sparse, {1, 0, 9, 1, 255, 1, 0, 1});
+    EXPECT_EQ(some, (Bytes{all[0], 0, 0, 0, 0, 0, all[2], 0, 0, 0, all[4], 0, 0, 0, all[6], 0}));
+}
+
+TEST(ReferenceClass, TakesAStepAbove7ForAStepWithoutLine)
+{
+    EXPECT_EQ(Once(Values("2", "0 1 0-4 7 1 0-5"), {0, 7, 8, 128, 255}),
+              (Bytes{4, 0, 5, 0, 0, 0, 0, 0, 0, 0}));
+}
+
+TEST(ReferenceClass, AnswersTheLinesOfTheLastList)
+{
+    const std::string text = Head("2", "A B", "X") +
+                             "BEGIN_IN_COLOR A BEGIN_VALUES 1 1 0-1 2 1 0-1 4 1 0-1 END_VALUES "
+                             "BEGIN_VALUES 1 1 0-1 1 1 0-2 END_VALUES END_IN_COLOR";
+    DotWeavePattern pattern = Load(text);
+    EXPECT_EQ(pattern.GetNumberOfStepsForInColor(0), 2);
+    EXPECT_EQ(pattern.GetNumberOfStepsForInColor(1), 0);
+    EXPECT_EQ(pattern.GetNumberOfStepsForInColor(2), 0);
+    EXPECT_EQ(pattern.GetNumberOfStepsForInColor(-1), 0);
+}
+
+TEST(ReferenceClass, TakesStepZeroBehindAPixel)
+{
+    // A stands at index 1 of the list, and a pixel has one byte.
+    EXPECT_EQ(Once(Head("2", "A A", "X") + InColor("A", "X", "0 1 0-4 1 1 0-5"), {1, 1}),
+              (Bytes{4, 4}));
+}
+
+TEST(ReferenceClass, WritesNothingOfAnInkBehindThePixel)
+{
+    std::string inks;
+    for (int i = 0; i < 20; ++i)
+        inks += " X";
+    EXPECT_EQ(Once(Head("2", "A", inks) + InColor("A", "X", "1 1 0-9"), {1, 1}), (Bytes{0, 0}));
+}
+
+TEST(ReferenceClass, RefusesWhatItsTablesDoNotHold)
+{
+    const std::string sum = "narrow: sum of weights out of range in pattern";
+    EXPECT_EQ(Refusal(Values("2", "1 15:15 0-1 0-2")), "nothing");
+    EXPECT_EQ(Refusal(Values("2", "1 15:16 0-1 0-2")), sum);
+    EXPECT_EQ(Refusal(Values("2", "1 0 0-1")), sum);
+    EXPECT_EQ(Refusal(Values("2", "1 -5")), sum);
+    EXPECT_EQ(Refusal(Values("2", "1 40:-20 0-1 0-2")), "nothing");
+    EXPECT_EQ(Refusal(Values("2", "1 -20:40 0-1 0-2")), "nothing");
+
+    const std::string position = "narrow: ink position out of range in pattern";
+    EXPECT_EQ(Refusal(Values("2", "1 1 11-1")), "nothing");
+    EXPECT_EQ(Refusal(Values("2", "1 1 12-1")), position);
+    EXPECT_EQ(Refusal(Values("1", "1 1 12-1")), "nothing");
+
+    EXPECT_EQ(Refusal(Values("2", "8 1 0-1")), "narrow: step out of range in pattern");
+    EXPECT_EQ(Refusal(Values("2", "-1 1 0-1")), "narrow: step out of range in pattern");
+
+    std::string inks;
+    for (int i = 0; i < 12; ++i)
+        inks += " X";
+    EXPECT_EQ(Refusal(Head("2", "A", "X") + InColor("A", inks, "")), "nothing");
+    EXPECT_EQ(Refusal(Head("2", "A", "X") + InColor("A", inks + " X", "")),
+              "narrow: too many ink positions in pattern");
+}
+
+TEST(ReferenceClass, ReadsTheRestOfALongRatioAsTheTwelfthWeight)
+{
+    const std::string weights = "1 0:0:0:0:0:0:0:0:0:0:0:1:9:9";
+    EXPECT_EQ(Once(Values("2", weights + " 9 9 9 9 9 9 9 9 9 9 9 1-5"), {1}), (Bytes{0, 5}));
+}
+
+TEST(ReferenceClass, RefusesMoreThan12OutInksAndAnyNumberOfInColorsIsTaken)
+{
+    const auto list = [](int count) {
+        std::string names;
+        for (int i = 0; i < count; ++i)
+            names += Numbered(" N", i);
+        return names;
+    };
+    EXPECT_EQ(Refusal(Head("2", "A", list(12))), "nothing");
+    EXPECT_EQ(Refusal(Head("2", "A", list(13))), "narrow: Array too long for pattern tables");
+    DotWeavePattern pattern = Load(Head("2", list(40), "X") + InColor("N39", "X", "1 1 0-9"));
+    Bytes source(40, 0);
+    source[39] = 1;
+    EXPECT_EQ(TestSupport::Apply(pattern, source), Bytes{9});
+}
+
+TEST(ReferenceClass, HasNoLimitOnCombinationsAndNoNeedForEveryStep)
+{
+    std::string values = "2 1:2:3 0-1 0-2 0-3 4 1:2:4 0-1 0-2 0-3 5 2:2:3 0-1 0-2 0-3 "
+                         "6 1:1:1:1 0-1 0-1 0-1 0-1";
+    EXPECT_EQ(Refusal(Values("2", values)), "nothing");
+}
+
+TEST(ReferenceClass, StaysEmptyWithoutTheHeaderWord)
+{
+    EXPECT_EQ(Refusal("VERSION 2"),
+              "wide: DotWeavePattern::Init invalid DotWeave pattern configuration file!");
+}
+
+TEST(ReferenceClass, DrawsInItsOlderWayUnlessToldOtherwise)
+{
+    EXPECT_TRUE(ReadRandomOldSetting(true));
+}
+
+// The newer way, which no setting can reach.
+class NewerDrawing : public Testonly::CDotWeavePattern<RandomField>
+{
+public:
+    explicit NewerDrawing(std::string text)
+    {
+        mRandomOld = false;
+        InitFromText(text.data());
+    }
+
+    Bytes Apply(Bytes source)
+    {
+        const std::size_t pixels = source.size() / static_cast<std::size_t>(GetInColorCount());
+        Bytes destination(pixels * static_cast<std::size_t>(GetOutColorCount()));
+        ApplyPattern(source.data(), destination.data(), pixels);
+        return destination;
+    }
+};
+
+TEST(ReferenceClass, MovesEachSourceWithEachPixelInTheNewerWay)
+{
+    // The first source draws digits of 1, the second digits of 2, the third digits of 2 * 3.
+    const std::string text = Head("2", "A B", "X Y") + "RANDOM_SEED 11" +
+                             InColor("A", "X", "1 1:1 0-0 0-1 2 1:2 0-0 0-1 3 1:1 0-2 0-3") +
+                             InColor("B", "Y", "1 1:1 0-0 0-1");
+    NewerDrawing pattern(text);
+    std::vector<std::uint32_t> draws;
+    NaiveRand rand(11);
+    for (int i = 0; i < 65536; ++i)
+        draws.push_back(rand());
+    Bytes source;
+    Bytes expected;
+    for (std::size_t i = 0; i < 300; ++i) {
+        const std::uint32_t draw = draws[NaiveJump(0) + 1 + i];
+        const auto step = static_cast<unsigned char>(i % 4);
+        source.insert(source.end(), {step, 1});
+        const std::uint32_t ink = step == 0   ? 0
+                                  : step == 1 ? draw % 2
+                                  : step == 2 ? (draw / 2 % 3 == 0 ? 0 : 1)
+                                              : 2 + draw % 2;
+        expected.push_back(static_cast<unsigned char>(ink));
+        expected.push_back(static_cast<unsigned char>(draw / 6 % 2));
+    }
+    EXPECT_EQ(pattern.Apply(source), expected);
+    EXPECT_EQ(pattern.GetConverter(), nullptr);
+    EXPECT_EQ(pattern.GetRandomSource(), nullptr);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft
