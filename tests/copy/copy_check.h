@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "tests/support/guarded_buffer.h"
+
+namespace zvk::Pelkraft::TestSupport {
+
+using Bytes = std::vector<unsigned char>;
+using CopyCall = std::function<void(unsigned char* source, unsigned char* destination)>;
+
+// Fails the test unless the call makes a plain copy of exactly so many bytes: it is run between
+// buffers that hold no byte more, at both of their ends a forbidden page, and between larger ones
+// whose other bytes must stay. The buffers are 16-aligned if bytes is a multiple of 16.
+void ExpectCopies(long long bytes, const CopyCall& call);
+
+// Fails the test unless the call ends this program by the signal.
+void ExpectKilledBy(int signal, const std::function<void()>& call);
+
+} // namespace zvk::Pelkraft::TestSupport
