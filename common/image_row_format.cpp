@@ -41,4 +41,13 @@ std::uint64_t CountColumns(const ImageRowFormat& format, std::int64_t pixels)
     return (count + samplesPerByte - 1) / samplesPerByte;
 }
 
+std::uint64_t CountWholeChunks(const ImageRowFormat& format)
+{
+    constexpr std::uint64_t chunkBits = 8 * slotsPerChunk;
+    const auto pixels = static_cast<std::uint64_t>(format.activeWidth);
+    if (IsPacked(format))
+        return static_cast<std::uint64_t>(format.bits) * pixels / chunkBits;
+    return pixels / slotsPerChunk;
+}
+
 } // namespace zvk::Pelkraft

@@ -35,4 +35,7 @@ void RequireSupportedDepth(std::int32_t bits);
 // A pixel count in what is counted along the row: byte columns of a packed row, else pixels.
 std::uint64_t CountColumns(const ImageRowFormat& format, std::int64_t pixels);
 
+// The active part in whole chunks. The last byte of a packed row counts only if it is full.
+std::uint64_t CountWholeChunks(const ImageRowFormat& format);
+
 } // namespace zvk::Pelkraft

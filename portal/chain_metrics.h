@@ -1,11 +1,11 @@
 #pragma once
 
+#include "common/image_row_format.h"
+#include "converters/convert_facility.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-
-#include "common/image_row_format.h"
-#include "converters/convert_facility.h"
 
 namespace zvk::Pelkraft {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
 #include "common/image_row_format.h"
 #include "converters/convert_facility.h"
+
+#include <cstddef>
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,30 +1,19 @@
 #include "portal/copy_composite.h"
 
-#include <algorithm>
-
 #include "portal/last_slot_mask.h"
 #include "portal/row_sides.h"
 
+#include <algorithm>
+
 namespace zvk::Pelkraft {
-namespace {
-
-std::uint64_t CountWholeChunksOf(const ImageRowFormat& format)
-{
-    constexpr std::uint64_t chunkBits = 8 * slotsPerChunk;
-    const auto pixels = static_cast<std::uint64_t>(format.activeWidth);
-    if (IsPacked(format))
-        return static_cast<std::uint64_t>(format.bits) * pixels / chunkBits;
-    return pixels / slotsPerChunk;
-}
-
-} // namespace
 
 CopyComposite::CopyComposite(const ConversionJob& newJob)
     : job(newJob), loadFacility(ChunkLoadFacilityInternal::Create(job.source, job.sseVersion)),
       saveFacility(ChunkSaveFacilityInternal::Create(job.destination, job.sseVersion)),
       loadMethod(loadFacility.descriptor->GetLoadMethod(loadFacility)),
       saveMethod(saveFacility.descriptor->GetLoadMethod(saveFacility)),
-      wholeChunks(CountWholeChunks()), rest(CountRest()),
+      wholeChunks(std::min(CountWholeChunks(job.source), CountWholeChunks(job.destination))),
+      rest(CountRest()),
       buffer(ChainMetrics::SingleChunk(PixelBytes(job.source)),
              RowSide(loadFacility, loadFacility.descriptor->GetPartialChunkSize(loadFacility)),
              RowSide(saveFacility, saveFacility.descriptor->GetPartialChunkSize(saveFacility))),
@@ -42,11 +31,6 @@ void CopyComposite::Run()
     MoveWholeChunks();
     if (rest != 0)
         MoveRest();
-}
-
-std::uint64_t CopyComposite::CountWholeChunks() const
-{
-    return std::min(CountWholeChunksOf(job.source), CountWholeChunksOf(job.destination));
 }
 
 std::uint64_t CopyComposite::CountRest() const

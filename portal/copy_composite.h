@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
-
 #include "chunks/chunk_facility.h"
 #include "portal/conversion_portal.h"
 #include "portal/operation_buffers.h"
+
+#include <cstdint>
+#include <optional>
 
 namespace zvk::Pelkraft {
 
@@ -17,7 +17,6 @@ public:
     void Run();
 
 private:
-    std::uint64_t CountWholeChunks() const;
     std::uint64_t CountRest() const;
     void MoveWholeChunks();
     void MoveRest();

@@ -1,11 +1,11 @@
 #include "portal/hetero_convert_composite.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "portal/last_slot_mask.h"
 #include "portal/relocator.h"
 #include "portal/row_sides.h"
+
+#include <algorithm>
+#include <cstring>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -13,15 +13,6 @@ namespace {
 constexpr const char* noRelocationBuffer =
     "zvk::Pelkraft::ConversionPortal memory allocation failed for relocation buffer";
 constexpr std::uint64_t relocationSpare = 64;
-
-std::uint64_t CountBatchesOf(const ImageRowFormat& format, std::uint64_t chunks)
-{
-    constexpr std::uint64_t chunkBits = 8 * slotsPerChunk;
-    const auto pixels = static_cast<std::uint64_t>(format.activeWidth);
-    if (IsPacked(format))
-        return static_cast<std::uint64_t>(format.bits) * pixels / (chunks * chunkBits);
-    return pixels / (chunks * slotsPerChunk);
-}
 
 void CopySlots(ChunkHeader* from, ChunkHeader* to)
 {
@@ -43,6 +34,8 @@ HeteroConvertComposite::HeteroConvertComposite(const ConversionJob& newJob,
       saveFacility(ChunkSaveFacilityInternal::Create(job.destination, job.sseVersion)),
       loadMethod(loadFacility.descriptor->GetLoadMethod(loadFacility)),
       saveMethod(saveFacility.descriptor->GetLoadMethod(saveFacility)),
+      loadStep(loadFacility.descriptor->GetChunkStep(loadFacility)),
+      saveStep(saveFacility.descriptor->GetChunkStep(saveFacility)),
       relocatesChunks(job.source.reversed && job.source.layout == LayoutInterleaved),
       buffer(metrics, RowSide(loadFacility, 0), RowSide(saveFacility, 0)),
       batchCount(CountBatches()), loadWalk(WalkOf(0, metrics.GetLoadRatio())),
@@ -70,8 +63,8 @@ void HeteroConvertComposite::Run()
 
 std::uint64_t HeteroConvertComposite::CountBatches() const
 {
-    return std::min(CountBatchesOf(job.source, metrics.GetLoadRatio().chunks),
-                    CountBatchesOf(job.destination, metrics.GetSaveRatio().chunks));
+    return std::min(CountWholeChunks(job.source) / metrics.GetLoadRatio().chunks,
+                    CountWholeChunks(job.destination) / metrics.GetSaveRatio().chunks);
 }
 
 void HeteroConvertComposite::PrepareSteps()
@@ -111,7 +104,7 @@ void HeteroConvertComposite::PrepareTrail()
 void HeteroConvertComposite::RelocatePackedSource()
 {
     const std::uint64_t bytes = loadFacility.columns * PixelBytes(job.source);
-    relocationBuffer.reset(AllocateAligned(bytes + relocationSpare, 64));
+    relocationBuffer.reset(AllocateAligned(bytes + relocationSpare, bufferAlignment));
     if (relocationBuffer == nullptr)
         throw noRelocationBuffer;
     const auto lastByteBits = static_cast<std::uint64_t>(job.source.width * job.source.bits & 7);
@@ -135,11 +128,10 @@ void HeteroConvertComposite::LoadChunk(const unsigned char* row, ChunkHeader* ch
 // Answers with the chunk behind the last one loaded.
 ChunkHeader* HeteroConvertComposite::LoadChunks(std::uint64_t count)
 {
-    const std::int64_t rowStep = loadFacility.descriptor->GetChunkStep(loadFacility);
     ChunkHeader* chunk = loadWalk.firstChunk;
     for (std::uint64_t i = 0; i != count; ++i) {
         LoadChunk(source.row + source.offset, chunk);
-        source.offset += rowStep;
+        source.offset += loadStep;
         chunk = Advance(chunk, loadWalk.hop);
     }
     return chunk;
@@ -147,11 +139,10 @@ ChunkHeader* HeteroConvertComposite::LoadChunks(std::uint64_t count)
 
 void HeteroConvertComposite::SaveChunks(std::uint64_t count)
 {
-    const std::int64_t rowStep = saveFacility.descriptor->GetChunkStep(saveFacility);
     ChunkHeader* chunk = saveWalk.firstChunk;
     for (std::uint64_t i = 0; i != count; ++i) {
         saveMethod(chunk, destination);
-        destination += rowStep;
+        destination += saveStep;
         chunk = Advance(chunk, saveWalk.hop);
     }
 }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-#include <optional>
-
 #include "chunks/chunk_facility.h"
 #include "portal/conversion_portal.h"
 #include "portal/operation_buffers.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
 
 namespace zvk::Pelkraft {
 
@@ -57,6 +57,9 @@ private:
     ChunkSaveFacilityInternal saveFacility;
     LoadMethod loadMethod;
     SaveMethod saveMethod;
+    // Bytes along the rows from chunk to chunk.
+    std::int64_t loadStep;
+    std::int64_t saveStep;
     // A row that is walked backwards meets aligned places by luck alone.
     bool relocatesChunks;
     OperationBufferContainer buffer;
@@ -65,7 +68,7 @@ private:
     std::uint64_t saveRest = 0;
     // Built before a pixel moves, though they are used last.
     std::optional<OperationBufferContainer> trailingBuffer;
-    AlignedMemory<64> relocationBuffer;
+    AlignedMemory<bufferAlignment> relocationBuffer;
     std::array<PreparedStep, maxActiveSteps> steps{};
     EndWalk loadWalk;
     EndWalk saveWalk;

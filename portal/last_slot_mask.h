@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
-
 #include "common/chunk_header.h"
 #include "common/image_row_format.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,8 +1,8 @@
 #include "portal/offset_table.h"
 
-#include <cstring>
-
 #include "common/units.h"
+
+#include <cstring>
 
 namespace zvk::Pelkraft {
 namespace {

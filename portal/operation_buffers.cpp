@@ -68,7 +68,7 @@ OperationBufferContainer::OperationBufferContainer(const ChainMetrics& metrics,
 {
     SetEntries(metrics, load, save);
     size = table.GetEnd();
-    data.reset(AllocateAligned(size, 64));
+    data.reset(AllocateAligned(size, bufferAlignment));
     if (data == nullptr)
         throw BadAllocation();
     std::memset(data.get(), 0, static_cast<std::size_t>(size));
@@ -78,12 +78,7 @@ OperationBufferContainer::OperationBufferContainer(const ChainMetrics& metrics,
     prototype.loadPlanePitch = load.planePitch;
     prototype.saveUnitCount = save.unitCount;
     prototype.savePlanePitch = save.planePitch;
-    WriteHeaders(metrics, prototype);
-    std::uint64_t offset = 0;
-    for (std::size_t i = 0; i != metrics.GetRegionCount(); ++i) {
-        regionOffsets[i] = offset;
-        offset += RegionBytes(metrics.GetRegion(i));
-    }
+    WriteRegions(metrics, prototype);
     table.Rewind();
     SetEntries(metrics, load, save);
 }
@@ -102,19 +97,21 @@ void OperationBufferContainer::SetEntries(const ChainMetrics& metrics, const Sid
         table.SetEntry(data.get(), metrics.GetStep(i).ratio.parameterBytes);
 }
 
-void OperationBufferContainer::WriteHeaders(const ChainMetrics& metrics,
-                                            const ChunkHeader& prototype) const
+void OperationBufferContainer::WriteRegions(const ChainMetrics& metrics,
+                                            const ChunkHeader& prototype)
 {
-    unsigned char* chunks = data.get();
+    std::uint64_t offset = 0;
     for (std::size_t i = 0; i != metrics.GetRegionCount(); ++i) {
         const ChainRegion& region = metrics.GetRegion(i);
+        regionOffsets[i] = offset;
+        unsigned char* chunks = data.get() + offset;
         if (i + 1 == metrics.GetRegionCount()) {
             WriteRegion(chunks, region, prototype, nullptr);
         } else {
             const RegionLink link = LinkRegions(region, metrics.GetRegion(i + 1));
             WriteRegion(chunks, region, prototype, &link);
         }
-        chunks += RegionBytes(region);
+        offset += RegionBytes(region);
     }
 }
 

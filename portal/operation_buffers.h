@@ -1,14 +1,17 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
 #include "common/aligned_memory.h"
 #include "common/chunk_header.h"
 #include "portal/chain_metrics.h"
 #include "portal/offset_table.h"
 
+#include <cstddef>
+#include <cstdint>
+
 namespace zvk::Pelkraft {
+
+// Of all memory that a conversion works in.
+constexpr std::size_t bufferAlignment = 64;
 
 // What each chunk's header says of one end of the conversion.
 struct SideGeometry
@@ -40,9 +43,9 @@ public:
 private:
     void SetEntries(const ChainMetrics& metrics, const SideGeometry& load,
                     const SideGeometry& save);
-    void WriteHeaders(const ChainMetrics& metrics, const ChunkHeader& prototype) const;
+    void WriteRegions(const ChainMetrics& metrics, const ChunkHeader& prototype);
 
-    AlignedMemory<64> data;
+    AlignedMemory<bufferAlignment> data;
     std::uint64_t size = 0;
     OffsetTable table;
     std::uint64_t regionOffsets[maxActiveSteps + 1] = {};

@@ -1,8 +1,8 @@
 #include "portal/relocator.h"
 
-#include <cstring>
-
 #include "portal/operation_buffers.h"
+
+#include <cstring>
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "common/chunk_header.h"
+
 #include <cstddef>
 #include <cstdint>
-
-#include "common/chunk_header.h"
 
 namespace zvk::Pelkraft {
 

@@ -5,22 +5,27 @@
 
 namespace zvk::Pelkraft {
 
-// What the headers say while whole chunks move between rows.
+// What the headers say of a row, or of a strip, that has so many columns.
+template <typename Facility>
+SideGeometry SideOf(const Facility& facility, std::uint64_t columns, std::uint64_t stripBytes)
+{
+    const auto channels = static_cast<std::uint64_t>(facility.channels);
+    const auto sampleBytes = static_cast<std::uint64_t>(facility.bytesPerSample);
+    return {CountUnits(channels * sampleBytes), columns * sampleBytes, stripBytes};
+}
+
+// While whole chunks move between the rows.
 template <typename Facility>
 SideGeometry RowSide(const Facility& facility, std::uint64_t stripBytes)
 {
-    const auto sampleBytes = static_cast<std::uint64_t>(facility.bytesPerSample);
-    return {CountUnits(static_cast<std::uint64_t>(facility.channels) * sampleBytes),
-            facility.columns * sampleBytes, stripBytes};
+    return SideOf(facility, facility.columns, stripBytes);
 }
 
-// What they say while a strip of 16 pixels takes the row's place.
+// While a strip of 16 pixels takes the row's place.
 template <typename Facility>
 SideGeometry StripSide(const Facility& facility, std::uint64_t stripBytes)
 {
-    const auto sampleBytes = static_cast<std::uint64_t>(facility.bytesPerSample);
-    return {CountUnits(static_cast<std::uint64_t>(facility.channels) * sampleBytes),
-            slotsPerChunk * sampleBytes, stripBytes};
+    return SideOf(facility, slotsPerChunk, stripBytes);
 }
 
 } // namespace zvk::Pelkraft
