@@ -59,8 +59,8 @@ void ChainMetrics::Append(const ChunkConvertFacility& facility, Progress& progre
     ChainStep& step = steps[stepCount];
     step.facility = &facility;
     step.format = progress.format;
-    step.descriptor = facility.select(facility, step.format);
-    step.descriptor->GetMetrics(step.ratio, facility, step.format);
+    const IChunkConvertDescriptor* descriptor = facility.select(facility, step.format);
+    descriptor->GetMetrics(step.ratio, facility, step.format);
     SetOwnHops(step);
 
     const std::uint64_t common = std::lcm(progress.commonChunks, step.ratio.inputChunks);
@@ -71,7 +71,7 @@ void ChainMetrics::Append(const ChunkConvertFacility& facility, Progress& progre
 
     progress.hop = step.reduction;
     progress.commonChunks = step.multiples * step.ratio.outputChunks;
-    step.descriptor->GetOutputFormat(progress.format, facility, step.format);
+    descriptor->GetOutputFormat(progress.format, facility, step.format);
 }
 
 void ChainMetrics::GrowBatch(std::uint64_t factor)

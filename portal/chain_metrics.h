@@ -39,7 +39,6 @@ struct ChainRegion
 struct ChainStep
 {
     const ChunkConvertFacility* facility = nullptr;
-    const IChunkConvertDescriptor* descriptor = nullptr;
     ImageRowFormat format;
     ChunkConvertMetrics ratio{1, 1, 0, true};
     // Chunks of hop on the input and on the output side.

@@ -45,9 +45,9 @@ HeteroConvertComposite::HeteroConvertComposite(const ConversionJob& newJob,
       destination(job.destinationData)
 {
     PrepareSteps();
-    PrepareTrail();
     if (job.source.reversed && IsPacked(job.source))
         RelocatePackedSource();
+    PrepareTrail();
 }
 
 void HeteroConvertComposite::Run()
@@ -78,8 +78,10 @@ void HeteroConvertComposite::PrepareSteps()
         const ChunkStepGeometry geometry{step.expansion, step.reduction, firstChunk->chunkStride,
                                          buffer.GetChunk(region)->chunkStride};
         void* parameters = buffer.GetParameterBlock(i);
+        const IChunkConvertDescriptor* descriptor =
+            step.facility->select(*step.facility, step.format);
         const ConvertMethod method =
-            step.descriptor->GetConvertMethod(*step.facility, step.format, geometry, parameters);
+            descriptor->GetConvertMethod(*step.facility, step.format, geometry, parameters);
         steps[i] = {method, parameters, firstChunk, step.multiples,
                     step.ratio.inputChunks * geometry.inputChunkStride * step.expansion};
     }
