@@ -1,0 +1,19 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace zvk::Pelkraft::TestSupport {
+
+// How an operation ended. Only a failure thrown as const char* gives its bare words; any other
+// end is told in angle brackets, so that it can't pass for a text.
+[[nodiscard]] std::string EndOf(const std::function<void()>& operation);
+
+// The lines that it logged, whatever it threw.
+[[nodiscard]] std::vector<std::wstring> LinesOf(const std::function<void()>& operation);
+
+extern const char* const returned;
+extern const char* const outOfMemory;
+
+} // namespace zvk::Pelkraft::TestSupport

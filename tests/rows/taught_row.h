@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+
+#include "pelkraft/image_row.h"
+
+namespace zvk::Pelkraft::TestSupport {
+
+// A row whose three bodies do what they are told.
+class TaughtRow : public ImageRow
+{
+public:
+    using ImageRow::FillFromSehGuard;
+    using ImageRow::FillFromWithPixelRepeatSehGuard;
+    using ImageRow::FillFromWithRemapSehGuard;
+    using ImageRow::ImageRow;
+
+    // What a body was called with.
+    struct Call
+    {
+        const char* body = "none";
+        const ImageRow* source = nullptr;
+        const int* map = nullptr;
+        int factor = 0;
+        OptionalParameters options;
+    };
+
+    std::function<void()> lesson = [] {};
+    Call last;
+
+protected:
+    void FillFromBody2(const ImageRow& source, const OptionalParameters& options) override
+    {
+        Note({"fill", &source, nullptr, 0, options});
+    }
+
+    void FillFromWithRemapBody2(const ImageRow& source, const int* map,
+                                const OptionalParameters& options) override
+    {
+        Note({"remap", &source, map, 0, options});
+    }
+
+    void FillFromWithPixelRepeatBody2(const ImageRow& source, int factor,
+                                      const OptionalParameters& options) override
+    {
+        Note({"repeat", &source, nullptr, factor, options});
+    }
+
+private:
+    void Note(const Call& call)
+    {
+        last = call;
+        lesson();
+    }
+};
+
+} // namespace zvk::Pelkraft::TestSupport
