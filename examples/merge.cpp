@@ -1,0 +1,18 @@
+// Merges the four planes of a row into interleaved pixels.
+#include <pelkraft/image_row.h>
+
+#include <cstdio>
+
+int main()
+{
+    unsigned char inks[] = {1, 11, 21, 2, 12, 22, 3, 13, 23, 4, 14, 24};
+    const zvk::Pelkraft::ImageRow planes(3, 4, 8, true, inks);
+
+    zvk::Pelkraft::ImageRow pixels(3, 4, 8, false, nullptr);
+    pixels.FillFrom(planes, nullptr);
+
+    for (int i = 0; i != 3; ++i) {
+        const unsigned char* pixel = pixels.GetData() + 4 * i;
+        std::printf("pixel %d: %d %d %d %d\n", i, pixel[0], pixel[1], pixel[2], pixel[3]);
+    }
+}
