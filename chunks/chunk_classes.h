@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "chunks/chunk_descriptors.h"
+
+#include <cstdint>
 
 // The doors of the files that hold the loader and saver classes.
 namespace zvk::Pelkraft::PortableRoad {

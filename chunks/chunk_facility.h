@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
-
 #include "chunks/chunk_descriptors.h"
 #include "common/image_row_format.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,8 +1,8 @@
-#include <cstring>
-
 #include "chunks/chunk_classes.h"
 #include "chunks/row_walk.h"
 #include "common/chunk_header.h"
+
+#include <cstring>
 
 namespace zvk::Pelkraft {
 namespace {

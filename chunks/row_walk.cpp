@@ -1,10 +1,10 @@
 #include "chunks/row_walk.h"
 
-#include <cstddef>
-#include <cstring>
-
 #include "chunks/chunk_facility.h"
 #include "common/units.h"
+
+#include <cstddef>
+#include <cstring>
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "common/size_policies.h"
+#include "common/unroll_vector.h"
+
 #include <tmmintrin.h>
 
 #include <cstdint>
-
-#include "common/size_policies.h"
-#include "common/unroll_vector.h"
 
 // Only for files built with vector flags; like all of theirs it has internal linkage.
 namespace zvk::Pelkraft {

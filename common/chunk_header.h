@@ -1,10 +1,10 @@
 #pragma once
 
+#include "common/units.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-
-#include "common/units.h"
 
 namespace zvk::Pelkraft {
 

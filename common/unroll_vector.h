@@ -1,10 +1,10 @@
 #pragma once
 
+#include "common/units.h"
+
 #include <tmmintrin.h>
 
 #include <utility>
-
-#include "common/units.h"
 
 // Only for files built with vector flags: all of it has internal linkage on purpose, so that
 // the linker never takes code of these files for the rest of the program.

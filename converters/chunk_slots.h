@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
-
 #include "common/chunk_header.h"
 #include "common/units.h"
+
+#include <cstdint>
 
 // What a method finds from the header it is given. Internal linkage on purpose: files of the
 // vector road include this too, and no code of theirs may serve the rest of the program.

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "converters/convert_descriptor.h"
+
+#include <cstdint>
 
 // The doors of the files that hold the converter classes.
 namespace zvk::Pelkraft::PortableRoad {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "common/image_row_format.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,11 +1,11 @@
-#include <cstdint>
-
 #include "common/units.h"
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
 #include "converters/chunk_units_vector.h"
 #include "converters/convert_classes.h"
 #include "converters/depth_base.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft::VectorRoad {
 namespace {

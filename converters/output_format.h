@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "common/image_row_format.h"
+
+#include <cstdint>
 
 // The two answers that steps give about their output. Both leave the widths to the caller.
 namespace zvk::Pelkraft {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "converters/convert_descriptor.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,5 +1,3 @@
-#include <cstdint>
-
 #include "common/size_policies.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
@@ -7,6 +5,8 @@
 #include "converters/chunk_units_vector.h"
 #include "converters/convert_classes.h"
 #include "converters/pixel_repeat_base.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft::VectorRoad {
 namespace {

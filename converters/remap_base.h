@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
-
 #include "common/size_policies.h"
 #include "converters/convert_descriptor.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

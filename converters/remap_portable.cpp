@@ -1,11 +1,11 @@
-#include <cstdint>
-
 #include "common/units.h"
 #include "converters/chunk_slots.h"
 #include "converters/convert_classes.h"
 #include "converters/convert_facility.h"
 #include "converters/remap_base.h"
 #include "converters/word_access.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft::PortableRoad {
 namespace {

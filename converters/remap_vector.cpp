@@ -1,5 +1,3 @@
-#include <cstdint>
-
 #include "common/size_policies.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
@@ -8,6 +6,8 @@
 #include "converters/convert_classes.h"
 #include "converters/remap_base.h"
 #include "converters/remap_masks.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft::VectorRoad {
 namespace {

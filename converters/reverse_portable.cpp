@@ -1,10 +1,10 @@
-#include <cstdint>
-
 #include "common/units.h"
 #include "converters/chunk_slots.h"
 #include "converters/convert_classes.h"
 #include "converters/reverse_base.h"
 #include "converters/word_access.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft::PortableRoad {
 namespace {

@@ -1,9 +1,9 @@
+#include "copy/copy_unit.h"
+#include "pelkraft/copy_primitives.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-
-#include "copy/copy_unit.h"
-#include "pelkraft/copy_primitives.h"
 
 namespace zvk::Pelkraft {
 namespace {

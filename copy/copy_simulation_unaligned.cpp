@@ -1,8 +1,8 @@
-#include <cstddef>
-
 #include "copy/copy_unit.h"
 #include "copy/division.h"
 #include "pelkraft/copy_primitives.h"
+
+#include <cstddef>
 
 namespace zvk::Pelkraft {
 namespace {

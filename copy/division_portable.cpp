@@ -1,8 +1,8 @@
+#include "copy/division.h"
+
 #include <csignal>
 #include <cstdlib>
 #include <limits>
-
-#include "copy/division.h"
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,7 +1,7 @@
+#include "pelkraft/copy_primitives.h"
+
 #include <cstddef>
 #include <cstring>
-
-#include "pelkraft/copy_primitives.h"
 
 namespace zvk::Pelkraft {
 

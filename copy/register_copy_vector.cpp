@@ -1,8 +1,8 @@
+#include "copy/group_copy.h"
+
 #include <tmmintrin.h>
 
 #include <utility>
-
-#include "copy/group_copy.h"
 
 namespace zvk::Pelkraft {
 namespace {

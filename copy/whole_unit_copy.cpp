@@ -1,8 +1,8 @@
-#include <array>
-#include <utility>
-
 #include "copy/copy_unit.h"
 #include "copy/group_copy.h"
+
+#include <array>
+#include <utility>
 
 namespace zvk::Pelkraft {
 namespace {

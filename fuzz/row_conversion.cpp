@@ -1,12 +1,12 @@
+#include "tests/support/conversion_run.h"
+#include "tests/support/random_bytes.h"
+#include "zvk/diagnostics.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-
-#include "tests/support/conversion_run.h"
-#include "tests/support/random_bytes.h"
-#include "zvk/diagnostics.h"
 
 // A pair of rows, an operation and a map from bytes. What is served must give the bytes of the
 // naive reference on both roads; what is not must be refused with a text and touch nothing.

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
-
 #include "converters/convert_facility.h"
 #include "rows/convert.h"
+
+#include <array>
+#include <cstddef>
 
 namespace zvk::Pelkraft {
 

@@ -1,9 +1,9 @@
 #include "rows/convert.h"
 
-#include <algorithm>
-
 #include "portal/conversion_portal.h"
 #include "rows/chain_choice.h"
+
+#include <algorithm>
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
 #include "common/image_row_format.h"
 #include "common/row_size.h"
 #include "converters/convert_facility.h"
 #include "pelkraft/image_row.h"
+
+#include <cstddef>
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,11 +1,11 @@
 #include "pelkraft/image_row.h"
 
+#include "common/aligned_memory.h"
+#include "common/row_size.h"
+
 #include <algorithm>
 #include <cstring>
 #include <new>
-
-#include "common/aligned_memory.h"
-#include "common/row_size.h"
 
 namespace zvk {
 namespace Pelkraft {

@@ -1,9 +1,9 @@
 #if defined(_WIN32)
 
-#include <windows.h>
-
 #include "pelkraft/image_row.h"
 #include "zvk/diagnostics.h"
+
+#include <windows.h>
 
 // No object with a destructor may live in a function that has __try: the bodies do the work.
 namespace zvk::Pelkraft {

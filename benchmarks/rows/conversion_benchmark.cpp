@@ -1,11 +1,11 @@
+#include "benchmarks/rows/plain_loops.h"
+#include "pelkraft/image_row.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstring>
 #include <string>
 #include <vector>
-
-#include "benchmarks/rows/plain_loops.h"
-#include "pelkraft/image_row.h"
 
 // How fast each kind of conversion of a CMYK row is: the two roads of the library, the loop that
 // a caller would write by hand, and memcpy over as many bytes as the conversion reads and writes.

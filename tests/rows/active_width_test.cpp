@@ -1,11 +1,11 @@
+#include "rows/convert.h"
+#include "tests/rows/guarded_row.h"
+#include "tests/rows/refusal.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
-
-#include "rows/convert.h"
-#include "tests/rows/guarded_row.h"
-#include "tests/rows/refusal.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

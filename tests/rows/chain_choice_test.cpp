@@ -1,11 +1,11 @@
+#include "converters/convert_classes.h"
+#include "rows/chain_choice.h"
+#include "tests/rows/refusal.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "converters/convert_classes.h"
-#include "rows/chain_choice.h"
-#include "tests/rows/refusal.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

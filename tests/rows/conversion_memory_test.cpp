@@ -1,13 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <exception>
-
 #include "tests/rows/allocation_watch.h"
 #include "tests/rows/row_fields.h"
 #include "tests/support/conversion_run.h"
 #include "tests/support/random_bytes.h"
 #include "zvk/diagnostics.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <exception>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,12 +1,12 @@
+#include "tests/support/conversion_run.h"
+#include "tests/support/random_bytes.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
-
-#include "tests/support/conversion_run.h"
-#include "tests/support/random_bytes.h"
 
 // Whole conversions through the public row class against the naive reference, on buffers of
 // exactly the rows' size with a forbidden page behind or before them. A push takes a sample of

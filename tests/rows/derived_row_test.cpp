@@ -1,9 +1,9 @@
+#include "tests/rows/guarded_row.h"
+#include "tests/rows/refusal.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "tests/rows/guarded_row.h"
-#include "tests/rows/refusal.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

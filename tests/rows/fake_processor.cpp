@@ -1,8 +1,8 @@
 #include "tests/rows/fake_processor.h"
 
-#include <optional>
-
 #include "zvk/system_tools.h"
+
+#include <optional>
 
 namespace {
 

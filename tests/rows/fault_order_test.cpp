@@ -1,12 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <string>
-
 #include "rows/convert.h"
 #include "tests/rows/guarded_row.h"
 #include "tests/rows/refusal.h"
 #include "tests/rows/row_fields.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
 
 // Each fault has its words, and of several faults in one call the first in the order is told.
 namespace zvk::Pelkraft::TestSupport {

@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
-
 #include "tests/rows/fake_processor.h"
 #include "tests/rows/guarded_row.h"
 #include "tests/rows/refusal.h"
 #include "tests/rows/taught_row.h"
+
+#include <gtest/gtest.h>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,12 +1,12 @@
+#include "tests/rows/refusal.h"
+#include "tests/rows/taught_row.h"
+#include "zvk/diagnostics.h"
+
 #include <gtest/gtest.h>
 
 #include <exception>
 #include <stdexcept>
 #include <string>
-
-#include "tests/rows/refusal.h"
-#include "tests/rows/taught_row.h"
-#include "zvk/diagnostics.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,10 +1,10 @@
+#include "tests/rows/guarded_row.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
-
-#include "tests/rows/guarded_row.h"
 
 // The portable unpacker covers whole groups of four channels from the end of the slot down, and
 // leaves the first channels packed where the slot is not full. Whole conversions show it so: in

@@ -1,9 +1,9 @@
 #include "tests/rows/refusal.h"
 
-#include <new>
-
 #include "tests/system_tools/recording_sink.h"
 #include "zvk/diagnostics.h"
+
+#include <new>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

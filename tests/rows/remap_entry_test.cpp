@@ -1,9 +1,9 @@
+#include "tests/rows/guarded_row.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <vector>
-
-#include "tests/rows/guarded_row.h"
 
 // What an entry gives that names no channel of the source, on each road.
 namespace zvk::Pelkraft::TestSupport {

@@ -1,11 +1,11 @@
+#include "tests/rows/row_fields.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
-
-#include "tests/rows/row_fields.h"
 
 // The order of the fields and of the virtual table is what programs built elsewhere rely on.
 namespace zvk::Pelkraft::TestSupport {

@@ -1,9 +1,9 @@
+#include "tests/rows/row_fields.h"
+
 #include <gtest/gtest.h>
 
 #include <new>
 #include <vector>
-
-#include "tests/rows/row_fields.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

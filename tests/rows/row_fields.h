@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstring>
-
 #include "pelkraft/image_row.h"
+
+#include <cstring>
 
 namespace zvk::Pelkraft::TestSupport {
 

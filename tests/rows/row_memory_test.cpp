@@ -1,12 +1,12 @@
+#include "tests/rows/allocation_watch.h"
+#include "tests/rows/refusal.h"
+#include "tests/rows/row_fields.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <new>
 #include <optional>
-
-#include "tests/rows/allocation_watch.h"
-#include "tests/rows/refusal.h"
-#include "tests/rows/row_fields.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,10 +1,10 @@
+#include "pelkraft/image_row.h"
+#include "tests/rows/refusal.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <limits>
-
-#include "pelkraft/image_row.h"
-#include "tests/rows/refusal.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

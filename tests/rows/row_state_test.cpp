@@ -1,11 +1,11 @@
+#include "tests/rows/row_fields.h"
+#include "tests/support/random_bytes.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <vector>
-
-#include "tests/rows/row_fields.h"
-#include "tests/support/random_bytes.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

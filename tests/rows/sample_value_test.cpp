@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "tests/rows/guarded_row.h"
+
+#include <gtest/gtest.h>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

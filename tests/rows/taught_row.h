@@ -1,8 +1,8 @@
 #pragma once
 
-#include <functional>
-
 #include "pelkraft/image_row.h"
+
+#include <functional>
 
 namespace zvk::Pelkraft::TestSupport {
 

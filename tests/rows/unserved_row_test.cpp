@@ -1,10 +1,10 @@
+#include "tests/rows/guarded_row.h"
+#include "tests/rows/refusal.h"
+
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
-
-#include "tests/rows/guarded_row.h"
-#include "tests/rows/refusal.h"
 
 // Rows that pass every check of their own and still have no way between them.
 namespace zvk::Pelkraft::TestSupport {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
-
 #include "pelkraft/image_row.h"
 #include "tests/support/guarded_buffer.h"
 #include "tests/support/naive_conversion.h"
+
+#include <string>
 
 namespace zvk::Pelkraft::TestSupport {
 
