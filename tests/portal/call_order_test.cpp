@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -189,7 +190,6 @@ TEST(ConversionPortal, LoadsTheLastPixelsWithZerosBehindThem)
     FakeChain chain({{4, 1}});
     Bytes second(16, 6);
     std::fill(second.begin() + 5, second.end(), static_cast<unsigned char>(0));
-    chain.onRun = nullptr;
     std::vector<Bytes> chunks;
     const Bytes source = NumberedChunks(85);
     Bytes row(22, 0xEE);
@@ -212,6 +212,23 @@ TEST(ConversionPortal, TakesTheShorterSidesBatches)
     FakeChain chain({{1, 2}});
     const std::vector<Sight> expected = {{0, Bytes(16, 1), 0}, {0, Bytes(16, 2), 32}};
     EXPECT_EQ(expected, SightsOf(chain, 32, 63));
+}
+
+TEST(ConversionPortal, RunsATrailingBatchIfOneSideAloneHasPixelsLeft)
+{
+    FakeChain loading({{1, 1}});
+    Bytes lastPixel(16, 0);
+    lastPixel[0] = 2;
+    EXPECT_EQ((std::vector<Sight>{{0, Bytes(16, 1), 0}, {0, lastPixel, 16}}),
+              SightsOf(loading, 17, 16));
+
+    const FakeChain saving({{1, 1}});
+    const Bytes row =
+        RunPortal({0, OneChannel(16), OneChannel(17)}, Bytes(16, 1), saving.MakeRecords());
+    Bytes expected(17, 1);
+    expected[16] = 0;
+    EXPECT_EQ(expected, row);
+    EXPECT_EQ(2U, saving.GetRuns().size());
 }
 
 TEST(ConversionPortal, RunsTheTrailingBatchOnceForARowShorterThanAChunk)
