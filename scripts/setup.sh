@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a script needs, and only those that are missing.
-#   setup.sh demo     to build the library and the program, and to run the demo
+#   setup.sh demo     to build the library and the program, and to run the demo on its page
 #   setup.sh test     to build and run all tests, sanitizers too
 #   setup.sh bench    to build and run the benchmarks
 # Without a name it takes what the tests need, which is the most.
@@ -11,7 +11,7 @@ picture_packages=(ghostscript libtiff-tools)
 test_packages=(clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind)
 
 case "${1:-test}" in
-demo) wanted=("${build_packages[@]}" "${picture_packages[@]}") ;;
+demo) wanted=("${build_packages[@]}" "${picture_packages[@]}" ghostscript-doc) ;;
 test) wanted=("${build_packages[@]}" "${picture_packages[@]}" "${test_packages[@]}") ;;
 bench) wanted=("${build_packages[@]}" clang libbenchmark-dev libgtest-dev) ;;
 *)

@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# Builds the program and sends a real CMYK page through the library: interleaved to planar, 8 to
+# 16 bits and back, with a proof that the picture is still the same. Leaves its files in demo-out/.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+out=demo-out
+build=build/demo
+
+say() { printf '\n== %s\n' "$*"; }
+
+bash scripts/setup.sh demo
+
+say "Building the library and the program (Release) in $build"
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DPELKRAFT_BUILD_TOOLS=ON >/dev/null
+cmake --build "$build" --target pelkraft_tool
+pelkraft=$build/tools/pelkraft/pelkraft
+
+# Rasters one page of a document to $out/page.tif as CMYK.
+raster() {
+    gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=tiff32nc -r300 "$@" -o "$out/page.tif" "$document"
+    [ -s "$out/page.tif" ]
+}
+
+rm -rf "$out"
+mkdir -p "$out"
+# A page that nobody here drew; minimal systems strip it with all other documentation.
+document=$(find /usr/share/doc/ghostscript* -name '*.pdf' 2>/dev/null | sort | head -n 1)
+illustrated_page=19
+say "Rastering a page to CMYK at 300 dpi with Ghostscript"
+if [ -z "$document" ] ||
+    ! raster "-dFirstPage=$illustrated_page" "-dLastPage=$illustrated_page"; then
+    document=tests/tools/cmyk_spot_page.ps
+    raster
+    echo "the project's own page: $document"
+else
+    echo "page $illustrated_page of $document"
+fi
+
+# Converts $out/$1 to $out/$2 and tells how it went.
+rates=()
+convert() {
+    local from=$1 to=$2
+    shift 2
+    say "pelkraft convert $out/$from $out/$to $*"
+    "$pelkraft" convert "$out/$from" "$out/$to" "$@" --explain | tee "$out/explain.txt"
+    rates+=("$to: $(tail -n 1 "$out/explain.txt")")
+    rm "$out/explain.txt"
+}
+
+convert page.tif planar.tif --layout planar
+convert planar.tif planar16.tif --bits 16
+convert planar16.tif interleaved16.tif --layout interleaved
+convert interleaved16.tif back.tif --bits 8
+convert page.tif mirrored.tif --mirror
+convert page.tif bits.tif --layout planar --bits 1
+
+# tiffcmp is another program's opinion. It ends well on a difference in tags, but tells it.
+same_picture() {
+    local said
+    said=$(tiffcmp "$1" "$2" 2>&1) && [ -z "$said" ]
+}
+same_samples() { tiffcmp -t "$1" "$2" >/dev/null 2>&1; }
+
+say "Comparing with tiffcmp"
+same_picture "$out/page.tif" "$out/back.tif" || {
+    echo "page.tif and back.tif differ" >&2
+    exit 1
+}
+echo "back.tif, there and back again: tags and samples of page.tif"
+same_samples "$out/page.tif" "$out/planar.tif" || {
+    echo "page.tif and planar.tif differ" >&2
+    exit 1
+}
+echo "planar.tif: the samples of page.tif, in planes"
+if same_samples "$out/page.tif" "$out/mirrored.tif"; then
+    echo "tiffcmp does not tell mirrored.tif from page.tif" >&2
+    exit 1
+fi
+echo "mirrored.tif: told apart from page.tif, as it must be"
+
+say "Done: rows, and rows per second with reading and writing"
+printf '%s\n' "${rates[@]}"
+echo
+echo "The files lie in $(pwd)/$out:"
+(cd "$out" && ls -sh1)
