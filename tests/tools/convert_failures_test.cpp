@@ -160,8 +160,8 @@ TEST_F(ConvertFailures, MeetDamagedFilesWithoutACrash)
         std::memcpy(&directory, bytes.data() + 4, 4);
         const auto random = RandomBytes(12, seed);
         for (std::size_t i = 0; i < 3; ++i) {
-            const std::size_t where =
-                directory + (random[4 * i] | random[4 * i + 1] << 8) % (bytes.size() - directory);
+            const auto step = static_cast<std::size_t>(random[4 * i] | random[4 * i + 1] << 8);
+            const std::size_t where = directory + step % (bytes.size() - directory);
             bytes[where] = static_cast<char>(random[4 * i + 2]);
         }
         WriteBytes(Path("in.tif"), bytes);

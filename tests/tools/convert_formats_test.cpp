@@ -34,7 +34,8 @@ FileForm NextForm(int number, bool separate, int bits)
 class ConvertFormats : public ToolFixture, public ::testing::WithParamInterface<int>
 {};
 
-// One channel count from every layout and depth to every layout and depth.
+// From every layout and depth to every second layout and depth; the next channel count takes the
+// others.
 TEST_P(ConvertFormats, BringsEverySampleAcross)
 {
     constexpr int widths[] = {1, 7, 8, 9, 17, 31, 64, 129};
@@ -48,8 +49,11 @@ TEST_P(ConvertFormats, BringsEverySampleAcross)
                 RandomImage(width, height, channels, from, static_cast<std::uint32_t>(number));
             const FileForm form = NextForm(number, oldSeparate, from);
             WriteTiff(Path("in.tif"), image, form);
+            int pair = from == 2 || from == 16 ? 1 : 0;
             for (const int to : depths) {
                 for (const bool newSeparate : {false, true}) {
+                    if (++pair % 2 != channels % 2)
+                        continue;
                     SCOPED_TRACE(::testing::Message()
                                  << from << (oldSeparate ? " planar" : " interleaved") << " to "
                                  << to << (newSeparate ? " planar" : " interleaved") << ", "
@@ -80,7 +84,7 @@ TEST_P(ConvertFormats, BringsEverySampleAcross)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Channels, ConvertFormats, ::testing::Values(1, 2, 3, 4, 5, 8, 20),
+INSTANTIATE_TEST_SUITE_P(Channels, ConvertFormats, ::testing::Range(1, 9),
                          ::testing::PrintToStringParamName());
 
 class ConvertSamples : public ToolFixture

@@ -55,6 +55,10 @@ TEST_P(ConvertOptions, DoAsTheySayBetweenAllDepthsOnBothRoads)
         form.separate = number % 2 == 0;
         WriteTiff(Path("in.tif"), image, form);
         for (const int to : {1, 2, 8, 16}) {
+            // The factors 1 and 4 go through all pairs of depths.
+            ++number;
+            if (number % 2 == 0 && GetParam().repeat == 2)
+                continue;
             SCOPED_TRACE(::testing::Message() << from << " to " << to << " bits, "
                                               << (form.separate ? "planar" : "interleaved"));
             std::vector<std::string> arguments = Arguments();
@@ -70,7 +74,6 @@ TEST_P(ConvertOptions, DoAsTheySayBetweenAllDepthsOnBothRoads)
             arguments.push_back("--portable");
             ASSERT_EQ(0, Convert(arguments).exitCode);
             ASSERT_EQ(vectorFile, Bytes(Path("out.tif")));
-            ++number;
         }
     }
 }

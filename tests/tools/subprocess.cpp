@@ -12,6 +12,12 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
+#if defined(PELKRAFT_SANITIZED)
+constexpr bool sanitized = true;
+#else
+constexpr bool sanitized = false;
+#endif
+
 std::string ReadWhole(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
@@ -68,11 +74,9 @@ Outcome RunTool(const std::string& scratchFolder, const std::vector<std::string>
     std::vector<std::string> command = {PELKRAFT_TOOL};
     command.insert(command.end(), arguments.begin(), arguments.end());
     const auto limitMemory = [=] {
-#if !defined(PELKRAFT_SANITIZED)
         const rlimit limit = {memoryBytes, memoryBytes};
-        if (memoryBytes != 0 && setrlimit(RLIMIT_DATA, &limit) != 0)
+        if (memoryBytes != 0 && !sanitized && setrlimit(RLIMIT_DATA, &limit) != 0)
             _exit(126);
-#endif
     };
     return Subprocess(command, scratchFolder, limitMemory).Wait();
 }

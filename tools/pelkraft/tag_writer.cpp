@@ -51,12 +51,14 @@ void CopyBlob(TIFF* from, TIFF* to, std::uint32_t tag)
 
 void CopyDocumentTags(TIFF* from, TIFF* to)
 {
-    for (const std::uint32_t tag :
-         {TIFFTAG_DOCUMENTNAME, TIFFTAG_IMAGEDESCRIPTION, TIFFTAG_MAKE, TIFFTAG_MODEL,
-          TIFFTAG_PAGENAME, TIFFTAG_SOFTWARE, TIFFTAG_DATETIME, TIFFTAG_ARTIST,
-          TIFFTAG_HOSTCOMPUTER, TIFFTAG_COPYRIGHT, TIFFTAG_TARGETPRINTER})
+    constexpr std::uint32_t texts[] = {
+        TIFFTAG_DOCUMENTNAME, TIFFTAG_IMAGEDESCRIPTION, TIFFTAG_MAKE,         TIFFTAG_MODEL,
+        TIFFTAG_PAGENAME,     TIFFTAG_SOFTWARE,         TIFFTAG_DATETIME,     TIFFTAG_ARTIST,
+        TIFFTAG_HOSTCOMPUTER, TIFFTAG_COPYRIGHT,        TIFFTAG_TARGETPRINTER};
+    constexpr std::uint32_t blobs[] = {TIFFTAG_XMLPACKET, TIFFTAG_PHOTOSHOP, TIFFTAG_RICHTIFFIPTC};
+    for (const std::uint32_t tag : texts)
         CopyPointer(from, to, tag);
-    for (const std::uint32_t tag : {TIFFTAG_XMLPACKET, TIFFTAG_PHOTOSHOP, TIFFTAG_RICHTIFFIPTC})
+    for (const std::uint32_t tag : blobs)
         CopyBlob(from, to, tag);
     std::uint32_t kind = 0;
     if (TIFFGetField(from, TIFFTAG_SUBFILETYPE, &kind) == 1)
