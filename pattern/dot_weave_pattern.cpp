@@ -47,8 +47,9 @@ EngineOwner MakeEngine(DotWeavePattern::Engine engine, int textVersion)
 {
     switch (engine) {
     case DotWeavePattern::Automatic:
-        return zvk::SystemTools::GetSseVersion() < leastSseVersion ? MakePortable(textVersion)
-                                                                   : MakeVector(textVersion);
+        if (zvk::SystemTools::GetSseVersion() < leastSseVersion)
+            return MakePortable(textVersion);
+        return MakeVector(textVersion);
     case DotWeavePattern::Reference:
         return std::make_unique<Testonly::CDotWeavePattern<RandomField>>();
     case DotWeavePattern::X86:
@@ -77,6 +78,8 @@ DotWeavePattern::DotWeavePattern(const DotWeavePattern& other)
 
 DotWeavePattern& DotWeavePattern::operator=(const DotWeavePattern& other)
 {
+    if (this == &other)
+        return *this;
     // First the new holder: both may share one engine already.
     other.mEngine->AddHolder();
     mEngine->RemoveHolder();

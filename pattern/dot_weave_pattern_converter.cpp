@@ -90,7 +90,7 @@ void DotWeavePatternConverter::Reset()
     mInColorOfOutInk.fill(noInColorOfInk);
 }
 
-bool DotWeavePatternConverter::Parse(std::string text, int)
+bool DotWeavePatternConverter::Parse(const std::string& text, int)
 {
     Reset();
     mVersion = 1;

@@ -22,7 +22,7 @@ public:
     DotWeavePatternConverter& operator=(const DotWeavePatternConverter&) = delete;
 
     // False if the header word is missing. The flag has no effect. Throws.
-    virtual bool Parse(std::string text, int flag);
+    virtual bool Parse(const std::string& text, int flag);
     virtual void Reset();
 
     // Throws all that a text can be refused for, a missing header word with the wide

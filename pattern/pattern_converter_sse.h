@@ -16,7 +16,7 @@ public:
     DotWeavePatternConverterSse();
 
     // Throws "capacity exceeded in mComonTrans" too.
-    bool Parse(std::string text, int flag) override;
+    bool Parse(const std::string& text, int flag) override;
 
     // The first of 1024, of which those of the pattern's combinations are built.
     virtual const SseTransformationBuilder* GetSseTables() { return mSseTables.get(); }

@@ -12,7 +12,7 @@ class DotWeavePatternConverterX86 final : public DotWeavePatternConverter
 {
 public:
     // Throws "out-ink without in-colour in pattern" too.
-    bool Parse(std::string text, int flag) override;
+    bool Parse(const std::string& text, int flag) override;
 
 private:
     void RepairRows();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -22,9 +21,9 @@ void RepairRow(StepRow& row, std::int32_t topStep)
 
 } // namespace
 
-bool DotWeavePatternConverterX86::Parse(std::string text, int flag)
+bool DotWeavePatternConverterX86::Parse(const std::string& text, int flag)
 {
-    if (!DotWeavePatternConverter::Parse(std::move(text), flag))
+    if (!DotWeavePatternConverter::Parse(text, flag))
         return false;
     // Without in-colours every ink would be refused here, ahead of the refusal of such a text.
     if (GetInColorCount() > 0)

@@ -53,9 +53,10 @@ void ApplyRun(const SseRow& row, std::uint32_t firstPixel, std::uint32_t pixels,
     const std::size_t destinationStride = row.destinationStride;
     const unsigned char* source = row.source + firstPixel * sourceStride;
     unsigned char* destination = row.destination + firstPixel * destinationStride;
+    const SseTransformation* const single = row.single;
     for (std::uint32_t i = 0; i < pixels; ++i) {
         const __m128i pixel = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
-        const __m128i inks = Transform(pixel, lanes, draws ? field[i] : row.single);
+        const __m128i inks = Transform(pixel, lanes, draws ? field[i] : single);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(destination), inks);
         source += sourceStride;
         destination += destinationStride;
