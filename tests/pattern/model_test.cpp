@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "pattern/pattern_converter_sse.h"
+#include "pattern/pattern_converter_x86.h"
 #include "tests/pattern/pattern_support.h"
 
 namespace zvk::Pelkraft {
@@ -87,6 +89,35 @@ TEST(Model, MultipliesOutTheExample)
     EXPECT_EQ(converter.GetInColorOfOutInk()[2], 1);
     EXPECT_EQ(converter.GetMaxStepOfInColor()[0], 3);
     EXPECT_EQ(converter.GetMaxStepOfInColor()[1], 1);
+}
+
+TEST(PortableModel, RepairsTheRowsOfTheExample)
+{
+    DotWeavePatternConverterX86 converter;
+    converter.Load(TestSupport::exampleText);
+    const auto row = [&](std::uint32_t combination, std::uint32_t ink) {
+        return *converter.GetCombinations()[combination].inkSteps[ink];
+    };
+    EXPECT_EQ(row(0, 0), (Row{0, 0, 0, 255, 255, 255, 255, 255}));
+    EXPECT_EQ(row(0, 1), (Row{0, 64, 128, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(row(0, 2), (Row{0, 255, 255, 255, 255, 255, 255, 255}));
+    EXPECT_EQ(row(1, 0), (Row{0, 0, 40, 255, 255, 255, 255, 255}));
+    EXPECT_EQ(row(1, 1), (Row{0, 64, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(row(1, 2), row(0, 2));
+}
+
+TEST(VectorModel, LeavesTheRowsOfTheExample)
+{
+    DotWeavePatternConverterSse converter;
+    converter.Load(TestSupport::exampleText);
+    EXPECT_EQ(*converter.GetCombinations()[0].inkSteps[1], (Row{-1, 64, 128, -1, -1, -1, -1, -1}));
+    const SseTransformationBuilder* tables = converter.GetSseTables();
+    EXPECT_EQ(tables[1].mLower[0], 2);
+    EXPECT_EQ(tables[1].mUpper[0], 3);
+    EXPECT_EQ(tables[1].mLower[2], 1);
+    // Beyond the combinations all is zero.
+    EXPECT_EQ(tables[2].mOffset[0], 0);
+    EXPECT_EQ(tables[1023].mOffset[15], 0);
 }
 
 TEST(Model, HasOneCombinationWhereEachStepHasOneAlternative)
