@@ -32,14 +32,15 @@ ImageRowFormat BuildFormat(const RowGeometry& geometry, bool reversed, std::int6
     return format;
 }
 
-// Sizes that index memory are right only where the row's own size is.
-void RequireTrueSize(const RowGeometry& geometry)
+// Sizes that index memory are right only where the row's own size is. Each fault is looked for in
+// both rows ahead of the next.
+void RequireTrueSizes(const RowGeometry& source, const RowGeometry& destination)
 {
-    if (geometry.width < 0)
+    if (source.width < 0 || destination.width < 0)
         throw invalidWidth;
-    if (geometry.channels < 0)
+    if (source.channels < 0 || destination.channels < 0)
         throw invalidChannels;
-    if (!RowSizeFits(geometry))
+    if (!RowSizeFits(source) || !RowSizeFits(destination))
         throw invalidWidth;
 }
 
@@ -100,8 +101,7 @@ void Convert(const ConversionRequest& request, const ChunkConvertFacility& repea
 void RunChain(const ConversionRequest& request, const FormatPair& formats, std::size_t chainLength,
               const ChunkConvertFacility* chain)
 {
-    RequireTrueSize(request.source.geometry);
-    RequireTrueSize(request.destination.geometry);
+    RequireTrueSizes(request.source.geometry, request.destination.geometry);
     if (formats.destination.channels == 0)
         return;
     if (formats.source.channels == 0 || !LayoutsMeet(formats))

@@ -188,6 +188,16 @@ TEST(FaultOrder, PutsTheChainAheadOfWhatOnlyThePixelsNeed)
     EXPECT_EQ(unsupported, Rows({0, 2, 8, false}, {0, 2, 2, false}).Fill());
 }
 
+// A repeat rounds a few pixels less than none up to none, so that such a width passes as a format.
+TEST(FaultOrder, PutsTheWidthsOfBothRowsAheadOfTheChannelCounts)
+{
+    EXPECT_EQ(width, Rows({5, -2, 8, false}, {-1, -2, 8, false}).Repeat(4));
+    EXPECT_EQ(width, Rows({5, -2, 16, true}, {-3, -2, 8, false}).Repeat(-4));
+    EXPECT_EQ(width, Rows({-5, -2, 8, false}, {-5, 3, 8, false}).Remap(anyMap));
+    EXPECT_EQ(channelCount, Rows({5, -2, 8, false}, {5, -2, 8, false}).Repeat(4));
+    EXPECT_EQ(channelCount, Rows({65536, 65536, 8, false}, {5, -2, 8, false}).Remap(anyMap));
+}
+
 TEST(FaultOrder, PutsTheChannelsOfAFillAheadOfAllElse)
 {
     EXPECT_EQ(fill, Rows({5, 2, 4, false}, {-1, 3, 4, false}).Fill());
