@@ -179,6 +179,32 @@ TEST_P(NbitStep, StaysBehindTheStartOfItsChunks)
         }
 }
 
+// What the step tells its method, from strides that no real region has.
+TEST_P(NbitStep, TellsTheWayBetweenChunksAndTheSlotInItsBlock)
+{
+    const auto depth = static_cast<std::int32_t>(GetParam());
+    const ChunkStepGeometry geometry = {3, 5, 7000, 9000};
+    for (const std::size_t channels : {1U, 15U, 16U, 17U, 40U})
+        for (const Road& road : AvailableRoads()) {
+            SCOPED_TRACE(std::string(road.name) + ", channels " + std::to_string(channels));
+            const std::size_t slotBytes = RoundUp(channels, 16);
+            const std::uint64_t slot = road.isVector ? slotBytes / 16 : slotBytes;
+            alignas(16) std::uint64_t block[2] = {1, 2};
+
+            const auto packer = ChunkConvertFacility::Create_Packer(road.sseVersion, depth);
+            const ImageRowFormat bytes = FormatOf(8, channels);
+            packer.select(packer, bytes)->GetConvertMethod(packer, bytes, geometry, block);
+            EXPECT_EQ(3U * 7000U - 16 * slotBytes, block[0]);
+            EXPECT_EQ(slot, block[1]);
+
+            const auto unpacker = ChunkConvertFacility::Create_Unpacker(road.sseVersion, depth);
+            const ImageRowFormat packed = FormatOf(depth, channels, LayoutPlanarPacked);
+            unpacker.select(unpacker, packed)->GetConvertMethod(unpacker, packed, geometry, block);
+            EXPECT_EQ(5U * 9000U, block[0]);
+            EXPECT_EQ(slot, block[1]);
+        }
+}
+
 TEST_P(NbitStep, DoesNothingWithoutChannels)
 {
     for (const Road& road : AvailableRoads()) {

@@ -299,13 +299,15 @@ TEST(RemapBlock, HoldsAMaskPerPairOfUnitsOnTheVectorRoad)
     if (!HasVectorRoad())
         return;
     const Road vector = {"vector", 3, true};
-    for (const std::int32_t bits : {8, 10, 16})
+    // Beyond the depths of rows too: a lane has two bytes for 9 to 16 bits alone.
+    for (const std::int32_t bits : {2, 7, 8, 9, 10, 15, 16, 17, 24, 32})
         for (const std::size_t channels : {4U, 16U, 20U, 40U, 70U})
             for (const std::size_t size : {1U, 4U, 16U, 20U, 40U}) {
                 const Shape shape = {bits, channels, Drawn(size, -3, channels + 30, 71)};
-                const std::size_t laneBytes = SampleBytes(bits);
-                const std::size_t inputUnits = (channels * laneBytes + 15) / 16;
-                const std::size_t outputUnits = (size * laneBytes + 15) / 16;
+                const std::size_t laneBytes = bits >= 9 && bits <= 16 ? 2 : 1;
+                const auto sampleBytes = static_cast<std::size_t>((bits + 7) / 8);
+                const std::size_t inputUnits = (channels * sampleBytes + 15) / 16;
+                const std::size_t outputUnits = (size * sampleBytes + 15) / 16;
                 Bytes expected(outputUnits * inputUnits * 16, 0x80);
                 for (std::size_t c = 0; c < size; ++c)
                     for (std::size_t i = 0; i < inputUnits; ++i) {

@@ -116,6 +116,19 @@ void ExpectCase(const Case& tested)
     EXPECT_TRUE(source.IsUntouched());
 }
 
+// Sample by sample, but for those that the buffer decides.
+void ExpectUnpacked(const std::vector<Sample>& expected, const NaiveGeometry& geometry,
+                    const Bytes& row)
+{
+    const std::vector<unsigned> samples = ReadSamples(geometry, row);
+    ASSERT_EQ(expected.size(), samples.size());
+    for (std::size_t at = 0; at != samples.size(); ++at) {
+        if (!expected[at])
+            continue;
+        ASSERT_EQ(*expected[at], samples[at]) << Describe(geometry) << ", sample " << at;
+    }
+}
+
 void ExpectAll(int fromBits, int toBits, bool toPlanar, std::initializer_list<int> factors)
 {
     for (const int channels : channelCounts)
@@ -154,6 +167,39 @@ TEST(PortableUnpack, LeavesTheFirstChannelsPackedInARepeatOfEqualDepth)
 {
     for (const int depth : {1, 2})
         ExpectAll(depth, depth, true, {1, 2, 4, -1, -2, -4});
+}
+
+// Whole planes, with the bits behind the last pixel; a plane of zeros for a negative entry.
+Bytes MappedPlanes(const NaiveGeometry& geometry, const Bytes& row, const std::vector<int>& map)
+{
+    const std::size_t planeBytes = row.size() / static_cast<std::size_t>(geometry.channels);
+    Bytes planes(planeBytes * map.size());
+    for (std::size_t at = 0; at != planes.size(); ++at) {
+        const int entry = map[at / planeBytes];
+        if (entry >= 0)
+            planes[at] = row[static_cast<std::size_t>(entry) * planeBytes + at % planeBytes];
+    }
+    return planes;
+}
+
+// A map runs on the packed bytes: the channels that it makes are the ones left packed.
+TEST(PortableUnpack, LeavesTheFirstChannelsOfAMapPacked)
+{
+    for (const int depth : {1, 2})
+        for (const int sourceChannels : {1, 4, 16, 20})
+            for (const int channels : channelCounts) {
+                const NaiveGeometry from{133, sourceChannels, depth, true};
+                const NaiveGeometry mapped{133, channels, depth, true};
+                const NaiveGeometry to{133, channels, 8, false};
+                std::vector<int> map;
+                for (int channel = 0; channel != channels; ++channel)
+                    map.push_back((channel * 3 + 2) % (sourceChannels + 1) - 1);
+                const GuardedRow source(from, 5);
+                GuardedRow row(to, 6);
+                row.row.FillFromWithRemap(source.row, map.data(), false, true);
+                ExpectUnpacked(UnpackedRow(mapped, MappedPlanes(from, source.before, map)), to,
+                               row.buffer.bytes());
+            }
 }
 
 // The same in bytes, worked by hand: four channels leave the first 12 lanes of the slot alone.
