@@ -27,8 +27,8 @@ public:
     virtual LoadMethod GetLoadMethod(const ChunkLoadFacilityInternal& facility) const = 0;
     // Bytes from one chunk to the next along the row; negative on a reversed row.
     virtual std::int64_t GetChunkStep(const ChunkLoadFacilityInternal& facility) const = 0;
-    // Fills strip, the image of 16 pixels, from the last count pixels of the walk, 1 to 16 of
-    // them. The rest of the strip is 0. Pixels of a reversed row stand at the strip's end.
+    // Writes all of strip, which is 16 pixels in the row's layout: the 1 to 16 that the walk has
+    // left over, and zeros. What is left of a reversed row goes to the strip's end.
     virtual void LoadPartialChunk(const ChunkLoadFacilityInternal& facility,
                                   const SourcePosition& position, void* strip,
                                   std::uint64_t count) const = 0;
@@ -48,7 +48,7 @@ public:
     // Named as on the loader's side.
     virtual SaveMethod GetLoadMethod(const ChunkSaveFacilityInternal& facility) const = 0;
     virtual std::int64_t GetChunkStep(const ChunkSaveFacilityInternal& facility) const = 0;
-    // Copies the first count pixels of strip to the row, 1 to 16 of them.
+    // Writes the 1 to 16 pixels that end the walk, from the front of strip.
     virtual void SavePartialChunk(const ChunkSaveFacilityInternal& facility, const void* strip,
                                   void* row, std::uint64_t count) const = 0;
     virtual std::uint64_t GetPartialChunkSize(const ChunkSaveFacilityInternal& facility) const = 0;

@@ -15,10 +15,10 @@ struct ImageRowFormat
     std::int32_t bits = 0;
     std::int32_t layout = 0;
     std::int32_t channels = 0;
-    // Read back to front; only a source format can be.
+    // The walk begins at the row's end. Never so for a destination.
     bool reversed = false;
     std::int64_t width = 0;
-    // The pixels that the conversion touches, never more than width.
+    // Of these, how many have a counterpart in the other row.
     std::int64_t activeWidth = 0;
 };
 

@@ -2,12 +2,12 @@
 
 namespace zvk::Pelkraft {
 
-// Marks a family member as unrolled for a known size. What N counts differs by family.
+// For loops written out because their length is known. Each template says what N stands for.
 template <int N>
 struct FixedSize
 {};
 
-// Marks a family member that takes its size at run time.
+// For loops whose length the chunk or the parameter block tells.
 struct VariableSize
 {};
 

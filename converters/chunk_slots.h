@@ -20,7 +20,7 @@ namespace {
     return static_cast<const ChunkHeader*>(chunkHeader)->pixelBytes;
 }
 
-// The header of the matching chunk in the next region, which must exist.
+// Where a step with a region of its own writes. Not for chunks of the last region.
 [[gnu::always_inline]] inline void* NextRegionOf(void* chunkHeader)
 {
     return static_cast<unsigned char*>(chunkHeader) +

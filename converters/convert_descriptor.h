@@ -8,8 +8,8 @@ namespace zvk::Pelkraft {
 
 struct ChunkConvertFacility;
 
-// Works on one batch, in place or into the next region. Gets the block that GetConvertMethod
-// filled, or null if it takes none.
+// Works on one batch, in place or into the next region. parameters is what GetConvertMethod has
+// written, or null for a step without a block.
 using ConvertMethod = void (*)(void* firstChunkHeader, const void* parameters);
 
 // What a step says of itself while the chain is sized.
@@ -22,9 +22,9 @@ struct ChunkConvertMetrics
     bool ownRegion;
 };
 
-// What the portal says of the buffer when it asks for the method. Strides in bytes, the two
-// others in strides: input chunks of an expanding step stand `expansion` apart, output chunks
-// of a reducing one `reduction`.
+// How the chunks lie that a method will be given. Strides in bytes, the two others in strides:
+// input chunks of an expanding step stand `expansion` apart, output chunks of a reducing one
+// `reduction`.
 struct ChunkStepGeometry
 {
     std::uint64_t expansion;
@@ -40,11 +40,11 @@ public:
     virtual ChunkConvertMetrics& GetMetrics(ChunkConvertMetrics& out,
                                             const ChunkConvertFacility& facility,
                                             const ImageRowFormat& input) const = 0;
-    // Fills bits, layout, channels and reversed, and leaves the widths to the caller.
+    // Leaves the widths alone, which only the caller knows.
     virtual ImageRowFormat& GetOutputFormat(ImageRowFormat& out,
                                             const ChunkConvertFacility& facility,
                                             const ImageRowFormat& input) const = 0;
-    // Fills the 16-byte-aligned block of parameterBytes.
+    // parameters has room for parameterBytes, aligned to a unit.
     virtual ConvertMethod GetConvertMethod(const ChunkConvertFacility& facility,
                                            const ImageRowFormat& input,
                                            const ChunkStepGeometry& geometry,

@@ -73,7 +73,7 @@ const IChunkConvertDescriptor* SelectReverse(const ChunkConvertFacility& facilit
     return PortableRoad::GetReverse();
 }
 
-// The sign is served by a reverse step of its own.
+// Mirroring is the work of another step.
 std::int32_t MagnitudeOf(std::int32_t repeat)
 {
     // Negated as unsigned: the lowest number has no positive twin and must still be refused.

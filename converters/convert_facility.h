@@ -13,19 +13,19 @@ struct ChunkConvertFacility
                                                       const ImageRowFormat& input);
 
     std::int32_t sseVersion = 0;
-    // With its sign; 1 in every record but a repeat record.
+    // As the caller gave it, negative for a mirror. Steps that repeat nothing leave it alone.
     std::int32_t repeat = 1;
     std::uint64_t remapChannels = 0;
-    // The caller's, read only while the chain is built.
+    // The caller's table. No method reads it: it is turned into the parameter block.
     const std::int32_t* remap = nullptr;
     Select select = nullptr;
 
     static ChunkConvertFacility Create_Convert8to16(std::int32_t sseVersion);
     static ChunkConvertFacility Create_Convert16to8(std::int32_t sseVersion);
-    // Depth 1 or 2, else it throws
+    // For any depth but 1 and 2 it throws
     // "zvk::Pelkraft::ChunkConvertFacility::Create_Packer unsupported format".
     static ChunkConvertFacility Create_Packer(std::int32_t sseVersion, std::int32_t depth);
-    // Depth 1 or 2, else it throws
+    // For any depth but 1 and 2 it throws
     // "zvk::Pelkraft::ChunkConvertFacility::Create_Unpacker unsupported format".
     static ChunkConvertFacility Create_Unpacker(std::int32_t sseVersion, std::int32_t depth);
     // The factor is checked by the selection and not here.

@@ -9,7 +9,7 @@ namespace zvk::Pelkraft {
 // The block of all members, on both roads.
 struct PixelRepeatBlock
 {
-    // From one output chunk's header to the next.
+    // Bytes between the starts of two chunks written in turn.
     std::uint64_t stride;
     // Of one slot.
     std::uint64_t unitCount;

@@ -60,7 +60,7 @@ ChunkConvertFacility ReverseFor(const ConversionRequest& request)
                               : ChunkConvertFacility{};
 }
 
-// A remap runs on the narrow side of a depth change, a repeat where a sample is a byte or more.
+// Mapping comes where a chunk has the fewest bytes, repeating where no byte holds two samples.
 Chain ChooseChain(const FormatPair& formats, const ChainOptions& options, std::int32_t sseVersion)
 {
     using Facility = ChunkConvertFacility;

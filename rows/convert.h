@@ -34,7 +34,7 @@ struct FormatPair
     ImageRowFormat destination;
 };
 
-// How many pixels of each row take part, and both rows as the portal sees them. Throws
+// Both rows as the portal sees them, limited to the pixels that both have. Throws
 //   "zvk::Pelkraft::ImageRowFormat unsupported bit depth"
 //   "zvk::Pelkraft::ImageRowFormat invalid width"
 // for the source, then for the destination.

@@ -22,7 +22,7 @@ bool HaveSameChannels(const ConversionRequest& request)
     return request.source.geometry.channels == request.destination.geometry.channels;
 }
 
-// A repeat can't work on packed samples: they are unpacked for it and packed again.
+// Repeating copies bytes, and here a byte is several pixels: each gets one of its own for it.
 void RepeatPacked(const ConversionRequest& request, const FormatPair& formats,
                   const ChunkConvertFacility& repeat)
 {
