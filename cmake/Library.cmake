@@ -6,6 +6,9 @@ target_include_directories(pelkraft PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_link_libraries(pelkraft PRIVATE zvk::system_tools)
+if(NOT BUILD_SHARED_LIBS)
+    target_compile_definitions(pelkraft PUBLIC PELKRAFT_STATIC)
+endif()
 set_target_properties(pelkraft PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}

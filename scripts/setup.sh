@@ -2,6 +2,7 @@
 # Installs the Debian packages that a script needs, and only those that are missing.
 #   setup.sh demo     to build the library and the program, and to run the demo on its page
 #   setup.sh test     to build and run all tests, sanitizers too
+#   setup.sh package  to make the Debian packages
 #   setup.sh bench    to build and run the benchmarks
 # Without a name it takes what the tests need, which is the most.
 set -euo pipefail
@@ -13,9 +14,10 @@ test_packages=(clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils v
 case "${1:-test}" in
 demo) wanted=("${build_packages[@]}" "${picture_packages[@]}" ghostscript-doc) ;;
 test) wanted=("${build_packages[@]}" "${picture_packages[@]}" "${test_packages[@]}") ;;
+package) wanted=("${build_packages[@]}" dpkg-dev file) ;;
 bench) wanted=("${build_packages[@]}" clang libbenchmark-dev libgtest-dev) ;;
 *)
-    echo "usage: bash scripts/setup.sh [demo|test|bench]" >&2
+    echo "usage: bash scripts/setup.sh [demo|test|package|bench]" >&2
     exit 2
     ;;
 esac

@@ -24,6 +24,9 @@ cmake --preset release
 cmake --build --preset release -j "$jobs"
 test_build release
 
+bash scripts/package.sh
+bash tests/package/deb_packages.sh .
+
 # Without inlining a header's function that slipped into a vector file shows itself.
 cmake --preset debug
 cmake --build --preset debug -j "$jobs" --target pelkraft_objects

@@ -9,40 +9,4 @@ trap 'rm -rf "$work"' EXIT
 
 cmake --install "$build_dir" --prefix "$work/first" >/dev/null
 mv "$work/first" "$work/moved prefix"
-prefix="$work/moved prefix"
-pkg_config_dir=$(dirname "$(find "$prefix" -name pelkraft.pc)")
-lib_dir=$(dirname "$pkg_config_dir")
-
-echo "a CMake project, with find_package"
-cmake -S "$here/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$prefix" \
-    -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_BUILD_TYPE=Release >/dev/null
-cmake --build "$work/consumer" >/dev/null
-"$work/consumer/consumer"
-
-echo "a plain compiler call, with pkg-config"
-ln -s "$prefix" "$work/prefix"
-export PKG_CONFIG_PATH=$work/prefix/${pkg_config_dir#"$prefix"/}
-read -ra flags <<<"$(pkg-config --cflags --libs pelkraft)"
-awk '/^```cpp$/ {inside = 1; next} /^```$/ {inside = 0} inside' "$source_dir/README.md" \
-    >"$work/readme.cpp"
-"$compiler" -std=c++11 -Wall -Wextra -Wpedantic -Werror "$work/readme.cpp" "${flags[@]}" \
-    -o "$work/readme" -Wl,-rpath-link,"$lib_dir"
-
-echo "the README's example prints what its comment says"
-expected=$(sed -n 's|.*std::printf.*// ||p' "$work/readme.cpp")
-printed=$(LD_LIBRARY_PATH=$lib_dir "$work/readme")
-if [ -z "$expected" ] || [ "${printed% }" != "$expected" ]; then
-    echo "expected '$expected', printed '$printed'" >&2
-    exit 1
-fi
-
-echo "every public header alone, from C++11 to C++20, with both compilers"
-(cd "$prefix/include" && find . -name '*.h') | while read -r header; do
-    echo "#include \"$header\"" >"$work/alone.cpp"
-    for standard in 11 14 17 20; do
-        for cxx in g++ clang++; do
-            "$cxx" -std=c++$standard -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror \
-                -I"$prefix/include" -fsyntax-only "$work/alone.cpp"
-        done
-    done
-done
+bash "$here/customers.sh" "$source_dir" "$work/moved prefix" "$compiler"
