@@ -8,8 +8,8 @@ namespace {
 constexpr const char* stepWithoutLine = "step without value line in pattern";
 constexpr const char* tooManyCombinations = "numCombinations > MAXS_CHANNEL_RANDOM";
 
-// The distinct distributions of an in-colour, each named by the first step that has it, and for
-// each step the distribution that it belongs to. Steps of one distribution are one variable.
+// The distributions among the steps of an in-colour, each named by the first step that has it,
+// and which of them a step has. Steps that share one share the draw.
 struct Distributions
 {
     std::size_t count = 0;

@@ -53,7 +53,7 @@ protected:
                     mMaxStepOfInColor.begin());
     }
 
-    // A pixel of a pattern of one combination draws nothing.
+    // Without a choice the random source stands still.
     bool DrawsCombinations() const { return mNumCombinations >= 2; }
 
     std::int32_t mNumInColors = 0;

@@ -13,8 +13,8 @@
 
 namespace zvk::Pelkraft {
 
-// Turns a pattern text into tables that an engine applies with lookups alone. Built once, loaded
-// once by its engine, then read only. Each final form prepares the rows for its own engine.
+// The way from a text to tables in which an engine only looks things up. Loaded once and not
+// changed after that. Each final form prepares the rows for its own engine.
 class DotWeavePatternConverter
 {
 public:

@@ -4,7 +4,7 @@
 
 namespace zvk::Pelkraft {
 
-// The generator of the first generation. Its sequence is part of the data format, and its state
+// The generator of the first generation. Old pictures depend on its sequence, and its state
 // belongs to the load in progress: the platform's own generator is neither called nor disturbed.
 class LinearRandom
 {

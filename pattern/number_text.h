@@ -5,7 +5,7 @@
 
 namespace zvk::Pelkraft {
 
-// White space and a sign may lead; the first byte that is no digit ends the number. Text without
+// White space and a sign may lead; any byte but a digit ends the number. Text without
 // a number is 0, and a number beyond 32 bits is the nearest one within.
 std::int32_t ReadNumber(std::string_view text);
 

@@ -6,8 +6,8 @@
 
 namespace zvk::Pelkraft {
 
-// Repairs the rows once after parsing, so that a pixel is a lookup without a test: an unset
-// value is 0, and a step above the top step of the in-colour is as the top step.
+// Repairs the rows once after parsing, so that a pixel is a lookup without a test: unset values
+// become 0, and steps that the in-colour does not have take the values of its last one.
 class DotWeavePatternConverterX86 final : public DotWeavePatternConverter
 {
 public:

@@ -9,7 +9,7 @@
 
 namespace zvk::Pelkraft {
 
-// Applies a pattern with plain byte and table operations. It says what one pixel means.
+// One byte and one table look-up at a time. What a pixel means is read off here.
 template <typename RandomSource>
 class DotWeavePatternEngineX86 final : public ConvertedPatternEngine<DotWeavePatternConverterX86>
 {

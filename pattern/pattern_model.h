@@ -38,7 +38,7 @@ struct StepValues
     std::array<std::array<std::int32_t, positionsOfInColor>, MAXS_CHANNEL_RANDOM> table;
 };
 
-// One way of resolving all steps of one in-colour: a row for each ink position.
+// A choice made for every step of an in-colour: a row for each ink position.
 struct ChannelCombination
 {
     ChannelCombination() { inkSteps.fill(unsetRow); }
@@ -59,7 +59,7 @@ struct InColorRecord
     std::array<ChannelCombination, MAXS_CHANNEL_RANDOM> combinations;
 };
 
-// One way of resolving the whole pixel: by out-ink, the row that the combination chosen for its
+// A choice made for every in-colour: by out-ink, the row that the combination chosen for its
 // in-colour holds. Null where no in-colour feeds the ink.
 struct PatternCombination
 {
@@ -67,7 +67,7 @@ struct PatternCombination
     std::array<StepRow*, outInkLanes> inkSteps{};
 };
 
-// What the random sources draw from. The sum over all combinations is not stored.
+// What the random sources draw from. It ends ahead of the total of all weights.
 struct CombinationDistribution
 {
     std::uint32_t count = 0;

@@ -25,8 +25,8 @@ public:
     // Draws one digit, below total, of a number whose lower digits make up divisor.
     RandomField(std::int32_t seed, std::uint32_t total, std::uint32_t divisor);
 
-    // Leaves the field as it is. The first row afterwards starts one place later than the first
-    // row after construction.
+    // Leaves the field as it is, and draws once: the next row begins one place behind where the
+    // very first one did.
     virtual void Reset();
     virtual std::uint32_t Next() { return mField[mPosition++]; }
     virtual std::uint32_t Current() { return mField[mPosition]; }

@@ -18,8 +18,8 @@ public:
     RandomFieldNG(std::int32_t seed, const CombinationDistribution& distribution,
                   const PatternCombinations& combinations, std::uint32_t count);
 
-    // Leaves the field as it is. The first row afterwards starts one place later than the first
-    // row after construction.
+    // Leaves the field as it is, and draws once: the next row begins one place behind where the
+    // very first one did.
     virtual void Reset();
     virtual std::uint32_t Next();
     virtual std::uint32_t Current() { return mField[mPosition]; }

@@ -115,8 +115,7 @@ private:
         return product;
     }
 
-    // Gives each random number the value of the alternative that owns it: as many numbers to an
-    // alternative as its weight says.
+    // Deals the random numbers out to the alternatives, as many to each as its weight says.
     static void Expand(const ValueLine& line, TestStep<RandomSource>& step)
     {
         const auto numbers = static_cast<std::int64_t>(line.weightSum);

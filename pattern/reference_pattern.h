@@ -37,9 +37,8 @@ struct TestInColorRecord
     std::array<TestStep<RandomSource>, stepsOfInColor> steps;
 };
 
-// A second, simple implementation of the same job: each step of each in-colour keeps its own
-// table and random source, and a pixel is resolved in-colour by in-colour, with a draw for each.
-// It draws differently from the other engines and so gives other bytes.
+// The same job without combinations: every step has a table and a random source of its own, and
+// each in-colour of a pixel draws for itself. So the bytes are not those of the other engines.
 template <typename RandomSource>
 class CDotWeavePattern : public DotWeavePatternEngine
 {

@@ -90,7 +90,7 @@ public:
 
     int GetInColorCount();
 
-    // Despite its name the highest step number of an in-colour, and 255 for one that is listed
+    // Not a count: the number of an in-colour's top step, and 255 for one that is listed
     // but not described; with Reference the number of its value lines. 0 for an index outside
     // the in-colours.
     int GetNumberOfStepsForInColor(int inColor);

@@ -7,7 +7,7 @@ namespace Pelkraft {
 
 // One row of pixels: a geometry, and a pointer to the bytes that it describes.
 //
-// Shape      Interleaved: the samples of a pixel side by side, each in whole bytes.
+// Shape      Interleaved: pixel after pixel, each sample in whole bytes.
 //            Planar: one bit-packed plane per channel, rounded up to a byte, no stride between.
 // Units      Width in pixels, depth in bits per sample, sizes in bytes; all 32-bit signed.
 // Ranges     Nothing is checked here. A conversion serves the depths 1, 2, 8, 10 and 16 and

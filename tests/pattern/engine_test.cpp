@@ -62,7 +62,7 @@ TEST(PatternEngines, ApplyTheExample)
 {
     NaiveSimulation naive(Example(2));
     const std::vector<std::uint32_t> field = naive.Field();
-    // The first row starts at entry 0 of the jump table.
+    // The jump table's first entry is where the first row begins.
     const auto first = field[30844];
     const std::vector<Bytes> wholePixels = {{0, 128, 255}, {40, 0, 255}};
     for (const Engine engine : bothFamilies) {

@@ -19,7 +19,7 @@ constexpr bool roads[] = {true, false};
 constexpr bool roads[] = {true};
 #endif
 
-// Samples of the destination, channels of a pixel side by side.
+// Samples of the destination, pixel by pixel.
 std::vector<unsigned> Remapped(const NaiveGeometry& from, const Bytes& content,
                                const std::vector<int>& map, bool portable)
 {

@@ -34,7 +34,7 @@ std::string Describe(const NaiveOperation& operation);
 bool IsNaivePacked(const NaiveGeometry& geometry);
 std::size_t NaiveRowBytes(const NaiveGeometry& geometry);
 
-// All samples, pixel by pixel; channels of a pixel side by side.
+// All samples, pixel by pixel, and in a pixel channel by channel.
 std::vector<unsigned> ReadSamples(const NaiveGeometry& geometry, const Bytes& row);
 
 // Sets the first count samples of a channel to 0.
