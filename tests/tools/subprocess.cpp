@@ -55,6 +55,13 @@ Subprocess::Subprocess(const std::vector<std::string>& command, const std::strin
     }
 }
 
+bool Subprocess::HasEnded() const
+{
+    siginfo_t information = {};
+    return waitid(P_PID, static_cast<id_t>(id), &information, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+           information.si_pid == id;
+}
+
 Outcome Subprocess::Wait()
 {
     int status = 0;

@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds pause(100);
 
 Progress::Progress(std::string newLabel, std::uint64_t newTotal)
     : label(std::move(newLabel)), total(newTotal), terminal(isatty(STDERR_FILENO) != 0),
-      lastTime(std::chrono::steady_clock::now())
+      lastTime(std::chrono::steady_clock::now() - pause)
 {}
 
 Progress::~Progress()

@@ -21,8 +21,8 @@ std::uint32_t ChooseRowsPerStrip(const TiffPicture& picture)
         FileRowBytes(picture.width, picture.channels, picture.bits, picture.separate);
     const std::int64_t mostRows = mostHeldBytes / rowBytes;
     const std::int64_t present = std::min(picture.rowsPerStrip, picture.height);
-    const bool keep = !picture.tiled && present <= mostRows &&
-                      present * planeBytes <= largestStripBytes;
+    const bool keep =
+        !picture.tiled && present <= mostRows && present * planeBytes <= largestStripBytes;
     const std::int64_t rows = keep ? present : std::min(wantedStripBytes / planeBytes, mostRows);
     return static_cast<std::uint32_t>(
         std::clamp<std::int64_t>(rows, 1, static_cast<std::int64_t>(picture.height)));
