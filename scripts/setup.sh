@@ -7,7 +7,8 @@
 # Without a name it takes what the tests need, which is the most.
 set -euo pipefail
 
-build_packages=(g++ cmake ninja-build pkg-config libtiff-dev libpng-dev libcli11-dev)
+build_packages=(g++ cmake ninja-build pkg-config libtiff-dev libpng-dev libcli11-dev
+    nlohmann-json3-dev)
 picture_packages=(ghostscript libtiff-tools)
 test_packages=(clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind)
 

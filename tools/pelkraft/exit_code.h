@@ -20,8 +20,8 @@ enum class ExitCode : int
 inline constexpr const char* exitCodeHelp =
     "Exit codes:\n"
     "  0    done; a warning about tags alone changes nothing here\n"
-    "  1    compared and differs, or done with a warning about pixels: --tones raw cut samples\n"
-    "       that exceed the levels of the new depth\n"
+    "  1    compared and differs, findings in a pattern, or done with a warning about pixels:\n"
+    "       --tones raw cut samples that exceed the levels of the new depth\n"
     "  2    wrong usage\n"
     "  3    bad input file\n"
     "  4    bad pattern\n"

@@ -6,6 +6,7 @@
 
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/pattern_command.h"
 #include "zvk/diagnostics.h"
 
 namespace zvk::Pelkraft::Client {
@@ -23,11 +24,12 @@ int Main(int argc, char** argv)
     SilentLog silentLog;
     Diagnostics::Seh::SetDefaultLog(&silentLog);
 
-    CLI::App program("Row conversion for print work on TIFF files", "pelkraft");
+    CLI::App program("Row conversion and dot patterns for print work on TIFF files", "pelkraft");
     program.footer(exitCodeHelp);
     program.require_subcommand(1);
     std::vector<std::unique_ptr<ISubcommand>> verbs;
     verbs.push_back(MakeConvertCommand());
+    verbs.push_back(MakePatternCommand());
     for (const auto& verb : verbs)
         verb->Register(program);
 

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/pelkraft/pattern_text.h"
+
+namespace zvk::Pelkraft::Client {
+
+enum class Severity
+{
+    // Worth knowing; the pattern is fine.
+    Note,
+    // Most likely not what the author meant.
+    Warning,
+    // An engine that draws combinations refuses the text for it.
+    Error,
+};
+
+// What is to be said of a piece of a pattern text, and what its author can do.
+struct Finding
+{
+    Severity severity = Severity::Warning;
+    // For programs: short words joined by dashes, the same for the same kind of finding.
+    std::string kind;
+    TextSpan place;
+    std::string message;
+    std::string hint;
+};
+
+using Findings = std::vector<Finding>;
+
+// A text that is no pattern has something wrong in every word: more than this are left out.
+constexpr std::size_t mostFindings = 1000;
+void AddFinding(Findings& findings, Finding finding);
+
+const char* SeverityName(Severity severity);
+
+// In the order of the text; at the same place the graver first.
+void SortFindings(Findings& findings);
+
+std::size_t CountFindings(const Findings& findings, Severity severity);
+
+// "file:line:column: warning: message", the line of the text, a caret below it, and the hint.
+std::string FindingWords(const Finding& finding, const PatternText& text);
+
+// The line of the finding, or where it is long the piece of it around the place.
+std::string_view FindingLine(const Finding& finding, const PatternText& text);
+
+// Control bytes would act on a terminal: they become question marks, tabs stay.
+std::string Shown(std::string_view text);
+
+} // namespace zvk::Pelkraft::Client

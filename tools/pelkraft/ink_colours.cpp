@@ -1,0 +1,128 @@
+#include "tools/pelkraft/ink_colours.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+#include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/pattern_words.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+struct UsualInk
+{
+    const char* name;
+    ScreenColour colour;
+};
+
+// Names in capitals without blanks; the abbreviations that charts use.
+constexpr UsualInk usualInks[] = {{"CYAN", {0, 158, 224}},
+                                  {"C", {0, 158, 224}},
+                                  {"MAGENTA", {226, 0, 122}},
+                                  {"M", {226, 0, 122}},
+                                  {"YELLOW", {255, 237, 0}},
+                                  {"Y", {255, 237, 0}},
+                                  {"BLACK", {26, 23, 27}},
+                                  {"K", {26, 23, 27}},
+                                  {"LIGHTCYAN", {139, 207, 240}},
+                                  {"LC", {139, 207, 240}},
+                                  {"LIGHTMAGENTA", {241, 155, 193}},
+                                  {"LM", {241, 155, 193}},
+                                  {"LIGHTYELLOW", {255, 246, 150}},
+                                  {"LY", {255, 246, 150}},
+                                  {"LIGHTBLACK", {135, 135, 137}},
+                                  {"LK", {135, 135, 137}},
+                                  {"GRAY", {135, 135, 137}},
+                                  {"GREY", {135, 135, 137}},
+                                  {"LIGHTGRAY", {197, 198, 200}},
+                                  {"LIGHTGREY", {197, 198, 200}},
+                                  {"LLK", {197, 198, 200}},
+                                  {"PHOTOBLACK", {26, 23, 27}},
+                                  {"MATTEBLACK", {40, 38, 40}},
+                                  {"RED", {227, 6, 19}},
+                                  {"R", {227, 6, 19}},
+                                  {"ORANGE", {243, 112, 33}},
+                                  {"O", {243, 112, 33}},
+                                  {"GREEN", {0, 150, 64}},
+                                  {"G", {0, 150, 64}},
+                                  {"BLUE", {0, 75, 155}},
+                                  {"B", {0, 75, 155}},
+                                  {"VIOLET", {100, 53, 142}},
+                                  {"V", {100, 53, 142}},
+                                  {"WHITE", {255, 255, 255}},
+                                  {"W", {255, 255, 255}},
+                                  {"CLEAR", {255, 255, 255}},
+                                  {"VARNISH", {255, 255, 255}},
+                                  {"GOLD", {190, 155, 75}},
+                                  {"SILVER", {165, 168, 172}}};
+
+std::string PlainName(const std::string& name)
+{
+    std::string plain;
+    for (const char letter : UpperCased(name)) {
+        if (letter != ' ' && letter != '-' && letter != '_')
+            plain += letter;
+    }
+    return plain;
+}
+
+// The same on every machine, which std::hash is not.
+std::uint32_t HashOf(const std::string& name)
+{
+    std::uint32_t hash = 2166136261U;
+    for (const char letter : name)
+        hash = (hash ^ static_cast<unsigned char>(letter)) * 16777619U;
+    return hash;
+}
+
+// A middle tone of some hue, neither pale nor dark.
+ScreenColour ColourOfHash(std::uint32_t hash)
+{
+    const double hue = (hash % 360U) / 60.0;
+    ScreenColour colour = {};
+    for (std::size_t i = 0; i < colour.size(); ++i) {
+        const double place = std::fmod(hue + 5.0 - 2.0 * static_cast<double>(i), 6.0);
+        const double dip = std::clamp(std::min(place, 4.0 - place), 0.0, 1.0);
+        colour[i] = static_cast<std::uint8_t>(std::lround(205 - 160 * dip));
+    }
+    return colour;
+}
+
+} // namespace
+
+ScreenColour ColourOfInk(const std::string& name, const InkColours& given)
+{
+    const auto found = given.find(UpperCased(name));
+    if (found != given.end())
+        return found->second;
+    const std::string plain = PlainName(name);
+    const auto* const usual = std::find_if(std::begin(usualInks), std::end(usualInks),
+                                           [&](const UsualInk& ink) { return plain == ink.name; });
+    return usual != std::end(usualInks) ? usual->colour : ColourOfHash(HashOf(plain));
+}
+
+void AddInkColour(const std::string& option, InkColours& given)
+{
+    const std::size_t equals = option.rfind("=#");
+    const std::string digits = equals == std::string::npos ? "" : option.substr(equals + 2);
+    std::uint32_t number = 0;
+    const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
+    if (equals == 0 || digits.size() != 6 || read.ec != std::errc() ||
+        read.ptr != digits.data() + digits.size())
+        throw Failure(ExitCode::Usage, {},
+                      "--ink " + option + ": supported is NAME=#RRGGBB, such as Cyan=#009EE0");
+    given[UpperCased(option.substr(0, equals))] = {static_cast<std::uint8_t>(number >> 16),
+                                                   static_cast<std::uint8_t>(number >> 8 & 0xFFU),
+                                                   static_cast<std::uint8_t>(number & 0xFFU)};
+}
+
+std::string HexWords(const ScreenColour& colour)
+{
+    char words[8];
+    std::snprintf(words, sizeof words, "#%02x%02x%02x", colour[0], colour[1], colour[2]);
+    return words;
+}
+
+} // namespace zvk::Pelkraft::Client

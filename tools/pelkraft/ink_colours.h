@@ -1,0 +1,26 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace zvk::Pelkraft::Client {
+
+// Red, green and blue as a screen takes them.
+using ScreenColour = std::array<std::uint8_t, 3>;
+
+// Colours that the command line gives to inks, by the name in upper case.
+using InkColours = std::map<std::string, ScreenColour>;
+
+// Of a full layer of the ink on white paper: as given, else as usual for the name in any case and
+// with any blanks or dashes, else one that hangs on the name alone.
+ScreenColour ColourOfInk(const std::string& name, const InkColours& given);
+
+// Reads "NAME=#RRGGBB"; anything else is wrong usage.
+void AddInkColour(const std::string& option, InkColours& given);
+
+// "#rrggbb"
+std::string HexWords(const ScreenColour& colour);
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,127 @@
+#include "tools/pelkraft/ink_shares.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+constexpr std::uint64_t longestWalk = std::uint64_t{1} << 20;
+constexpr std::size_t valueCount = 256;
+
+using Shares = std::array<double, valueCount>;
+
+// Where the values of an out-ink come from: the last in-colour, by index, that feeds it, and the
+// last position there. Its step byte may be that of another one.
+struct Source
+{
+    const InColour* inColour = nullptr;
+    std::size_t position = 0;
+};
+
+Source FindSource(const PatternOutline& outline, int outInk)
+{
+    Source source;
+    for (const InColour& inColour : outline.inColours) {
+        for (std::size_t position = 0; position < inColour.inkCount; ++position) {
+            if (inColour.inks[position].outInk == outInk)
+                source = {&inColour, position};
+        }
+    }
+    return source;
+}
+
+Shares ExpectedShares(const Source& source, int step)
+{
+    Shares shares = {};
+    if (source.inColour == nullptr || step >= source.inColour->stepCount) {
+        shares[0] = 1;
+        return shares;
+    }
+    const Step& said = source.inColour->steps[static_cast<std::size_t>(step)];
+    for (std::size_t i = 0; i < said.count; ++i) {
+        const Alternative& alternative = said.alternatives[i];
+        const std::int32_t value = alternative.values[source.position];
+        const auto low =
+            value == unsetInk ? 0U : static_cast<std::uint32_t>(value) & (valueCount - 1);
+        shares[low] += alternative.weight / static_cast<double>(said.weightSum);
+    }
+    return shares;
+}
+
+class Walk
+{
+public:
+    Walk(const PatternOutline& newOutline, const CombinationModel& model,
+         DotWeavePattern& newPattern)
+        : outline(newOutline), pattern(newPattern),
+          pixels(static_cast<std::size_t>(std::min(model.fieldSize, longestWalk))),
+          inColours(static_cast<std::size_t>(pattern.GetInColorCount())),
+          outInks(static_cast<std::size_t>(pattern.GetOutColorCount())), source(pixels * inColours),
+          destination(pixels * outInks)
+    {}
+
+    StepShares Take(int inColour, int step)
+    {
+        const auto index = static_cast<std::size_t>(inColour);
+        std::fill(source.begin(), source.end(), static_cast<unsigned char>(0));
+        for (std::size_t pixel = 0; pixel < pixels; ++pixel)
+            source[pixel * inColours + index] = static_cast<unsigned char>(step);
+        pattern.ApplyPattern(source.data(), destination.data(), pixels);
+
+        StepShares shares;
+        shares.inColour = inColour;
+        shares.step = step;
+        for (const auto& [outInk, feeder] : outline.feeders) {
+            if (feeder == inColour && outInk < static_cast<int>(outInks))
+                shares.inks.push_back(Count(outInk, step));
+        }
+        return shares;
+    }
+
+private:
+    InkShares Count(int outInk, int step) const
+    {
+        std::array<std::size_t, valueCount> counts = {};
+        for (std::size_t pixel = 0; pixel < pixels; ++pixel)
+            ++counts[destination[pixel * outInks + static_cast<std::size_t>(outInk)]];
+        const Shares expected = ExpectedShares(FindSource(outline, outInk), step);
+        InkShares shares;
+        shares.outInk = outInk;
+        for (std::size_t value = 0; value < valueCount; ++value) {
+            if (expected[value] != 0 || counts[value] != 0)
+                shares.values.push_back(
+                    {static_cast<int>(value), expected[value],
+                     static_cast<double>(counts[value]) / static_cast<double>(pixels)});
+        }
+        return shares;
+    }
+
+    const PatternOutline& outline;
+    DotWeavePattern& pattern;
+    std::size_t pixels;
+    std::size_t inColours;
+    std::size_t outInks;
+    std::vector<unsigned char> source;
+    std::vector<unsigned char> destination;
+};
+
+} // namespace
+
+std::vector<StepShares> MeasureShares(const PatternOutline& outline, const CombinationModel& model,
+                                      DotWeavePattern& pattern)
+{
+    std::vector<StepShares> all;
+    Walk walk(outline, model, pattern);
+    for (int i = 0; i < pattern.GetInColorCount(); ++i) {
+        if (static_cast<std::size_t>(i) >= outline.inColours.size())
+            break;
+        const int stepCount = outline.inColours[static_cast<std::size_t>(i)].stepCount;
+        for (int step = 0; step < stepCount; ++step)
+            all.push_back(walk.Take(i, step));
+    }
+    return all;
+}
+
+} // namespace zvk::Pelkraft::Client

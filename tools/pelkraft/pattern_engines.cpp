@@ -1,0 +1,87 @@
+#include "tools/pelkraft/pattern_engines.h"
+
+#include "zvk/system_tools.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+using Engine = DotWeavePattern::Engine;
+
+struct EngineEntry
+{
+    Engine engine;
+    const char* name;
+};
+
+constexpr EngineEntry engines[] = {{DotWeavePattern::Automatic, "auto"},
+                                   {DotWeavePattern::Reference, "reference"},
+                                   {DotWeavePattern::X86, "x86"},
+                                   {DotWeavePattern::Sse, "sse"}};
+
+// The level at which the vector engine's instructions begin.
+constexpr int vectorLevel = 3;
+
+// The library's wide texts are constants of ASCII letters.
+std::string Narrow(const wchar_t* text)
+{
+    std::string narrow;
+    for (; *text != L'\0'; ++text)
+        narrow += *text < 0x80 ? static_cast<char>(*text) : '?';
+    return narrow;
+}
+
+} // namespace
+
+std::unique_ptr<DotWeavePattern> TryPattern(const PatternText& text, Engine engine,
+                                            std::string& refusal)
+{
+    // The library takes a text that it may not keep, and that it doesn't change.
+    std::string copy = text.Bytes();
+    try {
+        return std::make_unique<DotWeavePattern>(copy.data(), engine);
+    } catch (const char* words) {
+        refusal = words;
+    } catch (const wchar_t* words) {
+        refusal = Narrow(words);
+    }
+    return nullptr;
+}
+
+bool SseEngineRuns()
+{
+    return SystemTools::GetSseVersion() >= vectorLevel;
+}
+
+std::string EngineName(Engine engine)
+{
+    for (const EngineEntry& entry : engines) {
+        if (entry.engine == engine)
+            return entry.name;
+    }
+    return {};
+}
+
+Engine EngineOf(const std::string& name)
+{
+    for (const EngineEntry& entry : engines) {
+        if (name == entry.name)
+            return entry.engine;
+    }
+    return DotWeavePattern::Automatic;
+}
+
+std::vector<EngineVerdict> TryEngines(const PatternText& text)
+{
+    std::vector<EngineVerdict> verdicts;
+    for (const Engine engine :
+         {DotWeavePattern::Reference, DotWeavePattern::X86, DotWeavePattern::Sse}) {
+        EngineVerdict& verdict = verdicts.emplace_back();
+        verdict.engine = engine;
+        std::string refusal;
+        if (TryPattern(text, engine, refusal) == nullptr)
+            verdict.refusal = refusal;
+    }
+    return verdicts;
+}
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "pelkraft/dot_weave_pattern.h"
+#include "tools/pelkraft/pattern_text.h"
+
+namespace zvk::Pelkraft::Client {
+
+// Builds a pattern on an engine. Where the library refuses the text there is none, and refusal
+// takes its words.
+std::unique_ptr<DotWeavePattern> TryPattern(const PatternText& text, DotWeavePattern::Engine engine,
+                                            std::string& refusal);
+
+// Whether this processor runs the sse engine; without it a pattern loads there, and that is all.
+bool SseEngineRuns();
+
+// auto, reference, x86 or sse.
+std::string EngineName(DotWeavePattern::Engine engine);
+DotWeavePattern::Engine EngineOf(const std::string& name);
+
+// How an engine took a text.
+struct EngineVerdict
+{
+    DotWeavePattern::Engine engine = DotWeavePattern::Automatic;
+    // The library's words; nothing if the text loads.
+    std::optional<std::string> refusal;
+};
+
+// Reference, x86 and sse, in this order.
+std::vector<EngineVerdict> TryEngines(const PatternText& text);
+
+} // namespace zvk::Pelkraft::Client

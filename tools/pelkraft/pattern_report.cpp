@@ -1,0 +1,245 @@
+#include "tools/pelkraft/pattern_report.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "tools/pelkraft/outline_reader.h"
+#include "tools/pelkraft/pattern_lints.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+std::string Line(const std::string& label, const std::string& words)
+{
+    std::string line = label;
+    line.resize(std::max<std::size_t>(line.size() + 1, 14), ' ');
+    return line + words + "\n";
+}
+
+std::string Joined(const std::vector<std::string>& words, const std::string& otherwise)
+{
+    std::string joined;
+    for (const std::string& word : words)
+        joined += (joined.empty() ? "" : ", ") + word;
+    return joined.empty() ? otherwise : joined;
+}
+
+std::string Percent(double share)
+{
+    char words[32];
+    std::snprintf(words, sizeof words, "%6.2f %%", 100 * share);
+    return words;
+}
+
+std::string Plural(std::size_t count, const std::string& word)
+{
+    return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
+}
+
+class Explanation
+{
+public:
+    explicit Explanation(const PatternReport& newReport)
+        : report(newReport), outline(newReport.outline), outInks(outline.OutInkList())
+    {}
+
+    std::string Write()
+    {
+        AddHead();
+        for (int i = 0; i < outline.InColourCount(); ++i) {
+            if (static_cast<std::size_t>(i) < outline.inColours.size())
+                AddInColour(static_cast<std::size_t>(i));
+        }
+        AddOutInks();
+        AddLimits();
+        AddEngines();
+        AddFindings();
+        return std::move(words);
+    }
+
+private:
+    void AddHead()
+    {
+        words += Shown(report.text.Path()) + "\n";
+        const bool first = outline.Generation() == 1;
+        const std::string early =
+            outline.earlyVersion ? std::to_string(*outline.earlyVersion) : std::string("none");
+        std::string version = std::to_string(outline.version);
+        if (early != version)
+            version += " to the parser, " + early + " to the check ahead of it";
+        words += Line("version",
+                      version + (first ? ", first" : ", second") + " generation of random sources");
+        words += Line("seed", std::to_string(outline.seed));
+    }
+
+    void AddInColour(std::size_t index)
+    {
+        const InColour& inColour = outline.inColours[index];
+        std::vector<std::string> fed;
+        for (std::size_t p = 0; p < inColour.inkCount; ++p)
+            fed.push_back(NameOf(inColour.inks[p].outInk));
+        std::string line = Shown(inColour.name);
+        if (inColour.stepCount == 0)
+            line += ": no steps";
+        else
+            line += ": steps 0 to " + std::to_string(inColour.stepCount - 1);
+        line += "; feeds " + Joined(fed, "no ink");
+        if (index < report.model.draws.size())
+            line += "; " + std::to_string(report.model.draws[index].combinations) +
+                    " of 32 combinations";
+        words += Line("in-colour", line);
+        for (std::size_t step = 0; step < static_cast<std::size_t>(inColour.stepCount); ++step)
+            AddStep(inColour, step);
+    }
+
+    void AddStep(const InColour& inColour, std::size_t number)
+    {
+        const Step& step = inColour.steps[number];
+        std::string label = "  step " + std::to_string(number);
+        if (!step.listed) {
+            words += Line(label, number == 0 ? "no ink" : "has no line");
+            return;
+        }
+        for (std::size_t i = 0; i < step.count; ++i) {
+            const Alternative& alternative = step.alternatives[i];
+            std::vector<std::string> sets;
+            for (std::size_t p = 0; p < inColour.inkCount; ++p) {
+                if (alternative.values[p] != unsetInk)
+                    sets.push_back(NameOf(inColour.inks[p].outInk) + " " +
+                                   std::to_string(alternative.values[p]));
+            }
+            words += Line(i == 0 ? label : "",
+                          Percent(alternative.weight / static_cast<double>(step.weightSum)) + "  " +
+                              Joined(sets, "no ink"));
+        }
+    }
+
+    std::string NameOf(int outInk) const
+    {
+        const auto index = static_cast<std::size_t>(outInk);
+        return Shown(index < outInks.size() ? outInks[index] : "out-ink " + std::to_string(outInk));
+    }
+
+    void AddOutInks()
+    {
+        for (int i = 0; i < outline.OutInkCount(); ++i) {
+            std::vector<std::string> feeders;
+            const auto found = report.feeders.find(i);
+            for (const int feeder :
+                 found == report.feeders.end() ? std::vector<int>() : found->second)
+                feeders.push_back(Shown(outline.inColours[static_cast<std::size_t>(feeder)].name));
+            words += Line("out-ink", NameOf(i) + ": fed by " + Joined(feeders, "nobody"));
+        }
+    }
+
+    void AddLimits()
+    {
+        const CombinationModel& model = report.model;
+        words += Line("combinations", std::to_string(model.combinations) + " of 1024" +
+                                          (model.obstacle.empty() ? "" : "; " + model.obstacle));
+        if (!model.obstacle.empty())
+            return;
+        words += Line("places", std::to_string(model.places) +
+                                    " of 16 in the fullest combination, number " +
+                                    std::to_string(model.fullest));
+        words += Line("field",
+                      std::to_string(model.fieldSize) + " entries" +
+                          (outline.Generation() == 1
+                               ? ", drawn by a common denominator of " + std::to_string(model.total)
+                               : ""));
+    }
+
+    void AddEngines()
+    {
+        for (const EngineVerdict& verdict : report.verdicts) {
+            std::string line = EngineName(verdict.engine) + ": ";
+            if (verdict.refusal)
+                line += "refuses it: \"" + *verdict.refusal + "\"";
+            else
+                line +=
+                    "loads" + std::string(IsAutomatic(verdict.engine) ? ", and is auto here" : "");
+            if (!verdict.refusal && verdict.engine == DotWeavePattern::Reference &&
+                outline.version > 2)
+                line += "; at this version it reads entries as plain values";
+            words += Line("engine", line);
+        }
+    }
+
+    static bool IsAutomatic(DotWeavePattern::Engine engine)
+    {
+        return engine == (SseEngineRuns() ? DotWeavePattern::Sse : DotWeavePattern::X86);
+    }
+
+    void AddFindings()
+    {
+        if (!report.findings.empty())
+            words += '\n';
+        for (const Finding& finding : report.findings)
+            words += FindingWords(finding, report.text);
+        words += '\n';
+        words += Plural(CountFindings(report.findings, Severity::Error), "error") + ", " +
+                 Plural(CountFindings(report.findings, Severity::Warning), "warning") + ", " +
+                 Plural(CountFindings(report.findings, Severity::Note), "note") +
+                 (report.findings.size() == mostFindings ? "; any more are left out\n" : "\n");
+    }
+
+    const PatternReport& report;
+    const PatternOutline& outline;
+    std::vector<std::string> outInks;
+    std::string words;
+};
+
+} // namespace
+
+PatternReport::PatternReport(const PatternText& newText)
+    : text(newText), outline(ReadOutline(text)), model(BuildCombinations(outline)),
+      verdicts(TryEngines(text))
+{
+    const PatternOutline meant = ReadIntention(text, findings);
+    LintPattern(text, meant, BuildCombinations(meant), findings);
+    SortFindings(findings);
+
+    for (std::size_t i = 0; i < outline.inColours.size(); ++i) {
+        const InColour& inColour = outline.inColours[i];
+        for (std::size_t position = 0; position < inColour.inkCount; ++position) {
+            std::vector<int>& naming = feeders[inColour.inks[position].outInk];
+            if (naming.empty() || naming.back() != static_cast<int>(i))
+                naming.push_back(static_cast<int>(i));
+        }
+    }
+}
+
+ExitCode PatternReport::Code() const
+{
+    if (LoadingEngines().empty())
+        return ExitCode::BadPattern;
+    const bool found = CountFindings(findings, Severity::Error) > 0 ||
+                       CountFindings(findings, Severity::Warning) > 0;
+    return found ? ExitCode::Warnings : ExitCode::Done;
+}
+
+std::string PatternReport::LoadingEngines() const
+{
+    std::vector<std::string> names;
+    for (const EngineVerdict& verdict : verdicts) {
+        if (!verdict.refusal)
+            names.push_back(EngineName(verdict.engine));
+    }
+    return Joined(names, "");
+}
+
+std::string PatternReport::Refusal() const
+{
+    for (const EngineVerdict& verdict : verdicts) {
+        if (verdict.refusal && verdict.engine != DotWeavePattern::Reference)
+            return *verdict.refusal;
+    }
+    return {};
+}
+
+std::string ExplainPattern(const PatternReport& report)
+{
+    return Explanation(report).Write();
+}
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tools/pelkraft/combination_model.h"
+#include "tools/pelkraft/exit_code.h"
+#include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/pattern_engines.h"
+#include "tools/pelkraft/pattern_outline.h"
+
+namespace zvk::Pelkraft::Client {
+
+// All that can be told of a pattern text.
+struct PatternReport
+{
+    explicit PatternReport(const PatternText& newText);
+
+    // What to end with: whether an engine loads the text, and whether something was found.
+    ExitCode Code() const;
+    // The engines that load the text, joined by commas; empty if none does.
+    std::string LoadingEngines() const;
+    // The words of the first engine that draws combinations and refuses the text.
+    std::string Refusal() const;
+
+    const PatternText& text;
+    // As the library reads it.
+    PatternOutline outline;
+    CombinationModel model;
+    // By out-ink index the in-colours, by index, that name it.
+    std::map<int, std::vector<int>> feeders;
+    std::vector<EngineVerdict> verdicts;
+    Findings findings;
+};
+
+// For people.
+std::string ExplainPattern(const PatternReport& report);
+
+// For programs: one JSON object.
+std::string PatternJson(const PatternReport& report);
+
+} // namespace zvk::Pelkraft::Client
