@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the program and sends a real CMYK page through the library: interleaved to planar, 8 to
-# 16 bits and back, with a proof that the picture is still the same. Leaves its files in demo-out/.
+# 16 bits and back, with a proof that the picture is still the same; then through a dot pattern of
+# six inks, with a preview. Leaves its files in demo-out/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 out=demo-out
@@ -78,8 +79,31 @@ if same_samples "$out/page.tif" "$out/mirrored.tif"; then
 fi
 echo "mirrored.tif: told apart from page.tif, as it must be"
 
+pattern=examples/patterns/six_ink.txt
+say "pelkraft pattern $pattern --plot $out/pattern.svg"
+"$pelkraft" pattern "$pattern" --plot "$out/pattern.svg"
+
+# Applies the pattern to the page; $1 names the new file.
+simulate() {
+    local to=$1
+    shift
+    say "pelkraft simulate $pattern $out/page.tif $out/$to $*"
+    "$pelkraft" simulate "$pattern" "$out/page.tif" "$out/$to" "$@" --explain |
+        tee "$out/explain.txt"
+    rates+=("$to: $(tail -n 1 "$out/explain.txt")")
+    rm "$out/explain.txt"
+}
+simulate inks.tif --preview "$out/preview.png"
+simulate inks_x86.tif --engine x86 --threads 1
+cmp "$out/inks.tif" "$out/inks_x86.tif"
+rm "$out/inks_x86.tif"
+echo "the portable engine on one thread gives the same file"
+
 say "Done: rows, and rows per second with reading and writing"
 printf '%s\n' "${rates[@]}"
+echo
+echo "preview.png shows the page as six inks and three drop sizes print it, pattern.svg what the"
+echo "pattern does with each step."
 echo
 echo "The files lie in $(pwd)/$out:"
 (cd "$out" && ls -sh1)

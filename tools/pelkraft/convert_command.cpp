@@ -4,20 +4,16 @@
 
 #include <chrono>
 #include <cstdio>
-#include <thread>
 
 #include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/explain.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/page_conversion.h"
+#include "tools/pelkraft/workers.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {
-
-// A file of the old form can't point beyond 4 GB; what tags and tables take is well below this.
-constexpr std::uint64_t largestPlainFile = (std::uint64_t{1} << 32) - (std::uint64_t{64} << 20);
-constexpr int mostThreads = 256;
 
 constexpr const char* convertHelp =
     "Samples of 1, 2, 8 and 16 bits, any number of channels, strips and tiles, every page of the\n"
@@ -31,16 +27,6 @@ struct Total
     std::uint64_t rows = 0;
     std::uint64_t bytes = 0;
 };
-
-bool NextPage(const TiffFile& file, int page)
-{
-    if (TIFFLastDirectory(file.Get()) != 0)
-        return false;
-    if (TIFFReadDirectory(file.Get()) != 1)
-        file.Throw(ExitCode::BadInput,
-                   "has a page " + std::to_string(page + 1) + " that can't be read");
-    return true;
-}
 
 // Refuses before the first row of the first page what is wrong with the last.
 Total PlanAll(const TiffFile& file, const ConvertOptions& options)
@@ -59,9 +45,8 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
             std::fputs(ExplainPage(plan, options, page).c_str(), stdout);
         for (const std::string& warning : plan.tags.warnings)
             PrintWarning(options.input, warning);
-    } while (NextPage(file, page++));
-    if (TIFFSetDirectory(file.Get(), 0) != 1)
-        file.Throw(ExitCode::BadInput, "can't be read twice");
+    } while (file.NextPage(page++));
+    file.FirstPage();
     return total;
 }
 
@@ -72,13 +57,13 @@ bool ConvertAll(const TiffFile& file, const ConvertOptions& options, const Total
     bool cutSamples = false;
     {
         const TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
-                                                      total.bytes > largestPlainFile);
+                                                      NeedsBigForm(total.bytes));
         Progress progress("convert " + options.output, total.rows);
         int page = 1;
         do {
             const PagePlan plan = PlanPage(file, options);
             cutSamples = ConvertPage(file, out, plan, options, progress) || cutSamples;
-        } while (NextPage(file, page++));
+        } while (file.NextPage(page++));
     }
     StopIfInterrupted(options.output);
     output.Commit();
@@ -98,8 +83,7 @@ class ConvertCommand final : public ISubcommand
 public:
     void Register(CLI::App& program) override
     {
-        options.threads =
-            std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, mostThreads);
+        options.threads = DefaultThreads();
         verb = program.add_subcommand("convert", "Convert the rows of a TIFF file");
         verb->add_option("IN.tif", options.input, "The file to read")->required();
         verb->add_option("OUT.tif", options.output, "The file to write")->required();

@@ -21,7 +21,7 @@ inline constexpr const char* exitCodeHelp =
     "Exit codes:\n"
     "  0    done; a warning about tags alone changes nothing here\n"
     "  1    compared and differs, findings in a pattern, or done with a warning about pixels:\n"
-    "       --tones raw cut samples that exceed the levels of the new depth\n"
+    "       raw samples that exceed the levels or steps, channels that no in-colour takes\n"
     "  2    wrong usage\n"
     "  3    bad input file\n"
     "  4    bad pattern\n"

@@ -7,6 +7,7 @@
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/pattern_command.h"
+#include "tools/pelkraft/simulate_command.h"
 #include "zvk/diagnostics.h"
 
 namespace zvk::Pelkraft::Client {
@@ -30,6 +31,7 @@ int Main(int argc, char** argv)
     std::vector<std::unique_ptr<ISubcommand>> verbs;
     verbs.push_back(MakeConvertCommand());
     verbs.push_back(MakePatternCommand());
+    verbs.push_back(MakeSimulateCommand());
     for (const auto& verb : verbs)
         verb->Register(program);
 

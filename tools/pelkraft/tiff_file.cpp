@@ -19,6 +19,8 @@ namespace {
 constexpr std::size_t mostWarnings = 8;
 // What libtiff may allocate at once for tables that a file declares.
 constexpr tmsize_t largestTable = tmsize_t{1} << 30;
+// A file of the old form can't point beyond 4 GB; what tags and tables take is well below this.
+constexpr std::uint64_t largestPlainFile = (std::uint64_t{1} << 32) - (std::uint64_t{64} << 20);
 
 std::string Format(const char* format, va_list arguments)
 {
@@ -93,10 +95,30 @@ TiffFile TiffFile::OpenForWriting(int descriptor, const std::string& shownPath, 
     return file;
 }
 
+bool TiffFile::NextPage(int page) const
+{
+    if (TIFFLastDirectory(Get()) != 0)
+        return false;
+    if (TIFFReadDirectory(Get()) != 1)
+        Throw(ExitCode::BadInput, "has a page " + std::to_string(page + 1) + " that can't be read");
+    return true;
+}
+
+void TiffFile::FirstPage() const
+{
+    if (TIFFSetDirectory(Get(), 0) != 1)
+        Throw(ExitCode::BadInput, "can't be read twice");
+}
+
 void TiffFile::Throw(ExitCode code, const std::string& text) const
 {
     const std::string& said = messages->error;
     throw Failure(code, path, said.empty() ? text : text + " (" + said + ")");
+}
+
+bool NeedsBigForm(std::uint64_t sampleBytes)
+{
+    return sampleBytes > largestPlainFile;
 }
 
 } // namespace zvk::Pelkraft::Client

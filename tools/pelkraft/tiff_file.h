@@ -33,6 +33,10 @@ public:
     std::uint64_t Size() const { return size; }
     const std::vector<std::string>& Warnings() const { return messages->warnings; }
 
+    // Goes on behind the given page, counted from 1. False after the last one.
+    bool NextPage(int page) const;
+    void FirstPage() const;
+
     // A failure of this file: the text, and behind it what libtiff said last.
     [[noreturn]] void Throw(ExitCode code, const std::string& text) const;
 
@@ -50,5 +54,8 @@ private:
     std::unique_ptr<TiffMessages> messages;
     std::unique_ptr<TIFF, Close> handle;
 };
+
+// Whether a file with so many bytes of samples needs the form for more than 4 GB.
+bool NeedsBigForm(std::uint64_t sampleBytes);
 
 } // namespace zvk::Pelkraft::Client

@@ -8,6 +8,11 @@
 
 namespace zvk::Pelkraft::Client {
 
+int DefaultThreads()
+{
+    return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, mostThreads);
+}
+
 void ShareOut(int threads, std::int64_t count,
               const std::function<void(int worker, std::int64_t first, std::int64_t end)>& work)
 {

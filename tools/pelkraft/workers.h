@@ -5,6 +5,10 @@
 
 namespace zvk::Pelkraft::Client {
 
+// What a command line may ask for, and what it gets if it asks for nothing: all processors.
+constexpr int mostThreads = 256;
+int DefaultThreads();
+
 // Cuts 0 to count - 1 into as many even pieces as there are threads and calls
 // work(worker, first, end) for each piece, the calling thread taking one of them. Returns when
 // all have ended; the first failure, by the order of the pieces, is thrown again here.

@@ -1,0 +1,124 @@
+#include <signal.h>
+
+#include <chrono>
+#include <thread>
+
+#include "tests/tools/simulate_fixture.h"
+
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+class SimulateFailures : public SimulateFixture
+{
+protected:
+    SimulateFailures() { WriteInput(RandomImage(40, 30, 2, 8, 8), "Cyan Black"); }
+
+    // Nothing but the two inputs lies in the folder.
+    [[nodiscard]] bool LeftNothing() const
+    {
+        return Files() == std::vector<std::string>{"in.tif", "pattern.txt"};
+    }
+};
+
+TEST_F(SimulateFailures, NamePatternsThatTheEngineRefuses)
+{
+    WritePattern("");
+    EXPECT_TRUE(Refused(Simulate(), 4, {"pattern.txt", "no version in dotweave pattern"}));
+    std::string text = smallPattern;
+    WritePattern(text.replace(text.find("3 1 0-255"), 1, "8"));
+    EXPECT_TRUE(Refused(Simulate(), 4,
+                        {"pattern.txt", "the auto engine", "\"step out of range in pattern\"",
+                         "pelkraft pattern tells where"}));
+    text = smallPattern;
+    WritePattern(text.replace(text.find("VERSION 2"), 9, "VERSION 1"));
+    EXPECT_TRUE(Refused(Simulate({"--engine", "x86"}), 4, {"\"unsupported pattern version\""}));
+    EXPECT_TRUE(LeftNothing());
+    EXPECT_TRUE(EndedSilently(Simulate({"--engine", "reference"})));
+}
+
+TEST_F(SimulateFailures, NamePicturesWithTooFewChannels)
+{
+    WriteInput(RandomImage(40, 30, 1, 8, 8));
+    EXPECT_TRUE(Refused(Simulate(), 3, {"in.tif", "1 channel;", "2 in-colours"}));
+    WritePattern(Bytes(PELKRAFT_EXAMPLES "/patterns/six_ink.txt"));
+    WriteInput(RandomImage(40, 30, 3, 8, 8));
+    EXPECT_TRUE(Refused(Simulate(), 3, {"in.tif", "3 channels;", "4 in-colours"}));
+    EXPECT_TRUE(LeftNothing());
+}
+
+TEST_F(SimulateFailures, NameFilesThatArentThere)
+{
+    EXPECT_TRUE(Refused(Run({"simulate", Path("no.txt"), Path("in.tif"), Path("out.tif")}), 6,
+                        {"no.txt: cannot be read"}));
+    EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt"), Path("no.tif"), Path("out.tif")}), 6,
+                        {"no.tif: cannot be read"}));
+    EXPECT_TRUE(Refused(Run({"simulate", Path("in.tif"), Path("pattern.txt"), Path("out.tif")}), 4,
+                        {"in.tif"}));
+    EXPECT_TRUE(
+        Refused(Run({"simulate", Path("pattern.txt"), Path("pattern.txt"), Path("out.tif")}), 3,
+                {"pattern.txt: is no TIFF file"}));
+    EXPECT_TRUE(LeftNothing());
+}
+
+TEST_F(SimulateFailures, LeaveNeitherFileWithoutTheOther)
+{
+    EXPECT_TRUE(Refused(Simulate({"--preview", Path("missing/seen.png")}), 6,
+                        {"seen.png: cannot be written"}));
+    EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt"), Path("in.tif"),
+                             Path("missing/out.tif"), "--preview", Path("seen.png")}),
+                        6, {"out.tif: cannot be written"}));
+    EXPECT_TRUE(LeftNothing());
+}
+
+TEST_F(SimulateFailures, NameWrongUsage)
+{
+    EXPECT_TRUE(Refused(Simulate({"--engine", "fast"}), 2, {"--engine", "reference"}));
+    EXPECT_TRUE(Refused(Simulate({"--levels", "even"}), 2, {"quantize", "raw"}));
+    EXPECT_TRUE(Refused(Simulate({"--threads", "0"}), 2, {"--threads"}));
+    EXPECT_TRUE(Refused(Simulate({"--preview", Path("out.tif")}), 2, {"both"}));
+    for (const char* ink :
+         {"Cyan", "Cyan=00FF00", "Cyan=#00FF0", "=#00FF00", "Cyan=#00FG00", "Cyan=#-0FF00"})
+        EXPECT_TRUE(Refused(Simulate({"--ink", ink}), 2, {ink, "NAME=#RRGGBB"}));
+    EXPECT_TRUE(
+        Refused(Simulate({"--ink", "Gold=#00FF00"}), 2, {"GOLD", "Cyan, LightCyan, Black"}));
+    EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt")}), 2, {"required"}));
+    EXPECT_TRUE(LeftNothing());
+}
+
+TEST_F(SimulateFailures, MeetEveryTruncationWithoutACrash)
+{
+    const std::string whole = Bytes(Path("in.tif"));
+    for (std::size_t size = 0; size < whole.size(); size += whole.size() / 16 + 1) {
+        WriteBytes(Path("in.tif"), whole.substr(0, size));
+        EXPECT_TRUE(Refused(Simulate({"--preview", Path("seen.png")}), 3, {"in.tif"})) << size;
+        EXPECT_TRUE(LeftNothing());
+    }
+}
+
+TEST_F(SimulateFailures, WarnOfPicturesThatCountLight)
+{
+    WriteTiff(Path("in.tif"), RandomImage(40, 30, 2, 8, 8), {});
+    const Outcome outcome = Simulate();
+    EXPECT_EQ(0, outcome.exitCode);
+    EXPECT_NE(std::string::npos, outcome.errors.find("warning: says that its lowest samples are"));
+}
+
+TEST_F(SimulateFailures, LeaveNothingWhenInterrupted)
+{
+    FileForm form = InkForm("Cyan Black");
+    form.compression = COMPRESSION_ADOBE_DEFLATE;
+    form.rowsPerStrip = 64;
+    WriteTiff(Path("in.tif"), BlankImage(3000, 8000, 2, 8), form);
+    Subprocess tool({PELKRAFT_TOOL, "simulate", Path("pattern.txt"), Path("in.tif"),
+                     Path("out.tif"), "--threads", "1"},
+                    folder + "/streams");
+    // Not before the temporary file is there.
+    for (int i = 0; i < 2000 && Files().size() < 3; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ASSERT_EQ(0, kill(tool.Id(), SIGTERM));
+    EXPECT_TRUE(Refused(tool.Wait(), 130, {"out.tif", "interrupted"}));
+    EXPECT_TRUE(LeftNothing());
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport

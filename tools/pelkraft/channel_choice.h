@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/pelkraft/ink_names.h"
+
+namespace zvk::Pelkraft::Client {
+
+// Which channel of a page gives the bytes of each in-colour.
+struct ChannelChoice
+{
+    std::vector<int> map;
+    // By name; the others took the channels that no name claimed, in their order.
+    std::vector<bool> byName;
+    // Colours and inks of the page that no in-colour takes.
+    std::vector<int> unused;
+};
+
+// Names count in any case. A page with fewer channels than in-colours is a bad input file.
+ChannelChoice ChooseChannels(const std::vector<std::string>& inColours,
+                             const std::vector<Channel>& channels, const std::string& path);
+
+// For a message: the channel's number, and its name if it has one.
+std::string ChannelWords(const std::vector<Channel>& channels, int index);
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,255 @@
+#include "tools/pelkraft/simulate_command.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+
+#include "tools/pelkraft/atomic_output.h"
+#include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/pattern_engines.h"
+#include "tools/pelkraft/pattern_words.h"
+#include "tools/pelkraft/simulation.h"
+#include "tools/pelkraft/workers.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+constexpr const char* simulateHelp =
+    "An in-colour takes the channel of its own name, in any case of letters; in-colours without\n"
+    "one take the channels that are left, in their order. Samples are amounts of ink, 0 for none.\n"
+    "Each picture row is one row of the pattern, and each page starts at its first. The new file\n"
+    "has 8 bits and one channel for each out-ink. The reference engine goes on from row to row\n"
+    "and always runs on one thread.\n\n";
+
+// Pixels wider than high are shown so: the height of one for a width of 1.
+double PixelHeight(const TiffFile& file)
+{
+    float horizontal = 0;
+    float vertical = 0;
+    if (TIFFGetField(file.Get(), TIFFTAG_XRESOLUTION, &horizontal) != 1 ||
+        TIFFGetField(file.Get(), TIFFTAG_YRESOLUTION, &vertical) != 1)
+        return 1;
+    const double ratio = static_cast<double>(horizontal) / static_cast<double>(vertical);
+    // What no device does is no resolution.
+    return ratio > 0.01 && ratio < 100 ? ratio : 1;
+}
+
+// What all pages together come to.
+struct Total
+{
+    std::uint64_t rows = 0;
+    std::uint64_t bytes = 0;
+    bool warned = false;
+};
+
+class SimulateCommand final : public ISubcommand
+{
+public:
+    void Register(CLI::App& program) override
+    {
+        options.threads = DefaultThreads();
+        verb = program.add_subcommand("simulate", "Apply a dot pattern to a TIFF file");
+        verb->add_option("PATTERN", options.pattern, "The pattern text")->required();
+        verb->add_option("IN.tif", options.input, "The file to read")->required();
+        verb->add_option("OUT.tif", options.output, "The file to write")->required();
+        verb->add_option("--engine", engine, "Engine of the library; auto is sse or x86")
+            ->check(CLI::IsMember({"auto", "reference", "x86", "sse"}))
+            ->capture_default_str();
+        verb->add_option("--levels", levels,
+                         "quantize divides samples evenly over the steps of each in-colour; raw "
+                         "takes samples as steps")
+            ->check(CLI::IsMember({"quantize", "raw"}))
+            ->capture_default_str();
+        verb->add_option("--threads", options.threads,
+                         "Threads that share each band of rows; the file is the same for any "
+                         "number")
+            ->check(CLI::Range(1, mostThreads))
+            ->capture_default_str();
+        verb->add_option("--preview", options.preview,
+                         "Also write a PNG of what a person sees of the first page");
+        verb->add_option("--ink", inks,
+                         "Colour of an out-ink in the preview, NAME=#RRGGBB; may be repeated");
+        verb->add_flag("--explain", options.explain,
+                       "Print which channel goes where, and how long it took");
+        verb->footer(std::string(simulateHelp) + exitCodeHelp);
+    }
+
+    bool Chosen() const override { return verb->parsed(); }
+
+    ExitCode Run() override
+    {
+        TakeOptions();
+        CatchInterrupts();
+        const auto start = std::chrono::steady_clock::now();
+        const PatternText text = PatternText::Load(options.pattern);
+        const LoadedPattern pattern(text, options.engine);
+        RefuseUnknownInks(pattern);
+        const TiffFile file = TiffFile::OpenForReading(options.input);
+        const Total total = PlanAll(file, pattern);
+        const bool sawHighStep = SimulateAll(file, pattern, total);
+        for (const std::string& warning : file.Warnings())
+            PrintWarning(options.input, warning);
+        if (options.explain)
+            PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
+        if (sawHighStep)
+            PrintWarning(options.input, "samples are above the top step of their in-colour; "
+                                        "--levels quantize divides tones over the steps");
+        return sawHighStep || total.warned ? ExitCode::Warnings : ExitCode::Done;
+    }
+
+private:
+    void TakeOptions()
+    {
+        options.engine = EngineOf(engine);
+        options.levels = levels == "raw" ? Levels::Raw : Levels::Quantize;
+        for (const std::string& ink : inks)
+            AddInkColour(ink, options.inkColours);
+        namespace fs = std::filesystem;
+        std::error_code error;
+        if (!options.preview.empty() && fs::weakly_canonical(options.preview, error) ==
+                                            fs::weakly_canonical(options.output, error))
+            throw Failure(ExitCode::Usage, options.preview,
+                          "can't be both OUT.tif and the preview");
+    }
+
+    void RefuseUnknownInks(const LoadedPattern& pattern) const
+    {
+        for (const auto& [name, colour] : options.inkColours) {
+            const bool known = std::any_of(
+                pattern.outInks.begin(), pattern.outInks.end(),
+                [&name = name](const std::string& ink) { return UpperCased(ink) == name; });
+            if (!known)
+                throw Failure(ExitCode::Usage, options.pattern,
+                              "has no out-ink \"" + name + "\" for --ink; supported are " +
+                                  Names(pattern.outInks));
+        }
+    }
+
+    static std::string Names(const std::vector<std::string>& names)
+    {
+        std::string joined;
+        for (const std::string& name : names)
+            joined.append(joined.empty() ? "" : ", ").append(name);
+        return joined;
+    }
+
+    // Refuses before the first row of the first page what is wrong with the last.
+    Total PlanAll(const TiffFile& file, const LoadedPattern& pattern) const
+    {
+        Total total;
+        int page = 1;
+        do {
+            const SimulationPlan plan = PlanSimulation(file, options, pattern);
+            total.rows += plan.to.height;
+            total.bytes += static_cast<std::uint64_t>(plan.to.width) * plan.to.height *
+                           static_cast<std::uint64_t>(plan.to.channels);
+            if (options.explain)
+                Explain(plan, pattern, page);
+            total.warned = WarnOfUnused(plan) || total.warned;
+            WarnOfPolarity(plan);
+        } while (file.NextPage(page++));
+        file.FirstPage();
+        return total;
+    }
+
+    void Explain(const SimulationPlan& plan, const LoadedPattern& pattern, int page) const
+    {
+        std::printf("page %d: %u x %u pixels, %s engine\n", page, plan.from.width, plan.from.height,
+                    engine.c_str());
+        for (std::size_t i = 0; i < pattern.inColours.size(); ++i)
+            std::printf("  in-colour %s: channel %s by %s, steps 0 to %d\n",
+                        Shown(pattern.inColours[i]).c_str(),
+                        Shown(ChannelWords(plan.channels, plan.choice.map[i])).c_str(),
+                        plan.choice.byName[i] ? "name" : "order", pattern.topSteps[i]);
+        std::printf("  out-inks %s\n", Shown(Names(pattern.outInks)).c_str());
+    }
+
+    bool WarnOfUnused(const SimulationPlan& plan) const
+    {
+        for (const int channel : plan.choice.unused)
+            PrintWarning(options.input, "channel " + ChannelWords(plan.channels, channel) +
+                                            " goes into no in-colour of the pattern");
+        return !plan.choice.unused.empty();
+    }
+
+    void WarnOfPolarity(const SimulationPlan& plan) const
+    {
+        const bool lightIsHigh = plan.from.photometric == PHOTOMETRIC_MINISBLACK ||
+                                 plan.from.photometric == PHOTOMETRIC_RGB;
+        if (lightIsHigh && options.levels == Levels::Quantize)
+            PrintWarning(options.input, "says that its lowest samples are black, and they are "
+                                        "taken for no ink");
+    }
+
+    // Tells whether raw samples were above the top steps.
+    bool SimulateAll(const TiffFile& file, const LoadedPattern& pattern, const Total& total) const
+    {
+        AtomicOutput output(options.output);
+        std::optional<AtomicOutput> previewOutput;
+        if (!options.preview.empty())
+            previewOutput.emplace(options.preview);
+        std::optional<PreviewPicture> preview;
+        bool sawHighStep = false;
+        {
+            const TiffFile out =
+                TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
+                                         // What doesn't compress may grow by a half.
+                                         NeedsBigForm(total.bytes / 2 * 3));
+            Progress progress("simulate " + options.output, total.rows);
+            int page = 1;
+            do {
+                const SimulationPlan plan = PlanSimulation(file, options, pattern);
+                if (page == 1 && previewOutput)
+                    preview.emplace(plan.to.width, plan.to.height, PixelHeight(file),
+                                    ColoursOf(pattern));
+                sawHighStep = SimulatePage(file, out, plan, options, pattern,
+                                           page == 1 && preview ? &*preview : nullptr, progress) ||
+                              sawHighStep;
+            } while (file.NextPage(page++));
+        }
+        if (previewOutput)
+            preview->Write(previewOutput->TakeDescriptor(), options.preview);
+        StopIfInterrupted(options.output);
+        if (previewOutput)
+            previewOutput->Commit();
+        output.Commit();
+        return sawHighStep;
+    }
+
+    std::vector<ScreenColour> ColoursOf(const LoadedPattern& pattern) const
+    {
+        std::vector<ScreenColour> colours;
+        for (const std::string& ink : pattern.outInks)
+            colours.push_back(ColourOfInk(ink, options.inkColours));
+        return colours;
+    }
+
+    static void PrintSpeed(std::uint64_t rows, std::chrono::steady_clock::duration time)
+    {
+        const double seconds = std::chrono::duration<double>(time).count();
+        const double rate = seconds > 0 ? static_cast<double>(rows) / seconds : 0;
+        std::printf("%llu rows in %.3f s, %.0f rows per second\n",
+                    static_cast<unsigned long long>(rows), seconds, rate);
+    }
+
+    SimulateOptions options;
+    CLI::App* verb = nullptr;
+    std::string engine = "auto";
+    std::string levels = "quantize";
+    std::vector<std::string> inks;
+};
+
+} // namespace
+
+std::unique_ptr<ISubcommand> MakeSimulateCommand()
+{
+    return std::make_unique<SimulateCommand>();
+}
+
+} // namespace zvk::Pelkraft::Client

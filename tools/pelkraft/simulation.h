@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "pelkraft/dot_weave_pattern.h"
+#include "tools/pelkraft/channel_choice.h"
+#include "tools/pelkraft/ink_colours.h"
+#include "tools/pelkraft/page_tags.h"
+#include "tools/pelkraft/pattern_text.h"
+#include "tools/pelkraft/plan.h"
+#include "tools/pelkraft/preview_picture.h"
+#include "tools/pelkraft/progress.h"
+#include "tools/pelkraft/step_levels.h"
+#include "tools/pelkraft/tiff_file.h"
+
+namespace zvk::Pelkraft::Client {
+
+// What the command line asks for.
+struct SimulateOptions
+{
+    std::string pattern;
+    std::string input;
+    std::string output;
+    DotWeavePattern::Engine engine = DotWeavePattern::Automatic;
+    Levels levels = Levels::Quantize;
+    int threads = 1;
+    std::string preview;
+    InkColours inkColours;
+    bool explain = false;
+};
+
+// A pattern text with what the client must know of it beside the library's counts.
+struct LoadedPattern
+{
+    // Refuses a text that the engine refuses, and an engine that the processor doesn't run.
+    LoadedPattern(const PatternText& newText, DotWeavePattern::Engine newEngine);
+
+    // One more object of it, at its first row.
+    std::unique_ptr<DotWeavePattern> Make() const;
+    // The reference engine goes on from row to row, so that no thread can start at its own.
+    bool RunsOnOneThread() const { return engine == DotWeavePattern::Reference; }
+
+    const PatternText& text;
+    DotWeavePattern::Engine engine;
+    std::vector<std::string> inColours;
+    std::vector<std::string> outInks;
+    // The top step of each in-colour; 0 for one without steps.
+    std::vector<int> topSteps;
+};
+
+// Everything that is known of a page's simulation before its first row.
+struct SimulationPlan
+{
+    TiffPicture from;
+    TiffPicture to;
+    PageTags tags;
+    std::vector<Channel> channels;
+    ChannelChoice choice;
+    // From a row of the file to packed pixels, a byte for each in-colour.
+    RowRequest request;
+    std::vector<RowStep> steps;
+};
+
+SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& options,
+                              const LoadedPattern& pattern);
+
+// Writes the page, tags and rows, every row one call of the pattern from its first row on. Tells
+// whether raw samples were above the top steps. preview may be null.
+[[nodiscard]] bool SimulatePage(const TiffFile& file, const TiffFile& out,
+                                const SimulationPlan& plan, const SimulateOptions& options,
+                                const LoadedPattern& pattern, PreviewPicture* preview,
+                                Progress& progress);
+
+} // namespace zvk::Pelkraft::Client
