@@ -10,7 +10,8 @@ set -euo pipefail
 build_packages=(g++ cmake ninja-build pkg-config libtiff-dev libpng-dev libcli11-dev
     nlohmann-json3-dev)
 picture_packages=(ghostscript libtiff-tools)
-test_packages=(clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind)
+test_packages=(clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind
+    abigail-tools)
 
 case "${1:-test}" in
 demo) wanted=("${build_packages[@]}" "${picture_packages[@]}" ghostscript-doc) ;;

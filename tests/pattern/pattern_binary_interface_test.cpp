@@ -1,0 +1,74 @@
+#include "pelkraft/dot_weave_pattern.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <type_traits>
+
+#include "tests/pattern/pattern_support.h"
+
+// The place of the fields and the absence of a virtual table are what programs built elsewhere
+// rely on.
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+using Pattern = DotWeavePattern;
+
+static_assert(!std::is_polymorphic_v<Pattern> && !std::has_virtual_destructor_v<Pattern>);
+static_assert(std::is_standard_layout_v<Pattern> && !std::is_final_v<Pattern>);
+static_assert(!std::is_default_constructible_v<Pattern>);
+static_assert(std::is_constructible_v<Pattern, char*, Pattern::Engine>);
+static_assert(std::is_constructible_v<Pattern, char*> && !std::is_convertible_v<char*, Pattern>);
+static_assert(std::is_copy_constructible_v<Pattern> && std::is_copy_assignable_v<Pattern>);
+static_assert(std::is_same_v<std::underlying_type_t<Pattern::Engine>, int>);
+static_assert(std::is_same_v<decltype(&Pattern::ResetRandomizer), void (Pattern::*)()>);
+static_assert(std::is_same_v<decltype(&Pattern::ApplyPattern),
+                             void (Pattern::*)(unsigned char*, unsigned char*, unsigned long)>);
+static_assert(std::is_same_v<decltype(&Pattern::GetInColorCount), int (Pattern::*)()>);
+static_assert(
+    std::is_same_v<decltype(&Pattern::GetNumberOfStepsForInColor), int (Pattern::*)(int)>);
+static_assert(std::is_same_v<decltype(&Pattern::GetOutColorCount), int (Pattern::*)()>);
+
+// A pattern's memory as its binary interface promises it.
+struct PatternFields
+{
+    const void* engine;
+    int textVersion;
+};
+static_assert(sizeof(PatternFields) == sizeof(Pattern));
+static_assert(alignof(PatternFields) == alignof(Pattern));
+
+PatternFields FieldsOf(const Pattern& pattern)
+{
+    PatternFields fields;
+    std::memcpy(&fields, static_cast<const void*>(&pattern), sizeof fields);
+    return fields;
+}
+
+Pattern PatternOfVersion(const std::string& version)
+{
+    std::string text = Head(version, " Cyan", " C") + InColor("Cyan", "C", "1 1 0-255");
+    return Pattern(text.data(), Pattern::Reference);
+}
+
+TEST(DotWeavePatternInterface, HasItsEngineInFrontOfTheVersionOfItsText)
+{
+    for (const int version : {2, 3, 0x01020304}) {
+        const PatternFields fields = FieldsOf(PatternOfVersion(std::to_string(version)));
+        EXPECT_NE(nullptr, fields.engine);
+        EXPECT_EQ(version, fields.textVersion);
+    }
+}
+
+TEST(DotWeavePatternInterface, SharesTheFieldInFrontWithItsCopiesAlone)
+{
+    const Pattern pattern = PatternOfVersion("2");
+    const Pattern copy(pattern);
+    const Pattern other = PatternOfVersion("2");
+    EXPECT_EQ(FieldsOf(pattern).engine, FieldsOf(copy).engine);
+    EXPECT_NE(FieldsOf(pattern).engine, FieldsOf(other).engine);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport
