@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "tools/pelkraft/build_info.h"
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/pattern_command.h"
@@ -28,6 +29,7 @@ int Main(int argc, char** argv)
     CLI::App program("Row conversion and dot patterns for print work on TIFF files", "pelkraft");
     program.footer(exitCodeHelp);
     program.require_subcommand(1);
+    AddBuildInfo(program);
     std::vector<std::unique_ptr<ISubcommand>> verbs;
     verbs.push_back(MakeConvertCommand());
     verbs.push_back(MakePatternCommand());
