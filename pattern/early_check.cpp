@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "pattern/number_text.h"
 #include "zvk/split.h"
@@ -25,21 +26,22 @@ std::int32_t CheckPatternText(const char* text)
     if (text == nullptr)
         throw noText;
     const std::size_t length = std::strlen(text);
-    // An equality of the low 32 bits, not a bound.
+    // This one length alone: longer texts pass, up to the next with the same low 32 bits.
     if (static_cast<std::uint32_t>(length) == 0x7FFFFFFFU)
         throw textTooLong;
 
-    const std::string whole(text, length);
+    const std::string_view whole(text, length);
     if (whole.size() < versionWordBytes)
         throw noVersion;
     const std::size_t position = whole.find(versionWord);
-    if (position == std::string::npos)
+    if (position == std::string_view::npos)
         throw noVersion;
 
     // The piece grows with its position: a number far behind a late word is still seen.
     const std::size_t pieceBytes =
         std::min(whole.size() - position, position + bytesBehindPosition);
-    const auto pieces = zvk::split(whole.substr(position, pieceBytes), {" ", "\t", "\n"}, false);
+    const std::string piece(whole.substr(position, pieceBytes));
+    const auto pieces = zvk::split(piece, {" ", "\t", "\n"}, false);
     if (pieces.size() < 2)
         throw noVersion;
     return ReadNumber(pieces[1]);

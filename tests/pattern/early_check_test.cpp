@@ -22,7 +22,8 @@ std::string Refusal(const char* text)
     return WhatIsThrown([text] { CheckPatternText(text); });
 }
 
-// A text of any length, whose memory is two megabytes that are mapped again and again.
+// A text of any length that begins with a version, whose memory is two megabytes that are mapped
+// again and again.
 class LongText
 {
 public:
@@ -39,6 +40,7 @@ public:
         for (std::size_t at = 0; at < mappedBytes; at += blockBytes)
             mmap(text + at, blockBytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0);
         std::memset(text, 'x', blockBytes);
+        std::memcpy(text, "VERSION 7 ", 10);
         // A page of its own for the end, since all other blocks are one and the same.
         char* lastBlock = text + mappedBytes - blockBytes;
         mmap(lastBlock, blockBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED,
@@ -68,6 +70,18 @@ TEST(EarlyCheck, RefusesANullPointer)
 TEST(EarlyCheck, RefusesExactlyOneLength)
 {
     const LongText text(0x7FFFFFFF);
+    ASSERT_NE(text.get(), nullptr);
+    EXPECT_EQ(Refusal(text.get()), "wide: Internal Message: to long dotweave pattern");
+    for (const std::size_t length : {std::size_t{0x7FFFFFFE}, std::size_t{0x80000000}}) {
+        const LongText neighbour(length);
+        ASSERT_NE(neighbour.get(), nullptr);
+        EXPECT_EQ(CheckPatternText(neighbour.get()), 7) << length;
+    }
+}
+
+TEST(EarlyCheck, LooksAtTheLow32BitsOfTheLength)
+{
+    const LongText text((std::size_t{1} << 32) + 0x7FFFFFFF);
     ASSERT_NE(text.get(), nullptr);
     EXPECT_EQ(Refusal(text.get()), "wide: Internal Message: to long dotweave pattern");
 }
