@@ -76,7 +76,7 @@ void FillCombination(const InColorRecord& record, const Distributions& distribut
                      distributions.distinct[i]->fractions[static_cast<std::size_t>(digits[i])]);
 }
 
-// As an odometer whose first digit turns fastest.
+// Counts up by one; the lowest digit stands first.
 void Advance(Digits& digits, const Distributions& distributions)
 {
     for (std::size_t i = 0; i < distributions.count; ++i) {

@@ -8,7 +8,7 @@ namespace zvk::Pelkraft {
 class DotWeavePatternConverter;
 
 // What applies a pattern. Created empty, loaded once, then used by one thread at a time.
-// Aligned for the vector engines, which keep vector data in the object.
+// Aligned so that an engine may hold its vectors as members.
 class alignas(32) DotWeavePatternEngine
 {
 public:
@@ -19,8 +19,8 @@ public:
 
     virtual void InitFromText(char* text) = 0;
     virtual void ResetRandomizer() = 0;
-    // Packed pixels, of a byte for each in-colour and each out-ink. One call is one row. The
-    // count is one of 32 bits.
+    // A row of packed pixels, of as many bytes as there are in-colours and out-inks. Of the count
+    // the low 32 bits count.
     virtual void ApplyPattern(unsigned char* source, unsigned char* destination,
                               unsigned long pixels) = 0;
     virtual int GetInColorCount() = 0;

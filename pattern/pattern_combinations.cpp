@@ -47,7 +47,7 @@ void FillCombination(const std::vector<InColorRecord*>& described,
     }
 }
 
-// As an odometer whose first digit turns fastest.
+// Counts up by one; the lowest digit stands first.
 void Advance(std::vector<std::int32_t>& digits, const std::vector<InColorRecord*>& described)
 {
     for (std::size_t i = 0; i < described.size(); ++i) {

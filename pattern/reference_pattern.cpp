@@ -207,7 +207,7 @@ void CDotWeavePattern<RandomSource>::ApplyInColor(const TestInColorRecord<Random
     if (values.random != nullptr)
         number = mRandomOld ? values.random->Next() : values.random->Current();
     for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p)
-        // Several in-colours that feed one ink combine bit by bit.
+        // Nothing is lost of what an in-colour in front of this one gave the ink.
         if (const auto ink = static_cast<std::size_t>(record.inks[p]); ink < mPixel.size())
             mPixel[ink] = static_cast<std::uint8_t>(
                 mPixel[ink] | static_cast<std::uint8_t>(values.table[p][number]));

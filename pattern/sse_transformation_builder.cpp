@@ -73,7 +73,7 @@ void MergeLane(std::size_t a, Rows& rows, SseTransformationBuilder& tables)
     }
 }
 
-// Ascending over lanes in both loops: the order decides how many values are stored.
+// Ascending over lanes in both loops: in another order other rows would find room.
 void Merge(Rows& rows, SseTransformationBuilder& tables)
 {
     for (std::size_t a = 0; a < rows.size(); ++a)
