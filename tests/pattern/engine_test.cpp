@@ -191,11 +191,43 @@ TEST(PatternEngines, CountARowOfNoPixels)
             DotWeavePattern pattern = Load(description.Text(), engine);
             for (int row = 0; row < 5; ++row) {
                 naive.Row({});
-                pattern.ApplyPattern(nullptr, nullptr, 0);
+                // Of the count 32 bits count, and none of these is among them.
+                pattern.ApplyPattern(nullptr, nullptr,
+                                     static_cast<unsigned long>(std::uint64_t(row) << 32));
             }
             const Bytes source(100, 2);
             EXPECT_EQ(Apply(pattern, source), naive.Row(source));
         }
+}
+
+TEST(PatternEngines, StartOnePlaceLaterAfterAResetOnThePortableEngineAlone)
+{
+    Bytes source;
+    for (int i = 0; i < 200; ++i)
+        source.insert(source.end(), {2, 1});
+    for (const int version : {2, 3}) {
+        const std::vector<std::uint32_t> field = NaiveSimulation(Example(version)).Field();
+        for (const Engine engine : bothFamilies) {
+            DotWeavePattern pattern = Load(Example(version).Text(), engine);
+            pattern.ResetRandomizer();
+            const std::size_t start = 30844 + (engine == DotWeavePattern::X86 ? 1 : 0);
+            const Bytes inks = Apply(pattern, source);
+            for (std::size_t i = 0; i < 200; ++i)
+                ASSERT_EQ(inks[3 * i], field[start + i] == 0 ? 0 : 40) << version << " " << i;
+        }
+    }
+}
+
+TEST(PatternEngines, TakeTheLastSeedOfTheText)
+{
+    const Bytes source(300, 1);
+    const std::string block = OneInk("2", "1 1:1 0-1 0-2");
+    for (const Engine engine : bothFamilies) {
+        DotWeavePattern behind =
+            Load("DotWeavePattern RANDOM_SEED 8 " + block + "RANDOM_SEED 5", engine);
+        DotWeavePattern ahead = Load("DotWeavePattern RANDOM_SEED 5 " + block, engine);
+        EXPECT_EQ(Apply(behind, source), Apply(ahead, source));
+    }
 }
 
 TEST(PatternEngines, DrawNothingForOneCombination)
@@ -317,6 +349,19 @@ TEST(PatternEngines, TakeStepZeroAtAnIndexWhoseLowBitsNameAnInColor)
         DotWeavePattern pattern = Load(text, engine);
         EXPECT_EQ(Apply(pattern, {1, 1}), Bytes{5});
     }
+}
+
+TEST(PatternEngines, TakeTheIndexThatStandsForNoInColorAtItsWord)
+{
+    // A repeated name leads to index 255. The row is B's.
+    std::string names;
+    for (int i = 0; i < 255; ++i)
+        names += i == 1 ? " B" : " A";
+    const std::string text =
+        Head("2", names + " A", "X") + InColor("B", "X", "0 1 0-5 1 1 0-6") + InColor("A", "X", "");
+    EXPECT_EQ(Refusal(text, DotWeavePattern::X86), "narrow: out-ink without in-colour in pattern");
+    DotWeavePattern pattern = Load(text, DotWeavePattern::Sse);
+    EXPECT_EQ(Apply(pattern, {1, 1}), Bytes{5});
 }
 
 TEST(VectorEngine, LoadsWithAnInkThatNobodyFeeds)

@@ -327,8 +327,16 @@ TEST(Model, WrapsTheDistributionIn32Bits)
     // 65537 * 65539 is 2^32 + 262147.
     ASSERT_EQ(converter.GetCombinationCount(), 4U);
     EXPECT_EQ(FractionOf(converter, 0), (Fraction{1, 262147}));
-    EXPECT_EQ(converter.GetDistribution().cumulative[1],
-              converter.GetDistribution().total / 262147);
+    EXPECT_EQ(FractionOf(converter, 1), (Fraction{65536, 262147}));
+    EXPECT_EQ(FractionOf(converter, 2), (Fraction{65538, 262147}));
+    // 65536 * 65538 is 2^32 + 131072.
+    EXPECT_EQ(FractionOf(converter, 3), (Fraction{131072, 262147}));
+    const CombinationDistribution& distribution = converter.GetDistribution();
+    EXPECT_EQ(distribution.total, 262147U);
+    // Divided first: 262147 * 65536 has no place in 32 bits.
+    EXPECT_EQ(distribution.cumulative[1], 1U);
+    EXPECT_EQ(distribution.cumulative[2], 65537U);
+    EXPECT_EQ(distribution.cumulative[3], 131075U);
 }
 
 TEST(Model, ResetFreesTheInColorsAndLeavesTheNames)

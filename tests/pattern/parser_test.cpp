@@ -106,6 +106,17 @@ TEST(Parser, LetsAnUnknownInkTakeNoPosition)
     EXPECT_EQ(Record(converter, 0).inks[1], 1);
 }
 
+TEST(Parser, ReadsAListOfInksOnOneLineOrOnSeveral)
+{
+    for (const char* inks : {"X Y Z", "X\nY\nZ", "\r\n\tX #first\r\n Y\r\n\r\nZ"}) {
+        PlainConverter converter;
+        converter.Load((Head("2", "A", inks) + InColor("A", inks, "1 1 2-9")).c_str());
+        EXPECT_EQ(converter.GetOutInkCount(), 3) << inks;
+        EXPECT_EQ(Record(converter, 0).numInks, 3) << inks;
+        EXPECT_EQ(Record(converter, 0).inks[2], 2) << inks;
+    }
+}
+
 TEST(Parser, TakesAKeywordInAnotherCaseForAName)
 {
     // The list of inks runs on to the end of the text.
@@ -139,6 +150,31 @@ TEST(Parser, SkipsTheValuesOfABlockWithoutInColor)
                        .c_str());
     EXPECT_EQ(Record(converter, 0).steps[0].numRandoms, 1);
     EXPECT_EQ(converter.GetRandomSeed(), 5);
+
+    // The skipped values end where their list does.
+    PlainConverter second;
+    second.Load((Head("2", "A", "X") + "BEGIN_IN_COLOR nobody BEGIN_VALUES BEGIN_INKS X A 1 1 0-9 "
+                                       "END_VALUES END_IN_COLOR RANDOM_SEED 6")
+                    .c_str());
+    EXPECT_EQ(second.GetInColors().Find(0), nullptr);
+    EXPECT_EQ(second.GetRandomSeed(), 6);
+}
+
+TEST(Parser, StoresTheCountOfALaterListOfInksEvenIfItIsEmpty)
+{
+    PlainConverter converter;
+    converter.Load((Values("1 1 0-1") + InColor("A", "", "")).c_str());
+    EXPECT_EQ(Record(converter, 0).numInks, 0);
+    EXPECT_EQ(converter.GetInColorOfOutInk()[0], 0);
+    EXPECT_EQ(converter.GetCombinations()[0].inkSteps[0], nullptr);
+}
+
+TEST(Parser, CountsTheStepsUpToTheHighestInAnyOrder)
+{
+    PlainConverter converter;
+    converter.Load(Values("3 1 0-3 1 1 0-1 2 1 0-2").c_str());
+    EXPECT_EQ(Record(converter, 0).numSteps, 4);
+    EXPECT_EQ(converter.GetMaxStepOfInColor()[0], 3);
 }
 
 TEST(Parser, StoresAnAlternativeForEachWeight)
@@ -355,6 +391,8 @@ TEST(Parser, RefusesANameThatASecondListLeavesWithoutRecord)
     };
     EXPECT_EQ(Refusal(lists("A B", "A")), refusal);
     EXPECT_EQ(Refusal(lists("A", "")), refusal);
+    // Both names stand at index 0, and there is one record for the two.
+    EXPECT_EQ(Refusal(lists("A", "B")), refusal);
     EXPECT_EQ(Refusal(lists("X X X A", "B C")), refusal);
     // Two records would do for the two names, but A stands at index 1 of one.
     EXPECT_EQ(Refusal(lists("B A", "B B")), "nothing");

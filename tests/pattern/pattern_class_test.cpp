@@ -235,6 +235,18 @@ TEST(DotWeavePattern, KeepsItsEngineWhenAnotherFailsToLoad)
     EXPECT_EQ(pattern.GetOutColorCount(), 3);
 }
 
+TEST(DotWeavePattern, TakesTheGenerationOverWithTheEngine)
+{
+    std::string first = Head("2", "A", "X") + InColor("A", "X", "1 1:1 0-1 0-2");
+    std::string second = Head("3", "A", "X") + InColor("A", "X", "1 1:1 0-1 0-2");
+    std::string single = Head("2", "A", "X") + InColor("A", "X", "1 1 0-1");
+    Derived target(first.data(), DotWeavePattern::X86);
+    EXPECT_EQ(WhatIsThrown([&] { target.Init(single.data(), DotWeavePattern::X86); }), "nothing");
+    target = Derived(second.data(), DotWeavePattern::X86);
+    EXPECT_EQ(WhatIsThrown([&] { target.Init(single.data(), DotWeavePattern::X86); }),
+              "narrow: pattern without random combinations");
+}
+
 template <typename EngineClass>
 void ExpectAlignment()
 {

@@ -81,6 +81,8 @@ TEST(ReferenceClass, RunsOnAcrossCallsAndEmptyRows)
     DotWeavePattern whole = Load(text);
     DotWeavePattern inPieces = Load(text);
     const Bytes expected = TestSupport::Apply(whole, Bytes(100, 1));
+    // Of the count 32 bits count, and this one has none of them.
+    inPieces.ApplyPattern(nullptr, nullptr, static_cast<unsigned long>(std::uint64_t{1} << 32));
     Bytes joined;
     for (const std::size_t pixels : {10U, 0U, 50U, 40U}) {
         const Bytes piece = TestSupport::Apply(inPieces, Bytes(pixels, 1));
@@ -151,6 +153,27 @@ TEST(ReferenceClass, LetsInColorsOfOneSumDrawFromOneField)
     RandomField field(7, 2);
     for (std::size_t i = 0; i < inks.size(); ++i)
         ASSERT_EQ(inks[i], field.GetData()[(NaiveJump(0) + 1 + i) % 65536] + 1) << i;
+}
+
+TEST(ReferenceClass, DrawsAFieldByTheSeedThatStandsAheadOfItsFirstLine)
+{
+    const std::string text = Values("2", "1 1:1 0-1 0-2") + "RANDOM_SEED 7" +
+                             InColor("A", "X Y", "2 1:2 0-1 0-2 3 1:1 0-1 0-2");
+    RandomField halves(42, 2);
+    RandomField thirds(7, 3);
+    DotWeavePattern pattern = Load(text);
+    const Bytes inks = TestSupport::Apply(pattern, [] {
+        Bytes source;
+        for (int i = 0; i < 100; ++i)
+            source.insert(source.end(), {1, 2, 3});
+        return source;
+    }());
+    for (std::size_t i = 0; i < 100; ++i) {
+        const std::size_t place = NaiveJump(0) + 1;
+        ASSERT_EQ(inks[6 * i], halves.GetData()[place + 2 * i] + 1) << i;
+        ASSERT_EQ(inks[6 * i + 2], thirds.GetData()[place + i] == 0 ? 1 : 2) << i;
+        ASSERT_EQ(inks[6 * i + 4], halves.GetData()[place + 2 * i + 1] + 1) << i;
+    }
 }
 
 TEST(ReferenceClass, MovesASourceOnlyForPixelsThatUseIt)
