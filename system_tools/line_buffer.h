@@ -28,20 +28,11 @@ public:
     }
 
     // Adds the last character, for which there is always room.
-    void End(Character character)
-    {
-        characters[length++] = character;
-    }
+    void End(Character character) { characters[length++] = character; }
 
-    const Character* Data() const
-    {
-        return characters;
-    }
+    const Character* Data() const { return characters; }
 
-    std::size_t Length() const
-    {
-        return length;
-    }
+    std::size_t Length() const { return length; }
 
 private:
     bool Grow()

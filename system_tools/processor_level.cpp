@@ -61,10 +61,7 @@ public:
                 static_cast<std::uint32_t>(answer[2]), static_cast<std::uint32_t>(answer[3])};
     }
 
-    std::uint64_t ReadXcr0() const override
-    {
-        return _xgetbv(0);
-    }
+    std::uint64_t ReadXcr0() const override { return _xgetbv(0); }
 };
 
 #elif defined(ZVK_PROCESSOR_GNU)
@@ -94,15 +91,9 @@ public:
 class ThisProcessor final : public IProcessorAnswers
 {
 public:
-    CpuidRegisters Cpuid(std::uint32_t, std::uint32_t) const override
-    {
-        return {};
-    }
+    CpuidRegisters Cpuid(std::uint32_t, std::uint32_t) const override { return {}; }
 
-    std::uint64_t ReadXcr0() const override
-    {
-        return 0;
-    }
+    std::uint64_t ReadXcr0() const override { return 0; }
 };
 
 #endif

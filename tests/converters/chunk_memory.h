@@ -43,10 +43,7 @@ public:
     {
         buffer.data()[position] = value;
     }
-    std::vector<unsigned char> bytes() const
-    {
-        return buffer.bytes();
-    }
+    std::vector<unsigned char> bytes() const { return buffer.bytes(); }
 
 private:
     void WriteHeaders() const;

@@ -19,14 +19,8 @@ struct Shape
     std::size_t channels;
     std::size_t hop = 1;
 
-    std::size_t SamplesPerByte() const
-    {
-        return 8 / depth;
-    }
-    std::size_t Chunks() const
-    {
-        return SamplesPerByte() * hop;
-    }
+    std::size_t SamplesPerByte() const { return 8 / depth; }
+    std::size_t Chunks() const { return SamplesPerByte() * hop; }
 };
 
 ChunkMemory MemoryOf(const Shape& shape, std::uint32_t seed, Flush flush = Flush::AtEnd)

@@ -102,10 +102,7 @@ TEST(ExceptionLogger, ToleratesNullPointers)
 
     class Silent final : public std::exception
     {
-        const char* what() const noexcept override
-        {
-            return nullptr;
-        }
+        const char* what() const noexcept override { return nullptr; }
     } silent;
     const std::exception& reference = silent;
     EXPECT_EQ(LineWith(L"(no text)"), LinesOf(reference));

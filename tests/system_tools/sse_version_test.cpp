@@ -36,10 +36,7 @@ int LevelByTheCompilersRuntime()
 class SseVersion : public testing::Test
 {
 protected:
-    ~SseVersion() override
-    {
-        LimitSseVersion(INT_MAX);
-    }
+    ~SseVersion() override { LimitSseVersion(INT_MAX); }
 };
 
 TEST_F(SseVersion, IsTheLevelOfThisProcessor)

@@ -324,10 +324,17 @@ TEST_F(Simulation, DescribesTheInksThatItWrites)
     float resolution = 0;
     EXPECT_EQ(1, TIFFGetField(tiff.get(), TIFFTAG_YRESOLUTION, &resolution));
     EXPECT_EQ(600, resolution);
-    // Every sample is an ink, so that there are no extra ones; the profile was of other inks.
+    // Readers expect four inks and want the two further ones announced.
+    std::uint16_t extraCount = 0;
+    std::uint16_t* extraKinds = nullptr;
+    ASSERT_EQ(1, TIFFGetField(tiff.get(), TIFFTAG_EXTRASAMPLES, &extraCount, &extraKinds));
+    ASSERT_EQ(2, extraCount);
+    EXPECT_EQ(EXTRASAMPLE_UNSPECIFIED, extraKinds[0]);
+    EXPECT_EQ(EXTRASAMPLE_UNSPECIFIED, extraKinds[1]);
+    // In the file itself, not only in what the reader makes up; and the profile was of other inks.
     const auto tags = RawTags(Bytes(Path("out.tif")));
     EXPECT_EQ(1, std::count(tags.begin(), tags.end(), TIFFTAG_INKSET));
-    EXPECT_EQ(0, std::count(tags.begin(), tags.end(), TIFFTAG_EXTRASAMPLES));
+    EXPECT_EQ(1, std::count(tags.begin(), tags.end(), TIFFTAG_EXTRASAMPLES));
     EXPECT_EQ(0, std::count(tags.begin(), tags.end(), TIFFTAG_ICCPROFILE));
 }
 

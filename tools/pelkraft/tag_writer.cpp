@@ -1,6 +1,7 @@
 #include "tools/pelkraft/tag_writer.h"
 
 #include <string>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -107,7 +108,19 @@ void WriteResolution(TIFF* from, TIFF* to, int repeat)
     }
 }
 
-void WriteInks(const TiffFile& out, const PageTags& tags)
+// Readers take a separated picture for four inks and want every further sample announced as an
+// extra one; the number of inks says which of those are inks as well.
+std::vector<std::uint16_t> AnnouncedExtras(const PageTags& tags, int channels)
+{
+    constexpr std::size_t expectedInks = 4;
+    std::vector<std::uint16_t> kinds = tags.extraKinds;
+    const std::size_t inks = static_cast<std::size_t>(channels) - kinds.size();
+    if (tags.photometric == PHOTOMETRIC_SEPARATED && inks > expectedInks)
+        kinds.insert(kinds.begin(), inks - expectedInks, std::uint16_t{EXTRASAMPLE_UNSPECIFIED});
+    return kinds;
+}
+
+void WriteInks(const TiffFile& out, const PageTags& tags, int channels)
 {
     if (tags.inkSet)
         Set(out, TIFFTAG_INKSET, *tags.inkSet);
@@ -118,9 +131,9 @@ void WriteInks(const TiffFile& out, const PageTags& tags)
         Set(out, TIFFTAG_INKNAMES, static_cast<int>(joined.size()), joined.data());
     if (tags.numberOfInks)
         Set(out, TIFFTAG_NUMBEROFINKS, *tags.numberOfInks);
-    if (!tags.extraKinds.empty())
-        Set(out, TIFFTAG_EXTRASAMPLES, static_cast<int>(tags.extraKinds.size()),
-            tags.extraKinds.data());
+    const std::vector<std::uint16_t> extras = AnnouncedExtras(tags, channels);
+    if (!extras.empty())
+        Set(out, TIFFTAG_EXTRASAMPLES, static_cast<int>(extras.size()), extras.data());
 }
 
 bool TakesPredictor(std::uint16_t compression)
@@ -181,7 +194,7 @@ void WriteTags(const TiffFile& from, const TiffFile& out, const TiffPicture& to,
 {
     WriteShape(from, out, to);
     Set(out, TIFFTAG_PHOTOMETRIC, tags.photometric);
-    WriteInks(out, tags);
+    WriteInks(out, tags, to.channels);
     WriteResolution(from.Get(), out.Get(), tags.repeat);
     CopyDocumentTags(from.Get(), out.Get());
     if (tags.keepColourTags)
