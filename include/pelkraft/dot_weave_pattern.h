@@ -59,6 +59,7 @@ class DotWeavePatternEngine;
 class PELKRAFT_EXPORT DotWeavePattern
 {
 public:
+    // What runs the pattern.
     enum Engine : int
     {
         // Sse where zvk::SystemTools::GetSseVersion() is 3 or more, else X86.
@@ -76,9 +77,13 @@ public:
 
     // As with Automatic.
     explicit DotWeavePattern(char* text);
+    // Reads a text that a zero byte ends.
     DotWeavePattern(char* text, Engine engine);
+    // Shares the engine of other.
     DotWeavePattern(const DotWeavePattern& other);
+    // As the copy, and lets go of the own engine.
     DotWeavePattern& operator=(const DotWeavePattern& other);
+    // Frees the engine where no copy shares it.
     ~DotWeavePattern();
 
     // Starts the rows anew; draws nothing anew.
@@ -88,6 +93,7 @@ public:
     // neither and counts as a row.
     void ApplyPattern(unsigned char* source, unsigned char* destination, unsigned long pixels);
 
+    // Bytes of a source pixel.
     int GetInColorCount();
 
     // Not a count: the number of an in-colour's top step, and 255 for one that is listed
@@ -95,6 +101,7 @@ public:
     // the in-colours.
     int GetNumberOfStepsForInColor(int inColor);
 
+    // Bytes of a destination pixel.
     int GetOutColorCount();
 
 protected:

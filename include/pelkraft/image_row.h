@@ -49,7 +49,9 @@ public:
     // Takes newData, which must hold CalcBufferSize() bytes and outlive the row. With null it
     // allocates a buffer of its own, pixels uninitialised, behind them SafetyTrail zeros.
     ImageRow(int newWidth, int newChannels, int newBits, bool newPlanar, unsigned char* newData);
+    // Takes over geometry, pointer and claim.
     ImageRow(const ImageRow& other);
+    // As the copy. A buffer that this row owns is not freed: release it before.
     ImageRow& operator=(const ImageRow& other);
 
     // Bytes of the pixels of a row of this geometry, without the trail. Computed in 32 bits,
@@ -58,6 +60,7 @@ public:
     //   planar       channels * ((width * bits + 7) / 8)
     static int CalcBufferSize(int width, int channels, int bits, bool planar);
 
+    // Frees an own buffer.
     virtual ~ImageRow();
 
     // Takes a buffer, which must hold GetDataSize() bytes and outlive the row. With null, keeps
@@ -72,9 +75,11 @@ public:
     // Frees an own buffer and leaves an empty row.
     virtual void Release();
 
+    // The first byte of the pixels; null in an empty row.
     virtual unsigned char* GetData() const;
     // CalcBufferSize() of the present geometry; the buffer may hold more.
     virtual int GetDataSize() const;
+    // The geometry, as it was given.
     virtual int GetWidth() const;
     virtual int GetChannels() const;
     virtual int GetBits() const;

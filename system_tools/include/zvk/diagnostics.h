@@ -19,6 +19,7 @@ public:
     virtual void Write(const wchar_t* line) = 0;
 
 protected:
+    // Nobody frees a sink by way of this interface.
     ~ILogSink() = default;
 };
 
@@ -46,6 +47,7 @@ ZVK_SYSTEM_TOOLS_EXPORT long LogAllCatchNothing(_EXCEPTION_POINTERS* pointers, u
 class ZVK_SYSTEM_TOOLS_EXPORT StandardExceptionLogger
 {
 public:
+    // Logs a number, a text, or the text of an exception.
     static void Log(unsigned long code, const wchar_t* context, ILogSink& sink);
     static void Log(const std::exception& e, const wchar_t* context, ILogSink& sink);
     static void Log(const std::exception* e, const wchar_t* context, ILogSink& sink);

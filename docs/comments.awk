@@ -1,0 +1,73 @@
+# Turns the plain comments of a public header into comments that Doxygen reads.
+# - A line with a label in front, "Units      Width in pixels", becomes an item of a list; other
+#   lines that are indented are kept as they stand.
+# - A comment stands for all declarations up to the next blank line or comment.
+# - A comment in front of the outermost namespace is about the inner one.
+
+function print_comment(    i, text, label, labelled, verbatim) {
+    for (i = 1; i <= comment_lines; ++i) {
+        text = comment[i]
+        if (text !~ /^  / || labelled) {
+            if (verbatim)
+                print "/// \\endverbatim"
+            verbatim = 0
+        }
+        if (text ~ /^[A-Z][a-z]+  +[^ ]/) {
+            label = text
+            sub(/ .*/, "", label)
+            sub(/^[A-Z][a-z]+ +/, "", text)
+            print "/// - **" label "** " text
+            labelled = 1
+        } else if (labelled && text ~ /^           [^ ]/) {
+            sub(/^ +/, "", text)
+            print "///   " text
+        } else {
+            labelled = 0
+            if (text ~ /^  / && !verbatim) {
+                print "/// \\verbatim"
+                verbatim = 1
+            }
+            print "/// " text
+        }
+    }
+    if (verbatim)
+        print "/// \\endverbatim"
+    comment_lines = 0
+}
+
+function print_run(    i, shared) {
+    shared = comment_lines && ends > 1 && !opens
+    if (run_lines && run[1] ~ /^namespace zvk \{/ && comment_lines)
+        print "/// \\namespace zvk::Pelkraft"
+    if (run_lines)
+        print_comment()
+    if (shared)
+        print "///@{"
+    for (i = 1; i <= run_lines; ++i)
+        print run[i]
+    if (shared)
+        print "///@}"
+    run_lines = ends = opens = 0
+}
+
+/^ *\/\// {
+    if (run_lines)
+        print_run()
+    sub(/^ *\/\/ ?/, "")
+    comment[++comment_lines] = $0
+    next
+}
+
+/^ *$/ || /^ *};?$/ || /^[a-z]+:$/ {
+    print_run()
+    print
+    next
+}
+
+{
+    run[++run_lines] = $0
+    ends += /;$/
+    opens += /[{}]/
+}
+
+END { print_run() }
