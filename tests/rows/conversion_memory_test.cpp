@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <exception>
+#include <ostream>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
@@ -113,6 +114,12 @@ struct Kind
     std::size_t buffers;
     bool relocates;
 };
+
+// Or the test's report would show the record's bytes, padding and all.
+void PrintTo(const Kind& kind, std::ostream* out)
+{
+    *out << kind.name;
+}
 
 std::vector<Kind> Kinds()
 {

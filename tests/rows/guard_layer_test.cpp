@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <exception>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 
@@ -27,6 +28,12 @@ struct Overload
     void (*call)(ImageRow& row, const ImageRow& source);
     const wchar_t* context;
 };
+
+// Or the test's report would show the record's bytes.
+void PrintTo(const Overload& overload, std::ostream* out)
+{
+    *out << overload.name;
+}
 
 const Overload overloads[] = {
     {"FillFrom, record", [](ImageRow& row, const ImageRow& from) { row.FillFrom(from, nullptr); },

@@ -235,6 +235,15 @@ TEST(FillBuffer, WritesTheLowByteAndLeavesTheTrail)
     }
 }
 
+TEST(FillBuffer, FillsACapacityOfOneByte)
+{
+    unsigned char bytes[] = {9, 9};
+    ImageRow row(1, 1, 8, false, bytes);
+    row.FillBuffer(1);
+    EXPECT_EQ(1, bytes[0]);
+    EXPECT_EQ(9, bytes[1]);
+}
+
 TEST(FillBuffer, DoesNothingWithoutACapacity)
 {
     ImageRow empty;
