@@ -10,7 +10,8 @@ lib_dir=$(dirname "$pkg_config_dir")
 
 for standard in 11 20; do
     echo "a CMake project in C++$standard, with find_package"
-    cmake -S "$here/consumer" -B "$work/consumer$standard" -DCMAKE_PREFIX_PATH="$prefix" \
+    cmake -S "$here/consumer" -B "$work/consumer$standard" -G Ninja \
+        -DCMAKE_PREFIX_PATH="$prefix" \
         -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_CXX_STANDARD=$standard >/dev/null
     cmake --build "$work/consumer$standard" >/dev/null
