@@ -47,7 +47,7 @@ private:
     std::vector<std::size_t> digits;
 };
 
-// One way of resolving all steps of an in-colour: for each draw the alternative that came.
+// What the draws of an in-colour came to: for each of them an alternative.
 struct Choice
 {
     Proportion proportion;
