@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs all tests: Release with GCC, the vector objects of a debug build, then
-# the fuzzers for a while, then everything under AddressSanitizer and UndefinedBehaviorSanitizer
-# with Clang.
+# Builds and runs all tests: Release with GCC, the vector objects of a debug build, a sample of
+# the evidence, then everything under AddressSanitizer and UndefinedBehaviorSanitizer with Clang.
 #   --full   also sweeps the whole grid of conversions, which takes hours
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -32,18 +31,8 @@ cmake --preset debug
 cmake --build --preset debug -j "$jobs" --target pelkraft_objects
 test_build debug -R vector_objects
 
-# What fails is left in build/fuzz/.
-fuzz() {
-    local target=$1 seconds=$2
-    mkdir -p "build/fuzz/found/$target"
-    (cd build/fuzz && ./fuzz/fuzz_"$target" -max_total_time="$seconds" -timeout=20 \
-        -rss_limit_mb=2048 -print_final_stats=1 "${@:3}" "found/$target" \
-        "../../fuzz/corpus/$target" 2>&1 | grep -E '^(stat|Done|==|SUMMARY|[0-9]+ pixels)|ERROR')
-}
-cmake --preset fuzz
-cmake --build --preset fuzz -j "$jobs"
-fuzz pattern_text 60 -max_len=2048 -dict=../../fuzz/pattern_text.dict
-fuzz row_conversion 30 -max_len=128
+# A fixed sample of the evidence that is no test program of its own.
+bash scripts/evidence.sh --sample fuzzing
 
 # The grid ran whole above; here its sample does.
 unset PELKRAFT_TEST_FULL

@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# Fuzzes with libFuzzer and both sanitizers: whole, each target until it has had one hour of
+# processor time; the sample, each for some seconds. Ends at the first finding, which is left in
+# build/fuzz/. An interrupted run goes on where it was, as long as the target is the same.
+#   fuzzing.sh whole|sample [TARGET...]
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+
+wanted_seconds=3600
+round_seconds=300
+if [ "$1" = sample ]; then
+    wanted_seconds=1
+    round_seconds=30
+fi
+targets=("${@:2}")
+[ ${#targets[@]} -ne 0 ] || targets=(row_conversion pattern_text)
+
+options_of() {
+    case $1 in
+    row_conversion) echo "-max_len=128" ;;
+    pattern_text) echo "-max_len=2048 -dict=../../fuzz/pattern_text.dict" ;;
+    esac
+}
+
+# One round, whose processor time, executions and covered edges become a line of the record.
+run_round() {
+    local target=$1 record=$2 log=$3
+    # shellcheck disable=SC2046 # a list of words
+    (cd build/fuzz && TIMEFORMAT='processor: %U %S' && time ./fuzz/fuzz_"$target" \
+        -max_total_time=$round_seconds -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 \
+        $(options_of "$target") "found/$target" "../../fuzz/corpus/$target") >"$log" 2>&1 ||
+        { tail -n 40 "$log" && return 1; }
+    awk '/^processor:/ { seconds = $2 + $3 }
+        /^stat::number_of_executed_units:/ { executions = $2 }
+        / cov: / { for (i = 1; i < NF; ++i) if ($i == "cov:") edges = $(i + 1) }
+        END { print seconds, executions, edges }' "$log" >>"$record"
+}
+
+fuzz() {
+    local target=$1 directory=build/fuzz/found/$1 record
+    mkdir -p "$directory"
+    record=$directory.$(sha256sum "build/fuzz/fuzz/fuzz_$target" | cut -c 1-12).rounds
+    touch "$record"
+    [ $wanted_seconds -gt 1 ] || : >"$record"
+    while awk -v wanted=$wanted_seconds '{ s += $1 } END { exit s >= wanted }' "$record"; do
+        run_round "$target" "$record" "$directory.log"
+    done
+    awk -v target="$target" '{ s += $1; n += $2; if ($3 > edges) edges = $3 }
+        END { printf "%s %d executions, %d edges, %d s", target, n, edges, s }' \
+        "$record" >"$directory.summary"
+    cat "$directory.summary" && echo
+}
+
+bash scripts/setup.sh test
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz -j "$(nproc)"
+running=()
+for target in "${targets[@]}"; do
+    fuzz "$target" &
+    running+=($!)
+done
+for process in "${running[@]}"; do
+    wait "$process"
+done
+summaries=""
+for target in "${targets[@]}"; do
+    summaries+="${summaries:+; }$(cat "build/fuzz/found/$target.summary")"
+done
+echo "figure: $summaries; 0 findings"
