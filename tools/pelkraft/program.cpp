@@ -1,0 +1,64 @@
+#include "tools/pelkraft/program.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <memory>
+#include <vector>
+
+#include "tools/pelkraft/build_info.h"
+#include "tools/pelkraft/convert_command.h"
+#include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/pattern_command.h"
+#include "tools/pelkraft/simulate_command.h"
+#include "zvk/diagnostics.h"
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+// Failures of the library arrive as exceptions and are told on one line of our own.
+class SilentLog final : public Diagnostics::ILogSink
+{
+public:
+    void Write(const wchar_t*) override {}
+};
+
+} // namespace
+
+int RunProgram(int argc, const char* const* argv)
+{
+    SilentLog silentLog;
+    Diagnostics::Seh::SetDefaultLog(&silentLog);
+
+    CLI::App program("Row conversion and dot patterns for print work on TIFF files", "pelkraft");
+    program.footer(exitCodeHelp);
+    program.require_subcommand(1);
+    AddBuildInfo(program);
+    std::vector<std::unique_ptr<ISubcommand>> verbs;
+    verbs.push_back(MakeConvertCommand());
+    verbs.push_back(MakePatternCommand());
+    verbs.push_back(MakeSimulateCommand());
+    for (const auto& verb : verbs)
+        verb->Register(program);
+
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::Success& success) {
+        return program.exit(success, std::cout, std::cerr);
+    } catch (const CLI::ParseError& error) {
+        PrintError({}, std::string(error.what()) + "; pelkraft --help tells what is supported");
+        return static_cast<int>(ExitCode::Usage);
+    }
+
+    try {
+        for (const auto& verb : verbs) {
+            if (verb->Chosen())
+                return static_cast<int>(verb->Run());
+        }
+        return static_cast<int>(ExitCode::Usage);
+    } catch (...) {
+        return static_cast<int>(ReportCurrentException());
+    }
+}
+
+} // namespace zvk::Pelkraft::Client
