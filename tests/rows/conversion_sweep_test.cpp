@@ -1,3 +1,4 @@
+#include "tests/support/conversion_choices.h"
 #include "tests/support/conversion_run.h"
 #include "tests/support/random_bytes.h"
 
@@ -22,92 +23,6 @@ std::size_t CountSampledCases()
     return cases != nullptr ? std::strtoul(cases, nullptr, 10) : 40000;
 }
 
-struct Form
-{
-    int bits;
-    bool planar;
-};
-
-constexpr Form forms[] = {{8, false}, {8, true},  {16, false}, {16, true}, {10, false},
-                          {1, false}, {2, false}, {1, true},   {2, true},  {10, true}};
-constexpr int factors[] = {1, 2, 4, -1, -2, -4};
-
-std::vector<int> ChannelCounts()
-{
-    std::vector<int> counts;
-    for (int count = 1; count <= 20; ++count)
-        counts.push_back(count);
-    for (const int count : {24, 31, 32, 33, 40, 48, 64, 65, 80, 81, 96, 97, 130})
-        counts.push_back(count);
-    return counts;
-}
-
-std::vector<int> Widths()
-{
-    std::vector<int> widths;
-    for (int width = 0; width <= 40; ++width)
-        widths.push_back(width);
-    for (const int width : {61, 62, 63, 64, 65, 127, 128, 129, 255, 256, 257, 1000})
-        widths.push_back(width);
-    return widths;
-}
-
-enum class MapKind
-{
-    Identity,
-    Permutation,
-    Growing,
-    Shrinking,
-    Negative,
-    Repeated,
-};
-constexpr MapKind mapKinds[] = {MapKind::Identity,  MapKind::Permutation, MapKind::Growing,
-                                MapKind::Shrinking, MapKind::Negative,    MapKind::Repeated};
-
-NaiveOperation MapOf(MapKind kind, int channels)
-{
-    NaiveOperation operation;
-    operation.isFill = false;
-    operation.hasMap = true;
-    const int entries = kind == MapKind::Growing     ? channels + 5
-                        : kind == MapKind::Shrinking ? (channels + 1) / 2
-                                                     : channels;
-    for (int i = 0; i != entries; ++i) {
-        int entry = i % channels;
-        if (kind == MapKind::Permutation || kind == MapKind::Shrinking)
-            entry = channels - 1 - i;
-        if (kind == MapKind::Negative && i % 3 == 1)
-            entry = -1 - i;
-        if (kind == MapKind::Repeated)
-            entry = i / 2;
-        operation.map.push_back(entry);
-    }
-    return operation;
-}
-
-std::vector<NaiveOperation> Operations(int channels)
-{
-    std::vector<NaiveOperation> operations(1);
-    for (const int factor : factors) {
-        NaiveOperation repeat;
-        repeat.isFill = false;
-        repeat.factor = factor;
-        operations.push_back(repeat);
-    }
-    for (const MapKind kind : mapKinds)
-        operations.push_back(MapOf(kind, channels));
-    return operations;
-}
-
-// The destination as wide as the source asks for, or narrower or wider by an odd number.
-int DestinationWidth(int sourceWidth, int factor, unsigned choice)
-{
-    const int natural = sourceWidth * std::abs(factor);
-    if (choice == 1)
-        return natural * 2 / 3;
-    return choice == 2 ? natural + 7 : natural;
-}
-
 void Check(const ConversionCase& oneCase, std::uint32_t caseSeed)
 {
     SCOPED_TRACE(Describe(oneCase) + ", seed " + std::to_string(caseSeed));
@@ -127,16 +42,6 @@ void Check(const ConversionCase& oneCase, std::uint32_t caseSeed)
     ForgetLeftPacked(oneCase, actual);
     EXPECT_TRUE(expected == actual);
     EXPECT_TRUE(sourceBytes == source.bytes()) << "the source was changed";
-}
-
-std::vector<std::pair<Form, Form>> ServedForms(const NaiveOperation& operation)
-{
-    std::vector<std::pair<Form, Form>> pairs;
-    for (const Form& from : forms)
-        for (const Form& to : forms)
-            if (IsServed({1, 1, from.bits, from.planar}, {1, 1, to.bits, to.planar}, operation))
-                pairs.emplace_back(from, to);
-    return pairs;
 }
 
 ConversionCase CaseOf(const std::pair<Form, Form>& pair, const NaiveOperation& operation,
