@@ -1,3 +1,8 @@
+#include "pattern/early_check.h"
+#include "pattern/pattern_converter_sse.h"
+#include "pattern/shuffled_field.h"
+#include "pelkraft/dot_weave_pattern.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -5,11 +10,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "pattern/early_check.h"
-#include "pattern/pattern_converter_sse.h"
-#include "pattern/shuffled_field.h"
-#include "pelkraft/dot_weave_pattern.h"
 
 // Loads any bytes as a pattern text on all engines and applies rows of any steps. The portable
 // and the vector engine must agree on every row of a text that both of them take.

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
-
 #include "pattern/pattern_combinations.h"
 #include "pattern/pattern_model.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include "pattern/linear_random.h"
 #include "pattern/pattern_model.h"
+
+#include <cstdint>
+#include <vector>
 
 namespace zvk::Pelkraft {
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "pattern/dot_weave_pattern_engine.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <utility>
-
-#include "pattern/dot_weave_pattern_engine.h"
 
 namespace zvk::Pelkraft {
 

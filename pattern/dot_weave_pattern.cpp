@@ -1,7 +1,5 @@
 #include "pelkraft/dot_weave_pattern.h"
 
-#include <memory>
-
 #include "pattern/early_check.h"
 #include "pattern/pattern_engine_sse.h"
 #include "pattern/pattern_engine_x86.h"
@@ -11,6 +9,8 @@
 #include "pattern/random_pointer_ng.h"
 #include "pattern/reference_pattern.h"
 #include "zvk/system_tools.h"
+
+#include <memory>
 
 namespace zvk::Pelkraft {
 namespace {

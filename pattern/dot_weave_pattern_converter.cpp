@@ -1,12 +1,12 @@
 #include "pattern/dot_weave_pattern_converter.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <limits>
-
 #include "pattern/channel_combinations.h"
 #include "pattern/pattern_sink.h"
 #include "pattern/tokenizer.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "pattern/combination_distribution.h"
 #include "pattern/in_color_records.h"
 #include "pattern/pattern_combinations.h"
 #include "pattern/pattern_model.h"
 #include "pattern/pattern_reader.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace zvk::Pelkraft {
 

@@ -1,12 +1,12 @@
 #include "pattern/early_check.h"
 
+#include "pattern/number_text.h"
+#include "zvk/split.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string>
 #include <string_view>
-
-#include "pattern/number_text.h"
-#include "zvk/split.h"
 
 namespace zvk::Pelkraft {
 namespace {

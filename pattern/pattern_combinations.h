@@ -1,10 +1,10 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-
 #include "pattern/in_color_records.h"
 #include "pattern/pattern_model.h"
+
+#include <array>
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "pattern/dot_weave_pattern_converter.h"
 #include "pattern/sse_transformation_builder.h"
+
+#include <memory>
+#include <string>
 
 namespace zvk::Pelkraft {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "pattern/dot_weave_pattern_converter.h"
+
+#include <string>
 
 namespace zvk::Pelkraft {
 

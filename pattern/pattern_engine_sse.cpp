@@ -1,11 +1,11 @@
 #include "pattern/pattern_engine_sse.h"
 
+#include "pattern/random_pointer.h"
+#include "pattern/random_pointer_ng.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <type_traits>
-
-#include "pattern/random_pointer.h"
-#include "pattern/random_pointer_ng.h"
 
 namespace zvk::Pelkraft {
 namespace {

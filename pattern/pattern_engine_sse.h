@@ -1,12 +1,12 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-
 #include "pattern/converted_pattern_engine.h"
 #include "pattern/pattern_converter_sse.h"
 #include "pattern/sse_row.h"
 #include "pattern/sse_transformation.h"
+
+#include <array>
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "pattern/converted_pattern_engine.h"
+#include "pattern/pattern_converter_x86.h"
+
 #include <array>
 #include <cstdint>
 #include <memory>
-
-#include "pattern/converted_pattern_engine.h"
-#include "pattern/pattern_converter_x86.h"
 
 namespace zvk::Pelkraft {
 

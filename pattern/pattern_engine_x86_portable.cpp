@@ -1,9 +1,9 @@
-#include <algorithm>
-#include <cstddef>
-
 #include "pattern/pattern_engine_x86.h"
 #include "pattern/random_field.h"
 #include "pattern/random_field_ng.h"
+
+#include <algorithm>
+#include <cstddef>
 
 namespace zvk::Pelkraft {
 namespace {

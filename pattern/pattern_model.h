@@ -1,10 +1,10 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-
 #include "pattern/fraction.h"
 #include "pattern/value_line.h"
+
+#include <array>
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "pattern/pattern_sink.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "pattern/pattern_sink.h"
 
 namespace zvk::Pelkraft {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "pattern/value_line.h"
+
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

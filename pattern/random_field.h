@@ -1,11 +1,11 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-
 #include "pattern/jump_table.h"
 #include "pattern/pattern_combinations.h"
 #include "pattern/pattern_model.h"
+
+#include <array>
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

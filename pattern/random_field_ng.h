@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include "pattern/jump_table.h"
 #include "pattern/pattern_combinations.h"
 #include "pattern/pattern_model.h"
+
+#include <cstdint>
+#include <vector>
 
 namespace zvk::Pelkraft {
 

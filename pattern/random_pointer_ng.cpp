@@ -1,9 +1,9 @@
 #include "pattern/random_pointer_ng.h"
 
-#include <algorithm>
-
 #include "pattern/shuffled_field.h"
 #include "pattern/sse_transformation.h"
+
+#include <algorithm>
 
 namespace zvk::Pelkraft {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "pattern/jump_table.h"
+#include "pattern/pattern_combinations.h"
+
 #include <atomic>
 #include <cstdint>
 #include <vector>
-
-#include "pattern/jump_table.h"
-#include "pattern/pattern_combinations.h"
 
 namespace zvk::Pelkraft {
 

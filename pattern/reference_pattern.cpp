@@ -1,15 +1,15 @@
 #include "pattern/reference_pattern.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <cstring>
-#include <limits>
-
 #include "pattern/linear_random.h"
 #include "pattern/pattern_sink.h"
 #include "pattern/random_field.h"
 #include "pattern/random_old_setting.h"
 #include "pattern/tokenizer.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <limits>
 
 namespace zvk::Pelkraft::Testonly {
 namespace {

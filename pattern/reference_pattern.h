@@ -1,16 +1,16 @@
 #pragma once
 
+#include "pattern/dot_weave_pattern_engine.h"
+#include "pattern/in_color_records.h"
+#include "pattern/pattern_reader.h"
+#include "pattern/value_line.h"
+
 #include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "pattern/dot_weave_pattern_engine.h"
-#include "pattern/in_color_records.h"
-#include "pattern/pattern_reader.h"
-#include "pattern/value_line.h"
 
 namespace zvk::Pelkraft::Testonly {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "pattern/pattern_combinations.h"
+
 #include <cstdint>
 #include <vector>
-
-#include "pattern/pattern_combinations.h"
 
 namespace zvk::Pelkraft {
 

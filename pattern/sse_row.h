@@ -1,9 +1,9 @@
 #pragma once
 
+#include "pattern/sse_transformation.h"
+
 #include <array>
 #include <cstdint>
-
-#include "pattern/sse_transformation.h"
 
 namespace zvk::Pelkraft {
 

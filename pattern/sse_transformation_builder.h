@@ -1,10 +1,10 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-
 #include "pattern/pattern_model.h"
 #include "pattern/sse_transformation.h"
+
+#include <array>
+#include <cstdint>
 
 namespace zvk::Pelkraft {
 

@@ -1,13 +1,13 @@
 #include "zvk/diagnostics.h"
 
+#include "system_tools/code_points.h"
+#include "system_tools/line_buffer.h"
+
 #include <atomic>
 #include <charconv>
 #include <cstdio>
 #include <cwchar>
 #include <limits>
-
-#include "system_tools/code_points.h"
-#include "system_tools/line_buffer.h"
 
 namespace zvk::Diagnostics {
 namespace {

@@ -1,9 +1,9 @@
 #include "zvk/system_tools.h"
 
+#include "system_tools/processor_level.h"
+
 #include <algorithm>
 #include <atomic>
-
-#include "system_tools/processor_level.h"
 
 namespace zvk::SystemTools {
 namespace {

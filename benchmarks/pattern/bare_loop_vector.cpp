@@ -1,6 +1,6 @@
-#include <tmmintrin.h>
-
 #include "benchmarks/pattern/bare_loops.h"
+
+#include <tmmintrin.h>
 
 namespace zvk::Pelkraft::Benchmarks {
 

@@ -1,12 +1,12 @@
+#include "benchmarks/pattern/bare_loops.h"
+#include "pelkraft/dot_weave_pattern.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
 #include <random>
 #include <string>
 #include <vector>
-
-#include "benchmarks/pattern/bare_loops.h"
-#include "pelkraft/dot_weave_pattern.h"
 
 // How many pixels a second each engine simulates, beside the loop that one would write by hand
 // and the least that a pixel can cost. Four in-colours, 64 combinations.

@@ -1,9 +1,9 @@
 #include "tests/chunks/chunk_image.h"
 
-#include <cstring>
-
 #include "chunks/chunk_classes.h"
 #include "chunks/chunk_facility.h"
+
+#include <cstring>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

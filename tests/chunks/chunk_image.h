@@ -1,12 +1,12 @@
 #pragma once
 
+#include "chunks/chunk_descriptors.h"
+#include "tests/support/guarded_buffer.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "chunks/chunk_descriptors.h"
-#include "tests/support/guarded_buffer.h"
 
 namespace zvk::Pelkraft::TestSupport {
 

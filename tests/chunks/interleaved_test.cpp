@@ -1,9 +1,9 @@
+#include "tests/chunks/chunk_image.h"
+#include "tests/support/random_bytes.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
-
-#include "tests/chunks/chunk_image.h"
-#include "tests/support/random_bytes.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,11 +1,11 @@
+#include "chunks/chunk_facility.h"
+#include "tests/support/guarded_buffer.h"
+#include "tests/support/random_bytes.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <vector>
-
-#include "chunks/chunk_facility.h"
-#include "tests/support/guarded_buffer.h"
-#include "tests/support/random_bytes.h"
 
 namespace zvk::Pelkraft {
 namespace {

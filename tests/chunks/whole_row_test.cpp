@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-
 #include "chunks/chunk_facility.h"
 #include "tests/chunks/chunk_image.h"
 #include "tests/support/random_bytes.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

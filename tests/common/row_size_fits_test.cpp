@@ -1,8 +1,8 @@
+#include "common/row_size.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
-
-#include "common/row_size.h"
 
 // Worked out by hand: a size fits if the number itself, and not its lowest 32 bits, is the size.
 namespace zvk::Pelkraft {

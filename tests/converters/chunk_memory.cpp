@@ -1,9 +1,9 @@
 #include "tests/converters/chunk_memory.h"
 
+#include "tests/support/random_bytes.h"
+
 #include <cstring>
 #include <numeric>
-
-#include "tests/support/random_bytes.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

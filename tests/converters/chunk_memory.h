@@ -1,10 +1,10 @@
 #pragma once
 
+#include "tests/support/guarded_buffer.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
-
-#include "tests/support/guarded_buffer.h"
 
 namespace zvk::Pelkraft::TestSupport {
 

@@ -1,11 +1,11 @@
+#include "tests/converters/chunk_memory.h"
+#include "tests/converters/step_runner.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 #include <vector>
-
-#include "tests/converters/chunk_memory.h"
-#include "tests/converters/step_runner.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,3 +1,6 @@
+#include "converters/convert_facility.h"
+#include "tests/converters/step_runner.h"
+
 #include <cxxabi.h>
 #include <gtest/gtest.h>
 
@@ -6,9 +9,6 @@
 #include <memory>
 #include <string>
 #include <typeinfo>
-
-#include "converters/convert_facility.h"
-#include "tests/converters/step_runner.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,11 +1,11 @@
+#include "converters/convert_classes.h"
+#include "tests/converters/step_runner.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
 #include <string>
 #include <vector>
-
-#include "converters/convert_classes.h"
-#include "tests/converters/step_runner.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,13 +1,13 @@
+#include "converters/convert_classes.h"
+#include "tests/converters/chunk_memory.h"
+#include "tests/converters/step_runner.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
-
-#include "converters/convert_classes.h"
-#include "tests/converters/chunk_memory.h"
-#include "tests/converters/step_runner.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

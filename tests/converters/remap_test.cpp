@@ -1,3 +1,7 @@
+#include "converters/convert_classes.h"
+#include "tests/converters/chunk_memory.h"
+#include "tests/converters/step_runner.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -5,10 +9,6 @@
 #include <random>
 #include <string>
 #include <vector>
-
-#include "converters/convert_classes.h"
-#include "tests/converters/chunk_memory.h"
-#include "tests/converters/step_runner.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,10 +1,10 @@
+#include "tests/converters/chunk_memory.h"
+#include "tests/converters/step_runner.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "tests/converters/chunk_memory.h"
-#include "tests/converters/step_runner.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "converters/convert_facility.h"
+#include "tests/support/guarded_buffer.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "converters/convert_facility.h"
-#include "tests/support/guarded_buffer.h"
 
 namespace zvk::Pelkraft::TestSupport {
 

@@ -1,10 +1,10 @@
 #include "tests/copy/copy_check.h"
 
+#include "tests/support/random_bytes.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
-
-#include "tests/support/random_bytes.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

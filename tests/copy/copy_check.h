@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tests/support/guarded_buffer.h"
+
 #include <functional>
 #include <vector>
-
-#include "tests/support/guarded_buffer.h"
 
 namespace zvk::Pelkraft::TestSupport {
 

@@ -1,11 +1,11 @@
+#include "pelkraft/copy_primitives.h"
+#include "tests/copy/copy_check.h"
+#include "tests/support/random_bytes.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <limits>
-
-#include "pelkraft/copy_primitives.h"
-#include "tests/copy/copy_check.h"
-#include "tests/support/random_bytes.h"
 
 namespace zvk::Pelkraft {
 namespace {

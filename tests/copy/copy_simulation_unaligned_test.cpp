@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <limits>
-
 #include "pelkraft/copy_primitives.h"
 #include "tests/copy/copy_check.h"
 #include "tests/support/random_bytes.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,13 +1,13 @@
+#include "pelkraft/copy_primitives.h"
+#include "tests/support/guarded_buffer.h"
+#include "tests/support/random_bytes.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <thread>
 #include <vector>
-
-#include "pelkraft/copy_primitives.h"
-#include "tests/support/guarded_buffer.h"
-#include "tests/support/random_bytes.h"
 
 namespace zvk::Pelkraft {
 namespace {

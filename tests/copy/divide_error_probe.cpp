@@ -1,9 +1,9 @@
 // Runs one simulation, given by its name, a size and a pixelBytes, and tells how much it copied.
+#include "pelkraft/copy_primitives.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-
-#include "pelkraft/copy_primitives.h"
 
 namespace {
 

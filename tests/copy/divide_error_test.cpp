@@ -1,11 +1,11 @@
+#include "copy/division.h"
+#include "pelkraft/copy_primitives.h"
+#include "tests/copy/copy_check.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <limits>
-
-#include "copy/division.h"
-#include "pelkraft/copy_primitives.h"
-#include "tests/copy/copy_check.h"
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,8 +1,8 @@
 #include "copy/group_copy.h"
 
-#include <gtest/gtest.h>
-
 #include "tests/copy/copy_check.h"
+
+#include <gtest/gtest.h>
 
 namespace zvk::Pelkraft {
 namespace {

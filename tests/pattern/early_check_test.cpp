@@ -1,5 +1,7 @@
 #include "pattern/early_check.h"
 
+#include "tests/pattern/pattern_support.h"
+
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -7,8 +9,6 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
-
-#include "tests/pattern/pattern_support.h"
 
 namespace zvk::Pelkraft {
 namespace {

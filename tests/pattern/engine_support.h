@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "pelkraft/dot_weave_pattern.h"
 #include "tests/pattern/naive_pattern.h"
+
+#include <cstdint>
+#include <string>
 
 namespace zvk::Pelkraft::TestSupport {
 

@@ -1,10 +1,10 @@
 #include "pattern/fraction.h"
 
+#include "tests/pattern/pattern_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
-
-#include "tests/pattern/pattern_support.h"
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,13 +1,13 @@
+#include "pattern/pattern_converter_sse.h"
+#include "pattern/pattern_converter_x86.h"
+#include "tests/pattern/pattern_support.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "pattern/pattern_converter_sse.h"
-#include "pattern/pattern_converter_x86.h"
-#include "tests/pattern/pattern_support.h"
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,10 +1,10 @@
 #include "tests/pattern/naive_pattern.h"
 
-#include <algorithm>
-#include <numeric>
-
 #include "tests/pattern/naive_random.h"
 #include "tests/pattern/pattern_support.h"
+
+#include <algorithm>
+#include <numeric>
 
 namespace zvk::Pelkraft::TestSupport {
 

@@ -1,8 +1,8 @@
 #include "tests/pattern/naive_reference.h"
 
-#include <numeric>
-
 #include "tests/pattern/naive_random.h"
+
+#include <numeric>
 
 namespace zvk::Pelkraft::TestSupport {
 

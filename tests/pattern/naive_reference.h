@@ -1,10 +1,10 @@
 #pragma once
 
+#include "tests/pattern/naive_pattern.h"
+
 #include <cstdint>
 #include <map>
 #include <vector>
-
-#include "tests/pattern/naive_pattern.h"
 
 namespace zvk::Pelkraft::TestSupport {
 

@@ -1,10 +1,10 @@
+#include "tests/pattern/pattern_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "tests/pattern/pattern_support.h"
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,12 +1,12 @@
 #include "pelkraft/dot_weave_pattern.h"
 
+#include "tests/pattern/pattern_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 #include <type_traits>
-
-#include "tests/pattern/pattern_support.h"
 
 // The place of the fields and the absence of a virtual table are what programs built elsewhere
 // rely on.

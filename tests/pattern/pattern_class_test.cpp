@@ -1,14 +1,5 @@
 #include "pelkraft/dot_weave_pattern.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <type_traits>
-#include <utility>
-#include <vector>
-
 #include "pattern/pattern_engine_sse.h"
 #include "pattern/pattern_engine_x86.h"
 #include "pattern/random_field.h"
@@ -18,6 +9,15 @@
 #include "tests/pattern/engine_support.h"
 #include "tests/pattern/pattern_support.h"
 #include "zvk/system_tools.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "pattern/dot_weave_pattern_converter.h"
+
 #include <functional>
 #include <string>
-
-#include "pattern/dot_weave_pattern_converter.h"
 
 namespace zvk::Pelkraft::TestSupport {
 

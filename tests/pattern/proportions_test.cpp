@@ -1,11 +1,11 @@
+#include "tests/pattern/engine_support.h"
+#include "tests/pattern/pattern_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <string>
 #include <vector>
-
-#include "tests/pattern/engine_support.h"
-#include "tests/pattern/pattern_support.h"
 
 namespace zvk::Pelkraft {
 namespace {

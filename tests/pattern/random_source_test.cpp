@@ -1,12 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cstdint>
-#include <memory>
-#include <random>
-#include <vector>
-
 #include "pattern/combination_draw.h"
 #include "pattern/jump_table.h"
 #include "pattern/linear_random.h"
@@ -18,6 +9,15 @@
 #include "pattern/sse_transformation.h"
 #include "tests/pattern/naive_random.h"
 #include "tests/pattern/pattern_support.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <vector>
 
 namespace zvk::Pelkraft {
 namespace {

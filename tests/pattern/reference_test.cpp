@@ -1,10 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <random>
-#include <string>
-#include <vector>
-
 #include "pattern/random_field.h"
 #include "pattern/random_old_setting.h"
 #include "pattern/reference_pattern.h"
@@ -13,6 +6,13 @@
 #include "tests/pattern/naive_random.h"
 #include "tests/pattern/naive_reference.h"
 #include "tests/pattern/pattern_support.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
 
 namespace zvk::Pelkraft {
 namespace {

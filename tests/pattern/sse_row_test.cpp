@@ -1,13 +1,13 @@
 #include "pattern/sse_row.h"
 
+#include "tests/support/guarded_buffer.h"
+#include "tests/support/random_bytes.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstring>
 #include <vector>
-
-#include "tests/support/guarded_buffer.h"
-#include "tests/support/random_bytes.h"
 
 #if defined(PELKRAFT_VECTOR_ROAD)
 

@@ -1,3 +1,6 @@
+#include "pattern/sse_transformation_builder.h"
+#include "tests/pattern/pattern_support.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,9 +10,6 @@
 #include <random>
 #include <string>
 #include <vector>
-
-#include "pattern/sse_transformation_builder.h"
-#include "tests/pattern/pattern_support.h"
 
 namespace zvk::Pelkraft {
 namespace {

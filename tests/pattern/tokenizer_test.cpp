@@ -1,13 +1,13 @@
 #include "pattern/tokenizer.h"
 
+#include "pattern/number_text.h"
+#include "pattern/upper_case.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "pattern/number_text.h"
-#include "pattern/upper_case.h"
 
 namespace zvk::Pelkraft {
 namespace {

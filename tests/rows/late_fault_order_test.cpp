@@ -1,9 +1,9 @@
+#include "pelkraft/image_row.h"
+#include "tests/rows/refusal.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "pelkraft/image_row.h"
-#include "tests/rows/refusal.h"
 
 // The faults that a row's geometry alone has, once a chain is chosen.
 namespace zvk::Pelkraft::TestSupport {

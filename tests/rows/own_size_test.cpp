@@ -1,8 +1,8 @@
+#include "pelkraft/image_row.h"
+
 #include <gtest/gtest.h>
 
 #include <new>
-
-#include "pelkraft/image_row.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

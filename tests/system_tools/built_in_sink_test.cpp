@@ -1,3 +1,7 @@
+#include "tests/system_tools/recording_sink.h"
+#include "tests/system_tools/standard_error_capture.h"
+#include "zvk/diagnostics.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -5,10 +9,6 @@
 #include <cstdlib>
 #include <cwchar>
 #include <string>
-
-#include "tests/system_tools/recording_sink.h"
-#include "tests/system_tools/standard_error_capture.h"
-#include "zvk/diagnostics.h"
 
 namespace zvk::Diagnostics {
 namespace {

@@ -1,3 +1,6 @@
+#include "tests/system_tools/recording_sink.h"
+#include "zvk/diagnostics.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -5,9 +8,6 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include "tests/system_tools/recording_sink.h"
-#include "zvk/diagnostics.h"
 
 namespace zvk::Diagnostics {
 namespace {

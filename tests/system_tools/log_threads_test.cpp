@@ -1,3 +1,7 @@
+#include "tests/system_tools/recording_sink.h"
+#include "tests/system_tools/standard_error_capture.h"
+#include "zvk/diagnostics.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -7,10 +11,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "tests/system_tools/recording_sink.h"
-#include "tests/system_tools/standard_error_capture.h"
-#include "zvk/diagnostics.h"
 
 namespace zvk::Diagnostics {
 namespace {

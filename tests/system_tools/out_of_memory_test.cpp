@@ -1,3 +1,8 @@
+#include "system_tools/line_buffer.h"
+#include "tests/system_tools/denied_memory.h"
+#include "tests/system_tools/standard_error_capture.h"
+#include "zvk/diagnostics.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -5,11 +10,6 @@
 #include <cwchar>
 #include <new>
 #include <string>
-
-#include "system_tools/line_buffer.h"
-#include "tests/system_tools/denied_memory.h"
-#include "tests/system_tools/standard_error_capture.h"
-#include "zvk/diagnostics.h"
 
 namespace zvk::Diagnostics {
 namespace {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "zvk/diagnostics.h"
+
 #include <mutex>
 #include <string>
 #include <vector>
-
-#include "zvk/diagnostics.h"
 
 namespace zvk::Diagnostics {
 

@@ -1,9 +1,9 @@
+#include "tests/tools/tool_fixture.h"
+
 #include <fstream>
 #include <regex>
 #include <sstream>
 #include <string>
-
-#include "tests/tools/tool_fixture.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

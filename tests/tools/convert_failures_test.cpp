@@ -1,3 +1,6 @@
+#include "tests/support/random_bytes.h"
+#include "tests/tools/tool_fixture.h"
+
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -6,9 +9,6 @@
 #include <chrono>
 #include <cstring>
 #include <thread>
-
-#include "tests/support/random_bytes.h"
-#include "tests/tools/tool_fixture.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,8 +1,8 @@
-#include <cstring>
-#include <memory>
-
 #include "tests/tools/expected_image.h"
 #include "tests/tools/tool_fixture.h"
+
+#include <cstring>
+#include <memory>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <vector>
-
 #include "tests/tools/tiff_image.h"
+
+#include <vector>
 
 namespace zvk::Pelkraft::TestSupport {
 

@@ -1,11 +1,11 @@
+#include "tests/tools/pattern_texts.h"
+#include "tests/tools/tool_fixture.h"
+#include "tests/tools/well_formed.h"
+
 #include <nlohmann/json.hpp>
 
 #include <cmath>
 #include <sstream>
-
-#include "tests/tools/pattern_texts.h"
-#include "tests/tools/tool_fixture.h"
-#include "tests/tools/well_formed.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

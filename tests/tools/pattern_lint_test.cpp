@@ -1,9 +1,9 @@
+#include "tests/tools/pattern_texts.h"
+#include "tests/tools/tool_fixture.h"
+
 #include <nlohmann/json.hpp>
 
 #include <ostream>
-
-#include "tests/tools/pattern_texts.h"
-#include "tests/tools/tool_fixture.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,14 +1,14 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <set>
-#include <sstream>
-
 #include "pelkraft/dot_weave_pattern.h"
 #include "tests/support/random_bytes.h"
 #include "tests/tools/pattern_texts.h"
 #include "tools/pelkraft/ink_shares.h"
 #include "tools/pelkraft/pattern_report.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <sstream>
 
 // The program's own reading of a text against what the library does with the same text.
 namespace zvk::Pelkraft::TestSupport {

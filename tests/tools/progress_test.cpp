@@ -1,10 +1,10 @@
+#include "tests/tools/tool_fixture.h"
+
 #include <fcntl.h>
 #include <stdlib.h>
 #include <unistd.h>
 
 #include <stdexcept>
-
-#include "tests/tools/tool_fixture.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,9 +1,9 @@
+#include "tests/tools/simulate_fixture.h"
+
 #include <signal.h>
 
 #include <chrono>
 #include <thread>
-
-#include "tests/tools/simulate_fixture.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "tests/tools/pattern_texts.h"
 #include "tests/tools/tool_fixture.h"
+
+#include <string>
+#include <vector>
 
 namespace zvk::Pelkraft::TestSupport {
 

@@ -1,9 +1,9 @@
+#include "tests/tools/simulate_fixture.h"
+
 #include <png.h>
 
 #include <array>
 #include <cmath>
-
-#include "tests/tools/simulate_fixture.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

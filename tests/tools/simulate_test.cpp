@@ -1,9 +1,9 @@
-#include <cstring>
-
 #include "pelkraft/dot_weave_pattern.h"
 #include "tests/support/random_bytes.h"
 #include "tests/tools/simulate_fixture.h"
 #include "zvk/system_tools.h"
+
+#include <cstring>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,11 +1,11 @@
 #include "tests/tools/tiff_image.h"
 
+#include "tests/support/random_bytes.h"
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
-
-#include "tests/support/random_bytes.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "tests/tools/subprocess.h"
+#include "tests/tools/tiff_image.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,9 +13,6 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include "tests/tools/subprocess.h"
-#include "tests/tools/tiff_image.h"
 
 namespace zvk::Pelkraft::TestSupport {
 

@@ -1,5 +1,7 @@
 #include "tools/pelkraft/atomic_output.h"
 
+#include "tools/pelkraft/failure.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,8 +12,6 @@
 #include <cstring>
 #include <filesystem>
 #include <utility>
-
-#include "tools/pelkraft/failure.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

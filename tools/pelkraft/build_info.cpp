@@ -1,5 +1,7 @@
 #include "tools/pelkraft/build_info.h"
 
+#include "zvk/system_tools.h"
+
 #include <CLI/CLI.hpp>
 #include <png.h>
 #include <tiffio.h>
@@ -7,8 +9,6 @@
 #include <array>
 #include <sstream>
 #include <string>
-
-#include "zvk/system_tools.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

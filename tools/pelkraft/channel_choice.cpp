@@ -1,9 +1,9 @@
 #include "tools/pelkraft/channel_choice.h"
 
-#include <algorithm>
-
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/pattern_words.h"
+
+#include <algorithm>
 
 namespace zvk::Pelkraft::Client {
 namespace {

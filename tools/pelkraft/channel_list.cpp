@@ -1,10 +1,10 @@
 #include "tools/pelkraft/channel_list.h"
 
+#include "tools/pelkraft/failure.h"
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
-
-#include "tools/pelkraft/failure.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

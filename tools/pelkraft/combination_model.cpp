@@ -1,11 +1,11 @@
 #include "tools/pelkraft/combination_model.h"
 
+#include "tools/pelkraft/stored_places.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numeric>
-
-#include "tools/pelkraft/stored_places.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

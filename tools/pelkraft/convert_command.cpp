@@ -1,16 +1,16 @@
 #include "tools/pelkraft/convert_command.h"
 
-#include <CLI/CLI.hpp>
-
-#include <chrono>
-#include <cstdio>
-
 #include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/explain.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/page_conversion.h"
 #include "tools/pelkraft/workers.h"
+
+#include <CLI/CLI.hpp>
+
+#include <chrono>
+#include <cstdio>
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,10 +1,10 @@
 #include "tools/pelkraft/draw_lints.h"
 
+#include "tools/pelkraft/outline_cursor.h"
+
 #include <algorithm>
 #include <numeric>
 #include <utility>
-
-#include "tools/pelkraft/outline_cursor.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,8 +1,8 @@
 #include "tools/pelkraft/early_version.h"
 
-#include <algorithm>
-
 #include "tools/pelkraft/pattern_words.h"
+
+#include <algorithm>
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "tools/pelkraft/pattern_text.h"
+
 #include <cstdint>
 #include <optional>
 #include <string_view>
-
-#include "tools/pelkraft/pattern_text.h"
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "tools/pelkraft/page_conversion.h"
+
+#include <string>
 
 namespace zvk::Pelkraft::Client {
 

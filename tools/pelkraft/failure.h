@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tools/pelkraft/exit_code.h"
+
 #include <exception>
 #include <string>
-
-#include "tools/pelkraft/exit_code.h"
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "tools/pelkraft/pattern_text.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "tools/pelkraft/pattern_text.h"
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,12 +1,12 @@
 #include "tools/pelkraft/ink_colours.h"
 
+#include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/pattern_words.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
-
-#include "tools/pelkraft/failure.h"
-#include "tools/pelkraft/pattern_words.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
+
+#include <string>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 

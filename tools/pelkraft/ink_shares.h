@@ -1,10 +1,10 @@
 #pragma once
 
-#include <vector>
-
 #include "pelkraft/dot_weave_pattern.h"
 #include "tools/pelkraft/combination_model.h"
 #include "tools/pelkraft/pattern_outline.h"
+
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,8 +1,8 @@
 #include "tools/pelkraft/interrupt.h"
 
-#include <csignal>
-
 #include "tools/pelkraft/failure.h"
+
+#include <csignal>
 
 namespace zvk::Pelkraft::Client {
 namespace {

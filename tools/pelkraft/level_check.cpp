@@ -1,10 +1,10 @@
 #include "tools/pelkraft/level_check.h"
 
+#include "tools/pelkraft/tones.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-
-#include "tools/pelkraft/tones.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <vector>
-
 #include "tools/pelkraft/plan.h"
+
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/pattern_words.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
-
-#include "tools/pelkraft/findings.h"
-#include "tools/pelkraft/pattern_words.h"
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,10 +1,10 @@
 #include "tools/pelkraft/outline_reader.h"
 
-#include <algorithm>
-
 #include "tools/pelkraft/early_version.h"
 #include "tools/pelkraft/outline_cursor.h"
 #include "tools/pelkraft/value_line_reader.h"
+
+#include <algorithm>
 
 namespace zvk::Pelkraft::Client {
 namespace {

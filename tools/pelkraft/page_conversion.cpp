@@ -1,8 +1,5 @@
 #include "tools/pelkraft/page_conversion.h"
 
-#include <algorithm>
-#include <limits>
-
 #include "pelkraft/image_row.h"
 #include "tools/pelkraft/channel_list.h"
 #include "tools/pelkraft/failure.h"
@@ -13,6 +10,9 @@
 #include "tools/pelkraft/tag_writer.h"
 #include "tools/pelkraft/workers.h"
 #include "zvk/system_tools.h"
+
+#include <algorithm>
+#include <limits>
 
 namespace zvk::Pelkraft::Client {
 namespace {

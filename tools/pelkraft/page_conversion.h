@@ -1,14 +1,14 @@
 #pragma once
 
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "tools/pelkraft/page_tags.h"
 #include "tools/pelkraft/plan.h"
 #include "tools/pelkraft/progress.h"
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
+
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 

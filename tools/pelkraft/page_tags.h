@@ -1,12 +1,12 @@
 #pragma once
 
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "tools/pelkraft/ink_names.h"
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
+
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 

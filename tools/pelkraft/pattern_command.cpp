@@ -1,12 +1,12 @@
 #include "tools/pelkraft/pattern_command.h"
 
-#include <CLI/CLI.hpp>
-
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/pattern_report.h"
 #include "tools/pelkraft/share_plot.h"
 #include "tools/pelkraft/text_output.h"
+
+#include <CLI/CLI.hpp>
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <memory>
-
 #include "tools/pelkraft/subcommand.h"
+
+#include <memory>
 
 namespace zvk::Pelkraft::Client {
 

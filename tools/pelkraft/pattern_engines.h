@@ -1,12 +1,12 @@
 #pragma once
 
+#include "pelkraft/dot_weave_pattern.h"
+#include "tools/pelkraft/pattern_text.h"
+
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "pelkraft/dot_weave_pattern.h"
-#include "tools/pelkraft/pattern_text.h"
 
 namespace zvk::Pelkraft::Client {
 

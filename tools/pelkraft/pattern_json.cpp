@@ -1,6 +1,6 @@
-#include <nlohmann/json.hpp>
-
 #include "tools/pelkraft/pattern_report.h"
+
+#include <nlohmann/json.hpp>
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,10 +1,10 @@
 #include "tools/pelkraft/pattern_lints.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "tools/pelkraft/draw_lints.h"
 #include "tools/pelkraft/outline_cursor.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {

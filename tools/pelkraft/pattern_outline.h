@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/pelkraft/pattern_text.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -7,8 +9,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "tools/pelkraft/pattern_text.h"
 
 namespace zvk::Pelkraft::Client {
 

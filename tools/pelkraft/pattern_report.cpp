@@ -1,10 +1,10 @@
 #include "tools/pelkraft/pattern_report.h"
 
-#include <algorithm>
-#include <cstdio>
-
 #include "tools/pelkraft/outline_reader.h"
 #include "tools/pelkraft/pattern_lints.h"
+
+#include <algorithm>
+#include <cstdio>
 
 namespace zvk::Pelkraft::Client {
 namespace {

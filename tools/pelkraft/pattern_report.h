@@ -1,14 +1,14 @@
 #pragma once
 
-#include <map>
-#include <string>
-#include <vector>
-
 #include "tools/pelkraft/combination_model.h"
 #include "tools/pelkraft/exit_code.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/pattern_outline.h"
+
+#include <map>
+#include <string>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,5 +1,7 @@
 #include "tools/pelkraft/pattern_text.h"
 
+#include "tools/pelkraft/failure.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,8 +10,6 @@
 #include <cerrno>
 #include <cstring>
 #include <utility>
-
-#include "tools/pelkraft/failure.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,10 +1,10 @@
 #include "tools/pelkraft/plan.h"
 
+#include "tools/pelkraft/failure.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-
-#include "tools/pelkraft/failure.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

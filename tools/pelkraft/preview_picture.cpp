@@ -1,5 +1,7 @@
 #include "tools/pelkraft/preview_picture.h"
 
+#include "tools/pelkraft/failure.h"
+
 #include <png.h>
 #include <unistd.h>
 
@@ -8,8 +10,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-
-#include "tools/pelkraft/failure.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "tools/pelkraft/ink_colours.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "tools/pelkraft/ink_colours.h"
 
 namespace zvk::Pelkraft::Client {
 

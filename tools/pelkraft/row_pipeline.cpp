@@ -1,13 +1,13 @@
 #include "tools/pelkraft/row_pipeline.h"
 
-#include <cstring>
-#include <new>
-
 #include "pelkraft/image_row.h"
 #include "tools/pelkraft/bit_weave.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/level_check.h"
 #include "tools/pelkraft/tones.h"
+
+#include <cstring>
+#include <new>
 
 namespace zvk::Pelkraft::Client {
 namespace {

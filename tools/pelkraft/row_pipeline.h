@@ -1,10 +1,10 @@
 #pragma once
 
+#include "tools/pelkraft/plan.h"
+
 #include <cstddef>
 #include <memory>
 #include <vector>
-
-#include "tools/pelkraft/plan.h"
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,11 +1,11 @@
 #include "tools/pelkraft/row_readers.h"
 
+#include "tools/pelkraft/failure.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
-
-#include "tools/pelkraft/failure.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

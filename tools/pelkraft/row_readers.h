@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tools/pelkraft/tiff_picture.h"
+
 #include <cstdint>
 #include <memory>
-
-#include "tools/pelkraft/tiff_picture.h"
 
 namespace zvk::Pelkraft::Client {
 

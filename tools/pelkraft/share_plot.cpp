@@ -1,11 +1,11 @@
 #include "tools/pelkraft/share_plot.h"
 
+#include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/ink_colours.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-
-#include "tools/pelkraft/findings.h"
-#include "tools/pelkraft/ink_colours.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tools/pelkraft/ink_shares.h"
+
 #include <string>
 #include <vector>
-
-#include "tools/pelkraft/ink_shares.h"
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,13 +1,5 @@
 #include "tools/pelkraft/simulate_command.h"
 
-#include <CLI/CLI.hpp>
-
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <filesystem>
-#include <optional>
-
 #include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
@@ -16,6 +8,14 @@
 #include "tools/pelkraft/pattern_words.h"
 #include "tools/pelkraft/simulation.h"
 #include "tools/pelkraft/workers.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
 
 namespace zvk::Pelkraft::Client {
 namespace {

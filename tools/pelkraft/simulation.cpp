@@ -1,8 +1,5 @@
 #include "tools/pelkraft/simulation.h"
 
-#include <algorithm>
-#include <limits>
-
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/outline_reader.h"
@@ -12,6 +9,9 @@
 #include "tools/pelkraft/strip_writer.h"
 #include "tools/pelkraft/tag_writer.h"
 #include "tools/pelkraft/workers.h"
+
+#include <algorithm>
+#include <limits>
 
 namespace zvk::Pelkraft::Client {
 namespace {

@@ -1,10 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "pelkraft/dot_weave_pattern.h"
 #include "tools/pelkraft/channel_choice.h"
 #include "tools/pelkraft/ink_colours.h"
@@ -15,6 +10,11 @@
 #include "tools/pelkraft/progress.h"
 #include "tools/pelkraft/step_levels.h"
 #include "tools/pelkraft/tiff_file.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 

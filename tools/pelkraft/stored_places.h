@@ -1,11 +1,11 @@
 #pragma once
 
+#include "tools/pelkraft/pattern_outline.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
-
-#include "tools/pelkraft/pattern_outline.h"
 
 namespace zvk::Pelkraft::Client {
 

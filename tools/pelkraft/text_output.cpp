@@ -1,12 +1,12 @@
 #include "tools/pelkraft/text_output.h"
 
+#include "tools/pelkraft/atomic_output.h"
+#include "tools/pelkraft/failure.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
-
-#include "tools/pelkraft/atomic_output.h"
-#include "tools/pelkraft/failure.h"
 
 namespace zvk::Pelkraft::Client {
 

@@ -1,5 +1,7 @@
 #include "tools/pelkraft/tiff_file.h"
 
+#include "tools/pelkraft/failure.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,8 +11,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-
-#include "tools/pelkraft/failure.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

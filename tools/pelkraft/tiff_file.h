@@ -1,13 +1,13 @@
 #pragma once
 
+#include "tools/pelkraft/exit_code.h"
+
 #include <tiffio.h>
 
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "tools/pelkraft/exit_code.h"
 
 namespace zvk::Pelkraft::Client {
 

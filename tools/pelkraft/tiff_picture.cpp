@@ -1,9 +1,9 @@
 #include "tools/pelkraft/tiff_picture.h"
 
+#include "tools/pelkraft/failure.h"
+
 #include <algorithm>
 #include <limits>
-
-#include "tools/pelkraft/failure.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {

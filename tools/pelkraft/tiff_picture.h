@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tools/pelkraft/tiff_file.h"
+
 #include <cstdint>
 #include <string>
-
-#include "tools/pelkraft/tiff_file.h"
 
 namespace zvk::Pelkraft::Client {
 

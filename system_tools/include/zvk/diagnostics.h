@@ -1,8 +1,8 @@
 #pragma once
 
-#include <exception>
-
 #include "zvk/system_tools_export.h"
+
+#include <exception>
 
 #if defined(_WIN32)
 struct _EXCEPTION_POINTERS;

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "zvk/system_tools_export.h"
+
 #include <string>
 #include <vector>
-
-#include "zvk/system_tools_export.h"
 
 namespace zvk {
 
