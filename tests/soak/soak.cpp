@@ -21,6 +21,7 @@
 #include "tests/support/random_bytes.h"
 #include "zvk/diagnostics.h"
 
+#include <malloc.h>
 #include <unistd.h>
 
 // soak SECONDS THREADS: random conversions, patterns and copies on all threads, each result held
@@ -153,8 +154,10 @@ void Work(std::uint32_t seed, Clock::time_point end, Tally& tally)
     }
 }
 
+// What the allocator merely keeps goes back first, so that what the library keeps shows.
 long ResidentPages()
 {
+    malloc_trim(0);
     std::ifstream numbers("/proc/self/statm");
     long size = 0;
     long resident = 0;
@@ -178,6 +181,9 @@ double Growth(const std::vector<long>& samples)
     return late / early - 1;
 }
 
+// Told now and then, for whoever watches.
+constexpr std::size_t samplesInFiveMinutes = 600;
+
 int Soak(int seconds, int threads)
 {
     SilentSink sink;
@@ -189,10 +195,13 @@ int Soak(int seconds, int threads)
         workers.emplace_back(Work, 1000U + static_cast<std::uint32_t>(i), end, std::ref(tally));
     // Its room is taken at once: it must not grow either.
     std::vector<long> samples;
-    samples.reserve(static_cast<std::size_t>(seconds) * 5 + 100);
+    samples.reserve(static_cast<std::size_t>(seconds) * 2 + 100);
     while (Clock::now() < end) {
         samples.push_back(ResidentPages());
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        if (samples.size() % samplesInFiveMinutes == 0)
+            std::fprintf(stderr, "%zu min: %ld pages, %llu conversions\n", samples.size() / 120,
+                         samples.back(), static_cast<unsigned long long>(tally.conversions));
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
     }
     for (std::thread& worker : workers)
         worker.join();
