@@ -1,3 +1,6 @@
+#include "tools/pelkraft/exit_code.h"
+#include "tools/pelkraft/program.h"
+
 #include <tiffio.h>
 #include <unistd.h>
 
@@ -10,9 +13,6 @@
 #include <iterator>
 #include <string>
 #include <vector>
-
-#include "tools/pelkraft/exit_code.h"
-#include "tools/pelkraft/program.h"
 
 // Any bytes as a TIFF file, or as a pattern, for each verb of the program. Whatever they are, the
 // program ends with one of its codes; the new file is there and readable if that means success,

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tests/support/naive_conversion.h"
+
 #include <utility>
 #include <vector>
-
-#include "tests/support/naive_conversion.h"
 
 // What a conversion can be asked for, to draw from or to go through.
 namespace zvk::Pelkraft::TestSupport {

@@ -1,17 +1,17 @@
 #include "tools/pelkraft/program.h"
 
-#include <CLI/CLI.hpp>
-
-#include <iostream>
-#include <memory>
-#include <vector>
-
 #include "tools/pelkraft/build_info.h"
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/pattern_command.h"
 #include "tools/pelkraft/simulate_command.h"
 #include "zvk/diagnostics.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <memory>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 namespace {
