@@ -3,6 +3,7 @@
 #   setup.sh demo     to build the library and the program, and to run the demo on its page
 #   setup.sh test     to build and run all tests, sanitizers too
 #   setup.sh package  to make the Debian packages
+#   setup.sh package_check  to try them on a bare Debian
 #   setup.sh docs     to build the reference of the public headers
 #   setup.sh bench    to build and run the benchmarks
 # Without a name it takes what the tests need, which is the most.
@@ -18,10 +19,11 @@ case "${1:-test}" in
 demo) wanted=("${build_packages[@]}" "${picture_packages[@]}" ghostscript-doc) ;;
 test) wanted=("${build_packages[@]}" "${picture_packages[@]}" "${test_packages[@]}") ;;
 package) wanted=("${build_packages[@]}" dpkg-dev file) ;;
+package_check) wanted=(debootstrap "${picture_packages[@]}") ;;
 docs) wanted=(doxygen) ;;
 bench) wanted=("${build_packages[@]}" clang libbenchmark-dev libgtest-dev) ;;
 *)
-    echo "usage: bash scripts/setup.sh [demo|test|package|docs|bench]" >&2
+    echo "usage: bash scripts/setup.sh [demo|test|package|package_check|docs|bench]" >&2
     exit 2
     ;;
 esac

@@ -8,6 +8,13 @@ trap 'rm -rf "$work"' EXIT
 pkg_config_dir=$(dirname "$(find "$prefix" -name pelkraft.pc)")
 lib_dir=$(dirname "$pkg_config_dir")
 
+# A block of the README, by its language.
+readme_block() {
+    awk -v fence="\`\`\`$1" '$0 == fence {inside = 1; next} /^```$/ {inside = 0} inside' \
+        "$source_dir/README.md"
+}
+readme_block cpp >"$work/readme.cpp"
+
 for standard in 11 20; do
     echo "a CMake project in C++$standard, with find_package"
     cmake -S "$here/consumer" -B "$work/consumer$standard" -G Ninja \
@@ -25,21 +32,33 @@ export PKG_CONFIG_PATH=$work/prefix/${pkg_config_dir#"$prefix"/}
 kind=
 [ -e "$lib_dir/libpelkraft.so" ] || kind=--static
 read -ra flags <<<"$(pkg-config --cflags --libs $kind pelkraft)"
-awk '/^```cpp$/ {inside = 1; next} /^```$/ {inside = 0} inside' "$source_dir/README.md" \
-    >"$work/readme.cpp"
 "$compiler" -std=c++11 -Wall -Wextra -Wpedantic -Werror "$work/readme.cpp" "${flags[@]}" \
     -o "$work/readme" -Wl,-rpath-link,"$lib_dir"
 
-echo "the README's example prints what its comment says"
+echo "the README's lines for CMake"
+mkdir "$work/my_rip"
+{
+    echo 'cmake_minimum_required(VERSION 3.25)'
+    echo 'project(my_rip LANGUAGES CXX)'
+    echo 'add_executable(my_rip ../readme.cpp)'
+    readme_block cmake
+} >"$work/my_rip/CMakeLists.txt"
+cmake -S "$work/my_rip" -B "$work/my_rip/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
+cmake --build "$work/my_rip/build" >/dev/null
+
+echo "the README's example prints what its comment says, built either way"
 expected=$(sed -n 's|.*std::printf.*// ||p' "$work/readme.cpp")
-printed=$(LD_LIBRARY_PATH=$lib_dir "$work/readme")
-if [ -z "$expected" ] || [ "${printed% }" != "$expected" ]; then
-    echo "expected '$expected', printed '$printed'" >&2
-    exit 1
-fi
+for program in "$work/readme" "$work/my_rip/build/my_rip"; do
+    printed=$(LD_LIBRARY_PATH=$lib_dir "$program")
+    if [ -z "$expected" ] || [ "${printed% }" != "$expected" ]; then
+        echo "expected '$expected', printed '$printed'" >&2
+        exit 1
+    fi
+done
 
 echo "every public header alone, from C++11 to C++20"
-(cd "$prefix/include" && find . -name '*.h') | while read -r header; do
+(cd "$prefix/include" && find pelkraft zvk -name '*.h') | while read -r header; do
     echo "#include \"$header\"" >"$work/alone.cpp"
     for standard in 11 14 17 20; do
         "$compiler" -std=c++$standard -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror \
