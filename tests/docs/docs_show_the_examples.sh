@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Every C++ block of the pages stands behind a line that names its program, and is that program
-# to the letter; every program is shown. docs_show_the_examples.sh SOURCE_DIR
+# to the letter; every program is shown, every pattern and picture spoken of, and every text that
+# the header of patterns promises to throw: docs_show_the_examples.sh SOURCE_DIR
 set -euo pipefail
 cd "$1"
 work=$(mktemp -d)
@@ -23,4 +24,16 @@ for program in examples/*.cpp; do
         status=1
     fi
 done
+for file in examples/patterns/* docs/pictures/*; do
+    if ! grep -qF "${file#docs/}" docs/*.md; then
+        echo "no page speaks of $file" >&2
+        status=1
+    fi
+done
+while IFS= read -r text; do
+    if ! grep -qF "| \`$text\` |" docs/failures.md; then
+        echo "docs/failures.md doesn't have: $text" >&2
+        status=1
+    fi
+done < <(sed -nE 's|^// +"([^"]+)".*|\1|p' include/pelkraft/dot_weave_pattern.h)
 exit $status

@@ -1,0 +1,207 @@
+#!/usr/bin/env bash
+# Runs what a page shows: run_page.sh SOURCE_DIR PREFIX PAGE
+#   ```sh       commands, in a copy of the files that pages speak of
+#   ```console  commands behind "$ ", whose output is compared with the lines below
+#   ```text     a dot pattern, the file that a comment above names; loads without a finding
+#   ```         what the example above prints, as in its .expected file
+#   ```cpp      an example, which docs_show_the_examples compares; README's runs in customers.sh
+#   ```cmake    README's, which runs in customers.sh
+# Any other block fails. Commands within the text run too, by the first words that run_inline knows.
+# Pictures that a page shows must come out of its commands as they are in docs/pictures/.
+set -euo pipefail
+source_dir=$1 prefix=$2 page=$3
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+blocks=$work/blocks
+tree=$work/tree
+status=0
+fail() {
+    echo "$page: $*" >&2
+    status=1
+}
+
+# Each block in a file NUMBER.LANGUAGE; the name from a comment above goes to ....LANGUAGE.name.
+split_page() {
+    mkdir "$blocks"
+    awk -v blocks="$blocks" '
+        /^```/ && file == "" {
+            file = sprintf("%s/%03d.%s", blocks, ++count, substr($0, 4))
+            printf "" >file
+            if (name != "")
+                print name >(file ".name")
+            next
+        }
+        /^```$/ { close(file); file = name = ""; next }
+        file != "" { print >file; next }
+        /^<!-- .* -->$/ { name = $2 }
+        END { exit file != "" }' "$source_dir/$page" || fail "a block has no end"
+}
+
+# The code between single backticks, one in a line.
+inline_code() {
+    awk '/^```/ { inside = !inside; next } !inside' "$source_dir/$page" |
+        awk -v RS='`' 'NR % 2 == 0 { gsub(/[ \n]+/, " "); print }'
+}
+
+# The installed program and package, beside what the pages' commands read.
+make_tree() {
+    PATH=$prefix/bin:$PATH
+    PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name pelkraft.pc)")
+    export PATH PKG_CONFIG_PATH
+    mkdir -p "$tree/docs" "$tree/examples"
+    cp "$source_dir"/examples/*.cpp "$tree"
+    cp -r "$source_dir/examples/patterns" "$tree/examples"
+    cp -r "$source_dir/docs/pictures" "$tree/docs"
+    rm -f "$tree"/docs/pictures/*.png "$tree"/docs/pictures/*.svg
+    # What usage lines call their files.
+    cp "$source_dir/examples/patterns/six_ink.txt" "$tree/PATTERN"
+    cp "$tree/PATTERN" "$tree/FILE"
+    gs -q -dSAFER -sDEVICE=tiff32nc -r36 -o "$tree/IN.tif" \
+        "$source_dir/tests/tools/cmyk_spot_page.ps"
+}
+
+# A script that builds for minutes is not run here but looked at: it must parse, and take the words
+# behind its name. Whole, test.sh runs on each push, and with it setup.sh, package.sh, evidence.sh
+# --sample and, by the test reference_is_whole, docs.sh. By hand run demo.sh and package_check.sh
+# before a release, mutants.sh and abi.sh as CONTRIBUTING.md says; bench.sh and evidence.sh write
+# docs/benchmarks.md and docs/reliability.md.
+look_at_script() {
+    local script=$1 word code
+    bash -n "$source_dir/$script" || { fail "$script isn't there, or doesn't parse"; return; }
+    code=$(code_of "$source_dir/$script")
+    for word in "${@:2}"; do
+        if [ "$script" = scripts/evidence.sh ] && [[ $word != --* ]]; then
+            takes_line "$word" || fail "evidence.sh has no line $word"
+        else
+            has_word "$word" <<<"$code" || fail "$script takes no $word"
+        fi
+    done
+}
+code_of() { cat "$@" | grep -Ev '^ *(#|echo)'; }
+has_word() { grep -qE -- "(^|[ |\"])$1([ )|\"]|\$)"; }
+
+# A line of the evidence that has been gathered has a script.
+takes_line() {
+    [ -f "$source_dir/scripts/evidence/$1.sh" ] ||
+        grep -qE "^\| \`$1\` \|.*\| not run yet \|" "$source_dir/docs/reliability.md"
+}
+
+# As a reader's shell would, in the copy.
+in_tree() {
+    (cd "$tree" && set +eo pipefail && eval "$1") </dev/null 2>&1
+}
+
+# The presets of a build that can't be made within its own tests; test.sh makes and tests it.
+look_at_presets() {
+    local preset presets
+    presets=$(cd "$source_dir" && cmake --list-presets)
+    while IFS= read -r preset; do
+        grep -qF "\"$preset\"" <<<"$presets" || fail "no preset $preset"
+    done < <(grep -oE '(--preset |--test-dir build/)[a-z-]+' <<<"$1" | sed 's|.*[ /]||')
+}
+
+run() {
+    local words
+    read -ra words <<<"${1%%#*}"
+    case $1 in
+    "bash scripts/"*) look_at_script "${words[@]:1}" ;;
+    "cmake --preset "* | "ctest --test-dir "*) look_at_presets "$1" ;;
+    *) in_tree "$1" >"$work/said" || { fail "failed: $1"; cat "$work/said" >&2; } ;;
+    esac
+}
+
+run_commands() {
+    local line command=
+    while IFS= read -r line; do
+        command+=$line
+        if [[ $command == *\\ ]]; then
+            command=${command%\\}
+        elif [ -n "$command" ]; then
+            run "$command"
+            command=
+        fi
+    done <"$1"
+}
+
+# What a terminal would show of the block's commands, none of which may fail.
+transcript() {
+    local line
+    sed -n 's/^\$ //p' "$1" | while IFS= read -r line; do
+        echo "\$ $line"
+        in_tree "$line" || echo "exit code $?"
+    done
+}
+
+# A finding of any kind on a pattern that the page gives as an example spoils it.
+load_pattern() {
+    local name
+    name=$(cat "$1.name" 2>/dev/null) || { fail "a pattern without a name"; return; }
+    diff "$source_dir/$name" "$1" || fail "$name is another on the page"
+    cp "$1" "$tree/$name"
+    pelkraft pattern "$1" >"$work/said" 2>&1 || true
+    if [ "$(tail -n 1 "$work/said")" != "0 errors, 0 warnings, 0 notes" ]; then
+        fail "$name doesn't load cleanly"
+        cat "$work/said" >&2
+    fi
+}
+
+run_block() {
+    case $1 in
+    *.sh) run_commands "$1" ;;
+    *.console) diff "$1" <(transcript "$1") || fail "output has changed" ;;
+    *.text) load_pattern "$1" ;;
+    *.cpp)
+        example=$(cat "$1.name" 2>/dev/null || true)
+        [ -n "$example" ] || [ "$page" = README.md ] || fail "a program without a name"
+        ;;
+    *.cmake) [ "$page" = README.md ] || fail "nothing runs a cmake block" ;;
+    *.) diff "$source_dir/${example%.cpp}.expected" "$1" || fail "output of $example has changed" ;;
+    *) fail "nothing runs a block of ${1##*.}" ;;
+    esac
+}
+
+run_inline() {
+    local line options
+    options=$(for verb in "" convert pattern simulate; do
+        bash "$source_dir/tests/tools/options_of.sh" pelkraft $verb
+    done
+    code_of "$source_dir"/scripts/*.sh)
+    while IFS= read -r line; do
+        case $line in
+        # tests/package installs, which a page says without a folder.
+        "cmake --install") ;;
+        --*) has_word "${line%% *}" <<<"$options" || fail "no option $line" ;;
+        "pelkraft convert" | "pelkraft pattern" | "pelkraft simulate") run "$line --help" ;;
+        bash\ * | pelkraft\ * | cmake\ * | ctest\ * | gs\ * | g++\ *) run "$line" ;;
+        man\ *) [ -f "$source_dir/man/${line##* }.${line:4:1}" ] || fail "no page for $line" ;;
+        esac
+    done < <(inline_code)
+}
+
+# Every file that the page links to is there; those that its commands make are made the same.
+compare_links() {
+    local folder link
+    folder=$(dirname "$page")
+    cd "$source_dir/$folder"
+    while IFS= read -r link; do
+        if [ ! -e "$link" ]; then
+            fail "no $link"
+        elif [[ $link =~ ^pictures/.*(png|svg)$ ]]; then
+            cmp "$link" "$tree/$folder/$link" || fail "$link comes out otherwise"
+        fi
+    done < <(grep -oE '(\]\(|src=")[^)"#]+' "$(basename "$page")" | sed -E 's/^(\]\(|src=")//' |
+        grep -v '^https\?:')
+}
+
+split_page
+make_tree
+example=
+for block in "$blocks"/*; do
+    case $block in
+    *.name | *'*') ;;
+    *) run_block "$block" ;;
+    esac
+done
+run_inline
+compare_links
+exit $status
