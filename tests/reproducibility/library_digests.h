@@ -1,0 +1,31 @@
+#pragma once
+
+#include "pelkraft/dot_weave_pattern.h"
+#include "tests/pattern/naive_pattern.h"
+#include "tests/reproducibility/golden_digests.h"
+
+// What the library itself gives for the golden cases.
+namespace zvk::Pelkraft::TestSupport {
+
+std::string LibraryConversionDigest(int number, bool forcePortable);
+
+// Whether the portable road leaves channels of it packed, so that it has no golden bytes there.
+bool IsLeftPackedSomewhere(int number);
+
+// What one engine has to say to the digests of a pattern.
+struct EngineDigests
+{
+    std::string pictures[3];
+    std::string afterReset;
+    std::string allPictures;
+};
+
+DotWeavePattern BuildPattern(NaivePattern description, DotWeavePattern::Engine engine);
+
+// Each picture by a pattern built for it alone.
+EngineDigests LibraryPatternDigests(int number, int seedNumber, DotWeavePattern::Engine engine);
+
+// One row into a destination that held other bytes before.
+Bytes ApplyRow(DotWeavePattern& pattern, const Bytes& source);
+
+} // namespace zvk::Pelkraft::TestSupport
