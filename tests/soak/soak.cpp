@@ -1,10 +1,9 @@
 #include <algorithm>
-#include <array>
 #include <atomic>
+#include <barrier>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <mutex>
 #include <random>
@@ -26,12 +25,16 @@
 
 // soak SECONDS THREADS: random conversions, patterns and copies on all threads, each result held
 // against a naive one, while the memory of the process is watched. Ends with 1 if a result
-// differs or, in a run of ten minutes and more, if the memory at the end is not within one
-// hundredth of what it was early on.
+// differs or, after ten minutes and more, if the memory is not within one hundredth of what it was
+// early on.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+constexpr int secondsPerRound = 1;
+// Below that no tenth of the rounds is worth a median.
+constexpr int secondsThatTellGrowth = 600;
 
 class SilentSink final : public Diagnostics::ILogSink
 {
@@ -132,11 +135,10 @@ std::string CheckCopy(std::mt19937& random)
     return to.bytes() == source ? std::string() : "a copy differs";
 }
 
-void Work(std::uint32_t seed, Clock::time_point end, Tally& tally)
+// One pair of its own and many others, until the round is over.
+void WorkThroughRound(std::mt19937& random, PatternPair& lasting, Clock::time_point end,
+                      Tally& tally)
 {
-    std::mt19937 random(seed);
-    // One pair lives as long as the thread does, so that its rows run far.
-    PatternPair lasting = MakePair(random);
     while (Clock::now() < end) {
         for (int i = 0; i < 200; ++i) {
             const Bytes choices = RandomBytes(96, static_cast<std::uint32_t>(random()));
@@ -154,7 +156,6 @@ void Work(std::uint32_t seed, Clock::time_point end, Tally& tally)
     }
 }
 
-// What the allocator merely keeps goes back first, so that what the library keeps shows.
 long ResidentPages()
 {
     malloc_trim(0);
@@ -181,28 +182,32 @@ double Growth(const std::vector<long>& samples)
     return late / early - 1;
 }
 
-// Told now and then, for whoever watches.
-constexpr std::size_t samplesInFiveMinutes = 600;
-
 int Soak(int seconds, int threads)
 {
     SilentSink sink;
     Diagnostics::Seh::SetDefaultLog(&sink);
+    // Larger blocks come and go as pages of their own, so that gaps between them don't blur.
+    mallopt(M_MMAP_THRESHOLD, 16 << 10);
     Tally tally;
-    const Clock::time_point end = Clock::now() + std::chrono::seconds(seconds);
+    // One for each round. Their room is taken at once: it must not grow either.
+    std::vector<long> samples;
+    const int rounds = seconds / secondsPerRound;
+    samples.reserve(static_cast<std::size_t>(rounds));
+    // Between two rounds no thread holds more than its lasting pair.
+    std::barrier pause(threads, [&samples]() noexcept { samples.push_back(ResidentPages()); });
+    const Clock::time_point start = Clock::now();
     std::vector<std::thread> workers;
     for (int i = 0; i < threads; ++i)
-        workers.emplace_back(Work, 1000U + static_cast<std::uint32_t>(i), end, std::ref(tally));
-    // Its room is taken at once: it must not grow either.
-    std::vector<long> samples;
-    samples.reserve(static_cast<std::size_t>(seconds) * 2 + 100);
-    while (Clock::now() < end) {
-        samples.push_back(ResidentPages());
-        if (samples.size() % samplesInFiveMinutes == 0)
-            std::fprintf(stderr, "%zu min: %ld pages, %llu conversions\n", samples.size() / 120,
-                         samples.back(), static_cast<unsigned long long>(tally.conversions));
-        std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    }
+        workers.emplace_back([&, i] {
+            std::mt19937 random(1000U + static_cast<std::uint32_t>(i));
+            // It lives as long as the thread does, so that its rows run far.
+            PatternPair lasting = MakePair(random);
+            for (int round = 1; round <= rounds; ++round) {
+                const auto end = start + std::chrono::seconds(round * secondsPerRound);
+                WorkThroughRound(random, lasting, end, tally);
+                pause.arrive_and_wait();
+            }
+        });
     for (std::thread& worker : workers)
         worker.join();
 
@@ -215,8 +220,8 @@ int Soak(int seconds, int threads)
                 static_cast<unsigned long long>(tally.copies),
                 static_cast<unsigned long long>(tally.mismatches), growth,
                 static_cast<double>(samples.back() * pageBytes) / (1 << 20));
-    const bool isLong = seconds >= 600;
-    return tally.mismatches != 0 || (isLong && std::abs(growth) > 1) ? 1 : 0;
+    const bool hasGrown = seconds >= secondsThatTellGrowth && std::abs(growth) > 1;
+    return tally.mismatches != 0 || hasGrown ? 1 : 0;
 }
 
 } // namespace
@@ -226,8 +231,8 @@ int main(int argc, char** argv)
 {
     const int seconds = argc == 3 ? std::atoi(argv[1]) : 0;
     const int threads = argc == 3 ? std::atoi(argv[2]) : 0;
-    if (seconds < 3 || threads < 1) {
-        std::fputs("usage: soak SECONDS THREADS, of at least 3 seconds\n", stderr);
+    if (seconds < 10 || threads < 1) {
+        std::fputs("usage: soak SECONDS THREADS, of at least 10 seconds\n", stderr);
         return 2;
     }
     return zvk::Pelkraft::TestSupport::Soak(seconds, threads);
