@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs what a page shows: run_page.sh SOURCE_DIR PREFIX PAGE
+# Runs what a page shows: run_page.sh SOURCE_DIR BUILD_DIR PREFIX PAGE
 #   ```sh       commands, in a copy of the files that pages speak of
 #   ```console  commands behind "$ ", whose output is compared with the lines below
 #   ```text     a dot pattern, the file that a comment above names; loads without a finding
@@ -7,9 +7,10 @@
 #   ```cpp      an example, which docs_show_the_examples compares; README's runs in customers.sh
 #   ```cmake    README's, which runs in customers.sh
 # Any other block fails. Commands within the text run too, by the first words that run_inline knows.
-# Pictures that a page shows must come out of its commands as they are in docs/pictures/.
+# Files of the tree that a page's commands write, as the pictures that it shows, must come out the
+# same.
 set -euo pipefail
-source_dir=$1 prefix=$2 page=$3
+source_dir=$1 build_dir=$2 prefix=$3 page=$4
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 blocks=$work/blocks
@@ -48,7 +49,9 @@ make_tree() {
     PATH=$prefix/bin:$PATH
     PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name pelkraft.pc)")
     export PATH PKG_CONFIG_PATH
-    mkdir -p "$tree/docs" "$tree/examples"
+    mkdir -p "$tree/docs" "$tree/examples" "$tree/build"
+    ln -s "$build_dir" "$tree/build/release"
+    (cd "$source_dir" && find tests -type d -print0) | (cd "$tree" && xargs -0 mkdir -p)
     cp "$source_dir"/examples/*.cpp "$tree"
     cp -r "$source_dir/examples/patterns" "$tree/examples"
     cp -r "$source_dir/docs/pictures" "$tree/docs"
@@ -178,19 +181,26 @@ run_inline() {
     done < <(inline_code)
 }
 
-# Every file that the page links to is there; those that its commands make are made the same.
-compare_links() {
+# Every file that the page links to is there, and every picture comes from the page's commands.
+follow_links() {
     local folder link
     folder=$(dirname "$page")
-    cd "$source_dir/$folder"
     while IFS= read -r link; do
-        if [ ! -e "$link" ]; then
+        if [ ! -e "$source_dir/$folder/$link" ]; then
             fail "no $link"
-        elif [[ $link =~ ^pictures/.*(png|svg)$ ]]; then
-            cmp "$link" "$tree/$folder/$link" || fail "$link comes out otherwise"
+        elif [[ $link =~ \.(png|svg)$ ]] && [ ! -e "$tree/$folder/$link" ]; then
+            fail "$link is made by no command"
         fi
-    done < <(grep -oE '(\]\(|src=")[^)"#]+' "$(basename "$page")" | sed -E 's/^(\]\(|src=")//' |
+    done < <(grep -oE '(\]\(|src=")[^)"#]+' "$source_dir/$page" | sed -E 's/^(\]\(|src=")//' |
         grep -v '^https\?:')
+}
+
+compare_files() {
+    local file
+    while IFS= read -r file; do
+        [ ! -f "$source_dir/$file" ] || cmp "$source_dir/$file" "$tree/$file" ||
+            fail "$file comes out otherwise"
+    done < <(cd "$tree" && find . -type f -printf '%P\n')
 }
 
 split_page
@@ -203,5 +213,6 @@ for block in "$blocks"/*; do
     esac
 done
 run_inline
-compare_links
+follow_links
+compare_files
 exit $status
