@@ -13,7 +13,7 @@ build_packages=(g++ cmake ninja-build pkg-config libtiff-dev libpng-dev libcli11
     nlohmann-json3-dev)
 picture_packages=(ghostscript libtiff-tools)
 test_packages=(clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind
-    abigail-tools groff-base fish zsh doxygen)
+    abigail-tools groff-base fish zsh doxygen libc++-14-dev libc++abi-14-dev g++-multilib)
 
 case "${1:-test}" in
 demo) wanted=("${build_packages[@]}" "${picture_packages[@]}" ghostscript-doc) ;;
