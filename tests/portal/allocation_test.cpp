@@ -31,20 +31,28 @@ constexpr const char* noRelocationBuffer =
 Sizes AllocationsOf(const PortalCase& portalCase, const Records& chain)
 {
     const Bytes source(RowBytes(portalCase.source));
-    const CountedMemory memory;
+    CountedMemory memory(CountedMemory::Counts::Aligned);
+    memory.Start();
     RunPortal(portalCase, source, chain);
-    EXPECT_EQ(0, memory.CountLive());
-    for (const std::size_t alignment : memory.GetAlignments())
-        EXPECT_EQ(64U, alignment);
-    return memory.GetSizes();
+    memory.Stop();
+    EXPECT_EQ(0, memory.CountHeld());
+    Sizes sizes;
+    for (std::size_t i = 0; i != memory.CountAsked(); ++i) {
+        EXPECT_EQ(64U, memory.GetAllocation(i).alignment);
+        sizes.push_back(memory.GetAllocation(i).bytes);
+    }
+    return sizes;
 }
 
 std::string FailureAt(std::size_t allocation, const PortalCase& portalCase, const Records& chain)
 {
     const Bytes source(RowBytes(portalCase.source), 0x5A);
-    const CountedMemory memory(allocation);
+    CountedMemory memory(CountedMemory::Counts::Aligned);
+    memory.FailAt(allocation);
+    memory.Start();
     const std::string text = FailureOf(portalCase, source, chain);
-    EXPECT_EQ(0, memory.CountLive());
+    memory.Stop();
+    EXPECT_EQ(0, memory.CountHeld());
     return text;
 }
 
@@ -160,10 +168,12 @@ TEST(ChainRoad, FreesItsBufferIfAStepHasNoMethod)
         const Bytes source(100);
         const PortalCase portalCase{0, MakeFormat(8, LayoutInterleaved, 1, 100),
                                     MakeFormat(8, LayoutInterleaved, 1, 100)};
-        const CountedMemory memory;
+        CountedMemory memory(CountedMemory::Counts::Aligned);
+        memory.Start();
         EXPECT_EQ(FakeChain::failure, FailureOf(portalCase, source, records));
-        EXPECT_EQ(1U, memory.GetSizes().size());
-        EXPECT_EQ(0, memory.CountLive());
+        memory.Stop();
+        EXPECT_EQ(1U, memory.CountAsked());
+        EXPECT_EQ(0, memory.CountHeld());
         EXPECT_TRUE(chain.GetRuns().empty());
     }
 }
@@ -175,10 +185,12 @@ TEST(ChainRoad, FreesItsBuffersIfTheSourceCannotBeRelocated)
     portalCase.source.bits = 10;
     const Records records = chain.MakeRecords();
     const Bytes source(RowBytes(portalCase.source) * 2);
-    const CountedMemory memory;
+    CountedMemory memory(CountedMemory::Counts::Aligned);
+    memory.Start();
     EXPECT_EQ("zvk::Pelkraft::ConversionPortal::Relocator unsupported bit depth for relocation",
               FailureOf(portalCase, source, records));
-    EXPECT_EQ(0, memory.CountLive());
+    memory.Stop();
+    EXPECT_EQ(0, memory.CountHeld());
 }
 
 } // namespace

@@ -1,6 +1,6 @@
-#include "tests/rows/allocation_watch.h"
 #include "tests/rows/row_fields.h"
 #include "tests/support/conversion_run.h"
+#include "tests/support/counted_memory.h"
 #include "tests/support/random_bytes.h"
 #include "zvk/diagnostics.h"
 
@@ -51,7 +51,7 @@ void Convert(const ConversionCase& tested, ImageRow& row, const ImageRow& source
 }
 
 void RunUnderWatch(const ConversionCase& tested, ImageRow& row, const ImageRow& source,
-                   AllocationWatch& memory, Watched& watched)
+                   CountedMemory& memory, Watched& watched)
 {
     const CountingSink sink;
     memory.Start();
@@ -67,7 +67,7 @@ void RunUnderWatch(const ConversionCase& tested, ImageRow& row, const ImageRow& 
     watched.lines = sink.lines;
 }
 
-Watched Watch(const ConversionCase& tested, AllocationWatch& memory)
+Watched Watch(const ConversionCase& tested, CountedMemory& memory)
 {
     const auto& [from, to, operation, portable] = tested;
     const Bytes content = RandomBytes(NaiveRowBytes(from), 31);
@@ -145,7 +145,7 @@ TEST_P(ConversionMemory, IsAFewAlignedBlocksThatAreGivenBack)
 {
     const Kind& kind = GetParam();
     for (const bool portable : {false, true}) {
-        AllocationWatch memory;
+        CountedMemory memory;
         const Watched watched = Watch({kind.from, kind.to, kind.operation, portable}, memory);
         EXPECT_STREQ("", watched.text);
         EXPECT_EQ(0, watched.lines);
@@ -169,9 +169,10 @@ TEST_P(ConversionMemory, MissingForAnyBlockLeavesBothRowsAsTheyWere)
         std::size_t relocations = 0;
         for (std::size_t failing = 0; failing != blocks; ++failing) {
             SCOPED_TRACE(failing);
-            AllocationWatch memory(failing);
+            CountedMemory memory;
+            memory.FailAt(failing);
             const Watched watched = Watch({kind.from, kind.to, kind.operation, portable}, memory);
-            EXPECT_TRUE(memory.HasFailed());
+            EXPECT_TRUE(memory.CountFailed() == 1);
             EXPECT_EQ(0, memory.CountHeld());
             EXPECT_EQ(1, watched.lines);
             EXPECT_TRUE(watched.sourceUntouched);
@@ -191,7 +192,7 @@ INSTANTIATE_TEST_SUITE_P(EachKind, ConversionMemory, ::testing::ValuesIn(Kinds()
 // The block for the relocated row: its bytes and 64 to spare.
 TEST(ConversionMemory, OfAMirroredPackedRowHoldsTheWholeRow)
 {
-    AllocationWatch memory;
+    CountedMemory memory;
     (void)Watch({{1000, 3, 1, true}, {1000, 3, 1, true}, RepeatBy(-1), false}, memory);
     bool found = false;
     for (std::size_t i = 0; i != memory.CountAsked(); ++i)
@@ -202,7 +203,7 @@ TEST(ConversionMemory, OfAMirroredPackedRowHoldsTheWholeRow)
 // A refusal needs no memory at all.
 TEST(ConversionMemory, IsNotTakenByARefusedConversion)
 {
-    AllocationWatch memory;
+    CountedMemory memory;
     const Watched watched = Watch({{10, 2, 1, false}, {10, 2, 16, false}, {}, false}, memory);
     EXPECT_STREQ("zvk::Pelkraft::Convert unsupported conversion to 16 bit", watched.text);
     EXPECT_EQ(0U, memory.CountAsked());

@@ -1,6 +1,6 @@
-#include "tests/rows/allocation_watch.h"
 #include "tests/rows/refusal.h"
 #include "tests/rows/row_fields.h"
+#include "tests/support/counted_memory.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ namespace {
 constexpr int largest = std::numeric_limits<int>::max();
 constexpr std::size_t firstAllocation = 0;
 
-bool RunsOutOfMemory(const std::function<void()>& operation, AllocationWatch& memory)
+bool RunsOutOfMemory(const std::function<void()>& operation, CountedMemory& memory)
 {
     memory.Start();
     bool failed = false;
@@ -30,7 +30,7 @@ bool RunsOutOfMemory(const std::function<void()>& operation, AllocationWatch& me
 TEST(RowMemory, IsOneAlignedBlockOfThePixelsAndTheTrail)
 {
     for (const int width : {0, 1, 17, 1000}) {
-        AllocationWatch memory;
+        CountedMemory memory;
         memory.Start();
         std::optional<ImageRow> row(std::in_place, width, 3, 16, true, nullptr);
         memory.Stop();
@@ -46,7 +46,7 @@ TEST(RowMemory, IsOneAlignedBlockOfThePixelsAndTheTrail)
 
 TEST(RowMemory, IsTheTrailAloneForANegativeSize)
 {
-    AllocationWatch memory;
+    CountedMemory memory;
     memory.Start();
     {
         const ImageRow row(-1000, 3, 16, true, nullptr);
@@ -60,7 +60,7 @@ TEST(RowMemory, IsTheTrailAloneForANegativeSize)
 TEST(RowMemory, IsNeverTakenForACallersBuffer)
 {
     unsigned char buffer[100] = {};
-    AllocationWatch memory;
+    CountedMemory memory;
     memory.Start();
     {
         ImageRow row(100, 1, 8, false, buffer);
@@ -79,7 +79,7 @@ TEST(RowMemory, IsNeverTakenForACallersBuffer)
 TEST(RowMemory, IsFreedOnceWhateverTakesItsPlace)
 {
     unsigned char buffer[100] = {};
-    AllocationWatch memory;
+    CountedMemory memory;
     memory.Start();
     {
         ImageRow row(100, 1, 8, false, nullptr);
@@ -100,7 +100,7 @@ TEST(RowMemory, IsFreedOnceWhateverTakesItsPlace)
 
 TEST(RowMemory, IsTakenOnceForTheLargestGeometryOfManyUses)
 {
-    AllocationWatch memory;
+    CountedMemory memory;
     ImageRow row(1000, 4, 16, false, nullptr);
     memory.Start();
     for (const int width : {1, 1000, 10, 999, 500})
@@ -111,7 +111,8 @@ TEST(RowMemory, IsTakenOnceForTheLargestGeometryOfManyUses)
 
 TEST(RowMemory, MissingForANewRowIsBadAlloc)
 {
-    AllocationWatch memory(firstAllocation);
+    CountedMemory memory;
+    memory.FailAt(firstAllocation);
     EXPECT_TRUE(RunsOutOfMemory([] { const ImageRow row(10, 1, 8, false, nullptr); }, memory));
     EXPECT_EQ(1U, memory.CountAsked());
     EXPECT_EQ(0, memory.CountHeld());
@@ -122,7 +123,8 @@ TEST(RowMemory, MissingForALargerBufferLeavesTheRowAsItWas)
     ImageRow row(10, 1, 8, false, nullptr);
     row.FillBuffer(0x77);
     const RowFields before = FieldsOf(row);
-    AllocationWatch memory(firstAllocation);
+    CountedMemory memory;
+    memory.FailAt(firstAllocation);
     EXPECT_TRUE(RunsOutOfMemory([&] { row.SetAll(20, 2, 16, true, nullptr); }, memory));
     EXPECT_EQ(0, memory.CountHeld());
     EXPECT_TRUE(before == FieldsOf(row));
@@ -146,7 +148,8 @@ TEST(RowMemory, MissingForSetDataLeavesTheRowAsItWas)
     RoomyRow row(10, 1, 8, false, nullptr);
     row.FillBuffer(0x78);
     const RowFields before = FieldsOf(row);
-    AllocationWatch memory(firstAllocation);
+    CountedMemory memory;
+    memory.FailAt(firstAllocation);
     EXPECT_TRUE(RunsOutOfMemory([&] { row.SetData(nullptr); }, memory));
     EXPECT_TRUE(before == FieldsOf(row));
     EXPECT_EQ(0x78, row.GetData()[9]);
@@ -154,7 +157,7 @@ TEST(RowMemory, MissingForSetDataLeavesTheRowAsItWas)
 
 TEST(RowMemory, IsSizedByTheOverriddenHookInSetDataAlone)
 {
-    AllocationWatch memory;
+    CountedMemory memory;
     memory.Start();
     {
         RoomyRow row(10, 1, 8, false, nullptr);
@@ -214,7 +217,7 @@ TEST(RowMemory, IsNeverTakenForASizeThatDoesNotFit)
 {
     for (const Geometry& large : tooLarge) {
         SCOPED_TRACE(large.width);
-        AllocationWatch memory;
+        CountedMemory memory;
         EXPECT_TRUE(RunsOutOfMemory(
             [&] {
                 const ImageRow row(large.width, large.channels, large.bits, large.planar, nullptr);
@@ -232,7 +235,7 @@ TEST(RowMemory, IsKeptWhereALargerSizeDoesNotFit)
         ImageRow row(100, 1, 8, false, nullptr);
         row.FillBuffer(0x79);
         const RowFields before = FieldsOf(row);
-        AllocationWatch memory;
+        CountedMemory memory;
         const bool failed = RunsOutOfMemory(
             [&] { row.SetAll(large.width, large.channels, large.bits, large.planar, nullptr); },
             memory);

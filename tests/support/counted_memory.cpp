@@ -1,5 +1,6 @@
 #include "tests/support/counted_memory.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -8,77 +9,187 @@ namespace {
 
 using zvk::Pelkraft::TestSupport::CountedMemory;
 
-thread_local CountedMemory* counter = nullptr;
+thread_local CountedMemory* watcher = nullptr;
 
-void* Allocate(std::size_t size, std::align_val_t alignment) noexcept
+void* AllocateAny(std::size_t bytes, std::size_t alignment) noexcept
 {
-    const auto unit = static_cast<std::size_t>(alignment);
-    if (counter != nullptr && !counter->Admit(size, unit))
+    if (alignment == 0)
+        return std::malloc(std::max<std::size_t>(bytes, 1));
+    void* memory = nullptr;
+    // Unlike aligned_alloc it takes any size, so that a sanitizer sees the row's true end.
+    const int error = posix_memalign(&memory, std::max(alignment, sizeof(void*)), bytes);
+    return error == 0 ? memory : nullptr;
+}
+
+void* Allocate(std::size_t bytes, std::size_t alignment) noexcept
+{
+    if (watcher == nullptr || !watcher->Counted(alignment))
+        return AllocateAny(bytes, alignment);
+    if (!watcher->Allow({bytes, alignment}))
         return nullptr;
-    // The C function takes whole units only.
-    void* const memory = std::aligned_alloc(unit, (size + unit - 1) / unit * unit);
+    void* const memory = AllocateAny(bytes, alignment);
+    if (memory == nullptr)
+        return nullptr;
     // Fresh pages are zero by luck, which nobody may count on.
-    if (memory != nullptr)
-        std::memset(memory, 0xDB, size);
+    std::memset(memory, 0xDB, bytes);
+    watcher->NoteAllocated();
     return memory;
 }
 
-void Free(void* memory) noexcept
+void* AllocateOrThrow(std::size_t bytes, std::size_t alignment)
 {
-    if (memory != nullptr && counter != nullptr)
-        counter->Forget();
+    void* const memory = Allocate(bytes, alignment);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    return memory;
+}
+
+void Free(void* memory, std::size_t alignment) noexcept
+{
+    if (watcher != nullptr && memory != nullptr && watcher->Counted(alignment))
+        watcher->NoteFreed();
     std::free(memory);
 }
 
 } // namespace
 
-void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept
+void* operator new(std::size_t bytes)
 {
-    return Allocate(size, alignment);
+    return AllocateOrThrow(bytes, 0);
 }
 
-void* operator new(std::size_t size, std::align_val_t alignment)
+void* operator new[](std::size_t bytes)
 {
-    if (void* const memory = Allocate(size, alignment))
-        return memory;
-    throw std::bad_alloc();
+    return AllocateOrThrow(bytes, 0);
 }
 
-void operator delete(void* memory, std::align_val_t) noexcept
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept
 {
-    Free(memory);
+    return Allocate(bytes, 0);
 }
 
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept
 {
-    Free(memory);
+    return Allocate(bytes, 0);
 }
 
-void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept
+void* operator new(std::size_t bytes, std::align_val_t alignment)
 {
-    Free(memory);
+    return AllocateOrThrow(bytes, static_cast<std::size_t>(alignment));
+}
+
+void* operator new[](std::size_t bytes, std::align_val_t alignment)
+{
+    return AllocateOrThrow(bytes, static_cast<std::size_t>(alignment));
+}
+
+void* operator new(std::size_t bytes, std::align_val_t alignment, const std::nothrow_t&) noexcept
+{
+    return Allocate(bytes, static_cast<std::size_t>(alignment));
+}
+
+void* operator new[](std::size_t bytes, std::align_val_t alignment, const std::nothrow_t&) noexcept
+{
+    return Allocate(bytes, static_cast<std::size_t>(alignment));
+}
+
+void operator delete(void* memory) noexcept
+{
+    Free(memory, 0);
+}
+
+void operator delete[](void* memory) noexcept
+{
+    Free(memory, 0);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    Free(memory, 0);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    Free(memory, 0);
+}
+
+void operator delete(void* memory, const std::nothrow_t&) noexcept
+{
+    Free(memory, 0);
+}
+
+void operator delete[](void* memory, const std::nothrow_t&) noexcept
+{
+    Free(memory, 0);
+}
+
+void operator delete(void* memory, std::align_val_t alignment) noexcept
+{
+    Free(memory, static_cast<std::size_t>(alignment));
+}
+
+void operator delete[](void* memory, std::align_val_t alignment) noexcept
+{
+    Free(memory, static_cast<std::size_t>(alignment));
+}
+
+void operator delete(void* memory, std::size_t, std::align_val_t alignment) noexcept
+{
+    Free(memory, static_cast<std::size_t>(alignment));
+}
+
+void operator delete[](void* memory, std::size_t, std::align_val_t alignment) noexcept
+{
+    Free(memory, static_cast<std::size_t>(alignment));
+}
+
+void operator delete(void* memory, std::align_val_t alignment, const std::nothrow_t&) noexcept
+{
+    Free(memory, static_cast<std::size_t>(alignment));
+}
+
+void operator delete[](void* memory, std::align_val_t alignment, const std::nothrow_t&) noexcept
+{
+    Free(memory, static_cast<std::size_t>(alignment));
 }
 
 namespace zvk::Pelkraft::TestSupport {
 
-CountedMemory::CountedMemory(std::size_t failingAllocation) : failing(failingAllocation)
-{
-    counter = this;
-}
-
 CountedMemory::~CountedMemory()
 {
-    counter = nullptr;
+    Stop();
 }
 
-bool CountedMemory::Admit(std::size_t size, std::size_t alignment)
+void CountedMemory::Start()
 {
-    const bool admitted = sizes.size() != failing;
-    sizes.push_back(size);
-    alignments.push_back(alignment);
-    if (admitted)
-        ++live;
-    return admitted;
+    watcher = this;
+}
+
+void CountedMemory::Stop()
+{
+    watcher = nullptr;
+}
+
+void CountedMemory::FailAt(std::size_t number, Fails fails)
+{
+    firstFailing = asked + number;
+    lastFailing = fails == Fails::ForEver ? never : firstFailing;
+}
+
+bool CountedMemory::Allow(const Allocation& allocation)
+{
+    if (asked < kept)
+        allocations[asked] = allocation;
+    const std::size_t number = asked++;
+    const bool fails = number >= firstFailing && number <= lastFailing;
+    failed += fails ? 1 : 0;
+    return !fails;
+}
+
+DeniedMemory::DeniedMemory()
+{
+    memory.FailAt(0, CountedMemory::Fails::ForEver);
+    memory.Start();
 }
 
 } // namespace zvk::Pelkraft::TestSupport

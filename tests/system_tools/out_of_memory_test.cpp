@@ -1,5 +1,5 @@
 #include "system_tools/line_buffer.h"
-#include "tests/system_tools/denied_memory.h"
+#include "tests/support/counted_memory.h"
 #include "tests/system_tools/standard_error_capture.h"
 #include "zvk/diagnostics.h"
 
