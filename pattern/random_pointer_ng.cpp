@@ -20,11 +20,12 @@ void RandomPointerNG<Transformation>::Build(std::int32_t seed,
     Reset();
     // From 1, so that a pattern of one combination has a field too.
     const FieldMeasure measure = MeasureField(FindFieldDenominator(combinations, count, 1));
-    sFieldSize = measure.Size();
     const auto numbers = BuildShuffledField(mSeed, measure, combinations, count);
     mField.resize(numbers.size());
     std::transform(numbers.begin(), numbers.end(), mField.begin(),
                    [=](std::uint32_t number) { return transformations + number; });
+    // Last, so that a field for which there is no memory changes no other object's walk.
+    sFieldSize = measure.Size();
 }
 
 template <typename Transformation>
