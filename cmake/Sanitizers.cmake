@@ -3,3 +3,6 @@
 if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=address" AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     add_compile_options("SHELL:-mllvm -asan-instrumentation-with-call-threshold=0")
 endif()
+if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=memory")
+    add_compile_options("SHELL:-mllvm -msan-instrumentation-with-call-threshold=0")
+endif()

@@ -41,7 +41,7 @@ std::string Describe(const CopyShape& shape)
 
 std::size_t ReachOf(const CopyShape& shape)
 {
-    if (shape.size <= 0)
+    if (shape.size <= 0 || shape.pixelBytes <= 0)
         return 0;
     if (!TakesPixels(shape.kind))
         return static_cast<std::size_t>(shape.size);

@@ -23,7 +23,7 @@ struct CopyShape
 };
 
 std::string Describe(const CopyShape& shape);
-// Bytes that the call reads and writes, from the first one on. pixelBytes is positive.
+// Bytes that the call reads and writes, from the first one on.
 std::size_t ReachOf(const CopyShape& shape);
 // Whether it is promised for any address.
 bool ServesAnyAddress(const CopyShape& shape);
