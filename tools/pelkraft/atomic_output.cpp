@@ -1,6 +1,7 @@
 #include "tools/pelkraft/atomic_output.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/file_calls.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,7 +10,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <utility>
 
@@ -21,14 +21,29 @@ namespace {
     throw Failure(ExitCode::ReadWrite, path, "cannot be written: " + text);
 }
 
+// Whether something was there to look at. What can't be told is a failure, since whatever it is
+// would be replaced.
+bool IsThere(int lookResult, const std::string& shownPath)
+{
+    if (lookResult != 0 && errno != ENOENT)
+        ThrowWriteFailure(shownPath, ErrorText(errno));
+    return lookResult == 0;
+}
+
+bool IsLink(const std::string& shownPath, const std::string& path)
+{
+    struct stat status = {};
+    return IsThere(lstat(path.c_str(), &status), shownPath) && S_ISLNK(status.st_mode);
+}
+
 std::string FollowLinks(const std::string& path)
 {
     std::error_code error;
     std::filesystem::path followed = path;
     // As many as the kernel follows; a longer way is a circle.
-    for (int step = 0; std::filesystem::is_symlink(followed, error); ++step) {
+    for (int step = 0; IsLink(path, followed); ++step) {
         if (step == 40)
-            ThrowWriteFailure(path, std::strerror(ELOOP));
+            ThrowWriteFailure(path, ErrorText(ELOOP));
         const auto next = std::filesystem::read_symlink(followed, error);
         if (error)
             ThrowWriteFailure(path, error.message());
@@ -53,7 +68,7 @@ AtomicOutput::AtomicOutput(const std::string& newPath)
     : shownPath(newPath), targetPath(FollowLinks(newPath))
 {
     struct stat present = {};
-    const bool exists = stat(targetPath.c_str(), &present) == 0;
+    const bool exists = IsThere(stat(targetPath.c_str(), &present), shownPath);
     if (exists && !S_ISREG(present.st_mode))
         ThrowWriteFailure(shownPath, "it exists and is not a regular file");
 
@@ -63,7 +78,7 @@ AtomicOutput::AtomicOutput(const std::string& newPath)
     std::string pattern = (target.parent_path() / ".pelkraft-XXXXXX").string();
     descriptor = mkostemp(pattern.data(), O_CLOEXEC);
     if (descriptor < 0)
-        ThrowWriteFailure(shownPath, std::strerror(errno));
+        ThrowWriteFailure(shownPath, ErrorText(errno));
     temporaryPath = std::move(pattern);
     // A file system without modes is no reason to refuse.
     [[maybe_unused]] const int ignored = fchmod(descriptor, ModeOf(exists ? &present : nullptr));
@@ -82,10 +97,19 @@ int AtomicOutput::TakeDescriptor()
     return std::exchange(descriptor, -1);
 }
 
+void AtomicOutput::Write(const std::string& bytes)
+{
+    int error = WriteAll(descriptor, bytes.data(), bytes.size());
+    const int storeError = StoreAndClose(TakeDescriptor());
+    error = error != 0 ? error : storeError;
+    if (error != 0)
+        ThrowWriteFailure(shownPath, ErrorText(error));
+}
+
 void AtomicOutput::Commit()
 {
     if (std::rename(temporaryPath.c_str(), targetPath.c_str()) != 0)
-        ThrowWriteFailure(shownPath, std::strerror(errno));
+        ThrowWriteFailure(shownPath, ErrorText(errno));
     temporaryPath.clear();
 }
 

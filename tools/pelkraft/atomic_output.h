@@ -15,8 +15,10 @@ public:
     AtomicOutput(const AtomicOutput&) = delete;
     AtomicOutput& operator=(const AtomicOutput&) = delete;
 
-    // The open temporary. Whoever takes it closes it.
+    // The open temporary. Whoever takes it stores and closes it.
     int TakeDescriptor();
+    // Or this does.
+    void Write(const std::string& bytes);
     const std::string& TemporaryPath() const { return temporaryPath; }
     void Commit();
 

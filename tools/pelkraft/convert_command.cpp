@@ -5,12 +5,12 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/page_conversion.h"
+#include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/workers.h"
 
 #include <CLI/CLI.hpp>
 
 #include <chrono>
-#include <cstdio>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -42,7 +42,7 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
         total.bytes += rowBytes * plan.to.height / 2 * (plain ? 2 : 3);
         total.rows += plan.to.height;
         if (options.explain)
-            std::fputs(ExplainPage(plan, options, page).c_str(), stdout);
+            PrintText(ExplainPage(plan, options, page));
         for (const std::string& warning : plan.tags.warnings)
             PrintWarning(options.input, warning);
     } while (file.NextPage(page++));
@@ -51,31 +51,21 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
 }
 
 // Writes all pages, and tells whether samples exceeded the levels they were cut to.
-bool ConvertAll(const TiffFile& file, const ConvertOptions& options, const Total& total)
+bool ConvertAll(const TiffFile& file, const ConvertOptions& options, const Total& total,
+                AtomicOutput& output)
 {
-    AtomicOutput output(options.output);
     bool cutSamples = false;
-    {
-        const TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
-                                                      NeedsBigForm(total.bytes));
-        Progress progress("convert " + options.output, total.rows);
-        int page = 1;
-        do {
-            const PagePlan plan = PlanPage(file, options);
-            cutSamples = ConvertPage(file, out, plan, options, progress) || cutSamples;
-        } while (file.NextPage(page++));
-    }
-    StopIfInterrupted(options.output);
-    output.Commit();
+    TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
+                                            NeedsBigForm(total.bytes));
+    Progress progress("convert " + options.output, total.rows);
+    int page = 1;
+    do {
+        const PagePlan plan = PlanPage(file, options);
+        cutSamples = ConvertPage(file, out, plan, options, progress) || cutSamples;
+    } while (file.NextPage(page++));
+    file.RequireSound();
+    out.Finish();
     return cutSamples;
-}
-
-void PrintSpeed(std::uint64_t rows, std::chrono::steady_clock::duration time)
-{
-    const double seconds = std::chrono::duration<double>(time).count();
-    const double rate = seconds > 0 ? static_cast<double>(rows) / seconds : 0;
-    std::printf("%llu rows in %.3f s, %.0f rows per second\n",
-                static_cast<unsigned long long>(rows), seconds, rate);
 }
 
 class ConvertCommand final : public ISubcommand
@@ -101,11 +91,14 @@ public:
         const TiffFile file = TiffFile::OpenForReading(options.input);
         const auto start = std::chrono::steady_clock::now();
         const Total total = PlanAll(file, options);
-        const bool cutSamples = ConvertAll(file, options, total);
-        for (const std::string& warning : file.Warnings())
-            PrintWarning(options.input, warning);
+        AtomicOutput output(options.output);
+        const bool cutSamples = ConvertAll(file, options, total, output);
         if (options.explain)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
+        StopIfInterrupted(options.output);
+        output.Commit();
+        for (const std::string& warning : file.Warnings())
+            PrintWarning(options.input, warning);
         if (!cutSamples)
             return ExitCode::Done;
         PrintWarning(options.input, "samples exceed the levels of the new depth, and only their "

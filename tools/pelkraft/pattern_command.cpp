@@ -37,6 +37,7 @@ public:
         CatchInterrupts();
         const PatternText text = PatternText::Load(input);
         const PatternReport report(text);
+        StopIfInterrupted(plot);
         PrintText(json ? PatternJson(report) : ExplainPattern(report));
         if (report.LoadingEngines().empty())
             PrintError(input, "no engine loads it: \"" + report.Refusal() + "\"");

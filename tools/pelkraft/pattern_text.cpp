@@ -1,6 +1,7 @@
 #include "tools/pelkraft/pattern_text.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/file_calls.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
@@ -44,7 +44,7 @@ PatternText PatternText::Load(const std::string& path)
     const Descriptor file{open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)};
     struct stat status = {};
     if (file.number < 0 || fstat(file.number, &status) != 0)
-        ThrowReadFailure(path, std::strerror(errno));
+        ThrowReadFailure(path, ErrorText(errno));
     if (!S_ISREG(status.st_mode))
         ThrowReadFailure(path, "it is not a regular file");
     if (status.st_size > largestText)
@@ -53,17 +53,10 @@ PatternText PatternText::Load(const std::string& path)
 
     std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
     std::size_t got = 0;
-    while (got < bytes.size()) {
-        const ssize_t piece = read(file.number, bytes.data() + got, bytes.size() - got);
-        if (piece < 0 && errno == EINTR)
-            continue;
-        if (piece < 0)
-            ThrowReadFailure(path, std::strerror(errno));
-        if (piece == 0)
-            break;
-        got += static_cast<std::size_t>(piece);
-    }
-    bytes.resize(got);
+    if (const int error = ReadUpTo(file.number, bytes.data(), bytes.size(), 0, got); error != 0)
+        ThrowReadFailure(path, ErrorText(error));
+    if (got < bytes.size())
+        ThrowReadFailure(path, "it has become shorter meanwhile");
     return PatternText(path, std::move(bytes));
 }
 

@@ -3,13 +3,9 @@
 #include "tools/pelkraft/failure.h"
 
 #include <png.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -101,23 +97,20 @@ void PreviewPicture::FinishRow()
     ++shownRow;
 }
 
-void PreviewPicture::Write(int descriptor, const std::string& shownPath) const
+std::string PreviewPicture::Png() const
 {
-    std::FILE* const file = fdopen(descriptor, "wb");
-    if (file == nullptr) {
-        close(descriptor);
-        throw Failure(ExitCode::ReadWrite, shownPath, "cannot be written");
-    }
     png_image image = {};
     image.version = PNG_IMAGE_VERSION;
     image.width = shownWidth;
     image.height = shownHeight;
     image.format = PNG_FORMAT_RGB;
-    const bool written = png_image_write_to_stdio(&image, file, 0, pixels.data(), 0, nullptr) != 0;
-    const std::string said = image.message;
-    if (std::fclose(file) != 0 || !written)
-        throw Failure(ExitCode::ReadWrite, shownPath,
-                      "cannot be written: " + (written ? std::string(std::strerror(errno)) : said));
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+    std::string bytes(size, '\0');
+    if (png_image_write_to_memory(&image, bytes.data(), &size, 0, pixels.data(), 0, nullptr) == 0)
+        throw Failure(ExitCode::Memory, {},
+                      std::string("the preview can't be made: ") + image.message);
+    bytes.resize(size);
+    return bytes;
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -21,8 +21,8 @@ public:
     // The next row: a byte for each ink and pixel.
     void AddRow(const unsigned char* row);
 
-    // As PNG to an open file, which it closes.
-    void Write(int descriptor, const std::string& shownPath) const;
+    // As the bytes of a PNG file.
+    std::string Png() const;
 
 private:
     // The share of red, green and blue light that a value of an ink leaves.

@@ -5,12 +5,13 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/pattern_command.h"
 #include "tools/pelkraft/simulate_command.h"
+#include "tools/pelkraft/text_output.h"
 #include "zvk/diagnostics.h"
 
 #include <CLI/CLI.hpp>
 
-#include <iostream>
 #include <memory>
+#include <sstream>
 #include <vector>
 
 namespace zvk::Pelkraft::Client {
@@ -22,6 +23,19 @@ class SilentLog final : public Diagnostics::ILogSink
 public:
     void Write(const wchar_t*) override {}
 };
+
+// Prints what a call for help or for the version asks for.
+int Answer(const CLI::App& program, const CLI::Success& success)
+{
+    std::ostringstream text;
+    const int code = program.exit(success, text, text);
+    try {
+        PrintText(text.str());
+    } catch (...) {
+        return static_cast<int>(ReportCurrentException());
+    }
+    return code;
+}
 
 } // namespace
 
@@ -44,7 +58,7 @@ int RunProgram(int argc, const char* const* argv)
     try {
         program.parse(argc, argv);
     } catch (const CLI::Success& success) {
-        return program.exit(success, std::cout, std::cerr);
+        return Answer(program, success);
     } catch (const CLI::ParseError& error) {
         PrintError({}, std::string(error.what()) + "; pelkraft --help tells what is supported");
         return static_cast<int>(ExitCode::Usage);

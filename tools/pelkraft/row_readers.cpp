@@ -11,9 +11,13 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 // Strips up to this size, all planes together, are decoded whole.
-constexpr std::int64_t largestHeldBytes = std::int64_t{64} << 20;
-// Beyond this an operating system may refuse to open the file once more for each plane.
+constexpr std::int64_t largestHeldBytes = std::int64_t{8} << 20;
+// This decoder knows no single rows.
+constexpr std::int64_t largestHeldJbigBytes = std::int64_t{64} << 20;
+// Each compressed plane takes a decoder.
 constexpr int mostPlaneFiles = 256;
+// Of rows between two calls that give the pages of the file back.
+constexpr std::size_t releasedBytes = std::size_t{4} << 20;
 
 std::string RowName(std::uint32_t row)
 {
@@ -122,46 +126,54 @@ private:
     std::vector<unsigned char> block;
 };
 
-// For strips too large to hold: row by row. A decoder keeps its place in one strip alone, so
-// compressed planes get an open file each.
+// For strips too large to hold: row by row, in place in the file. A decoder keeps its place in one
+// strip alone, so compressed planes get a handle each.
 class ScanlineReader final : public IRowReader
 {
 public:
     ScanlineReader(const TiffFile& newFile, const TiffPicture& newPicture)
-        : file(newFile), planes(newPicture.separate ? newPicture.channels : 1),
-          planeBytes(static_cast<std::size_t>(MakeGrid(newPicture).planeBytes))
+        : planes(newPicture.separate ? newPicture.channels : 1),
+          planeBytes(static_cast<std::size_t>(MakeGrid(newPicture).planeBytes)),
+          mapping(newFile.Descriptor(), newFile.Size())
     {
-        if (planes == 1 || newPicture.compression == COMPRESSION_NONE)
-            return;
-        if (planes > mostPlaneFiles)
-            throw Failure(ExitCode::Unsupported, file.Path(),
+        const bool shared = planes == 1 || newPicture.compression == COMPRESSION_NONE;
+        if (!shared && planes > mostPlaneFiles)
+            throw Failure(ExitCode::Unsupported, newFile.Path(),
                           "has " + std::to_string(planes) +
-                              " separate planes in compressed strips of over 64 MiB; supported "
+                              " separate planes in compressed strips of over 8 MiB; supported "
                               "are 256 of that size");
-        for (int plane = 0; plane < planes; ++plane) {
-            planeFiles.push_back(TiffFile::OpenForReading(file.Path()));
-            if (TIFFSetDirectory(planeFiles.back().Get(), TIFFCurrentDirectory(file.Get())) == 0)
-                planeFiles.back().Throw(ExitCode::BadInput, "cannot be read again");
+        for (int plane = 0; plane < (shared ? 1 : planes); ++plane) {
+            planeFiles.push_back(newFile.OpenAgain(mapping));
+            // It asks the decoder for the same samples.
+            ReadPicture(planeFiles.back());
         }
     }
 
     void ReadRow(unsigned char* row) override
     {
         for (int plane = 0; plane < planes; ++plane) {
-            const TiffFile& from =
-                planeFiles.empty() ? file : planeFiles[static_cast<std::size_t>(plane)];
+            const TiffFile& from = planeFiles.size() == 1
+                                       ? planeFiles[0]
+                                       : planeFiles[static_cast<std::size_t>(plane)];
             unsigned char* to = row + planeBytes * static_cast<std::size_t>(plane);
             if (TIFFReadScanline(from.Get(), to, nextRow, static_cast<std::uint16_t>(plane)) != 1)
                 from.Throw(ExitCode::BadInput, RowName(nextRow));
+            from.RequireSound();
+            readBytes += planeBytes;
         }
         ++nextRow;
+        if (readBytes < releasedBytes)
+            return;
+        readBytes = 0;
+        mapping.Release();
     }
 
 private:
-    const TiffFile& file;
     int planes;
     std::size_t planeBytes;
+    MappedFile mapping;
     std::uint32_t nextRow = 0;
+    std::size_t readBytes = 0;
     std::vector<TiffFile> planeFiles;
 };
 
@@ -172,7 +184,9 @@ std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& pi
     const BlockGrid grid = MakeGrid(picture);
     const std::int64_t heldBytes =
         grid.planeBytes * grid.planes * std::min(grid.blockLength, picture.height);
-    if (picture.tiled || heldBytes <= largestHeldBytes || picture.rowsPerStrip == 1)
+    const std::int64_t mostBytes =
+        picture.compression == COMPRESSION_JBIG ? largestHeldJbigBytes : largestHeldBytes;
+    if (picture.tiled || heldBytes <= mostBytes || picture.rowsPerStrip == 1)
         return std::make_unique<BlockReader>(file, picture);
     return std::make_unique<ScanlineReader>(file, picture);
 }

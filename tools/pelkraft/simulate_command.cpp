@@ -7,13 +7,13 @@
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/pattern_words.h"
 #include "tools/pelkraft/simulation.h"
+#include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/workers.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <optional>
 
@@ -92,11 +92,23 @@ public:
         RefuseUnknownInks(pattern);
         const TiffFile file = TiffFile::OpenForReading(options.input);
         const Total total = PlanAll(file, pattern);
-        const bool sawHighStep = SimulateAll(file, pattern, total);
-        for (const std::string& warning : file.Warnings())
-            PrintWarning(options.input, warning);
+        AtomicOutput output(options.output);
+        std::optional<AtomicOutput> previewOutput;
+        if (!options.preview.empty())
+            previewOutput.emplace(options.preview);
+        std::optional<PreviewPicture> preview;
+        const bool sawHighStep =
+            SimulateAll(file, pattern, total, output, previewOutput ? &preview : nullptr);
+        if (previewOutput)
+            previewOutput->Write(preview->Png());
         if (options.explain)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
+        StopIfInterrupted(options.output);
+        if (previewOutput)
+            previewOutput->Commit();
+        output.Commit();
+        for (const std::string& warning : file.Warnings())
+            PrintWarning(options.input, warning);
         if (sawHighStep)
             PrintWarning(options.input, "samples are above the top step of their in-colour; "
                                         "--levels quantize divides tones over the steps");
@@ -160,14 +172,15 @@ private:
 
     void Explain(const SimulationPlan& plan, const LoadedPattern& pattern, int page) const
     {
-        std::printf("page %d: %u x %u pixels, %s engine\n", page, plan.from.width, plan.from.height,
-                    engine.c_str());
+        std::string text = "page " + std::to_string(page) + ": " + std::to_string(plan.from.width) +
+                           " x " + std::to_string(plan.from.height) + " pixels, " + engine +
+                           " engine\n";
         for (std::size_t i = 0; i < pattern.inColours.size(); ++i)
-            std::printf("  in-colour %s: channel %s by %s, steps 0 to %d\n",
-                        Shown(pattern.inColours[i]).c_str(),
-                        Shown(ChannelWords(plan.channels, plan.choice.map[i])).c_str(),
-                        plan.choice.byName[i] ? "name" : "order", pattern.topSteps[i]);
-        std::printf("  out-inks %s\n", Shown(Names(pattern.outInks)).c_str());
+            text += "  in-colour " + Shown(pattern.inColours[i]) + ": channel " +
+                    Shown(ChannelWords(plan.channels, plan.choice.map[i])) + " by " +
+                    (plan.choice.byName[i] ? "name" : "order") + ", steps 0 to " +
+                    std::to_string(pattern.topSteps[i]) + '\n';
+        PrintText(text + "  out-inks " + Shown(Names(pattern.outInks)) + '\n');
     }
 
     bool WarnOfUnused(const SimulationPlan& plan) const
@@ -187,38 +200,28 @@ private:
                                         "taken for no ink");
     }
 
-    // Tells whether raw samples were above the top steps.
-    bool SimulateAll(const TiffFile& file, const LoadedPattern& pattern, const Total& total) const
+    // Tells whether raw samples were above the top steps. preview may be null.
+    bool SimulateAll(const TiffFile& file, const LoadedPattern& pattern, const Total& total,
+                     AtomicOutput& output, std::optional<PreviewPicture>* preview) const
     {
-        AtomicOutput output(options.output);
-        std::optional<AtomicOutput> previewOutput;
-        if (!options.preview.empty())
-            previewOutput.emplace(options.preview);
-        std::optional<PreviewPicture> preview;
         bool sawHighStep = false;
-        {
-            const TiffFile out =
-                TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
-                                         // What doesn't compress may grow by a half.
-                                         NeedsBigForm(total.bytes / 2 * 3));
-            Progress progress("simulate " + options.output, total.rows);
-            int page = 1;
-            do {
-                const SimulationPlan plan = PlanSimulation(file, options, pattern);
-                if (page == 1 && previewOutput)
-                    preview.emplace(plan.to.width, plan.to.height, PixelHeight(file),
-                                    ColoursOf(pattern));
-                sawHighStep = SimulatePage(file, out, plan, options, pattern,
-                                           page == 1 && preview ? &*preview : nullptr, progress) ||
-                              sawHighStep;
-            } while (file.NextPage(page++));
-        }
-        if (previewOutput)
-            preview->Write(previewOutput->TakeDescriptor(), options.preview);
-        StopIfInterrupted(options.output);
-        if (previewOutput)
-            previewOutput->Commit();
-        output.Commit();
+        TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
+                                                // What doesn't compress may grow by a half.
+                                                NeedsBigForm(total.bytes / 2 * 3));
+        Progress progress("simulate " + options.output, total.rows);
+        int page = 1;
+        do {
+            const SimulationPlan plan = PlanSimulation(file, options, pattern);
+            const bool seen = page == 1 && preview != nullptr;
+            if (seen)
+                preview->emplace(plan.to.width, plan.to.height, PixelHeight(file),
+                                 ColoursOf(pattern));
+            sawHighStep = SimulatePage(file, out, plan, options, pattern,
+                                       seen ? &**preview : nullptr, progress) ||
+                          sawHighStep;
+        } while (file.NextPage(page++));
+        file.RequireSound();
+        out.Finish();
         return sawHighStep;
     }
 
@@ -228,14 +231,6 @@ private:
         for (const std::string& ink : pattern.outInks)
             colours.push_back(ColourOfInk(ink, options.inkColours));
         return colours;
-    }
-
-    static void PrintSpeed(std::uint64_t rows, std::chrono::steady_clock::duration time)
-    {
-        const double seconds = std::chrono::duration<double>(time).count();
-        const double rate = seconds > 0 ? static_cast<double>(rows) / seconds : 0;
-        std::printf("%llu rows in %.3f s, %.0f rows per second\n",
-                    static_cast<unsigned long long>(rows), seconds, rate);
     }
 
     SimulateOptions options;

@@ -2,32 +2,38 @@
 
 #include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/file_calls.h"
+#include "tools/pelkraft/interrupt.h"
 
-#include <cerrno>
+#include <unistd.h>
+
 #include <cstdio>
-#include <cstring>
-#include <memory>
 
 namespace zvk::Pelkraft::Client {
 
 void WriteWholeFile(const std::string& path, const std::string& bytes)
 {
     AtomicOutput output(path);
-    std::FILE* const file = fdopen(output.TakeDescriptor(), "wb");
-    if (file == nullptr)
-        throw Failure(ExitCode::ReadWrite, path, "cannot be written");
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    if (std::fclose(file) != 0 || !written)
-        throw Failure(ExitCode::ReadWrite, path,
-                      std::string("cannot be written: ") + std::strerror(errno));
+    output.Write(bytes);
+    StopIfInterrupted(path);
     output.Commit();
 }
 
 void PrintText(const std::string& text)
 {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+    if (const int error = WriteAll(STDOUT_FILENO, text.data(), text.size()); error != 0)
         throw Failure(ExitCode::ReadWrite, {},
-                      std::string("the standard output can't be written: ") + std::strerror(errno));
+                      "the standard output can't be written: " + ErrorText(error));
+}
+
+void PrintSpeed(std::uint64_t rows, std::chrono::steady_clock::duration time)
+{
+    const double seconds = std::chrono::duration<double>(time).count();
+    const double rate = seconds > 0 ? static_cast<double>(rows) / seconds : 0;
+    char line[128];
+    std::snprintf(line, sizeof line, "%llu rows in %.3f s, %.0f rows per second\n",
+                  static_cast<unsigned long long>(rows), seconds, rate);
+    PrintText(line);
 }
 
 } // namespace zvk::Pelkraft::Client

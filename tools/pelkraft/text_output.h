@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <string>
 
 namespace zvk::Pelkraft::Client {
@@ -9,5 +11,8 @@ void WriteWholeFile(const std::string& path, const std::string& bytes);
 
 // To the standard output stream; a stream that takes no more is a failure to write.
 void PrintText(const std::string& text);
+
+// The line that ends an explained run.
+void PrintSpeed(std::uint64_t rows, std::chrono::steady_clock::duration time);
 
 } // namespace zvk::Pelkraft::Client

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/tiff_file.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/file_calls.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,7 +11,6 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -55,16 +55,16 @@ struct FreeOptions
 
 } // namespace
 
-TiffFile::TiffFile(int descriptor, const std::string& newPath, const char* mode)
-    : path(newPath), messages(std::make_unique<TiffMessages>())
+TiffFile::TiffFile(std::unique_ptr<TiffStream> newStream, const std::string& newPath,
+                   const char* mode)
+    : path(newPath), writing(mode[0] == 'w'), messages(std::make_unique<TiffMessages>()),
+      stream(std::move(newStream))
 {
     const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), largestTable);
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), NoteError, messages.get());
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), NoteWarning, messages.get());
-    handle.reset(TIFFFdOpenExt(descriptor, path.c_str(), mode, options.get()));
-    if (!handle)
-        close(descriptor);
+    handle.reset(stream->Open(path, mode, options.get()));
 }
 
 TiffFile TiffFile::OpenForReading(const std::string& path)
@@ -72,16 +72,20 @@ TiffFile TiffFile::OpenForReading(const std::string& path)
     // Without O_NONBLOCK a pipe would be waited for before it can be refused.
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status = {};
-    if (descriptor < 0 || fstat(descriptor, &status) != 0)
-        throw Failure(ExitCode::ReadWrite, path,
-                      std::string("cannot be read: ") + std::strerror(errno));
+    if (descriptor < 0 || fstat(descriptor, &status) != 0) {
+        const int error = errno;
+        if (descriptor >= 0)
+            close(descriptor);
+        throw Failure(ExitCode::ReadWrite, path, "cannot be read: " + ErrorText(error));
+    }
     if (!S_ISREG(status.st_mode)) {
         close(descriptor);
         throw Failure(ExitCode::ReadWrite, path, "cannot be read: it is not a regular file");
     }
 
-    TiffFile file(descriptor, path, "r");
-    file.size = static_cast<std::uint64_t>(status.st_size);
+    TiffFile file(
+        std::make_unique<TiffStream>(descriptor, static_cast<std::uint64_t>(status.st_size)), path,
+        "r");
     if (!file.handle)
         file.Throw(ExitCode::BadInput, "is no TIFF file; supported are TIFF and BigTIFF");
     return file;
@@ -89,9 +93,17 @@ TiffFile TiffFile::OpenForReading(const std::string& path)
 
 TiffFile TiffFile::OpenForWriting(int descriptor, const std::string& shownPath, bool big)
 {
-    TiffFile file(descriptor, shownPath, big ? "w8" : "w");
+    TiffFile file(std::make_unique<TiffStream>(descriptor, 0), shownPath, big ? "w8" : "w");
     if (!file.handle)
         file.Throw(ExitCode::ReadWrite, "cannot be written");
+    return file;
+}
+
+TiffFile TiffFile::OpenAgain(const MappedFile& mapping) const
+{
+    TiffFile file(std::make_unique<TiffStream>(*stream, mapping), path, "r");
+    if (!file.handle || TIFFSetDirectory(file.Get(), TIFFCurrentDirectory(Get())) != 1)
+        file.Throw(ExitCode::BadInput, "can't be read twice");
     return file;
 }
 
@@ -110,8 +122,25 @@ void TiffFile::FirstPage() const
         Throw(ExitCode::BadInput, "can't be read twice");
 }
 
+void TiffFile::Finish()
+{
+    handle.reset();
+    stream->Store();
+    RequireSound();
+}
+
+void TiffFile::RequireSound() const
+{
+    if (!stream->Failure().empty())
+        Throw(ExitCode::ReadWrite, {});
+}
+
 void TiffFile::Throw(ExitCode code, const std::string& text) const
 {
+    const std::string failure = stream->Failure();
+    if (!failure.empty())
+        throw Failure(ExitCode::ReadWrite, path,
+                      (writing ? "cannot be written: " : "cannot be read: ") + failure);
     const std::string& said = messages->error;
     throw Failure(code, path, said.empty() ? text : text + " (" + said + ")");
 }

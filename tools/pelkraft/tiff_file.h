@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/pelkraft/exit_code.h"
+#include "tools/pelkraft/tiff_stream.h"
 
 #include <tiffio.h>
 
@@ -26,18 +27,27 @@ public:
     static TiffFile OpenForReading(const std::string& path);
     // Writes to an open file, which it closes; big takes the form for more than 4 GB.
     static TiffFile OpenForWriting(int descriptor, const std::string& shownPath, bool big);
+    // A second handle of the same file, at the same page. It reads in place where mapping can.
+    TiffFile OpenAgain(const MappedFile& mapping) const;
 
     TIFF* Get() const { return handle.get(); }
     const std::string& Path() const { return path; }
-    // Bytes of the file at the time of opening; 0 for one that is being written.
-    std::uint64_t Size() const { return size; }
+    // Bytes of the file at the time of opening; of one that is being written, so far.
+    std::uint64_t Size() const { return stream->Size(); }
+    int Descriptor() const { return stream->Descriptor(); }
     const std::vector<std::string>& Warnings() const { return messages->warnings; }
 
     // Goes on behind the given page, counted from 1. False after the last one.
     bool NextPage(int page) const;
     void FirstPage() const;
 
-    // A failure of this file: the text, and behind it what libtiff said last.
+    // Ends writing: everything is stored, or that is a failure.
+    void Finish();
+    // Throws if something could not be read, even where libtiff did without it.
+    void RequireSound() const;
+
+    // A failure of this file: the text, and behind it what libtiff said last. Where reading or
+    // writing failed, that is the failure.
     [[noreturn]] void Throw(ExitCode code, const std::string& text) const;
 
 private:
@@ -46,12 +56,13 @@ private:
         void operator()(TIFF* file) const { TIFFClose(file); }
     };
 
-    TiffFile(int descriptor, const std::string& newPath, const char* mode);
+    TiffFile(std::unique_ptr<TiffStream> newStream, const std::string& newPath, const char* mode);
 
     std::string path;
-    std::uint64_t size = 0;
-    // At a fixed address: libtiff keeps a pointer to it.
+    bool writing;
+    // At fixed addresses: libtiff keeps pointers to them.
     std::unique_ptr<TiffMessages> messages;
+    std::unique_ptr<TiffStream> stream;
     std::unique_ptr<TIFF, Close> handle;
 };
 

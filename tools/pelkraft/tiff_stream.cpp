@@ -1,0 +1,99 @@
+#include "tools/pelkraft/tiff_stream.h"
+
+#include "tools/pelkraft/file_calls.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+namespace zvk::Pelkraft::Client {
+
+TiffStream::~TiffStream()
+{
+    if (owner && descriptor >= 0)
+        close(descriptor);
+}
+
+TIFF* TiffStream::Open(const std::string& path, const char* mode, TIFFOpenOptions* options)
+{
+    const auto leaveOpen = [](thandle_t) { return 0; };
+    const auto tellSize = [](thandle_t handle) -> toff_t { return From(handle).size; };
+    const auto unmap = [](thandle_t, void*, toff_t) {};
+    return TIFFClientOpenExt(path.c_str(), mode, this, Read, Write, Seek, leaveOpen, tellSize, Map,
+                             unmap, options);
+}
+
+void TiffStream::Store()
+{
+    if (owner && descriptor >= 0)
+        Note(StoreAndClose(std::exchange(descriptor, -1)));
+}
+
+std::string TiffStream::Failure() const
+{
+    if (firstError != 0)
+        return ErrorText(firstError);
+    if (cutShort)
+        return "it has become shorter meanwhile";
+    return mapping != nullptr && mapping->Failed() ? ErrorText(EIO) : std::string();
+}
+
+tmsize_t TiffStream::Read(thandle_t handle, void* bytes, tmsize_t count)
+{
+    TiffStream& stream = From(handle);
+    // What lies behind the end is the fault of the file; what is missing before it is not.
+    const std::uint64_t left = stream.size - std::min(stream.size, stream.position);
+    const auto wanted = static_cast<std::size_t>(std::min(left, static_cast<std::uint64_t>(count)));
+    std::size_t got = 0;
+    const int error = ReadUpTo(stream.descriptor, bytes, wanted, stream.position, got);
+    stream.Note(error);
+    stream.cutShort = stream.cutShort || (error == 0 && got < wanted);
+    stream.position += got;
+    // Never -1: libtiff clears what is missing behind so many bytes, of which -1 lies in front.
+    return static_cast<tmsize_t>(got);
+}
+
+tmsize_t TiffStream::Write(thandle_t handle, void* bytes, tmsize_t count)
+{
+    TiffStream& stream = From(handle);
+    const auto wanted = static_cast<std::size_t>(count);
+    const int error = WriteAllAt(stream.descriptor, bytes, wanted, stream.position);
+    stream.Note(error);
+    if (error != 0)
+        return -1;
+    stream.position += wanted;
+    stream.size = std::max(stream.size, stream.position);
+    return count;
+}
+
+toff_t TiffStream::Seek(thandle_t handle, toff_t offset, int from)
+{
+    TiffStream& stream = From(handle);
+    if (from == SEEK_CUR)
+        offset += stream.position;
+    else if (from == SEEK_END)
+        offset += stream.size;
+    stream.position = offset;
+    return offset;
+}
+
+int TiffStream::Map(thandle_t handle, void** start, toff_t* count)
+{
+    const MappedFile* const mapping = From(handle).mapping;
+    if (mapping == nullptr || mapping->Data() == nullptr)
+        return 0;
+    *start = mapping->Data();
+    *count = mapping->Size();
+    return 1;
+}
+
+void TiffStream::Note(int error)
+{
+    if (firstError == 0)
+        firstError = error;
+}
+
+} // namespace zvk::Pelkraft::Client
