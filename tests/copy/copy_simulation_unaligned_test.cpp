@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace zvk::Pelkraft {
@@ -60,6 +61,25 @@ TEST(CopySimulationUnaligned, TakesAnyAddress)
             copySimulationUnaligned(source.data(), destination.data(), 63, 3);
             EXPECT_EQ(content, destination.bytes()) << gap << ", " << otherGap;
         }
+}
+
+TEST(CopySimulationUnaligned, ReadsAUnitWholeBeforeItWritesIt)
+{
+    constexpr int pixelBytes = 20;
+    constexpr int start = 50;
+    for (int distance = -20; distance <= 20; ++distance) {
+        const Bytes before = RandomBytes(200, 22);
+        Bytes expected = before;
+        for (const int unit : {0, 16, 20, 36, 40, 56}) {
+            const auto from = expected.begin() + start + unit;
+            const Bytes moved(from, from + 16);
+            std::copy(moved.begin(), moved.end(), from + distance);
+        }
+        Bytes actual = before;
+        copySimulationUnaligned(actual.data() + start, actual.data() + start + distance,
+                                3 * pixelBytes, pixelBytes);
+        EXPECT_EQ(expected, actual) << distance;
+    }
 }
 
 TEST(CopySimulationUnaligned, DoesNothingWithAPixelAboveSize)

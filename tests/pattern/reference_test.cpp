@@ -50,6 +50,14 @@ Bytes Once(const std::string& text, const Bytes& source)
     return TestSupport::Apply(pattern, source);
 }
 
+Bytes Repeated(const Bytes& pixel, std::size_t count)
+{
+    Bytes pixels;
+    for (std::size_t i = 0; i != count; ++i)
+        pixels.insert(pixels.end(), pixel.begin(), pixel.end());
+    return pixels;
+}
+
 TEST(ReferenceClass, AgreesWithTheNaiveOneOnRandomPatterns)
 {
     std::mt19937 random(99);
@@ -249,7 +257,14 @@ TEST(ReferenceClass, RefusesWhatItsTablesDoNotHold)
 TEST(ReferenceClass, ReadsTheRestOfALongRatioAsTheTwelfthWeight)
 {
     const std::string weights = "1 0:0:0:0:0:0:0:0:0:0:0:1:9:9";
-    EXPECT_EQ(Once(Values("2", weights + " 9 9 9 9 9 9 9 9 9 9 9 1-5"), {1}), (Bytes{0, 5}));
+    const std::string text = Values("2", weights + " 9 9 9 9 9 9 9 9 9 9 9 1-5");
+    EXPECT_EQ(Once(text, Bytes(40, 1)), Repeated({0, 5}, 40));
+}
+
+TEST(ReferenceClass, GivesAWeightNoMoreNumbersThanTheSumHas)
+{
+    // What went on behind the numbers of one ink would be those of the next.
+    EXPECT_EQ(Once(Values("2", "1 40:-20 0-1 0-2"), Bytes(40, 1)), Repeated({1, 0}, 40));
 }
 
 TEST(ReferenceClass, RefusesMoreThan12OutInksAndAnyNumberOfInColorsIsTaken)

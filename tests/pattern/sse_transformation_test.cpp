@@ -135,6 +135,18 @@ TEST(SseTransformation, MergesChainsInTheOrderOfTheLanes)
     EXPECT_EQ(tables.mOffset[2], 0);
 }
 
+TEST(SseTransformation, LooksForARowInThoseOfItsTurn)
+{
+    // Lane 0 finds its value in lane 2: lane 1, which will hold it too, has not been merged yet.
+    Rows rows({{3, -1, -1, -1, -1, -1, -1, -1},
+               {1, 2, -1, -1, -1, -1, -1, -1},
+               {4, 3, -1, -1, -1, -1, -1, -1},
+               {1, 2, 3, -1, -1, -1, -1, -1}});
+    const SseTransformationBuilder tables = Build(rows);
+    EXPECT_EQ(tables.mComonTrans, Filled({4, 3, 1, 2, 3}, 0));
+    EXPECT_EQ(tables.mOffset, Filled({1, 2, 0, 2}, -127));
+}
+
 TEST(SseTransformation, PacksTheLowBytes)
 {
     Rows rows({{-1, -1, 257, -1, -1, -1, -1, -1}});
