@@ -349,5 +349,31 @@ TEST(ReferenceClass, MovesEachSourceWithEachPixelInTheNewerWay)
     EXPECT_EQ(pattern.GetRandomSource(), nullptr);
 }
 
+TEST(ReferenceClass, TellsStepsApartByAnyOfTheirFirstFourWeightsInTheNewerWay)
+{
+    for (std::size_t other = 0; other != 4; ++other) {
+        // The number of weights and their sum are those of step 1, 1:1:1:1:2.
+        std::vector<std::uint32_t> weights = {1, 1, 1, 1, 1};
+        weights[other] = 2;
+        std::string ratio;
+        Bytes alternativeOf;
+        for (std::size_t i = 0; i != weights.size(); ++i) {
+            ratio += (i == 0 ? "" : ":") + std::to_string(weights[i]);
+            alternativeOf.insert(alternativeOf.end(), weights[i], static_cast<unsigned char>(i));
+        }
+        const std::string entries = " 0-0 0-1 0-2 0-3 0-4 ";
+        NewerDrawing pattern(Head("2", "A", "X") + "RANDOM_SEED 11" +
+                             InColor("A", "X", "1 1:1:1:1:2" + entries + "2 " + ratio + entries));
+        NaiveRand rand(11);
+        for (unsigned i = 0; i != NaiveJump(0) + 1U; ++i)
+            rand();
+        // Step 1 draws the lower digit of 6, and step 2 one of its own behind it.
+        Bytes expected;
+        for (int i = 0; i != 300; ++i)
+            expected.push_back(alternativeOf[rand() / 6 % 6]);
+        EXPECT_EQ(pattern.Apply(Bytes(300, 2)), expected) << ratio;
+    }
+}
+
 } // namespace
 } // namespace zvk::Pelkraft
