@@ -1,14 +1,18 @@
 #!/usr/bin/env bash
 # Proves that the tests fail where the library is wrong: plants the defects of tests/mutants/ one
 # by one in a copy of the tree, builds, and runs the tests that have to fail.
-#   --list     prints the defects, and what can't be planted any more, and ends
-#   WORDS...   only defects with one of these in "room: name"
+#   --list                   prints the defects, and what can't be planted any more, and ends
+#   --automatic [FILE...]    plants small changes made by rule instead, in all files or in these
+#   WORDS...                 only defects with one of these in "room: name"
+# An interrupted run goes on: what was caught stays so while its file and that test are there;
+# remove build/mutants/caught to have all tried again.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 work=build/mutants
 tree=$work/tree
 binaries=$work/binaries
+record=$work/caught
 plant=tests/mutants/plant.pl
 jobs=$(nproc)
 # A test that was killed leaves no core, and a defect that eats memory not the machine.
@@ -18,12 +22,15 @@ ulimit -v $((8 * 1024 * 1024))
 export GTEST_FAIL_FAST=1
 
 only_list=no
+automatic=no
 words=()
 for argument in "$@"; do
     case $argument in
     --list) only_list=yes ;;
+    --automatic) automatic=yes ;;
     -*)
         echo "usage: bash scripts/mutants.sh [--list] [WORDS...]" >&2
+        echo "       bash scripts/mutants.sh --automatic [FILE...]" >&2
         exit 2
         ;;
     *) words+=("$argument") ;;
@@ -59,7 +66,7 @@ configure() {
     cmake -S "$tree" -B "$binaries" -G Ninja -DCMAKE_CXX_COMPILER=g++ \
         -DCMAKE_BUILD_TYPE=Mutants -DCMAKE_CXX_FLAGS_MUTANTS=-O1 \
         -DCMAKE_LINK_DEPENDS_NO_SHARED=ON \
-        -DPELKRAFT_BUILD_TESTS=ON -DPELKRAFT_BUILD_TOOLS=OFF -DPELKRAFT_BUILD_BENCHMARKS=OFF
+        -DPELKRAFT_BUILD_TESTS=ON -DPELKRAFT_BUILD_TOOLS=ON -DPELKRAFT_BUILD_BENCHMARKS=OFF
 }
 
 build() {
@@ -129,6 +136,33 @@ try_mutant() {
     echo "$verdict"
 }
 
+# The same for the same planted file, whatever the order of its includes.
+key_of() {
+    { echo "$2: $3" && grep -v '^#include' "$tree/$1"; } | sha1sum | cut -d ' ' -f 1
+}
+
+# Says what caught a defect in an earlier run, as long as that test is still there.
+caught_before() {
+    local verdict case
+    verdict=$(sed -n "s/^$1 //p" "$record" | tail -1)
+    [ -n "$verdict" ] || return 1
+    case=$(sed -n 's/.*(.*\.\([A-Za-z0-9]*\).*)$/\1/p' <<<"$verdict")
+    if [ -n "$case" ]; then
+        grep -rqw "$case" tests --include='*.cpp' || return 1
+    fi
+    echo "$verdict"
+}
+
+if [ $automatic = yes ]; then
+    bash scripts/setup.sh test
+    sync_tree
+    configure >"$work/configure.log" 2>&1 ||
+        fail "the tree can't be configured" "$work/configure.log"
+    build test_rows test_conversions test_portal test_converters test_chunks test_pattern ||
+        fail "the tree does not build" "$work/build.log"
+    exec perl tests/mutants/automatic.pl try "$tree" "$binaries" "$work/automatic" "${words[@]}"
+fi
+
 start=$EPOCHSECONDS
 list=$work/list
 mkdir -p "$work"
@@ -171,6 +205,12 @@ configure >"$work/configure.log" 2>&1 || fail "the tree can't be configured" "$w
 mapfile -t targets < <(printf '%s\n' "${targets[@]}" | sort -u)
 run_all
 
+# The quick way first: what it catches stands in the record then.
+touch "$record"
+mkdir -p "$work/quick"
+printf '%s\n' "${chosen[@]}" |
+    perl tests/mutants/try_planted.pl "$tree" "$binaries" "$work/quick" "$record"
+
 caught=0
 survivors=()
 broken=()
@@ -179,7 +219,11 @@ for line in "${chosen[@]}"; do
     IFS=$'\t' read -r room name tests builds <<<"$line"
     SECONDS=0
     file=$(perl "$plant" plant "$tree" "tests/mutants/$room.txt" "$name")
-    if ! verdict=$(try_mutant "$tests" "$builds"); then
+    key=$(key_of "$file" "$room" "$name")
+    if verdict=$(caught_before "$key"); then
+        caught=$((caught + 1))
+        result="caught before by $verdict"
+    elif ! verdict=$(try_mutant "$tests" "$builds"); then
         broken+=("$room: $name")
         log=$work/broken-${#broken[@]}.log
         cp "$work/build.log" "$log"
@@ -189,6 +233,7 @@ for line in "${chosen[@]}"; do
         result=SURVIVED
     else
         caught=$((caught + 1))
+        echo "$key $verdict" >>"$record"
         result="caught by $verdict"
     fi
     cp "$file" "$tree/$file"

@@ -12,7 +12,7 @@ set -euo pipefail
 build_packages=(g++ cmake ninja-build pkg-config libtiff-dev libpng-dev libcli11-dev
     nlohmann-json3-dev)
 picture_packages=(ghostscript libtiff-tools)
-test_packages=(clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind
+test_packages=(perl clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind
     abigail-tools groff-base fish zsh doxygen libc++-14-dev libc++abi-14-dev g++-multilib)
 
 case "${1:-test}" in

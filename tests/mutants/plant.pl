@@ -1,6 +1,7 @@
 # Reads the lists of planted defects beside it, and plants one of them in a tree.
 #   perl plant.pl list TREE LIST...            room, name, tests and build targets, tab-separated
 #   perl plant.pl plant TREE LIST NAME         changes the file in the tree, prints its path
+#   perl plant.pl show TREE LIST NAME          prints the path, and the changed text behind it
 # "list" fails, and says why, if any of them could not be planted. Needs no module.
 use strict;
 use warnings;
@@ -107,23 +108,29 @@ sub ListMutants
     return $failures == 0;
 }
 
-sub PlantMutant
+sub FindMutant
 {
     my ($tree, $list, $name) = @_;
     my ($mutant) = grep { $_->{name} eq $name } ReadList($list) or die "no such mutant: $name\n";
-    my $path = "$tree/$mutant->{file}";
-    my $mutated = MutatedText($mutant, ReadAll($path));
-    open(my $file, '>', $path) or die "$path: $!\n";
-    print $file $mutated;
+    return ($mutant->{file}, MutatedText($mutant, ReadAll("$tree/$mutant->{file}")));
+}
+
+sub PlantMutant
+{
+    my ($tree, $path, $text) = @_;
+    open(my $file, '>', "$tree/$path") or die "$path: $!\n";
+    print $file $text;
     close($file) or die "$path: $!\n";
-    print "$mutant->{file}\n";
+    print "$path\n";
 }
 
 my ($verb, $tree, @rest) = @ARGV;
 if ($verb eq 'list') {
     exit(ListMutants($tree, @rest) ? 0 : 1);
 } elsif ($verb eq 'plant') {
-    PlantMutant($tree, @rest);
+    PlantMutant($tree, FindMutant($tree, @rest));
+} elsif ($verb eq 'show') {
+    print(join("\n", FindMutant($tree, @rest)));
 } else {
     die "what is $verb?\n";
 }
