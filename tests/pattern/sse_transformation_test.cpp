@@ -72,6 +72,18 @@ TEST(SseTransformation, HasNothingInALaneWithoutValues)
     EXPECT_EQ(tables.mComonTrans, Filled({5}, 0));
 }
 
+TEST(SseTransformation, SetsTheLanesAnewWhenItIsBuiltAgain)
+{
+    Rows rows({{-1, 64, 128, -1, -1, -1, -1, -1}});
+    Rows without({unsetRow});
+    SseTransformationBuilder tables;
+    tables.Build(rows.combination);
+    tables.Build(without.combination);
+    EXPECT_EQ(tables.mLower, Filled({}, 0));
+    EXPECT_EQ(tables.mUpper, Filled({}, 0));
+    EXPECT_EQ(tables.mOffset, Filled({}, -127));
+}
+
 TEST(SseTransformation, KeepsAHoleAsAZeroThatTakesAPlace)
 {
     Rows rows({{-1, 7, -1, 9, -1, -1, -1, -1}});
