@@ -27,8 +27,8 @@ TEST(OutsideConversions, EveryByteButThePixelsStaysAndNoneGetsIntoThem)
         const auto& [from, to, operation, forcePortable] = oneCase;
         const int pixels = CountSetPixels(from, to, operation.factor);
         const std::string fault =
-            fills.Run(NaiveRowBytes(to), sampler.GetCount() % 3, BytesOfPixels(to, pixels),
-                      [&](unsigned char* destination) {
+            fills.Run(NaiveRowBytes(to), static_cast<std::size_t>(sampler.GetCount() % 3),
+                      BytesOfPixels(to, pixels), [&](unsigned char* destination) {
                           RunConversion(oneCase, source.data(), destination);
                       });
         EXPECT_EQ("", fault) << Describe(oneCase);

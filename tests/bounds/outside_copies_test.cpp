@@ -31,7 +31,8 @@ TEST(OutsideCopies, EveryByteButThoseOfTheReachStaysAndNoneGetsIntoThem)
     for (const CopyShape& shape : AllCopyShapes(largestSize)) {
         if (!sampler.Takes() || HasFailure())
             continue;
-        const std::size_t shift = ServesAnyAddress(shape) ? sampler.GetCount() % 3 : 0;
+        const std::size_t shift =
+            ServesAnyAddress(shape) ? static_cast<std::size_t>(sampler.GetCount() % 3) : 0;
         const std::string fault =
             fills.Run(ReachOf(shape), shift, CoveredBytes(ReachOf(shape), true),
                       [&](unsigned char* destination) {

@@ -27,8 +27,8 @@ TEST(OutsidePatterns, EveryByteButTheInksStaysAndNoneGetsIntoThem)
                 continue;
             const std::size_t inks = static_cast<std::size_t>(pixels * shape.outInks);
             const std::string fault =
-                fills.Run(inks, sampler.GetCount() % 3, CoveredBytes(inks, true),
-                          [&](unsigned char* destination) {
+                fills.Run(inks, static_cast<std::size_t>(sampler.GetCount() % 3),
+                          CoveredBytes(inks, true), [&](unsigned char* destination) {
                               pattern.ResetRandomizer();
                               pattern.ApplyPattern(steps.data(), destination,
                                                    static_cast<unsigned long>(pixels));

@@ -83,7 +83,8 @@ Bytes LoadRow(const RowCase& row, const GuardedBuffer& source)
     if (const std::size_t rest = row.columns % 16; rest != 0) {
         const GuardedBuffer memory =
             MakeChunk(row.PixelBytes(), HeaderFor(row, 16), 0xFF, Flush::AtEnd);
-        const GuardedBuffer strip(facility.descriptor->GetPartialChunkSize(facility));
+        const GuardedBuffer strip(
+            static_cast<std::size_t>(facility.descriptor->GetPartialChunkSize(facility)));
         facility.descriptor->LoadPartialChunk(facility, {source.data(), position}, strip.data(),
                                               rest);
         method(strip.data(), memory.data());
@@ -118,7 +119,8 @@ void SaveRow(const RowCase& row, const Bytes& columns, const GuardedBuffer& dest
         position += static_cast<std::size_t>(facility.descriptor->GetChunkStep(facility));
     }
     if (const std::size_t rest = row.columns % 16; rest != 0) {
-        const GuardedBuffer strip(facility.descriptor->GetPartialChunkSize(facility));
+        const GuardedBuffer strip(
+            static_cast<std::size_t>(facility.descriptor->GetPartialChunkSize(facility)));
         method(chunkAt(row.columns / 16, 16).data(), strip.data());
         facility.descriptor->SavePartialChunk(facility, strip.data(), destination.data() + position,
                                               rest);

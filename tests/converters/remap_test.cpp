@@ -289,7 +289,7 @@ Bytes BlockOf(const Shape& shape, const Road& road)
     const IChunkConvertDescriptor& member = *call.facility.select(call.facility, call.input);
     ChunkConvertMetrics metrics{};
     member.GetMetrics(metrics, call.facility, call.input);
-    const GuardedBuffer block(metrics.parameterBytes, Flush::AtEnd, 0xA5);
+    const GuardedBuffer block(static_cast<std::size_t>(metrics.parameterBytes), Flush::AtEnd, 0xA5);
     member.GetConvertMethod(call.facility, call.input, call.geometry, block.data());
     return block.bytes();
 }
@@ -355,7 +355,7 @@ TEST(RemapMasks, AreAllEmptyWithoutOutputChannels)
         return;
     const std::int32_t table[] = {0};
     const auto facility = ChunkConvertFacility::Create_Remap(3, 0, table);
-    for (const std::uint64_t units : {1U, 2U}) {
+    for (const std::size_t units : {1U, 2U}) {
         const ImageRowFormat input = FormatOf(8, 16 * units);
         const IChunkConvertDescriptor* member = VectorRoad::GetRemap(units, units);
         const GuardedBuffer block(16 * units * units, Flush::AtEnd, 0xA5);

@@ -33,7 +33,7 @@ void RunDescriptor(const IChunkConvertDescriptor& descriptor, const StepCall& ca
 {
     ChunkConvertMetrics metrics{};
     descriptor.GetMetrics(metrics, call.facility, call.input);
-    const GuardedBuffer block(metrics.parameterBytes, Flush::AtEnd, 0xA5);
+    const GuardedBuffer block(static_cast<std::size_t>(metrics.parameterBytes), Flush::AtEnd, 0xA5);
     void* parameters = metrics.parameterBytes != 0 ? block.data() : nullptr;
     const ConvertMethod method =
         descriptor.GetConvertMethod(call.facility, call.input, call.geometry, parameters);

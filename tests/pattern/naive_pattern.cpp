@@ -82,7 +82,8 @@ NaiveSimulation::Share NaiveSimulation::ShareOf(std::uint64_t combination) const
     Share share;
     for (const std::vector<Variable>& ofInColor : variables)
         for (const Variable& variable : ofInColor) {
-            share.numerator *= variable.weights[combination % variable.weights.size()];
+            share.numerator *=
+                variable.weights[static_cast<std::size_t>(combination % variable.weights.size())];
             share.denominator *= variable.sum;
             combination /= variable.weights.size();
             const std::uint64_t divisor = std::gcd(share.numerator, share.denominator);
@@ -123,9 +124,9 @@ void NaiveSimulation::DrawSecondGeneration()
         // The product has 32 bits.
         const std::uint64_t product = share.numerator * highest % (std::uint64_t{1} << 32);
         const std::uint64_t entries = product / share.denominator * multiplier;
-        field.insert(field.end(), entries, static_cast<std::uint32_t>(c));
+        field.insert(field.end(), static_cast<std::size_t>(entries), static_cast<std::uint32_t>(c));
     }
-    field.resize(multiplier * highest, 0);
+    field.resize(static_cast<std::size_t>(multiplier * highest), 0);
     NaiveShuffle(field, static_cast<std::uint32_t>(pattern.seed));
 }
 
@@ -136,7 +137,7 @@ Bytes NaiveSimulation::Row(const Bytes& source)
     for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
         std::uint64_t combination = 0;
         if (combinations >= 2) {
-            combination = field[position];
+            combination = field[static_cast<std::size_t>(position)];
             position = (position + 1) % field.size();
         }
         for (int ink = 0; ink < pattern.outInks; ++ink)

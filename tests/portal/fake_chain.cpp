@@ -115,7 +115,8 @@ ConvertMethod FakeChain::Prepare(std::size_t step, const ChunkStepGeometry& geom
     geometries[step] = geometry;
     blocks[step] = block;
     if (block != nullptr)
-        std::memset(block, static_cast<int>(step + 1), steps[step].parameterBytes);
+        std::memset(block, static_cast<int>(step + 1),
+                    static_cast<std::size_t>(steps[step].parameterBytes));
     return methods[step];
 }
 
@@ -133,8 +134,8 @@ void FakeChain::Run(std::size_t step, ChunkHeader* chunk, const void* parameters
 void FakeChain::MovePixels(std::size_t step, ChunkHeader* chunk) const
 {
     const ChunkStepGeometry& geometry = geometries[step];
-    const std::size_t inputs16 = steps[step].inputChunks * 16;
-    const std::size_t outputs16 = steps[step].outputChunks * 16;
+    const std::size_t inputs16 = static_cast<std::size_t>(steps[step].inputChunks) * 16;
+    const std::size_t outputs16 = static_cast<std::size_t>(steps[step].outputChunks) * 16;
     ChunkHeader* target = steps[step].ownRegion ? Behind(chunk, chunk->nextRegionOffset) : chunk;
     const auto bytes = static_cast<std::size_t>(
         chunk->pixelBytes < target->pixelBytes ? chunk->pixelBytes : target->pixelBytes);

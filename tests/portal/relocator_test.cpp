@@ -94,8 +94,8 @@ TEST(Relocator, AgreesWithTheModelForEachSizeAndEnd)
                                                 << " in the last byte, " << size << " bytes");
                 const Bytes source =
                     RandomBytes(size, static_cast<std::uint32_t>(size * 8 + lastByteBits));
-                const Bytes expected =
-                    NaiveRelocate(source, lastByteBits, static_cast<std::size_t>(bits));
+                const Bytes expected = NaiveRelocate(source, static_cast<std::size_t>(lastByteBits),
+                                                     static_cast<std::size_t>(bits));
                 ASSERT_EQ(expected, Relocate(source, lastByteBits, bits, Flush::AtEnd));
                 ASSERT_EQ(expected, Relocate(source, lastByteBits, bits, Flush::AtStart));
             }

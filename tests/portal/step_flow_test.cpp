@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -28,10 +29,11 @@ constexpr FakeStep stepKinds[] = {{1, 1},        {1, 1, true, 17}, {1, 2}, {2, 1
 std::vector<Bytes> NaiveStep(const FakeStep& step, const std::vector<Bytes>& pixels)
 {
     std::vector<Bytes> result;
-    const std::size_t count =
-        (pixels.size() * step.outputChunks + step.inputChunks - 1) / step.inputChunks;
+    const auto inputs = static_cast<std::size_t>(step.inputChunks);
+    const auto outputs = static_cast<std::size_t>(step.outputChunks);
+    const std::size_t count = (pixels.size() * outputs + inputs - 1) / inputs;
     for (std::size_t i = 0; i != count; ++i)
-        result.push_back(pixels[i * step.inputChunks / step.outputChunks]);
+        result.push_back(pixels[i * inputs / outputs]);
     return result;
 }
 
@@ -46,7 +48,7 @@ std::vector<Bytes> PixelsOfRow(const Bytes& row)
 
 bool IsSmall(const std::vector<FakeStep>& steps)
 {
-    std::size_t most = 1;
+    std::uint64_t most = 1;
     for (const FakeStep& step : steps)
         most *= std::max(step.inputChunks, step.outputChunks);
     return most <= mostChunks;

@@ -181,7 +181,8 @@ bool CountedMemory::Allow(const Allocation& allocation)
     if (asked < kept)
         allocations[asked] = allocation;
     const std::size_t number = asked++;
-    const bool fails = number >= firstFailing && number <= lastFailing;
+    const bool fails =
+        (number >= firstFailing && number <= lastFailing) || allocation.bytes > mostBytes;
     failed += fails ? 1 : 0;
     return !fails;
 }

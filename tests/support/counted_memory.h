@@ -38,8 +38,10 @@ public:
     // From here on the allocation of this number, counted from 0, fails; for ever, all behind it
     // do as well.
     void FailAt(std::size_t number, Fails fails = Fails::Once);
+    // Every allocation of more than so many bytes fails.
+    void FailAbove(std::size_t bytes) { mostBytes = bytes; }
     // None fails any more.
-    void FailNoMore() { firstFailing = never; }
+    void FailNoMore() { firstFailing = mostBytes = never; }
 
     // All that were asked for, the failed ones included.
     std::size_t CountAsked() const { return asked; }
@@ -62,6 +64,7 @@ private:
     Counts counts;
     std::size_t firstFailing = never;
     std::size_t lastFailing = never;
+    std::size_t mostBytes = never;
     std::size_t asked = 0;
     std::size_t failed = 0;
     std::ptrdiff_t held = 0;

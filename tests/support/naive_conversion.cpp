@@ -75,11 +75,6 @@ unsigned FromEightBits(unsigned value, int bits)
     return bits == 8 ? value : value % (1U << bits);
 }
 
-unsigned ChangeDepth(unsigned value, int from, int to)
-{
-    return from == to ? value : FromEightBits(ToEightBits(value, from), to);
-}
-
 // The last byte of each plane that is written at all holds zeros behind the last pixel.
 void ClearBehindLastPixel(const NaiveGeometry& destination, Bytes& row, int setPixels)
 {
@@ -131,6 +126,11 @@ std::vector<unsigned> ReadSamples(const NaiveGeometry& geometry, const Bytes& ro
     return samples;
 }
 
+unsigned NaiveDepthChange(unsigned value, int from, int to)
+{
+    return from == to ? value : FromEightBits(ToEightBits(value, from), to);
+}
+
 void ClearSamples(const NaiveGeometry& geometry, Bytes& row, int channel, int count)
 {
     for (int pixel = 0; pixel != count; ++pixel)
@@ -173,7 +173,7 @@ Bytes NaiveConvert(const NaiveGeometry& source, const Bytes& sourceRow,
             const int entry = operation.hasMap ? operation.map[Index(channel)] : channel;
             const unsigned value = entry < 0 ? 0 : ReadSample(source, sourceRow, from, entry);
             WriteSample(destination, row, pixel, channel,
-                        ChangeDepth(value, source.bits, destination.bits));
+                        NaiveDepthChange(value, source.bits, destination.bits));
         }
     }
     if (IsNaivePacked(destination))

@@ -37,6 +37,9 @@ std::size_t NaiveRowBytes(const NaiveGeometry& geometry);
 // All samples, pixel by pixel, and in a pixel channel by channel.
 std::vector<unsigned> ReadSamples(const NaiveGeometry& geometry, const Bytes& row);
 
+// A sample's value in another depth.
+unsigned NaiveDepthChange(unsigned value, int from, int to);
+
 // Sets the first count samples of a channel to 0.
 void ClearSamples(const NaiveGeometry& geometry, Bytes& row, int channel, int count);
 

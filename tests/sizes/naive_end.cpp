@@ -1,0 +1,169 @@
+#include "tests/sizes/naive_end.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+constexpr const char* depth = "zvk::Pelkraft::ImageRowFormat unsupported bit depth";
+constexpr const char* width = "zvk::Pelkraft::ImageRowFormat invalid width";
+constexpr const char* channelCount = "zvk::Pelkraft::ImageRowFormat invalid channel count";
+constexpr const char* unsupported = "zvk::Pelkraft::Convert unsupported conversion";
+constexpr const char* packer =
+    "zvk::Pelkraft::ChunkConvertFacility::Create_Packer unsupported format";
+constexpr const char* unpacker =
+    "zvk::Pelkraft::ChunkConvertFacility::Create_Unpacker unsupported format";
+
+constexpr double largest32 = 2147483647.0;
+
+struct ActiveWidths
+{
+    std::int64_t source;
+    std::int64_t destination;
+};
+
+ActiveWidths WidthsOf(const NaiveGeometry& from, const NaiveGeometry& to, std::int64_t repeats)
+{
+    const std::int64_t source = from.width;
+    const std::int64_t destination = to.width;
+    return {std::min(source, (destination + repeats - 1) / repeats),
+            std::min(source * repeats, destination)};
+}
+
+std::string FaultOfFormat(const NaiveGeometry& geometry, std::int64_t activeWidth)
+{
+    const int bits = geometry.bits;
+    if (bits != 1 && bits != 2 && bits != 8 && bits != 10 && bits != 16)
+        return depth;
+    // As if unsigned: of negative numbers, the one nearer to 0 is the larger.
+    const auto order = [](std::int64_t number) {
+        return number < 0 ? number + (std::int64_t{1} << 32) : number;
+    };
+    return order(geometry.width) < order(activeWidth) ? width : "";
+}
+
+std::string FaultOfCall(const NaiveGeometry& from, const NaiveGeometry& to,
+                        const NaiveOperation& operation)
+{
+    const bool sameChannels = from.channels == to.channels;
+    if (operation.hasMap)
+        return "";
+    if (operation.isFill)
+        return sameChannels ? "" : "zvk::Pelkraft::ImageRow::FillFrom unsupported conversion";
+    const std::int64_t repeats = std::abs(std::int64_t{operation.factor});
+    if (!sameChannels || (repeats != 1 && repeats != 2 && repeats != 4))
+        return "zvk::Pelkraft::ImageRow::FillFromWithPixelRepeat unsupported conversion";
+    return "";
+}
+
+// The one fault of a repeat of packed samples, which goes its own way.
+std::string FaultOfRepeat(const NaiveGeometry& from)
+{
+    return from.bits == 10 ? unpacker : "";
+}
+
+std::string FaultOfUnpacking(const NaiveGeometry& from, const char* ending)
+{
+    if (!IsNaivePacked(from))
+        return std::string(unsupported) + ending;
+    return from.bits == 10 ? unpacker : "";
+}
+
+std::string FaultOfPacking(const NaiveGeometry& to, const char* ending)
+{
+    if (!IsNaivePacked(to))
+        return std::string(unsupported) + ending;
+    return to.bits == 10 ? packer : "";
+}
+
+std::string FaultOfChain(const NaiveGeometry& from, const NaiveGeometry& to)
+{
+    if (from.bits == to.bits)
+        return "";
+    if (to.bits == 16)
+        return from.bits == 8 ? "" : FaultOfUnpacking(from, " to 16 bit");
+    if (from.bits == 16)
+        return to.bits == 8 ? "" : FaultOfPacking(to, " from 16 bit");
+    if (from.bits == 8)
+        return FaultOfPacking(to, "");
+    if (to.bits == 8)
+        return FaultOfUnpacking(from, "");
+    if (!IsNaivePacked(from) || !IsNaivePacked(to))
+        return unsupported;
+    const std::string unpacking = FaultOfUnpacking(from, "");
+    return unpacking.empty() ? FaultOfPacking(to, "") : unpacking;
+}
+
+bool Fits(const NaiveGeometry& geometry)
+{
+    if (geometry.channels == 0)
+        return true;
+    const double planeBits = static_cast<double>(geometry.width) * geometry.bits + 7;
+    return ExactRowBytes(geometry) <= largest32 && (!geometry.planar || planeBits <= largest32);
+}
+
+std::string FaultOfSizes(const NaiveGeometry& from, const NaiveGeometry& to)
+{
+    if (from.width < 0 || to.width < 0)
+        return width;
+    if (from.channels < 0 || to.channels < 0)
+        return channelCount;
+    return Fits(from) && Fits(to) ? "" : width;
+}
+
+bool LayoutsMeet(const NaiveGeometry& from, const NaiveGeometry& to)
+{
+    if ((IsNaivePacked(from) && from.bits == 10) || (IsNaivePacked(to) && to.bits == 10))
+        return false;
+    return from.bits != to.bits || from.bits >= 8 || IsNaivePacked(from) == IsNaivePacked(to);
+}
+
+std::string FaultOfFormats(const NaiveGeometry& from, const NaiveGeometry& to,
+                           const ActiveWidths& active)
+{
+    const std::string source = FaultOfFormat(from, active.source);
+    return source.empty() ? FaultOfFormat(to, active.destination) : source;
+}
+
+} // namespace
+
+double ExactRowBytes(const NaiveGeometry& geometry)
+{
+    const double wide = geometry.width;
+    if (!geometry.planar)
+        return wide * geometry.channels * ((geometry.bits + 7) / 8);
+    return std::floor((wide * geometry.bits + 7) / 8) * geometry.channels;
+}
+
+NaiveEnd EndOfConversion(const NaiveGeometry& from, const NaiveGeometry& to,
+                         const NaiveOperation& operation, bool mapIsNull)
+{
+    NaiveEnd end;
+    end.refusal = FaultOfCall(from, to, operation);
+    if (!end.refusal.empty())
+        return end;
+    const ActiveWidths active = WidthsOf(from, to, std::abs(std::int64_t{operation.factor}));
+    end.refusal = FaultOfFormats(from, to, active);
+    if (!end.refusal.empty())
+        return end;
+    const bool repeatsPacked =
+        !operation.isFill && !operation.hasMap && IsNaivePacked(from) && from.bits == to.bits;
+    end.refusal = repeatsPacked ? FaultOfRepeat(from) : FaultOfChain(from, to);
+    if (end.refusal.empty())
+        end.refusal = FaultOfSizes(from, to);
+    if (!end.refusal.empty() || to.channels == 0)
+        return end;
+    if (from.channels == 0 || !LayoutsMeet(from, to))
+        end.refusal = unsupported;
+    else if (operation.hasMap && mapIsNull)
+        end.refusal = "zvk::Pelkraft::ImageRow::FillFromWithRemap unsupported conversion";
+    end.pixels = active.destination;
+    end.pixelBytes = std::max(std::int64_t{from.channels} * ((from.bits + 7) / 8),
+                              std::int64_t{to.channels} * ((to.bits + 7) / 8));
+    return end;
+}
+
+} // namespace zvk::Pelkraft::TestSupport

@@ -1,0 +1,130 @@
+#include "tests/bounds/placements.h"
+#include "tests/pattern/pattern_grid.h"
+#include "tests/sizes/sample_at.h"
+#include "tests/sizes/wide_memory.h"
+#include "tests/support/conversion_run.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <limits>
+
+// Whole rows as large as rows can be, or as there are addresses for, in memory that repeats one
+// megabyte but for the last one, which is compared. A push takes smaller ones.
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+constexpr int mostBytes = std::numeric_limits<int>::max() >> (sizeof(void*) > 4 ? 0 : 1);
+constexpr int pushedBytes = (1 << 22) - 1;
+
+int LargestRow()
+{
+    return OneOf(2) == 1 ? mostBytes : pushedBytes;
+}
+
+NaiveOperation RepeatBy(int factor)
+{
+    NaiveOperation operation;
+    operation.isFill = factor == 1;
+    operation.factor = factor;
+    return operation;
+}
+
+class WholeRows : public ::testing::Test
+{
+protected:
+    WholeRows() { source.FillWithNoise(11); }
+
+    // From single channel to single channel, or interleaved: planes would write over each other.
+    void Run(const NaiveGeometry& from, const NaiveGeometry& to, int factor)
+    {
+        for (const bool forcePortable : {false, true}) {
+            const ConversionCase oneCase{from, to, RepeatBy(factor), forcePortable};
+            unsigned char* const read = source.Last(NaiveRowBytes(from));
+            unsigned char* const written = destination.Last(NaiveRowBytes(to));
+            destination.FillWith(0x5A);
+            RunConversion(oneCase, read, written);
+            EXPECT_EQ(0, CountWrongAtEnd(oneCase, read, written)) << Describe(oneCase);
+            ++count;
+        }
+    }
+
+    static int CountWrongAtEnd(const ConversionCase& oneCase, const unsigned char* read,
+                               const unsigned char* written)
+    {
+        const auto& [from, to, operation, forcePortable] = oneCase;
+        const std::int64_t set = CountSet(oneCase);
+        int wrong = 0;
+        for (int channel = 0; channel != to.channels; ++channel) {
+            if (IsLeftPacked(oneCase, channel))
+                continue;
+            for (std::int64_t pixel = std::max<std::int64_t>(0, set - 5000); pixel != set;
+                 ++pixel) {
+                const std::int64_t nth = pixel / std::abs(operation.factor);
+                const std::int64_t at = operation.factor < 0 ? from.width - 1 - nth : nth;
+                const unsigned expected =
+                    NaiveDepthChange(SampleAt(from, read, at, channel), from.bits, to.bits);
+                wrong += SampleAt(to, written, pixel, channel) != expected ? 1 : 0;
+            }
+        }
+        return wrong;
+    }
+
+    static std::int64_t CountSet(const ConversionCase& oneCase)
+    {
+        return std::min<std::int64_t>(std::int64_t{oneCase.source.width} *
+                                          std::abs(oneCase.operation.factor),
+                                      oneCase.destination.width);
+    }
+
+    const int bytes = LargestRow();
+    const WideMemory source{static_cast<std::uint64_t>(bytes), WideMemory::Repeated};
+    const WideMemory destination{static_cast<std::uint64_t>(bytes), WideMemory::Repeated};
+    std::uint64_t count = 0;
+};
+
+TEST_F(WholeRows, AreConvertedUpToTheLargestSize)
+{
+    const int words = bytes / 2;
+    // A plane's bits are counted in 32 bits too, which is less than 31 bits of bytes.
+    const int planeBytes = std::min(bytes, (std::numeric_limits<int>::max() - 7) / 8);
+    Run({bytes, 1, 8, false}, {bytes, 1, 8, false}, 1);
+    Run({bytes, 1, 8, false}, {bytes, 1, 8, false}, -1);
+    Run({bytes / 3, 3, 8, false}, {bytes / 3, 3, 8, false}, 1);
+    Run({bytes / 4, 1, 8, false}, {bytes, 1, 8, false}, 4);
+    Run({words, 1, 16, false}, {words, 1, 16, false}, 1);
+    Run({words, 1, 8, false}, {words, 1, 16, false}, 1);
+    Run({words, 1, 16, false}, {words, 1, 8, false}, -1);
+    Run({planeBytes, 1, 8, true}, {planeBytes, 1, 8, false}, 1);
+    Run({planeBytes, 1, 8, true}, {planeBytes, 1, 1, true}, 1);
+    Run({planeBytes * 8, 1, 1, true}, {planeBytes * 8, 1, 1, true}, 1);
+    Run({planeBytes * 8 - 3, 1, 1, true}, {bytes, 1, 8, false}, 1);
+    std::printf("%" PRIu64 " whole rows of %d bytes\n", count, bytes);
+}
+
+TEST_F(WholeRows, ArePatternedUpToTheLargestSize)
+{
+    for (const int version : {2, 3}) {
+        Bytes ends[2];
+        for (const bool vector : {false, true}) {
+            const PatternShape shape{version, 1, 1, true,
+                                     vector ? DotWeavePattern::Sse : DotWeavePattern::X86};
+            std::string text = TextOf(shape);
+            DotWeavePattern pattern(text.data(), shape.engine);
+            const auto pixels = static_cast<std::uint64_t>(bytes);
+            destination.FillWith(0x5A);
+            pattern.ApplyPattern(source.Last(pixels), destination.Last(pixels),
+                                 static_cast<unsigned long>(pixels));
+            const unsigned char* const end = destination.Last(WideMemory::window);
+            ends[vector ? 1 : 0].assign(end, end + WideMemory::window);
+        }
+        EXPECT_TRUE(ends[0] == ends[1]);
+        EXPECT_NE(Bytes(WideMemory::window, ends[0][0]), ends[0]);
+    }
+    std::printf("4 whole pattern rows of %d bytes\n", bytes);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport
