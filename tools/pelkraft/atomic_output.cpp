@@ -64,8 +64,10 @@ mode_t ModeOf(const struct stat* present)
 
 } // namespace
 
+AtomicOutput* AtomicOutput::latest = nullptr;
+
 AtomicOutput::AtomicOutput(const std::string& newPath)
-    : shownPath(newPath), targetPath(FollowLinks(newPath))
+    : earlier(latest), shownPath(newPath), targetPath(FollowLinks(newPath))
 {
     struct stat present = {};
     const bool exists = IsThere(stat(targetPath.c_str(), &present), shownPath);
@@ -80,12 +82,14 @@ AtomicOutput::AtomicOutput(const std::string& newPath)
     if (descriptor < 0)
         ThrowWriteFailure(shownPath, ErrorText(errno));
     temporaryPath = std::move(pattern);
+    latest = this;
     // A file system without modes is no reason to refuse.
     [[maybe_unused]] const int ignored = fchmod(descriptor, ModeOf(exists ? &present : nullptr));
 }
 
 AtomicOutput::~AtomicOutput()
 {
+    latest = earlier;
     if (descriptor >= 0)
         close(descriptor);
     if (!temporaryPath.empty())
@@ -111,6 +115,14 @@ void AtomicOutput::Commit()
     if (std::rename(temporaryPath.c_str(), targetPath.c_str()) != 0)
         ThrowWriteFailure(shownPath, ErrorText(errno));
     temporaryPath.clear();
+}
+
+void AtomicOutput::RemoveAll() noexcept
+{
+    for (const AtomicOutput* output = latest; output != nullptr; output = output->earlier) {
+        if (!output->temporaryPath.empty())
+            unlink(output->temporaryPath.c_str());
+    }
 }
 
 } // namespace zvk::Pelkraft::Client

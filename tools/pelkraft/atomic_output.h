@@ -22,7 +22,14 @@ public:
     const std::string& TemporaryPath() const { return temporaryPath; }
     void Commit();
 
+    // Removes all temporaries, where the program ends without its destructors.
+    static void RemoveAll() noexcept;
+
 private:
+    // Those that live, the last one made first. They end in the reverse order.
+    static AtomicOutput* latest;
+    AtomicOutput* earlier;
+
     std::string shownPath;
     std::string targetPath;
     std::string temporaryPath;

@@ -1,5 +1,7 @@
 #include "tools/pelkraft/failure.h"
 
+#include "tools/pelkraft/memory_end.h"
+
 #include <cstdio>
 #include <new>
 #include <utility>
@@ -24,6 +26,24 @@ void PrintLine(const char* kind, const std::string& file, const std::string& tex
     std::fprintf(stderr, "pelkraft: %s%s%s\n", where.c_str(), kind, OneLine(text).c_str());
 }
 
+ExitCode ReportFailure()
+{
+    try {
+        throw;
+    } catch (const Failure& failure) {
+        PrintError(failure.File(), failure.what());
+        return failure.Code();
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& e) {
+        PrintError({}, e.what());
+        return ExitCode::ReadWrite;
+    } catch (const char* text) {
+        PrintError({}, text);
+        return ExitCode::Unsupported;
+    }
+}
+
 } // namespace
 
 Failure::Failure(ExitCode newCode, std::string newFile, std::string newText)
@@ -40,22 +60,14 @@ void PrintWarning(const std::string& file, const std::string& text)
     PrintLine("warning: ", file, text);
 }
 
-ExitCode ReportCurrentException()
+ExitCode ReportCurrentException() noexcept
 {
     try {
-        throw;
-    } catch (const Failure& failure) {
-        PrintError(failure.File(), failure.what());
-        return failure.Code();
+        return ReportFailure();
     } catch (const std::bad_alloc&) {
-        PrintError({}, "out of memory; a picture needs room for a few of its rows");
+        // Also where there is no memory to report another failure.
+        PrintOutOfMemory();
         return ExitCode::Memory;
-    } catch (const std::exception& e) {
-        PrintError({}, e.what());
-        return ExitCode::ReadWrite;
-    } catch (const char* text) {
-        PrintError({}, text);
-        return ExitCode::Unsupported;
     }
 }
 

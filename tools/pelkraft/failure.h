@@ -28,6 +28,6 @@ void PrintError(const std::string& file, const std::string& text);
 void PrintWarning(const std::string& file, const std::string& text);
 
 // Tells what the exception that is being handled says, and gives the code to end with.
-ExitCode ReportCurrentException();
+ExitCode ReportCurrentException() noexcept;
 
 } // namespace zvk::Pelkraft::Client

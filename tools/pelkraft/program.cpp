@@ -10,7 +10,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
 #include <memory>
+#include <new>
 #include <sstream>
 #include <vector>
 
@@ -24,26 +26,27 @@ public:
     void Write(const wchar_t*) override {}
 };
 
+// The parser writes its texts to streams, and those leave out what they find no memory for. Only
+// errno tells.
+void RefuseCutTexts()
+{
+    if (errno == ENOMEM)
+        throw std::bad_alloc();
+}
+
 // Prints what a call for help or for the version asks for.
 int Answer(const CLI::App& program, const CLI::Success& success)
 {
     std::ostringstream text;
     const int code = program.exit(success, text, text);
-    try {
-        PrintText(text.str());
-    } catch (...) {
-        return static_cast<int>(ReportCurrentException());
-    }
+    RefuseCutTexts();
+    PrintText(text.str());
     return code;
 }
 
-} // namespace
-
-int RunProgram(int argc, const char* const* argv)
+int RunVerb(int argc, const char* const* argv)
 {
-    SilentLog silentLog;
-    Diagnostics::Seh::SetDefaultLog(&silentLog);
-
+    errno = 0;
     CLI::App program("Row conversion and dot patterns for print work on TIFF files", "pelkraft");
     program.footer(exitCodeHelp);
     program.require_subcommand(1);
@@ -60,16 +63,26 @@ int RunProgram(int argc, const char* const* argv)
     } catch (const CLI::Success& success) {
         return Answer(program, success);
     } catch (const CLI::ParseError& error) {
+        RefuseCutTexts();
         PrintError({}, std::string(error.what()) + "; pelkraft --help tells what is supported");
         return static_cast<int>(ExitCode::Usage);
     }
 
+    for (const auto& verb : verbs) {
+        if (verb->Chosen())
+            return static_cast<int>(verb->Run());
+    }
+    return static_cast<int>(ExitCode::Usage);
+}
+
+} // namespace
+
+int RunProgram(int argc, const char* const* argv)
+{
+    SilentLog silentLog;
+    Diagnostics::Seh::SetDefaultLog(&silentLog);
     try {
-        for (const auto& verb : verbs) {
-            if (verb->Chosen())
-                return static_cast<int>(verb->Run());
-        }
-        return static_cast<int>(ExitCode::Usage);
+        return RunVerb(argc, argv);
     } catch (...) {
         return static_cast<int>(ReportCurrentException());
     }

@@ -27,12 +27,19 @@ void Fill(const RowStep& step, bool portable, const unsigned char* from, unsigne
 {
     const ImageRow source = Wrap(step.from, from);
     ImageRow destination = Wrap(step.to, to);
-    if (!step.map.empty())
-        destination.FillFromWithRemap(source, step.map.data(), false, portable);
-    else if (step.factor != 1)
-        destination.FillFromWithPixelRepeat(source, step.factor, false, portable);
-    else
-        destination.FillFrom(source, false, portable);
+    try {
+        if (!step.map.empty())
+            destination.FillFromWithRemap(source, step.map.data(), false, portable);
+        else if (step.factor != 1)
+            destination.FillFromWithPixelRepeat(source, step.factor, false, portable);
+        else
+            destination.FillFrom(source, false, portable);
+    } catch (const char* text) {
+        // Of missing memory the library tells in words where it mirrors a packed row.
+        if (std::strstr(text, "memory allocation failed") != nullptr)
+            throw std::bad_alloc();
+        throw;
+    }
 }
 
 } // namespace

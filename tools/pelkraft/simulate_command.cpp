@@ -15,7 +15,9 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <new>
 #include <optional>
+#include <system_error>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -122,12 +124,19 @@ private:
         options.levels = levels == "raw" ? Levels::Raw : Levels::Quantize;
         for (const std::string& ink : inks)
             AddInkColour(ink, options.inkColours);
-        namespace fs = std::filesystem;
-        std::error_code error;
-        if (!options.preview.empty() && fs::weakly_canonical(options.preview, error) ==
-                                            fs::weakly_canonical(options.output, error))
+        if (!options.preview.empty() && Canonical(options.preview) == Canonical(options.output))
             throw Failure(ExitCode::Usage, options.preview,
                           "can't be both OUT.tif and the preview");
+    }
+
+    // Empty where the path can't be followed; opening it will tell why.
+    static std::filesystem::path Canonical(const std::string& path)
+    {
+        std::error_code error;
+        const auto canonical = std::filesystem::weakly_canonical(path, error);
+        if (error == std::errc::not_enough_memory)
+            throw std::bad_alloc();
+        return canonical;
     }
 
     void RefuseUnknownInks(const LoadedPattern& pattern) const

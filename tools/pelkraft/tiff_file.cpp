@@ -11,6 +11,8 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <new>
+#include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -29,13 +31,14 @@ std::string Format(const char* format, va_list arguments)
     return text;
 }
 
-int NoteError(TIFF*, void* userData, const char*, const char* format, va_list arguments)
+// Nothing may be thrown through libtiff, which is C: without memory for a message the program ends.
+int NoteError(TIFF*, void* userData, const char*, const char* format, va_list arguments) noexcept
 {
     static_cast<TiffMessages*>(userData)->error = Format(format, arguments);
     return 1;
 }
 
-int NoteWarning(TIFF*, void* userData, const char*, const char* format, va_list arguments)
+int NoteWarning(TIFF*, void* userData, const char*, const char* format, va_list arguments) noexcept
 {
     auto& warnings = static_cast<TiffMessages*>(userData)->warnings;
     std::string text = Format(format, arguments);
@@ -61,6 +64,8 @@ TiffFile::TiffFile(std::unique_ptr<TiffStream> newStream, const std::string& new
       stream(std::move(newStream))
 {
     const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
+    if (options == nullptr)
+        throw std::bad_alloc();
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), largestTable);
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), NoteError, messages.get());
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), NoteWarning, messages.get());
@@ -141,6 +146,9 @@ void TiffFile::Throw(ExitCode code, const std::string& text) const
     if (!failure.empty())
         throw Failure(ExitCode::ReadWrite, path,
                       (writing ? "cannot be written: " : "cannot be read: ") + failure);
+    // What decoders and encoders find no memory for.
+    if (errno == ENOMEM)
+        throw std::bad_alloc();
     const std::string& said = messages->error;
     throw Failure(code, path, said.empty() ? text : text + " (" + said + ")");
 }

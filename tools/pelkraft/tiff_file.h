@@ -47,7 +47,7 @@ public:
     void RequireSound() const;
 
     // A failure of this file: the text, and behind it what libtiff said last. Where reading or
-    // writing failed, that is the failure.
+    // writing failed, that is the failure; where memory was missing, it is std::bad_alloc.
     [[noreturn]] void Throw(ExitCode code, const std::string& text) const;
 
 private:
