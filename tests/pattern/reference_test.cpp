@@ -358,7 +358,8 @@ TEST(ReferenceClass, TellsStepsApartByAnyOfTheirFirstFourWeightsInTheNewerWay)
         std::string ratio;
         Bytes alternativeOf;
         for (std::size_t i = 0; i != weights.size(); ++i) {
-            ratio += (i == 0 ? "" : ":") + std::to_string(weights[i]);
+            ratio += i == 0 ? "" : ":";
+            ratio += std::to_string(weights[i]);
             alternativeOf.insert(alternativeOf.end(), weights[i], static_cast<unsigned char>(i));
         }
         const std::string entries = " 0-0 0-1 0-2 0-3 0-4 ";
