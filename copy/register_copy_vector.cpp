@@ -17,11 +17,11 @@ struct MaskTable
 
 constexpr MaskTable MakeMasks()
 {
-    MaskTable masks{};
+    MaskTable table{};
     for (int row = 0; row <= unitBytes; ++row)
         for (int byte = 0; byte < row; ++byte)
-            masks.rows[row][byte] = 0xFF;
-    return masks;
+            table.rows[row][byte] = 0xFF;
+    return table;
 }
 
 constexpr MaskTable masks = MakeMasks();
@@ -88,36 +88,19 @@ template <int bytes, int shift>
     JoinPiece<bytes, shift>(passage, KeepLowBytes<bytes>(ReadPiece<bytes, shift>(passage)));
 }
 
-// Units in front of a pixel's last one: none where the build knows it.
-template <bool isOneUnit>
-struct LeadingUnits
-{
-    explicit LeadingUnits(std::size_t pixelBytes) : count((pixelBytes - 1) / unitBytes) {}
-
-    std::size_t count;
-};
-
-template <>
-struct LeadingUnits<true>
-{
-    explicit LeadingUnits(std::size_t) {}
-
-    static constexpr std::size_t count = 0;
-};
-
 // Whole units in front of the trails don't count in a place within a unit.
 template <bool isOneUnit, int trail, int shift>
 [[gnu::always_inline]] inline void PassPixel(Passage& passage,
-                                             const LeadingUnits<isOneUnit>& leadingUnits)
+                                             [[maybe_unused]] std::size_t leadingUnits)
 {
-    for (std::size_t unit = 0; unit != leadingUnits.count; ++unit)
-        PassPiece<unitBytes, shift>(passage);
+    if constexpr (!isOneUnit)
+        for (std::size_t unit = 0; unit != leadingUnits; ++unit)
+            PassPiece<unitBytes, shift>(passage);
     PassPiece<trail, shift>(passage);
 }
 
 template <bool isOneUnit, int trail, int... pixel>
-[[gnu::always_inline]] inline void PassGroup(Passage& passage,
-                                             const LeadingUnits<isOneUnit>& leadingUnits,
+[[gnu::always_inline]] inline void PassGroup(Passage& passage, std::size_t leadingUnits,
                                              std::integer_sequence<int, pixel...>)
 {
     (PassPixel<isOneUnit, trail, pixel * trail % unitBytes>(passage, leadingUnits), ...);
@@ -126,7 +109,7 @@ template <bool isOneUnit, int trail, int... pixel>
 template <bool isOneUnit, int trail>
 void CopyThroughRegisters(const GroupRun& run)
 {
-    const LeadingUnits<isOneUnit> leadingUnits(run.pixelBytes);
+    const std::size_t leadingUnits = (run.pixelBytes - 1) / unitBytes;
     Passage passage{reinterpret_cast<const __m128i*>(run.source),
                     reinterpret_cast<__m128i*>(run.destination), _mm_setzero_si128(),
                     _mm_setzero_si128()};

@@ -60,6 +60,12 @@ EngineOwner MakeEngine(DotWeavePattern::Engine engine, int textVersion)
     throw unsupportedEngine;
 }
 
+void Release(DotWeavePatternEngine* engine)
+{
+    if (engine != nullptr)
+        engine->RemoveHolder();
+}
+
 } // namespace
 
 DotWeavePattern::DotWeavePattern(char* text) : DotWeavePattern(text, Automatic) {}
@@ -90,8 +96,7 @@ DotWeavePattern& DotWeavePattern::operator=(const DotWeavePattern& other)
 
 DotWeavePattern::~DotWeavePattern()
 {
-    if (mEngine != nullptr)
-        mEngine->RemoveHolder();
+    Release(mEngine);
     mEngine = nullptr;
 }
 
@@ -106,8 +111,7 @@ void DotWeavePattern::Init(char* text, Engine engine)
     loaded->InitFromText(text);
     if (loaded->GetInColorCount() <= 0 || loaded->GetOutColorCount() <= 0)
         throw noInColorsOrInks;
-    if (mEngine != nullptr)
-        mEngine->RemoveHolder();
+    Release(mEngine);
     mEngine = loaded.release();
 }
 

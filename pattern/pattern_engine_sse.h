@@ -25,9 +25,6 @@ public:
     void ApplyPattern(unsigned char* source, unsigned char* destination,
                       unsigned long pixels) override;
 
-    const RandomSource& GetRandomSource() const { return mRandom; }
-    const SseTransformation* GetTransformations() const { return mTransformations.data(); }
-
 private:
     void PackTransformations();
     void BuildLanes();

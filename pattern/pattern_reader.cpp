@@ -127,8 +127,8 @@ void PatternReader::ReadInks(std::int32_t inColor)
 
 void PatternReader::SkipValues()
 {
-    while (NextTokenUpTo("END_VALUES") != nullptr)
-        continue;
+    while (NextTokenUpTo("END_VALUES") != nullptr) {
+    }
 }
 
 void PatternReader::ReadValues(std::int32_t inColor)

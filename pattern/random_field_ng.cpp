@@ -39,8 +39,8 @@ std::uint32_t RandomFieldNG::Next()
 void RandomFieldNG::StartNextRow()
 {
     ++mRow;
-    const std::uint32_t start = GetJumpTable()[mRow];
-    mPosition = start < mSize ? start : 0;
+    // The smallest field has more entries than the jump table has starts.
+    mPosition = GetJumpTable()[mRow];
 }
 
 } // namespace zvk::Pelkraft

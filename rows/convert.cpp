@@ -4,6 +4,7 @@
 #include "rows/chain_choice.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -53,8 +54,7 @@ bool LayoutsMeet(const FormatPair& formats)
     if ((packedSource && formats.source.bits == 10) ||
         (packedDestination && formats.destination.bits == 10))
         return false;
-    return formats.source.bits != formats.destination.bits || packedSource == packedDestination ||
-           formats.source.bits >= 8;
+    return formats.source.bits != formats.destination.bits || packedSource == packedDestination;
 }
 
 bool HasNullMap(std::size_t chainLength, const ChunkConvertFacility* chain)
@@ -74,7 +74,7 @@ RowView ViewOf(const ImageRow& row)
 FormatPair BuildFormats(const ConversionRequest& request)
 {
     const std::int64_t factor = request.factor;
-    const std::int64_t repeats = factor < 0 ? -factor : factor;
+    const std::int64_t repeats = std::abs(factor);
     const std::int64_t sourceWidth = request.source.geometry.width;
     const std::int64_t destinationWidth = request.destination.geometry.width;
     const std::int64_t sourceActive =
@@ -108,7 +108,8 @@ void RunChain(const ConversionRequest& request, const FormatPair& formats, std::
         throw unsupported;
     if (HasNullMap(chainLength, chain))
         throw unsupportedRemap;
-    if (formats.source.activeWidth == 0 || formats.destination.activeWidth == 0)
+    // Both sides' active widths are 0, or neither.
+    if (formats.source.activeWidth == 0)
         return;
     ConversionPortal({request.sseVersion, request.source.data, request.destination.data,
                       formats.source, formats.destination},

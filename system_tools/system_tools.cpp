@@ -22,10 +22,8 @@ int GetSseVersion()
         return level;
 
     // Only over the unknown: a limit set meanwhile by another thread must stand.
-    const int processorLevel = GetProcessorLevel();
-    if (reportedLevel.compare_exchange_strong(level, processorLevel, std::memory_order_relaxed))
-        return processorLevel;
-    return level;
+    reportedLevel.compare_exchange_strong(level, GetProcessorLevel(), std::memory_order_relaxed);
+    return reportedLevel.load(std::memory_order_relaxed);
 }
 
 void LimitSseVersion(int level)

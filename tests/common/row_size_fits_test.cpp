@@ -75,5 +75,18 @@ TEST(RowSizeFit, IsThatOfANegativeSizeToo)
     EXPECT_FALSE(Fits(smallest, -1, 8, false));
 }
 
+TEST(RowSizeFit, IsNotTheSizeThatIsLeftOfALargeNegativeOne)
+{
+    // -2^32, and -2^32 bytes in a plane: 0 is left of both.
+    EXPECT_FALSE(Fits(-(1 << 16), 1 << 16, 8, false));
+    EXPECT_FALSE(Fits(smallest, 1, 16, true));
+    // Beyond 64 bits too, on either side of nothing.
+    for (const std::int32_t width : {smallest, largest})
+        for (const std::int32_t channels : {smallest, largest}) {
+            EXPECT_FALSE(Fits(width, channels, largest, false));
+            EXPECT_FALSE(Fits(width, channels, largest - 7, true));
+        }
+}
+
 } // namespace
 } // namespace zvk::Pelkraft

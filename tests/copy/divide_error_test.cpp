@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <setjmp.h>
+
 #include <csignal>
 #include <limits>
 
@@ -92,6 +94,45 @@ TEST(PortableDivision, RaisesWhereThereIsNoQuotient)
     ExpectKilledBy(SIGFPE, [] { PortableRoad::DivideOrRaise(lowest, 0); });
     ExpectKilledBy(SIGFPE, [] { PortableRoad::DivideOrRaise(lowest, -1); });
     ExpectKilledBy(SIGFPE, [] { PortableRoad::DivideOrRaise(5U, 0U); });
+}
+
+// Where a handler goes on from, and the signal that it was called for.
+sigjmp_buf recovery;
+volatile std::sig_atomic_t caught = 0;
+
+void Recover(int signal)
+{
+    caught = signal;
+    siglongjmp(recovery, 1);
+}
+
+// The signal by which the call is left; 0 if it comes back.
+template <typename Call>
+int SignalThatLeaves(Call call)
+{
+    caught = 0;
+    if (sigsetjmp(recovery, 1) == 0)
+        call();
+    return caught;
+}
+
+TEST(PortableDivision, CanBeLeftByAHandlerThatJumps)
+{
+    const auto oldHandler = std::signal(SIGFPE, Recover);
+    EXPECT_EQ(0, SignalThatLeaves([] { PortableRoad::DivideOrRaise(lowest, 1); }));
+    EXPECT_EQ(SIGFPE, SignalThatLeaves([] { PortableRoad::DivideOrRaise(5, 0); }));
+    EXPECT_EQ(SIGFPE, SignalThatLeaves([] { PortableRoad::DivideOrRaise(lowest, -1); }));
+    EXPECT_EQ(SIGFPE, SignalThatLeaves([] { PortableRoad::DivideOrRaise(5U, 0U); }));
+    std::signal(SIGFPE, oldHandler);
+}
+
+TEST(PortableDivision, AbortsBehindAHandlerThatReturns)
+{
+    const auto oldHandler = std::signal(SIGFPE, SIG_IGN);
+    const auto oldAbort = std::signal(SIGABRT, Recover);
+    EXPECT_EQ(SIGABRT, SignalThatLeaves([] { PortableRoad::DivideOrRaise(5, 0); }));
+    std::signal(SIGABRT, oldAbort);
+    std::signal(SIGFPE, oldHandler);
 }
 
 TEST(PortableDivision, EndsTheProgramBehindAHandlerThatReturns)

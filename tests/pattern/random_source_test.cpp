@@ -317,6 +317,14 @@ TEST(RandomPointerNG, WalksTheSameCombinationsAsTheField)
     EXPECT_EQ(NumbersOf(source, transformations.data(), 100002), NgField(fractions, 77));
 }
 
+TEST(RandomPointerNG, StandsStillBeforeItIsBuilt)
+{
+    RandomPointerNG<SseTransformation> source;
+    EXPECT_EQ(source.GetWalkSize(), 0U);
+    source.StartNextRow();
+    EXPECT_EQ(source.GetPosition(), 0U);
+}
+
 TEST(RandomPointerNG, HasAFieldForOneCombination)
 {
     const std::vector<SseTransformation> transformations(1);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <vector>
 
 namespace zvk::Pelkraft {
@@ -66,6 +67,17 @@ TEST(ChainRoad, EndsInsideTheLastRepeat)
                      {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, [](std::int32_t sseVersion) {
                          return Facility::Create_PixelRepeat(sseVersion, 4);
                      });
+}
+
+// Two chunks of the source would take part, but the destination has no room for the second.
+TEST(ChainRoad, ReadsNoMoreOfAWideSourceThanTheLastBatchHolds)
+{
+    Bytes source(20);
+    std::iota(source.begin(), source.end(), static_cast<unsigned char>(1));
+    ExpectEverywhere(
+        {1, 1, 2}, {0, MakeFormat(8, LayoutInterleaved, 1, 20), MakeFormat(8, LayoutPlanar, 1, 3)},
+        source,
+        [](std::int32_t sseVersion) { return Facility::Create_PixelRepeat(sseVersion, 2); });
 }
 
 TEST(ChainRoad, ClearsTheBitsBehindTheLastPackedPixel)

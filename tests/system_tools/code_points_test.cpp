@@ -91,6 +91,7 @@ TEST(CodePoints, AreReplacedWhereWideTextHoldsNone)
     EXPECT_EQ((CodePoints{0xFFFD}), TakeAll<wchar_t>({high}));
     EXPECT_EQ((CodePoints{0xFFFD, 'x'}), TakeAll<wchar_t>({high, L'x'}));
     EXPECT_EQ((CodePoints{0xFFFD, 0x1F5A8}), TakeAll<wchar_t>({high, high, low}));
+    EXPECT_EQ((CodePoints{0xFFFD, 0xE000}), TakeAll<wchar_t>({high, static_cast<wchar_t>(0xE000)}));
     EXPECT_EQ((CodePoints{0xFFFD, 'x'}), TakeAll<wchar_t>({low, L'x'}));
     if (sizeof(wchar_t) > 2) {
         EXPECT_EQ((CodePoints{0xFFFD}), TakeAll<wchar_t>({static_cast<wchar_t>(0x110000)}));
