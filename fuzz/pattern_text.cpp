@@ -44,6 +44,7 @@ bool IsSlowToLoad(const std::string& text)
     return false;
 }
 
+// cppcheck-suppress passedByValue // a pattern is loaded from a text that may be changed
 std::unique_ptr<DotWeavePattern> Load(std::string text, DotWeavePattern::Engine engine)
 {
     try {

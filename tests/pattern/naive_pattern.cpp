@@ -115,7 +115,7 @@ void NaiveSimulation::DrawFirstGeneration()
 
 void NaiveSimulation::DrawSecondGeneration()
 {
-    std::uint64_t highest = 0;
+    std::uint64_t highest = 1;
     for (std::uint64_t c = 1; c < combinations; ++c)
         highest = std::max(highest, ShareOf(c).denominator);
     const std::uint64_t multiplier = 100000 / highest + 1;

@@ -305,6 +305,7 @@ TEST(ReferenceClass, DrawsInItsOlderWayUnlessToldOtherwise)
 class NewerDrawing : public Testonly::CDotWeavePattern<RandomField>
 {
 public:
+    // cppcheck-suppress passedByValue // a pattern is loaded from a text that may be changed
     explicit NewerDrawing(std::string text)
     {
         mRandomOld = false;

@@ -12,12 +12,15 @@ namespace {
 class HeldCopy
 {
 public:
+    // cppcheck-suppress noDestructor // the copy shares a buffer that the row frees
     explicit HeldCopy(const ImageRow& row) : copy(new (storage) ImageRow(row)) {}
+    HeldCopy(const HeldCopy&) = delete;
+    HeldCopy& operator=(const HeldCopy&) = delete;
     const ImageRow& Get() const { return *copy; }
     void Destroy() { copy->~ImageRow(); }
 
 private:
-    alignas(ImageRow) unsigned char storage[sizeof(ImageRow)];
+    alignas(ImageRow) unsigned char storage[sizeof(ImageRow)] = {};
     ImageRow* copy;
 };
 

@@ -67,8 +67,9 @@ void PreviewPicture::AddRow(const unsigned char* row)
         const std::uint32_t start = PartStart(part, shownWidth, width);
         const std::uint32_t end = PartStart(part + 1, shownWidth, width);
         Light sum = {};
-        for (const unsigned char* pixel = row + std::size_t{start} * lights.size();
-             pixel != row + std::size_t{end} * lights.size(); pixel += lights.size()) {
+        const unsigned char* pixel = row + lights.size() * start;
+        const unsigned char* const behind = row + lights.size() * end;
+        for (; pixel != behind; pixel += lights.size()) {
             Light light = {1, 1, 1};
             for (std::size_t ink = 0; ink < lights.size(); ++ink) {
                 const Light& left = lights[ink][pixel[ink]];
