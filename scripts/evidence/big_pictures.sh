@@ -17,5 +17,5 @@ tests=build/release/tests/tools
 bash tests/tools/big_pictures.sh build/release/tools/pelkraft/pelkraft $tests/big_picture \
     $tests/peak_memory $height | tee "$log"
 awk -v height=$height '/^peak/ { ++runs } /^largest peak:/ { peak = $3 }
-    END { printf "figure: at most %d MiB in %d runs on 100,000 x %d pixels of 8 channels; " \
+    END { printf "figure: at most %d MiB in %d runs on 100,000 pixels x %d rows of 8 channels; " \
         "0 wrong samples\n", peak, runs, height }' "$log"

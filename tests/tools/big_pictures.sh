@@ -79,4 +79,4 @@ for threads in 1 2; do
     run 16 $threads convert "$in" "$out" --layout planar --bits 1
     check 1 planar halves
 done
-echo "largest peak: $((largest / 1024)) MiB"
+echo "largest peak: $(((largest + 1023) / 1024)) MiB"
