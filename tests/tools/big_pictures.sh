@@ -23,7 +23,7 @@ run() {
         { echo "$said: ${*:3}, failed" && return 1; }
     echo "$said: ${*:3} --threads $2" | sed "s|$folder/||g"
     said=${said#peak }
-    [ "${said%% *}" -le $largest ] || largest=${said%% *}
+    [ "${said%% *}" -le "$largest" ] || largest=${said%% *}
 }
 
 check() {

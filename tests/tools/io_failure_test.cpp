@@ -52,8 +52,11 @@ protected:
         return {WithoutTimes(outcome.output), State(), Calls()};
     }
 
-    void FailOnce(const ToolUse& use, const std::string& order, bool withOld, const Good& good)
+    // place is the call and its number.
+    void FailOnce(const ToolUse& use, const std::string& place, const std::string& way,
+                  bool withOld, const Good& good)
     {
+        const std::string order = place + ' ' + way;
         SCOPED_TRACE(use.name + ": " + order + (withOld ? ", over old files" : ""));
         PrepareTargets(use, withOld);
         const FolderState before = State();
@@ -76,10 +79,10 @@ protected:
         const long count = good.calls.at(failing.call);
         for (const std::string& way : failing.ways) {
             for (const long number : CallNumbers(count)) {
-                const std::string order = std::string(failing.call) + ' ' + std::to_string(number);
-                FailOnce(use, order + ' ' + way, withOld, good);
+                const std::string place = std::string(failing.call) + ' ' + std::to_string(number);
+                FailOnce(use, place, way, withOld, good);
                 if (way == "ENOSPC" || way == "end")
-                    FailOnce(use, order + "+ " + way, withOld, good);
+                    FailOnce(use, place + '+', way, withOld, good);
             }
         }
     }

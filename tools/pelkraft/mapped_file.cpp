@@ -21,7 +21,7 @@ extern "C" void FillMissingPage(int signalNumber, siginfo_t* information, void*)
 {
     const int keptError = errno;
     const auto address = reinterpret_cast<std::uintptr_t>(information->si_addr);
-    void* const page = reinterpret_cast<void*>(address / pageBytes * pageBytes);
+    void* const page = static_cast<char*>(information->si_addr) - address % pageBytes;
     const bool ours = address >= mappedStart && address < mappedEnd;
     if (!ours || mmap(page, pageBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0) ==
                      MAP_FAILED)
