@@ -1,0 +1,157 @@
+#include "pelkraft/dot_weave_pattern.h"
+#include "pelkraft/image_row.h"
+#include "tests/pattern/naive_reference.h"
+#include "tests/reproducibility/golden_cases.h"
+#include "tests/support/random_bytes.h"
+#include "tests/system_tools/recording_sink.h"
+#include "tests/system_tools/standard_error_capture.h"
+#include "tests/threads/at_once.h"
+#include "zvk/system_tools.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+
+// What a process builds at its first use, used by sixteen threads first of all at once: an
+// argument says which thread begins with what. Ends with 0 if everything is right.
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+// What the threads have seen.
+struct Seen
+{
+    std::atomic<int> wrong{0};
+    std::atomic<int> failures{0};
+    std::atomic<int> levels[8] = {};
+};
+
+// What a thread may do, and what that must give.
+class FirstUses
+{
+public:
+    FirstUses()
+    {
+        const NaiveGeometry from{37, 3, 8, false};
+        const NaiveGeometry to{37, 3, 16, true};
+        row = RandomBytes(NaiveRowBytes(from), 1);
+        planes = NaiveConvert(from, row, to, Bytes(NaiveRowBytes(to)), {});
+        for (const int generation : {0, 1})
+            AddPattern(MakeGoldenPattern(generation, 0), generation == 0);
+    }
+
+    int Count() const { return static_cast<int>(uses.size()) + 4; }
+
+    // Tells whether the result is right.
+    void Do(int number, Seen& seen)
+    {
+        bool right = true;
+        if (number == 0)
+            ++seen.levels[SystemTools::GetSseVersion()];
+        else if (number == 1)
+            right = Convert();
+        else if (number == 2)
+            seen.failures += Fail() ? 1 : 0;
+        else if (number == 3)
+            Diagnostics::Seh::SetDefaultLog(&sink);
+        else
+            right = ApplyPattern(uses[static_cast<std::size_t>(number - 4)]);
+        seen.wrong += right ? 0 : 1;
+    }
+
+    std::size_t LoggedLines() const
+    {
+        const std::string text = capture.Text();
+        return sink.Lines().size() +
+               static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    }
+
+private:
+    struct PatternUse
+    {
+        std::string text;
+        DotWeavePattern::Engine engine;
+        Bytes steps;
+        Bytes inks;
+    };
+
+    void AddPattern(NaivePattern pattern, bool onReferenceToo)
+    {
+        const Bytes steps = MakeGoldenPicture(pattern, {61, 1}, 0).front();
+        const Bytes inks = NaiveSimulation(pattern).Row(steps);
+        for (const auto engine :
+             {DotWeavePattern::Automatic, DotWeavePattern::X86, DotWeavePattern::Sse})
+            uses.push_back({pattern.Text(), engine, steps, inks});
+        if (onReferenceToo)
+            uses.push_back({pattern.Text(), DotWeavePattern::Reference, steps,
+                            NaiveReference(pattern).Apply(steps)});
+    }
+
+    bool Convert() const
+    {
+        Bytes bytes = row;
+        const ImageRow source(37, 3, 8, false, bytes.data());
+        Bytes result(planes.size());
+        ImageRow(37, 3, 16, true, result.data()).FillFrom(source, nullptr);
+        return result == planes;
+    }
+
+    static bool Fail()
+    {
+        try {
+            ImageRow().FillFromWithPixelRepeat(ImageRow(), 3, nullptr);
+        } catch (const char*) {
+            return true;
+        }
+        return false;
+    }
+
+    static bool ApplyPattern(const PatternUse& use)
+    {
+        std::string text = use.text;
+        DotWeavePattern pattern(text.data(), use.engine);
+        Bytes steps = use.steps;
+        Bytes inks(use.inks.size());
+        pattern.ApplyPattern(steps.data(), inks.data(), 61);
+        return inks == use.inks;
+    }
+
+    const StandardErrorCapture capture;
+    Diagnostics::RecordingSink sink;
+    Bytes row;
+    Bytes planes;
+    std::vector<PatternUse> uses;
+};
+
+// The first use of a thread: all the same one, or each another one.
+int FirstUse(int number, int thread, int count)
+{
+    const int choice = number % (count + 1);
+    return choice < count ? choice : (thread + number / (count + 1)) % count;
+}
+
+bool AllIsRight(int number)
+{
+    Seen seen;
+    FirstUses uses;
+    AtOnce([&](int thread) {
+        const int first = FirstUse(number, thread, uses.Count());
+        for (int i = 0; i < uses.Count(); ++i)
+            uses.Do((first + i) % uses.Count(), seen);
+    });
+    Diagnostics::Seh::SetDefaultLog(nullptr);
+    std::printf("wrong results: %d, failures: %d, logged: %zu\n", seen.wrong.load(),
+                seen.failures.load(), uses.LoggedLines());
+    return seen.wrong == 0 && seen.failures == threadCount && uses.LoggedLines() == threadCount &&
+           seen.levels[SystemTools::GetSseVersion()] == threadCount;
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport
+
+int main(int argumentCount, char** arguments)
+{
+    const int number = argumentCount > 1 ? std::atoi(arguments[1]) : 0;
+    return zvk::Pelkraft::TestSupport::AllIsRight(number) ? 0 : 1;
+}
