@@ -35,7 +35,6 @@ class ClientMemory : public ::testing::TestWithParam<ClientCase>
 {
 protected:
     ClientMemory() : runs(GetParam()) {}
-    void SetUp() override { ASSERT_TRUE(runs.Undisturbed()); }
 
     // Once, and from then on for ever.
     void Try(FailingAllocation failing)
@@ -51,6 +50,7 @@ protected:
     {
         std::printf("%s: %s: %d runs, %d with a failure, %d of them done all the same\n", kind,
                     GetParam().name, tried, runs.CountFailed(), runs.CountSurvived());
+        std::fflush(stdout);
     }
 
     ClientRuns runs;
@@ -59,6 +59,7 @@ protected:
 
 TEST_P(ClientMemory, EndsByTheCodeForItWhateverAllocationFails)
 {
+    ASSERT_TRUE(runs.Undisturbed());
     // Threads may change the count from run to run.
     const std::uint64_t count = runs.CountFromMain() + (TakesAll() ? 3 : 0);
     for (const std::uint64_t number : Spread(TakesAll() ? count : sampled, count))
@@ -77,6 +78,7 @@ class ClientLeaks : public ClientMemory
 
 TEST_P(ClientLeaks, AreNoneWhateverAllocationFails)
 {
+    ASSERT_TRUE(runs.Undisturbed(true));
     const std::uint64_t wanted = TakesAll() ? allWatched : sampledWatched;
     const std::vector<std::uint64_t> numbers = Spread(4 * wanted, runs.CountFromMain());
     // Reading the command line takes most of them; behind that the last quarter lies.

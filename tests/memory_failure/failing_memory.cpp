@@ -90,7 +90,9 @@ int CountFromMain(int argc, char** argv, char** variables)
 {
     ReadVariables();
     counts = true;
-    return trueMain(argc, argv, variables);
+    const int code = trueMain(argc, argv, variables);
+    record->returned = 1;
+    return code;
 }
 
 } // namespace

@@ -21,6 +21,8 @@ struct AllocationRecord
     // The failed ones included.
     std::atomic<std::uint64_t> asked;
     std::atomic<std::uint64_t> failed;
+    // 1 once main has returned.
+    std::atomic<std::uint64_t> returned;
 };
 
 } // namespace zvk::Pelkraft::TestSupport
