@@ -55,17 +55,17 @@ in_root dpkg-query -W '*pelkraft*'
 
 for compiler in g++ clang++; do
     say "customers with $compiler"
-    in_root bash /root/customers/customers.sh /root/customers /usr "$compiler"
+    in_root bash /srv/customers/customers.sh /srv/customers /usr "$compiler"
 done
 
 say "the client"
 client() { in_root /usr/bin/pelkraft "$@"; }
 client --version
-client convert --layout planar --bits 16 /root/page.tif /root/planes.tif
-client convert --layout interleaved --bits 8 /root/planes.tif /root/back.tif
+client convert --layout planar --bits 16 /srv/page.tif /srv/planes.tif
+client convert --layout interleaved --bits 8 /srv/planes.tif /srv/back.tif
 tiffcmp "$home/page.tif" "$home/back.tif"
-client pattern /root/six_ink.txt | tail -n 1
-client simulate --preview /root/seen.png /root/six_ink.txt /root/page.tif /root/dots.tif
+client pattern /srv/six_ink.txt | tail -n 1
+client simulate --preview /srv/seen.png /srv/six_ink.txt /srv/page.tif /srv/dots.tif
 [ -s "$home/dots.tif" ] && [ -s "$home/seen.png" ]
 
 say "purging"
