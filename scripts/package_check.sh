@@ -9,7 +9,7 @@ bash scripts/setup.sh package_check
 bash scripts/package.sh
 
 root=$(mktemp -d)
-home=$root/root
+home=$root/srv
 log=$root.log
 trap 'rm -rf --one-file-system "$root" "$log"' EXIT
 
