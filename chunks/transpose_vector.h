@@ -29,7 +29,7 @@ template <int elementBytes, int groups, int outputs, int parts>
 [[gnu::always_inline]] inline auto MergeGroups(const Units<groups * parts>& from)
 {
     constexpr int mergedGroups = (groups + 1) / 2;
-    constexpr int mergedParts = CountParts(outputs, unitBytes / (2 * elementBytes));
+    constexpr int mergedParts = CountParts(outputs, unitBytes / elementBytes / 2);
     Units<mergedGroups * mergedParts> merged;
     Unroll<mergedGroups>([&](auto group) __attribute__((always_inline)) {
         constexpr int first = 2 * group;
@@ -57,7 +57,7 @@ template <int elementBytes, int inputs, int outputs, int parts = 1>
         return from;
     } else {
         const auto merged = MergeGroups<elementBytes, inputs, outputs, parts>(from);
-        constexpr int mergedParts = CountParts(outputs, unitBytes / (2 * elementBytes));
+        constexpr int mergedParts = CountParts(outputs, unitBytes / elementBytes / 2);
         return Transpose<2 * elementBytes, (inputs + 1) / 2, outputs, mergedParts>(merged);
     }
 }

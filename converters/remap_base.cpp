@@ -12,7 +12,7 @@ namespace {
 template <int units>
 std::uint64_t CountMasks(FixedSize<units>, const ChunkConvertFacility&, const ImageRowFormat&)
 {
-    return units * units;
+    return std::uint64_t{units} * units;
 }
 
 std::uint64_t CountMasks(VariableSize, const ChunkConvertFacility& facility,
