@@ -2,6 +2,8 @@
 
 #include "pattern/linear_random.h"
 
+#include <algorithm>
+
 namespace zvk::Pelkraft {
 namespace {
 
@@ -11,8 +13,8 @@ JumpTable BuildJumpTable()
 {
     LinearRandom random(jumpSeed);
     JumpTable table;
-    for (std::uint16_t& entry : table)
-        entry = static_cast<std::uint16_t>(random.Next() * 2);
+    std::generate(table.begin(), table.end(),
+                  [&random] { return static_cast<std::uint16_t>(random.Next() * 2); });
     return table;
 }
 

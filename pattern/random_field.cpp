@@ -3,6 +3,8 @@
 #include "pattern/combination_draw.h"
 #include "pattern/linear_random.h"
 
+#include <algorithm>
+
 namespace zvk::Pelkraft {
 
 RandomField::RandomField(std::int32_t seed, const CombinationDistribution& distribution,
@@ -10,8 +12,7 @@ RandomField::RandomField(std::int32_t seed, const CombinationDistribution& distr
     : mCount(distribution.count), mSeed(seed)
 {
     CombinationDraw draw(mSeed, distribution);
-    for (std::uint32_t& entry : mField)
-        entry = draw.Next();
+    std::generate(mField.begin(), mField.end(), [&draw] { return draw.Next(); });
 }
 
 RandomField::RandomField(std::int32_t seed, std::uint32_t total) : mCount(total), mSeed(seed)
@@ -32,8 +33,8 @@ RandomField::RandomField(std::int32_t seed, std::uint32_t total, std::uint32_t d
     : mCount(total), mSeed(seed)
 {
     LinearRandom random(static_cast<std::uint32_t>(mSeed));
-    for (std::uint32_t& entry : mField)
-        entry = random.Next() / divisor % total;
+    std::generate(mField.begin(), mField.end(),
+                  [&random, divisor, total] { return random.Next() / divisor % total; });
 }
 
 void RandomField::Reset()

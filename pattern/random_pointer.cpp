@@ -3,6 +3,8 @@
 #include "pattern/combination_draw.h"
 #include "pattern/sse_transformation.h"
 
+#include <algorithm>
+
 namespace zvk::Pelkraft {
 
 template <typename Transformation>
@@ -14,8 +16,8 @@ void RandomPointer<Transformation>::Build(std::int32_t seed,
     mCount = distribution.count;
     Reset();
     CombinationDraw draw(mSeed, distribution);
-    for (const Transformation*& entry : mField)
-        entry = transformations + draw.Next();
+    std::generate(mField.begin(), mField.end(),
+                  [&draw, transformations] { return transformations + draw.Next(); });
 }
 
 template <typename Transformation>

@@ -56,9 +56,9 @@ struct Choice
 
 std::vector<Choice> ListChoices(const InColour& inColour, const InColourDraws& draws)
 {
-    std::vector<std::size_t> limits;
-    for (const std::size_t step : draws.firstSteps)
-        limits.push_back(inColour.steps[step].count);
+    std::vector<std::size_t> limits(draws.firstSteps.size());
+    std::transform(draws.firstSteps.begin(), draws.firstSteps.end(), limits.begin(),
+                   [&inColour](std::size_t step) { return inColour.steps[step].count; });
     Odometer odometer(std::move(limits));
     std::vector<Choice> choices(static_cast<std::size_t>(draws.combinations));
     for (Choice& choice : choices) {

@@ -17,14 +17,12 @@ using Weights = std::vector<std::int64_t>;
 // In lowest terms, so that 2:2 is 1:1.
 Weights ReducedWeights(const Step& step)
 {
-    Weights weights;
     std::int64_t divisor = 0;
-    for (std::size_t i = 0; i < step.count; ++i) {
-        weights.push_back(step.alternatives[i].weight);
-        divisor = std::gcd(divisor, weights.back());
-    }
-    for (std::int64_t& weight : weights)
-        weight /= std::max<std::int64_t>(divisor, 1);
+    for (std::size_t i = 0; i < step.count; ++i)
+        divisor = std::gcd(divisor, step.alternatives[i].weight);
+    Weights weights;
+    for (std::size_t i = 0; i < step.count; ++i)
+        weights.push_back(step.alternatives[i].weight / std::max<std::int64_t>(divisor, 1));
     return weights;
 }
 
@@ -152,8 +150,10 @@ private:
         const Step* finest = nullptr;
         for (const InColour& inColour : outline.inColours) {
             for (const Step& step : inColour.steps) {
-                if (step.listed && (finest == nullptr || step.weightSum > finest->weightSum))
+                if (step.listed && (finest == nullptr || step.weightSum > finest->weightSum)) {
+                    // cppcheck-suppress useStlAlgorithm // it remembers, and goes on
                     finest = &step;
+                }
             }
         }
         return finest == nullptr ? TextSpan{} : finest->ratioPlace;

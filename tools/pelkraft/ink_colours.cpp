@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <numeric>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -71,10 +72,10 @@ std::string PlainName(const std::string& name)
 // The same on every machine, which std::hash is not.
 std::uint32_t HashOf(const std::string& name)
 {
-    std::uint32_t hash = 2166136261U;
-    for (const char letter : name)
-        hash = (hash ^ static_cast<unsigned char>(letter)) * 16777619U;
-    return hash;
+    return std::accumulate(name.begin(), name.end(), 2166136261U,
+                           [](std::uint32_t hash, char letter) {
+                               return (hash ^ static_cast<unsigned char>(letter)) * 16777619U;
+                           });
 }
 
 // A middle tone of some hue, neither pale nor dark.

@@ -2,6 +2,8 @@
 
 #include "zvk/system_tools.h"
 
+#include <algorithm>
+
 namespace zvk::Pelkraft::Client {
 namespace {
 
@@ -54,20 +56,18 @@ bool SseEngineRuns()
 
 std::string EngineName(Engine engine)
 {
-    for (const EngineEntry& entry : engines) {
-        if (entry.engine == engine)
-            return entry.name;
-    }
-    return {};
+    const auto* const found =
+        std::find_if(std::begin(engines), std::end(engines),
+                     [engine](const EngineEntry& entry) { return entry.engine == engine; });
+    return found == std::end(engines) ? std::string() : found->name;
 }
 
 Engine EngineOf(const std::string& name)
 {
-    for (const EngineEntry& entry : engines) {
-        if (name == entry.name)
-            return entry.engine;
-    }
-    return DotWeavePattern::Automatic;
+    const auto* const found =
+        std::find_if(std::begin(engines), std::end(engines),
+                     [&name](const EngineEntry& entry) { return name == entry.name; });
+    return found == std::end(engines) ? DotWeavePattern::Automatic : found->engine;
 }
 
 std::vector<EngineVerdict> TryEngines(const PatternText& text)

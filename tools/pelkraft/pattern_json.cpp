@@ -2,8 +2,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -116,10 +118,13 @@ Json LimitsJson(const CombinationModel& model)
 Json EnginesJson(const PatternReport& report)
 {
     Json json = Json::array();
-    for (const EngineVerdict& verdict : report.verdicts)
-        json.push_back({{"name", EngineName(verdict.engine)},
-                        {"loads", !verdict.refusal.has_value()},
-                        {"refusal", verdict.refusal ? Json(*verdict.refusal) : Json(nullptr)}});
+    std::transform(report.verdicts.begin(), report.verdicts.end(), std::back_inserter(json),
+                   [](const EngineVerdict& verdict) {
+                       return Json{
+                           {"name", EngineName(verdict.engine)},
+                           {"loads", !verdict.refusal.has_value()},
+                           {"refusal", verdict.refusal ? Json(*verdict.refusal) : Json(nullptr)}};
+                   });
     return json;
 }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -124,10 +125,12 @@ private:
     {
         for (int i = 0; i < outline.OutInkCount(); ++i) {
             std::vector<std::string> feeders;
-            const auto found = report.feeders.find(i);
-            for (const int feeder :
-                 found == report.feeders.end() ? std::vector<int>() : found->second)
-                feeders.push_back(Shown(outline.inColours[static_cast<std::size_t>(feeder)].name));
+            if (const auto found = report.feeders.find(i); found != report.feeders.end())
+                std::transform(found->second.begin(), found->second.end(),
+                               std::back_inserter(feeders), [this](int feeder) {
+                                   const auto index = static_cast<std::size_t>(feeder);
+                                   return Shown(outline.inColours[index].name);
+                               });
             words += Line("out-ink", NameOf(i) + ": fed by " + Joined(feeders, "nobody"));
         }
     }
@@ -230,11 +233,11 @@ std::string PatternReport::LoadingEngines() const
 
 std::string PatternReport::Refusal() const
 {
-    for (const EngineVerdict& verdict : verdicts) {
-        if (verdict.refusal && verdict.engine != DotWeavePattern::Reference)
-            return *verdict.refusal;
-    }
-    return {};
+    const auto refused =
+        std::find_if(verdicts.begin(), verdicts.end(), [](const EngineVerdict& verdict) {
+            return verdict.refusal && verdict.engine != DotWeavePattern::Reference;
+        });
+    return refused == verdicts.end() ? std::string() : *refused->refusal;
 }
 
 std::string ExplainPattern(const PatternReport& report)

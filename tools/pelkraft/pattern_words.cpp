@@ -73,10 +73,9 @@ std::vector<PatternWord> CutWords(std::string_view text)
 std::string UpperCased(std::string_view text)
 {
     std::string upper(text);
-    for (char& letter : upper) {
-        if (letter >= 'a' && letter <= 'z')
-            letter = static_cast<char>(letter - 'a' + 'A');
-    }
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](char letter) {
+        return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    });
     return upper;
 }
 

@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <new>
@@ -68,11 +69,9 @@ int RunVerb(int argc, const char* const* argv)
         return static_cast<int>(ExitCode::Usage);
     }
 
-    for (const auto& verb : verbs) {
-        if (verb->Chosen())
-            return static_cast<int>(verb->Run());
-    }
-    return static_cast<int>(ExitCode::Usage);
+    const auto chosen =
+        std::find_if(verbs.begin(), verbs.end(), [](const auto& verb) { return verb->Chosen(); });
+    return static_cast<int>(chosen == verbs.end() ? ExitCode::Usage : (*chosen)->Run());
 }
 
 } // namespace

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <iterator>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -237,8 +238,9 @@ private:
     std::vector<ScreenColour> ColoursOf(const LoadedPattern& pattern) const
     {
         std::vector<ScreenColour> colours;
-        for (const std::string& ink : pattern.outInks)
-            colours.push_back(ColourOfInk(ink, options.inkColours));
+        std::transform(
+            pattern.outInks.begin(), pattern.outInks.end(), std::back_inserter(colours),
+            [this](const std::string& ink) { return ColourOfInk(ink, options.inkColours); });
         return colours;
     }
 

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/stored_places.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -47,10 +48,9 @@ std::size_t CountPlaces(const std::vector<InkRow>& rows)
     }
     std::sort(held.begin(), held.end());
     held.erase(std::unique(held.begin(), held.end()), held.end());
-    std::size_t places = 0;
-    for (const std::size_t run : held)
-        places += runs[run].size();
-    return places;
+    return std::accumulate(
+        held.begin(), held.end(), std::size_t{0},
+        [&runs](std::size_t places, std::size_t run) { return places + runs[run].size(); });
 }
 
 } // namespace zvk::Pelkraft::Client
