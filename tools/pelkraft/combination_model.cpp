@@ -204,10 +204,10 @@ private:
         double sum = 0;
         for (std::size_t i = 1; i < model.proportions.size(); ++i) {
             const Proportion& proportion = model.proportions[i];
-            const auto whole =
-                static_cast<double>(proportion.numerator * largest / proportion.denominator);
-            sum += whole / parts;
-            NoteSkew(proportion, whole / parts);
+            const auto whole = proportion.numerator * largest / proportion.denominator;
+            const double share = static_cast<double>(whole) / parts;
+            sum += share;
+            NoteSkew(proportion, share);
         }
         if (!model.proportions.empty())
             NoteSkew(model.proportions.front(), 1 - sum);

@@ -134,7 +134,7 @@ private:
     static std::filesystem::path Canonical(const std::string& path)
     {
         std::error_code error;
-        const auto canonical = std::filesystem::weakly_canonical(path, error);
+        auto canonical = std::filesystem::weakly_canonical(path, error);
         if (error == std::errc::not_enough_memory)
             throw std::bad_alloc();
         return canonical;
