@@ -6,6 +6,8 @@
 #   setup.sh package_check  to try them on a bare Debian
 #   setup.sh docs     to build the reference of the public headers
 #   setup.sh bench    to build and run the benchmarks
+#   setup.sh coverage to count the lines and branches that the tests reach
+#   setup.sh analysis to read all sources with clang-tidy and cppcheck
 # Without a name it takes what the tests need, which is the most.
 set -euo pipefail
 
@@ -22,8 +24,11 @@ package) wanted=("${build_packages[@]}" dpkg-dev file) ;;
 package_check) wanted=(debootstrap "${picture_packages[@]}") ;;
 docs) wanted=(doxygen) ;;
 bench) wanted=("${build_packages[@]}" clang libbenchmark-dev libgtest-dev) ;;
+coverage) wanted=("${build_packages[@]}" libgtest-dev gcovr python3) ;;
+analysis) wanted=("${build_packages[@]}" clang clang-tidy cppcheck libbenchmark-dev libgtest-dev) ;;
 *)
-    echo "usage: bash scripts/setup.sh [demo|test|package|package_check|docs|bench]" >&2
+    echo "usage: bash scripts/setup.sh [demo|test|package|package_check|docs|bench|coverage|analysis]" \
+        >&2
     exit 2
     ;;
 esac

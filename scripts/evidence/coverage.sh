@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Lines and branches of the library that its own tests reach, counted by gcov in a build without
+# optimisation. What can't be reached stands in tests/coverage/exceptions.txt, line by line with
+# its reason. The sample only looks whether each of those lines is still there, since the build
+# alone takes minutes.
+#
+# Left out as the compiler's own: the edges on which a call throws past a function that has no
+# handler, and branches on lines without code (gcovr's --exclude-throw-branches and
+# --exclude-unreachable-branches). For the same reason the preset has -fstack-reuse=none: without
+# it GCC gives each vector instruction of an unrolled method an edge to the end of its scope.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+
+list=tests/coverage/exceptions.txt
+rooms=(common chunks converters portal rows pattern copy system_tools include)
+tests=(test_system_tools test_common test_chunks test_converters test_copy test_pattern
+    test_portal test_rows test_conversions)
+join() { local IFS='|' && echo "$*"; }
+
+bash scripts/setup.sh coverage
+if [ "$1" = sample ]; then
+    python3 tests/coverage/figures.py check $list
+    exit
+fi
+
+# A report counts one run of the tests on the code as it is.
+rm -rf build/coverage
+cmake --preset coverage -DPELKRAFT_BUILD_TOOLS=OFF >/dev/null
+cmake --build --preset coverage -j "$(nproc)" --target "${tests[@]}"
+ctest --test-dir build/coverage -R "^($(join "${tests[@]}"))\$" -j "$(nproc)" --output-on-failure
+gcovr --root . --filter "($(join "${rooms[@]}"))/" -j "$(nproc)" \
+    --exclude-throw-branches --exclude-unreachable-branches \
+    --json build/coverage/coverage.json build/coverage
+
+# A file that no test program holds is in no report.
+for source in $(git ls-files "${rooms[@]/%//*.cpp}" ':!*_windows.cpp'); do
+    grep -q "\"file\": \"$source\"" build/coverage/coverage.json ||
+        { echo "coverage.sh: $source is not in the report" >&2 && exit 1; }
+done
+python3 tests/coverage/figures.py measure $list build/coverage/coverage.json
