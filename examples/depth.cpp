@@ -15,9 +15,10 @@ int main()
     zvk::Pelkraft::ImageRow again(5, 1, 8, false, nullptr);
     again.FillFrom(wide, nullptr);
 
-    for (int i = 0; i != 5; ++i) {
+    const unsigned char* bytes = wide.GetData();
+    for (int i = 0; i != 5; ++i, bytes += 2) {
         std::uint16_t sample;
-        std::memcpy(&sample, wide.GetData() + 2 * i, sizeof sample);
+        std::memcpy(&sample, bytes, sizeof sample);
         std::printf("%d -> %d -> %d\n", tones[i], sample, again.GetData()[i]);
     }
 }

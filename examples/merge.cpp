@@ -11,8 +11,8 @@ int main()
     zvk::Pelkraft::ImageRow pixels(3, 4, 8, false, nullptr);
     pixels.FillFrom(planes, nullptr);
 
-    for (int i = 0; i != 3; ++i) {
-        const unsigned char* pixel = pixels.GetData() + 4 * i;
+    const unsigned char* pixel = pixels.GetData();
+    for (int i = 0; i != 3; ++i, pixel += 4) {
         std::printf("pixel %d: %d %d %d %d\n", i, pixel[0], pixel[1], pixel[2], pixel[3]);
     }
 }

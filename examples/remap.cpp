@@ -13,8 +13,8 @@ int main()
     zvk::Pelkraft::ImageRow remapped(2, 5, 8, false, nullptr);
     remapped.FillFromWithRemap(pixels, map, nullptr);
 
-    for (int i = 0; i != 2; ++i) {
-        const unsigned char* pixel = remapped.GetData() + 5 * i;
+    const unsigned char* pixel = remapped.GetData();
+    for (int i = 0; i != 2; ++i, pixel += 5) {
         std::printf("%d %d %d %d %d\n", pixel[0], pixel[1], pixel[2], pixel[3], pixel[4]);
     }
 }

@@ -11,8 +11,8 @@ int main()
     zvk::Pelkraft::ImageRow planes(3, 4, 8, true, nullptr);
     planes.FillFrom(pixels, nullptr);
 
-    for (int ink = 0; ink != 4; ++ink) {
-        const unsigned char* plane = planes.GetData() + ink * planes.CalcPlaneSize();
+    const unsigned char* plane = planes.GetData();
+    for (int ink = 0; ink != 4; ++ink, plane += planes.CalcPlaneSize()) {
         std::printf("plane %d: %d %d %d\n", ink, plane[0], plane[1], plane[2]);
     }
 }

@@ -25,7 +25,15 @@ std::string NameOfInk(std::size_t inColor, std::size_t position)
            static_cast<char>('a' + position);
 }
 
-// Three of the in-colours have four alternatives on one of their steps.
+// All in-colours but the first have four alternatives on one of their steps.
+std::string BlockOf(std::size_t inColor, const std::string& inks, bool hasFiveSteps)
+{
+    const std::string weights = inColor == 0 ? "1 1-128" : "1:2:3:4 1-128 0-40 0-60 1-90";
+    return std::string("BEGIN_IN_COLOR ") + static_cast<char>('A' + inColor) + " BEGIN_INKS" +
+           inks + " END_INKS BEGIN_VALUES 1 1 1-64 2 " + weights + " 3 1 0-255" +
+           (hasFiveSteps ? " 4 1 2-200 5 1 3-220" : "") + " END_VALUES END_IN_COLOR\n";
+}
+
 std::string PatternText(int version, std::size_t outInks)
 {
     std::string inks;
@@ -35,10 +43,7 @@ std::string PatternText(int version, std::size_t outInks)
         for (std::size_t p = 0; p < outInks / inColors; ++p)
             own += NameOfInk(c, p);
         inks += own;
-        const std::string weights = c == 0 ? "1 1-128" : "1:2:3:4 1-128 0-40 0-60 1-90";
-        blocks += std::string("BEGIN_IN_COLOR ") + static_cast<char>('A' + c) + " BEGIN_INKS" +
-                  own + " END_INKS BEGIN_VALUES 1 1 1-64 2 " + weights + " 3 1 0-255" +
-                  (outInks > 8 ? " 4 1 2-200 5 1 3-220" : "") + " END_VALUES END_IN_COLOR\n";
+        blocks += BlockOf(c, own, outInks > 8);
     }
     return "DotWeavePattern VERSION " + std::to_string(version) + " BEGIN_OUT_INKS" + inks +
            " END_OUT_INKS BEGIN_IN_COLORS A B C D END_IN_COLORS\n" + blocks;

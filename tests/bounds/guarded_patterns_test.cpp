@@ -13,7 +13,7 @@ namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 constexpr int widest = 266;
-constexpr std::size_t capacity = 16 * (widest + 1);
+constexpr std::size_t capacity = std::size_t{16} * (widest + 1);
 constexpr std::uint64_t sampledEvery = 13;
 
 class GuardedPatterns : public ::testing::Test

@@ -11,7 +11,7 @@ namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 constexpr int widest = 266;
-constexpr std::size_t capacity = 16 * (widest + 1);
+constexpr std::size_t capacity = std::size_t{16} * (widest + 1);
 constexpr std::uint64_t sampledEvery = 5;
 
 TEST(OutsidePatterns, EveryByteButTheInksStaysAndNoneGetsIntoThem)
@@ -25,7 +25,8 @@ TEST(OutsidePatterns, EveryByteButTheInksStaysAndNoneGetsIntoThem)
         for (int pixels = 0; pixels <= widest && !HasFailure(); ++pixels) {
             if (!sampler.Takes())
                 continue;
-            const std::size_t inks = static_cast<std::size_t>(pixels * shape.outInks);
+            const std::size_t inks =
+                static_cast<std::size_t>(pixels) * static_cast<std::size_t>(shape.outInks);
             const std::string fault =
                 fills.Run(inks, static_cast<std::size_t>(sampler.GetCount() % 3),
                           CoveredBytes(inks, true), [&](unsigned char* destination) {

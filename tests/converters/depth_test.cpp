@@ -249,7 +249,7 @@ TEST(Narrowing, GivesTheNamedValues)
         EXPECT_EQ(254U, results[65407]);
         EXPECT_EQ(255U, results[65408]);
         EXPECT_EQ(255U, results[65535]);
-        for (unsigned byte = 0; byte < 256; ++byte)
+        for (std::size_t byte = 0; byte < 256; ++byte)
             EXPECT_EQ(byte, results[byte * 257]);
     }
 }

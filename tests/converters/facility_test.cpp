@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <initializer_list>
 #include <limits>
 #include <memory>
 #include <string>
@@ -17,6 +18,17 @@ void EraseAll(std::string& text, const std::string& piece)
 {
     for (std::size_t at = text.find(piece); at != std::string::npos; at = text.find(piece))
         text.erase(at, piece.size());
+}
+
+// As ClassOf tells a template's instance.
+std::string Instance(std::string name, std::initializer_list<std::string> parameters)
+{
+    const char* mark = "<";
+    for (const std::string& parameter : parameters) {
+        name += mark + parameter;
+        mark = ",";
+    }
+    return name + ">";
 }
 
 // The name of the class behind the interface, without namespaces and spaces.
@@ -160,13 +172,13 @@ TEST(ConvertSelection, TakesTheRepeatClassByFactorWithoutItsSignAndBySlot)
 {
     struct Case
     {
-        std::int32_t bits;
         std::size_t channels;
+        std::int32_t bits;
         bool oneUnit;
     };
-    const Case cases[] = {{8, 1, true},  {8, 16, true},  {8, 17, false}, {8, 40, false},
-                          {16, 8, true}, {16, 9, false}, {10, 8, true},  {10, 9, false},
-                          {1, 16, true}, {2, 17, false}};
+    const Case cases[] = {{1, 8, true},  {16, 8, true},  {17, 8, false}, {40, 8, false},
+                          {8, 16, true}, {9, 16, false}, {8, 10, true},  {9, 10, false},
+                          {16, 1, true}, {17, 2, false}};
     for (const Case& one : cases)
         for (const std::int32_t factor : {1, 2, 4})
             for (const std::int32_t sign : {1, -1}) {
@@ -178,8 +190,8 @@ TEST(ConvertSelection, TakesTheRepeatClassByFactorWithoutItsSignAndBySlot)
                         return ChunkConvertFacility::Create_PixelRepeat(level, sign * factor);
                     },
                     FormatOf(one.bits, one.channels),
-                    "ConvertPixelRepeat<" + number + "," + policy + ">",
-                    "ConvertPixelRepeatX86<" + number + ">");
+                    Instance("ConvertPixelRepeat", {number, policy}),
+                    Instance("ConvertPixelRepeatX86", {number}));
             }
 }
 
@@ -221,7 +233,7 @@ TEST(ConvertSelection, TakesTheRemapClassByBothSlotsOrByTheSampleSize)
             [&](std::int32_t level) {
                 return ChunkConvertFacility::Create_Remap(level, one.remapChannels, table.data());
             },
-            FormatOf(one.bits, one.channels), "ConvertRemap<" + policy + "," + policy + ">",
+            FormatOf(one.bits, one.channels), Instance("ConvertRemap", {policy, policy}),
             one.bits > 8 ? "ConvertRemapX86<unsignedshort>" : "ConvertRemapX86<unsignedchar>");
     }
 }

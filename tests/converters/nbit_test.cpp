@@ -188,7 +188,7 @@ TEST_P(NbitStep, TellsTheWayBetweenChunksAndTheSlotInItsBlock)
             const auto packer = ChunkConvertFacility::Create_Packer(road.sseVersion, depth);
             const ImageRowFormat bytes = FormatOf(8, channels);
             packer.select(packer, bytes)->GetConvertMethod(packer, bytes, geometry, block);
-            EXPECT_EQ(3U * 7000U - 16 * slotBytes, block[0]);
+            EXPECT_EQ(21000 - 16 * slotBytes, block[0]);
             EXPECT_EQ(slot, block[1]);
 
             const auto unpacker = ChunkConvertFacility::Create_Unpacker(road.sseVersion, depth);

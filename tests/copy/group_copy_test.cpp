@@ -59,7 +59,7 @@ TEST(RegisterCopy, HasABodyForEachTrailOfShortAndLongPixels)
         for (std::size_t other = 1; other != pixelBytes; ++other)
             EXPECT_NE(VectorRoad::GetRegisterCopy(other), VectorRoad::GetRegisterCopy(pixelBytes));
         EXPECT_EQ(VectorRoad::GetRegisterCopy((pixelBytes - 1) % 16 + 17),
-                  VectorRoad::GetRegisterCopy((pixelBytes - 1) % 16 + 16 * 7 + 1));
+                  VectorRoad::GetRegisterCopy((pixelBytes - 1) % 16 + std::size_t{16} * 7 + 1));
     }
 }
 

@@ -141,6 +141,7 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
 }
 
 // Every program begins here, and this calls its main.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the C library's own name for it.
 int __libc_start_main(MainFunction* main, int argc, char** argv, void (*begin)(), void (*end)(),
                       void (*loaderEnd)(), void* stackEnd)
 {

@@ -7,7 +7,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cwchar>
+#include <iterator>
 #include <new>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -140,13 +142,9 @@ struct CopyScene
         return destination[count] == 0;
     }
 
-    CopyScene()
-    {
-        for (unsigned char& byte : source)
-            byte = 7;
-    }
+    CopyScene() { std::fill(std::begin(source), std::end(source), 7); }
 
-    alignas(16) unsigned char source[512];
+    alignas(16) unsigned char source[512] = {};
     alignas(16) unsigned char destination[512] = {};
 };
 

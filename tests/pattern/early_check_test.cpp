@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <string>
 
 namespace zvk::Pelkraft {
@@ -41,13 +42,12 @@ public:
             return;
         text = static_cast<char*>(memory);
         for (std::size_t at = 0; at < mappedBytes; at += blockBytes)
-            mmap(text + at, blockBytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0);
+            Map(text + at, MAP_SHARED | MAP_FIXED, file);
         std::memset(text, 'x', blockBytes);
         std::memcpy(text, "VERSION 7 ", 10);
         // A page of its own for the end, since all other blocks are one and the same.
         char* lastBlock = text + mappedBytes - blockBytes;
-        mmap(lastBlock, blockBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED,
-             -1, 0);
+        Map(lastBlock, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1);
         std::memset(lastBlock, 'x', blockBytes);
         text[length] = 0;
         close(file);
@@ -60,6 +60,12 @@ public:
     const char* get() const { return text; }
 
 private:
+    static void Map(char* at, int flags, int file)
+    {
+        if (mmap(at, blockBytes, PROT_READ | PROT_WRITE, flags, file, 0) == MAP_FAILED)
+            throw std::bad_alloc();
+    }
+
     static constexpr std::size_t blockBytes = std::size_t{2} << 20;
     const std::size_t mappedBytes;
     char* text = nullptr;

@@ -60,9 +60,9 @@ std::uint32_t NaiveJump(std::uint32_t row)
 {
     static const std::vector<std::uint32_t> table = [] {
         NaiveRand rand(4711);
-        std::vector<std::uint32_t> entries;
-        for (int i = 0; i < 65536; ++i)
-            entries.push_back(rand() * 2);
+        std::vector<std::uint32_t> entries(65536);
+        for (std::uint32_t& entry : entries)
+            entry = rand() * 2;
         return entries;
     }();
     return table[row % 65536];

@@ -64,6 +64,7 @@ TEST(DotWeavePatternInterface, HasItsEngineInFrontOfTheVersionOfItsText)
 TEST(DotWeavePatternInterface, SharesTheFieldInFrontWithItsCopiesAlone)
 {
     const Pattern pattern = PatternOfVersion("2");
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is what is tried.
     const Pattern copy(pattern);
     const Pattern other = PatternOfVersion("2");
     EXPECT_EQ(FieldsOf(pattern).engine, FieldsOf(copy).engine);

@@ -28,11 +28,12 @@ void ExpectProportions(const char* version, const std::string& weightText,
         sum += weights[j];
         entries += Numbered(" 0-", static_cast<int>(j) + 1);
     }
+    const std::string text =
+        Head(version, "A", "X") + InColor("A", "X", "1 " + weightText + entries);
     constexpr std::size_t rows = 100;
     constexpr std::size_t pixels = 10000;
     for (const Engine engine : {DotWeavePattern::X86, DotWeavePattern::Sse}) {
-        DotWeavePattern pattern =
-            Load(Head(version, "A", "X") + InColor("A", "X", "1 " + weightText + entries), engine);
+        DotWeavePattern pattern = Load(text, engine);
         std::vector<double> counts(weights.size() + 1, 0);
         for (std::size_t row = 0; row < rows; ++row)
             for (const unsigned char ink : Apply(pattern, Bytes(pixels, 1)))

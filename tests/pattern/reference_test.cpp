@@ -328,10 +328,10 @@ TEST(ReferenceClass, MovesEachSourceWithEachPixelInTheNewerWay)
                              InColor("A", "X", "1 1:1 0-0 0-1 2 1:2 0-0 0-1 3 1:1 0-2 0-3") +
                              InColor("B", "Y", "1 1:1 0-0 0-1");
     NewerDrawing pattern(text);
-    std::vector<std::uint32_t> draws;
+    std::vector<std::uint32_t> draws(65536);
     NaiveRand rand(11);
-    for (int i = 0; i < 65536; ++i)
-        draws.push_back(rand());
+    for (std::uint32_t& draw : draws)
+        draw = rand();
     Bytes source;
     Bytes expected;
     for (std::size_t i = 0; i < 300; ++i) {
@@ -363,9 +363,9 @@ TEST(ReferenceClass, TellsStepsApartByAnyOfTheirFirstFourWeightsInTheNewerWay)
             ratio += std::to_string(weights[i]);
             alternativeOf.insert(alternativeOf.end(), weights[i], static_cast<unsigned char>(i));
         }
-        const std::string entries = " 0-0 0-1 0-2 0-3 0-4 ";
-        NewerDrawing pattern(Head("2", "A", "X") + "RANDOM_SEED 11" +
-                             InColor("A", "X", "1 1:1:1:1:2" + entries + "2 " + ratio + entries));
+        std::string values = "1 1:1:1:1:2 0-0 0-1 0-2 0-3 0-4 2 ";
+        values.append(ratio).append(" 0-0 0-1 0-2 0-3 0-4 ");
+        NewerDrawing pattern(Head("2", "A", "X") + "RANDOM_SEED 11" + InColor("A", "X", values));
         NaiveRand rand(11);
         for (unsigned i = 0; i != NaiveJump(0) + 1U; ++i)
             rand();

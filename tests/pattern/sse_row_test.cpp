@@ -51,8 +51,9 @@ SseLanes RandomLanes(std::uint32_t inColors, std::uint32_t outInks, std::uint32_
 std::vector<unsigned char> ApplyRow(SseRowMethod method, SseRow row, Flush flush,
                                     std::uint32_t seed)
 {
-    const GuardedBuffer source(RandomBytes(row.pixels * row.sourceStride, seed), flush);
-    const GuardedBuffer destination(row.pixels * row.destinationStride, flush, 0x5A);
+    const GuardedBuffer source(RandomBytes(std::size_t{row.pixels} * row.sourceStride, seed),
+                               flush);
+    const GuardedBuffer destination(std::size_t{row.pixels} * row.destinationStride, flush, 0x5A);
     row.source = source.data();
     row.destination = destination.data();
     method(row);

@@ -86,9 +86,7 @@ TEST(Number, TakesLeadingWhiteSpaceAndOneSign)
 
 TEST(Number, IsZeroWithoutDigits)
 {
-    for (const char* text : {"", "x1", "+", "-", "END_VALUES",
-                             "\xA0"
-                             "1"})
+    for (const char* text : {"", "x1", "+", "-", "END_VALUES", "\2401"})
         EXPECT_EQ(ReadNumber(text), 0) << text;
 }
 

@@ -14,7 +14,6 @@ using TestSupport::Bytes;
 using TestSupport::CountedMemory;
 using TestSupport::FailureOf;
 using TestSupport::FakeChain;
-using TestSupport::FakeStep;
 using TestSupport::MakeFormat;
 using TestSupport::PortalCase;
 using TestSupport::Records;
@@ -50,7 +49,7 @@ std::string FailureAt(std::size_t allocation, const PortalCase& portalCase, cons
     CountedMemory memory(CountedMemory::Counts::Aligned);
     memory.FailAt(allocation);
     memory.Start();
-    const std::string text = FailureOf(portalCase, source, chain);
+    std::string text = FailureOf(portalCase, source, chain);
     memory.Stop();
     EXPECT_EQ(0, memory.CountHeld());
     return text;

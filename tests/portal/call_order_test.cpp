@@ -15,7 +15,6 @@ namespace {
 using TestSupport::Bytes;
 using TestSupport::FailureOf;
 using TestSupport::FakeChain;
-using TestSupport::FakeStep;
 using TestSupport::GuardedBuffer;
 using TestSupport::MakeFormat;
 using TestSupport::PixelsOf;

@@ -12,7 +12,6 @@ namespace {
 using TestSupport::Bytes;
 using TestSupport::FakeChain;
 using TestSupport::Flush;
-using TestSupport::GuardedBuffer;
 using TestSupport::MakeFormat;
 using TestSupport::Placement;
 using TestSupport::PortalCase;

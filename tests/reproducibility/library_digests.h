@@ -4,6 +4,9 @@
 #include "tests/pattern/naive_pattern.h"
 #include "tests/reproducibility/golden_digests.h"
 
+#include <array>
+#include <string>
+
 // What the library itself gives for the golden cases.
 namespace zvk::Pelkraft::TestSupport {
 
@@ -15,7 +18,7 @@ bool IsLeftPackedSomewhere(int number);
 // What one engine has to say to the digests of a pattern.
 struct EngineDigests
 {
-    std::string pictures[3];
+    std::array<std::string, 3> pictures;
     std::string afterReset;
     std::string allPictures;
 };

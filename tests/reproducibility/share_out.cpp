@@ -10,6 +10,7 @@ void ShareOut(int threads, int count, const std::function<void(int job)>& doJob)
 {
     std::atomic<int> next{0};
     std::vector<std::jthread> running;
+    running.reserve(static_cast<std::size_t>(threads));
     for (int thread = 0; thread < threads; ++thread)
         running.emplace_back([&] {
             for (int job = next++; job < count; job = next++)

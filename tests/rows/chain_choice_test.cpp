@@ -122,8 +122,7 @@ std::string ChainText(const Form& from, const Form& to, const ChainOptions& opti
                       std::int32_t level)
 {
     Chain chain;
-    const std::string end =
-        EndOf([&] { chain = ChooseChain(FormatsOf(from, to), options, level); });
+    std::string end = EndOf([&] { chain = ChooseChain(FormatsOf(from, to), options, level); });
     if (end != returned)
         return end;
     std::string text = std::to_string(chain.length) + ":";

@@ -65,7 +65,7 @@ private:
     {
         const RowFields sourceBefore = FieldsOf(source);
         const RowFields rowBefore = FieldsOf(row);
-        const std::string end = EndOf(operation);
+        std::string end = EndOf(operation);
         EXPECT_EQ(Bytes(bytes, 0x3C), sourceBytes);
         EXPECT_EQ(Bytes(bytes, 0xC3), rowBytes);
         EXPECT_TRUE(sourceBefore == FieldsOf(source));

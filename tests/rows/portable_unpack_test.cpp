@@ -44,10 +44,17 @@ Bytes Mirrored(const NaiveGeometry& geometry, const Bytes& row)
     return mirrored;
 }
 
+std::size_t At(int pixel, int channels, int channel)
+{
+    const int sample = pixel * channels + channel;
+    return static_cast<std::size_t>(sample);
+}
+
 unsigned char PackedByte(const NaiveGeometry& geometry, const Bytes& row, int channel, int column)
 {
     const int planeBytes = (geometry.width * geometry.bits + 7) / 8;
-    return column < planeBytes ? row[static_cast<std::size_t>(channel * planeBytes + column)] : 0;
+    const int place = channel * planeBytes + column;
+    return column < planeBytes ? row[static_cast<std::size_t>(place)] : 0;
 }
 
 // Of a channel that stays packed; nothing where what the buffer held is left to stand.
@@ -68,7 +75,7 @@ std::vector<Sample> UnpackedRow(const NaiveGeometry& geometry, const Bytes& row)
     const int leftPacked = std::min(CountLeftPacked(geometry.channels), geometry.channels);
     for (int pixel = 0; pixel != geometry.width; ++pixel)
         for (int channel = 0; channel != leftPacked; ++channel)
-            unpacked[static_cast<std::size_t>(pixel * geometry.channels + channel)] =
+            unpacked[At(pixel, geometry.channels, channel)] =
                 LeftPacked(geometry, row, pixel, channel);
     return unpacked;
 }
@@ -105,12 +112,10 @@ void ExpectCase(const Case& tested)
     const int repeats = std::max(std::abs(factor), 1);
     for (int pixel = 0; pixel != to.width; ++pixel)
         for (int channel = 0; channel != to.channels; ++channel) {
-            const Sample& from8 =
-                unpacked[static_cast<std::size_t>(pixel / repeats * to.channels + channel)];
+            const Sample& from8 = unpacked[At(pixel / repeats, to.channels, channel)];
             if (!from8)
                 continue;
-            ASSERT_EQ(InDepth(*from8, to.bits),
-                      samples[static_cast<std::size_t>(pixel * to.channels + channel)])
+            ASSERT_EQ(InDepth(*from8, to.bits), samples[At(pixel, to.channels, channel)])
                 << "pixel " << pixel << ", channel " << channel;
         }
     EXPECT_TRUE(source.IsUntouched());

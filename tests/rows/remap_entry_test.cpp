@@ -33,7 +33,8 @@ std::vector<unsigned> Remapped(const NaiveGeometry& from, const Bytes& content,
 
 std::size_t At(int pixel, int channels, int channel)
 {
-    return static_cast<std::size_t>(pixel * channels + channel);
+    const int sample = pixel * channels + channel;
+    return static_cast<std::size_t>(sample);
 }
 
 TEST(RemapEntry, TakesRepeatsDropsAndEmptiesChannels)

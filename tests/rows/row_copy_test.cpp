@@ -28,6 +28,7 @@ TEST(RowCopy, IsMemberwiseAndSharesACallersBuffer)
 {
     std::vector<unsigned char> buffer(60, 3);
     const ImageRow row(10, 3, 16, true, buffer.data());
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is what is tried.
     const ImageRow copy(row);
     EXPECT_TRUE(FieldsOf(row) == FieldsOf(copy));
     ImageRow assigned(5, 1, 8, false, buffer.data());

@@ -101,7 +101,7 @@ TEST(InterleavedValues, OfDepthTenAreCopied)
 {
     for (const bool portable : {false, true}) {
         const GuardedRow source({wordValues / 8, 8, 10, false}, AllWords());
-        GuardedRow row({wordValues / 8, 8, 10, false}, Bytes(2 * wordValues, 0xA5));
+        GuardedRow row({wordValues / 8, 8, 10, false}, Bytes(2 * std::size_t{wordValues}, 0xA5));
         row.row.FillFrom(source.row, false, portable);
         EXPECT_TRUE(source.before == row.buffer.bytes());
     }

@@ -134,7 +134,7 @@ double ExactRowBytes(const NaiveGeometry& geometry)
 {
     const double wide = geometry.width;
     if (!geometry.planar)
-        return wide * geometry.channels * ((geometry.bits + 7) / 8);
+        return wide * geometry.channels * std::floor((geometry.bits + 7) / 8.0);
     return std::floor((wide * geometry.bits + 7) / 8) * geometry.channels;
 }
 

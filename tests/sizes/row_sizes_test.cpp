@@ -91,7 +91,7 @@ std::string ResizedRow(const Geometry& asked, int oldWidth)
     if (oldWidth != 0)
         row.SetAll(oldWidth, 1, 8, false, nullptr);
     const RowFields before = FieldsOf(row);
-    const std::string end =
+    std::string end =
         EndOf([&] { row.SetAll(asked.width, asked.channels, asked.bits, asked.planar, nullptr); });
     if (end == outOfMemory)
         EXPECT_TRUE(before == FieldsOf(row));

@@ -197,6 +197,7 @@ int Soak(int seconds, int threads)
     std::barrier pause(threads, [&samples]() noexcept { samples.push_back(ResidentPages()); });
     const Clock::time_point start = Clock::now();
     std::vector<std::thread> workers;
+    workers.reserve(static_cast<std::size_t>(threads));
     for (int i = 0; i < threads; ++i)
         workers.emplace_back([&, i] {
             std::mt19937 random(1000U + static_cast<std::uint32_t>(i));

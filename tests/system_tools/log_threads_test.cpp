@@ -29,6 +29,7 @@ std::string TextOf(int thread)
 void LogFromManyThreads()
 {
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int thread = 0; thread < threadCount; ++thread) {
         threads.emplace_back([text = TextOf(thread)] {
             for (int i = 0; i < linesPerThread; ++i)

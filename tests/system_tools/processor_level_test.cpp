@@ -48,14 +48,14 @@ struct Feature
 #define LEAF_FEATURE(name, level, field, bit)                                                      \
     Feature                                                                                        \
     {                                                                                              \
-        name, level, [](FakeProcessor& p) { p.field |= 1u << bit; },                               \
-            [](FakeProcessor& p) { p.field &= ~(1u << bit); }                                      \
+        name, level, [](FakeProcessor& p) { p.field |= 1u << (bit); },                             \
+            [](FakeProcessor& p) { p.field &= ~(1u << (bit)); }                                    \
     }
 #define STATE_FEATURE(name, level, bit)                                                            \
     Feature                                                                                        \
     {                                                                                              \
-        name, level, [](FakeProcessor& p) { p.xcr0 |= 1u << bit; },                                \
-            [](FakeProcessor& p) { p.xcr0 &= ~std::uint64_t{1u << bit}; }                          \
+        name, level, [](FakeProcessor& p) { p.xcr0 |= 1u << (bit); },                              \
+            [](FakeProcessor& p) { p.xcr0 &= ~std::uint64_t{1u << (bit)}; }                        \
     }
 
 const std::vector<Feature>& Features()

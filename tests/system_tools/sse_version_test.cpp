@@ -80,6 +80,7 @@ TEST_F(SseVersion, IsAlwaysOneOfTheLimitsThatThreadsSet)
             LimitSseVersion(i % 2 == 0 ? 1 : 2);
     });
     std::vector<std::thread> askers;
+    askers.reserve(4);
     for (int i = 0; i < 4; ++i) {
         askers.emplace_back([own] {
             for (int j = 0; j < 2000; ++j) {

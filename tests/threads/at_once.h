@@ -14,6 +14,7 @@ inline void AtOnce(const std::function<void(int thread)>& work)
 {
     std::latch gate(threadCount);
     std::vector<std::jthread> threads;
+    threads.reserve(threadCount);
     for (int thread = 0; thread < threadCount; ++thread)
         threads.emplace_back([&, thread] {
             gate.arrive_and_wait();

@@ -37,12 +37,10 @@ void FillWithoutMap()
     row.FillFromWithRemap(source, nullptr, nullptr);
 }
 
-} // namespace
-
-FailureWork::FailureWork()
+std::vector<std::function<void()>> ListConversions()
 {
     const NaiveGeometry good{3, 1, 8, false};
-    conversions = {
+    return {
         [=] {
             Fill({3, 2, 8, false}, good, 0);
         },
@@ -61,6 +59,12 @@ FailureWork::FailureWork()
         [=] { Fill(good, good, 3); },
         FillWithoutMap,
     };
+}
+
+} // namespace
+
+FailureWork::FailureWork() : conversions(ListConversions())
+{
     Diagnostics::RecordingSink sink;
     Diagnostics::Seh::SetDefaultLog(&sink);
     for (const auto& conversion : conversions)

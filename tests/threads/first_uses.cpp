@@ -32,11 +32,9 @@ class FirstUses
 {
 public:
     FirstUses()
+        : row(RandomBytes(NaiveRowBytes(from), 1)),
+          planes(NaiveConvert(from, row, to, Bytes(NaiveRowBytes(to)), {}))
     {
-        const NaiveGeometry from{37, 3, 8, false};
-        const NaiveGeometry to{37, 3, 16, true};
-        row = RandomBytes(NaiveRowBytes(from), 1);
-        planes = NaiveConvert(from, row, to, Bytes(NaiveRowBytes(to)), {});
         for (const int generation : {0, 1})
             AddPattern(MakeGoldenPattern(generation, 0), generation == 0);
     }
@@ -76,7 +74,7 @@ private:
         Bytes inks;
     };
 
-    void AddPattern(NaivePattern pattern, bool onReferenceToo)
+    void AddPattern(const NaivePattern& pattern, bool onReferenceToo)
     {
         const Bytes steps = MakeGoldenPicture(pattern, {61, 1}, 0).front();
         const Bytes inks = NaiveSimulation(pattern).Row(steps);
@@ -117,10 +115,12 @@ private:
         return inks == use.inks;
     }
 
+    const NaiveGeometry from{37, 3, 8, false};
+    const NaiveGeometry to{37, 3, 16, true};
     const StandardErrorCapture capture;
     Diagnostics::RecordingSink sink;
-    Bytes row;
-    Bytes planes;
+    const Bytes row;
+    const Bytes planes;
     std::vector<PatternUse> uses;
 };
 

@@ -81,7 +81,7 @@ public:
     std::map<std::wstring, int> LinesOf(int runs) const;
 
 private:
-    std::vector<std::function<void()>> conversions;
+    const std::vector<std::function<void()>> conversions;
     std::vector<std::string> texts;
     std::map<std::wstring, int> lines;
 };

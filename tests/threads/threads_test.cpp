@@ -100,7 +100,7 @@ struct SharedSource
             bytes[i] = static_cast<unsigned char>(i);
         row.SetAll(width, 4, 8, false, bytes.data());
         expected = NaiveConvert({width, 4, 8, false}, bytes, {width, 4, 16, true},
-                                Bytes(width * 4 * 2), {});
+                                Bytes(8 * std::size_t{width}), {});
     }
 
     // A road of its own, or the one that the level chooses.
@@ -112,7 +112,7 @@ struct SharedSource
     }
 
     static constexpr int width = 33;
-    Bytes bytes = Bytes(width * 4);
+    Bytes bytes = Bytes(4 * std::size_t{width});
     ImageRow row;
     Bytes expected;
 };

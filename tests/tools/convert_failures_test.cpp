@@ -214,7 +214,7 @@ TEST_F(ConvertFailures, DontBelieveAbsurdSizes)
         std::memcpy(&count, bytes.data() + directory, 2);
         bool found = false;
         for (std::uint32_t i = 0; i < count; ++i) {
-            char* entry = bytes.data() + directory + 2 + 12 * i;
+            char* entry = bytes.data() + directory + 2 + std::size_t{12} * i;
             std::uint16_t tag = 0;
             std::memcpy(&tag, entry, 2);
             if (tag != claim.tag)

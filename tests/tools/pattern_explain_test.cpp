@@ -40,10 +40,10 @@ TEST_F(PatternExplained, TellsWhatTheTextSays)
 {
     const Outcome outcome = Explain(smallPattern);
     EXPECT_TRUE(EndedSilently(outcome));
+    const char* inColour = "in-colour     Cyan: steps 0 to 3; feeds Cyan, LightCyan; "
+                           "2 of 32 combinations\n";
     for (const char* line :
-         {"version       2, first generation of random sources\n", "seed          1234\n",
-          "in-colour     Cyan: steps 0 to 3; feeds Cyan, LightCyan; "
-          "2 of 32 combinations\n",
+         {"version       2, first generation of random sources\n", "seed          1234\n", inColour,
           "  step 0      no ink\n", "  step 1      100.00 %  LightCyan 64\n",
           "  step 2       25.00 %  LightCyan 128\n", "               75.00 %  Cyan 40\n",
           "out-ink       LightCyan: fed by Cyan\n", "combinations  2 of 1024\n",

@@ -16,7 +16,8 @@ struct Preview
 
     std::array<int, 3> At(int x, int y) const
     {
-        const auto at = static_cast<std::size_t>(3 * (y * width + x));
+        const int first = 3 * (y * width + x);
+        const auto at = static_cast<std::size_t>(first);
         return {pixels[at], pixels[at + 1], pixels[at + 2]};
     }
 };

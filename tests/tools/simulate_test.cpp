@@ -119,7 +119,7 @@ TEST_F(Simulation, CallsThePatternOnceForEachRow)
                 steps.push_back(static_cast<unsigned char>(in.At(x, y, 0) / 64));
                 steps.push_back(static_cast<unsigned char>(in.At(x, y, 1) / 128));
             }
-            std::vector<unsigned char> inks(700 * 3);
+            std::vector<unsigned char> inks(std::size_t{700} * 3);
             pattern.ApplyPattern(steps.data(), inks.data(), 700);
             for (std::size_t i = 0; i < inks.size(); ++i)
                 ASSERT_EQ(inks[i], out.samples[static_cast<std::size_t>(y) * inks.size() + i])

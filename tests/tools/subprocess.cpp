@@ -38,6 +38,7 @@ Subprocess::Subprocess(const std::vector<std::string>& command, const std::strin
     : outputPath(scratchFolder + "/stdout"), errorPath(scratchFolder + "/stderr")
 {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);

@@ -10,6 +10,12 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
+std::size_t SampleOf(int pixel, int channels, int channel)
+{
+    const int sample = pixel * channels + channel;
+    return static_cast<std::size_t>(sample);
+}
+
 using OpenTiff = std::unique_ptr<TIFF, decltype(&TIFFClose)>;
 
 void Require(bool condition, const std::string& what)
@@ -65,7 +71,7 @@ std::vector<unsigned char> PackedRow(const TiffImage& image, int left, int y, in
     for (int x = 0; x < width; ++x) {
         for (int c = 0; c < count; ++c) {
             const bool inside = left + x < image.width && y < image.height;
-            PutSample(row, static_cast<std::size_t>(x * count + c), image.bits,
+            PutSample(row, SampleOf(x, count, c), image.bits,
                       inside ? image.At(left + x, y, first + c) : 0U);
         }
     }
@@ -141,12 +147,12 @@ int Field(TIFF* tiff, std::uint32_t tag)
 
 std::uint16_t TiffImage::At(int x, int y, int channel) const
 {
-    return samples[static_cast<std::size_t>((y * width + x) * channels + channel)];
+    return samples[SampleOf(y * width + x, channels, channel)];
 }
 
 std::uint16_t& TiffImage::At(int x, int y, int channel)
 {
-    return samples[static_cast<std::size_t>((y * width + x) * channels + channel)];
+    return samples[SampleOf(y * width + x, channels, channel)];
 }
 
 TiffImage BlankImage(int width, int height, int channels, int bits)
@@ -207,7 +213,7 @@ TiffImage ReadTiff(const std::string& path, FileForm& form, int page)
             for (int x = 0; x < image.width; ++x) {
                 for (int c = 0; c < together; ++c)
                     image.At(x, y, plane + c) = static_cast<std::uint16_t>(
-                        GetSample(row, static_cast<std::size_t>(x * together + c), image.bits));
+                        GetSample(row, SampleOf(x, together, c), image.bits));
             }
         }
     }
