@@ -60,7 +60,7 @@ sub ReadBuild
         if (/^(\S+): #deps/) {
             $object = $build{compile}{$1} ? $1 : undef;
         } elsif (defined $object && m{^ +(?!/usr/)(\S+)$}) {
-            my $path = $absolute{$1} //= abs_path($1 =~ m{^/} ? $1 : "$binaries/$1");
+            my $path = $absolute{$1} //= abs_path($1 =~ m{^/} ? $1 : "$binaries/$1") // $1;
             push(@{$build{objectsOf}{$path}}, $object);
         }
     }
