@@ -43,8 +43,9 @@ gs -q -dSAFER -sDEVICE=tiff32nc -r36 -o "$home/page.tif" tests/tools/cmyk_spot_p
 
 # What apt and dpkg note down for themselves stays.
 files_of_root() {
-    (cd "$root" && find . -xdev \( -path ./root -o -path ./srv -o -path ./tmp -o -path ./var/cache -o \
-        -path ./var/log -o -path ./var/lib/apt -o -path ./var/lib/dpkg \) -prune -o -print) | sort
+    (cd "$root" && find . -xdev \( -path ./root -o -path ./srv -o -path ./tmp \
+        -o -path ./var/cache -o -path ./var/log -o -path ./var/lib/apt -o -path ./var/lib/dpkg \) \
+        -prune -o -print) | sort
 }
 files_of_root >"$home/before"
 
