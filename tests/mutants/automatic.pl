@@ -196,6 +196,7 @@ sub Try
     my ($chosen, $candidates) = ListMutants($tree);
     my @mutants = grep { $build->{objectsOf}{"$tree/$_->{file}"} } @$chosen;
     @mutants = grep { $isChosen{$_->{file}} } @mutants if @files;
+    die "automatic: none of the chosen candidates can be built here\n" if !@mutants;
     my %digest = map { $_->{file} => 1 } @mutants;
     $digest{$_} = $headerDigest{RoomOf($_)} . DigestOf("$tree/$_") for keys %digest;
     $_->{key} = sha1_hex($digest{$_->{file}} . IdOf($_)) for @mutants;

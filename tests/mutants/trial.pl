@@ -60,7 +60,9 @@ sub ReadBuild
         if (/^(\S+): #deps/) {
             $object = $build{compile}{$1} ? $1 : undef;
         } elsif (defined $object && m{^ +(?!/usr/)(\S+)$}) {
-            my $path = $absolute{$1} //= abs_path($1 =~ m{^/} ? $1 : "$binaries/$1") // $1;
+            my $file = $1;
+            my $path = $absolute{$file} //=
+                abs_path($file =~ m{^/} ? $file : "$binaries/$file") // $file;
             push(@{$build{objectsOf}{$path}}, $object);
         }
     }
