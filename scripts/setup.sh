@@ -27,8 +27,8 @@ bench) wanted=("${build_packages[@]}" clang libbenchmark-dev libgtest-dev) ;;
 coverage) wanted=("${build_packages[@]}" libgtest-dev gcovr python3) ;;
 analysis) wanted=("${build_packages[@]}" clang clang-tidy cppcheck libbenchmark-dev libgtest-dev) ;;
 *)
-    echo "usage: bash scripts/setup.sh [demo|test|package|package_check|docs|bench|coverage|" >&2
-    echo "                              analysis]" >&2
+    echo "usage: bash scripts/setup.sh [GROUP]" >&2
+    sed -n 's/^#   setup.sh/   /p' "$0" >&2
     exit 2
     ;;
 esac

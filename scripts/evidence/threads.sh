@@ -38,7 +38,7 @@ cmake --build --preset tsan -j "$jobs"
 run_tests -j "$jobs" -E "$threads" | tee build/evidence/threads.ctest
 programs=$(sed -n 's/.*tests failed out of \([0-9]*\)$/\1/p' build/evidence/threads.ctest)
 rounds=20
-processes=2000
+processes=400
 PELKRAFT_THREAD_ROUNDS=$rounds PELKRAFT_FIRST_USES=$processes run_tests -R "$threads" --timeout 36000
 no_reports
 echo "figure: 0 reports in $rounds rounds of 16 threads, $processes fresh processes and" \
