@@ -145,6 +145,22 @@ TEST_F(ConvertFailures, TellWhichStripIsMissing)
     EXPECT_TRUE(LeftNothing());
 }
 
+TEST_F(ConvertFailures, TellWhichRowCantBeDecoded)
+{
+    FileForm form;
+    form.compression = COMPRESSION_ADOBE_DEFLATE;
+    WriteTiff(Path("in.tif"), RandomImage(40, 9, 3, 8, 5), form);
+    TIFF* tiff = TIFFOpen(Path("in.tif").c_str(), "r");
+    const auto start = static_cast<std::size_t>(TIFFGetStrileOffset(tiff, 1));
+    const auto size = static_cast<std::size_t>(TIFFGetStrileByteCount(tiff, 1));
+    TIFFClose(tiff);
+    std::string bytes = Bytes(Path("in.tif"));
+    bytes.replace(start, size, std::string(size, '\xFF'));
+    WriteBytes(Path("in.tif"), bytes);
+    EXPECT_TRUE(Refused(Convert(), 3, {"in.tif", "row 4", "damaged"}));
+    EXPECT_TRUE(LeftNothing());
+}
+
 // Whatever a damaged file says, the program ends by itself and leaves a whole file or none.
 TEST_F(ConvertFailures, MeetDamagedFilesWithoutACrash)
 {

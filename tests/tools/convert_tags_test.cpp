@@ -167,6 +167,15 @@ TEST_F(ConvertTags, NameTheInksThatAreLeft)
     EXPECT_EQ(Expected(image, {8, {0, 3}, 1, false, true}).samples, Output().samples);
 }
 
+TEST_F(ConvertTags, NameInksThatChangePlaces)
+{
+    MakeInput(4, PHOTOMETRIC_SEPARATED, nullptr);
+    ASSERT_TRUE(EndedSilently(Convert({"--channels", "black,yellow,magenta,cyan"})));
+    OpenOutput();
+    EXPECT_EQ("Black,Yellow,Magenta,Cyan", Inks());
+    EXPECT_EQ(INKSET_MULTIINK, Short(TIFFTAG_INKSET));
+}
+
 TEST_F(ConvertTags, NameSpotInksToo)
 {
     MakeInput(5, PHOTOMETRIC_SEPARATED, SetCmykAndSpot);
@@ -256,16 +265,20 @@ TEST_F(ConvertTags, KeepTheOrderOfBits)
 TEST_F(ConvertTags, KeepALosslessCompressionWhereItFits)
 {
     const auto compressionAfter = [&](int compression, int bits,
-                                      const std::vector<std::string>& options) {
+                                      const std::vector<std::string>& options, int channels = 1) {
         FileForm form;
         form.compression = compression;
         form.rowsPerStrip = 8;
-        WriteTiff(Path("in.tif"), RandomImage(64, 16, 1, bits, 3), form);
+        form.separate = channels > 1;
+        WriteTiff(Path("in.tif"), RandomImage(64, 16, channels, bits, 3), form);
         EXPECT_EQ(0, Convert(options).exitCode);
         OpenOutput();
         return Short(TIFFTAG_COMPRESSION);
     };
     EXPECT_EQ(COMPRESSION_CCITTFAX4, compressionAfter(COMPRESSION_CCITTFAX4, 1, {"--mirror"}));
+    EXPECT_EQ(COMPRESSION_CCITTFAX4, compressionAfter(COMPRESSION_CCITTFAX4, 1, {"--mirror"}, 3));
+    EXPECT_EQ(COMPRESSION_LZW,
+              compressionAfter(COMPRESSION_CCITTFAX4, 1, {"--layout", "interleaved"}, 3));
     EXPECT_EQ(COMPRESSION_LZW, compressionAfter(COMPRESSION_CCITTFAX4, 1, {"--bits", "8"}));
     EXPECT_EQ(COMPRESSION_LZW, compressionAfter(COMPRESSION_JPEG, 8, {}));
     EXPECT_EQ(COMPRESSION_ADOBE_DEFLATE, compressionAfter(COMPRESSION_DEFLATE, 8, {"--bits", "2"}));

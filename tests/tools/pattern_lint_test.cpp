@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <ostream>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -187,6 +188,25 @@ TEST_F(PatternLints, TellOfAllFaultsAtOnce)
     EXPECT_EQ((std::vector<std::string>{"keyword-case", "value-range", "entry-missing", "step-gap",
                                         "ink-unknown"}),
               Kinds(FindingsOf(text)));
+}
+
+// Whatever ends the lines, and with names of letters that take several bytes.
+TEST_F(PatternLints, CountLinesAndColumnsAsTheyAreSeen)
+{
+    for (const std::string end : {"\n", "\r\n", "\r"}) {
+        std::string text = smallPattern;
+        const std::string inks = "Cyan LightCyan Black\n";
+        text.replace(text.find(inks), inks.size(), "Cyan LightCyan Black \xC3\x96l Varnish\n");
+        for (std::size_t at = text.find('\n'); at != std::string::npos;
+             at = text.find('\n', at + end.size()))
+            text.replace(at, 1, end);
+        const Json findings = FindingsOf(text);
+        const auto last = std::find_if(findings.begin(), findings.end(),
+                                       [](const Json& finding) { return finding["column"] == 25; });
+        ASSERT_NE(last, findings.end()) << findings;
+        EXPECT_EQ("ink-unfed", (*last)["kind"]);
+        EXPECT_EQ(6, (*last)["line"]);
+    }
 }
 
 TEST_F(PatternLints, CountCombinations)

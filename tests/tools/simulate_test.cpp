@@ -254,6 +254,22 @@ TEST_F(Simulation, FindsChannelsByNameAndElseByOrder)
     }
 }
 
+TEST_F(Simulation, TakesExtraSamplesLast)
+{
+    WritePattern(fixedPattern);
+    const TiffImage image = RandomImage(20, 5, 3, 8, 3);
+    FileForm form;
+    form.photometric = PHOTOMETRIC_MINISWHITE;
+    WriteTiff(Path("in.tif"), image, form);
+    ASSERT_TRUE(EndedSilently(Simulate()));
+    const TiffImage out = Output();
+    for (int x = 0; x < 20; ++x) {
+        const auto inks = FixedInks(image.At(x, 2, 0) / 64, image.At(x, 2, 1) / 128);
+        for (int ink = 0; ink < 3; ++ink)
+            EXPECT_EQ(inks[static_cast<std::size_t>(ink)], out.At(x, 2, ink)) << x;
+    }
+}
+
 TEST_F(Simulation, WarnsOfChannelsThatGoNowhere)
 {
     WritePattern(fixedPattern);
