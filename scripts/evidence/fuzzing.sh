@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Fuzzes with libFuzzer and both sanitizers: whole, each target until it has had one hour of
 # processor time; the sample, each for some seconds. Ends at the first finding, which is left in
-# build/fuzz/. An interrupted run goes on where it was, as long as the target is the same.
+# build/fuzz/. An interrupted run goes on where it was. If the target has changed since, what it had
+# before counts too, and the figure tells how much of it all was the last build's; remove
+# build/fuzz/found/*.rounds to begin anew, as after a finding.
 #   fuzzing.sh whole|sample [TARGET...]
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -25,29 +27,32 @@ options_of() {
 
 # One round, whose processor time, executions and covered edges become a line of the record.
 run_round() {
-    local target=$1 record=$2 log=$3
+    local target=$1 build=$2 record=$3 log=$4
     # shellcheck disable=SC2046 # a list of words
     (cd build/fuzz && TIMEFORMAT='processor: %U %S' && time ./fuzz/fuzz_"$target" \
         -max_total_time=$round_seconds -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 \
         $(options_of "$target") "found/$target" "../../fuzz/corpus/$target") >"$log" 2>&1 ||
         { tail -n 40 "$log" && return 1; }
-    awk '/^processor:/ { seconds = $2 + $3 }
+    awk -v build="$build" '/^processor:/ { seconds = $2 + $3 }
         /^stat::number_of_executed_units:/ { executions = $2 }
         / cov: / { for (i = 1; i < NF; ++i) if ($i == "cov:") edges = $(i + 1) }
-        END { print seconds, executions, edges }' "$log" >>"$record"
+        END { print seconds, executions, edges, build }' "$log" >>"$record"
 }
 
 fuzz() {
-    local target=$1 directory=build/fuzz/found/$1 record
+    local target=$1 directory=build/fuzz/found/$1 record build
     mkdir -p "$directory"
-    record=$directory.$(sha256sum "build/fuzz/fuzz/fuzz_$target" | cut -c 1-12).rounds
+    build=$(sha256sum "build/fuzz/fuzz/fuzz_$target" | cut -c 1-12)
+    record=$directory.rounds
+    [ $wanted_seconds -gt 1 ] || { record=$directory.sample && : >"$record"; }
     touch "$record"
-    [ $wanted_seconds -gt 1 ] || : >"$record"
     while awk -v wanted=$wanted_seconds '{ s += $1 } END { exit s >= wanted }' "$record"; do
-        run_round "$target" "$record" "$directory.log"
+        run_round "$target" "$build" "$record" "$directory.log"
     done
-    awk -v target="$target" '{ s += $1; n += $2; if ($3 > edges) edges = $3 }
-        END { printf "%s %d executions, %d edges, %d s", target, n, edges, s }' \
+    awk -v target="$target" -v build="$build" '
+        { s += $1; n += $2; if ($3 > edges) edges = $3; if ($4 == build) last += $1 }
+        END { printf "%s %d executions, %d edges, %d s", target, n, edges, s
+              if (last < s) printf " (%d s of them on the last build)", last }' \
         "$record" >"$directory.summary"
     cat "$directory.summary" && echo
 }
