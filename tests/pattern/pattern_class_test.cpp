@@ -260,6 +260,11 @@ void ExpectAlignment()
         engines.back()->InitFromText(text.data());
         EXPECT_EQ(engines.back()->GetOutColorCount(), 3);
         EXPECT_NE(engines.back()->GetConverter(), nullptr);
+        // And one that fails leaves nothing of it.
+        std::string unfinished = "VERSION 2 BEGIN_OUT_INKS A";
+        EXPECT_NE(WhatIsThrown([&] { engines.back()->InitFromText(unfinished.data()); }),
+                  "nothing");
+        EXPECT_EQ(engines.back()->GetConverter(), nullptr);
     }
 }
 
