@@ -1,0 +1,153 @@
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstddef>
+
+// The lane operations on 64-byte vectors, for AVX-512 with F, BW, VL and VBMI.
+// Only for files built with these vector flags: all of it has internal linkage on purpose, so that
+// the linker never takes code of these files for the rest of the program.
+namespace zvk::Pelkraft {
+namespace {
+
+using Lanes = __m512i;
+// A lane has 16 bytes; shuffles, unpacks and packs work inside lanes.
+constexpr int laneCount = 4;
+
+inline __m128i LoadUnit(const unsigned char* bytes)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+
+inline Lanes Load(const unsigned char* bytes)
+{
+    return _mm512_loadu_si512(bytes);
+}
+
+// Lane i holds the 16 bytes at bytes + i * step.
+inline Lanes LoadSpread(const unsigned char* bytes, std::ptrdiff_t step)
+{
+    Lanes v = _mm512_castsi128_si512(LoadUnit(bytes));
+    v = _mm512_inserti32x4(v, LoadUnit(bytes + step), 1);
+    v = _mm512_inserti32x4(v, LoadUnit(bytes + 2 * step), 2);
+    return _mm512_inserti32x4(v, LoadUnit(bytes + 3 * step), 3);
+}
+
+// The same 16 bytes in every lane.
+inline Lanes Broadcast(const unsigned char* bytes)
+{
+    return _mm512_broadcast_i32x4(LoadUnit(bytes));
+}
+
+inline void Store(unsigned char* bytes, Lanes v)
+{
+    _mm512_storeu_si512(bytes, v);
+}
+
+template <int lane>
+__m128i GetLane(Lanes v)
+{
+    return _mm512_extracti32x4_epi32(v, lane);
+}
+
+template <int lane>
+void StoreLane(unsigned char* bytes, Lanes v)
+{
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), GetLane<lane>(v));
+}
+
+inline Lanes Zero()
+{
+    return _mm512_setzero_si512();
+}
+
+inline Lanes Set8(int v)
+{
+    return _mm512_set1_epi8(static_cast<char>(v));
+}
+
+inline Lanes Set16(int v)
+{
+    return _mm512_set1_epi16(static_cast<short>(v));
+}
+
+inline Lanes And(Lanes a, Lanes b)
+{
+    return _mm512_and_si512(a, b);
+}
+
+inline Lanes Or(Lanes a, Lanes b)
+{
+    return _mm512_or_si512(a, b);
+}
+
+inline Lanes Add8(Lanes a, Lanes b)
+{
+    return _mm512_add_epi8(a, b);
+}
+
+inline Lanes Add16(Lanes a, Lanes b)
+{
+    return _mm512_add_epi16(a, b);
+}
+
+// The high half of the unsigned product.
+inline Lanes MultiplyHigh16(Lanes a, Lanes b)
+{
+    return _mm512_mulhi_epu16(a, b);
+}
+
+template <int bits>
+Lanes ShiftLeft16(Lanes v)
+{
+    return _mm512_slli_epi16(v, bits);
+}
+
+template <int bits>
+Lanes ShiftRight16(Lanes v)
+{
+    return _mm512_srli_epi16(v, bits);
+}
+
+// A byte of the mask with its top bit set gives 0.
+inline Lanes Shuffle(Lanes v, Lanes mask)
+{
+    return _mm512_shuffle_epi8(v, mask);
+}
+
+// Words to bytes, saturated: those of a, then those of b, lane by lane.
+inline Lanes Pack16(Lanes a, Lanes b)
+{
+    return _mm512_packus_epi16(a, b);
+}
+
+// The low halves of both, unit by unit in turn.
+template <int unitBytes>
+Lanes UnpackLow(Lanes a, Lanes b)
+{
+    if constexpr (unitBytes == 1)
+        return _mm512_unpacklo_epi8(a, b);
+    else if constexpr (unitBytes == 2)
+        return _mm512_unpacklo_epi16(a, b);
+    else if constexpr (unitBytes == 4)
+        return _mm512_unpacklo_epi32(a, b);
+    else
+        return _mm512_unpacklo_epi64(a, b);
+}
+
+// The high halves of both, unit by unit in turn.
+template <int unitBytes>
+Lanes UnpackHigh(Lanes a, Lanes b)
+{
+    if constexpr (unitBytes == 1)
+        return _mm512_unpackhi_epi8(a, b);
+    else if constexpr (unitBytes == 2)
+        return _mm512_unpackhi_epi16(a, b);
+    else if constexpr (unitBytes == 4)
+        return _mm512_unpackhi_epi32(a, b);
+    else
+        return _mm512_unpackhi_epi64(a, b);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft

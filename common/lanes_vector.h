@@ -1,0 +1,146 @@
+#pragma once
+
+#include <tmmintrin.h>
+
+#include <cstddef>
+
+// The lane operations on 16-byte vectors, for SSSE3.
+// Only for files built with these vector flags: all of it has internal linkage on purpose, so that
+// the linker never takes code of these files for the rest of the program.
+namespace zvk::Pelkraft {
+namespace {
+
+using Lanes = __m128i;
+// A lane has 16 bytes; shuffles, unpacks and packs work inside lanes.
+constexpr int laneCount = 1;
+
+inline Lanes Load(const unsigned char* bytes)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+
+// Lane i holds the 16 bytes at bytes + i * step.
+inline Lanes LoadSpread(const unsigned char* bytes, std::ptrdiff_t)
+{
+    return Load(bytes);
+}
+
+// The same 16 bytes in every lane.
+inline Lanes Broadcast(const unsigned char* bytes)
+{
+    return Load(bytes);
+}
+
+inline void Store(unsigned char* bytes, Lanes v)
+{
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), v);
+}
+
+template <int lane>
+__m128i GetLane(Lanes v)
+{
+    static_assert(lane == 0);
+    return v;
+}
+
+template <int lane>
+void StoreLane(unsigned char* bytes, Lanes v)
+{
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), GetLane<lane>(v));
+}
+
+inline Lanes Zero()
+{
+    return _mm_setzero_si128();
+}
+
+inline Lanes Set8(int v)
+{
+    return _mm_set1_epi8(static_cast<char>(v));
+}
+
+inline Lanes Set16(int v)
+{
+    return _mm_set1_epi16(static_cast<short>(v));
+}
+
+inline Lanes And(Lanes a, Lanes b)
+{
+    return _mm_and_si128(a, b);
+}
+
+inline Lanes Or(Lanes a, Lanes b)
+{
+    return _mm_or_si128(a, b);
+}
+
+inline Lanes Add8(Lanes a, Lanes b)
+{
+    return _mm_add_epi8(a, b);
+}
+
+inline Lanes Add16(Lanes a, Lanes b)
+{
+    return _mm_add_epi16(a, b);
+}
+
+// The high half of the unsigned product.
+inline Lanes MultiplyHigh16(Lanes a, Lanes b)
+{
+    return _mm_mulhi_epu16(a, b);
+}
+
+template <int bits>
+Lanes ShiftLeft16(Lanes v)
+{
+    return _mm_slli_epi16(v, bits);
+}
+
+template <int bits>
+Lanes ShiftRight16(Lanes v)
+{
+    return _mm_srli_epi16(v, bits);
+}
+
+// A byte of the mask with its top bit set gives 0.
+inline Lanes Shuffle(Lanes v, Lanes mask)
+{
+    return _mm_shuffle_epi8(v, mask);
+}
+
+// Words to bytes, saturated: those of a, then those of b, lane by lane.
+inline Lanes Pack16(Lanes a, Lanes b)
+{
+    return _mm_packus_epi16(a, b);
+}
+
+// The low halves of both, unit by unit in turn.
+template <int unitBytes>
+Lanes UnpackLow(Lanes a, Lanes b)
+{
+    if constexpr (unitBytes == 1)
+        return _mm_unpacklo_epi8(a, b);
+    else if constexpr (unitBytes == 2)
+        return _mm_unpacklo_epi16(a, b);
+    else if constexpr (unitBytes == 4)
+        return _mm_unpacklo_epi32(a, b);
+    else
+        return _mm_unpacklo_epi64(a, b);
+}
+
+// The high halves of both, unit by unit in turn.
+template <int unitBytes>
+Lanes UnpackHigh(Lanes a, Lanes b)
+{
+    if constexpr (unitBytes == 1)
+        return _mm_unpackhi_epi8(a, b);
+    else if constexpr (unitBytes == 2)
+        return _mm_unpackhi_epi16(a, b);
+    else if constexpr (unitBytes == 4)
+        return _mm_unpackhi_epi32(a, b);
+    else
+        return _mm_unpackhi_epi64(a, b);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft

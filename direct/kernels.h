@@ -1,0 +1,140 @@
+#pragma once
+
+#include "common/road.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+// The kernels of the direct road. None of them checks, allocates or keeps anything. Source and
+// destination may stand at any address and do not overlap; a kernel reads the bytes of the named
+// samples and writes the bytes of the named samples, and no other, for any count from 0 on.
+namespace zvk::Pelkraft {
+
+// Pixels of so many samples, one directly after the other, to one plane for each channel, and
+// back. A plane may be named twice as a source, never as a destination.
+using SplitKernel = void (*)(const unsigned char* row, unsigned char* const* planes,
+                             std::size_t pixels);
+using MergeKernel = void (*)(const unsigned char* const* planes, unsigned char* row,
+                             std::size_t pixels);
+
+// Some neighbouring channels, 17 or more, of pixels that stand pixelBytes apart.
+struct WidePixels
+{
+    std::size_t pixelBytes;
+    std::size_t channels;
+};
+using WideSplitKernel = void (*)(const unsigned char* row, unsigned char* const* planes,
+                                 std::size_t pixels, const WidePixels& shape);
+using WideMergeKernel = void (*)(const unsigned char* const* planes, unsigned char* row,
+                                 std::size_t pixels, const WidePixels& shape);
+
+constexpr std::size_t maxDenseChannels = 16;
+
+// Indexed by the bytes of a sample less 1. The dense ones are then indexed by the channel count,
+// from 2 to maxDenseChannels; the places 0 and 1 are null.
+struct SplitMergeKernels
+{
+    std::array<std::array<SplitKernel, maxDenseChannels + 1>, 2> split;
+    std::array<std::array<MergeKernel, maxDenseChannels + 1>, 2> merge;
+    std::array<WideSplitKernel, 2> wideSplit;
+    std::array<WideMergeKernel, 2> wideMerge;
+};
+
+// One plane, or an interleaved row whose pixels do not matter.
+using SampleKernel = void (*)(const unsigned char* source, unsigned char* destination,
+                              std::size_t samples);
+
+// The samples of a packed plane from the one before `end` downwards, packed anew from the top bit
+// of the first destination byte on. `end` is counted in samples from the plane's start.
+using BitMirrorKernel = void (*)(const unsigned char* plane, std::size_t end,
+                                 unsigned char* destination, std::size_t samples);
+
+// The packed ones are indexed by the depth less 1. What packs sets the unused low bits of the
+// last byte to 0.
+struct SampleKernels
+{
+    // y = x * 257.
+    SampleKernel widen;
+    // y = ((x * 65281 >> 16) + 127) >> 8.
+    SampleKernel narrow;
+    // The lowest bits of each byte.
+    std::array<SampleKernel, 2> pack;
+    // Levels: 0 and 1, or 0 to 3.
+    std::array<SampleKernel, 2> unpack;
+    std::array<BitMirrorKernel, 2> mirror;
+};
+
+// Whole pixels moved, each of them mapped, repeated and mirrored in one go.
+constexpr unsigned char emptyByte = 0x80;
+constexpr std::size_t maxStepBytes = 64;
+
+struct PixelStep
+{
+    std::uint8_t sourceBytes;
+    // Of one pixel, so that repeat * destinationBytes stand in the row for each source pixel.
+    std::uint8_t destinationBytes;
+    // 1, 2 or 4.
+    std::uint8_t repeat;
+    // The first destination pixel comes from the last source pixel of the run.
+    bool mirrored;
+    // For each byte of a destination pixel its place in the source pixel, or emptyByte for 0.
+    std::array<unsigned char, maxStepBytes> places;
+};
+// The last source pixel is repeated fewer times where the destination pixels end. The source run
+// holds destinationPixels / repeat pixels, rounded up.
+using StepKernel = void (*)(const PixelStep& step, const unsigned char* source,
+                            unsigned char* destination, std::size_t destinationPixels);
+
+// Pixels of any size, mirrored and repeated but not mapped.
+struct PixelMove
+{
+    std::size_t pixelBytes;
+    std::uint8_t repeat;
+    bool mirrored;
+};
+using MoveKernel = void (*)(const PixelMove& move, const unsigned char* source,
+                            unsigned char* destination, std::size_t destinationPixels);
+
+struct PixelKernels
+{
+    // For pixels of at most stepBytes on either side, the repeats of one pixel not counted.
+    StepKernel step;
+    std::size_t stepBytes;
+    MoveKernel move;
+};
+
+struct Kernels
+{
+    const SplitMergeKernels* splitMerge;
+    const SampleKernels* samples;
+    const PixelKernels* pixels;
+};
+
+namespace PortableRoad {
+const SplitMergeKernels& GetSplitMergeKernels();
+const SampleKernels& GetSampleKernels();
+const PixelKernels& GetPixelKernels();
+} // namespace PortableRoad
+
+namespace VectorRoad {
+const SplitMergeKernels& GetSplitMergeKernels();
+const SampleKernels& GetSampleKernels();
+const PixelKernels& GetPixelKernels();
+} // namespace VectorRoad
+
+namespace Avx2Road {
+const SplitMergeKernels& GetSplitMergeKernels();
+const SampleKernels& GetSampleKernels();
+const PixelKernels& GetPixelKernels();
+} // namespace Avx2Road
+
+namespace Avx512Road {
+const SplitMergeKernels& GetSplitMergeKernels();
+const SampleKernels& GetSampleKernels();
+const PixelKernels& GetPixelKernels();
+} // namespace Avx512Road
+
+const Kernels& KernelsOf(Road road);
+
+} // namespace zvk::Pelkraft
