@@ -1,6 +1,15 @@
 #pragma once
 
+// GCC takes the undefined operands inside its own intrinsics for a fault of the caller.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
 #include <immintrin.h>
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
 
 #include <cstddef>
 
@@ -147,6 +156,32 @@ Lanes UnpackHigh(Lanes a, Lanes b)
         return _mm512_unpackhi_epi32(a, b);
     else
         return _mm512_unpackhi_epi64(a, b);
+}
+
+// The 8 bytes at bytes, then the 8 at bytes + step.
+inline __m128i LoadTwoHalves(const unsigned char* bytes, std::ptrdiff_t step)
+{
+    const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes));
+    return _mm_castpd_si128(
+        _mm_loadh_pd(_mm_castsi128_pd(low), reinterpret_cast<const double*>(bytes + step)));
+}
+
+// Half h of lane i holds the 8 bytes at bytes + h * step + i * laneStep.
+inline Lanes LoadHalves(const unsigned char* bytes, std::ptrdiff_t step, std::ptrdiff_t laneStep)
+{
+    Lanes v = _mm512_castsi128_si512(LoadTwoHalves(bytes, step));
+    v = _mm512_inserti32x4(v, LoadTwoHalves(bytes + laneStep, step), 1);
+    v = _mm512_inserti32x4(v, LoadTwoHalves(bytes + 2 * laneStep, step), 2);
+    return _mm512_inserti32x4(v, LoadTwoHalves(bytes + 3 * laneStep, step), 3);
+}
+
+// The lane's first 8 bytes to bytes, the others to bytes + step.
+template <int lane>
+void StoreHalves(unsigned char* bytes, std::ptrdiff_t step, Lanes v)
+{
+    const __m128i unit = GetLane<lane>(v);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(bytes), unit);
+    _mm_storeh_pd(reinterpret_cast<double*>(bytes + step), _mm_castsi128_pd(unit));
 }
 
 } // namespace

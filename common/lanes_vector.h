@@ -142,5 +142,28 @@ Lanes UnpackHigh(Lanes a, Lanes b)
         return _mm_unpackhi_epi64(a, b);
 }
 
+// The 8 bytes at bytes, then the 8 at bytes + step.
+inline __m128i LoadTwoHalves(const unsigned char* bytes, std::ptrdiff_t step)
+{
+    const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes));
+    return _mm_castpd_si128(
+        _mm_loadh_pd(_mm_castsi128_pd(low), reinterpret_cast<const double*>(bytes + step)));
+}
+
+// Half h of lane i holds the 8 bytes at bytes + h * step + i * laneStep.
+inline Lanes LoadHalves(const unsigned char* bytes, std::ptrdiff_t step, std::ptrdiff_t)
+{
+    return LoadTwoHalves(bytes, step);
+}
+
+// The lane's first 8 bytes to bytes, the others to bytes + step.
+template <int lane>
+void StoreHalves(unsigned char* bytes, std::ptrdiff_t step, Lanes v)
+{
+    const __m128i unit = GetLane<lane>(v);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(bytes), unit);
+    _mm_storeh_pd(reinterpret_cast<double*>(bytes + step), _mm_castsi128_pd(unit));
+}
+
 } // namespace
 } // namespace zvk::Pelkraft
