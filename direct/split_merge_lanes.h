@@ -1,0 +1,186 @@
+#pragma once
+
+#include "direct/split_merge_table.h"
+#include "direct/transpose_lanes.h"
+
+// The dense kernels, over one of the vocabularies common/lanes_*.h, which is included before. The
+// file that includes this one names the kernels of short rows in NarrowerKernels().
+// Only for files built with vector flags: all of it has internal linkage on purpose.
+//
+// Each 16-byte lane works on a block of 16 / sampleBytes pixels of its own. The block is cut into
+// `order` pieces of whole pixels; a piece, sorted by channel, is one row of the transposition:
+//
+//   3 channels, order 4   r0 g0 b0 r1 g1 b1 r2 .. b3   the 12 bytes of a piece
+//                         r0 r1 r2 r3 g0 .. g3 b0 .. b3 -- -- -- --   sorted: 4 units
+namespace zvk::Pelkraft {
+namespace {
+
+const SplitMergeKernels& NarrowerKernels();
+
+constexpr unsigned char noByte = 0x80;
+
+struct alignas(16) UnitMask
+{
+    unsigned char bytes[16];
+};
+
+// Where the bytes of a piece stand before and after it is sorted.
+template <int sampleBytes, int channels>
+struct Pieces
+{
+    static constexpr int order = channels <= 2 ? 2 : channels <= 4 ? 4 : channels <= 8 ? 8 : 16;
+    static constexpr int unitBytes = 16 / order;
+    static constexpr int pixels = unitBytes / sampleBytes;
+    static constexpr int bytes = pixels * channels * sampleBytes;
+    static constexpr int laneBytes = order * bytes;
+    static constexpr int lanePixels = order * pixels;
+    static constexpr bool areSorted = pixels == 1;
+
+    // Of a piece whose first byte is number `start` of the vector.
+    static constexpr UnitMask Sort(int start)
+    {
+        UnitMask mask{};
+        for (int i = 0; i < 16; ++i) {
+            const int channel = i / unitBytes;
+            const int pixel = i % unitBytes / sampleBytes;
+            const int from = (pixel * channels + channel) * sampleBytes + i % sampleBytes + start;
+            mask.bytes[i] = channel < channels ? static_cast<unsigned char>(from) : noByte;
+        }
+        return mask;
+    }
+
+    // Planes are interleaved `order` at a time: between the pixels stand channels that are not.
+    static constexpr int PaddedPlace(int byte)
+    {
+        const int pixel = byte / (channels * sampleBytes);
+        return pixel * order * sampleBytes + byte % (channels * sampleBytes);
+    }
+
+    // The piece without that padding: `count` bytes from number `first` on, put at number `to`.
+    static constexpr UnitMask Squeeze(int first, int count, int to)
+    {
+        UnitMask mask{};
+        for (int i = 0; i < 16; ++i) {
+            const bool isNamed = i >= to && i < to + count;
+            mask.bytes[i] =
+                isNamed ? static_cast<unsigned char>(PaddedPlace(first + i - to)) : noByte;
+        }
+        return mask;
+    }
+};
+
+template <int sampleBytes, int channels>
+struct PieceMasks
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    static constexpr int spareBytes = 16 - Piece::bytes;
+
+    static constexpr UnitMask sort = Piece::Sort(0);
+    static constexpr UnitMask sortAtEnd = Piece::Sort(spareBytes);
+    static constexpr UnitMask squeeze = Piece::Squeeze(0, Piece::bytes, 0);
+    static constexpr UnitMask squeezeAtEnd = Piece::Squeeze(0, Piece::bytes, spareBytes);
+    // What the last 16 bytes of a block hold of the piece before the last one.
+    static constexpr UnitMask squeezeBefore =
+        Piece::Squeeze(Piece::bytes - spareBytes, spareBytes, 0);
+};
+
+// Calls body(pixel) at every block's first pixel; the last block may overlap the one before.
+template <int blockPixels, typename Body>
+[[gnu::always_inline]] inline void ForBlocks(std::size_t pixels, Body body)
+{
+    const std::size_t last = pixels - blockPixels;
+    for (std::size_t pixel = 0; pixel < pixels; pixel += blockPixels)
+        body(pixel < last ? pixel : last);
+}
+
+// The last piece is loaded so that it ends with the block: no byte beyond it is read.
+template <int sampleBytes, int channels>
+[[gnu::always_inline]] inline void LoadPieces(const unsigned char* block, Lanes* v)
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    using Masks = PieceMasks<sampleBytes, channels>;
+    const Lanes sort = Broadcast(Masks::sort.bytes);
+    const Lanes sortAtEnd = Broadcast(Masks::sortAtEnd.bytes);
+
+    Unroll<Piece::order>([&](auto i) __attribute__((always_inline)) {
+        constexpr bool isLast = i + 1 == Piece::order;
+        constexpr int start = isLast ? Piece::laneBytes - 16 : i * Piece::bytes;
+        v[i] = LoadSpread(block + start, Piece::laneBytes);
+        if constexpr (isLast && Piece::bytes < 16)
+            v[i] = Shuffle(v[i], sortAtEnd);
+        else if constexpr (!Piece::areSorted)
+            v[i] = Shuffle(v[i], sort);
+    });
+}
+
+template <int sampleBytes, int channels>
+void SplitDense(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    constexpr int blockPixels = Piece::lanePixels * laneCount;
+    if (pixels < blockPixels)
+        return SplitAt(NarrowerKernels(), sampleBytes, channels)(row, planes, pixels);
+
+    unsigned char* to[channels];
+    for (int channel = 0; channel < channels; ++channel)
+        to[channel] = planes[channel];
+    ForBlocks<blockPixels>(
+        pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
+            Lanes v[Piece::order];
+            LoadPieces<sampleBytes, channels>(row + pixel * channels * sampleBytes, v);
+            Transpose<Piece::order, Piece::order, channels>(v);
+            Unroll<channels>([&](auto channel) __attribute__((always_inline)) {
+                Store(to[channel] + pixel * sampleBytes, v[channel]);
+            });
+        });
+}
+
+// Ascending: a piece may spoil bytes of the next one, never of the one before.
+template <int sampleBytes, int channels>
+[[gnu::always_inline]] inline void StorePieces(unsigned char* block, Lanes* v)
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    using Masks = PieceMasks<sampleBytes, channels>;
+    constexpr int last = Piece::order - 1;
+    if constexpr (Piece::bytes < 16) {
+        const Lanes end = Shuffle(v[last], Broadcast(Masks::squeezeAtEnd.bytes));
+        const Lanes before = Shuffle(v[last - 1], Broadcast(Masks::squeezeBefore.bytes));
+        v[last] = Or(end, before);
+    }
+    if constexpr (Piece::bytes < 16 && !Piece::areSorted) {
+        const Lanes squeeze = Broadcast(Masks::squeeze.bytes);
+        Unroll<last>([&](auto i) __attribute__((always_inline)) { v[i] = Shuffle(v[i], squeeze); });
+    }
+    Unroll<laneCount>([&](auto lane) __attribute__((always_inline)) {
+        unsigned char* laneBlock = block + lane * Piece::laneBytes;
+        Unroll<last>([&](auto i) __attribute__((always_inline)) {
+            StoreLane<lane>(laneBlock + i * Piece::bytes, v[i]);
+        });
+        StoreLane<lane>(laneBlock + Piece::laneBytes - 16, v[last]);
+    });
+}
+
+template <int sampleBytes, int channels>
+void MergeDense(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    constexpr int blockPixels = Piece::lanePixels * laneCount;
+    if (pixels < blockPixels)
+        return MergeAt(NarrowerKernels(), sampleBytes, channels)(planes, row, pixels);
+
+    const unsigned char* from[channels];
+    for (int channel = 0; channel < channels; ++channel)
+        from[channel] = planes[channel];
+    ForBlocks<blockPixels>(
+        pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
+            Lanes v[Piece::order];
+            Unroll<channels>([&](auto channel) __attribute__((always_inline)) {
+                v[channel] = Load(from[channel] + pixel * sampleBytes);
+            });
+            Interleave<Piece::order, sampleBytes, channels>(v);
+            StorePieces<sampleBytes, channels>(row + pixel * channels * sampleBytes, v);
+        });
+}
+
+} // namespace
+} // namespace zvk::Pelkraft

@@ -1,0 +1,228 @@
+#pragma once
+
+#include "direct/split_merge_lanes.h"
+
+// The kernels that take the channels of a pixel in groups of 16 or 8 bytes, over the same
+// vocabulary. A last group that is not full overlaps the one before.
+// Only for files built with vector flags: all of it has internal linkage on purpose.
+namespace zvk::Pelkraft {
+namespace {
+
+// Of groups in turn: the part of a row that stays in the first-level cache meanwhile.
+constexpr std::size_t piecePixels = 256;
+
+// A cache puts lines of addresses so far apart into one set, which holds a few of them.
+constexpr std::size_t setBytes = 4096;
+constexpr std::size_t lineBytes = 64;
+constexpr std::size_t setWays = 8;
+
+// True where so many planes share a set that walking along all of them at once would throw each
+// line out of the cache before its next bytes are due.
+inline bool PlanesCollide(const unsigned char* const* planes, std::size_t channels)
+{
+    const auto first = reinterpret_cast<std::size_t>(planes[0]);
+    std::size_t sameSet = 0;
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        const auto distance = reinterpret_cast<std::size_t>(planes[channel]) - first + lineBytes;
+        sameSet += distance % setBytes < 2 * lineBytes ? 1 : 0;
+    }
+    return sameSet > setWays;
+}
+
+// A group of so many bytes a pixel: `pixels` of them stand in a lane of each vector.
+template <int sampleBytes, int groupBytes>
+struct Group
+{
+    static constexpr int channels = groupBytes / sampleBytes;
+    static constexpr int pixels = 16 / groupBytes;
+    static constexpr int lanePixels = 16 / sampleBytes;
+    static constexpr UnitMask sort = Pieces<sampleBytes, channels>::Sort(0);
+};
+
+template <int sampleBytes, int groupBytes>
+[[gnu::always_inline]] inline void SplitGroup(const unsigned char* block, std::size_t pixelBytes,
+                                              unsigned char* const* to, std::size_t at)
+{
+    using Channels = Group<sampleBytes, groupBytes>;
+    const auto step = static_cast<std::ptrdiff_t>(pixelBytes);
+    Lanes v[Channels::channels];
+    Unroll<Channels::channels>([&](auto i) __attribute__((always_inline)) {
+        const unsigned char* from = block + i * Channels::pixels * step;
+        if constexpr (Channels::pixels == 1)
+            v[i] = LoadSpread(from, step * Channels::lanePixels);
+        else
+            v[i] = Shuffle(LoadHalves(from, step, step * Channels::lanePixels),
+                           Broadcast(Channels::sort.bytes));
+    });
+    Transpose<Channels::channels, Channels::channels, Channels::channels>(v);
+    Unroll<Channels::channels>([&](auto i)
+                                   __attribute__((always_inline)) { Store(to[i] + at, v[i]); });
+}
+
+template <int sampleBytes, int groupBytes>
+[[gnu::always_inline]] inline void MergeGroup(const unsigned char* const* from, std::size_t at,
+                                              unsigned char* block, std::size_t pixelBytes)
+{
+    using Channels = Group<sampleBytes, groupBytes>;
+    const auto step = static_cast<std::ptrdiff_t>(pixelBytes);
+    Lanes v[Channels::channels];
+    Unroll<Channels::channels>([&](auto i)
+                                   __attribute__((always_inline)) { v[i] = Load(from[i] + at); });
+    Interleave<Channels::channels, sampleBytes, Channels::channels>(v);
+    Unroll<laneCount>([&](auto lane) __attribute__((always_inline)) {
+        Unroll<Channels::channels>([&](auto i) __attribute__((always_inline)) {
+            unsigned char* to = block + (lane * Channels::lanePixels + i * Channels::pixels) * step;
+            if constexpr (Channels::pixels == 1)
+                StoreLane<lane>(to, v[i]);
+            else
+                StoreHalves<lane>(to, step, v[i]);
+        });
+    });
+}
+
+// One group of the pixels from `first` up to `end`; row and planes are the group's own.
+template <int sampleBytes, int groupBytes>
+[[gnu::noinline]] void SplitPiece(const unsigned char* row, unsigned char* const* planes,
+                                  std::size_t first, std::size_t end, std::size_t pixelBytes)
+{
+    using Channels = Group<sampleBytes, groupBytes>;
+    unsigned char* to[Channels::channels];
+    for (int channel = 0; channel < Channels::channels; ++channel)
+        to[channel] = planes[channel];
+    ForBlocks<Channels::lanePixels * laneCount>(
+        end - first, [&](std::size_t pixel) __attribute__((always_inline)) {
+            SplitGroup<sampleBytes, groupBytes>(row + (first + pixel) * pixelBytes, pixelBytes, to,
+                                                (first + pixel) * sampleBytes);
+        });
+}
+
+template <int sampleBytes, int groupBytes>
+[[gnu::noinline]] void MergePiece(const unsigned char* const* planes, unsigned char* row,
+                                  std::size_t first, std::size_t end, std::size_t pixelBytes)
+{
+    using Channels = Group<sampleBytes, groupBytes>;
+    const unsigned char* from[Channels::channels];
+    for (int channel = 0; channel < Channels::channels; ++channel)
+        from[channel] = planes[channel];
+    ForBlocks<Channels::lanePixels * laneCount>(
+        end - first, [&](std::size_t pixel) __attribute__((always_inline)) {
+            MergeGroup<sampleBytes, groupBytes>(from, (first + pixel) * sampleBytes,
+                                                row + (first + pixel) * pixelBytes, pixelBytes);
+        });
+}
+
+// Calls whole(channel, first, end) for a group of 16 bytes, half(channel, first, end) for one of 8,
+// one group after the other in each piece of the row, which holds a block at least.
+template <int sampleBytes, typename Whole, typename Half>
+void ForGroups(std::size_t pixels, std::size_t channels, bool inHalves, Whole whole, Half half)
+{
+    constexpr std::size_t wholeChannels = 16 / sampleBytes;
+    constexpr std::size_t halfChannels = 8 / sampleBytes;
+    constexpr std::size_t blockPixels = wholeChannels * laneCount;
+    for (std::size_t first = 0; first < pixels;) {
+        const bool isLast = pixels - first < piecePixels + blockPixels;
+        const std::size_t end = isLast ? pixels : first + piecePixels;
+        for (std::size_t channel = 0; channel < channels;) {
+            const std::size_t rest = channels - channel;
+            if (inHalves || rest <= halfChannels) {
+                half(rest < halfChannels ? channels - halfChannels : channel, first, end);
+                channel += halfChannels;
+            } else {
+                whole(rest < wholeChannels ? channels - wholeChannels : channel, first, end);
+                channel += wholeChannels;
+            }
+        }
+        first = end;
+    }
+}
+
+// The row holds a block at least, and the shape 16 bytes of channels, or 8 in halves.
+template <int sampleBytes>
+void SplitGroups(const unsigned char* row, unsigned char* const* planes, std::size_t pixels,
+                 const WidePixels& shape, bool inHalves)
+{
+    const std::size_t pixelBytes = shape.pixelBytes;
+    ForGroups<sampleBytes>(
+        pixels, shape.channels, inHalves,
+        [=](std::size_t channel, std::size_t first, std::size_t end) {
+            SplitPiece<sampleBytes, 16>(row + channel * sampleBytes, planes + channel, first, end,
+                                        pixelBytes);
+        },
+        [=](std::size_t channel, std::size_t first, std::size_t end) {
+            SplitPiece<sampleBytes, 8>(row + channel * sampleBytes, planes + channel, first, end,
+                                       pixelBytes);
+        });
+}
+
+template <int sampleBytes>
+void MergeGroups(const unsigned char* const* planes, unsigned char* row, std::size_t pixels,
+                 const WidePixels& shape, bool inHalves)
+{
+    const std::size_t pixelBytes = shape.pixelBytes;
+    ForGroups<sampleBytes>(
+        pixels, shape.channels, inHalves,
+        [=](std::size_t channel, std::size_t first, std::size_t end) {
+            MergePiece<sampleBytes, 16>(planes + channel, row + channel * sampleBytes, first, end,
+                                        pixelBytes);
+        },
+        [=](std::size_t channel, std::size_t first, std::size_t end) {
+            MergePiece<sampleBytes, 8>(planes + channel, row + channel * sampleBytes, first, end,
+                                       pixelBytes);
+        });
+}
+
+template <int sampleBytes>
+void SplitWide(const unsigned char* row, unsigned char* const* planes, std::size_t pixels,
+               const WidePixels& shape)
+{
+    if (pixels < 16 / sampleBytes * laneCount)
+        return WideSplitAt(NarrowerKernels(), sampleBytes)(row, planes, pixels, shape);
+    SplitGroups<sampleBytes>(row, planes, pixels, shape, PlanesCollide(planes, shape.channels));
+}
+
+template <int sampleBytes>
+void MergeWide(const unsigned char* const* planes, unsigned char* row, std::size_t pixels,
+               const WidePixels& shape)
+{
+    if (pixels < 16 / sampleBytes * laneCount)
+        return WideMergeAt(NarrowerKernels(), sampleBytes)(planes, row, pixels, shape);
+    MergeGroups<sampleBytes>(planes, row, pixels, shape, PlanesCollide(planes, shape.channels));
+}
+
+// Rows this short fit the cache however the planes lie.
+constexpr std::size_t shortRowBytes = 256;
+
+template <int sampleBytes, int channels>
+void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
+{
+    const WidePixels shape = {.pixelBytes = channels * sampleBytes, .channels = channels};
+    if constexpr (channels * sampleBytes > 16) {
+        if (pixels < 16 / sampleBytes * laneCount)
+            return SplitAt(NarrowerKernels(), sampleBytes, channels)(row, planes, pixels);
+        return SplitGroups<sampleBytes>(row, planes, pixels, shape, false);
+    } else {
+        if constexpr (channels > setWays)
+            if (pixels > shortRowBytes && PlanesCollide(planes, channels))
+                return SplitGroups<sampleBytes>(row, planes, pixels, shape, true);
+        SplitDense<sampleBytes, channels>(row, planes, pixels);
+    }
+}
+
+template <int sampleBytes, int channels>
+void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
+{
+    const WidePixels shape = {.pixelBytes = channels * sampleBytes, .channels = channels};
+    if constexpr (channels * sampleBytes > 16) {
+        if (pixels < 16 / sampleBytes * laneCount)
+            return MergeAt(NarrowerKernels(), sampleBytes, channels)(planes, row, pixels);
+        return MergeGroups<sampleBytes>(planes, row, pixels, shape, false);
+    } else {
+        if constexpr (channels > setWays)
+            if (pixels > shortRowBytes && PlanesCollide(planes, channels))
+                return MergeGroups<sampleBytes>(planes, row, pixels, shape, true);
+        MergeDense<sampleBytes, channels>(planes, row, pixels);
+    }
+}
+
+} // namespace
+} // namespace zvk::Pelkraft
