@@ -1,0 +1,340 @@
+#include "common/lanes_avx512.h"
+#include "common/unroll_vector.h"
+#include "direct/split_merge_table.h"
+
+#include <cstdint>
+#include <utility>
+
+// The byte permute across the whole vector sorts 64 bytes at once, so that a block is one run of
+// the row instead of a run for each lane.
+namespace zvk::Pelkraft {
+namespace {
+
+const SplitMergeKernels& Narrower()
+{
+    return Avx2Road::GetSplitMergeKernels();
+}
+
+struct alignas(64) Places
+{
+    unsigned char bytes[64];
+};
+
+constexpr int vectorBytes = 64;
+
+// The block is cut into `order` pieces of whole pixels. Sorted, unit k of lane l of a piece holds
+// the samples of channel 4k + l: the units are transposed in the lanes, then the lanes.
+template <int sampleBytes, int channels>
+struct Pieces
+{
+    static constexpr int order = channels <= 4 ? 4 : channels <= 8 ? 8 : 16;
+    static constexpr int laneUnits = order / 4;
+    static constexpr int unitBytes = vectorBytes / order;
+    static constexpr int pixels = unitBytes / sampleBytes;
+    static constexpr int pixelBytes = channels * sampleBytes;
+    static constexpr int bytes = pixels * pixelBytes;
+    static constexpr int blockPixels = order * pixels;
+    static constexpr int blockBytes = order * bytes;
+
+    static constexpr int SortedPlace(int byte)
+    {
+        const int channel = byte % pixelBytes / sampleBytes;
+        const int inUnit = byte / pixelBytes * sampleBytes + byte % sampleBytes;
+        return 16 * (channel % 4) + unitBytes * (channel / 4) + inUnit;
+    }
+
+    // Of a piece whose first byte is number `start` of the vector.
+    static constexpr Places Sort(int start)
+    {
+        Places places{};
+        for (int byte = 0; byte < bytes; ++byte)
+            places.bytes[SortedPlace(byte)] = static_cast<unsigned char>(byte + start);
+        return places;
+    }
+
+    static constexpr Places Unsort()
+    {
+        Places places{};
+        for (int byte = 0; byte < bytes; ++byte)
+            places.bytes[byte] = static_cast<unsigned char>(SortedPlace(byte));
+        return places;
+    }
+
+    // The last 64 bytes of the block, from the last two pieces.
+    static constexpr Places UnsortEnd()
+    {
+        Places places{};
+        for (int i = 0; i < vectorBytes; ++i) {
+            const int byte = 2 * bytes - vectorBytes + i;
+            const int place =
+                byte < bytes ? SortedPlace(byte) : vectorBytes + SortedPlace(byte - bytes);
+            places.bytes[i] = static_cast<unsigned char>(place);
+        }
+        return places;
+    }
+};
+
+template <int sampleBytes, int channels>
+struct PiecePlaces
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    static constexpr Places sort = Piece::Sort(0);
+    static constexpr Places sortAtEnd = Piece::Sort(vectorBytes - Piece::bytes);
+    static constexpr Places unsort = Piece::Unsort();
+    static constexpr Places unsortEnd = Piece::UnsortEnd();
+};
+
+template <int blockPixels, typename Body>
+[[gnu::always_inline]] inline void ForBlocks(std::size_t pixels, Body body)
+{
+    const std::size_t last = pixels - blockPixels;
+    for (std::size_t pixel = 0; pixel < pixels; pixel += blockPixels)
+        body(pixel < last ? pixel : last);
+}
+
+// In every lane, `units` vectors of as many units.
+template <int units>
+[[gnu::always_inline]] inline void TransposeUnits(Lanes* v)
+{
+    if constexpr (units == 2) {
+        const Lanes low = UnpackLow<8>(v[0], v[1]);
+        v[1] = UnpackHigh<8>(v[0], v[1]);
+        v[0] = low;
+    } else if constexpr (units == 4) {
+        const Lanes low01 = UnpackLow<4>(v[0], v[1]), high01 = UnpackHigh<4>(v[0], v[1]);
+        const Lanes low23 = UnpackLow<4>(v[2], v[3]), high23 = UnpackHigh<4>(v[2], v[3]);
+        v[0] = UnpackLow<8>(low01, low23);
+        v[1] = UnpackHigh<8>(low01, low23);
+        v[2] = UnpackLow<8>(high01, high23);
+        v[3] = UnpackHigh<8>(high01, high23);
+    }
+}
+
+[[gnu::always_inline]] inline void TransposeLanes(Lanes& a, Lanes& b, Lanes& c, Lanes& d)
+{
+    constexpr int lowLanes = 0x44, highLanes = 0xee, evenLanes = 0x88, oddLanes = 0xdd;
+    const Lanes ab01 = _mm512_shuffle_i32x4(a, b, lowLanes);
+    const Lanes ab23 = _mm512_shuffle_i32x4(a, b, highLanes);
+    const Lanes cd01 = _mm512_shuffle_i32x4(c, d, lowLanes);
+    const Lanes cd23 = _mm512_shuffle_i32x4(c, d, highLanes);
+    a = _mm512_shuffle_i32x4(ab01, cd01, evenLanes);
+    b = _mm512_shuffle_i32x4(ab01, cd01, oddLanes);
+    c = _mm512_shuffle_i32x4(ab23, cd23, evenLanes);
+    d = _mm512_shuffle_i32x4(ab23, cd23, oddLanes);
+}
+
+template <int sampleBytes, int channels>
+[[gnu::always_inline]] inline void SplitBlock(const unsigned char* block, unsigned char* const* to,
+                                              std::size_t at)
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    using Table = PiecePlaces<sampleBytes, channels>;
+    const Lanes sort = Load(Table::sort.bytes);
+    const Lanes sortAtEnd = Load(Table::sortAtEnd.bytes);
+    constexpr int units = Piece::laneUnits;
+
+    Lanes v[Piece::order];
+    Unroll<Piece::order>([&](auto i) __attribute__((always_inline)) {
+        constexpr bool isLast = i + 1 == Piece::order;
+        constexpr int start = isLast ? Piece::blockBytes - vectorBytes : i * Piece::bytes;
+        v[i] = _mm512_permutexvar_epi8(isLast ? sortAtEnd : sort, Load(block + start));
+    });
+    Unroll<4>([&](auto part)
+                  __attribute__((always_inline)) { TransposeUnits<units>(v + part * units); });
+    Unroll<(channels + 3) / 4>([&](auto unit) __attribute__((always_inline)) {
+        TransposeLanes(v[unit], v[units + unit], v[2 * units + unit], v[3 * units + unit]);
+        Unroll<4>([&](auto lane) __attribute__((always_inline)) {
+            if constexpr (4 * unit + lane < channels)
+                Store(to[4 * unit + lane] + at, v[lane * units + unit]);
+        });
+    });
+}
+
+// Ascending: a piece may spoil bytes of the next one, never of the one before.
+template <int sampleBytes, int channels>
+[[gnu::always_inline]] inline void MergeBlock(const unsigned char* const* from, std::size_t at,
+                                              unsigned char* block)
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    using Table = PiecePlaces<sampleBytes, channels>;
+    const Lanes unsort = Load(Table::unsort.bytes);
+    constexpr int units = Piece::laneUnits;
+    constexpr int last = Piece::order - 1;
+
+    Lanes v[Piece::order];
+    Unroll<units>([&](auto unit) __attribute__((always_inline)) {
+        Unroll<4>([&](auto lane) __attribute__((always_inline)) {
+            if constexpr (4 * unit + lane < channels)
+                v[lane * units + unit] = Load(from[4 * unit + lane] + at);
+            else
+                v[lane * units + unit] = Zero();
+        });
+        if constexpr (4 * unit < channels)
+            TransposeLanes(v[unit], v[units + unit], v[2 * units + unit], v[3 * units + unit]);
+    });
+    Unroll<4>([&](auto part)
+                  __attribute__((always_inline)) { TransposeUnits<units>(v + part * units); });
+    Unroll<last>([&](auto i) __attribute__((always_inline)) {
+        Store(block + i * Piece::bytes, _mm512_permutexvar_epi8(unsort, v[i]));
+    });
+    if constexpr (Piece::bytes == vectorBytes)
+        v[last] = _mm512_permutexvar_epi8(unsort, v[last]);
+    else
+        v[last] = _mm512_permutex2var_epi8(v[last - 1], Load(Table::unsortEnd.bytes), v[last]);
+    Store(block + Piece::blockBytes - vectorBytes, v[last]);
+}
+
+// A programme: every result vector straight from all vectors of the block, two at a time.
+template <int channels>
+struct Programme
+{
+    Places places[channels];
+    std::uint64_t fromPair[channels][(channels + 1) / 2];
+};
+
+template <int sampleBytes, int channels>
+constexpr Programme<channels> SplitProgramme()
+{
+    Programme<channels> programme{};
+    for (int result = 0; result < channels; ++result)
+        for (int i = 0; i < vectorBytes; ++i) {
+            const int byte = (i / sampleBytes * channels + result) * sampleBytes + i % sampleBytes;
+            programme.places[result].bytes[i] = static_cast<unsigned char>(byte % 128);
+            programme.fromPair[result][byte / 128] |= std::uint64_t{1} << i;
+        }
+    return programme;
+}
+
+template <int sampleBytes, int channels>
+constexpr Programme<channels> MergeProgramme()
+{
+    Programme<channels> programme{};
+    for (int result = 0; result < channels; ++result)
+        for (int i = 0; i < vectorBytes; ++i) {
+            const int sample = (vectorBytes * result + i) / sampleBytes;
+            const int channel = sample % channels;
+            const int place = sample / channels * sampleBytes + i % sampleBytes;
+            programme.places[result].bytes[i] =
+                static_cast<unsigned char>(place + channel % 2 * vectorBytes);
+            programme.fromPair[result][channel / 2] |= std::uint64_t{1} << i;
+        }
+    return programme;
+}
+
+template <int channels>
+[[gnu::always_inline]] inline Lanes RunProgramme(const Programme<channels>& programme, int result,
+                                                 const Lanes* v)
+{
+    const Lanes places = Load(programme.places[result].bytes);
+    Lanes sum = _mm512_permutex2var_epi8(v[0], places, v[1]);
+    Unroll<(channels - 1) / 2>([&](auto i) __attribute__((always_inline)) {
+        constexpr int first = 2 * i + 2;
+        const __mmask64 mask = programme.fromPair[result][i + 1];
+        if constexpr (first + 1 < channels)
+            sum = _mm512_mask_mov_epi8(sum, mask,
+                                       _mm512_permutex2var_epi8(v[first], places, v[first + 1]));
+        else
+            sum = _mm512_mask_permutexvar_epi8(sum, mask, places, v[first]);
+    });
+    return sum;
+}
+
+// Fewer permutes than pieces take, for these.
+constexpr bool IsProgrammed(int channels)
+{
+    return channels == 2 || channels == 3 || channels == 5;
+}
+
+template <int sampleBytes, int channels>
+void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
+{
+    constexpr int blockPixels = vectorBytes / sampleBytes;
+    if (pixels < blockPixels)
+        return SplitAt(Narrower(), sampleBytes, channels)(row, planes, pixels);
+
+    unsigned char* to[channels];
+    for (int channel = 0; channel < channels; ++channel)
+        to[channel] = planes[channel];
+    ForBlocks<blockPixels>(
+        pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
+            const unsigned char* block = row + pixel * channels * sampleBytes;
+            const std::size_t at = pixel * sampleBytes;
+            if constexpr (IsProgrammed(channels)) {
+                static constexpr auto programme = SplitProgramme<sampleBytes, channels>();
+                Lanes v[channels];
+                Unroll<channels>([&](auto i) __attribute__((always_inline)) {
+                    v[i] = Load(block + i * vectorBytes);
+                });
+                Unroll<channels>([&](auto i) __attribute__((always_inline)) {
+                    Store(to[i] + at, RunProgramme<channels>(programme, i, v));
+                });
+            } else {
+                SplitBlock<sampleBytes, channels>(block, to, at);
+            }
+        });
+}
+
+template <int sampleBytes, int channels>
+void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
+{
+    constexpr int blockPixels = vectorBytes / sampleBytes;
+    if (pixels < blockPixels)
+        return MergeAt(Narrower(), sampleBytes, channels)(planes, row, pixels);
+
+    const unsigned char* from[channels];
+    for (int channel = 0; channel < channels; ++channel)
+        from[channel] = planes[channel];
+    ForBlocks<blockPixels>(
+        pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
+            unsigned char* block = row + pixel * channels * sampleBytes;
+            const std::size_t at = pixel * sampleBytes;
+            if constexpr (IsProgrammed(channels)) {
+                static constexpr auto programme = MergeProgramme<sampleBytes, channels>();
+                Lanes v[channels];
+                Unroll<channels>([&](auto i)
+                                     __attribute__((always_inline)) { v[i] = Load(from[i] + at); });
+                Unroll<channels>([&](auto i) __attribute__((always_inline)) {
+                    Store(block + i * vectorBytes, RunProgramme<channels>(programme, i, v));
+                });
+            } else {
+                MergeBlock<sampleBytes, channels>(from, at, block);
+            }
+        });
+}
+
+// Groups of 16 bytes a pixel gain nothing from wider vectors.
+template <int sampleBytes>
+void SplitWide(const unsigned char* row, unsigned char* const* planes, std::size_t pixels,
+               const WidePixels& shape)
+{
+    WideSplitAt(Narrower(), sampleBytes)(row, planes, pixels, shape);
+}
+
+template <int sampleBytes>
+void MergeWide(const unsigned char* const* planes, unsigned char* row, std::size_t pixels,
+               const WidePixels& shape)
+{
+    WideMergeAt(Narrower(), sampleBytes)(planes, row, pixels, shape);
+}
+
+template <int... index>
+constexpr SplitMergeKernels MakeKernels(std::integer_sequence<int, index...>)
+{
+    return {.split = {{{nullptr, nullptr, Split<1, index + 2>...},
+                       {nullptr, nullptr, Split<2, index + 2>...}}},
+            .merge = {{{nullptr, nullptr, Merge<1, index + 2>...},
+                       {nullptr, nullptr, Merge<2, index + 2>...}}},
+            .wideSplit = {SplitWide<1>, SplitWide<2>},
+            .wideMerge = {MergeWide<1>, MergeWide<2>}};
+}
+
+constexpr SplitMergeKernels kernels = MakeKernels(std::make_integer_sequence<int, 15>());
+
+} // namespace
+
+const SplitMergeKernels& Avx512Road::GetSplitMergeKernels()
+{
+    return kernels;
+}
+
+} // namespace zvk::Pelkraft
