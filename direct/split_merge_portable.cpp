@@ -1,198 +1,143 @@
 #include "direct/kernels.h"
 
 #include <cstring>
-#include <type_traits>
 #include <utility>
 
-// Pixels are brought to slots of 2, 4, 8 or 16 samples on the stack, which both compilers split and
-// merge in vectors: the loops over local arrays of a power of two are written for them.
+// The loops name each plane as a parameter of its own, which no other pointer reaches: so compilers
+// need not ask whether the planes overlap, and do 2, 4, 8 and 16 channels in vectors.
 namespace zvk::Pelkraft {
 namespace {
 
-template <int sampleBytes>
-using Sample = std::conditional_t<sampleBytes == 1, std::uint8_t, std::uint16_t>;
+template <int channel>
+using Plane = unsigned char;
+template <int channel>
+using SourcePlane = const unsigned char;
 
+template <int sampleBytes>
+inline void CopySample(const unsigned char* from, unsigned char* to)
+{
+    std::memcpy(to, from, sampleBytes);
+}
+
+template <int sampleBytes, int... channel>
+inline void SplitRow(const unsigned char* __restrict row, std::size_t pixels,
+                     std::size_t pixelBytes, Plane<channel>* __restrict... planes)
+{
+    for (std::size_t pixel = 0; pixel < pixels; ++pixel)
+        (CopySample<sampleBytes>(row + pixel * pixelBytes + channel * sampleBytes,
+                                 planes + pixel * sampleBytes),
+         ...);
+}
+
+template <int sampleBytes, int... channel>
+inline void MergeRow(unsigned char* __restrict row, std::size_t pixels, std::size_t pixelBytes,
+                     SourcePlane<channel>*... planes)
+{
+    for (std::size_t pixel = 0; pixel < pixels; ++pixel)
+        (CopySample<sampleBytes>(planes + pixel * sampleBytes,
+                                 row + pixel * pixelBytes + channel * sampleBytes),
+         ...);
+}
+
+// A power of two at or above the channel count.
 constexpr int Order(int channels)
 {
     return channels <= 2 ? 2 : channels <= 4 ? 4 : channels <= 8 ? 8 : 16;
 }
 
-constexpr int tilePixels = 32;
+template <typename Channels>
+struct Loops;
 
-template <int sampleBytes, int order>
-struct Tile
+template <int channels>
+using LoopsOf = Loops<std::make_integer_sequence<int, channels>>;
+
+template <int... channel>
+struct Loops<std::integer_sequence<int, channel...>>
 {
-    alignas(16) Sample<sampleBytes> slots[tilePixels * order];
-    alignas(16) Sample<sampleBytes> samples[order][tilePixels];
+    static constexpr int channels = sizeof...(channel);
 
-    void Split()
+    template <int sampleBytes>
+    static void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
     {
-        for (int pixel = 0; pixel < tilePixels; ++pixel)
-            for (int channel = 0; channel < order; ++channel)
-                samples[channel][pixel] = slots[pixel * order + channel];
+        SplitRow<sampleBytes, channel...>(row, pixels, channels * sampleBytes, planes[channel]...);
     }
 
-    void Merge()
+    template <int sampleBytes>
+    static void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
     {
-        for (int pixel = 0; pixel < tilePixels; ++pixel)
-            for (int channel = 0; channel < order; ++channel)
-                slots[pixel * order + channel] = samples[channel][pixel];
+        constexpr int order = Order(channels);
+        if constexpr (order != channels)
+            LoopsOf<order>::template MergePadded<sampleBytes, channels>(planes, row, pixels);
+        else
+            MergeRow<sampleBytes, channel...>(row, pixels, channels * sampleBytes,
+                                              planes[channel]...);
+    }
+
+    // Of fewer channels, of which the last one fills the slots of those that are missing: each
+    // pixel is stored with that filling, and the next pixel over it.
+    template <int sampleBytes, int named>
+    static void MergePadded(const unsigned char* const* planes, unsigned char* row,
+                            std::size_t pixels)
+    {
+        constexpr std::size_t slotBytes = channels * sampleBytes;
+        constexpr std::size_t pixelBytes = named * sampleBytes;
+        constexpr std::size_t tilePixels = 64;
+        unsigned char slots[tilePixels * slotBytes];
+        for (std::size_t first = 0; first < pixels; first += tilePixels) {
+            const std::size_t count = pixels - first < tilePixels ? pixels - first : tilePixels;
+            MergeRow<sampleBytes, channel...>(slots, count, slotBytes,
+                                              planes[channel < named ? channel : named - 1] +
+                                                  first * sampleBytes...);
+            const bool isEnd = first + count == pixels;
+            unsigned char* to = row + first * pixelBytes;
+            for (std::size_t pixel = 0; pixel + isEnd < count; ++pixel)
+                std::memcpy(to + pixel * pixelBytes, slots + pixel * slotBytes, slotBytes);
+            if (isEnd)
+                std::memcpy(to + (count - 1) * pixelBytes, slots + (count - 1) * slotBytes,
+                            pixelBytes);
+        }
+    }
+
+    // Groups of channels, of which the last may overlap the one before.
+    template <int sampleBytes>
+    static void SplitWide(const unsigned char* row, unsigned char* const* planes,
+                          std::size_t pixels, const WidePixels& shape)
+    {
+        for (std::size_t next = 0; next < shape.channels; next += channels) {
+            const std::size_t first = GroupAt(next, shape.channels);
+            SplitRow<sampleBytes, channel...>(row + first * sampleBytes, pixels, shape.pixelBytes,
+                                              planes[first + channel]...);
+        }
+    }
+
+    template <int sampleBytes>
+    static void MergeWide(const unsigned char* const* planes, unsigned char* row,
+                          std::size_t pixels, const WidePixels& shape)
+    {
+        for (std::size_t next = 0; next < shape.channels; next += channels) {
+            const std::size_t first = GroupAt(next, shape.channels);
+            MergeRow<sampleBytes, channel...>(row + first * sampleBytes, pixels, shape.pixelBytes,
+                                              planes[first + channel]...);
+        }
+    }
+
+    static std::size_t GroupAt(std::size_t next, std::size_t all)
+    {
+        return next + channels <= all ? next : all - channels;
     }
 };
 
-// Each copy but the last takes a whole slot: what it takes too much is dropped with the slot.
-template <int sampleBytes, int order>
-void LoadSlots(const unsigned char* row, std::size_t pixelBytes, std::size_t channels,
-               Sample<sampleBytes>* slots)
-{
-    for (int pixel = 0; pixel < tilePixels - 1; ++pixel)
-        std::memcpy(slots + pixel * order, row + static_cast<std::size_t>(pixel) * pixelBytes,
-                    sizeof(*slots) * order);
-    std::memcpy(slots + (tilePixels - 1) * order, row + (tilePixels - 1) * pixelBytes,
-                sizeof(*slots) * channels);
-}
-
-// Ascending: what a slot writes too much belongs to the next pixel.
-template <int sampleBytes, int order>
-void StoreSlots(const Sample<sampleBytes>* slots, std::size_t pixelBytes, std::size_t channels,
-                unsigned char* row)
-{
-    for (int pixel = 0; pixel < tilePixels - 1; ++pixel)
-        std::memcpy(row + static_cast<std::size_t>(pixel) * pixelBytes, slots + pixel * order,
-                    sizeof(*slots) * order);
-    std::memcpy(row + (tilePixels - 1) * pixelBytes, slots + (tilePixels - 1) * order,
-                sizeof(*slots) * channels);
-}
-
-template <int sampleBytes>
-void CopySample(const unsigned char* from, unsigned char* to)
-{
-    std::memcpy(to, from, sampleBytes);
-}
-
-template <int sampleBytes, int channels>
-void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
-{
-    constexpr int order = Order(channels);
-    constexpr std::size_t pixelBytes = channels * sampleBytes;
-    if (pixels < tilePixels) {
-        for (std::size_t pixel = 0; pixel < pixels; ++pixel)
-            for (int channel = 0; channel < channels; ++channel)
-                CopySample<sampleBytes>(row + pixel * pixelBytes + channel * sampleBytes,
-                                        planes[channel] + pixel * sampleBytes);
-        return;
-    }
-    Tile<sampleBytes, order> tile;
-    const std::size_t last = pixels - tilePixels;
-    for (std::size_t pixel = 0; pixel < pixels; pixel += tilePixels) {
-        const std::size_t at = pixel < last ? pixel : last;
-        if constexpr (order == channels)
-            std::memcpy(tile.slots, row + at * pixelBytes, sizeof tile.slots);
-        else
-            LoadSlots<sampleBytes, order>(row + at * pixelBytes, pixelBytes, channels, tile.slots);
-        tile.Split();
-        for (int channel = 0; channel < channels; ++channel)
-            std::memcpy(planes[channel] + at * sampleBytes, tile.samples[channel],
-                        sizeof tile.samples[0]);
-    }
-}
-
-template <int sampleBytes, int channels>
-void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
-{
-    constexpr int order = Order(channels);
-    constexpr std::size_t pixelBytes = channels * sampleBytes;
-    if (pixels < tilePixels) {
-        for (std::size_t pixel = 0; pixel < pixels; ++pixel)
-            for (int channel = 0; channel < channels; ++channel)
-                CopySample<sampleBytes>(planes[channel] + pixel * sampleBytes,
-                                        row + pixel * pixelBytes + channel * sampleBytes);
-        return;
-    }
-    Tile<sampleBytes, order> tile = {};
-    const std::size_t last = pixels - tilePixels;
-    for (std::size_t pixel = 0; pixel < pixels; pixel += tilePixels) {
-        const std::size_t at = pixel < last ? pixel : last;
-        for (int channel = 0; channel < channels; ++channel)
-            std::memcpy(tile.samples[channel], planes[channel] + at * sampleBytes,
-                        sizeof tile.samples[0]);
-        tile.Merge();
-        if constexpr (order == channels)
-            std::memcpy(row + at * pixelBytes, tile.slots, sizeof tile.slots);
-        else
-            StoreSlots<sampleBytes, order>(tile.slots, pixelBytes, channels, row + at * pixelBytes);
-    }
-}
-
-constexpr std::size_t groupChannels = 16;
-
-// Groups of channels, of which the last may overlap the one before.
-template <int sampleBytes>
-void SplitWide(const unsigned char* row, unsigned char* const* planes, std::size_t pixels,
-               const WidePixels& shape)
-{
-    if (pixels < tilePixels) {
-        for (std::size_t pixel = 0; pixel < pixels; ++pixel)
-            for (std::size_t channel = 0; channel < shape.channels; ++channel)
-                CopySample<sampleBytes>(row + pixel * shape.pixelBytes + channel * sampleBytes,
-                                        planes[channel] + pixel * sampleBytes);
-        return;
-    }
-    Tile<sampleBytes, groupChannels> tile;
-    const std::size_t last = pixels - tilePixels;
-    const std::size_t lastGroup = shape.channels - groupChannels;
-    for (std::size_t pixel = 0; pixel < pixels; pixel += tilePixels) {
-        const std::size_t at = pixel < last ? pixel : last;
-        for (std::size_t first = 0; first < shape.channels; first += groupChannels) {
-            const std::size_t group = first < lastGroup ? first : lastGroup;
-            LoadSlots<sampleBytes, groupChannels>(row + at * shape.pixelBytes + group * sampleBytes,
-                                                  shape.pixelBytes, groupChannels, tile.slots);
-            tile.Split();
-            for (std::size_t channel = 0; channel < groupChannels; ++channel)
-                std::memcpy(planes[group + channel] + at * sampleBytes, tile.samples[channel],
-                            sizeof tile.samples[0]);
-        }
-    }
-}
-
-template <int sampleBytes>
-void MergeWide(const unsigned char* const* planes, unsigned char* row, std::size_t pixels,
-               const WidePixels& shape)
-{
-    if (pixels < tilePixels) {
-        for (std::size_t pixel = 0; pixel < pixels; ++pixel)
-            for (std::size_t channel = 0; channel < shape.channels; ++channel)
-                CopySample<sampleBytes>(planes[channel] + pixel * sampleBytes,
-                                        row + pixel * shape.pixelBytes + channel * sampleBytes);
-        return;
-    }
-    Tile<sampleBytes, groupChannels> tile;
-    const std::size_t last = pixels - tilePixels;
-    const std::size_t lastGroup = shape.channels - groupChannels;
-    for (std::size_t pixel = 0; pixel < pixels; pixel += tilePixels) {
-        const std::size_t at = pixel < last ? pixel : last;
-        for (std::size_t first = 0; first < shape.channels; first += groupChannels) {
-            const std::size_t group = first < lastGroup ? first : lastGroup;
-            for (std::size_t channel = 0; channel < groupChannels; ++channel)
-                std::memcpy(tile.samples[channel], planes[group + channel] + at * sampleBytes,
-                            sizeof tile.samples[0]);
-            tile.Merge();
-            StoreSlots<sampleBytes, groupChannels>(tile.slots, shape.pixelBytes, groupChannels,
-                                                   row + at * shape.pixelBytes +
-                                                       group * sampleBytes);
-        }
-    }
-}
+using GroupLoops = LoopsOf<8>;
 
 template <int... index>
 constexpr SplitMergeKernels MakeKernels(std::integer_sequence<int, index...>)
 {
-    return {.split = {{{nullptr, nullptr, Split<1, index + 2>...},
-                       {nullptr, nullptr, Split<2, index + 2>...}}},
-            .merge = {{{nullptr, nullptr, Merge<1, index + 2>...},
-                       {nullptr, nullptr, Merge<2, index + 2>...}}},
-            .wideSplit = {SplitWide<1>, SplitWide<2>},
-            .wideMerge = {MergeWide<1>, MergeWide<2>}};
+    return {.split = {{{nullptr, nullptr, LoopsOf<index + 2>::template Split<1>...},
+                       {nullptr, nullptr, LoopsOf<index + 2>::template Split<2>...}}},
+            .merge = {{{nullptr, nullptr, LoopsOf<index + 2>::template Merge<1>...},
+                       {nullptr, nullptr, LoopsOf<index + 2>::template Merge<2>...}}},
+            .wideSplit = {GroupLoops::SplitWide<1>, GroupLoops::SplitWide<2>},
+            .wideMerge = {GroupLoops::MergeWide<1>, GroupLoops::MergeWide<2>}};
 }
 
 constexpr SplitMergeKernels kernels = MakeKernels(std::make_integer_sequence<int, 15>());
