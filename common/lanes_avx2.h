@@ -171,5 +171,21 @@ void StoreHalves(unsigned char* bytes, std::ptrdiff_t step, Lanes v)
     _mm_storeh_pd(reinterpret_cast<double*>(bytes + step), _mm_castsi128_pd(unit));
 }
 
+// 4 bytes each: those of a at the first two places, then those of b.
+template <int first, int second, int third, int fourth>
+Lanes PickFours(Lanes a, Lanes b)
+{
+    constexpr int places = first | second << 2 | third << 4 | fourth << 6;
+    return _mm256_castps_si256(
+        _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), places));
+}
+
+// One lane of a, then one of b.
+template <int first, int second>
+Lanes JoinLanes(Lanes a, Lanes b)
+{
+    return _mm256_permute2x128_si256(a, b, first | (second + 2) << 4);
+}
+
 } // namespace
 } // namespace zvk::Pelkraft

@@ -184,5 +184,14 @@ void StoreHalves(unsigned char* bytes, std::ptrdiff_t step, Lanes v)
     _mm_storeh_pd(reinterpret_cast<double*>(bytes + step), _mm_castsi128_pd(unit));
 }
 
+// 4 bytes each: those of a at the first two places, then those of b.
+template <int first, int second, int third, int fourth>
+Lanes PickFours(Lanes a, Lanes b)
+{
+    constexpr int places = first | second << 2 | third << 4 | fourth << 6;
+    return _mm512_castps_si512(
+        _mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), places));
+}
+
 } // namespace
 } // namespace zvk::Pelkraft

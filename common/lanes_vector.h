@@ -165,5 +165,13 @@ void StoreHalves(unsigned char* bytes, std::ptrdiff_t step, Lanes v)
     _mm_storeh_pd(reinterpret_cast<double*>(bytes + step), _mm_castsi128_pd(unit));
 }
 
+// 4 bytes each: those of a at the first two places, then those of b.
+template <int first, int second, int third, int fourth>
+Lanes PickFours(Lanes a, Lanes b)
+{
+    constexpr int places = first | second << 2 | third << 4 | fourth << 6;
+    return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), places));
+}
+
 } // namespace
 } // namespace zvk::Pelkraft

@@ -12,6 +12,18 @@ const SplitMergeKernels& NarrowerKernels()
     return VectorRoad::GetSplitMergeKernels();
 }
 
+// In whole vectors: the runs are parts first to last of lane 0, then those of lane 1.
+template <int count>
+[[gnu::always_inline]] inline void StoreRuns(unsigned char* block, const Lanes* v)
+{
+    Unroll<count>([&](auto i) __attribute__((always_inline)) {
+        constexpr int first = 2 * i, second = first + 1;
+        constexpr int firstLane = first / count, secondLane = second / count;
+        const Lanes joined = JoinLanes<firstLane, secondLane>(v[first % count], v[second % count]);
+        Store(block + 32 * i, joined);
+    });
+}
+
 template <int... index>
 constexpr SplitMergeKernels MakeKernels(std::integer_sequence<int, index...>)
 {

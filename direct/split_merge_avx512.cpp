@@ -1,5 +1,6 @@
 #include "common/lanes_avx512.h"
 #include "common/unroll_vector.h"
+#include "direct/colliding_planes.h"
 #include "direct/split_merge_table.h"
 
 #include <cstdint>
@@ -246,7 +247,7 @@ constexpr bool IsProgrammed(int channels)
 }
 
 template <int sampleBytes, int channels>
-void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
+void SplitDense(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
     constexpr int blockPixels = vectorBytes / sampleBytes;
     if (pixels < blockPixels)
@@ -300,6 +301,14 @@ void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t p
                 MergeBlock<sampleBytes, channels>(from, at, block);
             }
         });
+}
+
+template <int sampleBytes, int channels>
+void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
+{
+    if (PlanesCollide(planes, channels, pixels * sampleBytes))
+        return SplitAt(Narrower(), sampleBytes, channels)(row, planes, pixels);
+    SplitDense<sampleBytes, channels>(row, planes, pixels);
 }
 
 // Groups of 16 bytes a pixel gain nothing from wider vectors.

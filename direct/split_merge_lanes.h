@@ -4,7 +4,8 @@
 #include "direct/transpose_lanes.h"
 
 // The dense kernels, over one of the vocabularies common/lanes_*.h, which is included before. The
-// file that includes this one names the kernels of short rows in NarrowerKernels().
+// file that includes this one defines NarrowerKernels(), for rows shorter than a block, and
+// StoreRuns().
 // Only for files built with vector flags: all of it has internal linkage on purpose.
 //
 // Each 16-byte lane works on a block of 16 / sampleBytes pixels of its own. The block is cut into
@@ -16,6 +17,10 @@ namespace zvk::Pelkraft {
 namespace {
 
 const SplitMergeKernels& NarrowerKernels();
+
+// Each lane's part of the vectors in turn is one run of bytes; the runs lie one after the other.
+template <int count>
+void StoreRuns(unsigned char* block, const Lanes* v);
 
 constexpr unsigned char noByte = 0x80;
 
@@ -161,6 +166,50 @@ template <int sampleBytes, int channels>
 }
 
 template <int sampleBytes, int channels>
+[[gnu::always_inline]] inline void MergePieces(const unsigned char* const* from, std::size_t at,
+                                               unsigned char* block)
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    Lanes v[Piece::order];
+    Unroll<channels>([&](auto channel)
+                         __attribute__((always_inline)) { v[channel] = Load(from[channel] + at); });
+    Interleave<Piece::order, sampleBytes, channels>(v);
+    StorePieces<sampleBytes, channels>(block, v);
+}
+
+// Three vectors of the first, middle and last third of each pixel, 4 bytes each, to three in turn:
+//   a0 b0 c0 a1   b1 c1 a2 b2   c2 a3 b3 c3
+[[gnu::always_inline]] inline void InterleaveThirds(Lanes a, Lanes b, Lanes c, Lanes* v)
+{
+    const Lanes a0b0a1b1 = UnpackLow<4>(a, b);
+    const Lanes b0c0b1c1 = UnpackLow<4>(b, c);
+    const Lanes a2b2a3b3 = UnpackHigh<4>(a, b);
+    const Lanes b2c2b3c3 = UnpackHigh<4>(b, c);
+    v[0] = PickFours<0, 1, 0, 2>(a0b0a1b1, PickFours<0, 0, 1, 1>(c, a));
+    v[1] = PickFours<2, 3, 0, 1>(b0c0b1c1, a2b2a3b3);
+    v[2] = PickFours<0, 2, 2, 3>(PickFours<2, 2, 3, 3>(c, a), b2c2b3c3);
+}
+
+// 12 channels of one byte: three groups of 4 need no more shuffles than one of 16, and give whole
+// vectors to store, 3 where pieces take 4.
+[[gnu::always_inline]] inline void MergeThirds(const unsigned char* const* from, std::size_t pixel,
+                                               unsigned char* block)
+{
+    Lanes group[3][4];
+    Unroll<3>([&](auto third) __attribute__((always_inline)) {
+        Unroll<4>([&](auto i) __attribute__((always_inline)) {
+            group[third][i] = Load(from[4 * third + i] + pixel);
+        });
+        Interleave<4, 1, 4>(group[third]);
+    });
+    Lanes v[12];
+    Unroll<4>([&](auto i) __attribute__((always_inline)) {
+        InterleaveThirds(group[0][i], group[1][i], group[2][i], v + 3 * i);
+    });
+    StoreRuns<12>(block, v);
+}
+
+template <int sampleBytes, int channels>
 void MergeDense(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
 {
     using Piece = Pieces<sampleBytes, channels>;
@@ -173,12 +222,11 @@ void MergeDense(const unsigned char* const* planes, unsigned char* row, std::siz
         from[channel] = planes[channel];
     ForBlocks<blockPixels>(
         pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
-            Lanes v[Piece::order];
-            Unroll<channels>([&](auto channel) __attribute__((always_inline)) {
-                v[channel] = Load(from[channel] + pixel * sampleBytes);
-            });
-            Interleave<Piece::order, sampleBytes, channels>(v);
-            StorePieces<sampleBytes, channels>(row + pixel * channels * sampleBytes, v);
+            unsigned char* block = row + pixel * channels * sampleBytes;
+            if constexpr (channels == 12 && sampleBytes == 1)
+                MergeThirds(from, pixel, block);
+            else
+                MergePieces<sampleBytes, channels>(from, pixel * sampleBytes, block);
         });
 }
 

@@ -12,6 +12,12 @@ const SplitMergeKernels& NarrowerKernels()
     return PortableRoad::GetSplitMergeKernels();
 }
 
+template <int count>
+[[gnu::always_inline]] inline void StoreRuns(unsigned char* block, const Lanes* v)
+{
+    Unroll<count>([&](auto i) __attribute__((always_inline)) { Store(block + 16 * i, v[i]); });
+}
+
 template <int... index>
 constexpr SplitMergeKernels MakeKernels(std::integer_sequence<int, index...>)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "direct/colliding_planes.h"
 #include "direct/split_merge_lanes.h"
 
 // The kernels that take the channels of a pixel in groups of 16 or 8 bytes, over the same
@@ -10,24 +11,6 @@ namespace {
 
 // Of groups in turn: the part of a row that stays in the first-level cache meanwhile.
 constexpr std::size_t piecePixels = 256;
-
-// A cache puts lines of addresses so far apart into one set, which holds a few of them.
-constexpr std::size_t setBytes = 4096;
-constexpr std::size_t lineBytes = 64;
-constexpr std::size_t setWays = 8;
-
-// True where so many planes share a set that walking along all of them at once would throw each
-// line out of the cache before its next bytes are due.
-inline bool PlanesCollide(const unsigned char* const* planes, std::size_t channels)
-{
-    const auto first = reinterpret_cast<std::size_t>(planes[0]);
-    std::size_t sameSet = 0;
-    for (std::size_t channel = 0; channel < channels; ++channel) {
-        const auto distance = reinterpret_cast<std::size_t>(planes[channel]) - first + lineBytes;
-        sameSet += distance % setBytes < 2 * lineBytes ? 1 : 0;
-    }
-    return sameSet > setWays;
-}
 
 // A group of so many bytes a pixel: `pixels` of them stand in a lane of each vector.
 template <int sampleBytes, int groupBytes>
@@ -171,13 +154,15 @@ void MergeGroups(const unsigned char* const* planes, unsigned char* row, std::si
         });
 }
 
+// Groups of two bytes a sample are small enough as they are.
 template <int sampleBytes>
 void SplitWide(const unsigned char* row, unsigned char* const* planes, std::size_t pixels,
                const WidePixels& shape)
 {
     if (pixels < 16 / sampleBytes * laneCount)
         return WideSplitAt(NarrowerKernels(), sampleBytes)(row, planes, pixels, shape);
-    SplitGroups<sampleBytes>(row, planes, pixels, shape, PlanesCollide(planes, shape.channels));
+    const bool inHalves = sampleBytes == 1 && PlanesCollide(planes, shape.channels, pixels);
+    SplitGroups<sampleBytes>(row, planes, pixels, shape, inHalves);
 }
 
 template <int sampleBytes>
@@ -186,11 +171,9 @@ void MergeWide(const unsigned char* const* planes, unsigned char* row, std::size
 {
     if (pixels < 16 / sampleBytes * laneCount)
         return WideMergeAt(NarrowerKernels(), sampleBytes)(planes, row, pixels, shape);
-    MergeGroups<sampleBytes>(planes, row, pixels, shape, PlanesCollide(planes, shape.channels));
+    const bool inHalves = sampleBytes == 1 && PlanesCollide(planes, shape.channels, pixels);
+    MergeGroups<sampleBytes>(planes, row, pixels, shape, inHalves);
 }
-
-// Rows this short fit the cache however the planes lie.
-constexpr std::size_t shortRowBytes = 256;
 
 template <int sampleBytes, int channels>
 void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
@@ -201,9 +184,8 @@ void Split(const unsigned char* row, unsigned char* const* planes, std::size_t p
             return SplitAt(NarrowerKernels(), sampleBytes, channels)(row, planes, pixels);
         return SplitGroups<sampleBytes>(row, planes, pixels, shape, false);
     } else {
-        if constexpr (channels > setWays)
-            if (pixels > shortRowBytes && PlanesCollide(planes, channels))
-                return SplitGroups<sampleBytes>(row, planes, pixels, shape, true);
+        if (PlanesCollide(planes, channels, pixels))
+            return SplitGroups<sampleBytes>(row, planes, pixels, shape, true);
         SplitDense<sampleBytes, channels>(row, planes, pixels);
     }
 }
@@ -217,9 +199,8 @@ void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t p
             return MergeAt(NarrowerKernels(), sampleBytes, channels)(planes, row, pixels);
         return MergeGroups<sampleBytes>(planes, row, pixels, shape, false);
     } else {
-        if constexpr (channels > setWays)
-            if (pixels > shortRowBytes && PlanesCollide(planes, channels))
-                return MergeGroups<sampleBytes>(planes, row, pixels, shape, true);
+        if (PlanesCollide(planes, channels, pixels))
+            return MergeGroups<sampleBytes>(planes, row, pixels, shape, true);
         MergeDense<sampleBytes, channels>(planes, row, pixels);
     }
 }
