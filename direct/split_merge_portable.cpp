@@ -66,7 +66,9 @@ struct Loops<std::integer_sequence<int, channel...>>
     static void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
     {
         constexpr int order = Order(channels);
-        if constexpr (order != channels)
+        // Of a short row the padding costs more than it gains.
+        constexpr std::size_t padPixels = 32;
+        if (order != channels && pixels >= padPixels)
             LoopsOf<order>::template MergePadded<sampleBytes, channels>(planes, row, pixels);
         else
             MergeRow<sampleBytes, channel...>(row, pixels, channels * sampleBytes,

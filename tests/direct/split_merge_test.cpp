@@ -166,7 +166,7 @@ void CheckEveryLevel(const Job& job)
 std::set<std::size_t> Widths()
 {
     std::set<std::size_t> widths = {0, 1, 2, 3, 5, 90, 100, 150, 200, 319, 337, 1000};
-    for (const std::size_t block : {4, 8, 16, 32, 64, 96, 128, 256, 288})
+    for (const std::size_t block : {4U, 8U, 16U, 32U, 64U, 96U, 128U, 256U, 288U})
         widths.insert({block - 1, block, block + 1});
     return widths;
 }
@@ -218,7 +218,7 @@ class WideSplitMerge : public testing::TestWithParam<Shape>
 TEST_P(WideSplitMerge, MovesEachNamedSampleAndNoOtherByte)
 {
     const auto [sampleBytes, channels] = GetParam();
-    for (const std::size_t further : {0, 1, 7, 40})
+    for (const std::size_t further : {0U, 1U, 7U, 40U})
         CheckWidths({.sampleBytes = sampleBytes,
                      .channels = channels,
                      .pixelBytes = sampleBytes * (channels + further),
