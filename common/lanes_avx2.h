@@ -3,6 +3,7 @@
 #include <immintrin.h>
 
 #include <cstddef>
+#include <cstdint>
 
 // The lane operations on 32-byte vectors, for AVX2.
 // Only for files built with these vector flags: all of it has internal linkage on purpose, so that
@@ -185,6 +186,66 @@ template <int first, int second>
 Lanes JoinLanes(Lanes a, Lanes b)
 {
     return _mm256_permute2x128_si256(a, b, first | (second + 2) << 4);
+}
+
+inline Lanes Min8(Lanes a, Lanes b)
+{
+    return _mm256_min_epu8(a, b);
+}
+
+// Bytes of a times those of b, neighbours added to a word. Only b is signed.
+inline Lanes MultiplyAdd8(Lanes a, Lanes b)
+{
+    return _mm256_maddubs_epi16(a, b);
+}
+
+inline Lanes ShiftLeft16By(Lanes v, int bits)
+{
+    return _mm256_sll_epi16(v, _mm_cvtsi32_si128(bits));
+}
+
+inline Lanes ShiftRight16By(Lanes v, int bits)
+{
+    return _mm256_srl_epi16(v, _mm_cvtsi32_si128(bits));
+}
+
+// Unit u goes to lane u % laneCount, place u / laneCount.
+template <int unitBytes>
+Lanes Deal(Lanes v)
+{
+    if constexpr (unitBytes == 4)
+        return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7));
+    else
+        return _mm256_permute4x64_epi64(v, 0xd8);
+}
+
+// The way back from Deal.
+template <int unitBytes>
+Lanes Gather(Lanes v)
+{
+    if constexpr (unitBytes == 4)
+        return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+    else
+        return _mm256_permute4x64_epi64(v, 0xd8);
+}
+
+using LaneMask = std::uint32_t;
+
+// The top bits of the bytes, the first byte's lowest.
+inline LaneMask TopBits(Lanes v)
+{
+    return static_cast<LaneMask>(_mm256_movemask_epi8(v));
+}
+
+inline Lanes Set32(int v)
+{
+    return _mm256_set1_epi32(v);
+}
+
+// The last lane first.
+inline Lanes TurnLanes(Lanes v)
+{
+    return _mm256_permute2x128_si256(v, v, 1);
 }
 
 } // namespace

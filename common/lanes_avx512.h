@@ -12,6 +12,7 @@
 #endif
 
 #include <cstddef>
+#include <cstdint>
 
 // The lane operations on 64-byte vectors, for AVX-512 with F, BW, VL and VBMI.
 // Only for files built with these vector flags: all of it has internal linkage on purpose, so that
@@ -20,6 +21,13 @@ namespace zvk::Pelkraft {
 namespace {
 
 using Lanes = __m512i;
+
+// All of a vector's units. The operations that take a mask stand where those without one make GCC
+// 12 warn of the undefined operand inside its own header; the code is the same.
+constexpr __mmask8 all8 = 0xff;
+constexpr __mmask16 all16 = 0xffff;
+constexpr __mmask64 all64 = ~__mmask64{0};
+
 // A lane has 16 bytes; shuffles, unpacks and packs work inside lanes.
 constexpr int laneCount = 4;
 
@@ -45,7 +53,7 @@ inline Lanes LoadSpread(const unsigned char* bytes, std::ptrdiff_t step)
 // The same 16 bytes in every lane.
 inline Lanes Broadcast(const unsigned char* bytes)
 {
-    return _mm512_broadcast_i32x4(LoadUnit(bytes));
+    return _mm512_maskz_broadcast_i32x4(all16, LoadUnit(bytes));
 }
 
 inline void Store(unsigned char* bytes, Lanes v)
@@ -56,7 +64,7 @@ inline void Store(unsigned char* bytes, Lanes v)
 template <int lane>
 __m128i GetLane(Lanes v)
 {
-    return _mm512_extracti32x4_epi32(v, lane);
+    return _mm512_maskz_extracti32x4_epi32(all8, v, lane);
 }
 
 template <int lane>
@@ -191,6 +199,67 @@ Lanes PickFours(Lanes a, Lanes b)
     constexpr int places = first | second << 2 | third << 4 | fourth << 6;
     return _mm512_castps_si512(
         _mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), places));
+}
+
+inline Lanes Min8(Lanes a, Lanes b)
+{
+    return _mm512_min_epu8(a, b);
+}
+
+// Bytes of a times those of b, neighbours added to a word. Only b is signed.
+inline Lanes MultiplyAdd8(Lanes a, Lanes b)
+{
+    return _mm512_maddubs_epi16(a, b);
+}
+
+inline Lanes ShiftLeft16By(Lanes v, int bits)
+{
+    return _mm512_sll_epi16(v, _mm_cvtsi32_si128(bits));
+}
+
+inline Lanes ShiftRight16By(Lanes v, int bits)
+{
+    return _mm512_srl_epi16(v, _mm_cvtsi32_si128(bits));
+}
+
+// Unit u goes to lane u % laneCount, place u / laneCount.
+template <int unitBytes>
+Lanes Deal(Lanes v)
+{
+    if constexpr (unitBytes == 4)
+        return _mm512_maskz_permutexvar_epi32(
+            all16, _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15), v);
+    else
+        return _mm512_maskz_permutexvar_epi64(all8, _mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), v);
+}
+
+// The way back from Deal.
+template <int unitBytes>
+Lanes Gather(Lanes v)
+{
+    if constexpr (unitBytes == 4)
+        return Deal<4>(v);
+    else
+        return _mm512_maskz_permutexvar_epi64(all8, _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), v);
+}
+
+using LaneMask = std::uint64_t;
+
+// The top bits of the bytes, the first byte's lowest.
+inline LaneMask TopBits(Lanes v)
+{
+    return _mm512_movepi8_mask(v);
+}
+
+inline Lanes Set32(int v)
+{
+    return _mm512_set1_epi32(v);
+}
+
+// The last lane first.
+inline Lanes TurnLanes(Lanes v)
+{
+    return _mm512_maskz_shuffle_i64x2(all8, v, v, 0x1b);
 }
 
 } // namespace

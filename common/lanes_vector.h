@@ -3,6 +3,7 @@
 #include <tmmintrin.h>
 
 #include <cstddef>
+#include <cstdint>
 
 // The lane operations on 16-byte vectors, for SSSE3.
 // Only for files built with these vector flags: all of it has internal linkage on purpose, so that
@@ -171,6 +172,60 @@ Lanes PickFours(Lanes a, Lanes b)
 {
     constexpr int places = first | second << 2 | third << 4 | fourth << 6;
     return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), places));
+}
+
+inline Lanes Min8(Lanes a, Lanes b)
+{
+    return _mm_min_epu8(a, b);
+}
+
+// Bytes of a times those of b, neighbours added to a word. Only b is signed.
+inline Lanes MultiplyAdd8(Lanes a, Lanes b)
+{
+    return _mm_maddubs_epi16(a, b);
+}
+
+inline Lanes ShiftLeft16By(Lanes v, int bits)
+{
+    return _mm_sll_epi16(v, _mm_cvtsi32_si128(bits));
+}
+
+inline Lanes ShiftRight16By(Lanes v, int bits)
+{
+    return _mm_srl_epi16(v, _mm_cvtsi32_si128(bits));
+}
+
+// Unit u goes to lane u % laneCount, place u / laneCount.
+template <int unitBytes>
+Lanes Deal(Lanes v)
+{
+    return v;
+}
+
+// The way back from Deal.
+template <int unitBytes>
+Lanes Gather(Lanes v)
+{
+    return v;
+}
+
+using LaneMask = std::uint16_t;
+
+// The top bits of the bytes, the first byte's lowest.
+inline LaneMask TopBits(Lanes v)
+{
+    return static_cast<LaneMask>(_mm_movemask_epi8(v));
+}
+
+inline Lanes Set32(int v)
+{
+    return _mm_set1_epi32(v);
+}
+
+// The last lane first.
+inline Lanes TurnLanes(Lanes v)
+{
+    return v;
 }
 
 } // namespace

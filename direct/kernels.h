@@ -50,8 +50,16 @@ using SampleKernel = void (*)(const unsigned char* source, unsigned char* destin
 using BitMirrorKernel = void (*)(const unsigned char* plane, std::size_t end,
                                  unsigned char* destination, std::size_t samples);
 
+// Interleaved pixels of 8-bit samples to one packed plane for each channel. No plane is named
+// twice.
+using PackSplitKernel = void (*)(const unsigned char* row, unsigned char* const* planes,
+                                 std::size_t pixels);
+
+constexpr std::size_t maxPackSplitChannels = 4;
+
 // The packed ones are indexed by the depth less 1. What packs sets the unused low bits of the
-// last byte to 0.
+// last byte to 0. The arrays are plain ones because vector files read them, where the operator of
+// std::array would be a weak symbol.
 struct SampleKernels
 {
     // y = x * 257.
@@ -59,10 +67,16 @@ struct SampleKernels
     // y = ((x * 65281 >> 16) + 127) >> 8.
     SampleKernel narrow;
     // The lowest bits of each byte.
-    std::array<SampleKernel, 2> pack;
+    SampleKernel pack[2];
     // Levels: 0 and 1, or 0 to 3.
-    std::array<SampleKernel, 2> unpack;
-    std::array<BitMirrorKernel, 2> mirror;
+    SampleKernel unpack[2];
+    BitMirrorKernel mirror[2];
+    // 16-bit samples narrowed, then packed.
+    SampleKernel narrowPack[2];
+    // Unpacked, then widened to 16 bits.
+    SampleKernel unpackWiden[2];
+    // Indexed then by the channel count, from 2 on; the places 0 and 1 are null.
+    PackSplitKernel packSplit[2][maxPackSplitChannels + 1];
 };
 
 // Whole pixels moved, each of them mapped, repeated and mirrored in one go.

@@ -1,0 +1,148 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+// Packed samples in words of 64 bits. All of it has internal linkage on purpose: files built with
+// vector flags include it too.
+namespace zvk::Pelkraft {
+namespace {
+
+inline std::uint64_t SwapBytes(std::uint64_t v)
+{
+    v = (v >> 8 & 0x00ff00ff00ff00ffu) | (v & 0x00ff00ff00ff00ffu) << 8;
+    v = (v >> 16 & 0x0000ffff0000ffffu) | (v & 0x0000ffff0000ffffu) << 16;
+    return v >> 32 | v << 32;
+}
+
+// The first byte lowest.
+inline std::uint64_t LoadLittle(const unsigned char* bytes)
+{
+    std::uint64_t v;
+    std::memcpy(&v, bytes, sizeof v);
+    return std::endian::native == std::endian::little ? v : SwapBytes(v);
+}
+
+inline void StoreLittle(unsigned char* bytes, std::uint64_t v)
+{
+    if (std::endian::native != std::endian::little)
+        v = SwapBytes(v);
+    std::memcpy(bytes, &v, sizeof v);
+}
+
+// At most 8 bytes, zeros after them.
+inline std::uint64_t LoadFewLittle(const unsigned char* bytes, std::size_t count)
+{
+    std::uint64_t v = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        v |= std::uint64_t{bytes[i]} << (8 * i);
+    return v;
+}
+
+inline void StoreFewLittle(unsigned char* bytes, std::size_t count, std::uint64_t v)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        bytes[i] = static_cast<unsigned char>(v >> (8 * i));
+}
+
+// Eight samples, the first one in the lowest byte, to `depth` bytes, the first one lowest.
+template <int depth>
+std::uint64_t PackWord(std::uint64_t samples)
+{
+    if constexpr (depth == 1) {
+        // The product moves bit 0 of byte k to bit 63 - k; no two of its terms share a bit.
+        return (samples & 0x0101010101010101u) * 0x8040201008040201u >> 56;
+    } else {
+        // It moves sample k of each half to bits 30 - 2k of that half; again none share a bit.
+        const std::uint64_t v = (samples & 0x0303030303030303u) * 0x40100401u;
+        return (v >> 24 & 0xff) | (v >> 48 & 0xff00);
+    }
+}
+
+// The way back from PackWord.
+template <int depth>
+std::uint64_t UnpackWord(std::uint64_t packed)
+{
+    if constexpr (depth == 1) {
+        const std::uint64_t bits = packed * 0x0101010101010101u & 0x0102040810204080u;
+        return (bits + 0x7f7f7f7f7f7f7f7fu) >> 7 & 0x0101010101010101u;
+    } else {
+        const std::uint64_t bytes = (packed & 0xff) | (packed & 0xff00) << 24;
+        const std::uint64_t pairs =
+            (bytes >> 4 & 0x0000000f0000000fu) | (bytes & 0x0000000f0000000fu) << 16;
+        return (pairs >> 2 & 0x0003000300030003u) | (pairs & 0x0003000300030003u) << 8;
+    }
+}
+
+// The order of the samples inside each byte turned round.
+template <int depth>
+std::uint64_t TurnBytes(std::uint64_t v)
+{
+    if constexpr (depth == 1)
+        v = (v >> 1 & 0x5555555555555555u) | (v & 0x5555555555555555u) << 1;
+    v = (v >> 2 & 0x3333333333333333u) | (v & 0x3333333333333333u) << 2;
+    return (v >> 4 & 0x0f0f0f0f0f0f0f0fu) | (v & 0x0f0f0f0f0f0f0f0fu) << 4;
+}
+
+// Where the bits that a mirror takes lie in the plane.
+struct MirroredBits
+{
+    const unsigned char* plane;
+    std::size_t end;
+    std::size_t count;
+};
+
+// The 64 bits from bit `start` on, the first one highest.
+inline std::uint64_t LoadBits(const unsigned char* plane, std::size_t start)
+{
+    const unsigned char* from = plane + start / 8;
+    const std::uint64_t v = SwapBytes(LoadLittle(from));
+    const unsigned shift = start % 8;
+    // The ninth byte is read only where some of these bits lie in it.
+    return shift == 0 ? v : v << shift | from[8] >> (8 - shift);
+}
+
+// The same for fewer than 64 bits, at least 1, zeros after them.
+inline std::uint64_t LoadFewBits(const unsigned char* plane, std::size_t start, std::size_t count)
+{
+    const unsigned char* from = plane + start / 8;
+    const unsigned shift = start % 8;
+    const std::size_t bytes = (shift + count + 7) / 8;
+    std::uint64_t v = SwapBytes(LoadFewLittle(from, bytes < 8 ? bytes : 8)) << shift;
+    if (bytes > 8)
+        v |= from[8] >> (8 - shift);
+    return v >> (64 - count) << (64 - count);
+}
+
+// The last 8 bytes of a mirrored plane of at least 64 bits.
+template <int depth>
+void MirrorLastBits(const MirroredBits& bits, unsigned char* destination)
+{
+    const std::size_t bytes = (bits.count + 7) / 8;
+    const std::uint64_t v = LoadBits(bits.plane, bits.end - bits.count);
+    StoreLittle(destination + bytes - 8, TurnBytes<depth>(v >> (8 * bytes - bits.count)));
+}
+
+template <int depth>
+void MirrorWords(const MirroredBits& bits, unsigned char* destination)
+{
+    if (bits.count == 0)
+        return;
+    if (bits.count < 64) {
+        const auto v = LoadFewBits(bits.plane, bits.end - bits.count, bits.count);
+        const auto turned = TurnBytes<depth>(v >> (64 - bits.count));
+        StoreFewLittle(destination, (bits.count + 7) / 8, turned);
+        return;
+    }
+    std::size_t done = 0;
+    for (; done + 64 <= bits.count; done += 64)
+        StoreLittle(destination + done / 8,
+                    TurnBytes<depth>(LoadBits(bits.plane, bits.end - done - 64)));
+    if (done < bits.count)
+        MirrorLastBits<depth>(bits, destination);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft

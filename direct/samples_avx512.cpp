@@ -1,0 +1,190 @@
+#include "common/lanes_avx512.h"
+
+#include "direct/kernels.h"
+#include "direct/samples_lanes.h"
+
+namespace zvk::Pelkraft {
+namespace {
+
+struct alignas(64) VectorBytes
+{
+    unsigned char bytes[64];
+};
+
+// The byte table of 7 bits: the top bit of the index comes from elsewhere.
+template <int depth>
+struct Turned
+{
+    VectorBytes low;
+    VectorBytes high;
+};
+
+template <int depth>
+constexpr Turned<depth> MakeTurned()
+{
+    Turned<depth> turned{};
+    for (int v = 0; v < 128; ++v) {
+        int sum = 0;
+        for (int bit = 0; bit < 8; ++bit)
+            if ((v >> bit & 1) != 0)
+                sum |= 1 << (depth == 1 ? 7 - bit : (6 - bit / 2 * 2) + bit % 2);
+        (v < 64 ? turned.low : turned.high).bytes[v % 64] = static_cast<unsigned char>(sum);
+    }
+    return turned;
+}
+
+constexpr VectorBytes MakeBackwards()
+{
+    VectorBytes order{};
+    for (int i = 0; i < 64; ++i)
+        order.bytes[i] = static_cast<unsigned char>(63 - i);
+    return order;
+}
+
+template <int depth>
+constexpr Turned<depth> turned = MakeTurned<depth>();
+constexpr VectorBytes backwards = MakeBackwards();
+
+// A lookup takes 7 bits of each byte; the top bit of a byte follows by a shift.
+template <int depth>
+Lanes TurnVector(Lanes v)
+{
+    const Lanes bytes = _mm512_maskz_permutexvar_epi8(all64, Load(backwards.bytes), v);
+    const Lanes most = _mm512_permutex2var_epi8(Load(turned<depth>.low.bytes), bytes,
+                                                Load(turned<depth>.high.bytes));
+    return Or(most, And(ShiftRight16<8 - depth>(bytes), Set8(depth)));
+}
+
+// The place of the first bit of each sample among 64 packed bits.
+template <int depth>
+constexpr VectorBytes MakeBitPlaces()
+{
+    VectorBytes places{};
+    for (int i = 0; i < 64; ++i) {
+        const int first = i * depth % 64;
+        places.bytes[i] = static_cast<unsigned char>(first / 8 * 8 + 8 - depth - first % 8);
+    }
+    return places;
+}
+
+template <int depth>
+constexpr VectorBytes bitPlaces = MakeBitPlaces<depth>();
+
+// 8 * depth bytes, so that each 8 bytes of the vector have the word with their samples.
+template <int depth>
+Lanes LoadPackedWords(const unsigned char* source)
+{
+    if constexpr (depth == 1) {
+        long long word;
+        std::memcpy(&word, source, sizeof word);
+        return _mm512_set1_epi64(word);
+    } else {
+        const Lanes words = _mm512_castsi128_si512(LoadUnit(source));
+        return _mm512_maskz_permutexvar_epi64(all8, _mm512_setr_epi64(0, 0, 0, 0, 1, 1, 1, 1),
+                                              words);
+    }
+}
+
+template <int depth>
+constexpr std::size_t unpackBlock = 64;
+
+template <int depth, int sampleBytes>
+void UnpackBlock(const unsigned char* source, unsigned char* destination)
+{
+    const Lanes spread = _mm512_maskz_multishift_epi64_epi8(all64, Load(bitPlaces<depth>.bytes),
+                                                            LoadPackedWords<depth>(source));
+    StoreSamples<sampleBytes>(destination, And(spread, Set8((1 << depth) - 1)));
+}
+
+// Channel c of pixel k of 16 pixels at 16 * c + k.
+template <int channels, bool turned>
+constexpr VectorBytes MakeSortMask()
+{
+    constexpr int pixels = 64 / (channels == 2 ? 2 : 4);
+    VectorBytes mask{};
+    for (int i = 0; i < 64; ++i) {
+        const int pixel = turned ? i % pixels ^ 7 : i % pixels;
+        mask.bytes[i] = static_cast<unsigned char>(pixel * channels + i / pixels);
+    }
+    return mask;
+}
+
+template <int channelCount, bool turned>
+struct VectorSplitter
+{
+    static constexpr int channels = channelCount;
+
+    static void Split(const unsigned char* row, Lanes* samples)
+    {
+        static constexpr VectorBytes sort = MakeSortMask<channels, turned>();
+        const Lanes order = Load(sort.bytes);
+        Lanes v[4];
+        for (int i = 0; i < 4; ++i)
+            v[i] = _mm512_maskz_permutexvar_epi8(all64, order, LoadPixels(row + 16 * channels * i));
+        const Lanes low01 = _mm512_maskz_shuffle_i32x4(all16, v[0], v[1], 0x44);
+        const Lanes low23 = _mm512_maskz_shuffle_i32x4(all16, v[2], v[3], 0x44);
+        const Lanes high01 = _mm512_maskz_shuffle_i32x4(all16, v[0], v[1], 0xee);
+        const Lanes high23 = _mm512_maskz_shuffle_i32x4(all16, v[2], v[3], 0xee);
+        samples[0] = _mm512_maskz_shuffle_i32x4(all16, low01, low23, 0x88);
+        samples[1] = _mm512_maskz_shuffle_i32x4(all16, low01, low23, 0xdd);
+        samples[2] = _mm512_maskz_shuffle_i32x4(all16, high01, high23, 0x88);
+        if constexpr (channels == 4)
+            samples[3] = _mm512_maskz_shuffle_i32x4(all16, high01, high23, 0xdd);
+    }
+
+    // Sixteen pixels and no byte after them.
+    static Lanes LoadPixels(const unsigned char* row)
+    {
+        constexpr __mmask64 bytes = ~std::uint64_t{0} >> (64 - 16 * channels);
+        return channels == 4 ? Load(row) : _mm512_maskz_loadu_epi8(bytes, row);
+    }
+};
+
+template <bool turned>
+struct VectorSplitter<2, turned>
+{
+    static constexpr int channels = 2;
+
+    static void Split(const unsigned char* row, Lanes* samples)
+    {
+        static constexpr VectorBytes sort = MakeSortMask<2, turned>();
+        const Lanes order = Load(sort.bytes);
+        const Lanes first = _mm512_maskz_permutexvar_epi8(all64, order, Load(row));
+        const Lanes second = _mm512_maskz_permutexvar_epi8(all64, order, Load(row + 64));
+        samples[0] = _mm512_maskz_shuffle_i32x4(all16, first, second, 0x44);
+        samples[1] = _mm512_maskz_shuffle_i32x4(all16, first, second, 0xee);
+    }
+};
+
+} // namespace
+} // namespace zvk::Pelkraft
+
+#include "direct/mirror_lanes.h"
+#include "direct/pack_split_lanes.h"
+#include "direct/unpack_lanes.h"
+
+namespace zvk::Pelkraft::Avx512Road {
+namespace {
+
+constexpr SampleKernels kernels{
+    Widen,
+    Narrow,
+    {Pack<1, 1>, Pack<2, 1>},
+    {Unpack<1, 1>, Unpack<2, 1>},
+    {Mirror<1>, Mirror<2>},
+    {Pack<1, 2>, Pack<2, 2>},
+    {Unpack<1, 2>, Unpack<2, 2>},
+    {{nullptr, nullptr, PackSplit<1, VectorSplitter<2, true>>,
+      PackSplit<1, VectorSplitter<3, true>>, PackSplit<1, VectorSplitter<4, true>>},
+     {nullptr, nullptr, PackSplit<2, VectorSplitter<2, false>>,
+      PackSplit<2, VectorSplitter<3, false>>, PackSplit<2, VectorSplitter<4, false>>}},
+};
+
+} // namespace
+
+const SampleKernels& GetSampleKernels()
+{
+    return kernels;
+}
+
+} // namespace zvk::Pelkraft::Avx512Road
