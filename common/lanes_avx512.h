@@ -245,10 +245,10 @@ Lanes Gather(Lanes v)
 
 using LaneMask = std::uint64_t;
 
-// The top bits of the bytes, the first byte's lowest.
-inline LaneMask TopBits(Lanes v)
+// The low bits of the bytes, the first byte's lowest.
+inline LaneMask LowBits(Lanes v)
 {
-    return _mm512_movepi8_mask(v);
+    return _mm512_test_epi8_mask(v, Set8(1));
 }
 
 inline Lanes Set32(int v)

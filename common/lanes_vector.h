@@ -211,10 +211,10 @@ Lanes Gather(Lanes v)
 
 using LaneMask = std::uint16_t;
 
-// The top bits of the bytes, the first byte's lowest.
-inline LaneMask TopBits(Lanes v)
+// The low bits of the bytes, the first byte's lowest.
+inline LaneMask LowBits(Lanes v)
 {
-    return static_cast<LaneMask>(_mm_movemask_epi8(v));
+    return static_cast<LaneMask>(_mm_movemask_epi8(_mm_slli_epi16(v, 7)));
 }
 
 inline Lanes Set32(int v)

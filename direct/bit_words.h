@@ -32,19 +32,59 @@ inline void StoreLittle(unsigned char* bytes, std::uint64_t v)
     std::memcpy(bytes, &v, sizeof v);
 }
 
+// The last bytes of a row go in pieces of fixed size: compilers make whole vector loops of a loop
+// over bytes, which takes longer than the row.
+template <typename Piece>
+std::uint64_t LoadPiece(const unsigned char*& bytes, unsigned& place)
+{
+    Piece piece;
+    std::memcpy(&piece, bytes, sizeof piece);
+    std::uint64_t v = piece;
+    if (std::endian::native != std::endian::little)
+        v = SwapBytes(v) >> (64 - 8 * sizeof piece);
+    v <<= place;
+    bytes += sizeof piece;
+    place += 8 * sizeof piece;
+    return v;
+}
+
 // At most 8 bytes, zeros after them.
 inline std::uint64_t LoadFewLittle(const unsigned char* bytes, std::size_t count)
 {
+    if (count >= 8)
+        return LoadLittle(bytes);
+    unsigned place = 0;
     std::uint64_t v = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        v |= std::uint64_t{bytes[i]} << (8 * i);
+    if ((count & 4) != 0)
+        v |= LoadPiece<std::uint32_t>(bytes, place);
+    if ((count & 2) != 0)
+        v |= LoadPiece<std::uint16_t>(bytes, place);
+    if ((count & 1) != 0)
+        v |= LoadPiece<std::uint8_t>(bytes, place);
     return v;
+}
+
+template <typename Piece>
+void StorePiece(unsigned char*& bytes, std::uint64_t& v)
+{
+    auto piece = static_cast<Piece>(v);
+    if (std::endian::native != std::endian::little)
+        piece = static_cast<Piece>(SwapBytes(v) >> (64 - 8 * sizeof piece));
+    std::memcpy(bytes, &piece, sizeof piece);
+    bytes += sizeof piece;
+    v >>= 8 * sizeof piece;
 }
 
 inline void StoreFewLittle(unsigned char* bytes, std::size_t count, std::uint64_t v)
 {
-    for (std::size_t i = 0; i < count; ++i)
-        bytes[i] = static_cast<unsigned char>(v >> (8 * i));
+    if (count >= 8)
+        return StoreLittle(bytes, v);
+    if ((count & 4) != 0)
+        StorePiece<std::uint32_t>(bytes, v);
+    if ((count & 2) != 0)
+        StorePiece<std::uint16_t>(bytes, v);
+    if ((count & 1) != 0)
+        StorePiece<std::uint8_t>(bytes, v);
 }
 
 // Eight samples, the first one in the lowest byte, to `depth` bytes, the first one lowest.
@@ -86,14 +126,6 @@ std::uint64_t TurnBytes(std::uint64_t v)
     return (v >> 4 & 0x0f0f0f0f0f0f0f0fu) | (v & 0x0f0f0f0f0f0f0f0fu) << 4;
 }
 
-// Where the bits that a mirror takes lie in the plane.
-struct MirroredBits
-{
-    const unsigned char* plane;
-    std::size_t end;
-    std::size_t count;
-};
-
 // The 64 bits from bit `start` on, the first one highest.
 inline std::uint64_t LoadBits(const unsigned char* plane, std::size_t start)
 {
@@ -116,32 +148,33 @@ inline std::uint64_t LoadFewBits(const unsigned char* plane, std::size_t start, 
     return v >> (64 - count) << (64 - count);
 }
 
-// The last 8 bytes of a mirrored plane of at least 64 bits.
+// The last 8 bytes of a mirror of at least 64 bits before bit `end`.
 template <int depth>
-void MirrorLastBits(const MirroredBits& bits, unsigned char* destination)
+void MirrorLastBits(const unsigned char* plane, std::size_t end, unsigned char* destination,
+                    std::size_t bits)
 {
-    const std::size_t bytes = (bits.count + 7) / 8;
-    const std::uint64_t v = LoadBits(bits.plane, bits.end - bits.count);
-    StoreLittle(destination + bytes - 8, TurnBytes<depth>(v >> (8 * bytes - bits.count)));
+    const std::size_t bytes = (bits + 7) / 8;
+    const std::uint64_t v = LoadBits(plane, end - bits);
+    StoreLittle(destination + bytes - 8, TurnBytes<depth>(v >> (8 * bytes - bits)));
 }
 
+// A function of its own, as the vector kernels go on to it and should not pay for its frame.
 template <int depth>
-void MirrorWords(const MirroredBits& bits, unsigned char* destination)
+[[gnu::noinline]] void MirrorWords(const unsigned char* plane, std::size_t end,
+                                   unsigned char* destination, std::size_t bits)
 {
-    if (bits.count == 0)
+    if (bits == 0)
         return;
-    if (bits.count < 64) {
-        const auto v = LoadFewBits(bits.plane, bits.end - bits.count, bits.count);
-        const auto turned = TurnBytes<depth>(v >> (64 - bits.count));
-        StoreFewLittle(destination, (bits.count + 7) / 8, turned);
+    if (bits < 64) {
+        const auto v = LoadFewBits(plane, end - bits, bits);
+        StoreFewLittle(destination, (bits + 7) / 8, TurnBytes<depth>(v >> (64 - bits)));
         return;
     }
     std::size_t done = 0;
-    for (; done + 64 <= bits.count; done += 64)
-        StoreLittle(destination + done / 8,
-                    TurnBytes<depth>(LoadBits(bits.plane, bits.end - done - 64)));
-    if (done < bits.count)
-        MirrorLastBits<depth>(bits, destination);
+    for (; done + 64 <= bits; done += 64)
+        StoreLittle(destination + done / 8, TurnBytes<depth>(LoadBits(plane, end - done - 64)));
+    if (done < bits)
+        MirrorLastBits<depth>(plane, end, destination, bits);
 }
 
 } // namespace

@@ -3,62 +3,51 @@
 #include "direct/samples_lanes.h"
 
 // The mirror of a packed plane, over the lanes of the file that includes it. That file has
-// TurnVector, which turns the samples of each byte and the bytes of a vector round.
+// TurnVector, which turns the samples of each byte and the bytes of a vector round, and MirrorShort
+// for rows of less than a vector.
 namespace zvk::Pelkraft {
 namespace {
 
-// A vector of a plane's bits from bit `shift` of the first byte on. The mask has the bits that come
-// from that byte's place; shift 0 must not read the byte after the vector.
-struct BitShift
+// The bits of a plane from one inside a byte on; the masks have the places that each byte and its
+// neighbour fill. Not for a whole byte, as the neighbour of the last one is read.
+inline Lanes LoadShifted(const unsigned char* bytes, int shift, Lanes fromFirst, Lanes fromNext)
 {
-    explicit BitShift(int bits)
-        : shift(bits), fromFirst(Set8(0xff << bits & 0xff)), fromNext(Set8(0xff >> (8 - bits)))
-    {}
-
-    Lanes LoadFrom(const unsigned char* bytes) const
-    {
-        const Lanes first = And(ShiftLeft16By(Load(bytes), shift), fromFirst);
-        const Lanes next = And(ShiftRight16By(Load(bytes + 1), 8 - shift), fromNext);
-        return Or(first, next);
-    }
-
-    int shift;
-    Lanes fromFirst;
-    Lanes fromNext;
-};
+    const Lanes first = And(ShiftLeft16By(Load(bytes), shift), fromFirst);
+    const Lanes next = And(ShiftRight16By(Load(bytes + 1), 8 - shift), fromNext);
+    return Or(first, next);
+}
 
 template <int depth>
-void MirrorVectors(const MirroredBits& bits, unsigned char* destination)
+[[gnu::always_inline]] inline void MirrorVectors(const unsigned char* plane, std::size_t end,
+                                                 unsigned char* destination, std::size_t bits)
 {
-    const std::size_t whole = bits.count / 8;
+    const std::size_t whole = bits / 8;
     // The source of destination byte x starts at last - x, for a whole vector.
-    const unsigned char* last = bits.plane + bits.end / 8 - laneSamples;
-    const int shift = static_cast<int>(bits.end % 8);
+    const unsigned char* last = plane + end / 8 - laneSamples;
+    const int shift = static_cast<int>(end % 8);
     if (shift == 0) {
         ForBlocks<laneSamples>(whole, [=](std::size_t x) {
             Store(destination + x, TurnVector<depth>(Load(last - x)));
         });
     } else {
-        const BitShift shifted(shift);
+        const Lanes fromFirst = Set8(0xff << shift & 0xff);
+        const Lanes fromNext = Set8(0xff >> (8 - shift));
         ForBlocks<laneSamples>(whole, [=](std::size_t x) {
-            Store(destination + x, TurnVector<depth>(shifted.LoadFrom(last - x)));
+            Store(destination + x,
+                  TurnVector<depth>(LoadShifted(last - x, shift, fromFirst, fromNext)));
         });
     }
-    if (bits.count % 8 != 0)
-        MirrorLastBits<depth>(bits, destination);
+    if (bits % 8 != 0)
+        MirrorLastBits<depth>(plane, end, destination, bits);
 }
 
 template <int depth>
 void Mirror(const unsigned char* plane, std::size_t end, unsigned char* destination,
             std::size_t samples)
 {
-    const MirroredBits bits{plane, end * depth, samples * depth};
-    if (bits.count >= 8 * laneSamples)
-        MirrorVectors<depth>(bits, destination);
-    else if constexpr (laneCount == 1)
-        MirrorWords<depth>(bits, destination);
-    else
-        NarrowerKernels().mirror[depth - 1](plane, end, destination, samples);
+    if (samples * depth < 8 * laneSamples)
+        return MirrorShort<depth>(plane, end, destination, samples);
+    MirrorVectors<depth>(plane, end * depth, destination, samples * depth);
 }
 
 } // namespace

@@ -41,6 +41,13 @@ void PackSplitLastPairs(const unsigned char* row, unsigned char* const* planes, 
     }
 }
 
+template <int depth, int channels>
+[[gnu::noinline]] void PackSplitShort(const unsigned char* row, unsigned char* const* planes,
+                                      std::size_t pixels)
+{
+    NarrowerKernels().packSplit[depth - 1][channels](row, planes, pixels);
+}
+
 // A splitter has the number of channels and puts a vector of samples of each channel in place; for
 // depth 1 the samples of each eight in the reverse order.
 template <int depth, typename Splitter>
@@ -48,7 +55,7 @@ void PackSplit(const unsigned char* row, unsigned char* const* planes, std::size
 {
     constexpr int channels = Splitter::channels;
     if (pixels < laneSamples)
-        return NarrowerKernels().packSplit[depth - 1][channels](row, planes, pixels);
+        return PackSplitShort<depth, channels>(row, planes, pixels);
     unsigned char* own[channels];
     for (int c = 0; c < channels; ++c)
         own[c] = planes[c];

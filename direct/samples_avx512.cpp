@@ -47,12 +47,54 @@ constexpr VectorBytes backwards = MakeBackwards();
 
 // A lookup takes 7 bits of each byte; the top bit of a byte follows by a shift.
 template <int depth>
-Lanes TurnVector(Lanes v)
+Lanes TurnBytesOf(Lanes bytes)
 {
-    const Lanes bytes = _mm512_maskz_permutexvar_epi8(all64, Load(backwards.bytes), v);
     const Lanes most = _mm512_permutex2var_epi8(Load(turned<depth>.low.bytes), bytes,
                                                 Load(turned<depth>.high.bytes));
     return Or(most, And(ShiftRight16<8 - depth>(bytes), Set8(depth)));
+}
+
+template <int depth>
+Lanes TurnVector(Lanes v)
+{
+    return TurnBytesOf<depth>(_mm512_maskz_permutexvar_epi8(all64, Load(backwards.bytes), v));
+}
+
+// The first bytes, from 1 to 64.
+inline __mmask64 FirstBytes(std::size_t count)
+{
+    return all64 >> (64 - count);
+}
+
+// Rows of less than a vector. The row's first byte stands first in the vector, as a byte that is
+// masked off before it could lie in a page that is not there, which costs more than the whole row.
+template <int depth>
+[[gnu::noinline]] void MirrorShort(const unsigned char* plane, std::size_t end,
+                                   unsigned char* destination, std::size_t samples)
+{
+    const std::size_t bits = samples * depth;
+    const std::size_t endBit = end * depth;
+    const std::size_t firstByte = (endBit - bits) / 8;
+    const std::size_t sourceBytes = (endBit + 7) / 8 - firstByte;
+    if (bits == 0 || sourceBytes > 64)
+        return MirrorWords<depth>(plane, endBit, destination, bits);
+    const int shift = static_cast<int>(endBit % 8);
+    const int wholeBytes = static_cast<int>(endBit / 8 - firstByte);
+    const Lanes row = _mm512_maskz_loadu_epi8(FirstBytes(sourceBytes), plane + firstByte);
+    // Destination byte x joins source bytes wholeBytes - 1 - x and, of a shifted row, the next one.
+    const Lanes next = _mm512_add_epi8(Load(backwards.bytes), Set8(wholeBytes - 63));
+    const Lanes first = _mm512_sub_epi8(next, Set8(1));
+    const Lanes high = And(ShiftLeft16By(_mm512_maskz_permutexvar_epi8(all64, first, row), shift),
+                           Set8(0xff << shift & 0xff));
+    const Lanes low =
+        And(ShiftRight16By(_mm512_maskz_permutexvar_epi8(all64, next, row), 8 - shift),
+            Set8(0xff >> (8 - shift)));
+    const std::size_t bytes = (bits + 7) / 8;
+    const auto unusedBits = static_cast<int>(8 * bytes - bits);
+    const Lanes all = TurnBytesOf<depth>(Or(high, low));
+    const __mmask64 last = FirstBytes(bytes) & ~(FirstBytes(bytes) >> 1);
+    const Lanes cut = _mm512_mask_blend_epi8(last, all, And(all, Set8(0xff << unusedBits & 0xff)));
+    _mm512_mask_storeu_epi8(destination, FirstBytes(bytes), cut);
 }
 
 // The place of the first bit of each sample among 64 packed bits.

@@ -62,18 +62,32 @@ void StoreSamples(unsigned char* samples, Lanes v)
     }
 }
 
+// The rows that are too short for a kernel go on from functions of their own, so that the longer
+// ones do not pay for their frames.
+[[gnu::noinline]] inline void WidenShort(const unsigned char* source, unsigned char* destination,
+                                         std::size_t samples)
+{
+    NarrowerKernels().widen(source, destination, samples);
+}
+
 void Widen(const unsigned char* source, unsigned char* destination, std::size_t samples)
 {
     if (samples < laneSamples)
-        return NarrowerKernels().widen(source, destination, samples);
+        return WidenShort(source, destination, samples);
     ForBlocks<laneSamples>(
         samples, [=](std::size_t x) { StoreSamples<2>(destination + 2 * x, Load(source + x)); });
+}
+
+[[gnu::noinline]] inline void NarrowShort(const unsigned char* source, unsigned char* destination,
+                                          std::size_t samples)
+{
+    NarrowerKernels().narrow(source, destination, samples);
 }
 
 void Narrow(const unsigned char* source, unsigned char* destination, std::size_t samples)
 {
     if (samples < laneSamples)
-        return NarrowerKernels().narrow(source, destination, samples);
+        return NarrowShort(source, destination, samples);
     ForBlocks<laneSamples>(
         samples, [=](std::size_t x) { Store(destination + x, LoadSamples<2>(source + 2 * x)); });
 }
@@ -85,11 +99,6 @@ struct alignas(16) LaneBytes
 
 // The mask takes the first byte lowest, the packed byte has it highest.
 constexpr LaneBytes turnEights{{7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8}};
-
-inline LaneMask LowBits(Lanes v)
-{
-    return TopBits(ShiftLeft16<7>(v));
-}
 
 // A string of bits, its first bit the top bit of the first byte, moved up by so many places.
 inline LaneMask MoveUp(LaneMask bits, unsigned places)
@@ -197,13 +206,19 @@ void PackTwoBits(const unsigned char* source, unsigned char* destination, std::s
 }
 
 template <int depth, int sampleBytes>
+[[gnu::noinline]] void PackShort(const unsigned char* source, unsigned char* destination,
+                                 std::size_t samples)
+{
+    const SampleKernels& narrower = NarrowerKernels();
+    (sampleBytes == 1 ? narrower.pack : narrower.narrowPack)[depth - 1](source, destination,
+                                                                        samples);
+}
+
+template <int depth, int sampleBytes>
 void Pack(const unsigned char* source, unsigned char* destination, std::size_t samples)
 {
-    if (samples < laneSamples) {
-        const SampleKernels& narrower = NarrowerKernels();
-        const auto kernel = (sampleBytes == 1 ? narrower.pack : narrower.narrowPack)[depth - 1];
-        return kernel(source, destination, samples);
-    }
+    if (samples < laneSamples)
+        return PackShort<depth, sampleBytes>(source, destination, samples);
     if constexpr (depth == 1)
         PackOneBit<sampleBytes>(source, destination, samples);
     else

@@ -2,7 +2,7 @@
 
 #include "direct/samples_lanes.h"
 
-// TurnVector for vectors of one or two lanes.
+// TurnVector and MirrorShort for vectors of one or two lanes.
 namespace zvk::Pelkraft {
 namespace {
 
@@ -32,6 +32,17 @@ Lanes TurnVector(Lanes v)
     const Lanes high =
         Shuffle(Broadcast(turnedHigh<depth>.bytes), And(ShiftRight16<4>(v), Set8(15)));
     return TurnLanes(Shuffle(Or(low, high), Broadcast(turnSixteen.bytes)));
+}
+
+// A function of its own, so that the longer rows do not pay for its frame.
+template <int depth>
+[[gnu::noinline]] void MirrorShort(const unsigned char* plane, std::size_t end,
+                                   unsigned char* destination, std::size_t samples)
+{
+    if (samples * depth < 8 * 16)
+        MirrorWords<depth>(plane, end * depth, destination, samples * depth);
+    else
+        NarrowerKernels().mirror[depth - 1](plane, end, destination, samples);
 }
 
 } // namespace

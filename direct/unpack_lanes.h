@@ -11,11 +11,24 @@ namespace {
 template <int depth, int sampleBytes>
 void UnpackLastByte(unsigned packed, unsigned char* destination, std::size_t samples)
 {
-    for (std::size_t k = 0; k < samples; ++k) {
-        const unsigned level = packed >> (8 - depth * (k + 1)) & ((1u << depth) - 1);
-        for (int i = 0; i < sampleBytes; ++i)
-            *destination++ = static_cast<unsigned char>(level);
+    const std::uint64_t levels = UnpackWord<depth>(packed);
+    if constexpr (sampleBytes == 1) {
+        StoreFewLittle(destination, samples, levels);
+    } else {
+        unsigned char twice[16];
+        for (int i = 0; i < 16; ++i)
+            twice[i] = static_cast<unsigned char>(levels >> i / 2 * 8);
+        std::memcpy(destination, twice, 2 * samples);
     }
+}
+
+template <int depth, int sampleBytes>
+[[gnu::noinline]] void UnpackShort(const unsigned char* source, unsigned char* destination,
+                                   std::size_t samples)
+{
+    const SampleKernels& narrower = NarrowerKernels();
+    (sampleBytes == 1 ? narrower.unpack : narrower.unpackWiden)[depth - 1](source, destination,
+                                                                           samples);
 }
 
 template <int depth, int sampleBytes>
@@ -23,11 +36,8 @@ void Unpack(const unsigned char* source, unsigned char* destination, std::size_t
 {
     constexpr std::size_t perByte = 8 / depth;
     const std::size_t whole = samples / perByte * perByte;
-    if (whole < unpackBlock<depth>) {
-        const SampleKernels& narrower = NarrowerKernels();
-        const auto kernel = (sampleBytes == 1 ? narrower.unpack : narrower.unpackWiden)[depth - 1];
-        return kernel(source, destination, samples);
-    }
+    if (whole < unpackBlock<depth>)
+        return UnpackShort<depth, sampleBytes>(source, destination, samples);
     ForBlocks<unpackBlock<depth>>(whole, [=](std::size_t x) {
         UnpackBlock<depth, sampleBytes>(source + x / perByte, destination + x * sampleBytes);
     });
