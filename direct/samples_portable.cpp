@@ -24,62 +24,146 @@ void Narrow(const unsigned char* __restrict source, unsigned char* __restrict de
     }
 }
 
-// Packed bytes that are done in a loop of known length, of which compilers make vectors.
-constexpr std::size_t packedStrip = 16;
+// Long rows go in strips of so many packed bytes: compilers make vectors of loops whose length they
+// know. Passes that each halve or double a byte's bits give the better ones, but for pairs
+// unpacked; in a short strip they would be unrolled instead.
+constexpr std::size_t longStrip = 32;
+constexpr std::size_t shortStrip = 16;
 
-template <int depth>
-void PackStrip(const unsigned char* __restrict source, unsigned char* __restrict destination)
+// The low bits of two neighbours to one byte.
+template <int bits>
+void JoinBytes(const unsigned char* __restrict source, unsigned char* __restrict destination,
+               std::size_t pairs)
 {
-    constexpr std::size_t perByte = 8 / depth;
-    constexpr unsigned mask = (1u << depth) - 1;
-    for (std::size_t byte = 0; byte < packedStrip; ++byte) {
-        unsigned packed = 0;
-        for (std::size_t k = 0; k < perByte; ++k)
-            packed |= (source[byte * perByte + k] & mask) << (8 - depth * (k + 1));
-        destination[byte] = static_cast<unsigned char>(packed);
+    constexpr unsigned mask = (1u << bits) - 1;
+    for (std::size_t i = 0; i < pairs; ++i)
+        destination[i] =
+            static_cast<unsigned char>((source[2 * i] & mask) << bits | (source[2 * i + 1] & mask));
+}
+
+// A byte's two halves, of so many bits each.
+template <int bits>
+void HalveBytes(const unsigned char* __restrict source, unsigned char* __restrict destination,
+                std::size_t pairs)
+{
+    constexpr unsigned mask = (1u << bits) - 1;
+    for (std::size_t i = 0; i < pairs; ++i) {
+        destination[2 * i] = static_cast<unsigned char>(source[i] >> bits);
+        destination[2 * i + 1] = static_cast<unsigned char>(source[i] & mask);
     }
 }
 
 template <int depth>
-void UnpackStrip(const unsigned char* __restrict source, unsigned char* __restrict destination)
+void PackLongStrip(const unsigned char* source, unsigned char* destination)
 {
-    constexpr std::size_t perByte = 8 / depth;
-    constexpr unsigned mask = (1u << depth) - 1;
-    for (std::size_t byte = 0; byte < packedStrip; ++byte)
-        for (std::size_t k = 0; k < perByte; ++k)
-            destination[byte * perByte + k] =
-                static_cast<unsigned char>(source[byte] >> (8 - depth * (k + 1)) & mask);
+    unsigned char halves[2 * longStrip];
+    if constexpr (depth == 1) {
+        unsigned char quarters[4 * longStrip];
+        JoinBytes<1>(source, quarters, 4 * longStrip);
+        JoinBytes<2>(quarters, halves, 2 * longStrip);
+    } else {
+        JoinBytes<2>(source, halves, 2 * longStrip);
+    }
+    JoinBytes<4>(halves, destination, longStrip);
+}
+
+void UnpackBitStrip(const unsigned char* source, unsigned char* destination)
+{
+    unsigned char halves[2 * longStrip];
+    unsigned char quarters[4 * longStrip];
+    HalveBytes<4>(source, halves, longStrip);
+    HalveBytes<2>(halves, quarters, 2 * longStrip);
+    HalveBytes<1>(quarters, destination, 4 * longStrip);
+}
+
+// Not to be inlined, where it would lose what __restrict says and stay scalar.
+[[gnu::noinline]] void PackPairStrip(const unsigned char* __restrict source,
+                                     unsigned char* __restrict destination)
+{
+    for (std::size_t i = 0; i < shortStrip; ++i) {
+        unsigned packed = 0;
+        for (std::size_t k = 0; k < 4; ++k)
+            packed |= (source[4 * i + k] & 3u) << (6 - 2 * k);
+        destination[i] = static_cast<unsigned char>(packed);
+    }
+}
+
+// The same holds for this one.
+[[gnu::noinline]] void UnpackPairStrip(const unsigned char* __restrict source,
+                                       unsigned char* __restrict destination)
+{
+    for (std::size_t i = 0; i < shortStrip; ++i) {
+        destination[4 * i] = static_cast<unsigned char>(source[i] >> 6);
+        destination[4 * i + 1] = static_cast<unsigned char>(source[i] >> 4 & 3);
+        destination[4 * i + 2] = static_cast<unsigned char>(source[i] >> 2 & 3);
+        destination[4 * i + 3] = static_cast<unsigned char>(source[i] & 3);
+    }
+}
+
+// Calls strip(x) for every strip, the last one overlapping the one before it, or answers that there
+// is none in the row.
+template <std::size_t length, typename Strip>
+bool HasStrips(std::size_t bytes, Strip strip)
+{
+    if (bytes < length)
+        return false;
+    std::size_t x = 0;
+    for (; x + length <= bytes; x += length)
+        strip(x);
+    if (x < bytes)
+        strip(bytes - length);
+    return true;
+}
+
+template <int depth>
+bool PackStrips(const unsigned char* source, unsigned char* destination, std::size_t bytes)
+{
+    const auto longOne = [=](std::size_t x) {
+        PackLongStrip<depth>(source + x * 8 / depth, destination + x);
+    };
+    if (HasStrips<longStrip>(bytes, longOne))
+        return true;
+    const auto pairs = [=](std::size_t x) { PackPairStrip(source + 4 * x, destination + x); };
+    return depth == 2 && HasStrips<shortStrip>(bytes, pairs);
+}
+
+template <int depth>
+bool UnpackStrips(const unsigned char* source, unsigned char* destination, std::size_t bytes)
+{
+    if constexpr (depth == 1)
+        return HasStrips<longStrip>(
+            bytes, [=](std::size_t x) { UnpackBitStrip(source + x, destination + 8 * x); });
+    else
+        return HasStrips<shortStrip>(
+            bytes, [=](std::size_t x) { UnpackPairStrip(source + x, destination + 4 * x); });
 }
 
 template <int depth>
 void Pack(const unsigned char* source, unsigned char* destination, std::size_t samples)
 {
-    std::size_t x = 0;
-    // A word takes all bits of a sample of 1 bit at once, and no loop is faster.
-    if constexpr (depth == 2) {
-        constexpr std::size_t strip = packedStrip * 4;
-        for (; x + strip <= samples; x += strip, destination += packedStrip)
-            PackStrip<depth>(source + x, destination);
-    }
-    for (; x + 8 <= samples; x += 8, destination += depth)
-        StoreFewLittle(destination, depth, PackWord<depth>(LoadLittle(source + x)));
-    const std::size_t rest = samples - x;
-    StoreFewLittle(destination, (rest * depth + 7) / 8,
-                   PackWord<depth>(LoadFewLittle(source + x, rest)));
+    constexpr std::size_t perByte = 8 / depth;
+    const std::size_t whole = samples / 8 * depth;
+    if (!PackStrips<depth>(source, destination, whole))
+        for (std::size_t x = 0; x < whole; x += depth)
+            StoreFewLittle(destination + x, depth,
+                           PackWord<depth>(LoadLittle(source + x * perByte)));
+    const std::size_t rest = samples % 8;
+    StoreFewLittle(destination + whole, (rest * depth + 7) / 8,
+                   PackWord<depth>(LoadFewLittle(source + whole * perByte, rest)));
 }
 
 template <int depth>
 void Unpack(const unsigned char* source, unsigned char* destination, std::size_t samples)
 {
-    constexpr std::size_t strip = packedStrip * 8 / depth;
-    std::size_t x = 0;
-    for (; x + strip <= samples; x += strip, source += packedStrip)
-        UnpackStrip<depth>(source, destination + x);
-    for (; x + 8 <= samples; x += 8, source += depth)
-        StoreLittle(destination + x, UnpackWord<depth>(LoadFewLittle(source, depth)));
-    const std::size_t rest = samples - x;
-    StoreFewLittle(destination + x, rest,
-                   UnpackWord<depth>(LoadFewLittle(source, (rest * depth + 7) / 8)));
+    constexpr std::size_t perByte = 8 / depth;
+    const std::size_t whole = samples / 8 * depth;
+    if (!UnpackStrips<depth>(source, destination, whole))
+        for (std::size_t x = 0; x < whole; x += depth)
+            StoreLittle(destination + x * perByte,
+                        UnpackWord<depth>(LoadFewLittle(source + x, depth)));
+    const std::size_t rest = samples % 8;
+    StoreFewLittle(destination + whole * perByte, rest,
+                   UnpackWord<depth>(LoadFewLittle(source + whole, (rest * depth + 7) / 8)));
 }
 
 template <int depth>
