@@ -41,6 +41,22 @@ void PackSplitLastPairs(const unsigned char* row, unsigned char* const* planes, 
     }
 }
 
+// Four vectors of each channel.
+template <typename Splitter>
+void PackSplitPairs(const unsigned char* row, unsigned char* const* planes, std::size_t byte)
+{
+    constexpr int channels = Splitter::channels;
+    Lanes samples[channels][4];
+    for (std::size_t i = 0; i < 4; ++i) {
+        Lanes block[channels];
+        Splitter::Split(row + i * laneSamples * channels, block);
+        for (int c = 0; c < channels; ++c)
+            samples[c][i] = block[c];
+    }
+    for (int c = 0; c < channels; ++c)
+        Store(planes[c] + byte, PackFour(samples[c]));
+}
+
 template <int depth, int channels>
 [[gnu::noinline]] void PackSplitShort(const unsigned char* row, unsigned char* const* planes,
                                       std::size_t pixels)
@@ -71,7 +87,13 @@ void PackSplit(const unsigned char* row, unsigned char* const* planes, std::size
         if (x < pixels)
             PackSplitLastBits<Splitter>(row, own, pixels);
     } else {
-        ForBlocks<laneSamples>(pixels / 4 * 4, block);
+        const std::size_t whole = pixels / 4 * 4;
+        if (whole >= 4 * laneSamples)
+            ForBlocks<4 * laneSamples>(whole, [row, &own](std::size_t x) {
+                PackSplitPairs<Splitter>(row + x * channels, own, x / 4);
+            });
+        else
+            ForBlocks<laneSamples>(whole, block);
         if (pixels % 4 != 0)
             PackSplitLastPairs<channels>(row, own, pixels);
     }

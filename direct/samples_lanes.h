@@ -175,16 +175,23 @@ unsigned char PackLastPairs(const unsigned char* source, std::size_t samples)
     return static_cast<unsigned char>(packed);
 }
 
+// Four vectors of samples, in the order of the row, to one of packed bytes.
+inline Lanes PackFour(const Lanes* samples)
+{
+    const Lanes mask = Set8(3);
+    const Lanes first = JoinNeighbours<4>(And(samples[0], mask), And(samples[1], mask));
+    const Lanes second = JoinNeighbours<4>(And(samples[2], mask), And(samples[3], mask));
+    return Gather<4>(JoinNeighbours<16>(first, second));
+}
+
 template <int sampleBytes>
-Lanes PackFourVectors(const unsigned char* source)
+Lanes PackFourFrom(const unsigned char* source)
 {
     constexpr std::size_t step = laneSamples * sampleBytes;
-    const Lanes mask = Set8(3);
-    const Lanes low = JoinNeighbours<4>(And(LoadSamples<sampleBytes>(source), mask),
-                                        And(LoadSamples<sampleBytes>(source + step), mask));
-    const Lanes high = JoinNeighbours<4>(And(LoadSamples<sampleBytes>(source + 2 * step), mask),
-                                         And(LoadSamples<sampleBytes>(source + 3 * step), mask));
-    return Gather<4>(JoinNeighbours<16>(low, high));
+    Lanes samples[4];
+    for (std::size_t i = 0; i < 4; ++i)
+        samples[i] = LoadSamples<sampleBytes>(source + step * i);
+    return PackFour(samples);
 }
 
 template <int sampleBytes>
@@ -193,7 +200,7 @@ void PackTwoBits(const unsigned char* source, unsigned char* destination, std::s
     const std::size_t whole = samples / 4 * 4;
     if (whole >= 4 * laneSamples)
         ForBlocks<4 * laneSamples>(whole, [=](std::size_t x) {
-            Store(destination + x / 4, PackFourVectors<sampleBytes>(source + x * sampleBytes));
+            Store(destination + x / 4, PackFourFrom<sampleBytes>(source + x * sampleBytes));
         });
     else
         ForBlocks<laneSamples>(whole, [=](std::size_t x) {

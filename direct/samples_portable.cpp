@@ -207,14 +207,11 @@ void PackSplitByte(const unsigned char* row, unsigned char* const* planes, std::
     constexpr std::uint32_t mask = 0x01010101u * ((1u << depth) - 1);
     std::uint32_t packed = 0;
     for (int k = 0; k < pixels; ++k) {
-        std::uint32_t pixel = 0;
-        std::memcpy(&pixel, row + k * channels, channels);
+        const auto pixel = static_cast<std::uint32_t>(LoadFewLittle(row + k * channels, channels));
         packed |= (pixel & mask) << (8 - depth * (k + 1));
     }
-    unsigned char bytes[4];
-    std::memcpy(bytes, &packed, sizeof bytes);
     for (int c = 0; c < channels; ++c)
-        planes[c][byte] = bytes[c];
+        planes[c][byte] = static_cast<unsigned char>(packed >> (8 * c));
 }
 
 template <int depth, int channels>
