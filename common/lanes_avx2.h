@@ -85,6 +85,11 @@ inline Lanes Add8(Lanes a, Lanes b)
     return _mm256_add_epi8(a, b);
 }
 
+inline Lanes Subtract8(Lanes a, Lanes b)
+{
+    return _mm256_sub_epi8(a, b);
+}
+
 inline Lanes Add16(Lanes a, Lanes b)
 {
     return _mm256_add_epi16(a, b);
@@ -94,6 +99,11 @@ inline Lanes Add16(Lanes a, Lanes b)
 inline Lanes MultiplyHigh16(Lanes a, Lanes b)
 {
     return _mm256_mulhi_epu16(a, b);
+}
+
+inline Lanes MultiplyLow16(Lanes a, Lanes b)
+{
+    return _mm256_mullo_epi16(a, b);
 }
 
 template <int bits>
@@ -106,6 +116,11 @@ template <int bits>
 Lanes ShiftRight16(Lanes v)
 {
     return _mm256_srli_epi16(v, bits);
+}
+
+inline Lanes ShiftRight16By(Lanes v, int bits)
+{
+    return _mm256_srl_epi16(v, _mm_cvtsi32_si128(bits));
 }
 
 // A byte of the mask with its top bit set gives 0.
@@ -202,11 +217,6 @@ inline Lanes MultiplyAdd8(Lanes a, Lanes b)
 inline Lanes ShiftLeft16By(Lanes v, int bits)
 {
     return _mm256_sll_epi16(v, _mm_cvtsi32_si128(bits));
-}
-
-inline Lanes ShiftRight16By(Lanes v, int bits)
-{
-    return _mm256_srl_epi16(v, _mm_cvtsi32_si128(bits));
 }
 
 // Unit u goes to lane u % laneCount, place u / laneCount.

@@ -103,6 +103,11 @@ inline Lanes Add8(Lanes a, Lanes b)
     return _mm512_add_epi8(a, b);
 }
 
+inline Lanes Subtract8(Lanes a, Lanes b)
+{
+    return _mm512_sub_epi8(a, b);
+}
+
 inline Lanes Add16(Lanes a, Lanes b)
 {
     return _mm512_add_epi16(a, b);
@@ -112,6 +117,11 @@ inline Lanes Add16(Lanes a, Lanes b)
 inline Lanes MultiplyHigh16(Lanes a, Lanes b)
 {
     return _mm512_mulhi_epu16(a, b);
+}
+
+inline Lanes MultiplyLow16(Lanes a, Lanes b)
+{
+    return _mm512_mullo_epi16(a, b);
 }
 
 template <int bits>
@@ -124,6 +134,11 @@ template <int bits>
 Lanes ShiftRight16(Lanes v)
 {
     return _mm512_srli_epi16(v, bits);
+}
+
+inline Lanes ShiftRight16By(Lanes v, int bits)
+{
+    return _mm512_srl_epi16(v, _mm_cvtsi32_si128(bits));
 }
 
 // A byte of the mask with its top bit set gives 0.
@@ -215,11 +230,6 @@ inline Lanes MultiplyAdd8(Lanes a, Lanes b)
 inline Lanes ShiftLeft16By(Lanes v, int bits)
 {
     return _mm512_sll_epi16(v, _mm_cvtsi32_si128(bits));
-}
-
-inline Lanes ShiftRight16By(Lanes v, int bits)
-{
-    return _mm512_srl_epi16(v, _mm_cvtsi32_si128(bits));
 }
 
 // Unit u goes to lane u % laneCount, place u / laneCount.

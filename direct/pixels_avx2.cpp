@@ -1,0 +1,224 @@
+#include "common/lanes_avx2.h"
+#include "common/unroll_vector.h"
+#include "direct/pixels_lanes.h"
+#include "direct/pixels_move.h"
+
+namespace zvk::Pelkraft::Avx2Road {
+namespace {
+
+constexpr int maxPixelBytes = 16;
+constexpr int maxVectors = 3;
+
+// Where the two lanes of a vector come from.
+enum class Loads : unsigned char
+{
+    // The sizes do not fill vectors; 16-byte ones serve them as well.
+    None,
+    // One 16-byte load serves all lanes of the block.
+    Shared,
+    // 32 bytes side by side, a lane of output from the lane of the same number, or of the other
+    // where the step mirrors.
+    Straight,
+    // Each lane has a load of its own.
+    Own,
+};
+
+struct BlockShape
+{
+    unsigned char pixels;
+    unsigned char vectors;
+    Loads loads;
+};
+
+struct BlockShapes
+{
+    // By the bytes of the source pixel less 1, of the destination pixel less 1, and the shift.
+    BlockShape of[maxPixelBytes][maxPixelBytes][3];
+};
+
+// The fewest vectors that whole pixels fill.
+constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
+{
+    for (int vectors = 1; vectors <= maxVectors; ++vectors) {
+        const int pixels = vectors * vectorBytes / outputBytes;
+        const int blockBytes = pixels * sourceBytes;
+        const auto make = [&](Loads loads) {
+            return BlockShape{static_cast<unsigned char>(pixels),
+                              static_cast<unsigned char>(vectors), loads};
+        };
+        if (pixels * outputBytes != vectors * vectorBytes)
+            continue;
+        if (blockBytes == 16 && vectors < 3)
+            return make(Loads::Shared);
+        if (vectors == 1 && sourceBytes == outputBytes && 16 % sourceBytes == 0)
+            return make(Loads::Straight);
+        if (PiecesFit(sourceBytes, outputBytes, pixels, 16))
+            return make(Loads::Own);
+    }
+    return {1, 0, Loads::None};
+}
+
+constexpr BlockShapes MakeShapes()
+{
+    BlockShapes shapes{};
+    for (int source = 0; source < maxPixelBytes; ++source)
+        for (int destination = 0; destination < maxPixelBytes; ++destination)
+            for (int shift = 0; shift < 3; ++shift)
+                shapes.of[source][destination][shift] =
+                    FindShape(source + 1, (destination + 1) << shift);
+    return shapes;
+}
+
+constexpr BlockShapes shapes = MakeShapes();
+
+// The loads of a block, as offsets from its first byte, and its masks.
+template <int vectors>
+struct Block
+{
+    std::ptrdiff_t loadAt[vectors];
+    std::ptrdiff_t secondLane[vectors];
+    Lanes masks[vectors];
+};
+
+inline Lanes SwapLanes(Lanes v)
+{
+    return _mm256_permute4x64_epi64(v, 0x4e);
+}
+
+template <int vectors, Loads loads, bool mirrored>
+[[gnu::always_inline]] inline void DoBlock(const Block<vectors>& block, const unsigned char* source,
+                                           unsigned char* destination)
+{
+    Lanes pixels = loads == Loads::Shared ? Broadcast(source) : Zero();
+    Unroll<vectors>([&](auto vector) {
+        if constexpr (loads == Loads::Straight)
+            pixels = mirrored ? SwapLanes(Load(source)) : Load(source);
+        if constexpr (loads == Loads::Own)
+            pixels = LoadSpread(source + block.loadAt[vector], block.secondLane[vector]);
+        Store(destination + vectorBytes * vector, Shuffle(pixels, block.masks[vector]));
+    });
+}
+
+template <int vectors, Loads loads>
+Block<vectors> MakeBlock(const StepNumbers& numbers)
+{
+    Block<vectors> block;
+    const Lanes places = Broadcast(numbers.places);
+    Unroll<vectors>([&](auto vector) {
+        int first = 0;
+        int second = 0;
+        if constexpr (loads != Loads::Shared) {
+            first = LoadStart(numbers, vectorBytes * vector, 16);
+            second = LoadStart(numbers, vectorBytes * vector + 16, 16);
+        }
+        const ByteOrigin origin = OriginOf(numbers, vector);
+        const Lanes starts = _mm256_inserti128_si256(Set8(first), _mm_set1_epi8(char(second)), 1);
+        block.masks[vector] =
+            Add8(Shuffle(places, origin.index), Subtract8(origin.pixelStart, starts));
+        block.loadAt[vector] = first;
+        block.secondLane[vector] = second - first;
+    });
+    return block;
+}
+
+// Answers how many source pixels it has served.
+template <int vectors, Loads loads, bool mirrored>
+std::size_t DoBlocks(const StepNumbers& numbers, const unsigned char* source,
+                     unsigned char* destination, std::size_t sourcePixels, bool endsWhole)
+{
+    const Block<vectors> block = MakeBlock<vectors, loads>(numbers);
+    const auto pixels = static_cast<std::size_t>(numbers.pixels);
+    const auto blockBytes = pixels * static_cast<std::size_t>(numbers.sourceBytes);
+    constexpr std::size_t outputBytes = std::size_t{vectors} * vectorBytes;
+    const std::size_t wholePixels = endsWhole ? sourcePixels : sourcePixels - 1;
+
+    // Unsigned, so that a step backwards wraps around.
+    const std::size_t fromStep = mirrored ? std::size_t{0} - blockBytes : blockBytes;
+    const std::size_t rowBytes = sourcePixels * static_cast<std::size_t>(numbers.sourceBytes);
+    std::size_t from = mirrored ? rowBytes - blockBytes : 0;
+    std::size_t to = 0;
+    std::size_t done = 0;
+    for (; done + 2 * pixels <= wholePixels; done += 2 * pixels) {
+        DoBlock<vectors, loads, mirrored>(block, source + from, destination + to);
+        DoBlock<vectors, loads, mirrored>(block, source + (from + fromStep),
+                                          destination + to + outputBytes);
+        from += 2 * fromStep;
+        to += 2 * outputBytes;
+    }
+    if (done + pixels <= wholePixels) {
+        DoBlock<vectors, loads, mirrored>(block, source + from, destination + to);
+        done += pixels;
+    }
+    if (done == sourcePixels || !endsWhole || done == 0)
+        return done;
+    // The last whole block once more, so that the row ends with it.
+    const int pixelOutput = numbers.destinationBytes << numbers.repeatShift;
+    const std::size_t destinationRow = sourcePixels * static_cast<std::size_t>(pixelOutput);
+    DoBlock<vectors, loads, mirrored>(block, source + (mirrored ? 0 : rowBytes - blockBytes),
+                                      destination + destinationRow - outputBytes);
+    return sourcePixels;
+}
+
+using BlocksMethod = std::size_t (*)(const StepNumbers& numbers, const unsigned char* source,
+                                     unsigned char* destination, std::size_t sourcePixels,
+                                     bool endsWhole);
+
+template <bool mirrored>
+BlocksMethod MethodOf(const BlockShape& shape)
+{
+    if (shape.loads == Loads::Shared)
+        return shape.vectors == 1 ? DoBlocks<1, Loads::Shared, mirrored>
+                                  : DoBlocks<2, Loads::Shared, mirrored>;
+    if (shape.loads == Loads::Straight)
+        return DoBlocks<1, Loads::Straight, mirrored>;
+    if (shape.vectors == 1)
+        return DoBlocks<1, Loads::Own, mirrored>;
+    if (shape.vectors == 2)
+        return DoBlocks<2, Loads::Own, mirrored>;
+    return DoBlocks<3, Loads::Own, mirrored>;
+}
+
+void Step(const PixelStep& step, const unsigned char* source, unsigned char* destination,
+          std::size_t destinationPixels)
+{
+    StepNumbers numbers = NumbersOf(step);
+    const BlockShape& shape =
+        shapes.of[numbers.sourceBytes - 1][numbers.destinationBytes - 1][numbers.repeatShift];
+    numbers.pixels = shape.pixels;
+
+    const std::size_t lastCopy = (std::size_t{1} << numbers.repeatShift) - 1;
+    const std::size_t sourcePixels = (destinationPixels + lastCopy) >> numbers.repeatShift;
+    const StepKernel narrower = VectorRoad::GetPixelKernels().step;
+    // A pixel more, as the last one may be cut short.
+    if (shape.loads == Loads::None || sourcePixels <= shape.pixels)
+        return narrower(step, source, destination, destinationPixels);
+
+    const BlocksMethod method = step.mirrored ? MethodOf<true>(shape) : MethodOf<false>(shape);
+    const std::size_t done =
+        method(numbers, source, destination, sourcePixels, (destinationPixels & lastCopy) == 0);
+    if (done == sourcePixels)
+        return;
+    const std::size_t doneCopies = done << numbers.repeatShift;
+    narrower(step, step.mirrored ? source : source + done * step.sourceBytes,
+             destination + doneCopies * step.destinationBytes, destinationPixels - doneCopies);
+}
+
+void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,
+          std::size_t destinationPixels)
+{
+    if (move.pixelBytes <= maxPixelBytes)
+        Step(WholePixelStep(move), source, destination, destinationPixels);
+    else
+        MovePixels<WidePiece, NarrowPiece>(move, source, destination, destinationPixels);
+}
+
+constexpr PixelKernels kernels = {Step, maxPixelBytes, Move};
+
+} // namespace
+
+const PixelKernels& GetPixelKernels()
+{
+    return kernels;
+}
+
+} // namespace zvk::Pelkraft::Avx2Road

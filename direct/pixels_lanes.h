@@ -1,0 +1,188 @@
+#pragma once
+
+#include "direct/kernels.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+// What the pixel steps of all vector levels share: from the places of one destination pixel to the
+// shuffle masks of a block. Included after the lanes of one level.
+//
+// A block takes some source pixels to the repeats of them, in whole vectors. Byte b of the block's
+// output belongs to the source pixel b / (repeat * destinationBytes), and in it to the place that
+// the step names for b % destinationBytes.
+namespace zvk::Pelkraft {
+namespace {
+
+constexpr int vectorBytes = 16 * laneCount;
+
+struct Counting
+{
+    unsigned char of[64];
+};
+
+constexpr Counting MakeCounting()
+{
+    Counting counting{};
+    for (int i = 0; i < 64; ++i)
+        counting.of[i] = static_cast<unsigned char>(i);
+    return counting;
+}
+
+alignas(64) constexpr Counting counting = MakeCounting();
+
+// 2 * byte * of[divisor] / 65536 is byte / divisor for every byte.
+struct Reciprocals
+{
+    std::uint16_t of[maxStepBytes + 1];
+};
+
+constexpr Reciprocals MakeReciprocals()
+{
+    Reciprocals reciprocals{};
+    for (unsigned i = 1; i <= maxStepBytes; ++i)
+        reciprocals.of[i] = static_cast<std::uint16_t>((32768 + i - 1) / i);
+    return reciprocals;
+}
+
+constexpr Reciprocals reciprocals = MakeReciprocals();
+
+constexpr bool ReciprocalsAreExact()
+{
+    for (unsigned divisor = 1; divisor <= maxStepBytes; ++divisor)
+        for (unsigned byte = 0; byte < 256; ++byte)
+            if ((2 * byte * reciprocals.of[divisor]) >> 16 != byte / divisor)
+                return false;
+    return true;
+}
+
+static_assert(ReciprocalsAreExact());
+
+inline int Quotient(int byte, int divisor)
+{
+    return (2 * byte * reciprocals.of[divisor]) >> 16;
+}
+
+// A step in numbers, with the pixels of its blocks.
+struct StepNumbers
+{
+    const unsigned char* places;
+    int sourceBytes;
+    int destinationBytes;
+    // The repeat is 1 << repeatShift.
+    int repeatShift;
+    bool mirrored;
+    // Source pixels of a block.
+    int pixels;
+};
+
+inline StepNumbers NumbersOf(const PixelStep& step)
+{
+    // An operator of the array would be code that the linker might take for the whole program.
+    return {reinterpret_cast<const unsigned char*>(&step.places),
+            step.sourceBytes,
+            step.destinationBytes,
+            step.repeat >> 1,
+            step.mirrored,
+            0};
+}
+
+// For each byte of one output vector its place's index in the step, and the first byte of its
+// source pixel in the block.
+struct ByteOrigin
+{
+    Lanes index;
+    Lanes pixelStart;
+};
+
+inline Lanes Quotients(Lanes bytes, int divisor)
+{
+    const Lanes reciprocal = Set16(reciprocals.of[divisor]);
+    const Lanes twice = Set16(0x1fe);
+    const Lanes even = MultiplyHigh16(And(ShiftLeft16<1>(bytes), twice), reciprocal);
+    const Lanes odd = MultiplyHigh16(And(ShiftRight16<7>(bytes), twice), reciprocal);
+    return Or(even, ShiftLeft16<8>(odd));
+}
+
+// The words of these products never carry into each other: the bytes of both factors give a byte.
+inline ByteOrigin OriginOf(const StepNumbers& numbers, int vector)
+{
+    const Lanes bytes = Add8(Load(counting.of), Set8(vector * vectorBytes));
+    const Lanes copies = Quotients(bytes, numbers.destinationBytes);
+    const Lanes index = Subtract8(bytes, MultiplyLow16(copies, Set16(numbers.destinationBytes)));
+    Lanes pixel =
+        And(ShiftRight16By(copies, numbers.repeatShift), Set8(0xff >> numbers.repeatShift));
+    if (numbers.mirrored)
+        pixel = Subtract8(Set8(numbers.pixels - 1), pixel);
+    return {index, MultiplyLow16(pixel, Set16(numbers.sourceBytes))};
+}
+
+// Where a 16-byte or longer piece of output starts to read in a block of its own loads: at the
+// first of its pixels, or so much earlier that the load stays in the block.
+inline int LoadStart(const StepNumbers& numbers, int firstByte, int bytes)
+{
+    const int first = Quotient(firstByte, numbers.destinationBytes) >> numbers.repeatShift;
+    const int last =
+        Quotient(firstByte + bytes - 1, numbers.destinationBytes) >> numbers.repeatShift;
+    const int pixel = numbers.mirrored ? numbers.pixels - 1 - last : first;
+    const int start = pixel * numbers.sourceBytes;
+    const int latest = numbers.pixels * numbers.sourceBytes - bytes;
+    return start < latest ? start : latest;
+}
+
+// Whether every piece of so many bytes of a block's output comes from as many bytes of its source.
+constexpr bool PiecesFit(int sourceBytes, int outputBytes, int pixels, int pieceBytes)
+{
+    const int blockBytes = pixels * sourceBytes;
+    if (blockBytes < pieceBytes)
+        return false;
+    for (int start = 0; start < pixels * outputBytes; start += pieceBytes) {
+        const int first = start / outputBytes * sourceBytes;
+        const int last = (start + pieceBytes - 1) / outputBytes * sourceBytes + sourceBytes;
+        const int load = first < blockBytes - pieceBytes ? first : blockBytes - pieceBytes;
+        // The mirrored block is the same, seen from its end.
+        const int backwards = blockBytes - last;
+        const int loadBackwards =
+            backwards < blockBytes - pieceBytes ? backwards : blockBytes - pieceBytes;
+        if (last - load > pieceBytes || blockBytes - first - loadBackwards > pieceBytes)
+            return false;
+    }
+    return true;
+}
+
+// The step that moves small pixels as they are.
+inline PixelStep WholePixelStep(const PixelMove& move)
+{
+    PixelStep step;
+    step.sourceBytes = static_cast<std::uint8_t>(move.pixelBytes);
+    step.destinationBytes = static_cast<std::uint8_t>(move.pixelBytes);
+    step.repeat = move.repeat;
+    step.mirrored = move.mirrored;
+    std::memcpy(&step.places, counting.of, sizeof counting.of);
+    return step;
+}
+
+// The pieces of pixels_move.h.
+struct WidePiece
+{
+    static constexpr std::size_t bytes = vectorBytes;
+    static Lanes Get(const unsigned char* from) { return Load(from); }
+    static void Put(unsigned char* to, Lanes v) { Store(to, v); }
+};
+
+struct NarrowPiece
+{
+    static constexpr std::size_t bytes = 16;
+    static __m128i Get(const unsigned char* from)
+    {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    }
+    static void Put(unsigned char* to, __m128i v)
+    {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), v);
+    }
+};
+
+} // namespace
+} // namespace zvk::Pelkraft
