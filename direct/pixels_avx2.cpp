@@ -181,11 +181,9 @@ BlocksMethod MethodOf(const BlockShape& shape)
 void Step(const PixelStep& step, const unsigned char* source, unsigned char* destination,
           std::size_t destinationPixels)
 {
-    StepNumbers numbers = NumbersOf(step);
     const BlockShape& shape =
-        shapes.of[numbers.sourceBytes - 1][numbers.destinationBytes - 1][numbers.repeatShift];
-    numbers.pixels = shape.pixels;
-
+        shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][step.repeat >> 1];
+    const StepNumbers numbers = NumbersOf(step, shape.pixels);
     const std::size_t lastCopy = (std::size_t{1} << numbers.repeatShift) - 1;
     const std::size_t sourcePixels = (destinationPixels + lastCopy) >> numbers.repeatShift;
     const StepKernel narrower = VectorRoad::GetPixelKernels().step;

@@ -2,7 +2,6 @@
 #include "direct/pixels_parts_avx512.h"
 
 #include "direct/pixels_blocks.h"
-#include "direct/pixels_move.h"
 
 namespace zvk::Pelkraft::Avx512Road {
 namespace {
@@ -60,16 +59,14 @@ constexpr ThreeVectorsBySize FindThreeVectors()
 constexpr ThreeVectorsBySize threeVectors = FindThreeVectors();
 
 // The fullest vectors win, then the fewest loads.
-BlockShape FindShape(const StepNumbers& numbers)
+BlockShape FindShape(const PixelStep& step, int outputBytes)
 {
-    const int shift = numbers.repeatShift;
-    const int outputBytes = numbers.destinationBytes << shift;
-    const int loaded = capacities.sourcePixels[numbers.sourceBytes];
-    const int stored = capacities.outputPixels[numbers.destinationBytes] >> shift;
+    const int shift = step.repeat >> 1;
+    const int loaded = capacities.sourcePixels[step.sourceBytes];
+    const int stored = capacities.outputPixels[step.destinationBytes] >> shift;
     int pixels = loaded < stored ? loaded : stored;
     int vectors = (pixels * outputBytes + vectorBytes - 1) / vectorBytes;
-    const int fewerBytes = (vectors - 1) * vectorBytes;
-    const int fewerPixels = Quotient(fewerBytes, numbers.destinationBytes) >> shift;
+    const int fewerPixels = Quotient((vectors - 1) * vectorBytes, step.destinationBytes) >> shift;
     if (fewerPixels * vectors > pixels * (vectors - 1)) {
         pixels = fewerPixels;
         --vectors;
@@ -80,21 +77,20 @@ BlockShape FindShape(const StepNumbers& numbers)
 void Step(const PixelStep& step, const unsigned char* source, unsigned char* destination,
           std::size_t destinationPixels)
 {
-    StepNumbers numbers = NumbersOf(step);
-    const BlockShape shape = FindShape(numbers);
-    const int outputBytes = numbers.destinationBytes << numbers.repeatShift;
-    numbers.pixels = shape.pixels;
+    const int outputBytes = step.destinationBytes << (step.repeat >> 1);
+    const BlockShape shape = FindShape(step, outputBytes);
+    int pixels = shape.pixels;
     BlocksMethod method = SharedMethodOf<true>(shape.vectors);
-    if (shape.pixels * outputBytes != shape.vectors * vectorBytes) {
+    if (pixels * outputBytes != shape.vectors * vectorBytes) {
         method = SharedMethodOf<false>(shape.vectors);
-        const int third = Quotient(numbers.destinationBytes, 3) << numbers.repeatShift;
+        const int third = Quotient(step.destinationBytes, 3) << (step.repeat >> 1);
         if (3 * third == outputBytes && third <= 32 &&
-            numbers.sourceBytes <= threeVectors.of[third].sourceBytes) {
-            numbers.pixels = threeVectors.of[third].pixels;
+            step.sourceBytes <= threeVectors.of[third].sourceBytes) {
+            pixels = threeVectors.of[third].pixels;
             method = RunBlocks<3, true, true>;
         }
     }
-    RunStep(numbers, method, source, destination, destinationPixels);
+    method(step, pixels, source, destination, destinationPixels);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,
@@ -103,7 +99,8 @@ void Move(const PixelMove& move, const unsigned char* source, unsigned char* des
     if (move.pixelBytes <= maxStepBytes)
         Step(WholePixelStep(move), source, destination, destinationPixels);
     else
-        MovePixels<WidePiece, NarrowPiece>(move, source, destination, destinationPixels);
+        // Vectors of 64 bytes would cross a line of the cache with nearly every store.
+        Avx2Road::GetPixelKernels().move(move, source, destination, destinationPixels);
 }
 
 constexpr PixelKernels kernels = {Step, maxStepBytes, Move};

@@ -6,9 +6,9 @@
 #include <cstddef>
 
 // Pixel steps whose blocks are moved by whole vectors that overlap. Included after the lanes of a
-// level and its own Permute, LoadPart and StorePart: a shuffle across the whole vector, and loads
-// and stores of fewer bytes than a vector has.
-// Only for files built with vector flags: all of it has internal linkage on purpose.
+// level and its own PlacesAt, Permute, LoadPart and StorePart: shuffles across the whole vector,
+// and loads and stores of fewer bytes than a vector has. Only for files built with vector flags:
+// all of it has internal linkage on purpose.
 namespace zvk::Pelkraft {
 namespace {
 
@@ -28,7 +28,19 @@ struct Rows
     std::ptrdiff_t sourceBytes;
     unsigned char* destination;
     std::ptrdiff_t destinationBytes;
+    // The last source pixel has all its copies.
+    bool endsWhole;
 };
+
+inline Rows RowsOf(const StepNumbers& numbers, const unsigned char* source,
+                   unsigned char* destination, std::size_t destinationPixels)
+{
+    const std::size_t lastCopy = (std::size_t{1} << numbers.repeatShift) - 1;
+    const std::size_t sourcePixels = (destinationPixels + lastCopy) >> numbers.repeatShift;
+    return {source, static_cast<std::ptrdiff_t>(sourcePixels) * numbers.sourceBytes, destination,
+            static_cast<std::ptrdiff_t>(destinationPixels) * numbers.destinationBytes,
+            (destinationPixels & lastCopy) == 0};
+}
 
 // The masks of a block, where each loads from in it, and the way from block to block. Where one
 // load serves the block, `loadAt` is the same for all vectors.
@@ -55,7 +67,7 @@ template <int vectors, bool ownLoads>
         const int at = ownLoads ? LoadStart(numbers, vectorBytes * vector, vectorBytes) : oneLoad;
         const ByteOrigin origin = OriginOf(numbers, vector);
         block.masks[vector] =
-            Add8(Permute(places, origin.index), Subtract8(origin.pixelStart, Set8(at)));
+            Add8(PlacesAt(places, origin.index), Subtract8(origin.pixelStart, Set8(at)));
         block.loadAt[vector] = at;
     });
     block.fromStep = numbers.mirrored ? -blockBytes : blockBytes;
@@ -116,13 +128,14 @@ std::ptrdiff_t WholeBytes(const StepNumbers& numbers)
 
 // Full vectors of output need no more than the block's own bytes, if its loads need no more.
 template <int vectors, bool ownLoads, bool isFull>
-void RunBlocks(const StepNumbers& numbers, const Rows& rows)
+void RunBlocks(const PixelStep& step, int pixels, const unsigned char* source,
+               unsigned char* destination, std::size_t destinationPixels)
 {
+    const StepNumbers numbers = NumbersOf(step, pixels);
+    const Rows rows = RowsOf(numbers, source, destination, destinationPixels);
     const Block<vectors> block = MakeBlock<vectors, ownLoads>(numbers);
     const std::ptrdiff_t toStep = isFull ? vectors * vectorBytes : block.toStep;
     const std::ptrdiff_t fromStep = block.fromStep;
-    const unsigned char* source = rows.source;
-    unsigned char* destination = rows.destination;
     const std::ptrdiff_t last = rows.destinationBytes - WholeBytes<vectors>(numbers);
     std::ptrdiff_t from = numbers.mirrored ? rows.sourceBytes + fromStep : 0;
     std::ptrdiff_t to = 0;
@@ -135,11 +148,19 @@ void RunBlocks(const StepNumbers& numbers, const Rows& rows)
         to += toStep;
         from += fromStep;
     }
-    if (to < rows.destinationBytes)
+    if (to >= rows.destinationBytes)
+        return;
+    // The last whole block once more, so that the row ends with it.
+    if (isFull && to != 0 && rows.endsWhole && numbers.pixels * numbers.sourceBytes >= vectorBytes)
+        DoBlock<vectors, ownLoads>(block,
+                                   source + (numbers.mirrored ? 0 : rows.sourceBytes - fromStep),
+                                   destination + (rows.destinationBytes - toStep));
+    else
         DoRest(block, rows, from, to);
 }
 
-using BlocksMethod = void (*)(const StepNumbers& numbers, const Rows& rows);
+using BlocksMethod = void (*)(const PixelStep& step, int pixels, const unsigned char* source,
+                              unsigned char* destination, std::size_t destinationPixels);
 
 template <bool isFull>
 BlocksMethod SharedMethodOf(int vectors)
@@ -154,17 +175,6 @@ BlocksMethod SharedMethodOf(int vectors)
     default:
         return RunBlocks<4, false, isFull>;
     }
-}
-
-inline void RunStep(const StepNumbers& numbers, BlocksMethod method, const unsigned char* source,
-                    unsigned char* destination, std::size_t destinationPixels)
-{
-    const std::size_t lastCopy = (std::size_t{1} << numbers.repeatShift) - 1;
-    const std::size_t sourcePixels = (destinationPixels + lastCopy) >> numbers.repeatShift;
-    const Rows rows = {source, static_cast<std::ptrdiff_t>(sourcePixels) * numbers.sourceBytes,
-                       destination,
-                       static_cast<std::ptrdiff_t>(destinationPixels) * numbers.destinationBytes};
-    method(numbers, rows);
 }
 
 } // namespace

@@ -77,7 +77,7 @@ struct StepNumbers
     int pixels;
 };
 
-inline StepNumbers NumbersOf(const PixelStep& step)
+inline StepNumbers NumbersOf(const PixelStep& step, int pixels)
 {
     // An operator of the array would be code that the linker might take for the whole program.
     return {reinterpret_cast<const unsigned char*>(&step.places),
@@ -85,7 +85,7 @@ inline StepNumbers NumbersOf(const PixelStep& step)
             step.destinationBytes,
             step.repeat >> 1,
             step.mirrored,
-            0};
+            pixels};
 }
 
 // For each byte of one output vector its place's index in the step, and the first byte of its

@@ -14,79 +14,128 @@ namespace {
 // Above this, a call of the C library's copy costs less than it gains.
 constexpr std::size_t maxInlineBytes = 512;
 
-// One to so many copies of each pixel side by side, each by `Copy`.
-template <typename Copy>
-[[gnu::always_inline]] inline void ForEachCopy(const PixelMove& move, const unsigned char* source,
-                                               unsigned char* destination,
-                                               std::size_t destinationPixels, Copy copy)
+// Calls copy(from, to, copies) for each source pixel, `copies` being a constant of the build but
+// for a last pixel that has fewer.
+template <std::size_t repeat, typename Copy>
+[[gnu::always_inline]] inline void ForEachPixel(const PixelMove& move,
+                                                std::size_t destinationPixels, Copy copy)
 {
     const std::size_t bytes = move.pixelBytes;
-    const std::size_t sourcePixels = (destinationPixels + move.repeat - 1) / move.repeat;
+    const std::size_t whole = destinationPixels / repeat;
+    const std::size_t rest = destinationPixels % repeat;
+    const std::size_t sourcePixels = rest == 0 ? whole : whole + 1;
     // Unsigned, so that a step backwards wraps around.
     const std::size_t fromStep = move.mirrored ? std::size_t{0} - bytes : bytes;
     std::size_t from = move.mirrored ? (sourcePixels - 1) * bytes : 0;
-    std::size_t left = destinationPixels;
-    for (std::size_t pixel = 0; pixel < sourcePixels; ++pixel, from += fromStep) {
-        const std::size_t copies = left < move.repeat ? left : move.repeat;
-        for (std::size_t i = 0; i < copies; ++i, destination += bytes)
-            copy(source + from, destination);
-        left -= copies;
+    std::size_t to = 0;
+    for (std::size_t pixel = 0; pixel < whole; ++pixel) {
+        copy(from, to, repeat);
+        from += fromStep;
+        to += repeat * bytes;
     }
+    if (rest != 0)
+        copy(from, to, rest);
 }
 
 // Pixels of one to two pieces, which overlap.
-template <typename Piece>
+template <typename Piece, std::size_t repeat>
 void MoveByTwo(const PixelMove& move, const unsigned char* source, unsigned char* destination,
                std::size_t destinationPixels)
 {
-    const std::size_t second = move.pixelBytes - Piece::bytes;
-    ForEachCopy(move, source, destination, destinationPixels,
-                [second](const unsigned char* from, unsigned char* to) {
-                    const auto start = Piece::Get(from);
-                    const auto end = Piece::Get(from + second);
-                    Piece::Put(to, start);
-                    Piece::Put(to + second, end);
-                });
+    const std::size_t bytes = move.pixelBytes;
+    const std::size_t second = bytes - Piece::bytes;
+    ForEachPixel<repeat>(move, destinationPixels,
+                         [=](std::size_t from, std::size_t to, std::size_t copies) {
+                             const auto start = Piece::Get(source + from);
+                             const auto end = Piece::Get(source + from + second);
+                             for (std::size_t i = 0; i < copies; ++i) {
+                                 Piece::Put(destination + to + i * bytes, start);
+                                 Piece::Put(destination + to + i * bytes + second, end);
+                             }
+                         });
 }
 
-// The same for pixels of two pieces and more.
-template <typename Piece>
+// Pixels that one piece holds. What it writes too much of lies in the next pixel; so the first and
+// the last source pixel, which have none on one side, are moved by narrower pieces.
+template <typename Wide, typename Narrow, std::size_t repeat>
+void MoveByOne(const PixelMove& move, const unsigned char* source, unsigned char* destination,
+               std::size_t destinationPixels)
+{
+    const std::size_t bytes = move.pixelBytes;
+    const std::size_t sourcePixels = (destinationPixels + repeat - 1) / repeat;
+    if (sourcePixels <= 2)
+        return MoveByTwo<Narrow, repeat>(move, source, destination, destinationPixels);
+    const unsigned char* end = source + (sourcePixels - 1) * bytes;
+    MoveByTwo<Narrow, repeat>(move, move.mirrored ? end : source, destination, repeat);
+    const std::size_t doneCopies = (sourcePixels - 1) * repeat;
+    const unsigned char* middle = source + bytes;
+    unsigned char* to = destination + repeat * bytes;
+    ForEachPixel<repeat>(move, doneCopies - repeat,
+                         [=](std::size_t from, std::size_t at, std::size_t copies) {
+                             const auto pixel = Wide::Get(middle + from);
+                             for (std::size_t i = 0; i < copies; ++i)
+                                 Wide::Put(to + at + i * bytes, pixel);
+                         });
+    MoveByTwo<Narrow, repeat>(move, move.mirrored ? source : end, destination + doneCopies * bytes,
+                              destinationPixels - doneCopies);
+}
+
+// Pixels of one piece or more.
+template <typename Piece, std::size_t repeat>
 void MoveByPieces(const PixelMove& move, const unsigned char* source, unsigned char* destination,
                   std::size_t destinationPixels)
 {
-    const std::size_t last = move.pixelBytes - Piece::bytes;
-    ForEachCopy(move, source, destination, destinationPixels,
-                [last](const unsigned char* from, unsigned char* to) {
-                    for (std::size_t at = 0; at < last; at += Piece::bytes)
-                        Piece::Put(to + at, Piece::Get(from + at));
-                    Piece::Put(to + last, Piece::Get(from + last));
-                });
+    const std::size_t bytes = move.pixelBytes;
+    const std::size_t last = bytes - Piece::bytes;
+    ForEachPixel<repeat>(
+        move, destinationPixels, [=](std::size_t from, std::size_t to, std::size_t copies) {
+            for (std::size_t i = 0; i < copies; ++i, to += bytes) {
+                for (std::size_t at = 0; at < last; at += Piece::bytes)
+                    Piece::Put(destination + to + at, Piece::Get(source + from + at));
+                Piece::Put(destination + to + last, Piece::Get(source + from + last));
+            }
+        });
 }
 
+template <std::size_t repeat>
 void MoveByCopy(const PixelMove& move, const unsigned char* source, unsigned char* destination,
                 std::size_t destinationPixels)
 {
     const std::size_t bytes = move.pixelBytes;
-    ForEachCopy(
-        move, source, destination, destinationPixels,
-        [bytes](const unsigned char* from, unsigned char* to) { std::memcpy(to, from, bytes); });
+    ForEachPixel<repeat>(move, destinationPixels,
+                         [=](std::size_t from, std::size_t to, std::size_t copies) {
+                             for (std::size_t i = 0; i < copies; ++i)
+                                 std::memcpy(destination + to + i * bytes, source + from, bytes);
+                         });
 }
 
-// Pixels of at least as many bytes as the narrow piece.
+template <typename Wide, typename Narrow, std::size_t repeat>
+void MoveRepeated(const PixelMove& move, const unsigned char* source, unsigned char* destination,
+                  std::size_t destinationPixels)
+{
+    const std::size_t bytes = move.pixelBytes;
+    if (bytes > maxInlineBytes)
+        MoveByCopy<repeat>(move, source, destination, destinationPixels);
+    else if (bytes > 2 * Wide::bytes)
+        MoveByPieces<Wide, repeat>(move, source, destination, destinationPixels);
+    else if (bytes >= Wide::bytes)
+        MoveByTwo<Wide, repeat>(move, source, destination, destinationPixels);
+    else
+        MoveByOne<Wide, Narrow, repeat>(move, source, destination, destinationPixels);
+}
+
+// Pixels of at least as many bytes as the narrow piece, which is half as long as the wide one or as
+// long.
 template <typename Wide, typename Narrow>
 void MovePixels(const PixelMove& move, const unsigned char* source, unsigned char* destination,
                 std::size_t destinationPixels)
 {
-    if (move.pixelBytes > maxInlineBytes)
-        MoveByCopy(move, source, destination, destinationPixels);
-    else if (move.pixelBytes > 2 * Wide::bytes)
-        MoveByPieces<Wide>(move, source, destination, destinationPixels);
-    else if (move.pixelBytes >= Wide::bytes)
-        MoveByTwo<Wide>(move, source, destination, destinationPixels);
-    else if (move.pixelBytes <= 2 * Narrow::bytes)
-        MoveByTwo<Narrow>(move, source, destination, destinationPixels);
+    if (move.repeat == 1)
+        MoveRepeated<Wide, Narrow, 1>(move, source, destination, destinationPixels);
+    else if (move.repeat == 2)
+        MoveRepeated<Wide, Narrow, 2>(move, source, destination, destinationPixels);
     else
-        MoveByPieces<Narrow>(move, source, destination, destinationPixels);
+        MoveRepeated<Wide, Narrow, 4>(move, source, destination, destinationPixels);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/lanes_avx512.h"
+#include "direct/kernels.h"
 
 #include <cstddef>
 
@@ -14,10 +15,16 @@ inline Lanes LoadPlaces(const unsigned char* places)
     return Load(places);
 }
 
+inline Lanes PlacesAt(Lanes places, Lanes index)
+{
+    return _mm512_maskz_permutexvar_epi8(~__mmask64{0}, index, places);
+}
+
 // A byte of the mask with its top bit set gives 0.
 inline Lanes Permute(Lanes pixels, Lanes mask)
 {
-    return _mm512_maskz_permutexvar_epi8(~_mm512_movepi8_mask(mask), mask, pixels);
+    const __mmask64 used = _mm512_testn_epi8_mask(mask, Set8(emptyByte));
+    return _mm512_maskz_permutexvar_epi8(used, mask, pixels);
 }
 
 // The count is 1 to 63. The bytes after those loaded are 0.

@@ -53,6 +53,11 @@ inline Lanes LoadPlaces(const unsigned char* places)
     return Load(places);
 }
 
+inline Lanes PlacesAt(Lanes places, Lanes index)
+{
+    return Shuffle(places, index);
+}
+
 inline Lanes Permute(Lanes pixels, Lanes mask)
 {
     return Shuffle(pixels, mask);

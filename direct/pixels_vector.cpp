@@ -56,23 +56,22 @@ constexpr BlockShapes MakeShapes()
 
 constexpr BlockShapes shapes = MakeShapes();
 
-BlocksMethod MethodOf(const BlockShape& shape, const StepNumbers& numbers)
+BlocksMethod MethodOf(const BlockShape& shape, int outputBytes)
 {
     if (shape.ownLoads)
         return shape.vectors == 3 ? RunBlocks<3, true, true> : RunBlocks<5, true, true>;
-    const int outputBytes = shape.pixels * (numbers.destinationBytes << numbers.repeatShift);
-    return outputBytes == shape.vectors * vectorBytes ? SharedMethodOf<true>(shape.vectors)
-                                                      : SharedMethodOf<false>(shape.vectors);
+    return shape.pixels * outputBytes == shape.vectors * vectorBytes
+               ? SharedMethodOf<true>(shape.vectors)
+               : SharedMethodOf<false>(shape.vectors);
 }
 
 void Step(const PixelStep& step, const unsigned char* source, unsigned char* destination,
           std::size_t destinationPixels)
 {
-    StepNumbers numbers = NumbersOf(step);
-    const BlockShape& shape =
-        shapes.of[numbers.sourceBytes - 1][numbers.destinationBytes - 1][numbers.repeatShift];
-    numbers.pixels = shape.pixels;
-    RunStep(numbers, MethodOf(shape, numbers), source, destination, destinationPixels);
+    const int shift = step.repeat >> 1;
+    const BlockShape& shape = shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][shift];
+    MethodOf(shape, step.destinationBytes << shift)(step, shape.pixels, source, destination,
+                                                    destinationPixels);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,
