@@ -121,42 +121,39 @@ Block<vectors> MakeBlock(const StepNumbers& numbers)
     return block;
 }
 
-// Answers how many source pixels it has served.
+// Answers how many bytes of the destination it has served.
 template <int vectors, Loads loads, bool mirrored>
 std::size_t DoBlocks(const StepNumbers& numbers, const unsigned char* source,
                      unsigned char* destination, std::size_t sourcePixels, bool endsWhole)
 {
     const Block<vectors> block = MakeBlock<vectors, loads>(numbers);
-    const auto pixels = static_cast<std::size_t>(numbers.pixels);
-    const auto blockBytes = pixels * static_cast<std::size_t>(numbers.sourceBytes);
+    const auto pixelOutput =
+        static_cast<std::size_t>(numbers.destinationBytes << numbers.repeatShift);
+    const auto blockBytes = static_cast<std::size_t>(numbers.pixels * numbers.sourceBytes);
     constexpr std::size_t outputBytes = std::size_t{vectors} * vectorBytes;
-    const std::size_t wholePixels = endsWhole ? sourcePixels : sourcePixels - 1;
+    const std::size_t wholeBytes = (endsWhole ? sourcePixels : sourcePixels - 1) * pixelOutput;
 
     // Unsigned, so that a step backwards wraps around.
     const std::size_t fromStep = mirrored ? std::size_t{0} - blockBytes : blockBytes;
     const std::size_t rowBytes = sourcePixels * static_cast<std::size_t>(numbers.sourceBytes);
     std::size_t from = mirrored ? rowBytes - blockBytes : 0;
     std::size_t to = 0;
-    std::size_t done = 0;
-    for (; done + 2 * pixels <= wholePixels; done += 2 * pixels) {
+    const auto one = [&](auto) {
         DoBlock<vectors, loads, mirrored>(block, source + from, destination + to);
-        DoBlock<vectors, loads, mirrored>(block, source + (from + fromStep),
-                                          destination + to + outputBytes);
-        from += 2 * fromStep;
-        to += 2 * outputBytes;
-    }
-    if (done + pixels <= wholePixels) {
-        DoBlock<vectors, loads, mirrored>(block, source + from, destination + to);
-        done += pixels;
-    }
-    if (done == sourcePixels || !endsWhole || done == 0)
-        return done;
+        from += fromStep;
+        to += outputBytes;
+    };
+    constexpr int together = vectors == 1 ? 4 : 2;
+    while (to + together * outputBytes <= wholeBytes)
+        Unroll<together>(one);
+    while (to + outputBytes <= wholeBytes)
+        one(0);
+    if (to == wholeBytes || !endsWhole)
+        return to;
     // The last whole block once more, so that the row ends with it.
-    const int pixelOutput = numbers.destinationBytes << numbers.repeatShift;
-    const std::size_t destinationRow = sourcePixels * static_cast<std::size_t>(pixelOutput);
     DoBlock<vectors, loads, mirrored>(block, source + (mirrored ? 0 : rowBytes - blockBytes),
-                                      destination + destinationRow - outputBytes);
-    return sourcePixels;
+                                      destination + (wholeBytes - outputBytes));
+    return wholeBytes;
 }
 
 using BlocksMethod = std::size_t (*)(const StepNumbers& numbers, const unsigned char* source,
@@ -192,13 +189,14 @@ void Step(const PixelStep& step, const unsigned char* source, unsigned char* des
         return narrower(step, source, destination, destinationPixels);
 
     const BlocksMethod method = step.mirrored ? MethodOf<true>(shape) : MethodOf<false>(shape);
-    const std::size_t done =
+    const std::size_t doneBytes =
         method(numbers, source, destination, sourcePixels, (destinationPixels & lastCopy) == 0);
-    if (done == sourcePixels)
+    if (doneBytes == destinationPixels * step.destinationBytes)
         return;
-    const std::size_t doneCopies = done << numbers.repeatShift;
-    narrower(step, step.mirrored ? source : source + done * step.sourceBytes,
-             destination + doneCopies * step.destinationBytes, destinationPixels - doneCopies);
+    const std::size_t doneCopies = doneBytes / step.destinationBytes;
+    const std::size_t donePixels = doneCopies >> numbers.repeatShift;
+    narrower(step, step.mirrored ? source : source + donePixels * step.sourceBytes,
+             destination + doneBytes, destinationPixels - doneCopies);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,

@@ -139,15 +139,16 @@ void RunBlocks(const PixelStep& step, int pixels, const unsigned char* source,
     const std::ptrdiff_t last = rows.destinationBytes - WholeBytes<vectors>(numbers);
     std::ptrdiff_t from = numbers.mirrored ? rows.sourceBytes + fromStep : 0;
     std::ptrdiff_t to = 0;
-    for (; to + toStep <= last; to += 2 * toStep, from += 2 * fromStep) {
-        DoBlock<vectors, ownLoads>(block, source + from, destination + to);
-        DoBlock<vectors, ownLoads>(block, source + (from + fromStep), destination + (to + toStep));
+    constexpr int together = vectors == 1 ? 4 : 2;
+    for (; to + (together - 1) * toStep <= last; to += together * toStep) {
+        Unroll<together>([&](auto number) {
+            DoBlock<vectors, ownLoads>(block, source + (from + number * fromStep),
+                                       destination + (to + number * toStep));
+        });
+        from += together * fromStep;
     }
-    if (to <= last) {
+    for (; to <= last; to += toStep, from += fromStep)
         DoBlock<vectors, ownLoads>(block, source + from, destination + to);
-        to += toStep;
-        from += fromStep;
-    }
     if (to >= rows.destinationBytes)
         return;
     // The last whole block once more, so that the row ends with it.
