@@ -114,8 +114,8 @@ struct Travel
     int bits;
 };
 
-// A pixel that a word holds becomes one of the same size: the bytes that stay, those that travel
-// to higher bits and those that travel to lower ones.
+// A pixel that a word holds becomes another one: the bytes that stay, those that travel to higher
+// bits and those that travel to lower ones.
 template <typename Word>
 struct WordMap
 {
@@ -151,7 +151,9 @@ WordMap<Word> MakeWordMap(const PixelStep& step)
     WordMap<Word> map{};
     int ups = 0;
     int downs = 0;
-    for (int byte = 0; byte < int{sizeof(Word)}; ++byte) {
+    const int bytes =
+        step.destinationBytes < int{sizeof(Word)} ? step.destinationBytes : int{sizeof(Word)};
+    for (int byte = 0; byte < bytes; ++byte) {
         const unsigned place = step.places[static_cast<std::size_t>(byte)];
         if (place == emptyByte)
             continue;
@@ -168,21 +170,62 @@ WordMap<Word> MakeWordMap(const PixelStep& step)
     return map;
 }
 
+// The part of a map that a loop needs, as values that no store can change.
+template <typename Word, int count>
+struct FixedMap
+{
+    explicit FixedMap(const WordMap<Word>& map) : stay(map.stay)
+    {
+        for (int i = 0; i < count; ++i) {
+            up[i] = map.up[i];
+            down[i] = map.down[i];
+        }
+    }
+
+    Word operator()(Word word) const
+    {
+        Word mapped = word & stay;
+        for (int i = 0; i < count; ++i) {
+            mapped |= (word & up[i].mask) << up[i].bits;
+            mapped |= (word & down[i].mask) >> down[i].bits;
+        }
+        return mapped;
+    }
+
+    Word stay;
+    Travel<Word> up[count];
+    Travel<Word> down[count];
+};
+
 template <typename Word, int count, bool mirrored>
-void MapWords(const WordMap<Word>& map, const unsigned char* source, unsigned char* destination,
+[[gnu::noinline]] void MapWords(const WordMap<Word>& map, const unsigned char* source, unsigned char* destination,
               std::size_t pixels)
 {
-    const WordMap<Word> fixed = map;
+    const FixedMap<Word, count> fixed(map);
     for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
         const std::size_t from = mirrored ? pixels - 1 - pixel : pixel;
         const Word word = WordPiece<Word>::Get(source + from * sizeof(Word));
-        Word mapped = word & fixed.stay;
-        for (int i = 0; i < count; ++i) {
-            mapped |= (word & fixed.up[i].mask) << fixed.up[i].bits;
-            mapped |= (word & fixed.down[i].mask) >> fixed.down[i].bits;
-        }
-        WordPiece<Word>::Put(destination + pixel * sizeof(Word), mapped);
+        WordPiece<Word>::Put(destination + pixel * sizeof(Word), fixed(word));
     }
+}
+
+// The same for pixels of fewer bytes than the word has. What it reads and writes too much of lies
+// in the next pixels, so that the last ones are left; answers how many are done.
+template <int count>
+std::size_t MapLooseWords(const WordMap<std::uint64_t>& map, const PixelStep& step,
+                          const unsigned char* source, unsigned char* destination,
+                          std::size_t pixels)
+{
+    using Word = WordPiece<std::uint64_t>;
+    const FixedMap<std::uint64_t, count> fixed(map);
+    const std::size_t sourceBytes = step.sourceBytes;
+    const std::size_t destinationBytes = step.destinationBytes;
+    const std::size_t done = pixels < 8 ? 0 : pixels - 7;
+    for (std::size_t pixel = 0; pixel < done; ++pixel) {
+        const std::uint64_t word = Word::Get(source + pixel * sourceBytes);
+        Word::Put(destination + pixel * destinationBytes, fixed(word));
+    }
+    return done;
 }
 
 template <typename Word, bool mirrored>
@@ -205,19 +248,19 @@ template <typename Unit>
 void MapColumn(const unsigned char* source, std::size_t from, std::size_t fromStep,
                unsigned char* destination, std::size_t to, std::size_t toStep, std::size_t pixels)
 {
-    const auto one = [&] {
-        WordPiece<Unit>::Put(destination + to, WordPiece<Unit>::Get(source + from));
-        from += fromStep;
-        to += toStep;
+    const auto one = [=](std::size_t pixel) {
+        WordPiece<Unit>::Put(destination + (to + pixel * toStep),
+                             WordPiece<Unit>::Get(source + (from + pixel * fromStep)));
     };
-    for (; pixels >= 4; pixels -= 4) {
-        one();
-        one();
-        one();
-        one();
+    std::size_t pixel = 0;
+    for (; pixel + 4 <= pixels; pixel += 4) {
+        one(pixel);
+        one(pixel + 1);
+        one(pixel + 2);
+        one(pixel + 3);
     }
-    for (; pixels != 0; --pixels)
-        one();
+    for (; pixel < pixels; ++pixel)
+        one(pixel);
 }
 
 template <typename Unit>
@@ -268,6 +311,25 @@ void MapByColumns(const PixelStep& step, const unsigned char* source, unsigned c
     }
 }
 
+void MapBytes(const PixelStep& step, const unsigned char* source, unsigned char* destination,
+              std::size_t pixels)
+{
+    constexpr std::size_t wordBytes = sizeof(std::uint64_t);
+    std::size_t done = 0;
+    if (!step.mirrored && step.sourceBytes <= wordBytes && step.destinationBytes <= wordBytes &&
+        step.destinationBytes > 2) {
+        const WordMap<std::uint64_t> map = MakeWordMap<std::uint64_t>(step);
+        if (map.count <= 1)
+            done = MapLooseWords<1>(map, step, source, destination, pixels);
+        else if (map.count == 2)
+            done = MapLooseWords<2>(map, step, source, destination, pixels);
+        else if (map.count == 3)
+            done = MapLooseWords<3>(map, step, source, destination, pixels);
+    }
+    MapByColumns<std::uint8_t>(step, source + done * step.sourceBytes,
+                               destination + done * step.destinationBytes, pixels - done);
+}
+
 // Each source pixel once.
 void Map(const PixelStep& step, const unsigned char* source, unsigned char* destination,
          std::size_t pixels)
@@ -284,7 +346,7 @@ void Map(const PixelStep& step, const unsigned char* source, unsigned char* dest
     else if (HasUnits(step, 2))
         MapByColumns<std::uint16_t>(step, source, destination, pixels);
     else
-        MapByColumns<std::uint8_t>(step, source, destination, pixels);
+        MapBytes(step, source, destination, pixels);
 }
 
 bool MovesWholePixels(const PixelStep& step)
