@@ -63,7 +63,7 @@ void MoveByOne(const PixelMove& move, const unsigned char* source, unsigned char
 {
     const std::size_t bytes = move.pixelBytes;
     const std::size_t sourcePixels = (destinationPixels + repeat - 1) / repeat;
-    if (sourcePixels <= 2)
+    if (sourcePixels <= 1)
         return MoveByTwo<Narrow, repeat>(move, source, destination, destinationPixels);
     const unsigned char* end = source + (sourcePixels - 1) * bytes;
     MoveByTwo<Narrow, repeat>(move, move.mirrored ? end : source, destination, repeat);

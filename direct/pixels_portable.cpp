@@ -198,8 +198,8 @@ struct FixedMap
 };
 
 template <typename Word, int count, bool mirrored>
-[[gnu::noinline]] void MapWords(const WordMap<Word>& map, const unsigned char* source, unsigned char* destination,
-              std::size_t pixels)
+[[gnu::noinline]] void MapWords(const WordMap<Word>& map, const unsigned char* source,
+                                unsigned char* destination, std::size_t pixels)
 {
     const FixedMap<Word, count> fixed(map);
     for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
