@@ -78,8 +78,8 @@ struct Loops<std::integer_sequence<int, channel...>>
     // Of fewer channels, of which the last one fills the slots of those that are missing: each
     // pixel is stored with that filling, and the next pixel over it.
     template <int sampleBytes, int named>
-    static void MergePadded(const unsigned char* const* planes, unsigned char* row,
-                            std::size_t pixels)
+    [[gnu::noinline]] static void MergePadded(const unsigned char* const* planes,
+                                              unsigned char* row, std::size_t pixels)
     {
         constexpr std::size_t slotBytes = channels * sampleBytes;
         constexpr std::size_t pixelBytes = named * sampleBytes;
