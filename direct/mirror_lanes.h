@@ -26,7 +26,7 @@ template <int depth>
     const unsigned char* last = plane + end / 8 - laneSamples;
     const int shift = static_cast<int>(end % 8);
     if (shift == 0) {
-        ForBlocks<laneSamples>(whole, [=](std::size_t x) {
+        ForShortBlocks<laneSamples>(whole, [=](std::size_t x) {
             Store(destination + x, TurnVector<depth>(Load(last - x)));
         });
     } else {

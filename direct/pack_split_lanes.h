@@ -54,7 +54,8 @@ void PackSplitPairs(const unsigned char* row, unsigned char* const* planes, std:
             samples[c][i] = block[c];
     }
     for (int c = 0; c < channels; ++c)
-        Store(planes[c] + byte, PackFour(samples[c]));
+        Store(planes[c] + byte,
+              PackFour(samples[c][0], samples[c][1], samples[c][2], samples[c][3]));
 }
 
 template <int depth, int channels>

@@ -33,6 +33,22 @@ template <std::size_t block, typename Body>
         body(count - block);
 }
 
+// The same for short bodies, two blocks a turn: a loop of one cycle takes two where its code
+// happens to stand badly.
+template <std::size_t block, typename Body>
+[[gnu::always_inline]] inline void ForShortBlocks(std::size_t count, Body body)
+{
+    std::size_t x = 0;
+    for (; x + 2 * block <= count; x += 2 * block) {
+        body(x);
+        body(x + block);
+    }
+    if (x + block <= count)
+        body(x);
+    if (count % block != 0)
+        body(count - block);
+}
+
 inline Lanes NarrowWords(Lanes v)
 {
     return ShiftRight16<8>(Add16(MultiplyHigh16(v, Set16(0xff01)), Set16(127)));
@@ -74,7 +90,7 @@ void Widen(const unsigned char* source, unsigned char* destination, std::size_t 
 {
     if (samples < laneSamples)
         return WidenShort(source, destination, samples);
-    ForBlocks<laneSamples>(
+    ForShortBlocks<laneSamples>(
         samples, [=](std::size_t x) { StoreSamples<2>(destination + 2 * x, Load(source + x)); });
 }
 
@@ -88,7 +104,7 @@ void Narrow(const unsigned char* source, unsigned char* destination, std::size_t
 {
     if (samples < laneSamples)
         return NarrowShort(source, destination, samples);
-    ForBlocks<laneSamples>(
+    ForShortBlocks<laneSamples>(
         samples, [=](std::size_t x) { Store(destination + x, LoadSamples<2>(source + 2 * x)); });
 }
 
@@ -162,25 +178,23 @@ void PackOneBit(const unsigned char* source, unsigned char* destination, std::si
 template <int sampleBytes>
 unsigned char PackLastPairs(const unsigned char* source, std::size_t samples)
 {
-    unsigned packed = 0;
-    for (std::size_t k = 0; k < samples; ++k) {
-        unsigned level = source[k * sampleBytes];
-        if constexpr (sampleBytes == 2) {
-            std::uint16_t wide;
-            std::memcpy(&wide, source + 2 * k, sizeof wide);
-            level = ((wide * 65281u >> 16) + 127) >> 8;
+    if constexpr (sampleBytes == 1)
+        return static_cast<unsigned char>(PackWord<2>(LoadFewLittle(source, samples)));
+    std::uint64_t narrowed = 0;
+    for (std::size_t k = 0; k < 3; ++k)
+        if (k < samples) {
+            const auto wide = static_cast<std::uint32_t>(LoadFewLittle(source + 2 * k, 2));
+            narrowed |= std::uint64_t{((wide * 65281u >> 16) + 127) >> 8} << (8 * k);
         }
-        packed |= (level & 3) << (6 - 2 * k);
-    }
-    return static_cast<unsigned char>(packed);
+    return static_cast<unsigned char>(PackWord<2>(narrowed));
 }
 
 // Four vectors of samples, in the order of the row, to one of packed bytes.
-inline Lanes PackFour(const Lanes* samples)
+inline Lanes PackFour(Lanes a, Lanes b, Lanes c, Lanes d)
 {
     const Lanes mask = Set8(3);
-    const Lanes first = JoinNeighbours<4>(And(samples[0], mask), And(samples[1], mask));
-    const Lanes second = JoinNeighbours<4>(And(samples[2], mask), And(samples[3], mask));
+    const Lanes first = JoinNeighbours<4>(And(a, mask), And(b, mask));
+    const Lanes second = JoinNeighbours<4>(And(c, mask), And(d, mask));
     return Gather<4>(JoinNeighbours<16>(first, second));
 }
 
@@ -188,10 +202,9 @@ template <int sampleBytes>
 Lanes PackFourFrom(const unsigned char* source)
 {
     constexpr std::size_t step = laneSamples * sampleBytes;
-    Lanes samples[4];
-    for (std::size_t i = 0; i < 4; ++i)
-        samples[i] = LoadSamples<sampleBytes>(source + step * i);
-    return PackFour(samples);
+    return PackFour(LoadSamples<sampleBytes>(source), LoadSamples<sampleBytes>(source + step),
+                    LoadSamples<sampleBytes>(source + 2 * step),
+                    LoadSamples<sampleBytes>(source + 3 * step));
 }
 
 template <int sampleBytes>
