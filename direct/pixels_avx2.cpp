@@ -7,20 +7,19 @@ namespace zvk::Pelkraft::Avx2Road {
 namespace {
 
 constexpr int maxPixelBytes = 16;
-constexpr int maxVectors = 3;
+constexpr int maxVectors = 2;
 
 // Where the two lanes of a vector come from.
 enum class Loads : unsigned char
 {
-    // The sizes do not fill vectors; 16-byte ones serve them as well.
+    // The sizes do not fill vectors by such loads. Lanes with loads of their own would, and be
+    // slower than vectors of 16 bytes.
     None,
     // One 16-byte load serves all lanes of the block.
     Shared,
     // 32 bytes side by side, a lane of output from the lane of the same number, or of the other
     // where the step mirrors.
     Straight,
-    // Each lane has a load of its own.
-    Own,
 };
 
 struct BlockShape
@@ -48,12 +47,10 @@ constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
         };
         if (pixels * outputBytes != vectors * vectorBytes)
             continue;
-        if (blockBytes == 16 && vectors < 3)
+        if (blockBytes == 16)
             return make(Loads::Shared);
         if (vectors == 1 && sourceBytes == outputBytes && 16 % sourceBytes == 0)
             return make(Loads::Straight);
-        if (PiecesFit(sourceBytes, outputBytes, pixels, 16))
-            return make(Loads::Own);
     }
     return {1, 0, Loads::None};
 }
@@ -71,12 +68,9 @@ constexpr BlockShapes MakeShapes()
 
 constexpr BlockShapes shapes = MakeShapes();
 
-// The loads of a block, as offsets from its first byte, and its masks.
 template <int vectors>
 struct Block
 {
-    std::ptrdiff_t loadAt[vectors];
-    std::ptrdiff_t secondLane[vectors];
     Lanes masks[vectors];
 };
 
@@ -93,8 +87,6 @@ template <int vectors, Loads loads, bool mirrored>
     Unroll<vectors>([&](auto vector) {
         if constexpr (loads == Loads::Straight)
             pixels = mirrored ? SwapLanes(Load(source)) : Load(source);
-        if constexpr (loads == Loads::Own)
-            pixels = LoadSpread(source + block.loadAt[vector], block.secondLane[vector]);
         Store(destination + vectorBytes * vector, Shuffle(pixels, block.masks[vector]));
     });
 }
@@ -104,19 +96,15 @@ Block<vectors> MakeBlock(const StepNumbers& numbers)
 {
     Block<vectors> block;
     const Lanes places = Broadcast(numbers.places);
+    // A lane of a straight load counts from its own first byte.
+    const int second = loads == Loads::Straight ? 16 : 0;
+    const int low = numbers.mirrored ? second : 0;
+    const Lanes starts =
+        _mm256_inserti128_si256(Set8(low), _mm_set1_epi8(static_cast<char>(second - low)), 1);
     Unroll<vectors>([&](auto vector) {
-        int first = 0;
-        int second = 0;
-        if constexpr (loads != Loads::Shared) {
-            first = LoadStart(numbers, vectorBytes * vector, 16);
-            second = LoadStart(numbers, vectorBytes * vector + 16, 16);
-        }
         const ByteOrigin origin = OriginOf(numbers, vector);
-        const Lanes starts = _mm256_inserti128_si256(Set8(first), _mm_set1_epi8(char(second)), 1);
         block.masks[vector] =
             Add8(Shuffle(places, origin.index), Subtract8(origin.pixelStart, starts));
-        block.loadAt[vector] = first;
-        block.secondLane[vector] = second - first;
     });
     return block;
 }
@@ -166,13 +154,7 @@ BlocksMethod MethodOf(const BlockShape& shape)
     if (shape.loads == Loads::Shared)
         return shape.vectors == 1 ? DoBlocks<1, Loads::Shared, mirrored>
                                   : DoBlocks<2, Loads::Shared, mirrored>;
-    if (shape.loads == Loads::Straight)
-        return DoBlocks<1, Loads::Straight, mirrored>;
-    if (shape.vectors == 1)
-        return DoBlocks<1, Loads::Own, mirrored>;
-    if (shape.vectors == 2)
-        return DoBlocks<2, Loads::Own, mirrored>;
-    return DoBlocks<3, Loads::Own, mirrored>;
+    return DoBlocks<1, Loads::Straight, mirrored>;
 }
 
 void Step(const PixelStep& step, const unsigned char* source, unsigned char* destination,
