@@ -4,32 +4,10 @@
 
 namespace zvk::Pelkraft {
 
-constexpr const char* unsupportedDepth = "zvk::Pelkraft::ImageRowFormat unsupported bit depth";
-
-std::int32_t LayoutOf(std::int32_t bits, bool planar)
-{
-    if (!planar)
-        return LayoutInterleaved;
-    return (bits & 7) != 0 ? LayoutPlanarPacked : LayoutPlanar;
-}
-
-bool IsPacked(const ImageRowFormat& format)
-{
-    return format.layout == LayoutPlanarPacked;
-}
-
 std::uint64_t PixelBytes(const ImageRowFormat& format)
 {
     return static_cast<std::uint64_t>(BytesPerSample(format.bits)) *
            static_cast<std::uint64_t>(static_cast<std::int64_t>(format.channels));
-}
-
-void RequireSupportedDepth(std::int32_t bits)
-{
-    constexpr std::uint32_t supportedDepths = 1U << 1 | 1U << 2 | 1U << 8 | 1U << 10 | 1U << 16;
-    const auto depth = static_cast<std::uint32_t>(bits);
-    if (depth > 16 || (supportedDepths >> depth & 1U) == 0)
-        throw unsupportedDepth;
 }
 
 std::uint64_t CountColumns(const ImageRowFormat& format, std::int64_t pixels)

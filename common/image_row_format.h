@@ -22,15 +22,31 @@ struct ImageRowFormat
     std::int64_t activeWidth = 0;
 };
 
-std::int32_t LayoutOf(std::int32_t bits, bool planar);
+inline std::int32_t LayoutOf(std::int32_t bits, bool planar)
+{
+    if (!planar)
+        return LayoutInterleaved;
+    return (bits & 7) != 0 ? LayoutPlanarPacked : LayoutPlanar;
+}
 
 // By layout and not by depth: an interleaved row of 1 or 2 bits is a row of bytes.
-bool IsPacked(const ImageRowFormat& format);
+inline bool IsPacked(const ImageRowFormat& format)
+{
+    return format.layout == LayoutPlanarPacked;
+}
 
 std::uint64_t PixelBytes(const ImageRowFormat& format);
 
-// Throws "zvk::Pelkraft::ImageRowFormat unsupported bit depth" unless bits is 1, 2, 8, 10 or 16.
-void RequireSupportedDepth(std::int32_t bits);
+constexpr const char* unsupportedDepth = "zvk::Pelkraft::ImageRowFormat unsupported bit depth";
+
+// Throws unsupportedDepth unless bits is 1, 2, 8, 10 or 16.
+inline void RequireSupportedDepth(std::int32_t bits)
+{
+    constexpr std::uint32_t supportedDepths = 1U << 1 | 1U << 2 | 1U << 8 | 1U << 10 | 1U << 16;
+    const auto depth = static_cast<std::uint32_t>(bits);
+    if (depth > 16 || (supportedDepths >> depth & 1U) == 0)
+        throw unsupportedDepth;
+}
 
 // A pixel count in what is counted along the row: byte columns of a packed row, else pixels.
 std::uint64_t CountColumns(const ImageRowFormat& format, std::int64_t pixels);

@@ -26,6 +26,13 @@ constexpr bool hasVectorRoad = false;
 
 // The road at a level that zvk::SystemTools::GetSseVersion reports; a caller that forces the
 // portable road passes 0.
-Road RoadOf(std::int32_t sseVersion);
+constexpr Road RoadOf(std::int32_t sseVersion)
+{
+    if (!hasVectorRoad || sseVersion < 3)
+        return Road::Portable;
+    if (sseVersion < 6)
+        return Road::Vector;
+    return sseVersion < 7 ? Road::Avx2 : Road::Avx512;
+}
 
 } // namespace zvk::Pelkraft

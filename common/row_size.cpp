@@ -5,16 +5,6 @@
 namespace zvk::Pelkraft {
 namespace {
 
-std::int32_t WrappedProduct(std::int32_t a, std::int32_t b)
-{
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
-}
-
-std::int32_t WrappedRoundToBytes(std::int32_t bits)
-{
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(bits) + 7U) / 8;
-}
-
 // What no 32-bit size equals.
 constexpr std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
 
@@ -38,20 +28,7 @@ std::int64_t ExactRowSize(const RowGeometry& geometry)
 
 } // namespace
 
-std::int32_t WrappedPlaneSize(const RowGeometry& geometry)
-{
-    return WrappedRoundToBytes(WrappedProduct(geometry.width, geometry.bits));
-}
-
-std::int32_t WrappedRowSize(const RowGeometry& geometry)
-{
-    if (geometry.planar)
-        return WrappedProduct(geometry.channels, WrappedPlaneSize(geometry));
-    return WrappedProduct(WrappedProduct(geometry.channels, geometry.width),
-                          WrappedRoundToBytes(geometry.bits));
-}
-
-bool RowSizeFits(const RowGeometry& geometry)
+bool AnyRowSizeFits(const RowGeometry& geometry)
 {
     return ExactRowSize(geometry) == WrappedRowSize(geometry);
 }
