@@ -1,0 +1,259 @@
+#include "direct/direct_plan.h"
+
+#include "common/bit_sizes.h"
+#include "direct/tile.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace zvk::Pelkraft {
+namespace {
+
+// Pixels of more bytes than this never stand whole in the tile; their channels take turns there.
+constexpr std::size_t maxTilePixelBytes = 256;
+
+// Interleaved samples take whole bytes, whatever their depth.
+std::uint8_t StorageBits(const ImageRowFormat& format)
+{
+    if (IsPacked(format))
+        return static_cast<std::uint8_t>(format.bits);
+    return format.bits > 8 ? 16 : 8;
+}
+
+// Pixels of so many channels, mapped by the plan's entries or not at all. A step over planes takes
+// samples for pixels.
+void FillStep(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes, bool maps)
+{
+    PixelStep& step = plan.step;
+    step.sourceBytes =
+        static_cast<std::uint8_t>(sampleBytes * (maps ? plan.sourceChannels : channels));
+    step.destinationBytes = static_cast<std::uint8_t>(sampleBytes * channels);
+    step.repeat = plan.repeat;
+    step.mirrored = plan.mirrored;
+    for (std::uint32_t c = 0; c != channels; ++c) {
+        const std::int32_t entry = maps ? plan.entries[c] : static_cast<std::int32_t>(c);
+        const auto from = static_cast<std::uint32_t>(entry) * sampleBytes;
+        for (std::size_t b = 0; b != sampleBytes; ++b)
+            step.places[c * sampleBytes + b] =
+                entry < 0 ? emptyByte : static_cast<unsigned char>(from + b);
+    }
+}
+
+// Adds the passes one after the other, and keeps in mind how the pixels stand after the last.
+class PassList
+{
+public:
+    PassList(DirectPlan& newPlan, std::uint8_t newBits, bool newPlanar)
+        : plan(newPlan), targetBits(newBits), targetPlanar(newPlanar),
+          turns(plan.mirrored || plan.repeat != 1), maps(plan.mapped), planar(plan.sourcePlanar),
+          bits(plan.sourceBits)
+    {}
+
+    void Choose()
+    {
+        // Planes are chosen by their addresses.
+        maps = maps && !planar;
+        if (!turns && bits == targetBits && planar == targetPlanar && !maps)
+            return Add(PassKind::Copy);
+        if (bits < 8 && bits == targetBits && plan.mirrored && plan.repeat == 1)
+            return Add(PassKind::MirrorBits);
+        if (bits < 8)
+            Unpack();
+        if (bits == 16 && targetBits < 16)
+            Narrow();
+        if (turns || (maps && !targetPlanar))
+            Turn();
+        if (planar != targetPlanar)
+            ChangeLayout();
+        if (bits != targetBits)
+            FinishDepth();
+    }
+
+private:
+    void Add(PassKind kind) { Add(kind, planar, bits); }
+
+    void Add(PassKind kind, bool newPlanar, std::uint8_t newBits)
+    {
+        plan.passes[plan.passCount++] = {kind, newPlanar, newBits};
+        planar = newPlanar;
+        bits = newBits;
+    }
+
+    void AddStep(std::uint32_t channels)
+    {
+        FillStep(plan, channels, bits / 8U, maps);
+        Add(PassKind::Step);
+    }
+
+    // Of the larger pixel, where a map is still to come.
+    std::size_t PixelBytes() const
+    {
+        const std::size_t channels = std::max(maps ? plan.sourceChannels : 0, plan.channels);
+        return WholeBytesOf(channels, bits);
+    }
+
+    bool FitsTile() const { return PixelBytes() <= maxTilePixelBytes; }
+    bool FitsStep() const { return PixelBytes() <= plan.kernels->pixels->stepBytes; }
+
+    void Unpack()
+    {
+        const bool widens = targetBits == 16 && targetPlanar && !turns;
+        Add(widens ? PassKind::UnpackWiden : PassKind::Unpack, true, widens ? 16 : 8);
+    }
+
+    void Narrow()
+    {
+        if (planar && targetBits < 8 && !turns)
+            return Add(PassKind::NarrowPack, true, targetBits);
+        // Pixels that do not fit the tile are split as they are.
+        if (!planar && !FitsTile())
+            Split();
+        Add(PassKind::Narrow, planar, 8);
+    }
+
+    void Split()
+    {
+        const bool packs =
+            bits == 8 && targetBits < 8 && !maps && !turns && plan.channels <= maxPackSplitChannels;
+        if (packs)
+            Add(PassKind::PackSplit, true, targetBits);
+        else
+            Add(PassKind::Split, true, bits);
+        plan.splitMaps = maps;
+        maps = false;
+    }
+
+    // Mirrors and repeats where the pixels have the fewest bytes, and maps with it where that is
+    // the same work.
+    void Turn()
+    {
+        if (planar && !targetPlanar && FitsTile())
+            Add(PassKind::Merge, false, bits);
+        if (!planar && FitsStep()) {
+            AddStep(plan.channels);
+            maps = turns = false;
+        } else if (!planar && !maps && !targetPlanar && (FitsTile() || bits == targetBits)) {
+            Add(PassKind::Move);
+            turns = false;
+        } else {
+            if (!planar)
+                Split();
+            if (turns)
+                AddStep(1);
+            turns = false;
+        }
+    }
+
+    // Samples are widened last, so that few bytes travel, where the pixels fit the tile.
+    void ChangeLayout()
+    {
+        // One channel stands the same in both.
+        if (plan.channels == 1 && !maps) {
+            planar = targetPlanar;
+            return;
+        }
+        if (targetPlanar)
+            return Split();
+        if (bits != targetBits && !FitsTile())
+            Add(PassKind::Widen, true, 16);
+        Add(PassKind::Merge, false, bits);
+    }
+
+    void FinishDepth()
+    {
+        if (targetBits == 16)
+            Add(PassKind::Widen, planar, 16);
+        else
+            Add(PassKind::Pack, true, targetBits);
+    }
+
+    DirectPlan& plan;
+    std::uint8_t targetBits;
+    bool targetPlanar;
+    // Work that no pass has done yet.
+    bool turns;
+    bool maps;
+    bool planar;
+    std::uint8_t bits;
+};
+
+// Answers whether every entry names a channel of the source, or none.
+bool CopyMap(DirectPlan& plan, const ChannelMap& map)
+{
+    if (map.entryCount > maxMapEntries)
+        return false;
+    const auto sourceChannels = static_cast<std::int32_t>(plan.sourceChannels);
+    bool inside = true;
+    for (std::size_t i = 0; i != map.entryCount; ++i) {
+        plan.entries[i] = map.entries[i];
+        inside = inside && map.entries[i] < sourceChannels;
+    }
+    return inside;
+}
+
+// A channel that several entries name is split once, into the plane of the first of them.
+void FillFirstUses(DirectPlan& plan)
+{
+    for (std::uint32_t c = 0; c != plan.channels; ++c) {
+        const auto first =
+            std::find(plan.entries.begin(), plan.entries.begin() + c, plan.entries[c]);
+        plan.firstUses[c] =
+            plan.entries[c] < 0 ? -1 : static_cast<std::int32_t>(first - plan.entries.begin());
+    }
+}
+
+// One pass over the whole row needs no tile, unless it needs a plane of zeros, or one to drop
+// samples into.
+bool NeedsTile(const DirectPlan& plan)
+{
+    const PassKind kind = plan.passes[0].kind;
+    return plan.passCount != 1 || plan.splitMaps || (plan.mapped && kind == PassKind::Merge);
+}
+
+} // namespace
+
+bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats)
+{
+    const auto& [source, destination] = formats;
+    plan.road = RoadOf(request.sseVersion);
+    plan.kernels = &KernelsOf(plan.road);
+    plan.sourceChannels = static_cast<std::uint32_t>(source.channels);
+    plan.channels = static_cast<std::uint32_t>(destination.channels);
+    plan.mapped = request.maps;
+    if (plan.mapped && !CopyMap(plan, request.map))
+        return false;
+    const auto repeat = static_cast<std::uint32_t>(std::abs(request.factor));
+    // One, two or four: below five, and a power of two.
+    if (repeat - 1 >= 4 || (repeat & (repeat - 1)) != 0)
+        return false;
+    plan.repeat = static_cast<std::uint8_t>(repeat);
+    plan.mirrored = request.factor < 0;
+    plan.passCount = 0;
+    plan.splitMaps = false;
+    plan.tilePixels = 0;
+    plan.sourceBits = StorageBits(source);
+    const std::uint8_t bits = StorageBits(destination);
+    plan.sourcePlanar = source.layout != LayoutInterleaved;
+    bool planar = destination.layout != LayoutInterleaved;
+    // A row of one channel is a plane as well, and is taken for what asks for less.
+    if (source.channels == 1 && !IsPacked(source))
+        plan.sourcePlanar = plan.mapped || planar;
+    if (destination.channels == 1 && !IsPacked(destination))
+        planar = plan.sourcePlanar ||
+                 plan.sourceChannels * plan.sourceBits / 8 > plan.kernels->pixels->stepBytes;
+    plan.sourcePlaneBytes = BytesOf(static_cast<std::size_t>(source.width), plan.sourceBits);
+    plan.planeBytes = BytesOf(static_cast<std::size_t>(destination.width), bits);
+    plan.sourcePixels = static_cast<std::size_t>(source.activeWidth);
+    plan.pixels = static_cast<std::size_t>(destination.activeWidth);
+    plan.firstPixel =
+        plan.mirrored ? static_cast<std::size_t>(source.width) - plan.sourcePixels : 0;
+
+    PassList(plan, bits, planar).Choose();
+    if (plan.splitMaps)
+        FillFirstUses(plan);
+    if (NeedsTile(plan))
+        SizeTile(plan);
+    return true;
+}
+
+} // namespace zvk::Pelkraft

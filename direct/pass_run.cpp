@@ -1,0 +1,259 @@
+#include "direct/pass_run.h"
+
+#include "common/bit_sizes.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zvk::Pelkraft {
+namespace {
+
+constexpr std::size_t maxPlanes = 64;
+
+alignas(64) constexpr unsigned char zeros[maxPlaneBytesOfTile] = {};
+
+// Null for a plane of zeros.
+const unsigned char* PlaneOf(const PassInput& input, std::size_t channel)
+{
+    if (input.planes == nullptr)
+        return input.bytes + channel * input.planeStep;
+    const std::int32_t plane = input.planes[channel];
+    return plane < 0 ? nullptr : input.bytes + static_cast<std::size_t>(plane) * input.planeStep;
+}
+
+unsigned char* PlaneOf(const PassTarget& target, std::size_t channel)
+{
+    return target.bytes + channel * target.planeStep;
+}
+
+// Calls sweep(source, destination) for each plane; every pass makes zeros of zeros, in so many
+// bytes of the destination.
+template <typename Sweep>
+void ForEachPlane(const PassInput& input, const PassTarget& target, std::size_t channels,
+                  std::size_t zeroBytes, Sweep sweep)
+{
+    for (std::size_t c = 0; c != channels; ++c) {
+        const unsigned char* plane = PlaneOf(input, c);
+        if (plane != nullptr)
+            sweep(plane, PlaneOf(target, c));
+        else
+            std::memset(PlaneOf(target, c), 0, zeroBytes);
+    }
+}
+
+void RunSamples(SampleKernel kernel, const PassOutput& pass, const PassInput& input,
+                const PassTarget& target, std::size_t channels)
+{
+    if (!input.planar)
+        return kernel(input.bytes, target.bytes, input.pixels * input.pixelChannels);
+    const std::size_t samples = input.pixels + input.skip;
+    ForEachPlane(input, target, channels, BytesOf(samples, pass.bits),
+                 [&](const unsigned char* from, unsigned char* to) { kernel(from, to, samples); });
+}
+
+// The last byte of a packed plane that is written has zeros after the last pixel.
+void ClearUnusedBits(unsigned char* plane, std::size_t pixels, std::uint8_t bits)
+{
+    const unsigned used = static_cast<unsigned>(pixels % 8 * bits % 8);
+    if (used != 0)
+        plane[WholeBytesOf(pixels, bits)] &= static_cast<unsigned char>(0xFF00U >> used);
+}
+
+void RunCopy(const PassOutput& pass, const PassInput& input, const PassTarget& target,
+             std::size_t channels)
+{
+    if (!input.planar) {
+        std::memcpy(target.bytes, input.bytes,
+                    BytesOf(input.pixels * input.pixelChannels, pass.bits));
+        return;
+    }
+    const std::size_t bytes = BytesOf(input.pixels, pass.bits);
+    const bool whole = input.planes == nullptr && bytes == input.planeStep &&
+                       bytes == target.planeStep && input.pixels % 8 * pass.bits % 8 == 0;
+    if (whole) {
+        std::memcpy(target.bytes, input.bytes, channels * bytes);
+        return;
+    }
+    ForEachPlane(input, target, channels, BytesOf(target.pixels, pass.bits),
+                 [&](const unsigned char* from, unsigned char* to) {
+                     std::memcpy(to, from, bytes);
+                     ClearUnusedBits(to, input.pixels, pass.bits);
+                 });
+}
+
+void RunStep(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
+             const PassTarget& target, std::size_t channels)
+{
+    const StepKernel kernel = plan.kernels->pixels->step;
+    if (!input.planar)
+        return kernel(plan.step, input.bytes, target.bytes, target.pixels);
+    ForEachPlane(input, target, channels, BytesOf(target.pixels, pass.bits),
+                 [&](const unsigned char* from, unsigned char* to) {
+                     kernel(plan.step, from + input.skip * (pass.bits / 8U), to, target.pixels);
+                 });
+}
+
+// Neighbouring channels, of which each batch has 17 or more where there are so many.
+struct ChannelBatch
+{
+    std::size_t first;
+    std::size_t count;
+};
+
+template <typename Body>
+void ForEachBatch(std::size_t channels, Body body)
+{
+    const std::size_t batches = (channels + maxPlanes - 1) / maxPlanes;
+    for (std::size_t i = 0; i != batches; ++i) {
+        const std::size_t first = channels * i / batches;
+        body(ChannelBatch{first, channels * (i + 1) / batches - first});
+    }
+}
+
+// Where each channel of the batch goes: its plane, or the dump.
+void FillTargets(const DirectPlan& plan, const PassTarget& target, const ChannelBatch& batch,
+                 unsigned char** planes)
+{
+    if (!plan.splitMaps) {
+        for (std::size_t i = 0; i != batch.count; ++i)
+            planes[i] = PlaneOf(target, batch.first + i);
+        return;
+    }
+    std::fill_n(planes, batch.count, target.dump);
+    for (std::size_t c = 0; c != plan.channels; ++c) {
+        const auto from = static_cast<std::size_t>(plan.entries[c]) - batch.first;
+        if (plan.firstUses[c] == static_cast<std::int32_t>(c) && from < batch.count)
+            planes[from] = PlaneOf(target, c);
+    }
+}
+
+// The planes that no channel was split into: repeated ones and those of zeros.
+void FillOtherPlanes(const DirectPlan& plan, const PassTarget& target, std::uint8_t bits)
+{
+    const std::size_t bytes = BytesOf(target.pixels, bits);
+    for (std::size_t c = 0; c != plan.channels; ++c) {
+        const std::int32_t first = plan.firstUses[c];
+        if (first < 0)
+            std::memset(PlaneOf(target, c), 0, bytes);
+        else if (first != static_cast<std::int32_t>(c))
+            std::memcpy(PlaneOf(target, c), PlaneOf(target, static_cast<std::size_t>(first)),
+                        bytes);
+    }
+}
+
+void SplitWide(const DirectPlan& plan, const PassInput& input, const PassTarget& target,
+               std::size_t channels)
+{
+    const std::size_t sampleBytes = input.bits / 8;
+    // Entries may name any channel of the source.
+    ForEachBatch(plan.splitMaps ? input.pixelChannels : channels, [&](const ChannelBatch& batch) {
+        unsigned char* planes[maxPlanes];
+        FillTargets(plan, target, batch, planes);
+        plan.kernels->splitMerge->wideSplit[sampleBytes - 1](
+            input.bytes + batch.first * sampleBytes, planes, input.pixels,
+            {input.pixelChannels * sampleBytes, batch.count});
+    });
+}
+
+void RunSplit(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
+              const PassTarget& target, std::size_t channels)
+{
+    const SplitMergeKernels& kernels = *plan.kernels->splitMerge;
+    const std::size_t sampleBytes = input.bits / 8;
+    if (input.pixelChannels <= maxDenseChannels) {
+        unsigned char* planes[maxDenseChannels];
+        FillTargets(plan, target, {0, input.pixelChannels}, planes);
+        kernels.split[sampleBytes - 1][input.pixelChannels](input.bytes, planes, input.pixels);
+    } else {
+        SplitWide(plan, input, target, channels);
+    }
+    if (plan.splitMaps && target.last)
+        FillOtherPlanes(plan, target, pass.bits);
+}
+
+void RunPackSplit(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
+                  const PassTarget& target)
+{
+    unsigned char* planes[maxPlanes];
+    for (std::size_t c = 0; c != input.pixelChannels; ++c)
+        planes[c] = PlaneOf(target, c);
+    plan.kernels->samples->packSplit[pass.bits - 1U][input.pixelChannels](input.bytes, planes,
+                                                                          input.pixels);
+}
+
+void FillSources(const PassInput& input, const ChannelBatch& batch, const unsigned char** planes)
+{
+    const std::size_t skippedBytes = input.skip * (input.bits / 8U);
+    for (std::size_t i = 0; i != batch.count; ++i) {
+        const unsigned char* plane = PlaneOf(input, batch.first + i);
+        planes[i] = plane != nullptr ? plane + skippedBytes : zeros;
+    }
+}
+
+void MergeWide(const DirectPlan& plan, const PassInput& input, const PassTarget& target,
+               std::size_t channels)
+{
+    const std::size_t sampleBytes = input.bits / 8;
+    ForEachBatch(channels, [&](const ChannelBatch& batch) {
+        const unsigned char* planes[maxPlanes];
+        FillSources(input, batch, planes);
+        plan.kernels->splitMerge->wideMerge[sampleBytes - 1](
+            planes, target.bytes + batch.first * sampleBytes, input.pixels,
+            {target.pixelChannels * sampleBytes, batch.count});
+    });
+}
+
+void RunMerge(const DirectPlan& plan, const PassInput& input, const PassTarget& target,
+              std::size_t channels)
+{
+    if (target.pixelChannels > maxDenseChannels)
+        return MergeWide(plan, input, target, channels);
+    const unsigned char* planes[maxDenseChannels];
+    FillSources(input, {0, target.pixelChannels}, planes);
+    plan.kernels->splitMerge->merge[input.bits / 8U - 1][target.pixelChannels](planes, target.bytes,
+                                                                               input.pixels);
+}
+
+} // namespace
+
+void RunPass(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
+             const PassTarget& target, std::size_t channels)
+{
+    const SampleKernels& samples = *plan.kernels->samples;
+    switch (pass.kind) {
+    case PassKind::Copy:
+        return RunCopy(pass, input, target, channels);
+    case PassKind::Widen:
+        return RunSamples(samples.widen, pass, input, target, channels);
+    case PassKind::Narrow:
+        return RunSamples(samples.narrow, pass, input, target, channels);
+    case PassKind::Pack:
+        return RunSamples(samples.pack[pass.bits - 1U], pass, input, target, channels);
+    case PassKind::NarrowPack:
+        return RunSamples(samples.narrowPack[pass.bits - 1U], pass, input, target, channels);
+    case PassKind::Unpack:
+        return RunSamples(samples.unpack[input.bits - 1U], pass, input, target, channels);
+    case PassKind::UnpackWiden:
+        return RunSamples(samples.unpackWiden[input.bits - 1U], pass, input, target, channels);
+    case PassKind::MirrorBits:
+        return ForEachPlane(input, target, channels, BytesOf(target.pixels, pass.bits),
+                            [&](const unsigned char* from, unsigned char* to) {
+                                samples.mirror[pass.bits - 1U](from, input.skip + input.pixels, to,
+                                                               input.pixels);
+                            });
+    case PassKind::Step:
+        return RunStep(plan, pass, input, target, channels);
+    case PassKind::Move:
+        return plan.kernels->pixels->move(
+            {target.pixelChannels * (pass.bits / 8U), plan.repeat, plan.mirrored}, input.bytes,
+            target.bytes, target.pixels);
+    case PassKind::Split:
+        return RunSplit(plan, pass, input, target, channels);
+    case PassKind::PackSplit:
+        return RunPackSplit(plan, pass, input, target);
+    case PassKind::Merge:
+        return RunMerge(plan, input, target, channels);
+    }
+}
+
+} // namespace zvk::Pelkraft

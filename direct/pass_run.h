@@ -1,0 +1,43 @@
+#pragma once
+
+#include "direct/direct_plan.h"
+
+namespace zvk::Pelkraft {
+
+// Pixels before a pass: an interleaved row, or planes. The bytes are those of the first pixel and
+// the first channel that the pass is run on.
+struct PassInput
+{
+    const unsigned char* bytes;
+    std::size_t planeStep;
+    // The plane of each channel, negative for zeros, or null where channel c has plane c.
+    const std::int32_t* planes;
+    std::uint8_t bits;
+    bool planar;
+    // Samples of a whole interleaved pixel.
+    std::size_t pixelChannels;
+    // Samples that stand before the first in its byte of each plane.
+    std::size_t skip;
+    std::size_t pixels;
+};
+
+struct PassTarget
+{
+    unsigned char* bytes;
+    std::size_t planeStep;
+    std::size_t pixelChannels;
+    std::size_t pixels;
+    // Room for the samples that no plane wants.
+    unsigned char* dump;
+    // Whether each plane must be written, also those that are read in another's place.
+    bool last;
+};
+
+// Runs one pass of a plan on some neighbouring channels of the target.
+void RunPass(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
+             const PassTarget& target, std::size_t channels);
+
+// A plane of zeros has as many bytes as a tile's plane can have.
+constexpr std::size_t maxPlaneBytesOfTile = 2048;
+
+} // namespace zvk::Pelkraft

@@ -1,0 +1,225 @@
+#include "direct/tile.h"
+
+#include "common/bit_sizes.h"
+#include "direct/pass_run.h"
+
+#include <algorithm>
+
+namespace zvk::Pelkraft {
+namespace {
+
+// Half of a small first-level cache, so that source and destination have room beside it.
+constexpr std::size_t soleTileBytes = 16384;
+// Two tiles take turns where there are more than two passes.
+constexpr std::size_t sharedTileBytes = 12288;
+constexpr std::size_t tileBytes = soleTileBytes;
+// Planes do not start at the same place of a page, one like the other.
+constexpr std::size_t planeGap = 128;
+constexpr std::size_t maxGappedPlanes = 32;
+// Unpacking may start inside a byte, and so before the tile's first pixel.
+constexpr std::size_t planeSpare = 8;
+constexpr std::size_t maxTilePixels = 1024;
+constexpr std::size_t maxTileChannels = 64;
+// So many packed pixels fill whole bytes.
+constexpr std::size_t tileUnit = 8;
+
+bool IsTurn(const PassOutput& pass)
+{
+    return pass.kind == PassKind::Step || pass.kind == PassKind::Move;
+}
+
+std::size_t RoundUp(std::size_t count, std::size_t unit)
+{
+    return (count + unit - 1) / unit * unit;
+}
+
+std::size_t GapOf(std::size_t planes)
+{
+    return planes <= maxGappedPlanes ? planeGap : 0;
+}
+
+// Channels of the interleaved row after a pass.
+std::size_t ChannelsAfter(const DirectPlan& plan, std::size_t pass)
+{
+    const bool maps = plan.mapped && !plan.sourcePlanar;
+    const auto mayMap = [](const PassOutput& one) {
+        return one.kind == PassKind::Step || one.kind == PassKind::Split;
+    };
+    const auto end = plan.passes.begin() + static_cast<std::ptrdiff_t>(pass) + 1;
+    return maps && std::none_of(plan.passes.begin(), end, mayMap) ? plan.sourceChannels
+                                                                  : plan.channels;
+}
+
+// A tile's share in what a pass leaves in it: bits for each source pixel, and bytes beside them.
+struct TileShare
+{
+    std::size_t bits;
+    std::size_t spareBytes;
+};
+
+TileShare ShareOf(const DirectPlan& plan, std::size_t pass, std::size_t repeat)
+{
+    const PassOutput& output = plan.passes[pass];
+    const std::size_t channels = output.planar ? plan.tileChannels : ChannelsAfter(plan, pass);
+    const std::size_t planes = output.planar ? channels : 1;
+    return {channels * output.bits * repeat, planes * (planeSpare + GapOf(planes))};
+}
+
+bool IsOfPlanes(const DirectPlan& plan)
+{
+    const auto isPlanar = [](const PassOutput& pass) { return pass.planar; };
+    return std::all_of(plan.passes.begin(), plan.passes.begin() + plan.passCount - 1, isPlanar);
+}
+
+// Planes that no pass brings together take turns, one by one.
+std::size_t ChooseTileChannels(const DirectPlan& plan)
+{
+    if (!IsOfPlanes(plan) || plan.mapped)
+        return plan.channels;
+    if (plan.sourcePlanar && plan.passes[plan.passCount - 1U].planar)
+        return 1;
+    const std::size_t turns = (plan.channels + maxTileChannels - 1) / maxTileChannels;
+    return (plan.channels + turns - 1) / turns;
+}
+
+// So many pixels of the source, from a pixel and a channel on.
+PassInput SourceAt(const DirectPlan& plan, const unsigned char* bytes, std::size_t pixel,
+                   std::size_t channel, std::size_t pixels)
+{
+    const std::uint8_t bits = plan.sourceBits;
+    if (!plan.sourcePlanar) {
+        const std::size_t first = pixel * plan.sourceChannels + channel;
+        return {bytes + first * (bits / 8U), 0, nullptr, bits, false,
+                plan.sourceChannels,         0, pixels};
+    }
+    const std::size_t skip = bits < 8 ? pixel % (8U / bits) : 0;
+    return {bytes + channel * plan.sourcePlaneBytes + WholeBytesOf(pixel, bits),
+            plan.sourcePlaneBytes,
+            plan.mapped ? plan.entries.data() : nullptr,
+            bits,
+            true,
+            plan.sourceChannels,
+            skip,
+            pixels};
+}
+
+// So many pixels of the destination, from a pixel and a channel on. A row's packed pixels are
+// asked for from a byte's first one on.
+PassTarget TargetAt(const DirectPlan& plan, unsigned char* bytes, std::size_t pixel,
+                    std::size_t channel, std::size_t pixels)
+{
+    const PassOutput& pass = plan.passes[plan.passCount - 1U];
+    const std::size_t offset = pass.planar
+                                   ? channel * plan.planeBytes + WholeBytesOf(pixel, pass.bits)
+                                   : (pixel * plan.channels + channel) * (pass.bits / 8U);
+    return {bytes + offset, plan.planeBytes, plan.channels, pixels, nullptr, true};
+}
+
+// Runs the passes tile by tile: the first from the source into one tile, the last from a tile
+// into the destination.
+class TileRun
+{
+public:
+    TileRun(const DirectPlan& newPlan, const unsigned char* newSource,
+            unsigned char* newDestination)
+        : plan(newPlan), source(newSource), destination(newDestination)
+    {}
+
+    void Run()
+    {
+        for (std::size_t pixel = 0; pixel < plan.sourcePixels; pixel += plan.tilePixels)
+            for (std::size_t c = 0; c < plan.channels; c += plan.tileChannels)
+                RunTile(pixel, c);
+    }
+
+private:
+    void RunTile(std::size_t pixel, std::size_t channel)
+    {
+        const std::size_t channels = std::min(plan.tileChannels, plan.channels - channel);
+        const std::size_t count = std::min(plan.tilePixels, plan.sourcePixels - pixel);
+        const std::size_t firstTarget = pixel * plan.repeat;
+        const std::size_t targets = std::min(count * plan.repeat, plan.pixels - firstTarget);
+        const std::size_t from = plan.mirrored ? plan.sourcePixels - pixel - count : pixel;
+
+        PassInput input = SourceAt(plan, source, plan.firstPixel + from, channel, count);
+        bool turned = false;
+        for (std::size_t i = 0; i != plan.passCount; ++i) {
+            const PassOutput& pass = plan.passes[i];
+            turned = turned || IsTurn(pass);
+            const bool last = i + 1U == plan.passCount;
+            const std::size_t pixels = turned ? targets : count;
+            PassTarget target = last ? TargetAt(plan, destination, firstTarget, channel, pixels)
+                                     : TileTarget(i, channels, pixels);
+            target.dump = dump;
+            RunPass(plan, pass, input, target, channels);
+            input = InputOf(input, pass, target);
+        }
+    }
+
+    PassTarget TileTarget(std::size_t pass, std::size_t channels, std::size_t pixels)
+    {
+        const std::size_t planeBytes = WholeBytesOf(pixels, plan.passes[pass].bits) + planeSpare;
+        return {tiles[pass % 2],
+                planeBytes + GapOf(channels),
+                ChannelsAfter(plan, pass),
+                pixels,
+                dump,
+                false};
+    }
+
+    // The pixels that a pass has left in a tile, as the next one finds them.
+    PassInput InputOf(const PassInput& before, const PassOutput& pass, const PassTarget& target)
+    {
+        const bool splitsByMap = pass.kind == PassKind::Split && plan.splitMaps;
+        return {target.bytes,
+                target.planeStep,
+                splitsByMap ? plan.firstUses.data() : nullptr,
+                pass.bits,
+                pass.planar,
+                target.pixelChannels,
+                pass.kind == PassKind::Unpack ? before.skip : 0,
+                target.pixels};
+    }
+
+    const DirectPlan& plan;
+    const unsigned char* source;
+    unsigned char* destination;
+    alignas(64) unsigned char tiles[2][tileBytes];
+    unsigned char dump[maxPlaneBytesOfTile];
+};
+
+} // namespace
+
+void SizeTile(DirectPlan& plan)
+{
+    plan.tileChannels = ChooseTileChannels(plan);
+    const std::size_t room = plan.passCount > 2 ? sharedTileBytes : soleTileBytes;
+    const std::size_t mostPixels = maxTilePixels / plan.repeat;
+    std::size_t pixels = std::min(plan.sourcePixels, mostPixels);
+    std::size_t repeat = 1;
+    for (std::size_t i = 0; i + 1U < plan.passCount; ++i) {
+        if (IsTurn(plan.passes[i]))
+            repeat = plan.repeat;
+        const TileShare share = ShareOf(plan, i, repeat);
+        if (share.spareBytes + pixels * share.bits / 8 > room)
+            pixels = (room - share.spareBytes) * 8 / share.bits / tileUnit * tileUnit;
+    }
+    // Short rows need no division.
+    plan.tilePixels = pixels;
+    if (pixels == plan.sourcePixels)
+        return;
+    // Tiles of one size, so that the last is not too small for whole blocks.
+    const std::size_t tiles = (plan.sourcePixels + pixels - 1) / pixels;
+    plan.tilePixels = RoundUp((plan.sourcePixels + tiles - 1) / tiles, tileUnit);
+}
+
+void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* destination)
+{
+    if (plan.tilePixels != 0)
+        return TileRun(plan, source, destination).Run();
+    const PassInput input = SourceAt(plan, source, plan.firstPixel, 0, plan.sourcePixels);
+    const PassTarget target = TargetAt(plan, destination, 0, 0, plan.pixels);
+    RunPass(plan, plan.passes[0], input, target, plan.channels);
+}
+
+} // namespace zvk::Pelkraft
