@@ -1,6 +1,6 @@
 #include "pelkraft/image_row.h"
-#include "rows/chain_choice.h"
-#include "rows/convert.h"
+#include "plan/plan.h"
+#include "rows/row_view.h"
 #include "zvk/system_tools.h"
 
 namespace zvk::Pelkraft {
@@ -11,10 +11,10 @@ constexpr const char* unsupportedRepeat =
     "zvk::Pelkraft::ImageRow::FillFromWithPixelRepeat unsupported conversion";
 
 ConversionRequest RequestFor(const ImageRow& source, const ImageRow& destination,
-                             std::int32_t factor, const ImageRow::OptionalParameters& options)
+                             const ImageRow::OptionalParameters& options)
 {
     const std::int32_t sseVersion = options.forcePortable ? 0 : SystemTools::GetSseVersion();
-    return {ViewOf(source), ViewOf(destination), factor, sseVersion};
+    return {ViewOf(source), ViewOf(destination), sseVersion};
 }
 
 bool HaveSameChannels(const ConversionRequest& request)
@@ -22,52 +22,50 @@ bool HaveSameChannels(const ConversionRequest& request)
     return request.source.geometry.channels == request.destination.geometry.channels;
 }
 
-// Repeating copies bytes, and here a byte is several pixels: each gets one of its own for it.
-void RepeatPacked(const ConversionRequest& request, const FormatPair& formats,
-                  const ChunkConvertFacility& repeat)
+void Convert(const ConversionRequest& request)
 {
-    const std::int32_t depth = formats.source.bits;
-    const ChunkConvertFacility chain[] = {
-        ReverseFor(request), ChunkConvertFacility::Create_Unpacker(request.sseVersion, depth),
-        repeat, ChunkConvertFacility::Create_Packer(request.sseVersion, depth)};
-    RunChain(request, formats, std::size(chain), chain);
+    Plan plan;
+    MakePlan(plan, request);
+    RunPlan(plan, request.source.data, request.destination.data);
 }
 
 } // namespace
 
+RowView ViewOf(const ImageRow& row)
+{
+    return {{row.GetWidth(), row.GetChannels(), row.GetBits(), row.IsPlanar()}, row.GetData()};
+}
+
 void ImageRow::FillFromBody2(const ImageRow& source, const OptionalParameters& options)
 {
-    const ConversionRequest request = RequestFor(source, *this, 1, options);
+    const ConversionRequest request = RequestFor(source, *this, options);
     if (!HaveSameChannels(request))
         throw unsupportedFill;
-    Convert(request, {}, {});
+    Convert(request);
 }
 
 void ImageRow::FillFromWithRemapBody2(const ImageRow& source, const int* map,
                                       const OptionalParameters& options)
 {
-    const ConversionRequest request = RequestFor(source, *this, 1, options);
-    const auto remapChannels =
-        static_cast<std::uint64_t>(std::int64_t{request.destination.geometry.channels});
-    Convert(request, {},
-            ChunkConvertFacility::Create_Remap(request.sseVersion, remapChannels, map));
+    ConversionRequest request = RequestFor(source, *this, options);
+    request.maps = true;
+    // Widened with its sign: a negative count is refused later, by its own words.
+    request.map = {static_cast<std::uint64_t>(std::int64_t{request.destination.geometry.channels}),
+                   map};
+    Convert(request);
 }
 
 void ImageRow::FillFromWithPixelRepeatBody2(const ImageRow& source, int factor,
                                             const OptionalParameters& options)
 {
-    const ConversionRequest request = RequestFor(source, *this, factor, options);
+    ConversionRequest request = RequestFor(source, *this, options);
     if (!HaveSameChannels(request))
         throw unsupportedRepeat;
     if (factor != 1 && factor != 2 && factor != 4 && factor != -1 && factor != -2 && factor != -4)
         throw unsupportedRepeat;
-
-    const auto repeat = ChunkConvertFacility::Create_PixelRepeat(request.sseVersion, factor);
-    const FormatPair formats = BuildFormats(request);
-    if (IsPacked(formats.source) && formats.source.bits == formats.destination.bits)
-        RepeatPacked(request, formats, repeat);
-    else
-        Convert(request, repeat, {});
+    request.repeats = true;
+    request.factor = factor;
+    Convert(request);
 }
 
 } // namespace zvk::Pelkraft

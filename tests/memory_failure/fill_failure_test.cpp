@@ -1,5 +1,6 @@
 #include "tests/memory_failure/memory_sweep.h"
 #include "tests/memory_failure/row_state.h"
+#include "tests/support/chain_row.h"
 #include "tests/support/conversion_choices.h"
 #include "tests/support/conversion_run.h"
 #include "tests/support/random_bytes.h"
@@ -41,11 +42,15 @@ void Fill(const ConversionCase& tested, bool byOptions, ImageRow& row, const Ima
         row.FillFromWithPixelRepeat(source, operation.factor, false, tested.forcePortable);
 }
 
-ImageRow RowOf(const NaiveGeometry& geometry, const GuardedBuffer& buffer)
+template <typename Row>
+Row RowOf(const NaiveGeometry& geometry, const GuardedBuffer& buffer)
 {
     return {geometry.width, geometry.channels, geometry.bits, geometry.planar, buffer.data()};
 }
 
+// Row is the destination's class: only the chain takes memory, and only a plain row refuses
+// channel counts.
+template <typename Row>
 class FillTrial final : public Trial
 {
 public:
@@ -53,8 +58,8 @@ public:
         : tested(newTested), byOptions(newByOptions),
           content(RandomBytes(NaiveRowBytes(tested.source), 31)),
           before(RandomBytes(NaiveRowBytes(tested.destination), 32)), sourceBytes(content),
-          rowBytes(before), source(RowOf(tested.source, sourceBytes)),
-          row(RowOf(tested.destination, rowBytes))
+          rowBytes(before), source(RowOf<ImageRow>(tested.source, sourceBytes)),
+          row(RowOf<Row>(tested.destination, rowBytes))
     {}
 
     void Run() override
@@ -93,15 +98,16 @@ private:
     GuardedBuffer sourceBytes;
     GuardedBuffer rowBytes;
     ImageRow source;
-    ImageRow row;
+    Row row;
     CountingSink sink;
 };
 
+template <typename Row>
 Operation OperationOf(const ConversionCase& tested, bool byOptions)
 {
     Operation operation;
     operation.name = Describe(tested) + (byOptions ? ", by options" : ", by flags");
-    operation.prepare = [=] { return std::make_unique<FillTrial>(tested, byOptions); };
+    operation.prepare = [=] { return std::make_unique<FillTrial<Row>>(tested, byOptions); };
     operation.otherText = noRelocation;
     return operation;
 }
@@ -118,7 +124,8 @@ std::vector<Operation> EveryFill(int width, int channels)
                                             to.bits, to.planar};
             for (const bool portable : {false, true})
                 for (const bool byOptions : {false, true})
-                    all.push_back(OperationOf({source, destination, fill, portable}, byOptions));
+                    all.push_back(
+                        OperationOf<ChainRow>({source, destination, fill, portable}, byOptions));
         }
     }
     return all;
@@ -145,7 +152,7 @@ TEST(FillsWithoutMemory, RefuseAllTheSame)
     std::vector<Operation> refusals;
     const auto add = [&](const ConversionCase& tested, const char* text) {
         for (const bool byOptions : {false, true}) {
-            refusals.push_back(OperationOf(tested, byOptions));
+            refusals.push_back(OperationOf<ImageRow>(tested, byOptions));
             refusals.back().otherText = text;
             refusals.back().refuses = true;
         }

@@ -1,4 +1,5 @@
 #include "tests/rows/row_fields.h"
+#include "tests/support/chain_row.h"
 #include "tests/support/conversion_run.h"
 #include "tests/support/counted_memory.h"
 #include "tests/support/random_bytes.h"
@@ -67,6 +68,8 @@ void RunUnderWatch(const ConversionCase& tested, ImageRow& row, const ImageRow& 
     watched.lines = sink.lines;
 }
 
+// Row is the destination's class: the direct road takes no memory, the chain does.
+template <typename Row>
 Watched Watch(const ConversionCase& tested, CountedMemory& memory)
 {
     const auto& [from, to, operation, portable] = tested;
@@ -75,7 +78,7 @@ Watched Watch(const ConversionCase& tested, CountedMemory& memory)
     const GuardedBuffer sourceBytes(content);
     const GuardedBuffer rowBytes(before);
     const ImageRow source(from.width, from.channels, from.bits, from.planar, sourceBytes.data());
-    ImageRow row(to.width, to.channels, to.bits, to.planar, rowBytes.data());
+    Row row(to.width, to.channels, to.bits, to.planar, rowBytes.data());
     const RowFields sourceFields = FieldsOf(source);
     const RowFields rowFields = FieldsOf(row);
 
@@ -146,7 +149,8 @@ TEST_P(ConversionMemory, IsAFewAlignedBlocksThatAreGivenBack)
     const Kind& kind = GetParam();
     for (const bool portable : {false, true}) {
         CountedMemory memory;
-        const Watched watched = Watch({kind.from, kind.to, kind.operation, portable}, memory);
+        const Watched watched =
+            Watch<ChainRow>({kind.from, kind.to, kind.operation, portable}, memory);
         EXPECT_STREQ("", watched.text);
         EXPECT_EQ(0, watched.lines);
         EXPECT_EQ(kind.buffers + (kind.relocates ? 1 : 0), memory.CountAsked());
@@ -160,6 +164,18 @@ TEST_P(ConversionMemory, IsAFewAlignedBlocksThatAreGivenBack)
     }
 }
 
+TEST_P(ConversionMemory, IsNotTakenByTheDirectRoad)
+{
+    const Kind& kind = GetParam();
+    CountedMemory memory;
+    const Watched watched = Watch<ImageRow>({kind.from, kind.to, kind.operation, false}, memory);
+    EXPECT_STREQ("", watched.text);
+    EXPECT_EQ(0U, memory.CountAsked());
+    EXPECT_FALSE(watched.destinationUntouched);
+    EXPECT_TRUE(watched.sourceUntouched);
+    EXPECT_TRUE(watched.rowsUnchanged);
+}
+
 TEST_P(ConversionMemory, MissingForAnyBlockLeavesBothRowsAsTheyWere)
 {
     const Kind& kind = GetParam();
@@ -171,7 +187,8 @@ TEST_P(ConversionMemory, MissingForAnyBlockLeavesBothRowsAsTheyWere)
             SCOPED_TRACE(failing);
             CountedMemory memory;
             memory.FailAt(failing);
-            const Watched watched = Watch({kind.from, kind.to, kind.operation, portable}, memory);
+            const Watched watched =
+                Watch<ChainRow>({kind.from, kind.to, kind.operation, portable}, memory);
             EXPECT_TRUE(memory.CountFailed() == 1);
             EXPECT_EQ(0, memory.CountHeld());
             EXPECT_EQ(1, watched.lines);
@@ -193,7 +210,7 @@ INSTANTIATE_TEST_SUITE_P(EachKind, ConversionMemory, ::testing::ValuesIn(Kinds()
 TEST(ConversionMemory, OfAMirroredPackedRowHoldsTheWholeRow)
 {
     CountedMemory memory;
-    (void)Watch({{1000, 3, 1, true}, {1000, 3, 1, true}, RepeatBy(-1), false}, memory);
+    (void)Watch<ChainRow>({{1000, 3, 1, true}, {1000, 3, 1, true}, RepeatBy(-1), false}, memory);
     bool found = false;
     for (std::size_t i = 0; i != memory.CountAsked(); ++i)
         found = found || memory.GetAllocation(i).bytes == 3 * 125 + 64;
@@ -204,7 +221,8 @@ TEST(ConversionMemory, OfAMirroredPackedRowHoldsTheWholeRow)
 TEST(ConversionMemory, IsNotTakenByARefusedConversion)
 {
     CountedMemory memory;
-    const Watched watched = Watch({{10, 2, 1, false}, {10, 2, 16, false}, {}, false}, memory);
+    const Watched watched =
+        Watch<ImageRow>({{10, 2, 1, false}, {10, 2, 16, false}, {}, false}, memory);
     EXPECT_STREQ("zvk::Pelkraft::Convert unsupported conversion to 16 bit", watched.text);
     EXPECT_EQ(0U, memory.CountAsked());
     EXPECT_EQ(1, watched.lines);

@@ -1,4 +1,5 @@
-#include "rows/convert.h"
+#include "plan/plan.h"
+#include "rows/row_view.h"
 #include "tests/rows/guarded_row.h"
 #include "tests/rows/refusal.h"
 #include "tests/rows/row_fields.h"
@@ -54,9 +55,11 @@ public:
     {
         const int map[] = {0, 0, 0, 0};
         return Ended([&] {
-            Convert({ViewOf(source), ViewOf(row), factor, 0},
-                    ChunkConvertFacility::Create_PixelRepeat(0, factor),
-                    ChunkConvertFacility::Create_Remap(0, 2, map));
+            ConversionRequest request{ViewOf(source), ViewOf(row), 0, factor};
+            request.repeats = request.maps = true;
+            request.map = {2, map};
+            Plan plan;
+            MakePlan(plan, request);
         });
     }
 

@@ -1,4 +1,4 @@
-#include "rows/convert.h"
+#include "plan/conversion_checks.h"
 #include "tests/rows/guarded_row.h"
 #include "tests/rows/refusal.h"
 
@@ -14,7 +14,9 @@ FormatPair FormatsOf(int sourceWidth, int destinationWidth, int factor)
 {
     const RowView source{{sourceWidth, 1, 8, false}, nullptr};
     const RowView destination{{destinationWidth, 1, 8, false}, nullptr};
-    return BuildFormats({source, destination, factor, 0});
+    FormatPair formats;
+    BuildFormats(formats, {source, destination, 0, factor});
+    return formats;
 }
 
 void ExpectActive(int sourceWidth, int destinationWidth, int factor, int sourceActive,
@@ -81,7 +83,8 @@ TEST(ActiveWidth, NeedNotFitTheOtherRowInAnyForm)
 {
     const RowView source{{7, 3, 1, true}, nullptr};
     const RowView destination{{9, 4, 16, false}, nullptr};
-    const FormatPair formats = BuildFormats({source, destination, -1, 5});
+    FormatPair formats;
+    BuildFormats(formats, {source, destination, 5, -1});
     EXPECT_EQ(1, formats.source.bits);
     EXPECT_EQ(0x600, formats.source.layout);
     EXPECT_EQ(3, formats.source.channels);

@@ -1,0 +1,170 @@
+#include "plan/plan_words.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace zvk::Pelkraft {
+namespace {
+
+std::string Counted(std::uint64_t count, const char* one)
+{
+    return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
+}
+
+std::string BitsOf(std::int32_t bits)
+{
+    return Counted(static_cast<std::uint64_t>(bits), "bit");
+}
+
+std::string TurnOf(bool mirrored, std::uint64_t repeat)
+{
+    std::string text = mirrored ? "mirror" : "";
+    if (repeat != 1)
+        text.append(text.empty() ? "" : " and ").append("repeat ").append(std::to_string(repeat)) +=
+            " times";
+    return text;
+}
+
+std::string StepText(const DirectPlan& plan, const PassOutput& pass)
+{
+    const bool maps = plan.mapped && !plan.sourcePlanar && !plan.splitMaps && !pass.planar;
+    const std::string turn = TurnOf(plan.mirrored, plan.repeat);
+    if (!maps)
+        return turn + (pass.planar ? " the planes" : " the pixels");
+    return "map" + (turn.empty() ? "" : ", " + turn) + " the pixels";
+}
+
+std::string PassText(const DirectPlan& plan, const PassOutput& pass)
+{
+    const std::string channels = Counted(plan.channels, "channel");
+    switch (pass.kind) {
+    case PassKind::Copy:
+        return pass.planar ? "copy the planes" : "copy the row";
+    case PassKind::Widen:
+        return "widen to 16 bits";
+    case PassKind::Narrow:
+        return "narrow to 8 bits";
+    case PassKind::Pack:
+        return "pack to " + BitsOf(pass.bits);
+    case PassKind::NarrowPack:
+        return "narrow and pack to " + BitsOf(pass.bits);
+    case PassKind::Unpack:
+        return "unpack from " + BitsOf(plan.sourceBits);
+    case PassKind::UnpackWiden:
+        return "unpack from " + BitsOf(plan.sourceBits) + " and widen to 16 bits";
+    case PassKind::MirrorBits:
+        return "mirror the packed planes";
+    case PassKind::Step:
+    case PassKind::Move:
+        return StepText(plan, pass);
+    case PassKind::Split:
+        return (plan.splitMaps ? "split and map to " : "split ") + channels + " of " +
+               BitsOf(pass.bits);
+    case PassKind::PackSplit:
+        return "split " + channels + " and pack to " + BitsOf(pass.bits);
+    case PassKind::Merge:
+        return "merge " + channels + " of " + BitsOf(pass.bits);
+    }
+    return {};
+}
+
+std::string ChainText(const Plan& plan, ChainStep step)
+{
+    switch (step) {
+    case ChainStep::None:
+        return {};
+    case ChainStep::Reverse:
+        return "mirror";
+    case ChainStep::Repeat:
+        return TurnOf(false, static_cast<std::uint64_t>(std::abs(plan.factor)));
+    case ChainStep::Remap:
+        return "map";
+    case ChainStep::Unpack:
+        return "unpack from " + BitsOf(plan.formats.source.bits);
+    case ChainStep::Pack:
+        return "pack to " + BitsOf(plan.formats.destination.bits);
+    case ChainStep::Widen:
+        return "widen to 16 bits";
+    case ChainStep::Narrow:
+        return "narrow to 8 bits";
+    }
+    return {};
+}
+
+std::vector<std::string> StepsOf(const Plan& plan)
+{
+    std::vector<std::string> steps;
+    if (plan.road == PlanRoad::Direct) {
+        const DirectPlan& direct = plan.direct;
+        std::transform(direct.passes.begin(), direct.passes.begin() + direct.passCount,
+                       std::back_inserter(steps),
+                       [&](const PassOutput& pass) { return PassText(direct, pass); });
+        // Planes are chosen by their addresses, ahead of all else.
+        if (direct.mapped && direct.sourcePlanar)
+            steps.insert(steps.begin(), "map the planes");
+        return steps;
+    }
+    steps.emplace_back("load chunks");
+    for (std::uint32_t i = 0; i != plan.steps.GetLength(); ++i)
+        if (std::string text = ChainText(plan, plan.steps.GetStep(i)); !text.empty())
+            steps.push_back(std::move(text));
+    steps.emplace_back("save chunks");
+    return steps;
+}
+
+std::string LevelText(const Plan& plan)
+{
+    // The chain has no kernels beyond those of 16-byte vectors.
+    const Road road = RoadOf(plan.sseVersion);
+    const char* name = "plain code";
+    if (road != Road::Portable)
+        name = plan.road == PlanRoad::Chain || road == Road::Vector ? "SSSE3"
+               : road == Road::Avx2                                 ? "AVX2"
+                                                                    : "AVX-512";
+    return std::string(name) + " (level " + std::to_string(plan.sseVersion) + ")";
+}
+
+std::uint64_t ActiveBytes(const ImageRowFormat& format, std::uint64_t channels)
+{
+    const auto pixels = static_cast<std::uint64_t>(format.activeWidth);
+    const auto bits = static_cast<std::uint64_t>(format.bits);
+    return channels * (IsPacked(format) ? (pixels * bits + 7) / 8 : pixels * ((bits + 7) / 8));
+}
+
+std::uint64_t CountChannelsRead(const Plan& plan)
+{
+    const auto channels = static_cast<std::uint64_t>(plan.formats.source.channels);
+    const ChannelMap map = MapOf(plan);
+    if (map.entryCount == 0 || plan.formats.source.layout == LayoutInterleaved)
+        return channels;
+    std::vector<std::int32_t> named(map.entries, map.entries + map.entryCount);
+    std::sort(named.begin(), named.end());
+    named.erase(std::unique(named.begin(), named.end()), named.end());
+    const auto isRead = [&](std::int32_t entry) {
+        return entry >= 0 && static_cast<std::uint64_t>(entry) < channels;
+    };
+    return static_cast<std::uint64_t>(std::count_if(named.begin(), named.end(), isRead));
+}
+
+} // namespace
+
+PlanWords Describe(const Plan& plan)
+{
+    if (plan.road == PlanRoad::None)
+        return {"none", LevelText(plan), {}, 0, 0};
+    const auto channels = static_cast<std::uint64_t>(plan.formats.destination.channels);
+    return {plan.road == PlanRoad::Direct ? "direct" : "chain", LevelText(plan), StepsOf(plan),
+            ActiveBytes(plan.formats.source, CountChannelsRead(plan)),
+            ActiveBytes(plan.formats.destination, channels)};
+}
+
+std::string ToText(const PlanWords& words)
+{
+    std::string text = "road: " + words.road + ", " + words.level + "\n";
+    for (const std::string& step : words.steps)
+        text.append("  ").append(step) += '\n';
+    return text + "reads " + Counted(words.bytesRead, "byte") + ", writes " +
+           Counted(words.bytesWritten, "byte") + "\n";
+}
+
+} // namespace zvk::Pelkraft
