@@ -13,6 +13,13 @@ constexpr int unknownLevel = -1;
 // The processor's level and the limit in one number, so that asking costs a single load.
 constinit std::atomic<int> reportedLevel{unknownLevel};
 
+// Asked once: the questions leave a virtual machine each time, which takes microseconds.
+int GetOwnLevel()
+{
+    static const int level = GetProcessorLevel();
+    return level;
+}
+
 } // namespace
 
 int GetSseVersion()
@@ -22,13 +29,13 @@ int GetSseVersion()
         return level;
 
     // Only over the unknown: a limit set meanwhile by another thread must stand.
-    reportedLevel.compare_exchange_strong(level, GetProcessorLevel(), std::memory_order_relaxed);
+    reportedLevel.compare_exchange_strong(level, GetOwnLevel(), std::memory_order_relaxed);
     return reportedLevel.load(std::memory_order_relaxed);
 }
 
 void LimitSseVersion(int level)
 {
-    reportedLevel.store(std::clamp(level, 0, GetProcessorLevel()), std::memory_order_relaxed);
+    reportedLevel.store(std::clamp(level, 0, GetOwnLevel()), std::memory_order_relaxed);
 }
 
 } // namespace zvk::SystemTools
