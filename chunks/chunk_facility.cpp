@@ -1,6 +1,7 @@
 #include "chunks/chunk_facility.h"
 
 #include "chunks/chunk_classes.h"
+#include "common/road.h"
 #include "common/units.h"
 
 namespace zvk::Pelkraft {
@@ -15,9 +16,6 @@ constexpr const char* unsupportedSave =
 constexpr const char* unsupportedSaveX86 =
     "ChunkSaveFacilityInternal::SelectDescriptorX86 Unsupported format";
 
-// The level from which on the processor has the byte shuffles of the vector road.
-constexpr std::int32_t vectorRoadLevel = 3;
-
 // Interleaved rows are moved by the pixel, so that any sample will do.
 template <typename Facility>
 bool IsServed(const Facility& facility, std::int32_t layout)
@@ -26,14 +24,12 @@ bool IsServed(const Facility& facility, std::int32_t layout)
            facility.bytesPerSample == 2;
 }
 
-#ifdef PELKRAFT_VECTOR_ROAD
 template <typename Facility>
 std::uint64_t UnitsOf(const Facility& facility)
 {
     return CountUnits(static_cast<std::uint64_t>(facility.channels) *
                       static_cast<std::uint64_t>(facility.bytesPerSample));
 }
-#endif
 
 } // namespace
 
@@ -45,7 +41,7 @@ ChunkLoadFacilityInternal ChunkLoadFacilityInternal::Create(const ImageRowFormat
     facility.bytesPerSample = BytesPerSample(format.bits);
     facility.columns = CountColumns(format, format.width);
     facility.reversed = format.reversed;
-    facility.descriptor = sseVersion >= vectorRoadLevel
+    facility.descriptor = RoadOf(sseVersion) != Road::Portable
                               ? SelectDescriptor(facility, format.layout)
                               : SelectDescriptorX86(facility, format.layout);
     return facility;
@@ -57,13 +53,12 @@ ChunkLoadFacilityInternal::SelectDescriptor(const ChunkLoadFacilityInternal& fac
 {
     if (!IsServed(facility, layout))
         throw unsupportedLoad;
-#ifdef PELKRAFT_VECTOR_ROAD
-    if (layout == LayoutInterleaved)
-        return VectorRoad::GetInterleavedLoader(UnitsOf(facility));
-    return VectorRoad::GetPlanarLoader(facility.bytesPerSample, UnitsOf(facility));
-#else
+    if constexpr (hasVectorRoad) {
+        if (layout == LayoutInterleaved)
+            return VectorRoad::GetInterleavedLoader(UnitsOf(facility));
+        return VectorRoad::GetPlanarLoader(facility.bytesPerSample, UnitsOf(facility));
+    }
     return SelectDescriptorX86(facility, layout);
-#endif
 }
 
 const IChunkLoaderDescriptor*
@@ -84,7 +79,7 @@ ChunkSaveFacilityInternal ChunkSaveFacilityInternal::Create(const ImageRowFormat
     facility.channels = format.channels;
     facility.bytesPerSample = BytesPerSample(format.bits);
     facility.columns = CountColumns(format, format.width);
-    facility.descriptor = sseVersion >= vectorRoadLevel
+    facility.descriptor = RoadOf(sseVersion) != Road::Portable
                               ? SelectDescriptor(facility, format.layout)
                               : SelectDescriptorX86(facility, format.layout);
     return facility;
@@ -96,13 +91,12 @@ ChunkSaveFacilityInternal::SelectDescriptor(const ChunkSaveFacilityInternal& fac
 {
     if (!IsServed(facility, layout))
         throw unsupportedSave;
-#ifdef PELKRAFT_VECTOR_ROAD
-    if (layout == LayoutInterleaved)
-        return VectorRoad::GetInterleavedSaver(UnitsOf(facility));
-    return VectorRoad::GetPlanarSaver(facility.bytesPerSample, UnitsOf(facility));
-#else
+    if constexpr (hasVectorRoad) {
+        if (layout == LayoutInterleaved)
+            return VectorRoad::GetInterleavedSaver(UnitsOf(facility));
+        return VectorRoad::GetPlanarSaver(facility.bytesPerSample, UnitsOf(facility));
+    }
     return SelectDescriptorX86(facility, layout);
-#endif
 }
 
 const IChunkSaverDescriptor*

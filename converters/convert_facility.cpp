@@ -1,5 +1,6 @@
 #include "converters/convert_facility.h"
 
+#include "common/road.h"
 #include "common/units.h"
 #include "converters/convert_classes.h"
 #include "converters/remap_base.h"
@@ -15,22 +16,11 @@ constexpr const char* unsupportedRepeat =
     "ChunkConvertFacilityInternal::SelectDescriptor Unsupported format";
 constexpr const char* unsupportedRemapDepth = "unsupported X86 remap bit depth";
 
-// Processors below this level lack the byte shuffle.
-constexpr std::int32_t vectorRoadLevel = 3;
-
-// Where the vector road does not exist the portable classes serve every level, and its doors must
-// not even be named outside a discarded branch.
-#ifdef PELKRAFT_VECTOR_ROAD
-constexpr bool hasVectorRoad = true;
-#else
-constexpr bool hasVectorRoad = false;
-#endif
-
 const IChunkConvertDescriptor* SelectConvert8to16(const ChunkConvertFacility& facility,
                                                   const ImageRowFormat&)
 {
     if constexpr (hasVectorRoad)
-        if (facility.sseVersion >= vectorRoadLevel)
+        if (RoadOf(facility.sseVersion) != Road::Portable)
             return VectorRoad::GetConvert8to16bit();
     return PortableRoad::GetConvert8to16bit();
 }
@@ -39,7 +29,7 @@ const IChunkConvertDescriptor* SelectConvert16to8(const ChunkConvertFacility& fa
                                                   const ImageRowFormat&)
 {
     if constexpr (hasVectorRoad)
-        if (facility.sseVersion >= vectorRoadLevel)
+        if (RoadOf(facility.sseVersion) != Road::Portable)
             return VectorRoad::GetConvert16to8bit();
     return PortableRoad::GetConvert16to8bit();
 }
@@ -49,7 +39,7 @@ const IChunkConvertDescriptor* SelectPacker(const ChunkConvertFacility& facility
                                             const ImageRowFormat&)
 {
     if constexpr (hasVectorRoad)
-        if (facility.sseVersion >= vectorRoadLevel)
+        if (RoadOf(facility.sseVersion) != Road::Portable)
             return VectorRoad::GetPacker(depth);
     return PortableRoad::GetPacker(depth);
 }
@@ -59,7 +49,7 @@ const IChunkConvertDescriptor* SelectUnpacker(const ChunkConvertFacility& facili
                                               const ImageRowFormat&)
 {
     if constexpr (hasVectorRoad)
-        if (facility.sseVersion >= vectorRoadLevel)
+        if (RoadOf(facility.sseVersion) != Road::Portable)
             return VectorRoad::GetUnpacker(depth);
     return PortableRoad::GetUnpacker(depth);
 }
@@ -68,7 +58,7 @@ const IChunkConvertDescriptor* SelectReverse(const ChunkConvertFacility& facilit
                                              const ImageRowFormat&)
 {
     if constexpr (hasVectorRoad)
-        if (facility.sseVersion >= vectorRoadLevel)
+        if (RoadOf(facility.sseVersion) != Road::Portable)
             return VectorRoad::GetReverse();
     return PortableRoad::GetReverse();
 }
@@ -149,7 +139,7 @@ ChunkConvertFacilityInternal::SelectDescriptor(const ChunkConvertFacility& facil
         throw unsupportedRepeat;
 
     if constexpr (hasVectorRoad)
-        if (facility.sseVersion >= vectorRoadLevel)
+        if (RoadOf(facility.sseVersion) != Road::Portable)
             return VectorRoad::GetPixelRepeat(factor, CountUnits(PixelBytes(input)));
     return PortableRoad::GetPixelRepeat(factor);
 }
@@ -159,7 +149,7 @@ ChunkConvertFacilityInternal::SelectRemapDescriptor(const ChunkConvertFacility& 
                                                     const ImageRowFormat& input)
 {
     if constexpr (hasVectorRoad)
-        if (facility.sseVersion >= vectorRoadLevel)
+        if (RoadOf(facility.sseVersion) != Road::Portable)
             return VectorRoad::GetRemap(CountUnits(PixelBytes(input)),
                                         CountRemapOutputUnits(facility, input));
 
