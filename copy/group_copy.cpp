@@ -1,5 +1,8 @@
 #include "copy/group_copy.h"
 
+#include "common/road.h"
+#include "zvk/system_tools.h"
+
 namespace zvk::Pelkraft {
 namespace {
 
@@ -20,11 +23,9 @@ void CopyFirstUnit([[maybe_unused]] const GroupRun& run)
 
 GroupCopy GetPixelCopy(std::size_t pixelBytes)
 {
-#if defined(PELKRAFT_VECTOR_ROAD)
-    // Asked through the compiler: this folder stands alone, without the companion library.
-    if (__builtin_cpu_supports("ssse3"))
-        return VectorRoad::GetRegisterCopy(pixelBytes);
-#endif
+    if constexpr (hasVectorRoad)
+        if (RoadOf(SystemTools::GetSseVersion()) != Road::Portable)
+            return VectorRoad::GetRegisterCopy(pixelBytes);
     return GetWholeUnitCopy(pixelBytes);
 }
 

@@ -28,7 +28,7 @@ GroupCopy GetRegisterCopy(std::size_t pixelBytes);
 
 } // namespace VectorRoad
 
-// The register copy where the processor has what it takes, else the whole unit copy.
+// The register copy on all roads but the portable one, which has the whole unit copy.
 GroupCopy GetPixelCopy(std::size_t pixelBytes);
 
 // Ends in the processor's fault, where it has one, unless both ends of the run are 16-aligned.

@@ -36,7 +36,7 @@ expect_copied() {
 
 for level in -O0 -O2 -O3 "-O3 -flto"; do
     program=$scratch/probe
-    flags=(-std=c++20 -I"$root" -I"$root/include")
+    flags=(-std=c++20 -I"$root" -I"$root/include" -I"$root/system_tools/include")
     # shellcheck disable=SC2206
     flags+=($level)
     objects=()

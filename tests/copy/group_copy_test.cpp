@@ -1,22 +1,16 @@
 #include "copy/group_copy.h"
 
 #include "tests/copy/copy_check.h"
+#include "zvk/system_tools.h"
 
 #include <gtest/gtest.h>
+
+#include <climits>
 
 namespace zvk::Pelkraft {
 namespace {
 
 using namespace TestSupport;
-
-bool HasVectorRoad()
-{
-#if defined(PELKRAFT_VECTOR_ROAD)
-    return __builtin_cpu_supports("ssse3");
-#else
-    return false;
-#endif
-}
 
 using GetGroupCopy = GroupCopy (*)(std::size_t pixelBytes);
 
@@ -43,14 +37,39 @@ TEST(PixelCopy, CopiesGroupsOfEveryPixelSize)
     ExpectCopiesEveryPixelSize(GetPixelCopy);
 }
 
+// Limits the processor's level while it lives.
+class LimitedLevel
+{
+public:
+    explicit LimitedLevel(int level) { SystemTools::LimitSseVersion(level); }
+    ~LimitedLevel() { SystemTools::LimitSseVersion(INT_MAX); }
+    LimitedLevel(const LimitedLevel&) = delete;
+    LimitedLevel& operator=(const LimitedLevel&) = delete;
+};
+
+TEST(PixelCopy, MovesWholeUnitsBelowLevelThree)
+{
+    for (const int level : {0, 1, 2}) {
+        const LimitedLevel limited(level);
+        for (std::size_t pixelBytes = 1; pixelBytes <= 130; ++pixelBytes)
+            EXPECT_EQ(GetWholeUnitCopy(pixelBytes), GetPixelCopy(pixelBytes)) << level;
+        ExpectCopiesEveryPixelSize(GetPixelCopy);
+    }
+}
+
 #if defined(PELKRAFT_VECTOR_ROAD)
 
-TEST(PixelCopy, GoesThroughRegistersWhereTheProcessorCan)
+TEST(PixelCopy, GoesThroughRegistersFromLevelThreeOn)
 {
-    for (std::size_t pixelBytes = 1; pixelBytes <= 130; ++pixelBytes)
-        EXPECT_EQ(HasVectorRoad() ? VectorRoad::GetRegisterCopy(pixelBytes)
-                                  : GetWholeUnitCopy(pixelBytes),
-                  GetPixelCopy(pixelBytes));
+    for (const int level : {3, 4, 6, 7}) {
+        const LimitedLevel limited(level);
+        const bool shuffles = SystemTools::GetSseVersion() >= 3;
+        for (std::size_t pixelBytes = 1; pixelBytes <= 130; ++pixelBytes)
+            EXPECT_EQ(shuffles ? VectorRoad::GetRegisterCopy(pixelBytes)
+                               : GetWholeUnitCopy(pixelBytes),
+                      GetPixelCopy(pixelBytes))
+                << level;
+    }
 }
 
 TEST(RegisterCopy, HasABodyForEachTrailOfShortAndLongPixels)
