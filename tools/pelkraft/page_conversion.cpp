@@ -8,6 +8,7 @@
 #include "tools/pelkraft/row_readers.h"
 #include "tools/pelkraft/strip_writer.h"
 #include "tools/pelkraft/tag_writer.h"
+#include "tools/pelkraft/vector_level.h"
 #include "tools/pelkraft/workers.h"
 #include "zvk/system_tools.h"
 
@@ -19,8 +20,6 @@ namespace {
 
 constexpr std::int64_t wantedBandBytes = std::int64_t{8} << 20;
 constexpr std::int64_t cacheLineBytes = 64;
-// The vector road begins here.
-constexpr int vectorLevel = 3;
 
 RowShape ShapeOf(const TiffPicture& picture)
 {

@@ -1,5 +1,6 @@
 #include "tools/pelkraft/pattern_engines.h"
 
+#include "tools/pelkraft/vector_level.h"
 #include "zvk/system_tools.h"
 
 #include <algorithm>
@@ -19,9 +20,6 @@ constexpr EngineEntry engines[] = {{DotWeavePattern::Automatic, "auto"},
                                    {DotWeavePattern::Reference, "reference"},
                                    {DotWeavePattern::X86, "x86"},
                                    {DotWeavePattern::Sse, "sse"}};
-
-// The level at which the vector engine's instructions begin.
-constexpr int vectorLevel = 3;
 
 // The library's wide texts are constants of ASCII letters.
 std::string Narrow(const wchar_t* text)
