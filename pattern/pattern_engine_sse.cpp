@@ -59,7 +59,6 @@ void DotWeavePatternEngineSse<RandomSource>::BuildLanes()
     std::copy_n(mMaxStepOfInColor.begin(), mNumInColors, mLanes.mStepLimits.begin());
     for (std::size_t ink = 0; ink < static_cast<std::size_t>(mNumOutInks); ++ink) {
         const std::uint8_t inColor = mConverter->GetInColorOfOutInk()[ink];
-        mLanes.mStoreMask[ink] = 0xFF;
         // A repeated name can lead behind the last lane, of which a shuffle would see but the
         // low four bits.
         mLanes.mInColorLanes[ink] = inColor < outInkLanes ? inColor : noInColorOfInk;

@@ -10,8 +10,6 @@ namespace zvk::Pelkraft {
 // What the loop needs of a pattern besides its transformations.
 struct SseLanes
 {
-    // By destination byte: 0xFF for those of a pixel.
-    alignas(16) std::array<std::uint8_t, 16> mStoreMask{};
     // By out-ink: its in-colour. The top bit stands for none.
     alignas(16) std::array<std::uint8_t, 16> mInColorLanes{};
     // By in-colour: its top step. 0 for the bytes behind a pixel.

@@ -1,3 +1,4 @@
+#include "pattern/row_rest_vector.h"
 #include "pattern/sse_row.h"
 
 #include <tmmintrin.h>
@@ -8,7 +9,11 @@
 namespace zvk::Pelkraft {
 namespace {
 
-constexpr std::uint32_t vectorBytes = 16;
+constexpr std::size_t vectorBytes = 16;
+
+constexpr unsigned char shiftPlaces[2 * vectorBytes] = {
+    0,    1,    2,    3,    4,    5,    6,    7,    8,    9,    10,   11,   12,   13,   14,   15,
+    0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80};
 
 struct Lanes
 {
@@ -19,6 +24,11 @@ struct Lanes
 __m128i LoadAligned(const void* bytes)
 {
     return _mm_load_si128(static_cast<const __m128i*>(bytes));
+}
+
+__m128i LoadBytes(const void* bytes)
+{
+    return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
 }
 
 // All lanes of one pixel at once.
@@ -33,86 +43,121 @@ inline __m128i Transform(__m128i pixel, const Lanes& lanes, const SseTransformat
     return _mm_shuffle_epi8(LoadAligned(&tables->mComonTrans), _mm_or_si128(index, outside));
 }
 
-// The pixels from which on a whole vector fits neither into the rest of the source nor into that
-// of the destination.
-std::uint32_t CountCarefulPixels(const SseRow& row)
+Lanes LoadLanes(const SseRow& row)
 {
-    const std::uint32_t behindSource = (vectorBytes - 1) / row.sourceStride;
-    const std::uint32_t behindDestination = (vectorBytes - 1) / row.destinationStride;
-    return behindSource > behindDestination ? behindSource : behindDestination;
+    return {LoadAligned(&row.lanes->mInColorLanes), LoadAligned(&row.lanes->mStepLimits)};
 }
 
 // Whole vectors: the surplus lanes of a pixel are overwritten by the pixels behind it.
 template <bool draws>
-void ApplyRun(const SseRow& row, std::uint32_t firstPixel, std::uint32_t pixels,
-              const SseTransformation* const* field)
+void ApplyRun(const SseRow& row)
 {
-    const Lanes lanes = {LoadAligned(&row.lanes->mInColorLanes),
-                         LoadAligned(&row.lanes->mStepLimits)};
+    const Lanes lanes = LoadLanes(row);
     const std::size_t sourceStride = row.sourceStride;
     const std::size_t destinationStride = row.destinationStride;
-    const unsigned char* source = row.source + firstPixel * sourceStride;
-    unsigned char* destination = row.destination + firstPixel * destinationStride;
+    const unsigned char* source = row.source;
+    unsigned char* destination = row.destination;
+    const SseTransformation* const* const field = draws ? row.field + row.position : nullptr;
     const SseTransformation* const single = row.single;
+    const std::uint32_t pixels = row.pixels;
     for (std::uint32_t i = 0; i < pixels; ++i) {
-        const __m128i pixel = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
-        const __m128i inks = Transform(pixel, lanes, draws ? field[i] : single);
+        const __m128i inks = Transform(LoadBytes(source), lanes, draws ? field[i] : single);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(destination), inks);
         source += sourceStride;
         destination += destinationStride;
     }
 }
 
-// One of the last pixels: reads what is left of the source and writes the bytes of the mask.
-void ApplyCarefully(const SseRow& row, std::uint32_t pixel, const SseTransformation* tables)
+// The vector from a byte on, with zeros after it.
+__m128i ShiftDown(__m128i vector, std::size_t bytes)
 {
-    const Lanes lanes = {LoadAligned(&row.lanes->mInColorLanes),
-                         LoadAligned(&row.lanes->mStepLimits)};
-    alignas(vectorBytes) unsigned char bytes[vectorBytes] = {};
-    std::memcpy(bytes, row.source + std::size_t{pixel} * row.sourceStride, row.sourceStride);
-    const __m128i inks = Transform(LoadAligned(bytes), lanes, tables);
-    _mm_store_si128(reinterpret_cast<__m128i*>(bytes),
-                    _mm_and_si128(inks, LoadAligned(&row.lanes->mStoreMask)));
-    std::memcpy(row.destination + std::size_t{pixel} * row.destinationStride, bytes,
-                row.destinationStride);
+    return _mm_shuffle_epi8(vector, LoadBytes(shiftPlaces + bytes));
 }
 
-void ApplyDrawn(const SseRow& row)
+// The last 16 bytes of the source, or all of them.
+struct SourceEnd
 {
-    const std::uint32_t careful = CountCarefulPixels(row);
-    const std::uint32_t whole = row.pixels > careful ? row.pixels - careful : 0;
-    std::uint32_t position = row.position;
-    for (std::uint32_t pixel = 0; pixel < row.pixels;) {
-        std::uint32_t run = row.fieldSize - position;
-        if (pixel < whole) {
-            run = run < whole - pixel ? run : whole - pixel;
-            ApplyRun<true>(row, pixel, run, row.field + position);
-        } else {
-            run = 1;
-            ApplyCarefully(row, pixel, row.field[position]);
-        }
-        pixel += run;
-        position += run;
-        if (position == row.fieldSize)
-            position = 0;
+    __m128i bytes;
+    std::size_t place;
+};
+
+SourceEnd LoadSourceEnd(const SseRow& row)
+{
+    const std::size_t sourceBytes = std::size_t{row.pixels} * row.sourceStride;
+    if (sourceBytes >= vectorBytes)
+        return {LoadBytes(row.source + sourceBytes - vectorBytes), sourceBytes - vectorBytes};
+    alignas(vectorBytes) unsigned char bytes[vectorBytes] = {};
+    std::memcpy(bytes, row.source, sourceBytes);
+    return {LoadAligned(bytes), 0};
+}
+
+// Two overlapping stores of a size, of which the second ends where the pixel does.
+template <typename Part>
+void StoreParts(unsigned char* destination, std::size_t bytes, __m128i inks)
+{
+    const std::size_t last = bytes - sizeof(Part);
+    const __m128i shifted = ShiftDown(inks, last);
+    std::memcpy(destination, &inks, sizeof(Part));
+    std::memcpy(destination + last, &shifted, sizeof(Part));
+}
+
+void StorePixel(unsigned char* destination, std::size_t bytes, __m128i inks)
+{
+    if (bytes >= sizeof(std::uint64_t))
+        StoreParts<std::uint64_t>(destination, bytes, inks);
+    else if (bytes >= sizeof(std::uint32_t))
+        StoreParts<std::uint32_t>(destination, bytes, inks);
+    else if (bytes >= sizeof(std::uint16_t))
+        StoreParts<std::uint16_t>(destination, bytes, inks);
+    else
+        *destination = static_cast<unsigned char>(_mm_cvtsi128_si32(inks));
+}
+
+// The last pixels of a row, from the first one on whose vectors may leave the row.
+void ApplyCarefully(const SseRow& row, std::uint32_t firstPixel)
+{
+    const Lanes lanes = LoadLanes(row);
+    const SourceEnd end = LoadSourceEnd(row);
+    SseRow rest = SkipPixels(row, firstPixel);
+    for (std::size_t pixel = firstPixel; pixel < row.pixels; ++pixel) {
+        const std::size_t place = pixel * row.sourceStride;
+        const __m128i bytes = place < end.place ? LoadBytes(row.source + place)
+                                                : ShiftDown(end.bytes, place - end.place);
+        const SseTransformation* const tables =
+            rest.single != nullptr ? rest.single : rest.field[rest.position];
+        StorePixel(row.destination + pixel * row.destinationStride, row.destinationStride,
+                   Transform(bytes, lanes, tables));
+        if (++rest.position == rest.fieldSize)
+            rest.position = 0;
     }
 }
 
-void ApplySingle(const SseRow& row)
+// The pixels for which 16 bytes fit into the rest of the source and into that of the destination.
+std::uint32_t CountWholePixels(const SseRow& row)
 {
-    const std::uint32_t careful = CountCarefulPixels(row);
-    const std::uint32_t whole = row.pixels > careful ? row.pixels - careful : 0;
-    ApplyRun<false>(row, 0, whole, nullptr);
-    for (std::uint32_t pixel = whole; pixel < row.pixels; ++pixel)
-        ApplyCarefully(row, pixel, row.single);
+    const std::size_t behindSource = (vectorBytes - 1) / row.sourceStride;
+    const std::size_t behindDestination = (vectorBytes - 1) / row.destinationStride;
+    const std::size_t behind = behindSource > behindDestination ? behindSource : behindDestination;
+    return row.pixels > behind ? row.pixels - static_cast<std::uint32_t>(behind) : 0;
+}
+
+void ApplyWhole(SseRow row)
+{
+    if (row.single != nullptr)
+        return ApplyRun<false>(row);
+    while (row.pixels != 0) {
+        const std::uint32_t run = CountPixelsAhead(row);
+        ApplyRun<true>(FirstPixels(row, run));
+        row = SkipPixels(row, run);
+    }
 }
 
 void ApplyRow(const SseRow& row)
 {
-    if (row.single != nullptr)
-        ApplySingle(row);
-    else
-        ApplyDrawn(row);
+    const std::uint32_t whole = CountWholePixels(row);
+    ApplyWhole(FirstPixels(row, whole));
+    if (whole != row.pixels)
+        ApplyCarefully(row, whole);
 }
 
 } // namespace

@@ -41,7 +41,6 @@ SseLanes RandomLanes(std::uint32_t inColors, std::uint32_t outInks, std::uint32_
     for (std::size_t i = 0; i < inColors; ++i)
         lanes.mStepLimits[i] = seed % 3 == 0 ? bytes[i] : bytes[i] & 7;
     for (std::size_t i = 0; i < outInks; ++i) {
-        lanes.mStoreMask[i] = 0xFF;
         lanes.mInColorLanes[i] =
             bytes[16 + i] % 5 == 0 ? 0xFF : static_cast<std::uint8_t>(bytes[16 + i] % inColors);
     }
