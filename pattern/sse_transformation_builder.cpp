@@ -145,7 +145,10 @@ void SseTransformationBuilder::Build(PatternCombination& combination)
 
 SseTransformation SseTransformationBuilder::Pack() const
 {
-    return {LowBytes(mUpper), LowBytes(mLower), LowBytes(mOffset), LowBytes(mComonTrans)};
+    SseTransformation tables{
+        LowBytes(mUpper), LowBytes(mLower), LowBytes(mOffset), LowBytes(mComonTrans), {}};
+    tables.FillInkValues();
+    return tables;
 }
 
 } // namespace zvk::Pelkraft

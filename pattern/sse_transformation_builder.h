@@ -23,7 +23,7 @@ struct SseTransformationBuilder
     // nothing. More than 16 values throw "capacity exceeded in mComonTrans".
     void Build(PatternCombination& combination);
 
-    // The low byte of each entry.
+    // The low byte of each entry, and what they come to.
     SseTransformation Pack() const;
 };
 

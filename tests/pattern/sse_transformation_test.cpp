@@ -159,6 +159,19 @@ TEST(SseTransformation, LooksForARowInThoseOfItsTurn)
     EXPECT_EQ(tables.mOffset, Filled({1, 2, 0, 2}, -127));
 }
 
+TEST(SseTransformation, HasTheValueOfEachInkAtEachStep)
+{
+    Rows rows({{-1, 64, 128, -1, -1, -1, -1, -1}, unsetRow, {7, -1, -1, 40, -1, -1, -1, 255}});
+    const SseTransformation packed = Build(rows).Pack();
+    std::array<std::uint8_t, 128> expected{};
+    expected[1] = 64;
+    expected[2] = 128;
+    expected[16] = 7;
+    expected[19] = 40;
+    expected[23] = 255;
+    EXPECT_EQ(packed.mInkValues, expected);
+}
+
 TEST(SseTransformation, PacksTheLowBytes)
 {
     Rows rows({{-1, -1, 257, -1, -1, -1, -1, -1}});
