@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pattern/ink_lookup.h"
 #include "pattern/sse_transformation.h"
 
 #include <array>
@@ -14,6 +15,8 @@ struct SseLanes
     alignas(16) std::array<std::uint8_t, 16> mInColorLanes{};
     // By in-colour: its top step. 0 for the bytes behind a pixel.
     alignas(16) std::array<std::uint8_t, 16> mStepLimits{};
+    // For the methods that look up ink values.
+    InkLookup mLookup{};
 };
 
 // One row, which is not to be written to where it is read.
@@ -37,8 +40,12 @@ struct SseRow
 // Reads the bytes of the source pixels and writes those of the destination pixels, and no other.
 using SseRowMethod = void (*)(const SseRow& row);
 
-// By 16-byte vectors; only where PELKRAFT_VECTOR_ROAD is defined.
+// By 16-byte vectors. Like the next two only where hasVectorRoad is true.
 SseRowMethod GetSseRowMethodVector();
+// 8 pixels at once by 32-byte vectors, for patterns that can look up ink values and suit it.
+SseRowMethod GetShortWordMethodAvx2();
+// 8 pixels at once by 64-byte vectors, for patterns that can look up ink values.
+SseRowMethod GetWideWordMethodAvx512();
 // The same lane by lane, for any processor.
 SseRowMethod GetSseRowMethodPortable();
 
