@@ -1,5 +1,6 @@
 #include "pelkraft/dot_weave_pattern.h"
 
+#include "common/road.h"
 #include "pattern/early_check.h"
 #include "pattern/pattern_engine_sse.h"
 #include "pattern/pattern_engine_x86.h"
@@ -20,16 +21,15 @@ constexpr const wchar_t* noInColorsOrInks =
 constexpr const char* unsupportedEngine = "DotWeavePattern::Init unsupported engine";
 
 constexpr int firstVersionOfSecondGeneration = 3;
-constexpr int leastSseVersion = 3;
 
 using EngineOwner = std::unique_ptr<DotWeavePatternEngine>;
 
-template <template <typename> class Engine, typename First, typename Second>
-EngineOwner MakeGeneration(int textVersion)
+template <template <typename> class Engine, typename First, typename Second, typename... Arguments>
+EngineOwner MakeGeneration(int textVersion, Arguments... arguments)
 {
     if (textVersion < firstVersionOfSecondGeneration)
-        return std::make_unique<Engine<First>>();
-    return std::make_unique<Engine<Second>>();
+        return std::make_unique<Engine<First>>(arguments...);
+    return std::make_unique<Engine<Second>>(arguments...);
 }
 
 EngineOwner MakePortable(int textVersion)
@@ -37,25 +37,30 @@ EngineOwner MakePortable(int textVersion)
     return MakeGeneration<DotWeavePatternEngineX86, RandomField, RandomFieldNG>(textVersion);
 }
 
-EngineOwner MakeVector(int textVersion)
+EngineOwner MakeVector(int textVersion, Road road)
 {
     return MakeGeneration<DotWeavePatternEngineSse, RandomPointer<SseTransformation>,
-                          RandomPointerNG<SseTransformation>>(textVersion);
+                          RandomPointerNG<SseTransformation>>(textVersion, road);
+}
+
+EngineOwner MakeByProcessor(int textVersion)
+{
+    const Road road = RoadOf(zvk::SystemTools::GetSseVersion());
+    return road == Road::Portable ? MakePortable(textVersion) : MakeVector(textVersion, road);
 }
 
 EngineOwner MakeEngine(DotWeavePattern::Engine engine, int textVersion)
 {
     switch (engine) {
     case DotWeavePattern::Automatic:
-        if (zvk::SystemTools::GetSseVersion() < leastSseVersion)
-            return MakePortable(textVersion);
-        return MakeVector(textVersion);
+        return MakeByProcessor(textVersion);
     case DotWeavePattern::Reference:
         return std::make_unique<Testonly::CDotWeavePattern<RandomField>>();
     case DotWeavePattern::X86:
         return MakePortable(textVersion);
     case DotWeavePattern::Sse:
-        return MakeVector(textVersion);
+        // Whatever the level: whoever asks for this engine answers for the byte shuffle.
+        return MakeVector(textVersion, hasVectorRoad ? Road::Vector : Road::Portable);
     }
     throw unsupportedEngine;
 }

@@ -12,19 +12,31 @@ namespace {
 
 constexpr const char* arrayTooLong = "Array too long for SSE register";
 
-SseRowMethod SelectRowMethod()
+SseRowMethod GetMethodForAnySteps(Road road)
 {
-#if defined(PELKRAFT_VECTOR_ROAD)
-    return GetSseRowMethodVector();
-#else
+    if constexpr (hasVectorRoad)
+        if (road != Road::Portable)
+            return GetSseRowMethodVector();
     return GetSseRowMethodPortable();
-#endif
+}
+
+// For patterns that can look up ink values.
+SseRowMethod GetLookupMethod(Road road, std::uint32_t inColors, std::uint32_t outInks)
+{
+    if constexpr (hasVectorRoad) {
+        if (road == Road::Avx512)
+            return GetWideWordMethodAvx512();
+        if (road == Road::Avx2 && SuitsShortWords(inColors, outInks))
+            return GetShortWordMethodAvx2();
+    }
+    return GetMethodForAnySteps(road);
 }
 
 } // namespace
 
 template <typename RandomSource>
-DotWeavePatternEngineSse<RandomSource>::DotWeavePatternEngineSse() : mApplyRow(SelectRowMethod())
+DotWeavePatternEngineSse<RandomSource>::DotWeavePatternEngineSse(Road newRoad)
+    : mRoad(newRoad), mApplyRow(GetMethodForAnySteps(newRoad))
 {}
 
 template <typename RandomSource>
@@ -41,6 +53,7 @@ void DotWeavePatternEngineSse<RandomSource>::InitFromText(char* text)
         throw arrayTooLong;
     CopySteps();
     BuildLanes();
+    SelectRowMethod();
     BuildRandomSource();
 }
 
@@ -62,6 +75,19 @@ void DotWeavePatternEngineSse<RandomSource>::BuildLanes()
         // A repeated name can lead behind the last lane, of which a shuffle would see but the
         // low four bits.
         mLanes.mInColorLanes[ink] = inColor < outInkLanes ? inColor : noInColorOfInk;
+    }
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineSse<RandomSource>::SelectRowMethod()
+{
+    const auto inColors = static_cast<std::uint32_t>(mNumInColors);
+    const auto outInks = static_cast<std::uint32_t>(mNumOutInks);
+    if (inColors != 0 && outInks != 0 && CanLookUp(mLanes, outInks)) {
+        mLanes.mLookup = BuildInkLookup(mLanes, inColors, outInks);
+        mApplyRow = GetLookupMethod(mRoad, inColors, outInks);
+    } else {
+        mApplyRow = GetMethodForAnySteps(mRoad);
     }
 }
 

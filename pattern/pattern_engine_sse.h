@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/road.h"
 #include "pattern/converted_pattern_engine.h"
 #include "pattern/pattern_converter_sse.h"
 #include "pattern/sse_row.h"
@@ -10,14 +11,14 @@
 
 namespace zvk::Pelkraft {
 
-// Applies a pattern by 16-byte vectors, all out-inks of a pixel at once. Up to 16 in-colours and
-// 16 out-inks, and 16 stored values in a combination. Off x86 the same tables are applied lane
-// by lane.
+// Applies a pattern by the vectors of a road, all out-inks of a pixel at once, and on the widest
+// roads several pixels. Up to 16 in-colours and 16 out-inks, and 16 stored values in a
+// combination. On the portable road the same tables are applied lane by lane.
 template <typename RandomSource>
 class DotWeavePatternEngineSse final : public ConvertedPatternEngine<DotWeavePatternConverterSse>
 {
 public:
-    DotWeavePatternEngineSse();
+    explicit DotWeavePatternEngineSse(Road newRoad);
     ~DotWeavePatternEngineSse() override;
 
     void InitFromText(char* text) override;
@@ -25,9 +26,13 @@ public:
     void ApplyPattern(unsigned char* source, unsigned char* destination,
                       unsigned long pixels) override;
 
+    // What a row goes through, chosen when the text is loaded.
+    SseRowMethod GetRowMethod() const { return mApplyRow; }
+
 private:
     void PackTransformations();
     void BuildLanes();
+    void SelectRowMethod();
     void BuildRandomSource();
 
     std::int32_t mSourceStride = 0;
@@ -35,7 +40,8 @@ private:
     SseLanes mLanes;
     std::array<SseTransformation, MAXS_TOTAL_RANDOM> mTransformations;
     RandomSource mRandom;
-    const SseRowMethod mApplyRow;
+    const Road mRoad;
+    SseRowMethod mApplyRow;
 };
 
 } // namespace zvk::Pelkraft

@@ -62,7 +62,8 @@ public:
     // What runs the pattern.
     enum Engine : int
     {
-        // Sse where zvk::SystemTools::GetSseVersion() is 3 or more, else X86.
+        // As Sse where zvk::SystemTools::GetSseVersion() is 3 or more, by the widest vectors of
+        // that level and with the same bytes; else X86.
         Automatic = 0,
         // A simple second implementation that draws for each in-colour, and so gives other bytes.
         // It takes every version.

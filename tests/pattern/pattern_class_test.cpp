@@ -247,13 +247,13 @@ TEST(DotWeavePattern, TakesTheGenerationOverWithTheEngine)
               "narrow: pattern without random combinations");
 }
 
-template <typename EngineClass>
-void ExpectAlignment()
+template <typename EngineClass, typename... Arguments>
+void ExpectAlignment(Arguments... arguments)
 {
     std::string text = TestSupport::exampleText;
     std::vector<std::unique_ptr<EngineClass>> engines;
     for (int i = 0; i < 5; ++i) {
-        engines.push_back(std::make_unique<EngineClass>());
+        engines.push_back(std::make_unique<EngineClass>(arguments...));
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(engines.back().get()) % 32, 0U);
         engines.back()->InitFromText(text.data());
         // A second load replaces the first.
@@ -272,8 +272,8 @@ TEST(DotWeavePatternEngines, StandAlignedTo32Bytes)
 {
     ExpectAlignment<DotWeavePatternEngineX86<RandomField>>();
     ExpectAlignment<DotWeavePatternEngineX86<RandomFieldNG>>();
-    ExpectAlignment<DotWeavePatternEngineSse<RandomPointer<SseTransformation>>>();
-    ExpectAlignment<DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>>>();
+    ExpectAlignment<DotWeavePatternEngineSse<RandomPointer<SseTransformation>>>(Road::Vector);
+    ExpectAlignment<DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>>>(Road::Vector);
 }
 
 TEST(DotWeavePatternEngines, ShowTheSourceThatTheyWalk)

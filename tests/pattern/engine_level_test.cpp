@@ -1,0 +1,165 @@
+#include "pattern/pattern_engine_sse.h"
+#include "pattern/random_pointer.h"
+#include "pattern/random_pointer_ng.h"
+#include "tests/pattern/engine_support.h"
+#include "tests/pattern/naive_pattern.h"
+#include "tests/pattern/pattern_support.h"
+#include "zvk/system_tools.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <iostream>
+#include <memory>
+#include <random>
+#include <string>
+
+// What the processor's level changes, and what it leaves alone.
+namespace zvk::Pelkraft {
+namespace {
+
+using TestSupport::Apply;
+using TestSupport::Bytes;
+using TestSupport::Head;
+using TestSupport::InColor;
+using TestSupport::Load;
+using TestSupport::NaivePattern;
+using TestSupport::NaiveSimulation;
+using TestSupport::Numbered;
+using TestSupport::RandomPattern;
+using TestSupport::RandomSteps;
+
+using FirstEngine = DotWeavePatternEngineSse<RandomPointer<SseTransformation>>;
+using SecondEngine = DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>>;
+
+// A pattern in which the last in-colour feeds all out-inks.
+std::string Fed(int inColors, int outInks, const std::string& version, const std::string& values)
+{
+    std::string names;
+    std::string inks;
+    for (int i = 0; i < inColors; ++i)
+        names += Numbered(" C", i);
+    for (int i = 0; i < outInks; ++i)
+        inks += Numbered(" X", i);
+    return Head(version, names, inks) + InColor(Numbered("C", inColors - 1), inks, values);
+}
+
+class PatternLevels : public testing::Test
+{
+protected:
+    ~PatternLevels() override { SystemTools::LimitSseVersion(INT_MAX); }
+
+    // Whether the processor has the level.
+    static bool Limit(int level)
+    {
+        SystemTools::LimitSseVersion(level);
+        if (SystemTools::GetSseVersion() == level)
+            return true;
+        std::cout << "level " << level << ": not run, the processor lacks it\n";
+        return false;
+    }
+};
+
+SseRowMethod MethodOn(Road road, const std::string& text)
+{
+    std::string own = text;
+    const auto engine = std::make_unique<FirstEngine>(road);
+    engine->InitFromText(own.data());
+    return engine->GetRowMethod();
+}
+
+TEST_F(PatternLevels, HaveAMethodForEachRoad)
+{
+    for (int inColors = 1; inColors <= 16; ++inColors)
+        for (int outInks = 1; outInks <= 16; ++outInks) {
+            SCOPED_TRACE(testing::Message() << inColors << " to " << outInks);
+            const std::string text = Fed(inColors, outInks, "2", "1 1 0-1\n2 1 0-2");
+            EXPECT_EQ(MethodOn(Road::Portable, text), GetSseRowMethodPortable());
+            if constexpr (hasVectorRoad) {
+                const bool isShort = outInks <= 4 || (outInks <= 8 && inColors <= 4);
+                EXPECT_EQ(MethodOn(Road::Vector, text), GetSseRowMethodVector());
+                EXPECT_EQ(MethodOn(Road::Avx2, text),
+                          isShort ? GetShortWordMethodAvx2() : GetSseRowMethodVector());
+                EXPECT_EQ(MethodOn(Road::Avx512, text), GetWideWordMethodAvx512());
+            }
+        }
+}
+
+TEST_F(PatternLevels, LookUpNoStepsWithoutALimit)
+{
+    if constexpr (hasVectorRoad) {
+        const std::string text = Fed(2, 3, "2", "");
+        EXPECT_EQ(MethodOn(Road::Avx2, text), GetSseRowMethodVector());
+        EXPECT_EQ(MethodOn(Road::Avx512, text), GetSseRowMethodVector());
+    }
+}
+
+template <typename EngineClass>
+SseRowMethod MethodOf(const DotWeavePattern& pattern)
+{
+    // The engine stands in front, as the binary interface promises.
+    DotWeavePatternEngine* engine = nullptr;
+    std::memcpy(&engine, static_cast<const void*>(&pattern), sizeof engine);
+    const auto* const vectorEngine = dynamic_cast<EngineClass*>(engine);
+    return vectorEngine != nullptr ? vectorEngine->GetRowMethod() : nullptr;
+}
+
+TEST_F(PatternLevels, ChooseTheRoadOfTheAutomaticEngineAlone)
+{
+    if constexpr (hasVectorRoad) {
+        const std::string first = Fed(2, 8, "2", "1 1:1 0-1 0-2");
+        const std::string second = Fed(2, 8, "3", "1 1:1 0-1 0-2");
+        for (int level = 0; level <= 7; ++level) {
+            if (!Limit(level))
+                continue;
+            const SseRowMethod method = level < 3    ? nullptr
+                                        : level < 6  ? GetSseRowMethodVector()
+                                        : level == 6 ? GetShortWordMethodAvx2()
+                                                     : GetWideWordMethodAvx512();
+            EXPECT_EQ(MethodOf<FirstEngine>(Load(first, DotWeavePattern::Automatic)), method);
+            EXPECT_EQ(MethodOf<SecondEngine>(Load(second, DotWeavePattern::Automatic)), method);
+            EXPECT_EQ(MethodOf<FirstEngine>(Load(first, DotWeavePattern::Sse)),
+                      GetSseRowMethodVector());
+            EXPECT_EQ(MethodOf<SecondEngine>(Load(second, DotWeavePattern::Sse)),
+                      GetSseRowMethodVector());
+        }
+    }
+}
+
+// Some rows, of which the last goes beyond the end of the field.
+void ExpectNaiveRows(const NaivePattern& description, const NaiveSimulation& fresh)
+{
+    NaiveSimulation naive = fresh;
+    const std::string text = description.Text();
+    DotWeavePattern pattern = Load(text, DotWeavePattern::Automatic);
+    std::mt19937 random(7);
+    for (const std::size_t pixels : {1U, 8U, 61U, 500U, 120000U}) {
+        const Bytes source =
+            RandomSteps(pixels * description.inColors.size(), static_cast<std::uint32_t>(random()));
+        ASSERT_TRUE(Apply(pattern, source) == naive.Row(source)) << pixels << "\n" << text;
+    }
+}
+
+TEST_F(PatternLevels, GiveTheSameBytes)
+{
+    std::mt19937 random(815);
+    int tried = 0;
+    for (int round = 0; tried < 12; ++round) {
+        const NaivePattern description = RandomPattern(random, 2 + round % 2);
+        const std::uint64_t combinations = NaiveSimulation::CountCombinations(description);
+        if (combinations < 2 || combinations > 1024 ||
+            TestSupport::Refusal(description.Text(), DotWeavePattern::Sse) != "nothing")
+            continue;
+        ++tried;
+        const NaiveSimulation naive(description);
+        for (const int level : {0, 3, 6, 7}) {
+            SCOPED_TRACE(testing::Message() << "level " << level);
+            if (Limit(level))
+                ExpectNaiveRows(description, naive);
+        }
+    }
+}
+
+} // namespace
+} // namespace zvk::Pelkraft
