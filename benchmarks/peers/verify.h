@@ -1,0 +1,11 @@
+#pragma once
+
+#include "benchmarks/peers/entry.h"
+
+namespace zvk::Pelkraft::Benchmarks {
+
+// Whether the entry does the job at a width, within what its own rule allows, and writes nothing
+// outside its row.
+bool IsRight(const Job& job, const Entry& entry, int width);
+
+} // namespace zvk::Pelkraft::Benchmarks
