@@ -6,6 +6,7 @@
 #   setup.sh package_check  to try them on a bare Debian
 #   setup.sh docs     to build the reference of the public headers
 #   setup.sh bench    to build and run the benchmarks
+#   setup.sh peers    to run them beside public libraries
 #   setup.sh coverage to count the lines and branches that the tests reach
 #   setup.sh analysis to read all sources with clang-tidy and cppcheck
 # Without a name it takes what the tests need, which is the most.
@@ -15,7 +16,9 @@ build_packages=(g++ cmake ninja-build pkg-config libtiff-dev libpng-dev libcli11
     nlohmann-json3-dev)
 picture_packages=(ghostscript libtiff-tools)
 test_packages=(perl clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind
-    abigail-tools groff-base fish zsh doxygen libc++-14-dev libc++abi-14-dev g++-multilib)
+    abigail-tools groff-base fish zsh doxygen libc++-14-dev libc++abi-14-dev g++-multilib python3)
+bench_packages=(libbenchmark-dev python3 util-linux)
+peer_packages=(libopencv-dev libyuv-dev libswscale-dev python3-dev python3-numpy)
 
 case "${1:-test}" in
 demo) wanted=("${build_packages[@]}" "${picture_packages[@]}" ghostscript-doc) ;;
@@ -23,9 +26,13 @@ test) wanted=("${build_packages[@]}" "${picture_packages[@]}" "${test_packages[@
 package) wanted=("${build_packages[@]}" dpkg-dev file) ;;
 package_check) wanted=(debootstrap "${picture_packages[@]}") ;;
 docs) wanted=(doxygen) ;;
-bench) wanted=("${build_packages[@]}" clang libbenchmark-dev libgtest-dev) ;;
+bench) wanted=("${build_packages[@]}" "${bench_packages[@]}" clang libgtest-dev) ;;
+peers) wanted=(g++ cmake ninja-build pkg-config "${bench_packages[@]}" "${peer_packages[@]}") ;;
 coverage) wanted=("${build_packages[@]}" libgtest-dev gcovr python3) ;;
-analysis) wanted=("${build_packages[@]}" clang clang-tidy cppcheck libbenchmark-dev libgtest-dev) ;;
+analysis)
+    wanted=("${build_packages[@]}" "${bench_packages[@]}" "${peer_packages[@]}" clang clang-tidy
+        cppcheck libgtest-dev)
+    ;;
 *)
     echo "usage: bash scripts/setup.sh [GROUP]" >&2
     sed -n 's/^#   setup.sh/   /p' "$0" >&2

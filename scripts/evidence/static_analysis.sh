@@ -38,7 +38,8 @@ run_cppcheck() {
 run_clang_tidy() {
     cmake -S . -B build/analysis -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ \
         -DPELKRAFT_BUILD_TESTS=ON -DPELKRAFT_BUILD_TOOLS=ON -DPELKRAFT_BUILD_BENCHMARKS=ON \
-        -DPELKRAFT_BUILD_FUZZERS=ON >/dev/null
+        -DPELKRAFT_BUILD_FUZZERS=ON -DPELKRAFT_BUILD_PEER_BENCHMARKS=ON \
+        -DPython3_EXECUTABLE=/usr/bin/python3 >/dev/null
     run-clang-tidy -p build/analysis -j "$(nproc)" -quiet "${@/#/^$PWD/}" 2>build/evidence/tidy.log
 }
 
