@@ -1,27 +1,43 @@
 #!/usr/bin/env bash
-# Builds the benchmarks as Release, runs them one after the other and writes docs/benchmarks.md.
+# Builds the benchmarks as Release and runs them.
+#   bench.sh          the two roads and the patterns, into their part of docs/benchmarks.md
+#   bench.sh --peers  our rows beside public libraries, which it installs: into their part of the
+#                     page, with its chart, and into the stored figures
+#   bench.sh --check  compares the common jobs with the stored figures; exits 1 on a loss
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/setup.sh test
+page=docs/benchmarks.md
+picture=docs/pictures/benchmarks.svg
+stored=benchmarks/peers/stored_ratios.json
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
 
-cmake --preset release >/dev/null
-cmake --build --preset release -j "$(nproc)" --target bench_conversions bench_patterns \
-    >/dev/null
-results=$(mktemp)
-patterns=$(mktemp)
-trap 'rm -f "$results" "$patterns"' EXIT
-build/release/benchmarks/rows/bench_conversions --benchmark_format=csv >"$results" 2>/dev/null
-build/release/benchmarks/pattern/bench_patterns --benchmark_format=csv >"$patterns" 2>/dev/null
+# The last processor that this process may use: the first ones see most interrupts.
+pinned() {
+    if command -v taskset >/dev/null; then
+        taskset -c "$(sed -n 's/^Cpus_allowed_list:.*[^0-9]//p' /proc/self/status)" "$@"
+    else
+        "$@"
+    fi
+}
 
-processor=$(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1)
-compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' build/release/CMakeCache.txt)
-{
+# Puts the standard input between the page's two marks of a name.
+replace_part() {
+    local begin="<!-- $1: begin -->" end="<!-- $1: end -->"
+    cat >"$work/part"
+    awk -v begin="$begin" -v end="$end" -v part="$work/part" '
+        $0 == begin { print; while ((getline line <part) > 0) print line; inside = 1; ++marks }
+        $0 == end { inside = 0; ++marks }
+        !inside { print }
+        END { exit marks != 2 }' "$page" >"$work/page" || {
+        echo "bench.sh: $page doesn't have the marks of $1" >&2
+        exit 1
+    }
+    cat "$work/page" >"$page"
+}
+
+conversions_table() {
     cat <<EOF
-# Benchmarks
-
-Written by \`bash scripts/bench.sh\` on $(date +%F).
-
-Machine: $processor, $(nproc) cores. Compiler: $($compiler --version | head -1), Release (-O3).
 
 ## Row conversion
 
@@ -53,7 +69,10 @@ EOF
                     cell(key, "vector"), cell(key, "portable"), cell(key, "plain_loop"),
                     cell(key, "memcpy"), nsPerPixel[key, "portable"] / nsPerPixel[key, "vector"]
             }
-        }' "$results"
+        }' "$1"
+}
+
+patterns_table() {
     cat <<EOF
 
 ## Dot patterns
@@ -79,6 +98,83 @@ EOF
                     $4 * ($5 == "ns" ? 1e-6 : $5 == "us" ? 1e-3 : 1)
             else
                 printf "| %s | %s | %s | %.2f (%.0f) |\n", name, inks, pixels, 1e3 / $11, $11
-        }' "$patterns"
-} >docs/benchmarks.md
-echo "docs/benchmarks.md is written"
+        }' "$1"
+}
+
+write_roads() {
+    bash scripts/setup.sh test
+    cmake --preset release >/dev/null
+    cmake --build --preset release -j "$(nproc)" --target bench_conversions bench_patterns \
+        >/dev/null
+    build/release/benchmarks/rows/bench_conversions --benchmark_format=csv \
+        >"$work/conversions" 2>/dev/null
+    build/release/benchmarks/pattern/bench_patterns --benchmark_format=csv \
+        >"$work/patterns" 2>/dev/null
+
+    local processor compiler
+    processor=$(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1)
+    compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' build/release/CMakeCache.txt)
+    {
+        echo "Written by \`bash scripts/bench.sh\` on $(date +%F)."
+        echo
+        echo "Machine: $processor, $(nproc) cores. Compiler: $($compiler --version | head -1)," \
+            "Release (-O3)."
+        conversions_table "$work/conversions"
+        patterns_table "$work/patterns"
+    } | replace_part roads
+    echo "$page is written"
+}
+
+build_peers() {
+    cmake -S . -B build/peers -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=g++ \
+        -DPELKRAFT_BUILD_PEER_BENCHMARKS=ON -DPython3_EXECUTABLE=/usr/bin/python3 |
+        grep 'bench_peers: no' || true
+    cmake --build build/peers -j "$(nproc)" --target bench_peers >/dev/null
+}
+
+# Three runs, each a process with its own places in memory, all entries in random order:
+# measure REPETITIONS [FLAG...]
+measure() {
+    local run
+    for run in 1 2 3; do
+        pinned build/peers/benchmarks/peers/bench_peers "${@:2}" \
+            --benchmark_min_time=0.01 --benchmark_repetitions="$1" \
+            --benchmark_enable_random_interleaving=true \
+            --benchmark_out="$work/$run.json" --benchmark_out_format=json >/dev/null 2>"$work/said" ||
+            {
+                cat "$work/said" >&2
+                exit 1
+            }
+    done
+}
+
+write_peers() {
+    bash scripts/setup.sh peers
+    build_peers
+    measure 5
+    python3 -B benchmarks/peers/report.py store "bash scripts/bench.sh --peers" "$work"/[123].json \
+        >"$work/stored"
+    python3 -B benchmarks/peers/report.py table "$work/stored" >"$work/table"
+    python3 -B benchmarks/peers/report.py chart "$work/stored" >"$work/chart"
+    replace_part peers <"$work/table"
+    cat "$work/stored" >"$stored"
+    cat "$work/chart" >"$picture"
+    echo "$page, $picture and $stored are written"
+}
+
+check_losses() {
+    bash scripts/setup.sh bench
+    build_peers
+    measure 9 --common_only
+    python3 -B benchmarks/peers/report.py check "$stored" "$work"/[123].json
+}
+
+case "${1:-}" in
+"") write_roads ;;
+--peers) write_peers ;;
+--check) check_losses ;;
+*)
+    echo "usage: bash scripts/bench.sh [--peers | --check]" >&2
+    exit 2
+    ;;
+esac
