@@ -143,8 +143,9 @@ TEST_F(ConvertWork, ExplainsItsPlanAndDoesIt)
     for (const char* words :
          {"100 x 4 pixels, 4 x 16 bits, contiguous, strips, uncompressed",
           "interleaved, 100 pixels, 4 x 16 bits, 800 bytes", "pass 1",
-          "narrow 16 bits to 8, channels 3,2,1,0", "round tones 0 to 255 evenly", "pass 2",
-          "mirror, pack levels to 1 bit", "planar, 100 pixels, 4 x 1 bit, 52 bytes", "weave planes",
+          "narrow 16 bits to 8, channels 3,2,1,0\n", "round tones 0 to 255 evenly", "pass 2",
+          "mirror, pack levels to 1 bit, split into planes\n",
+          "planar, 100 pixels, 4 x 1 bit, 52 bytes", "weave planes",
           "contiguous bits, 100 pixels, 4 x 1 bit, 50 bytes", "road ", "tones      scale",
           "polarity   MinIsBlack: 0 is black, kept", "bit order  highest bit first", "on 3 threads",
           "rows per second"})
@@ -155,6 +156,39 @@ TEST_F(ConvertWork, ExplainsItsPlanAndDoesIt)
     const Outcome portable = Convert({"--portable", "--explain"});
     EXPECT_NE(std::string::npos, portable.output.find("portable, as asked for"));
     EXPECT_EQ("", Convert().output);
+}
+
+// The library may do the work in any order and way, so that only the samples' changes are named.
+TEST_F(ConvertWork, ExplainsWhatAPassDoesToTheSamples)
+{
+    struct Pass
+    {
+        int channels;
+        int bits;
+        std::vector<std::string> options;
+        std::string words;
+    };
+    const std::vector<Pass> passes = {
+        {3, 8, {}, "copy"},
+        {3, 8, {"--layout", "planar"}, "split into planes"},
+        {1, 8, {"--layout", "planar"}, "copy"},
+        {3, 16, {"--bits", "8"}, "narrow 16 bits to 8"},
+        {3, 8, {"--bits", "16", "--repeat", "2"}, "widen 8 bits to 16, repeat each pixel 2 times"},
+        {3, 8, {"--channels", "2,-,0", "--mirror", "--repeat", "1"}, "channels 2,-,0"},
+        {3, 8, {"--mirror", "--repeat", "4"}, "mirror, repeat each pixel 4 times"},
+        {3, 8, {"--bits", "2", "--tones", "raw"}, "pack levels to 2 bits, split into planes"},
+        {3, 1, {"--bits", "8", "--tones", "raw"}, "unpack 1 bit to levels, merge the planes"},
+    };
+    for (const Pass& pass : passes) {
+        const TiffImage image = RandomImage(20, 2, pass.channels, pass.bits, 43);
+        WriteTiff(Path("in.tif"), image, {});
+        std::vector<std::string> options = pass.options;
+        options.emplace_back("--explain");
+        const Outcome outcome = Convert(options);
+        EXPECT_NE(std::string::npos, outcome.output.find("\n  pass 1     " + pass.words + "\n"))
+            << pass.words << "\n"
+            << outcome.output;
+    }
 }
 
 TEST_F(ConvertWork, TellsItsExitCodesInTheHelp)

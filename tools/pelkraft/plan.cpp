@@ -204,8 +204,17 @@ std::string MapWords(const std::vector<int>& map)
     return words;
 }
 
-// The steps that the library takes between loading and saving, in its order.
-std::string ChainWords(const RowStep& fill)
+std::string JoinWords(const std::vector<std::string>& words)
+{
+    std::string text;
+    for (const std::string& word : words)
+        text += (text.empty() ? "" : ", ") + word;
+    return text;
+}
+
+// It says what happens to the samples. The order of the work is up to the library, and differs with
+// the processor.
+std::string FillWords(const RowStep& fill)
 {
     const bool packedSource = fill.from.bits < 8;
     const bool packedDestination = fill.to.bits < 8;
@@ -219,7 +228,7 @@ std::string ChainWords(const RowStep& fill)
         words.push_back("narrow 16 bits to 8");
     if (fill.factor < 0)
         words.push_back("mirror");
-    if (!fill.map.empty() && !packedDestination)
+    if (!fill.map.empty())
         words.push_back(MapWords(fill.map));
     if (unpack)
         words.push_back("unpack " + Bits(fill.from.bits) + " to levels");
@@ -229,13 +238,11 @@ std::string ChainWords(const RowStep& fill)
         words.push_back("repeat each pixel " + std::to_string(std::abs(fill.factor)) + " times");
     if (pack)
         words.push_back("pack levels to " + Bits(fill.to.bits));
-    if (!fill.map.empty() && packedDestination)
-        words.push_back(MapWords(fill.map));
-
-    std::string text = "load";
-    for (const std::string& word : words)
-        text += ", " + word;
-    return text + ", save";
+    // One channel stands the same in both layouts.
+    const bool oneChannel = fill.from.channels == 1 && fill.to.channels == 1;
+    if (fill.from.planar != fill.to.planar && !oneChannel)
+        words.push_back(fill.to.planar ? "split into planes" : "merge the planes");
+    return words.empty() ? "copy" : JoinWords(words);
 }
 
 } // namespace
@@ -281,7 +288,7 @@ std::string RowStep::Words() const
     case Kind::CheckLevels:
         return "look for samples beyond the levels of " + Bits(levelBits);
     default:
-        return ChainWords(*this);
+        return FillWords(*this);
     }
 }
 
