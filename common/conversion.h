@@ -14,7 +14,8 @@ struct RowView
     unsigned char* data;
 };
 
-// Where the destination's channels come from: one entry for each, negative for zeros.
+// One entry for each channel of the destination names the source's channel, or is negative for
+// zeros.
 struct ChannelMap
 {
     std::uint64_t entryCount = 0;

@@ -41,8 +41,8 @@ inline std::int32_t WrappedRowSize(const RowGeometry& geometry)
 // Whether the wrapped size is the true one, for a geometry of any numbers.
 bool AnyRowSizeFits(const RowGeometry& geometry);
 
-// Of plain geometries, whose products fit 64 bits as they stand. A plane whose bits wrap has no
-// true size in 32 bits.
+// The products of a plain geometry fit 64 bits as they stand. A plane whose bits wrap has no true
+// size in 32 bits.
 inline bool PlainRowSizeFits(const RowGeometry& geometry)
 {
     constexpr auto largestSize =

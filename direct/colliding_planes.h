@@ -11,7 +11,7 @@ constexpr std::size_t setBytes = 4096;
 constexpr std::size_t lineBytes = 64;
 constexpr std::size_t setWays = 12;
 
-// Of rows this short each line is done with soon, however the planes lie.
+// In rows this short each line is done with soon, however the planes lie.
 constexpr std::size_t shortPlaneBytes = 256;
 
 // True where so many planes share a set that walking along all of them at once would throw each

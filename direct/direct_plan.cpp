@@ -20,8 +20,8 @@ std::uint8_t StorageBits(const ImageRowFormat& format)
     return format.bits > 8 ? 16 : 8;
 }
 
-// Pixels of so many channels, mapped by the plan's entries or not at all. A step over planes takes
-// samples for pixels.
+// A step moves pixels of so many channels, mapped by the plan's entries or not at all. A step over
+// planes takes samples for pixels.
 void FillStep(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes, bool maps)
 {
     PixelStep& step = plan.step;
@@ -85,7 +85,7 @@ private:
         Add(PassKind::Step);
     }
 
-    // Of the larger pixel, where a map is still to come.
+    // Where a map is still to come, the larger one of both pixels counts.
     std::size_t PixelBytes() const
     {
         const std::size_t channels = std::max(maps ? plan.sourceChannels : 0, plan.channels);
@@ -170,7 +170,7 @@ private:
     DirectPlan& plan;
     std::uint8_t targetBits;
     bool targetPlanar;
-    // Work that no pass has done yet.
+    // True for work that no pass has done yet.
     bool turns;
     bool maps;
     bool planar;

@@ -41,8 +41,8 @@ struct PassOutput
     std::uint8_t bits;
 };
 
-// A conversion as one to four passes. Kept small, since each call makes one; what a field's
-// meaning depends on stands in the field before it.
+// A conversion as one to four passes. The record is small, since each call makes one; what a
+// field's meaning depends on stands in the field before it.
 struct DirectPlan
 {
     const Kernels* kernels;
@@ -51,7 +51,7 @@ struct DirectPlan
     std::uint8_t sourceBits;
     bool sourcePlanar;
     bool mirrored;
-    // Whether the channels of the source are chosen by entries, and whether a split does it.
+    // Entries choose the channels of the source; a split does it.
     bool mapped;
     bool splitMaps;
     // 1, 2 or 4.
@@ -69,12 +69,13 @@ struct DirectPlan
     std::size_t tilePixels;
     // Channels that go through the tile at a time.
     std::size_t tileChannels;
-    // Used by a Step.
+    // A pass of the kind Step uses it.
     PixelStep step;
-    // One for each channel, negative for zeros. Left unset where the plan is not mapped.
+    // There is one for each channel, negative for zeros. They are left unset where the plan is not
+    // mapped.
     std::array<std::int32_t, maxMapEntries> entries;
-    // Of each channel the first that has the same entry, or -1 for zeros. Left unset
-    // where no split maps.
+    // Each channel has the number of the first one with the same entry, or -1 for zeros. They are
+    // left unset where no split maps.
     std::array<std::int32_t, maxMapEntries> firstUses;
 };
 
@@ -83,7 +84,7 @@ struct DirectPlan
 // the source's channels; a map of no more entries is copied even so.
 bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats);
 
-// Rows that do not overlap.
+// The rows must not overlap.
 void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* destination);
 
 } // namespace zvk::Pelkraft

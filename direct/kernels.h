@@ -57,9 +57,9 @@ using PackSplitKernel = void (*)(const unsigned char* row, unsigned char* const*
 
 constexpr std::size_t maxPackSplitChannels = 4;
 
-// The packed ones are indexed by the depth less 1. What packs sets the unused low bits of the
-// last byte to 0. The arrays are plain ones because vector files read them, where the operator of
-// std::array would be a weak symbol.
+// The packed ones are indexed by the depth less 1. A kernel that packs sets the unused low bits of
+// the last byte to 0. The arrays are plain ones because vector files read them, where the operator
+// of std::array would be a weak symbol.
 struct SampleKernels
 {
     // y = x * 257.
@@ -86,7 +86,7 @@ constexpr std::size_t maxStepBytes = 64;
 struct PixelStep
 {
     std::uint8_t sourceBytes;
-    // Of one pixel, so that repeat * destinationBytes stand in the row for each source pixel.
+    // Counted for one pixel: repeat * destinationBytes stand in the row for each source pixel.
     std::uint8_t destinationBytes;
     // 1, 2 or 4.
     std::uint8_t repeat;

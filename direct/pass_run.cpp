@@ -110,7 +110,7 @@ void ForEachBatch(std::size_t channels, Body body)
     }
 }
 
-// Where each channel of the batch goes: its plane, or the dump.
+// Each channel of the batch goes to its plane, or to the dump.
 void FillTargets(const DirectPlan& plan, const PassTarget& target, const ChannelBatch& batch,
                  unsigned char** planes)
 {

@@ -29,7 +29,7 @@ struct PassTarget
     std::size_t pixels;
     // Room for the samples that no plane wants.
     unsigned char* dump;
-    // Whether each plane must be written, also those that are read in another's place.
+    // Each plane must be written, also those that could be read in another's place.
     bool last;
 };
 

@@ -9,7 +9,7 @@ namespace {
 constexpr int maxPixelBytes = 16;
 constexpr int maxVectors = 2;
 
-// Where the two lanes of a vector come from.
+// The loads that the two lanes of a vector come from.
 enum class Loads : unsigned char
 {
     // The sizes do not fill vectors by such loads. Lanes with loads of their own would, and be
@@ -31,7 +31,8 @@ struct BlockShape
 
 struct BlockShapes
 {
-    // By the bytes of the source pixel less 1, of the destination pixel less 1, and the shift.
+    // Indexed by the bytes of the source pixel less 1, of the destination pixel less 1, and by the
+    // shift.
     BlockShape of[maxPixelBytes][maxPixelBytes][3];
 };
 

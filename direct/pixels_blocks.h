@@ -12,8 +12,8 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// How the pixels of one pair of sizes are moved: all vectors of a block from one load, or each
-// from a load of its own, where that fills the vectors better.
+// The pixels of one pair of sizes are moved in blocks: all vectors of a block come from one load,
+// or each from a load of its own, where that fills the vectors better.
 struct BlockShape
 {
     unsigned char pixels;
@@ -21,7 +21,7 @@ struct BlockShape
     bool ownLoads;
 };
 
-// One call.
+// The rows of one call.
 struct Rows
 {
     const unsigned char* source;
@@ -87,8 +87,9 @@ template <int vectors, bool ownLoads>
     });
 }
 
-// What whole vectors would read or write too much of: byte for byte within the rows. The offsets
-// `from` and `to` of the next block may lie outside the source where nothing is read.
+// The last bytes, where whole vectors would read or write too much: loads move back into the
+// source, and the last store is a part of a vector. The offsets `from` and `to` of the next block
+// may lie outside the source where nothing is read.
 template <int vectors>
 [[gnu::noinline]] void DoRest(const Block<vectors>& block, const Rows& rows, std::ptrdiff_t from,
                               std::ptrdiff_t to)

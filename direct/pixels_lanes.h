@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
-// What the pixel steps of all vector levels share: from the places of one destination pixel to the
-// shuffle masks of a block. Included after the lanes of one level.
+// The pixel steps of all vector levels share the way from the places of one destination pixel to
+// the shuffle masks of a block. This file is included after the lanes of one level.
 //
 // A block takes some source pixels to the repeats of them, in whole vectors. Byte b of the block's
 // output belongs to the source pixel b / (repeat * destinationBytes), and in it to the place that
@@ -118,8 +118,8 @@ inline ByteOrigin OriginOf(const StepNumbers& numbers, int vector)
     return {index, MultiplyLow16(pixel, Set16(numbers.sourceBytes))};
 }
 
-// Where a 16-byte or longer piece of output starts to read in a block of its own loads: at the
-// first of its pixels, or so much earlier that the load stays in the block.
+// A piece of output of 16 bytes or more, in a block of its own loads, starts to read at the first
+// of its pixels, or so much earlier that the load stays in the block.
 inline int LoadStart(const StepNumbers& numbers, int firstByte, int bytes)
 {
     const int first = Quotient(firstByte, numbers.destinationBytes) >> numbers.repeatShift;
@@ -131,7 +131,8 @@ inline int LoadStart(const StepNumbers& numbers, int firstByte, int bytes)
     return start < latest ? start : latest;
 }
 
-// Whether every piece of so many bytes of a block's output comes from as many bytes of its source.
+// True where every piece of so many bytes of a block's output comes from as many bytes of its
+// source.
 constexpr bool PiecesFit(int sourceBytes, int outputBytes, int pixels, int pieceBytes)
 {
     const int blockBytes = pixels * sourceBytes;

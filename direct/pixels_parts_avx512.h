@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-// What pixels_blocks.h asks of a level, for AVX-512 with VBMI.
+// The operations that pixels_blocks.h asks of a level, for AVX-512 with VBMI.
 // Only for files built with vector flags: all of it has internal linkage on purpose.
 namespace zvk::Pelkraft {
 namespace {

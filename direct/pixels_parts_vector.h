@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
-// What pixels_blocks.h asks of a level, for SSSE3. Loads and stores of fewer than 16 bytes are two
-// of half the size or more, which overlap.
+// The operations that pixels_blocks.h asks of a level, for SSSE3. Loads and stores of fewer than 16
+// bytes are two of half the size or more, which overlap.
 // Only for files built with vector flags: all of it has internal linkage on purpose.
 namespace zvk::Pelkraft {
 namespace {

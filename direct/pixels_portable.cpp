@@ -9,7 +9,7 @@
 namespace zvk::Pelkraft::PortableRoad {
 namespace {
 
-// Some bytes that are moved as they are.
+// These bytes are moved as they are.
 template <std::size_t count>
 struct Piece
 {
@@ -270,7 +270,7 @@ void EmptyColumn(unsigned char* destination, std::size_t to, std::size_t toStep,
         WordPiece<Unit>::Put(destination + to, 0);
 }
 
-// Whether the places come in runs of so many bytes.
+// True where the places come in runs of so many bytes.
 bool HasUnits(const PixelStep& step, unsigned unitBytes)
 {
     if (step.destinationBytes % unitBytes != 0)
@@ -330,7 +330,7 @@ void MapBytes(const PixelStep& step, const unsigned char* source, unsigned char*
                                destination + done * step.destinationBytes, pixels - done);
 }
 
-// Each source pixel once.
+// Maps each source pixel once; repeats are added elsewhere.
 void Map(const PixelStep& step, const unsigned char* source, unsigned char* destination,
          std::size_t pixels)
 {

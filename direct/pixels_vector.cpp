@@ -11,7 +11,8 @@ constexpr int maxPixelBytes = 16;
 constexpr int maxVectors = 5;
 struct BlockShapes
 {
-    // By the bytes of the source pixel less 1, of the destination pixel less 1, and the shift.
+    // Indexed by the bytes of the source pixel less 1, of the destination pixel less 1, and by the
+    // shift.
     BlockShape of[maxPixelBytes][maxPixelBytes][3];
 };
 

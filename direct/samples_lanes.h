@@ -3,8 +3,8 @@
 #include "direct/bit_words.h"
 #include "direct/kernels.h"
 
-// What the vector files of the samples share, over the lanes of the file that includes it:
-// widening, narrowing, packing and its join with a split. All of it has internal linkage.
+// The vector files of the samples share widening, narrowing, packing and its join with a split,
+// over the lanes of the file that includes this one. All of it has internal linkage.
 namespace zvk::Pelkraft {
 namespace {
 

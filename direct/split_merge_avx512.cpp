@@ -44,7 +44,7 @@ struct Pieces
         return 16 * (channel % 4) + unitBytes * (channel / 4) + inUnit;
     }
 
-    // Of a piece whose first byte is number `start` of the vector.
+    // The first byte of the piece is number `start` of the vector.
     static constexpr Places Sort(int start)
     {
         Places places{};
@@ -240,7 +240,7 @@ template <int channels>
     return sum;
 }
 
-// Fewer permutes than pieces take, for these.
+// These channel counts take fewer permutes by a programme than by pieces.
 constexpr bool IsProgrammed(int channels)
 {
     return channels == 2 || channels == 3 || channels == 5;

@@ -29,7 +29,7 @@ struct alignas(16) UnitMask
     unsigned char bytes[16];
 };
 
-// Where the bytes of a piece stand before and after it is sorted.
+// The places of a piece's bytes before and after it is sorted.
 template <int sampleBytes, int channels>
 struct Pieces
 {
@@ -41,7 +41,7 @@ struct Pieces
     static constexpr int lanePixels = order * pixels;
     static constexpr bool areSorted = pixels == 1;
 
-    // Of a piece whose first byte is number `start` of the vector.
+    // The first byte of the piece is number `start` of the vector.
     static constexpr UnitMask Sort(int start)
     {
         UnitMask mask{};
@@ -84,7 +84,7 @@ struct PieceMasks
     static constexpr UnitMask sortAtEnd = Piece::Sort(spareBytes);
     static constexpr UnitMask squeeze = Piece::Squeeze(0, Piece::bytes, 0);
     static constexpr UnitMask squeezeAtEnd = Piece::Squeeze(0, Piece::bytes, spareBytes);
-    // What the last 16 bytes of a block hold of the piece before the last one.
+    // The last 16 bytes of a block begin with the end of the piece before the last one.
     static constexpr UnitMask squeezeBefore =
         Piece::Squeeze(Piece::bytes - spareBytes, spareBytes, 0);
 };

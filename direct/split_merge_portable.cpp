@@ -66,7 +66,7 @@ struct Loops<std::integer_sequence<int, channel...>>
     static void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
     {
         constexpr int order = Order(channels);
-        // Of a short row the padding costs more than it gains.
+        // In a short row the padding costs more than it gains.
         constexpr std::size_t padPixels = 32;
         if (order != channels && pixels >= padPixels)
             LoopsOf<order>::template MergePadded<sampleBytes, channels>(planes, row, pixels);
@@ -75,8 +75,8 @@ struct Loops<std::integer_sequence<int, channel...>>
                                               planes[channel]...);
     }
 
-    // Of fewer channels, of which the last one fills the slots of those that are missing: each
-    // pixel is stored with that filling, and the next pixel over it.
+    // The last channel fills the slots of those that are missing: each pixel is stored with that
+    // filling, and the next pixel over it.
     template <int sampleBytes, int named>
     [[gnu::noinline]] static void MergePadded(const unsigned char* const* planes,
                                               unsigned char* row, std::size_t pixels)

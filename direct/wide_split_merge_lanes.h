@@ -9,7 +9,7 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// Of groups in turn: the part of a row that stays in the first-level cache meanwhile.
+// So many pixels of a row stay in the first-level cache while the groups take turns.
 constexpr std::size_t piecePixels = 256;
 
 // A group of so many bytes a pixel: `pixels` of them stand in a lane of each vector.

@@ -28,12 +28,12 @@ struct Options
     ChainStep reverse;
     ChainStep repeat;
     ChainStep remap;
-    // Of the two the one that is asked for.
+    // The one of the two that is asked for.
     ChainStep one;
 };
 
-// The factories know which depths they serve. Of two that are refused the first in the chain is
-// told, so that a chain's list must not ask for both: its order of evaluation is open.
+// The factories know which depths they serve. Where two are refused, the first in the chain is
+// named, so that a chain's list must not ask for both: its order of evaluation is open.
 ChainStep PackTo(std::int32_t depth)
 {
     if (depth != 1 && depth != 2)

@@ -24,14 +24,14 @@ enum class PlanRoad : std::uint8_t
 struct Plan
 {
     FormatPair formats;
-    // The steps of the chain. Both roads give the bytes that these give.
+    // The steps of the chain. The direct road gives the same bytes.
     ChainSteps steps;
     PlanRoad road;
     std::int32_t sseVersion;
     std::int32_t factor;
-    // As the caller gave it.
+    // The caller's own, which MapOf replaces by the plan's copy.
     ChannelMap map;
-    // Without its passes on other roads.
+    // It has passes only where the road is Direct.
     DirectPlan direct;
 };
 

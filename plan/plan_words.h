@@ -16,10 +16,10 @@ struct PlanWords
     // The instructions that the kernels or the steps use, with the level that they were asked for:
     // "AVX2 (level 6)".
     std::string level;
-    // In order, such as "split 4 channels of 8 bits" or "widen to 16 bits".
+    // They stand in their order, such as "split 4 channels of 8 bits" or "widen to 16 bits".
     std::vector<std::string> steps;
-    // Of pixels, without the scratch memory in between. A plane that no entry of a map names is
-    // not read; an interleaved row is.
+    // The bytes of the pixels, without the scratch memory in between. A plane that no entry of a
+    // map names is not read; an interleaved row is.
     std::uint64_t bytesRead;
     std::uint64_t bytesWritten;
 };
