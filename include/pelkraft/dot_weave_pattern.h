@@ -17,7 +17,7 @@ class DotWeavePatternEngine;
 // Ranges     A step above the top step of its in-colour is taken for the top step; with Reference
 //            a step above 7 sets nothing. No byte beyond the pixels of a row is read or written.
 // Errors     Thrown by the constructors alone, as const wchar_t* or const char*, a constant text;
-//            std::bad_alloc where memory is short. Nothing stays behind.
+//            std::bad_alloc where memory is short. Nothing is left over.
 // Ownership  The text is the caller's and is not kept. Copies share one engine, and so the place
 //            in its field; the last of them frees it.
 // Threads    One object serves one thread at a time, and so do all its copies together. Distinct
@@ -62,8 +62,8 @@ public:
     // What runs the pattern.
     enum Engine : int
     {
-        // As Sse where zvk::SystemTools::GetSseVersion() is 3 or more, by the widest vectors of
-        // that level and with the same bytes; else X86.
+        // As Sse where zvk::SystemTools::GetSseVersion() is 3 or more: with the same bytes, but
+        // from level 6 on by wider vectors where they suit the pattern. Else X86.
         Automatic = 0,
         // A simple second implementation that draws for each in-colour, and so gives other bytes.
         // It takes every version.

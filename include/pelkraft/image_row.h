@@ -14,6 +14,9 @@ namespace Pelkraft {
 //            refuses what it can't serve. Samples of 16 bits are in the machine's byte order.
 // Errors     Thrown as const char*, a constant text given at the operation. std::bad_alloc where
 //            a buffer can't be had; the row is then as it was.
+// Memory     A conversion allocates nothing, save where the bytes of the rows overlap, where a map
+//            has more than 64 entries or one beyond the source's channels, and where the portable
+//            road unpacks samples. It takes about 40 KB of the stack.
 // Ownership  A row frees a buffer only if it allocated it. Copies share the pointer and the claim
 //            to it: see to it that only one copy of an owning row is destroyed or released.
 // Threads    Many readers or one writer. Conversions of distinct rows may run at once.
@@ -25,7 +28,7 @@ class PELKRAFT_EXPORT ImageRow
 public:
     // Bytes that a buffer allocated here is aligned to.
     static const int Alignment = 16;
-    // Zero bytes that stand behind the pixels in a buffer allocated here.
+    // Zero bytes that stand after the pixels in a buffer allocated here.
     static const int SafetyTrail = 64;
 
     // What a caller may ask of one conversion.
@@ -33,7 +36,7 @@ public:
     {
         // Carried along, without an effect.
         bool firstFlag;
-        // True takes the portable road whatever the processor offers.
+        // True takes the portable road, without vector instructions, whatever the processor offers.
         bool forcePortable;
         // Carried along, without an effect.
         bool thirdFlag;
@@ -47,7 +50,7 @@ public:
     // An empty row: geometry 0, no buffer, capacity -1.
     ImageRow();
     // Takes newData, which must hold CalcBufferSize() bytes and outlive the row. With null it
-    // allocates a buffer of its own, pixels uninitialised, behind them SafetyTrail zeros.
+    // allocates a buffer of its own: pixels uninitialised, then SafetyTrail zeros.
     ImageRow(int newWidth, int newChannels, int newBits, bool newPlanar, unsigned char* newData);
     // Takes over geometry, pointer and claim.
     ImageRow(const ImageRow& other);
@@ -101,11 +104,13 @@ public:
     //                                                               does not fit 32 bits
     //   "zvk::Pelkraft::ImageRowFormat invalid channel count"       negative
     //   "zvk::Pelkraft::Convert unsupported conversion", the same with " to 16 bit" or
-    //   " from 16 bit" behind it, "zvk::Pelkraft::ChunkConvertFacility::Create_Packer unsupported
+    //   " from 16 bit" after it, "zvk::Pelkraft::ChunkConvertFacility::Create_Packer unsupported
     //   format" and "...::Create_Unpacker unsupported format": no way leads from the source's
     //   depth and layout to this row's
-    // and std::bad_alloc. All of them come before the first pixel is written, and each is logged
-    // once and left as it was thrown.
+    // and, where it needs memory and there is none, std::bad_alloc or
+    //   "zvk::Pelkraft::ConversionPortal memory allocation failed for relocation buffer".
+    // All of them come before the first pixel is written, and each is logged once and left as it
+    // was thrown.
     virtual void FillFrom(const ImageRow& source, const OptionalParameters* options);
     virtual void FillFrom(const ImageRow& source, bool firstFlag, bool forcePortable);
 
@@ -131,7 +136,7 @@ protected:
     // Bytes that SetData has to find room for.
     virtual int CalcDataSize() const;
 
-    // The work behind FillFrom and its kin; an override keeps the logging of the public operation.
+    // The work of FillFrom and its kin; an override keeps the logging of the public operation.
     virtual void FillFromBody2(const ImageRow& source, const OptionalParameters& options);
     virtual void FillFromWithRemapBody2(const ImageRow& source, const int* map,
                                         const OptionalParameters& options);
