@@ -6,7 +6,8 @@
 #   ```         what the example above prints, as in its .expected file
 #   ```cpp      an example, which docs_show_the_examples compares; README's runs in customers.sh
 #   ```cmake    README's, which runs in customers.sh
-# Any other block fails. Commands within the text run too, by the first words that run_inline knows.
+# Any other block fails. Commands within the text run too, by the first words that run_inline knows,
+# and a source that it names with its folder must be there.
 # Files of the tree that a page's commands write, as the pictures that it shows, must come out the
 # same.
 set -euo pipefail
@@ -177,6 +178,8 @@ run_inline() {
         "pelkraft convert" | "pelkraft pattern" | "pelkraft simulate") run "$line --help" ;;
         bash\ * | pelkraft\ * | cmake\ * | ctest\ * | gs\ * | g++\ *) run "$line" ;;
         man\ *) [ -f "$source_dir/man/${line##* }.${line:4:1}" ] || fail "no page for $line" ;;
+        *\ *) ;;
+        [a-z]*/*.cpp | [a-z]*/*.h) [ -f "$source_dir/$line" ] || fail "no source $line" ;;
         esac
     done < <(inline_code)
 }
