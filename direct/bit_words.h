@@ -17,7 +17,7 @@ inline std::uint64_t SwapBytes(std::uint64_t v)
     return v >> 32 | v << 32;
 }
 
-// The first byte lowest.
+// The first byte becomes the lowest.
 inline std::uint64_t LoadLittle(const unsigned char* bytes)
 {
     std::uint64_t v;
@@ -48,7 +48,7 @@ std::uint64_t LoadPiece(const unsigned char*& bytes, unsigned& place)
     return v;
 }
 
-// At most 8 bytes, zeros after them.
+// Loads at most 8 bytes, with zeros after them.
 inline std::uint64_t LoadFewLittle(const unsigned char* bytes, std::size_t count)
 {
     if (count >= 8)
@@ -116,7 +116,7 @@ std::uint64_t UnpackWord(std::uint64_t packed)
     }
 }
 
-// The order of the samples inside each byte turned round.
+// Turns the order of the samples inside each byte round.
 template <int depth>
 std::uint64_t TurnBytes(std::uint64_t v)
 {
@@ -126,7 +126,7 @@ std::uint64_t TurnBytes(std::uint64_t v)
     return (v >> 4 & 0x0f0f0f0f0f0f0f0fu) | (v & 0x0f0f0f0f0f0f0f0fu) << 4;
 }
 
-// The 64 bits from bit `start` on, the first one highest.
+// Loads the 64 bits from bit `start` on, the first one highest.
 inline std::uint64_t LoadBits(const unsigned char* plane, std::size_t start)
 {
     const unsigned char* from = plane + start / 8;
@@ -136,7 +136,7 @@ inline std::uint64_t LoadBits(const unsigned char* plane, std::size_t start)
     return shift == 0 ? v : v << shift | from[8] >> (8 - shift);
 }
 
-// The same for fewer than 64 bits, at least 1, zeros after them.
+// Loads 1 to 63 bits in the same way, with zeros after them.
 inline std::uint64_t LoadFewBits(const unsigned char* plane, std::size_t start, std::size_t count)
 {
     const unsigned char* from = plane + start / 8;

@@ -8,8 +8,8 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// The bits of a plane from one inside a byte on; the masks have the places that each byte and its
-// neighbour fill. Not for a whole byte, as the neighbour of the last one is read.
+// Loads the bits of a plane from one inside a byte on; the masks have the places that each byte and
+// its neighbour fill. The shift is never 0, since the neighbour of the last byte is read.
 inline Lanes LoadShifted(const unsigned char* bytes, int shift, Lanes fromFirst, Lanes fromNext)
 {
     const Lanes first = And(ShiftLeft16By(Load(bytes), shift), fromFirst);

@@ -209,8 +209,8 @@ template <typename Word, int count, bool mirrored>
     }
 }
 
-// The same for pixels of fewer bytes than the word has. What it reads and writes too much of lies
-// in the next pixels, so that the last ones are left; answers how many are done.
+// Does the same for pixels of fewer bytes than the word has. The bytes that it reads and writes too
+// much lie in the next pixels, so that the last ones are left; answers how many are done.
 template <int count>
 std::size_t MapLooseWords(const WordMap<std::uint64_t>& map, const PixelStep& step,
                           const unsigned char* source, unsigned char* destination,

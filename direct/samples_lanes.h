@@ -11,7 +11,7 @@ namespace {
 // Samples of 8 bits in a vector.
 constexpr std::size_t laneSamples = 16 * laneCount;
 
-// Rows shorter than a block go there.
+// Rows shorter than a block go to these kernels.
 inline const SampleKernels& NarrowerKernels()
 {
     if constexpr (laneCount == 1)

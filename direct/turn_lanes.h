@@ -6,7 +6,7 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// For each half of a byte its samples turned round, in the low half of a byte.
+// Each half of a byte has its samples turned round, in the low half of a byte.
 template <int depth>
 constexpr LaneBytes MakeTurnedHalves(int places)
 {

@@ -43,7 +43,7 @@ void UnpackFourBytes(const unsigned char* source, unsigned char* destination)
     }
 }
 
-// Halves of bytes, two samples each, to one sample in each byte.
+// Spreads halves of bytes, two samples each, to one sample in each byte.
 template <int sampleBytes>
 void StorePairs(unsigned char* destination, Lanes halves)
 {

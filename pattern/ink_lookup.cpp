@@ -15,7 +15,7 @@ constexpr std::uint32_t inksOfWideVector = 8;
 constexpr std::uint32_t inksOfShortVector = 4;
 constexpr std::uint32_t laneBytes = 16;
 
-// Of the source of 8 pixels.
+// The source of 8 pixels comes in so many pieces.
 std::uint32_t CountPieces(std::uint32_t inColors)
 {
     std::uint32_t pieces = 1;
@@ -59,7 +59,7 @@ WideWordLanes BuildWideLanes(const SseLanes& lanes, std::uint32_t inColors, std:
     return wide;
 }
 
-// As many pixels as begin within the last 16 bytes that a block touches, and those before.
+// Counts the pixels that begin within the last 16 bytes that a block touches, and those before.
 std::uint32_t CountRoomyPixels(std::uint32_t pixelsBefore, std::uint32_t pixelBytes)
 {
     return pixelsBefore + (pieceBytes + pixelBytes - 1) / pixelBytes;

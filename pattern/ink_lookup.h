@@ -6,10 +6,10 @@ namespace zvk::Pelkraft {
 
 struct SseLanes;
 
-// How the methods of the widest roads take 8 pixels at once. The steps are sorted to lanes of 16
+// The methods of the widest roads take 8 pixels at once. The steps are sorted to lanes of 16
 // bytes: in lane L the word of a pixel holds the steps of the out-inks 2 * L and 2 * L + 1. So a
 // lane of SseTransformation::mInkValues has the values of both inks, a pixel's own tables fill
-// its word of all lanes, and a last sorting makes pixels of the words. Plain bytes.
+// its word of all lanes, and a last sorting makes pixels of the words. All tables are plain bytes.
 constexpr std::uint32_t pixelsOfWords = 8;
 
 // By 64-byte vectors: the first of the out-inks 0 to 7, the second of the others.

@@ -26,7 +26,7 @@ public:
     void ApplyPattern(unsigned char* source, unsigned char* destination,
                       unsigned long pixels) override;
 
-    // What a row goes through, chosen when the text is loaded.
+    // The method is chosen when the text is loaded.
     SseRowMethod GetRowMethod() const { return mApplyRow; }
 
 private:

@@ -16,7 +16,7 @@ inline SseRow FirstPixels(const SseRow& row, std::uint32_t pixels)
     return first;
 }
 
-// What is left of a row after its first pixels.
+// The row without its first pixels.
 inline SseRow SkipPixels(const SseRow& row, std::uint32_t pixels)
 {
     SseRow rest = row;

@@ -162,7 +162,7 @@ std::uint32_t CountBlockPixels(const SseRow& row)
     return (roomy < ahead ? roomy : ahead) / blockPixels * blockPixels;
 }
 
-// What stands between the last block and the end of the field or of the row goes pixel by pixel.
+// The pixels between the last block and the end of the field or of the row go one by one.
 void ApplyRow(const SseRow& row)
 {
     const SseRowMethod applyBlocks =

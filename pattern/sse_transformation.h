@@ -16,16 +16,16 @@ struct SseTransformation
     alignas(16) std::array<std::uint8_t, 16> mLower;
     alignas(16) std::array<std::uint8_t, 16> mOffset;
     alignas(16) std::array<std::uint8_t, 16> mComonTrans;
-    // What the four come to: by out-ink lane, a value for each of the lowest steps. Eight lanes
-    // fill a cache line.
+    // The four tables together give each out-ink lane a value for each of the lowest steps. Eight
+    // lanes fill a cache line.
     alignas(64) std::array<std::uint8_t, 16 * stepsOfInkValues> mInkValues;
 
-    // From the four other tables.
+    // Needs the four other tables.
     void FillInkValues();
 };
 
-// What a shuffle by vectors gives: an index with its top bit set gives 0, of any other the low
-// four bits count.
+// Does as a shuffle by vectors: an index with its top bit set gives 0, and the low four bits of any
+// other count.
 inline std::uint8_t PickByte(const std::array<std::uint8_t, 16>& table, std::uint8_t index)
 {
     return (index & 0x80U) != 0 ? 0 : table[index & 0x0FU];

@@ -10,12 +10,12 @@ namespace zvk::Pelkraft::Benchmarks {
 
 using RowCall = std::function<void(const unsigned char* source, unsigned char* destination)>;
 
-// How far an entry's values lie from the reference where its rule is another, and the rule in
-// words. No words, no difference.
+// An entry may follow a rule of its own: the rule in words, and how far its values lie from the
+// reference. Without words there is no difference.
 struct OwnRule
 {
     const char* words = "";
-    // Of one sample.
+    // Counted in steps of one sample.
     unsigned largestDifference = 0;
     // The rule looks at the whole sample, where the reference takes its lowest bit. Both agree on
     // samples of 0 and 255, and are compared on these.

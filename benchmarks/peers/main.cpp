@@ -13,8 +13,8 @@
 #include <functional>
 #include <random>
 
-// How fast row conversions are beside public libraries, the plain loop and memcpy, all in one
-// process. Each entry is compared with a plain reference before any is timed.
+// Times row conversions beside public libraries, the plain loop and memcpy, all in one process.
+// Each entry is compared with a plain reference before any is timed.
 //   bench_peers --verify_only           compares, and times nothing
 //   bench_peers --common_only [FLAG...] the common jobs, ours and memcpy alone
 //   bench_peers [FLAG...]               takes the flags of Google Benchmark
@@ -198,7 +198,7 @@ std::string FindProcessor()
     return "unknown";
 }
 
-// What the report says of the machine, the peers and the jobs.
+// The report says what machine, peers and jobs it speaks of.
 void AddContext(const std::vector<Peer>& peers)
 {
     benchmark::AddCustomContext("processor", FindProcessor() + ", level " +

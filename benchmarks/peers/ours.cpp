@@ -5,8 +5,8 @@
 namespace zvk::Pelkraft::Benchmarks {
 namespace {
 
-// As a caller who walks over a picture: two row objects on the stack for each row, which take the
-// caller's memory.
+// Works as a caller does who walks over a picture: two row objects stand on the stack for each row
+// and take the caller's memory.
 void Convert(const Job& job, int width, const unsigned char* source, unsigned char* destination)
 {
     // The row only reads its source.

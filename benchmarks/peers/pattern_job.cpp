@@ -72,8 +72,8 @@ std::string DescribePattern()
            " END_OUT_INKS BEGIN_IN_COLORS A B C D END_IN_COLORS\n" + colors;
 }
 
-// What one would write by hand: all values of all combinations in a table, and a draw for each
-// pixel. The combination's number has two bits for each in-colour but the first.
+// One would write it so by hand: all values of all combinations stand in a table, and each pixel
+// draws. The combination's number has two bits for each in-colour but the first.
 class PlainPattern
 {
 public:

@@ -9,7 +9,8 @@
 #include <memory>
 #include <stdexcept>
 
-// What a program in Python would call, here from C++: a header around each row, then one call.
+// A program in Python would call the same, here called from C++: a header around each row, then one
+// call.
 namespace zvk::Pelkraft::Benchmarks {
 namespace {
 

@@ -21,7 +21,7 @@ cv::Mat RowOf(const unsigned char* row, int width, int bits, int channels)
     return cv::Mat(1, width, TypeOf(bits, channels), const_cast<unsigned char*>(row));
 }
 
-// As many headers as there are planes, in memory that is kept from row to row.
+// Each plane has a header, in memory that is kept from row to row.
 class Planes
 {
 public:

@@ -70,7 +70,7 @@ void PutSample(Bytes& bytes, std::size_t bits, std::size_t index, unsigned value
     bytes[first / 8] |= static_cast<unsigned char>(value << (8 - bits - first % 8));
 }
 
-// Where both buffers of a call stand, and what the destination holds before it.
+// Both buffers of a call stand so, and the destination holds this before it.
 struct Place
 {
     Flush flush;

@@ -27,7 +27,7 @@ struct Job
     std::size_t channels;
     std::size_t pixelBytes;
     std::size_t pixels;
-    // Where the buffers lie, and how many bytes away from their flush end.
+    // The buffers lie so many bytes away from their flush end.
     Flush flush;
     std::size_t gap;
 

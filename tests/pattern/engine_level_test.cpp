@@ -15,7 +15,7 @@
 #include <random>
 #include <string>
 
-// What the processor's level changes, and what it leaves alone.
+// The processor's level changes the methods, and leaves the bytes alone.
 namespace zvk::Pelkraft {
 namespace {
 

@@ -176,7 +176,7 @@ struct KnownStep
     const IChunkConvertDescriptor* descriptor;
 };
 
-// Of the steps from 2 to 1 bit and back to 16, at one level.
+// The steps from 2 to 1 bit and back to 16, at one level.
 std::vector<KnownStep> KnownSteps(std::int32_t level)
 {
 #ifdef PELKRAFT_VECTOR_ROAD
