@@ -95,10 +95,17 @@ struct PixelStep
     // For each byte of a destination pixel its place in the source pixel, or emptyByte for 0.
     std::array<unsigned char, maxStepBytes> places;
 };
+// Rows that take the same step: the planes of one row, or one interleaved row.
+struct StepRows
+{
+    const unsigned char* const* sources;
+    unsigned char* const* destinations;
+    std::size_t count;
+};
 // The last source pixel is repeated fewer times where the destination pixels end. The source run
-// holds destinationPixels / repeat pixels, rounded up.
-using StepKernel = void (*)(const PixelStep& step, const unsigned char* source,
-                            unsigned char* destination, std::size_t destinationPixels);
+// of each row holds destinationPixels / repeat pixels, rounded up.
+using StepKernel = void (*)(const PixelStep& step, const StepRows& rows,
+                            std::size_t destinationPixels);
 
 // Pixels of any size, mirrored and repeated but not mapped.
 struct PixelMove

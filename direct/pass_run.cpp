@@ -86,11 +86,23 @@ void RunStep(const DirectPlan& plan, const PassOutput& pass, const PassInput& in
 {
     const StepKernel kernel = plan.kernels->pixels->step;
     if (!input.planar)
-        return kernel(plan.step, input.bytes, target.bytes, target.pixels);
+        return kernel(plan.step, {&input.bytes, &target.bytes, 1}, target.pixels);
+    const unsigned char* sources[maxPlanes];
+    unsigned char* destinations[maxPlanes];
+    std::size_t count = 0;
+    const auto run = [&] {
+        kernel(plan.step, {sources, destinations, count}, target.pixels);
+        count = 0;
+    };
     ForEachPlane(input, target, channels, BytesOf(target.pixels, pass.bits),
                  [&](const unsigned char* from, unsigned char* to) {
-                     kernel(plan.step, from + input.skip * (pass.bits / 8U), to, target.pixels);
+                     sources[count] = from + input.skip * (pass.bits / 8U);
+                     destinations[count++] = to;
+                     if (count == maxPlanes)
+                         run();
                  });
+    if (count != 0)
+        run();
 }
 
 // Neighbouring channels, of which each batch has 17 or more where there are so many.

@@ -103,29 +103,31 @@ Block<vectors> MakeBlock(const StepNumbers& numbers)
     const Lanes starts =
         _mm256_inserti128_si256(Set8(low), _mm_set1_epi8(static_cast<char>(second - low)), 1);
     Unroll<vectors>([&](auto vector) {
-        const ByteOrigin origin = OriginOf(numbers, vector);
-        block.masks[vector] =
-            Add8(Shuffle(places, origin.index), Subtract8(origin.pixelStart, starts));
+        const ByteOrigin origin = OriginOf(numbers.destinationBytes, vector * vectorBytes);
+        block.masks[vector] = Add8(Shuffle(places, origin.index),
+                                   Subtract8(PixelStarts(numbers, origin.pixel, 0), starts));
     });
     return block;
 }
 
-// Answers how many bytes of the destination it has served.
-template <int vectors, Loads loads, bool mirrored>
-std::size_t DoBlocks(const StepNumbers& numbers, const unsigned char* source,
-                     unsigned char* destination, std::size_t sourcePixels, bool endsWhole)
+// What all rows of a call share. Unsigned, so that a step backwards wraps around.
+struct Extent
 {
-    const Block<vectors> block = MakeBlock<vectors, loads>(numbers);
-    const auto pixelOutput =
-        static_cast<std::size_t>(numbers.destinationBytes << numbers.repeatShift);
-    const auto blockBytes = static_cast<std::size_t>(numbers.pixels * numbers.sourceBytes);
-    constexpr std::size_t outputBytes = std::size_t{vectors} * vectorBytes;
-    const std::size_t wholeBytes = (endsWhole ? sourcePixels : sourcePixels - 1) * pixelOutput;
+    std::size_t rowBytes;
+    std::size_t blockBytes;
+    // Of the source pixels that have all their copies.
+    std::size_t wholeBytes;
+    bool endsWhole;
+};
 
-    // Unsigned, so that a step backwards wraps around.
-    const std::size_t fromStep = mirrored ? std::size_t{0} - blockBytes : blockBytes;
-    const std::size_t rowBytes = sourcePixels * static_cast<std::size_t>(numbers.sourceBytes);
-    std::size_t from = mirrored ? rowBytes - blockBytes : 0;
+template <int vectors, Loads loads, bool mirrored>
+[[gnu::always_inline]] inline void RunRow(const Block<vectors>& block, const Extent& extent,
+                                          const unsigned char* source, unsigned char* destination)
+{
+    constexpr std::size_t outputBytes = std::size_t{vectors} * vectorBytes;
+    const std::size_t fromStep = mirrored ? std::size_t{0} - extent.blockBytes : extent.blockBytes;
+    const std::size_t lastBlock = extent.rowBytes - extent.blockBytes;
+    std::size_t from = mirrored ? lastBlock : 0;
     std::size_t to = 0;
     const auto one = [&](auto) {
         DoBlock<vectors, loads, mirrored>(block, source + from, destination + to);
@@ -133,60 +135,76 @@ std::size_t DoBlocks(const StepNumbers& numbers, const unsigned char* source,
         to += outputBytes;
     };
     constexpr int together = vectors == 1 ? 4 : 2;
-    while (to + together * outputBytes <= wholeBytes)
+    while (to + together * outputBytes <= extent.wholeBytes)
         Unroll<together>(one);
-    while (to + outputBytes <= wholeBytes)
+    while (to + outputBytes <= extent.wholeBytes)
         one(0);
-    if (to == wholeBytes || !endsWhole)
-        return to;
     // The last whole block once more, so that the row ends with it.
-    DoBlock<vectors, loads, mirrored>(block, source + (mirrored ? 0 : rowBytes - blockBytes),
-                                      destination + (wholeBytes - outputBytes));
-    return wholeBytes;
+    if (to != extent.wholeBytes && extent.endsWhole)
+        DoBlock<vectors, loads, mirrored>(block, source + (mirrored ? 0 : lastBlock),
+                                          destination + (extent.wholeBytes - outputBytes));
 }
 
-using BlocksMethod = std::size_t (*)(const StepNumbers& numbers, const unsigned char* source,
-                                     unsigned char* destination, std::size_t sourcePixels,
-                                     bool endsWhole);
+// Source pixels that are left where the last one is cut short: those of no whole block.
+void RunRest(const PixelStep& step, const StepNumbers& numbers, const Extent& extent,
+             std::size_t outputBytes, const StepRows& rows, std::size_t destinationPixels)
+{
+    const std::size_t doneBytes = extent.wholeBytes - extent.wholeBytes % outputBytes;
+    const std::size_t doneCopies = doneBytes / step.destinationBytes;
+    const std::size_t doneSource = (doneCopies >> numbers.repeatShift) * step.sourceBytes;
+    for (std::size_t row = 0; row < rows.count; ++row) {
+        const unsigned char* source = rows.sources[row] + (step.mirrored ? 0 : doneSource);
+        unsigned char* destination = rows.destinations[row] + doneBytes;
+        VectorRoad::GetPixelKernels().step(step, {&source, &destination, 1},
+                                           destinationPixels - doneCopies);
+    }
+}
+
+template <int vectors, Loads loads, bool mirrored>
+void RunBlocks(const PixelStep& step, int pixels, const StepRows& rows,
+               std::size_t destinationPixels)
+{
+    const StepNumbers numbers = NumbersOf(step, pixels);
+    const std::size_t lastCopy = (std::size_t{1} << numbers.repeatShift) - 1;
+    const std::size_t sourcePixels = (destinationPixels + lastCopy) >> numbers.repeatShift;
+    const bool endsWhole = (destinationPixels & lastCopy) == 0;
+    const Extent extent = {sourcePixels * step.sourceBytes,
+                           static_cast<std::size_t>(numbers.pixels * numbers.sourceBytes),
+                           (destinationPixels & ~lastCopy) * step.destinationBytes, endsWhole};
+    const Block<vectors> block = MakeBlock<vectors, loads>(numbers);
+    for (std::size_t row = 0; row < rows.count; ++row)
+        RunRow<vectors, loads, mirrored>(block, extent, rows.sources[row], rows.destinations[row]);
+    if (!endsWhole)
+        RunRest(step, numbers, extent, std::size_t{vectors} * vectorBytes, rows, destinationPixels);
+}
+
+using BlocksMethod = void (*)(const PixelStep& step, int pixels, const StepRows& rows,
+                              std::size_t destinationPixels);
 
 template <bool mirrored>
 BlocksMethod MethodOf(const BlockShape& shape)
 {
     if (shape.loads == Loads::Shared)
-        return shape.vectors == 1 ? DoBlocks<1, Loads::Shared, mirrored>
-                                  : DoBlocks<2, Loads::Shared, mirrored>;
-    return DoBlocks<1, Loads::Straight, mirrored>;
+        return shape.vectors == 1 ? RunBlocks<1, Loads::Shared, mirrored>
+                                  : RunBlocks<2, Loads::Shared, mirrored>;
+    return RunBlocks<1, Loads::Straight, mirrored>;
 }
 
-void Step(const PixelStep& step, const unsigned char* source, unsigned char* destination,
-          std::size_t destinationPixels)
+void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPixels)
 {
-    const BlockShape& shape =
-        shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][step.repeat >> 1];
-    const StepNumbers numbers = NumbersOf(step, shape.pixels);
-    const std::size_t lastCopy = (std::size_t{1} << numbers.repeatShift) - 1;
-    const std::size_t sourcePixels = (destinationPixels + lastCopy) >> numbers.repeatShift;
-    const StepKernel narrower = VectorRoad::GetPixelKernels().step;
-    // A pixel more, as the last one may be cut short.
-    if (shape.loads == Loads::None || sourcePixels <= shape.pixels)
-        return narrower(step, source, destination, destinationPixels);
-
+    const int shift = step.repeat >> 1;
+    const BlockShape& shape = shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][shift];
+    if (shape.loads == Loads::None || (destinationPixels >> shift) < shape.pixels)
+        return VectorRoad::GetPixelKernels().step(step, rows, destinationPixels);
     const BlocksMethod method = step.mirrored ? MethodOf<true>(shape) : MethodOf<false>(shape);
-    const std::size_t doneBytes =
-        method(numbers, source, destination, sourcePixels, (destinationPixels & lastCopy) == 0);
-    if (doneBytes == destinationPixels * step.destinationBytes)
-        return;
-    const std::size_t doneCopies = doneBytes / step.destinationBytes;
-    const std::size_t donePixels = doneCopies >> numbers.repeatShift;
-    narrower(step, step.mirrored ? source : source + donePixels * step.sourceBytes,
-             destination + doneBytes, destinationPixels - doneCopies);
+    method(step, shape.pixels, rows, destinationPixels);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,
           std::size_t destinationPixels)
 {
     if (move.pixelBytes <= maxPixelBytes)
-        Step(WholePixelStep(move), source, destination, destinationPixels);
+        Step(WholePixelStep(move), {&source, &destination, 1}, destinationPixels);
     else
         MovePixels<WidePiece, NarrowPiece>(move, source, destination, destinationPixels);
 }

@@ -4,6 +4,8 @@
 #include "direct/pixels_lanes.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <utility>
 
 // Pixel steps whose blocks are moved by whole vectors that overlap. Included after the lanes of a
 // level and its own PlacesAt, Permute, LoadPart and StorePart: shuffles across the whole vector,
@@ -19,28 +21,73 @@ struct BlockShape
     unsigned char pixels;
     unsigned char vectors;
     bool ownLoads;
+    // The output fills the vectors.
+    bool isFull;
+    // Output that must be left for a block to be done in whole vectors.
+    std::uint16_t neededBytes;
 };
 
-// The rows of one call.
-struct Rows
+// For source pixels that have so many bytes, and as many of output with all their repeats.
+constexpr BlockShape MakeShape(int sourceBytes, int outputBytes, int pixels, int vectors,
+                               bool ownLoads)
 {
-    const unsigned char* source;
+    // Pixels of the blocks to come that a load reads, though it does not use them.
+    const int blockBytes = pixels * sourceBytes;
+    const int pastBytes = blockBytes < vectorBytes ? vectorBytes - blockBytes : 0;
+    const int pastPixels = (pastBytes + sourceBytes - 1) / sourceBytes;
+    const int forLoads = (pixels + pastPixels) * outputBytes;
+    const int forStores = vectors * vectorBytes;
+    return {static_cast<unsigned char>(pixels), static_cast<unsigned char>(vectors), ownLoads,
+            pixels * outputBytes == forStores,
+            static_cast<std::uint16_t>(forLoads > forStores ? forLoads : forStores)};
+}
+
+constexpr int tabledShapeBytes = 16;
+
+struct BlockShapes
+{
+    // By the bytes of the source pixel less 1, of the destination pixel less 1, and the shift.
+    BlockShape of[tabledShapeBytes][tabledShapeBytes][3];
+};
+
+template <typename Find>
+constexpr BlockShapes MakeShapes(Find find)
+{
+    BlockShapes shapes{};
+    for (int source = 0; source < tabledShapeBytes; ++source)
+        for (int destination = 0; destination < tabledShapeBytes; ++destination)
+            for (int shift = 0; shift < 3; ++shift)
+                shapes.of[source][destination][shift] =
+                    find(source + 1, (destination + 1) << shift);
+    return shapes;
+}
+
+// All rows of a call share these sizes.
+struct Extent
+{
     std::ptrdiff_t sourceBytes;
-    unsigned char* destination;
     std::ptrdiff_t destinationBytes;
     // The last source pixel has all its copies.
     bool endsWhole;
 };
 
-inline Rows RowsOf(const StepNumbers& numbers, const unsigned char* source,
-                   unsigned char* destination, std::size_t destinationPixels)
+inline Extent ExtentOf(const StepNumbers& numbers, std::size_t destinationPixels)
 {
     const std::size_t lastCopy = (std::size_t{1} << numbers.repeatShift) - 1;
     const std::size_t sourcePixels = (destinationPixels + lastCopy) >> numbers.repeatShift;
-    return {source, static_cast<std::ptrdiff_t>(sourcePixels) * numbers.sourceBytes, destination,
+    return {static_cast<std::ptrdiff_t>(sourcePixels) * numbers.sourceBytes,
             static_cast<std::ptrdiff_t>(destinationPixels) * numbers.destinationBytes,
             (destinationPixels & lastCopy) == 0};
 }
+
+// One row of the call, from its block at these offsets on.
+struct Row
+{
+    const unsigned char* source;
+    unsigned char* destination;
+    std::ptrdiff_t from;
+    std::ptrdiff_t to;
+};
 
 // The masks of a block, where each loads from in it, and the way from block to block. Where one
 // load serves the block, `loadAt` is the same for all vectors.
@@ -54,6 +101,12 @@ struct Block
     std::ptrdiff_t toStep;
 };
 
+inline Lanes MaskOf(const StepNumbers& numbers, Lanes places, int vector, int loadAt)
+{
+    const ByteOrigin origin = OriginOf(numbers.destinationBytes, vector * vectorBytes);
+    return Add8(PlacesAt(places, origin.index), PixelStarts(numbers, origin.pixel, loadAt));
+}
+
 template <int vectors, bool ownLoads>
 [[gnu::always_inline]] inline Block<vectors> MakeBlock(const StepNumbers& numbers)
 {
@@ -65,9 +118,7 @@ template <int vectors, bool ownLoads>
     const int oneLoad = numbers.mirrored ? blockBytes - vectorBytes : 0;
     Unroll<vectors>([&](auto vector) {
         const int at = ownLoads ? LoadStart(numbers, vectorBytes * vector, vectorBytes) : oneLoad;
-        const ByteOrigin origin = OriginOf(numbers, vector);
-        block.masks[vector] =
-            Add8(PlacesAt(places, origin.index), Subtract8(origin.pixelStart, Set8(at)));
+        block.masks[vector] = MaskOf(numbers, places, vector, at);
         block.loadAt[vector] = at;
     });
     block.fromStep = numbers.mirrored ? -blockBytes : blockBytes;
@@ -88,95 +139,100 @@ template <int vectors, bool ownLoads>
 }
 
 // The last bytes, where whole vectors would read or write too much: loads move back into the
-// source, and the last store is a part of a vector. The offsets `from` and `to` of the next block
-// may lie outside the source where nothing is read.
+// source, and the last store is a part of a vector. The offsets of the next block may lie outside
+// the source where nothing is read.
 template <int vectors>
-[[gnu::noinline]] void DoRest(const Block<vectors>& block, const Rows& rows, std::ptrdiff_t from,
-                              std::ptrdiff_t to)
+[[gnu::noinline]] void DoRest(const Block<vectors>& block, const Extent& extent, const Row& row)
 {
-    const bool isShort = rows.sourceBytes < vectorBytes;
-    const std::ptrdiff_t latest = isShort ? 0 : rows.sourceBytes - vectorBytes;
-    Lanes pixels = isShort ? LoadPart(rows.source, rows.sourceBytes) : Zero();
-    for (; to < rows.destinationBytes; to += block.toStep, from += block.fromStep) {
-        const std::ptrdiff_t left = rows.destinationBytes - to;
+    const bool isShort = extent.sourceBytes < vectorBytes;
+    const std::ptrdiff_t latest = isShort ? 0 : extent.sourceBytes - vectorBytes;
+    Lanes pixels = isShort ? LoadPart(row.source, extent.sourceBytes) : Zero();
+    std::ptrdiff_t from = row.from;
+    for (std::ptrdiff_t to = row.to; to < extent.destinationBytes; to += block.toStep) {
+        const std::ptrdiff_t left = extent.destinationBytes - to;
         for (int vector = 0; vector < vectors && vectorBytes * vector < left; ++vector) {
             const std::ptrdiff_t wanted = from + block.loadAt[vector];
             const std::ptrdiff_t near = wanted < latest ? wanted : latest;
             const std::ptrdiff_t at = near < 0 ? 0 : near;
             if (!isShort)
-                pixels = Load(rows.source + at);
+                pixels = Load(row.source + at);
             const Lanes moved = Set8(static_cast<int>(wanted - at));
-            StorePart(rows.destination + to + vectorBytes * vector,
+            StorePart(row.destination + to + vectorBytes * vector,
                       Permute(pixels, Add8(block.masks[vector], moved)),
                       left - vectorBytes * vector);
         }
+        from += block.fromStep;
     }
 }
 
-// Output that must be left for a block to be done in whole vectors.
-template <int vectors>
-std::ptrdiff_t WholeBytes(const StepNumbers& numbers)
-{
-    const int blockBytes = numbers.pixels * numbers.sourceBytes;
-    const int outputBytes = numbers.destinationBytes << numbers.repeatShift;
-    // Pixels of the blocks to come that a load reads, though it does not use them.
-    const int pastBytes = blockBytes < vectorBytes ? vectorBytes - blockBytes : 0;
-    const int pastPixels = Quotient(pastBytes + numbers.sourceBytes - 1, numbers.sourceBytes);
-    const int forLoads = (numbers.pixels + pastPixels) * outputBytes;
-    const int forStores = vectors * vectorBytes;
-    return forLoads > forStores ? forLoads : forStores;
-}
-
-// Full vectors of output need no more than the block's own bytes, if its loads need no more.
+// Full vectors of output need no more than the block's own bytes, if its loads need no more. The
+// last block that may be done in whole vectors starts at the output byte `last`.
 template <int vectors, bool ownLoads, bool isFull>
-void RunBlocks(const PixelStep& step, int pixels, const unsigned char* source,
-               unsigned char* destination, std::size_t destinationPixels)
+[[gnu::always_inline]] inline void RunRow(const Block<vectors>& block, const Extent& extent,
+                                          std::ptrdiff_t last, Row row)
 {
-    const StepNumbers numbers = NumbersOf(step, pixels);
-    const Rows rows = RowsOf(numbers, source, destination, destinationPixels);
-    const Block<vectors> block = MakeBlock<vectors, ownLoads>(numbers);
     const std::ptrdiff_t toStep = isFull ? vectors * vectorBytes : block.toStep;
     const std::ptrdiff_t fromStep = block.fromStep;
-    const std::ptrdiff_t last = rows.destinationBytes - WholeBytes<vectors>(numbers);
-    std::ptrdiff_t from = numbers.mirrored ? rows.sourceBytes + fromStep : 0;
-    std::ptrdiff_t to = 0;
-    constexpr int together = vectors == 1 ? 4 : 2;
-    for (; to + (together - 1) * toStep <= last; to += together * toStep) {
+    constexpr int together = vectors == 1 ? 4 : vectors <= 4 ? 2 : 1;
+    for (; row.to + (together - 1) * toStep <= last; row.to += together * toStep) {
         Unroll<together>([&](auto number) {
-            DoBlock<vectors, ownLoads>(block, source + (from + number * fromStep),
-                                       destination + (to + number * toStep));
+            DoBlock<vectors, ownLoads>(block, row.source + (row.from + number * fromStep),
+                                       row.destination + (row.to + number * toStep));
         });
-        from += together * fromStep;
+        row.from += together * fromStep;
     }
-    for (; to <= last; to += toStep, from += fromStep)
-        DoBlock<vectors, ownLoads>(block, source + from, destination + to);
-    if (to >= rows.destinationBytes)
+    for (; together != 1 && row.to <= last; row.to += toStep, row.from += fromStep)
+        DoBlock<vectors, ownLoads>(block, row.source + row.from, row.destination + row.to);
+    if (row.to >= extent.destinationBytes)
         return;
     // The last whole block once more, so that the row ends with it.
-    if (isFull && to != 0 && rows.endsWhole && numbers.pixels * numbers.sourceBytes >= vectorBytes)
+    const bool mirrored = fromStep < 0;
+    if (isFull && row.to != 0 && extent.endsWhole &&
+        (mirrored ? -fromStep : fromStep) >= vectorBytes)
         DoBlock<vectors, ownLoads>(block,
-                                   source + (numbers.mirrored ? 0 : rows.sourceBytes - fromStep),
-                                   destination + (rows.destinationBytes - toStep));
+                                   row.source + (mirrored ? 0 : extent.sourceBytes - fromStep),
+                                   row.destination + (extent.destinationBytes - toStep));
     else
-        DoRest(block, rows, from, to);
+        DoRest(block, extent, row);
 }
 
-using BlocksMethod = void (*)(const PixelStep& step, int pixels, const unsigned char* source,
-                              unsigned char* destination, std::size_t destinationPixels);
-
-template <bool isFull>
-BlocksMethod SharedMethodOf(int vectors)
+template <int vectors, bool ownLoads, bool isFull>
+void RunBlocks(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
+               std::size_t destinationPixels)
 {
-    switch (vectors) {
-    case 1:
-        return RunBlocks<1, false, isFull>;
-    case 2:
-        return RunBlocks<2, false, isFull>;
-    case 3:
-        return RunBlocks<3, false, isFull>;
-    default:
-        return RunBlocks<4, false, isFull>;
-    }
+    const StepNumbers numbers = NumbersOf(step, shape.pixels);
+    const Extent extent = ExtentOf(numbers, destinationPixels);
+    const Block<vectors> block = MakeBlock<vectors, ownLoads>(numbers);
+    const std::ptrdiff_t last = extent.destinationBytes - shape.neededBytes;
+    const std::ptrdiff_t first = numbers.mirrored ? extent.sourceBytes + block.fromStep : 0;
+    for (std::size_t row = 0; row < rows.count; ++row)
+        RunRow<vectors, ownLoads, isFull>(block, extent, last,
+                                          {rows.sources[row], rows.destinations[row], first, 0});
+}
+
+using BlocksMethod = void (*)(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
+                              std::size_t destinationPixels);
+
+template <bool ownLoads, bool isFull, int... index>
+struct BlocksMethods
+{
+    BlocksMethod of[sizeof...(index)] = {RunBlocks<index + 1, ownLoads, isFull>...};
+};
+
+template <bool ownLoads, bool isFull, int... index>
+constexpr BlocksMethods<ownLoads, isFull, index...>
+MakeMethods(std::integer_sequence<int, index...>)
+{
+    return {};
+}
+
+// By the vectors less 1.
+constexpr auto fullMethods = MakeMethods<false, true>(std::make_integer_sequence<int, 4>{});
+constexpr auto looseMethods = MakeMethods<false, false>(std::make_integer_sequence<int, 4>{});
+
+inline BlocksMethod SharedMethodOf(const BlockShape& shape)
+{
+    return (shape.isFull ? fullMethods.of : looseMethods.of)[shape.vectors - 1];
 }
 
 } // namespace

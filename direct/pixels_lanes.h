@@ -88,14 +88,6 @@ inline StepNumbers NumbersOf(const PixelStep& step, int pixels)
             pixels};
 }
 
-// For each byte of one output vector its place's index in the step, and the first byte of its
-// source pixel in the block.
-struct ByteOrigin
-{
-    Lanes index;
-    Lanes pixelStart;
-};
-
 inline Lanes Quotients(Lanes bytes, int divisor)
 {
     const Lanes reciprocal = Set16(reciprocals.of[divisor]);
@@ -105,17 +97,58 @@ inline Lanes Quotients(Lanes bytes, int divisor)
     return Or(even, ShiftLeft16<8>(odd));
 }
 
-// The words of these products never carry into each other: the bytes of both factors give a byte.
-inline ByteOrigin OriginOf(const StepNumbers& numbers, int vector)
+// For the common sizes of a destination pixel, and each byte of a block's output: the number of the
+// pixel, and the byte in it.
+constexpr int maxTabledSize = 16;
+constexpr int tabledBytes = 256;
+
+struct ByteOrigins
 {
-    const Lanes bytes = Add8(Load(counting.of), Set8(vector * vectorBytes));
-    const Lanes copies = Quotients(bytes, numbers.destinationBytes);
-    const Lanes index = Subtract8(bytes, MultiplyLow16(copies, Set16(numbers.destinationBytes)));
-    Lanes pixel =
+    unsigned char pixel[maxTabledSize + 1][tabledBytes];
+    unsigned char index[maxTabledSize + 1][tabledBytes];
+};
+
+constexpr ByteOrigins MakeByteOrigins()
+{
+    ByteOrigins bytes{};
+    for (int size = 1; size <= maxTabledSize; ++size)
+        for (int byte = 0; byte < tabledBytes; ++byte) {
+            bytes.pixel[size][byte] = static_cast<unsigned char>(byte / size);
+            bytes.index[size][byte] = static_cast<unsigned char>(byte % size);
+        }
+    return bytes;
+}
+
+alignas(64) constexpr ByteOrigins byteOrigins = MakeByteOrigins();
+
+// For each byte of one output vector: the number of its pixel, and the byte in it.
+struct ByteOrigin
+{
+    Lanes pixel;
+    Lanes index;
+};
+
+// The words of the product never carry into each other: the bytes of both factors give a byte.
+inline ByteOrigin OriginOf(int destinationBytes, int firstByte)
+{
+    if (laneCount != 4 || destinationBytes <= maxTabledSize)
+        return {Load(byteOrigins.pixel[destinationBytes] + firstByte),
+                Load(byteOrigins.index[destinationBytes] + firstByte)};
+    const Lanes bytes = Add8(Load(counting.of), Set8(firstByte));
+    const Lanes pixel = Quotients(bytes, destinationBytes);
+    return {pixel, Subtract8(bytes, MultiplyLow16(pixel, Set16(destinationBytes)))};
+}
+
+// For each byte of one output vector the first byte of its source pixel in the block, counted from
+// `loadAt` on.
+inline Lanes PixelStarts(const StepNumbers& numbers, Lanes copies, int loadAt)
+{
+    const Lanes pixel =
         And(ShiftRight16By(copies, numbers.repeatShift), Set8(0xff >> numbers.repeatShift));
-    if (numbers.mirrored)
-        pixel = Subtract8(Set8(numbers.pixels - 1), pixel);
-    return {index, MultiplyLow16(pixel, Set16(numbers.sourceBytes))};
+    const Lanes start = MultiplyLow16(pixel, Set16(numbers.sourceBytes));
+    return numbers.mirrored
+               ? Subtract8(Set8((numbers.pixels - 1) * numbers.sourceBytes - loadAt), start)
+               : Subtract8(start, Set8(loadAt));
 }
 
 // A piece of output of 16 bytes or more, in a block of its own loads, starts to read at the first

@@ -359,8 +359,8 @@ bool MovesWholePixels(const PixelStep& step)
     return true;
 }
 
-void Step(const PixelStep& step, const unsigned char* source, unsigned char* destination,
-          std::size_t destinationPixels)
+void StepRow(const PixelStep& step, const unsigned char* source, unsigned char* destination,
+             std::size_t destinationPixels)
 {
     if (MovesWholePixels(step))
         return Move({step.sourceBytes, step.repeat, step.mirrored}, source, destination,
@@ -383,6 +383,12 @@ void Step(const PixelStep& step, const unsigned char* source, unsigned char* des
         Move(repeat, tile, destination + done * step.destinationBytes,
              copies < leftCopies ? copies : leftCopies);
     }
+}
+
+void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPixels)
+{
+    for (std::size_t row = 0; row < rows.count; ++row)
+        StepRow(step, rows.sources[row], rows.destinations[row], destinationPixels);
 }
 
 constexpr PixelKernels kernels = {Step, maxStepBytes, Move};

@@ -9,13 +9,6 @@ namespace {
 
 constexpr int maxPixelBytes = 16;
 constexpr int maxVectors = 5;
-struct BlockShapes
-{
-    // Indexed by the bytes of the source pixel less 1, of the destination pixel less 1, and by the
-    // shift.
-    BlockShape of[maxPixelBytes][maxPixelBytes][3];
-};
-
 // The fullest vectors win, then the fewest loads.
 constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
 {
@@ -40,46 +33,30 @@ constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
             ownLoads = true;
         }
     }
-    return {static_cast<unsigned char>(bestPixels), static_cast<unsigned char>(bestVectors),
-            ownLoads};
+    return MakeShape(sourceBytes, outputBytes, bestPixels, bestVectors, ownLoads);
 }
 
-constexpr BlockShapes MakeShapes()
-{
-    BlockShapes shapes{};
-    for (int source = 0; source < maxPixelBytes; ++source)
-        for (int destination = 0; destination < maxPixelBytes; ++destination)
-            for (int shift = 0; shift < 3; ++shift)
-                shapes.of[source][destination][shift] =
-                    FindShape(source + 1, (destination + 1) << shift);
-    return shapes;
-}
+constexpr BlockShapes shapes = MakeShapes(FindShape);
 
-constexpr BlockShapes shapes = MakeShapes();
-
-BlocksMethod MethodOf(const BlockShape& shape, int outputBytes)
+BlocksMethod MethodOf(const BlockShape& shape)
 {
     if (shape.ownLoads)
         return shape.vectors == 3 ? RunBlocks<3, true, true> : RunBlocks<5, true, true>;
-    return shape.pixels * outputBytes == shape.vectors * vectorBytes
-               ? SharedMethodOf<true>(shape.vectors)
-               : SharedMethodOf<false>(shape.vectors);
+    return SharedMethodOf(shape);
 }
 
-void Step(const PixelStep& step, const unsigned char* source, unsigned char* destination,
-          std::size_t destinationPixels)
+void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPixels)
 {
-    const int shift = step.repeat >> 1;
-    const BlockShape& shape = shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][shift];
-    MethodOf(shape, step.destinationBytes << shift)(step, shape.pixels, source, destination,
-                                                    destinationPixels);
+    const BlockShape& shape =
+        shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][step.repeat >> 1];
+    MethodOf(shape)(step, shape, rows, destinationPixels);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,
           std::size_t destinationPixels)
 {
     if (move.pixelBytes <= maxPixelBytes)
-        Step(WholePixelStep(move), source, destination, destinationPixels);
+        Step(WholePixelStep(move), {&source, &destination, 1}, destinationPixels);
     else
         MovePixels<WidePiece, NarrowPiece>(move, source, destination, destinationPixels);
 }

@@ -113,9 +113,8 @@ std::string Describe(const Shape& shape, std::size_t pixels)
            (shape.mirrored ? ", mirrored, " : ", ") + std::to_string(pixels) + " pixels";
 }
 
-void CheckStep(const Level& level, const Shape& shape, const Bytes& places, std::size_t pixels)
+PixelStep MakeStep(const Shape& shape, const Bytes& places)
 {
-    SCOPED_TRACE(std::string(level.name) + ": " + Describe(shape, pixels));
     PixelStep step{};
     step.sourceBytes = static_cast<std::uint8_t>(shape.sourceBytes);
     step.destinationBytes = static_cast<std::uint8_t>(shape.destinationBytes);
@@ -124,12 +123,46 @@ void CheckStep(const Level& level, const Shape& shape, const Bytes& places, std:
     // What lies past the pixel's places must not matter.
     step.places.fill(0x77);
     std::copy(places.begin(), places.end(), step.places.begin());
+    return step;
+}
+
+void CheckStep(const Level& level, const Shape& shape, const Bytes& places, std::size_t pixels)
+{
+    SCOPED_TRACE(std::string(level.name) + ": " + Describe(shape, pixels));
+    const PixelStep step = MakeStep(shape, places);
     const Bytes source =
         RandomBytes(SourcePixels(shape, pixels) * shape.sourceBytes, seed + std::uint32_t(pixels));
     CheckRow(source, NaiveRow(shape, step.places.data(), source, pixels),
              [&](const unsigned char* from, unsigned char* to) {
-                 level.kernels->step(step, from, to, pixels);
+                 level.kernels->step(step, {&from, &to, 1}, pixels);
              });
+}
+
+// Rows of one call, each between forbidden pages of its own.
+void CheckRows(const Level& level, const Shape& shape, const Bytes& places, std::size_t pixels)
+{
+    SCOPED_TRACE(std::string(level.name) + ": rows of " + Describe(shape, pixels));
+    constexpr std::size_t count = 3;
+    const PixelStep step = MakeStep(shape, places);
+    std::vector<GuardedBuffer> sources;
+    std::vector<GuardedBuffer> destinations;
+    std::vector<const unsigned char*> from;
+    std::vector<unsigned char*> to;
+    for (std::size_t row = 0; row < count; ++row) {
+        const Flush flush = row == 1 ? Flush::AtStart : Flush::AtEnd;
+        const std::size_t bytes = SourcePixels(shape, pixels) * shape.sourceBytes;
+        sources.emplace_back(RandomBytes(bytes, seed + std::uint32_t(row)), flush);
+        destinations.emplace_back(Bytes(pixels * shape.destinationBytes, 0xa5), flush);
+    }
+    for (std::size_t row = 0; row < count; ++row) {
+        from.push_back(sources[row].data());
+        to.push_back(destinations[row].data());
+    }
+    level.kernels->step(step, {from.data(), to.data(), count}, pixels);
+    for (std::size_t row = 0; row < count; ++row)
+        ASSERT_TRUE(NaiveRow(shape, step.places.data(), sources[row].bytes(), pixels) ==
+                    destinations[row].bytes())
+            << "in row " << row;
 }
 
 void CheckMove(const Level& level, const Shape& shape, std::size_t pixels)
@@ -226,6 +259,16 @@ TEST_P(DirectPixels, StepEveryWidth)
                        for (std::size_t pixels : Sizes{255, 256, 257, 511, 513, 999, 1000, 1003})
                            CheckStep(GetParam(), shape, RandomPlaces(shape, random), pixels);
                    });
+}
+
+TEST_P(DirectPixels, StepSeveralRowsInOneCall)
+{
+    std::mt19937 random(seed);
+    for (std::size_t bytes : PixelSizesUpTo(16))
+        ForEachWay(bytes, bytes, [&](const Shape& shape) {
+            for (std::size_t pixels : Sizes{0, 1, 7, 33, 130, 257})
+                CheckRows(GetParam(), shape, RandomPlaces(shape, random), pixels);
+        });
 }
 
 TEST_P(DirectPixels, StepWhereAllBytesAreEmpty)
