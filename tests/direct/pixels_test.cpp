@@ -189,6 +189,20 @@ Bytes RandomPlaces(const Shape& shape, std::mt19937& random)
     return places;
 }
 
+constexpr std::size_t noChannel = 99;
+
+// The bytes of whole channels.
+Bytes PlacesOf(const std::vector<std::size_t>& channels, std::size_t sampleBytes)
+{
+    Bytes places;
+    for (std::size_t channel : channels)
+        for (std::size_t byte = 0; byte < sampleBytes; ++byte)
+            places.push_back(channel == noChannel
+                                 ? emptyByte
+                                 : static_cast<unsigned char>(channel * sampleBytes + byte));
+    return places;
+}
+
 Sizes PixelSizesUpTo(std::size_t most)
 {
     Sizes sizes;
@@ -259,6 +273,38 @@ TEST_P(DirectPixels, StepEveryWidth)
                        for (std::size_t pixels : Sizes{255, 256, 257, 511, 513, 999, 1000, 1003})
                            CheckStep(GetParam(), shape, RandomPlaces(shape, random), pixels);
                    });
+}
+
+TEST_P(DirectPixels, StepEveryOrderOfFourChannels)
+{
+    std::vector<std::size_t> order = {0, 1, 2, 3};
+    do
+        for (std::size_t sampleBytes : Sizes{1, 2})
+            for (std::size_t empty = 0; empty <= order.size(); ++empty)
+                for (std::size_t pixels : Sizes{1, 2, 3, 8, 33, 70}) {
+                    std::vector<std::size_t> channels = order;
+                    if (empty < order.size())
+                        channels[empty] = noChannel;
+                    const std::size_t bytes = 4 * sampleBytes;
+                    CheckStep(GetParam(), {bytes, bytes, 1, empty % 2 != 0},
+                              PlacesOf(channels, sampleBytes), pixels);
+                }
+    while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST_P(DirectPixels, StepChannelsOfSeveralBytes)
+{
+    std::mt19937 random(seed);
+    const std::size_t most = GetParam().kernels->stepBytes / 2;
+    for (std::size_t sourceChannels = 1; sourceChannels <= most; ++sourceChannels)
+        for (std::size_t channelCount = 1; channelCount <= most; ++channelCount) {
+            std::vector<std::size_t> channels;
+            for (std::size_t channel = 0; channel < channelCount; ++channel)
+                channels.push_back(random() % 5 == 0 ? noChannel : random() % sourceChannels);
+            for (std::size_t pixels : Sizes{1, 40, 300})
+                CheckStep(GetParam(), {2 * sourceChannels, 2 * channelCount, 1, false},
+                          PlacesOf(channels, 2), pixels);
+        }
 }
 
 TEST_P(DirectPixels, StepSeveralRowsInOneCall)
