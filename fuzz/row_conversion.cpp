@@ -20,7 +20,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
 {
     static SilentSink sink;
     zvk::Diagnostics::Seh::SetDefaultLog(&sink);
-    const std::string finding = zvk::Pelkraft::TestSupport::CheckAnyConversion(bytes, count);
+    const std::string finding =
+        zvk::Pelkraft::TestSupport::CheckAnyConversionAtAllLevels(bytes, count);
     if (!finding.empty()) {
         std::fprintf(stderr, "%s\n", finding.c_str());
         std::abort();

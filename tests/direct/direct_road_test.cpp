@@ -86,16 +86,12 @@ struct Buffers
 template <typename Row>
 Bytes Converted(const ConversionCase& tested, const Buffers& buffers)
 {
-    const auto& [from, to, operation, forcePortable] = tested;
+    const NaiveGeometry& from = tested.source;
+    const NaiveGeometry& to = tested.destination;
     const ImageRow source(from.width, from.channels, from.bits, from.planar, buffers.source.data());
     std::copy(buffers.before.begin(), buffers.before.end(), buffers.destination.data());
     Row row(to.width, to.channels, to.bits, to.planar, buffers.destination.data());
-    if (operation.hasMap)
-        row.FillFromWithRemap(source, operation.map.data(), false, forcePortable);
-    else if (operation.isFill)
-        row.FillFrom(source, false, forcePortable);
-    else
-        row.FillFromWithPixelRepeat(source, operation.factor, false, forcePortable);
+    RunConversion(tested, source, row);
     return buffers.destination.bytes();
 }
 

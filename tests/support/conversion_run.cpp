@@ -1,14 +1,18 @@
 #include "tests/support/conversion_run.h"
 
+#include <cstdint>
+
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 bool IsUnpacked(const ConversionCase& oneCase)
 {
+    const NaiveOperation& operation = oneCase.operation;
     if (!IsNaivePacked(oneCase.source))
         return false;
-    // A map alone runs on packed bytes; every factor, 1 included, unpacks.
-    return oneCase.source.bits != oneCase.destination.bits || !oneCase.operation.hasMap;
+    // A fill and a map alone run on packed bytes; every factor, 1 included, unpacks.
+    return oneCase.source.bits != oneCase.destination.bits ||
+           (!operation.isFill && !operation.hasMap);
 }
 
 } // namespace
@@ -19,24 +23,45 @@ std::string Describe(const ConversionCase& oneCase)
            Describe(oneCase.operation) + (oneCase.forcePortable ? ", portable" : ", vector");
 }
 
+void RunConversion(const ConversionCase& oneCase, const ImageRow& source, ImageRow& destination)
+{
+    const NaiveOperation& operation = oneCase.operation;
+    if (operation.hasMap)
+        destination.FillFromWithRemap(source, operation.map.data(), false, oneCase.forcePortable);
+    else if (operation.isFill)
+        destination.FillFrom(source, false, oneCase.forcePortable);
+    else
+        destination.FillFromWithPixelRepeat(source, operation.factor, false, oneCase.forcePortable);
+}
+
 void RunConversion(const ConversionCase& oneCase, unsigned char* source, unsigned char* destination)
 {
-    const auto& [from, to, operation, forcePortable] = oneCase;
-    ImageRow sourceRow(from.width, from.channels, from.bits, from.planar, source);
+    const NaiveGeometry& from = oneCase.source;
+    const NaiveGeometry& to = oneCase.destination;
+    const ImageRow sourceRow(from.width, from.channels, from.bits, from.planar, source);
     ImageRow row(to.width, to.channels, to.bits, to.planar, destination);
-    if (operation.hasMap)
-        row.FillFromWithRemap(sourceRow, operation.map.data(), false, forcePortable);
-    else if (operation.isFill)
-        row.FillFrom(sourceRow, false, forcePortable);
-    else
-        row.FillFromWithPixelRepeat(sourceRow, operation.factor, false, forcePortable);
+    RunConversion(oneCase, sourceRow, row);
+}
+
+bool IsServedDirectly(const ConversionCase& oneCase)
+{
+    constexpr int mostEntries = 64;
+    const bool maps = oneCase.operation.hasMap;
+    const int channels = oneCase.destination.channels;
+    if (maps && channels > mostEntries)
+        return false;
+    if (!oneCase.forcePortable || !IsUnpacked(oneCase))
+        return true;
+    // A map runs on packed bytes: ahead of the unpacking, but after it where packing follows. The
+    // unpacking fills a slot from its end down, in groups of four channels.
+    const std::int64_t met =
+        maps && IsNaivePacked(oneCase.destination) ? oneCase.source.channels : channels;
+    return (met + 3) / 4 == (met + 15) / 16 * 4;
 }
 
 bool IsLeftPacked(const ConversionCase& oneCase, int destinationChannel)
 {
     if (!oneCase.forcePortable || !IsUnpacked(oneCase))
-        return false;
-    if (oneCase.source.bits == oneCase.destination.bits && oneCase.operation.isFill)
         return false;
     // The map runs on the packed side: ahead of the unpacker, or behind the packer.
     const bool mapsBehind = oneCase.operation.hasMap && IsNaivePacked(oneCase.destination);

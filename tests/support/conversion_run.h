@@ -19,9 +19,15 @@ struct ConversionCase
 
 std::string Describe(const ConversionCase& oneCase);
 
+// Runs it from one row to another, of any class, whose geometries are those of the case.
+void RunConversion(const ConversionCase& oneCase, const ImageRow& source, ImageRow& destination);
 // Runs it on the given buffers, which hold exactly the rows' bytes.
 void RunConversion(const ConversionCase& oneCase, unsigned char* source,
                    unsigned char* destination);
+
+// Whether the direct road has to serve it, for rows that do not overlap and whose map names no
+// channel beyond the source's.
+bool IsServedDirectly(const ConversionCase& oneCase);
 
 // How many channels, from the first, the portable unpacker leaves as they are. They are not
 // compared: all others of the destination are.
