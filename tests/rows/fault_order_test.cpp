@@ -25,6 +25,7 @@ constexpr const char* packer =
 constexpr const char* unpacker =
     "zvk::Pelkraft::ChunkConvertFacility::Create_Unpacker unsupported format";
 constexpr const char* fill = "zvk::Pelkraft::ImageRow::FillFrom unsupported conversion";
+constexpr const char* remap = "zvk::Pelkraft::ImageRow::FillFromWithRemap unsupported conversion";
 constexpr const char* repeat =
     "zvk::Pelkraft::ImageRow::FillFromWithPixelRepeat unsupported conversion";
 
@@ -199,6 +200,24 @@ TEST(FaultOrder, PutsTheWidthsOfBothRowsAheadOfTheChannelCounts)
     EXPECT_EQ(width, Rows({-5, -2, 8, false}, {-5, 3, 8, false}).Remap(anyMap));
     EXPECT_EQ(channelCount, Rows({5, -2, 8, false}, {5, -2, 8, false}).Repeat(4));
     EXPECT_EQ(channelCount, Rows({65536, 65536, 8, false}, {5, -2, 8, false}).Remap(anyMap));
+}
+
+// A destination without channels has nothing to move, but faults all the same.
+TEST(FaultOrder, PutsTheSizesAheadOfARowWithoutChannels)
+{
+    EXPECT_EQ(width, Rows({-5, 0, 8, false}, {-5, 0, 8, true}).Fill());
+    EXPECT_EQ(width, Rows({65536, 65536, 8, false}, {5, 0, 8, false}).Remap(anyMap));
+    EXPECT_EQ(channelCount, Rows({5, -2, 8, false}, {5, 0, 8, false}).Remap(anyMap));
+}
+
+TEST(FaultOrder, PutsTheMissingMapLast)
+{
+    EXPECT_EQ(unsupported, Rows({5, 0, 8, false}, {5, 2, 8, false}).Remap(nullptr));
+    EXPECT_EQ(unsupported, Rows({5, 2, 10, true}, {5, 2, 10, true}).Remap(nullptr));
+    EXPECT_EQ(width, Rows({-5, 2, 8, false}, {-5, 2, 8, false}).Remap(nullptr));
+    EXPECT_EQ(remap, Rows({5, 2, 8, false}, {5, 2, 8, false}).Remap(nullptr));
+    // Without a pixel to move it is missing as well.
+    EXPECT_EQ(remap, Rows({0, 2, 8, false}, {5, 2, 8, false}).Remap(nullptr));
 }
 
 TEST(FaultOrder, PutsTheChannelsOfAFillAheadOfAllElse)
