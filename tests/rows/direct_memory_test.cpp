@@ -16,7 +16,6 @@ namespace {
 // Of the widest rows one case of so many, or the test would move terabytes.
 constexpr std::uint64_t wideEvery = 211;
 constexpr int widest = 100000;
-constexpr std::size_t mostEntries = 64;
 
 std::vector<int> AllChannelCounts()
 {
@@ -25,32 +24,6 @@ std::vector<int> AllChannelCounts()
         counts.push_back(count);
     counts.insert(counts.end(), {64, 65, 130});
     return counts;
-}
-
-bool IsUnpacked(const ConversionCase& tested)
-{
-    const NaiveOperation& operation = tested.operation;
-    if (!IsNaivePacked(tested.source))
-        return false;
-    // Rows of one depth are unpacked for a repeat alone.
-    return tested.source.bits != tested.destination.bits ||
-           (!operation.isFill && !operation.hasMap);
-}
-
-// Nothing else that is served is declined, for rows that do not overlap. Portable unpacking is
-// where it meets pixels that leave a slot's groups of four channels empty: a map runs ahead of it,
-// but after it where packing follows.
-bool IsDirect(const ConversionCase& tested)
-{
-    const NaiveOperation& operation = tested.operation;
-    if (operation.map.size() > mostEntries)
-        return false;
-    if (!tested.forcePortable || !IsUnpacked(tested))
-        return true;
-    const int met = operation.hasMap && IsNaivePacked(tested.destination)
-                        ? tested.source.channels
-                        : tested.destination.channels;
-    return (met + 3) / 4 == (met + 15) / 16 * 4;
 }
 
 class DirectMemory : public ::testing::Test
@@ -89,7 +62,7 @@ protected:
                     CaseOf({pair, channels, sourceWidth,
                             DestinationWidth(sourceWidth, operation.factor, 0), isPortable},
                            operation);
-                if (asked++ % every == 0 && IsDirect(tested))
+                if (asked++ % every == 0 && IsServedDirectly(tested))
                     Check(tested);
             }
     }
