@@ -12,9 +12,10 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 
 list=tests/coverage/exceptions.txt
-rooms=(common chunks converters portal rows pattern copy system_tools include)
-tests=(test_system_tools test_common test_chunks test_converters test_copy test_pattern
-    test_portal test_rows test_conversions)
+rooms=(common direct chunks converters portal plan rows pattern copy system_tools include)
+tests=(test_system_tools test_common test_direct_split_merge test_direct_samples
+    test_direct_pixels test_direct_road test_chunks test_converters test_copy test_pattern
+    test_portal test_plan test_rows test_conversions)
 join() { local IFS='|' && echo "$*"; }
 
 bash scripts/setup.sh coverage

@@ -7,7 +7,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
-rooms=(common chunks converters portal rows pattern copy bounds system_tools)
+rooms=(common direct_split_merge direct_samples direct_pixels direct_road chunks converters portal
+    plan rows pattern copy bounds system_tools)
 targets=(test_sizes)
 bash scripts/setup.sh test
 mkdir -p build/evidence
