@@ -167,8 +167,9 @@ Lanes UnpackHigh(Lanes a, Lanes b)
 inline __m128i LoadTwoHalves(const unsigned char* bytes, std::ptrdiff_t step)
 {
     const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes));
+    const void* second = bytes + step;
     return _mm_castpd_si128(
-        _mm_loadh_pd(_mm_castsi128_pd(low), reinterpret_cast<const double*>(bytes + step)));
+        _mm_loadh_pd(_mm_castsi128_pd(low), static_cast<const double*>(second)));
 }
 
 // Half h of lane i holds the 8 bytes at bytes + h * step + i * laneStep.
@@ -184,7 +185,8 @@ void StoreHalves(unsigned char* bytes, std::ptrdiff_t step, Lanes v)
 {
     const __m128i unit = GetLane<lane>(v);
     _mm_storel_epi64(reinterpret_cast<__m128i*>(bytes), unit);
-    _mm_storeh_pd(reinterpret_cast<double*>(bytes + step), _mm_castsi128_pd(unit));
+    void* second = bytes + step;
+    _mm_storeh_pd(static_cast<double*>(second), _mm_castsi128_pd(unit));
 }
 
 // 4 bytes each: those of a at the first two places, then those of b.
