@@ -75,15 +75,14 @@ struct Pieces
     }
 };
 
-template <int sampleBytes, int channels>
-struct PiecePlaces
-{
-    using Piece = Pieces<sampleBytes, channels>;
-    static constexpr Places sort = Piece::Sort(0);
-    static constexpr Places sortAtEnd = Piece::Sort(vectorBytes - Piece::bytes);
-    static constexpr Places unsort = Piece::Unsort();
-    static constexpr Places unsortEnd = Piece::UnsortEnd();
-};
+template <typename Piece>
+constexpr Places sort = Piece::Sort(0);
+template <typename Piece>
+constexpr Places sortAtEnd = Piece::Sort(vectorBytes - Piece::bytes);
+template <typename Piece>
+constexpr Places unsort = Piece::Unsort();
+template <typename Piece>
+constexpr Places unsortEnd = Piece::UnsortEnd();
 
 template <int blockPixels, typename Body>
 [[gnu::always_inline]] inline void ForBlocks(std::size_t pixels, Body body)
@@ -129,16 +128,15 @@ template <int sampleBytes, int channels>
                                               std::size_t at)
 {
     using Piece = Pieces<sampleBytes, channels>;
-    using Table = PiecePlaces<sampleBytes, channels>;
-    const Lanes sort = Load(Table::sort.bytes);
-    const Lanes sortAtEnd = Load(Table::sortAtEnd.bytes);
+    const Lanes sorted = Load(sort<Piece>.bytes);
+    const Lanes sortedAtEnd = Load(sortAtEnd<Piece>.bytes);
     constexpr int units = Piece::laneUnits;
 
     Lanes v[Piece::order];
     Unroll<Piece::order>([&](auto i) __attribute__((always_inline)) {
         constexpr bool isLast = i + 1 == Piece::order;
         constexpr int start = isLast ? Piece::blockBytes - vectorBytes : i * Piece::bytes;
-        v[i] = _mm512_permutexvar_epi8(isLast ? sortAtEnd : sort, Load(block + start));
+        v[i] = _mm512_permutexvar_epi8(isLast ? sortedAtEnd : sorted, Load(block + start));
     });
     Unroll<4>([&](auto part)
                   __attribute__((always_inline)) { TransposeUnits<units>(v + part * units); });
@@ -157,8 +155,7 @@ template <int sampleBytes, int channels>
                                               unsigned char* block)
 {
     using Piece = Pieces<sampleBytes, channels>;
-    using Table = PiecePlaces<sampleBytes, channels>;
-    const Lanes unsort = Load(Table::unsort.bytes);
+    const Lanes unsorted = Load(unsort<Piece>.bytes);
     constexpr int units = Piece::laneUnits;
     constexpr int last = Piece::order - 1;
 
@@ -176,12 +173,12 @@ template <int sampleBytes, int channels>
     Unroll<4>([&](auto part)
                   __attribute__((always_inline)) { TransposeUnits<units>(v + part * units); });
     Unroll<last>([&](auto i) __attribute__((always_inline)) {
-        Store(block + i * Piece::bytes, _mm512_permutexvar_epi8(unsort, v[i]));
+        Store(block + i * Piece::bytes, _mm512_permutexvar_epi8(unsorted, v[i]));
     });
     if constexpr (Piece::bytes == vectorBytes)
-        v[last] = _mm512_permutexvar_epi8(unsort, v[last]);
+        v[last] = _mm512_permutexvar_epi8(unsorted, v[last]);
     else
-        v[last] = _mm512_permutex2var_epi8(v[last - 1], Load(Table::unsortEnd.bytes), v[last]);
+        v[last] = _mm512_permutex2var_epi8(v[last - 1], Load(unsortEnd<Piece>.bytes), v[last]);
     Store(block + Piece::blockBytes - vectorBytes, v[last]);
 }
 

@@ -120,6 +120,7 @@ PassTarget TargetAt(const DirectPlan& plan, unsigned char* bytes, std::size_t pi
 class TileRun
 {
 public:
+    // cppcheck-suppress uninitMemberVar // each pass fills a tile before the next one reads it
     TileRun(const DirectPlan& newPlan, const unsigned char* newSource,
             unsigned char* newDestination)
         : plan(newPlan), source(newSource), destination(newDestination)

@@ -29,6 +29,7 @@ struct Reach
 {
     __mmask64 first;
     __mmask64 rest;
+    // cppcheck-suppress unusedStructMember // templates alone use it
     std::size_t restPlace;
 };
 
