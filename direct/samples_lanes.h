@@ -2,6 +2,7 @@
 
 #include "direct/bit_words.h"
 #include "direct/kernels.h"
+#include "direct/narrow_words_lanes.h"
 
 // The vector files of the samples share widening, narrowing, packing and its join with a split,
 // over the lanes of the file that includes this one. All of it has internal linkage.
@@ -47,11 +48,6 @@ template <std::size_t block, typename Body>
         body(x);
     if (count % block != 0)
         body(count - block);
-}
-
-inline Lanes NarrowWords(Lanes v)
-{
-    return ShiftRight16<8>(Add16(MultiplyHigh16(v, Set16(0xff01)), Set16(127)));
 }
 
 // A vector of 8-bit samples, narrowed where they have 2 bytes.
