@@ -30,15 +30,22 @@ using WideMergeKernel = void (*)(const unsigned char* const* planes, unsigned ch
                                  std::size_t pixels, const WidePixels& shape);
 
 constexpr std::size_t maxDenseChannels = 16;
+constexpr std::size_t maxFusedChannels = 4;
+using FusedKernels = std::array<SplitKernel, maxFusedChannels + 1>;
 
 // Indexed by the bytes of a sample less 1. The dense ones are then indexed by the channel count,
-// from 2 to maxDenseChannels; the places 0 and 1 are null.
+// from 2 to maxDenseChannels, and the fused ones by that alone, from 2 to maxFusedChannels; the
+// places 0 and 1 are null.
 struct SplitMergeKernels
 {
     std::array<std::array<SplitKernel, maxDenseChannels + 1>, 2> split;
     std::array<std::array<MergeKernel, maxDenseChannels + 1>, 2> merge;
     std::array<WideSplitKernel, 2> wideSplit;
     std::array<WideMergeKernel, 2> wideMerge;
+    // Samples of 8 bits to planes of 16: y = x * 257.
+    FusedKernels splitWiden;
+    // Samples of 16 bits to planes of 8: y = ((x * 65281 >> 16) + 127) >> 8.
+    FusedKernels narrowSplit;
 };
 
 // One plane, or an interleaved row whose pixels do not matter.

@@ -32,7 +32,9 @@ constexpr SplitMergeKernels MakeKernels(std::integer_sequence<int, index...>)
             .merge = {{{nullptr, nullptr, Merge<1, index + 2>...},
                        {nullptr, nullptr, Merge<2, index + 2>...}}},
             .wideSplit = {SplitWide<1>, SplitWide<2>},
-            .wideMerge = {MergeWide<1>, MergeWide<2>}};
+            .wideMerge = {MergeWide<1>, MergeWide<2>},
+            .splitWiden = MakeFused<WidenedSamples>(),
+            .narrowSplit = MakeFused<NarrowedSamples>()};
 }
 
 constexpr SplitMergeKernels kernels = MakeKernels(std::make_integer_sequence<int, 15>());

@@ -1,7 +1,7 @@
 #include "common/lanes_avx512.h"
 #include "common/unroll_vector.h"
 #include "direct/colliding_planes.h"
-#include "direct/split_merge_table.h"
+#include "direct/split_samples_avx512.h"
 
 #include <cstdint>
 #include <utility>
@@ -15,13 +15,6 @@ const SplitMergeKernels& Narrower()
 {
     return Avx2Road::GetSplitMergeKernels();
 }
-
-struct alignas(64) Places
-{
-    unsigned char bytes[64];
-};
-
-constexpr int vectorBytes = 64;
 
 // The block is cut into `order` pieces of whole pixels. Sorted, unit k of lane l of a piece holds
 // the samples of channel 4k + l: the units are transposed in the lanes, then the lanes.
@@ -45,11 +38,13 @@ struct Pieces
     }
 
     // The first byte of the piece is number `start` of the vector.
+    template <typename Samples>
     static constexpr Places Sort(int start)
     {
         Places places{};
         for (int byte = 0; byte < bytes; ++byte)
-            places.bytes[SortedPlace(byte)] = static_cast<unsigned char>(byte + start);
+            places.bytes[SortedPlace(byte)] =
+                static_cast<unsigned char>(Samples::PlaceOf(byte + start));
         return places;
     }
 
@@ -75,14 +70,21 @@ struct Pieces
     }
 };
 
-template <typename Piece>
-constexpr Places sort = Piece::Sort(0);
-template <typename Piece>
-constexpr Places sortAtEnd = Piece::Sort(vectorBytes - Piece::bytes);
-template <typename Piece>
-constexpr Places unsort = Piece::Unsort();
-template <typename Piece>
-constexpr Places unsortEnd = Piece::UnsortEnd();
+template <typename Samples, int channels>
+struct SortPlaces
+{
+    using Piece = Pieces<Samples::sampleBytes, channels>;
+    static constexpr Places sort = Piece::template Sort<Samples>(0);
+    static constexpr Places sortAtEnd = Piece::template Sort<Samples>(vectorBytes - Piece::bytes);
+};
+
+template <int sampleBytes, int channels>
+struct UnsortPlaces
+{
+    using Piece = Pieces<sampleBytes, channels>;
+    static constexpr Places unsort = Piece::Unsort();
+    static constexpr Places unsortEnd = Piece::UnsortEnd();
+};
 
 template <int blockPixels, typename Body>
 [[gnu::always_inline]] inline void ForBlocks(std::size_t pixels, Body body)
@@ -123,28 +125,32 @@ template <int units>
     d = _mm512_shuffle_i32x4(ab23, cd23, oddLanes);
 }
 
-template <int sampleBytes, int channels>
+template <typename Samples, int channels>
 [[gnu::always_inline]] inline void SplitBlock(const unsigned char* block, unsigned char* const* to,
-                                              std::size_t at)
+                                              std::size_t pixel)
 {
-    using Piece = Pieces<sampleBytes, channels>;
-    const Lanes sorted = Load(sort<Piece>.bytes);
-    const Lanes sortedAtEnd = Load(sortAtEnd<Piece>.bytes);
+    using Piece = Pieces<Samples::sampleBytes, channels>;
+    using Table = SortPlaces<Samples, channels>;
+    const Lanes sort = Load(Table::sort.bytes);
+    const Lanes sortAtEnd = Load(Table::sortAtEnd.bytes);
     constexpr int units = Piece::laneUnits;
+    constexpr int loadFactor = Samples::rowBytes / Samples::sampleBytes;
 
     Lanes v[Piece::order];
     Unroll<Piece::order>([&](auto i) __attribute__((always_inline)) {
         constexpr bool isLast = i + 1 == Piece::order;
         constexpr int start = isLast ? Piece::blockBytes - vectorBytes : i * Piece::bytes;
-        v[i] = _mm512_permutexvar_epi8(isLast ? sortedAtEnd : sorted, Load(block + start));
+        const Lanes samples = Samples::LoadFrom(block + start * loadFactor);
+        v[i] = _mm512_permutexvar_epi8(isLast ? sortAtEnd : sort, samples);
     });
     Unroll<4>([&](auto part)
                   __attribute__((always_inline)) { TransposeUnits<units>(v + part * units); });
     Unroll<(channels + 3) / 4>([&](auto unit) __attribute__((always_inline)) {
         TransposeLanes(v[unit], v[units + unit], v[2 * units + unit], v[3 * units + unit]);
         Unroll<4>([&](auto lane) __attribute__((always_inline)) {
-            if constexpr (4 * unit + lane < channels)
-                Store(to[4 * unit + lane] + at, v[lane * units + unit]);
+            constexpr int channel = 4 * unit + lane;
+            if constexpr (channel < channels)
+                Samples::StoreTo(to[channel] + pixel * Samples::planeBytes, v[lane * units + unit]);
         });
     });
 }
@@ -155,7 +161,8 @@ template <int sampleBytes, int channels>
                                               unsigned char* block)
 {
     using Piece = Pieces<sampleBytes, channels>;
-    const Lanes unsorted = Load(unsort<Piece>.bytes);
+    using Table = UnsortPlaces<sampleBytes, channels>;
+    const Lanes unsort = Load(Table::unsort.bytes);
     constexpr int units = Piece::laneUnits;
     constexpr int last = Piece::order - 1;
 
@@ -173,12 +180,12 @@ template <int sampleBytes, int channels>
     Unroll<4>([&](auto part)
                   __attribute__((always_inline)) { TransposeUnits<units>(v + part * units); });
     Unroll<last>([&](auto i) __attribute__((always_inline)) {
-        Store(block + i * Piece::bytes, _mm512_permutexvar_epi8(unsorted, v[i]));
+        Store(block + i * Piece::bytes, _mm512_permutexvar_epi8(unsort, v[i]));
     });
     if constexpr (Piece::bytes == vectorBytes)
-        v[last] = _mm512_permutexvar_epi8(unsorted, v[last]);
+        v[last] = _mm512_permutexvar_epi8(unsort, v[last]);
     else
-        v[last] = _mm512_permutex2var_epi8(v[last - 1], Load(unsortEnd<Piece>.bytes), v[last]);
+        v[last] = _mm512_permutex2var_epi8(v[last - 1], Load(Table::unsortEnd.bytes), v[last]);
     Store(block + Piece::blockBytes - vectorBytes, v[last]);
 }
 
@@ -190,14 +197,17 @@ struct Programme
     std::uint64_t fromPair[channels][(channels + 1) / 2];
 };
 
-template <int sampleBytes, int channels>
+template <typename Samples, int channels>
 constexpr Programme<channels> SplitProgramme()
 {
+    constexpr int sampleBytes = Samples::sampleBytes;
     Programme<channels> programme{};
     for (int result = 0; result < channels; ++result)
         for (int i = 0; i < vectorBytes; ++i) {
             const int byte = (i / sampleBytes * channels + result) * sampleBytes + i % sampleBytes;
-            programme.places[result].bytes[i] = static_cast<unsigned char>(byte % 128);
+            const int place =
+                byte / vectorBytes % 2 * vectorBytes + Samples::PlaceOf(byte % vectorBytes);
+            programme.places[result].bytes[i] = static_cast<unsigned char>(place);
             programme.fromPair[result][byte / 128] |= std::uint64_t{1} << i;
         }
     return programme;
@@ -237,37 +247,38 @@ template <int channels>
     return sum;
 }
 
-// These channel counts take fewer permutes by a programme than by pieces.
+// Fewer permutes than pieces take, for these.
 constexpr bool IsProgrammed(int channels)
 {
     return channels == 2 || channels == 3 || channels == 5;
 }
 
-template <int sampleBytes, int channels>
+template <typename Samples, int channels>
 void SplitDense(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
-    constexpr int blockPixels = vectorBytes / sampleBytes;
+    constexpr int blockPixels = vectorBytes / Samples::sampleBytes;
     if (pixels < blockPixels)
-        return SplitAt(Narrower(), sampleBytes, channels)(row, planes, pixels);
+        return Samples::KernelOf(Narrower(), channels)(row, planes, pixels);
 
     unsigned char* to[channels];
     for (int channel = 0; channel < channels; ++channel)
         to[channel] = planes[channel];
     ForBlocks<blockPixels>(
         pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
-            const unsigned char* block = row + pixel * channels * sampleBytes;
-            const std::size_t at = pixel * sampleBytes;
+            const unsigned char* block = row + pixel * channels * Samples::rowBytes;
             if constexpr (IsProgrammed(channels)) {
-                static constexpr auto programme = SplitProgramme<sampleBytes, channels>();
+                static constexpr auto programme = SplitProgramme<Samples, channels>();
+                constexpr int loadBytes = vectorBytes / Samples::sampleBytes * Samples::rowBytes;
                 Lanes v[channels];
                 Unroll<channels>([&](auto i) __attribute__((always_inline)) {
-                    v[i] = Load(block + i * vectorBytes);
+                    v[i] = Samples::LoadFrom(block + i * loadBytes);
                 });
                 Unroll<channels>([&](auto i) __attribute__((always_inline)) {
-                    Store(to[i] + at, RunProgramme<channels>(programme, i, v));
+                    Samples::StoreTo(to[i] + pixel * Samples::planeBytes,
+                                     RunProgramme<channels>(programme, i, v));
                 });
             } else {
-                SplitBlock<sampleBytes, channels>(block, to, at);
+                SplitBlock<Samples, channels>(block, to, pixel);
             }
         });
 }
@@ -305,7 +316,7 @@ void Split(const unsigned char* row, unsigned char* const* planes, std::size_t p
 {
     if (PlanesCollide(planes, channels, pixels * sampleBytes))
         return SplitAt(Narrower(), sampleBytes, channels)(row, planes, pixels);
-    SplitDense<sampleBytes, channels>(row, planes, pixels);
+    SplitDense<KeptSamples<sampleBytes>, channels>(row, planes, pixels);
 }
 
 // Groups of 16 bytes a pixel gain nothing from wider vectors.
@@ -323,6 +334,13 @@ void MergeWide(const unsigned char* const* planes, unsigned char* row, std::size
     WideMergeAt(Narrower(), sampleBytes)(planes, row, pixels, shape);
 }
 
+template <typename Samples>
+constexpr FusedKernels MakeFused()
+{
+    return {nullptr, nullptr, SplitDense<Samples, 2>, SplitDense<Samples, 3>,
+            SplitDense<Samples, 4>};
+}
+
 template <int... index>
 constexpr SplitMergeKernels MakeKernels(std::integer_sequence<int, index...>)
 {
@@ -331,7 +349,9 @@ constexpr SplitMergeKernels MakeKernels(std::integer_sequence<int, index...>)
             .merge = {{{nullptr, nullptr, Merge<1, index + 2>...},
                        {nullptr, nullptr, Merge<2, index + 2>...}}},
             .wideSplit = {SplitWide<1>, SplitWide<2>},
-            .wideMerge = {MergeWide<1>, MergeWide<2>}};
+            .wideMerge = {MergeWide<1>, MergeWide<2>},
+            .splitWiden = MakeFused<WidenedSamples>(),
+            .narrowSplit = MakeFused<NarrowedSamples>()};
 }
 
 constexpr SplitMergeKernels kernels = MakeKernels(std::make_integer_sequence<int, 15>());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "direct/split_merge_table.h"
+#include "direct/split_samples_lanes.h"
 #include "direct/transpose_lanes.h"
 
 // The dense kernels, over one of the vocabularies common/lanes_*.h, which is included before. The
@@ -98,19 +99,40 @@ template <int blockPixels, typename Body>
         body(pixel < last ? pixel : last);
 }
 
+// Where the pieces of each lane start, in samples of the block. A stretch of one lane is followed
+// by that of the next one:
+//
+//   1 stretch, order 4, 2 lanes    0 1 2 3 | 0 1 2 3          piece numbers, lane 0 | lane 1
+//   2 stretches                    0 1 | 0 1 | 2 3 | 2 3      lane 0 | lane 1 | lane 0 | lane 1
+template <typename Samples, int channels>
+struct Stretch
+{
+    using Piece = Pieces<Samples::sampleBytes, channels>;
+    static constexpr int pieces = Piece::order / Samples::stretches;
+    static constexpr int pieceSamples = Piece::pixels * channels;
+    static constexpr int step = pieces * pieceSamples;
+
+    static constexpr int StartOf(int piece)
+    {
+        return piece / pieces * laneCount * step + piece % pieces * pieceSamples;
+    }
+};
+
 // The last piece is loaded so that it ends with the block: no byte beyond it is read.
-template <int sampleBytes, int channels>
+template <typename Samples, int channels>
 [[gnu::always_inline]] inline void LoadPieces(const unsigned char* block, Lanes* v)
 {
-    using Piece = Pieces<sampleBytes, channels>;
-    using Masks = PieceMasks<sampleBytes, channels>;
+    using Piece = Pieces<Samples::sampleBytes, channels>;
+    using Masks = PieceMasks<Samples::sampleBytes, channels>;
+    using Place = Stretch<Samples, channels>;
     const Lanes sort = Broadcast(Masks::sort.bytes);
     const Lanes sortAtEnd = Broadcast(Masks::sortAtEnd.bytes);
 
     Unroll<Piece::order>([&](auto i) __attribute__((always_inline)) {
         constexpr bool isLast = i + 1 == Piece::order;
-        constexpr int start = isLast ? Piece::laneBytes - 16 : i * Piece::bytes;
-        v[i] = LoadSpread(block + start, Piece::laneBytes);
+        constexpr int spareSamples = isLast ? Masks::spareBytes / Samples::sampleBytes : 0;
+        constexpr int start = (Place::StartOf(i) - spareSamples) * Samples::rowBytes;
+        v[i] = Samples::LoadFrom(block + start, Place::step * Samples::rowBytes);
         if constexpr (isLast && Piece::bytes < 16)
             v[i] = Shuffle(v[i], sortAtEnd);
         else if constexpr (!Piece::areSorted)
@@ -118,13 +140,13 @@ template <int sampleBytes, int channels>
     });
 }
 
-template <int sampleBytes, int channels>
+template <typename Samples, int channels>
 void SplitDense(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
-    using Piece = Pieces<sampleBytes, channels>;
+    using Piece = Pieces<Samples::sampleBytes, channels>;
     constexpr int blockPixels = Piece::lanePixels * laneCount;
     if (pixels < blockPixels)
-        return SplitAt(NarrowerKernels(), sampleBytes, channels)(row, planes, pixels);
+        return Samples::KernelOf(NarrowerKernels(), channels)(row, planes, pixels);
 
     unsigned char* to[channels];
     for (int channel = 0; channel < channels; ++channel)
@@ -132,12 +154,19 @@ void SplitDense(const unsigned char* row, unsigned char* const* planes, std::siz
     ForBlocks<blockPixels>(
         pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
             Lanes v[Piece::order];
-            LoadPieces<sampleBytes, channels>(row + pixel * channels * sampleBytes, v);
+            LoadPieces<Samples, channels>(row + pixel * channels * Samples::rowBytes, v);
             Transpose<Piece::order, Piece::order, channels>(v);
             Unroll<channels>([&](auto channel) __attribute__((always_inline)) {
-                Store(to[channel] + pixel * sampleBytes, v[channel]);
+                Samples::StoreTo(to[channel] + pixel * Samples::planeBytes, v[channel]);
             });
         });
+}
+
+template <typename Samples>
+constexpr FusedKernels MakeFused()
+{
+    return {nullptr, nullptr, SplitDense<Samples, 2>, SplitDense<Samples, 3>,
+            SplitDense<Samples, 4>};
 }
 
 // Ascending: a piece may spoil bytes of the next one, never of the one before.

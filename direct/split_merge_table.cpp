@@ -30,4 +30,14 @@ WideMergeKernel WideMergeAt(const SplitMergeKernels& kernels, int sampleBytes)
     return kernels.wideMerge[Index(sampleBytes - 1)];
 }
 
+SplitKernel SplitWidenAt(const SplitMergeKernels& kernels, int channels)
+{
+    return kernels.splitWiden[Index(channels)];
+}
+
+SplitKernel NarrowSplitAt(const SplitMergeKernels& kernels, int channels)
+{
+    return kernels.narrowSplit[Index(channels)];
+}
+
 } // namespace zvk::Pelkraft

@@ -10,5 +10,7 @@ SplitKernel SplitAt(const SplitMergeKernels& kernels, int sampleBytes, int chann
 MergeKernel MergeAt(const SplitMergeKernels& kernels, int sampleBytes, int channels);
 WideSplitKernel WideSplitAt(const SplitMergeKernels& kernels, int sampleBytes);
 WideMergeKernel WideMergeAt(const SplitMergeKernels& kernels, int sampleBytes);
+SplitKernel SplitWidenAt(const SplitMergeKernels& kernels, int channels);
+SplitKernel NarrowSplitAt(const SplitMergeKernels& kernels, int channels);
 
 } // namespace zvk::Pelkraft

@@ -186,7 +186,7 @@ void Split(const unsigned char* row, unsigned char* const* planes, std::size_t p
     } else {
         if (PlanesCollide(planes, channels, pixels))
             return SplitGroups<sampleBytes>(row, planes, pixels, shape, true);
-        SplitDense<sampleBytes, channels>(row, planes, pixels);
+        SplitDense<KeptSamples<sampleBytes>, channels>(row, planes, pixels);
     }
 }
 

@@ -232,5 +232,120 @@ INSTANTIATE_TEST_SUITE_P(ManyChannels, WideSplitMerge,
                                           testing::Values(17, 20, 24, 31, 32, 33, 40, 64, 65)),
                          ShapeInName);
 
+// A split whose planes have samples of another depth than the row.
+struct Conversion
+{
+    const char* name;
+    std::size_t rowBytes;
+    std::size_t planeBytes;
+    FusedKernels SplitMergeKernels::*kernels;
+    std::uint32_t (*convert)(std::uint32_t sample);
+};
+
+constexpr Conversion conversions[] = {
+    {"Widened", 1, 2, &SplitMergeKernels::splitWiden,
+     [](std::uint32_t sample) { return sample * 257; }},
+    {"Narrowed", 2, 1, &SplitMergeKernels::narrowSplit,
+     [](std::uint32_t sample) { return ((sample * 65281 >> 16) + 127) >> 8; }},
+};
+
+void Append(Bytes& bytes, std::uint32_t sample, std::size_t sampleBytes)
+{
+    const auto byte = static_cast<unsigned char>(sample);
+    const auto word = static_cast<std::uint16_t>(sample);
+    const auto* start = sampleBytes == 1 ? &byte : reinterpret_cast<const unsigned char*>(&word);
+    bytes.insert(bytes.end(), start, start + sampleBytes);
+}
+
+// The sample of a pixel as the tests choose it.
+using Samples = std::uint32_t (*)(std::size_t pixel, std::size_t channel);
+
+void CheckFusedLevel(const KernelLevel& level, const Conversion& conversion,
+                     const GuardedBuffer& row, const Bytes& rowBytes,
+                     const std::vector<Bytes>& expected, const Job& job)
+{
+    for (const unsigned char fill : Bytes{0x00, 0xFF}) {
+        std::vector<GuardedBuffer> planes;
+        std::vector<unsigned char*> pointers;
+        for (const Bytes& plane : expected) {
+            const std::size_t gap = job.gap == 0 ? 0 : job.gap + 71 * planes.size();
+            planes.emplace_back(Bytes(plane.size(), fill), job.flush, gap);
+            pointers.push_back(planes.back().data());
+        }
+        (level.splitMerge->*conversion.kernels)[job.channels](row.data(), pointers.data(),
+                                                              job.pixels);
+        for (std::size_t channel = 0; channel < job.channels; ++channel)
+            ASSERT_EQ(expected[channel], planes[channel].bytes()) << "channel " << channel;
+        ASSERT_EQ(rowBytes, row.bytes()) << "the source changed";
+    }
+}
+
+void CheckFused(const Conversion& conversion, const Job& job, Samples samples)
+{
+    const std::uint32_t mask = conversion.rowBytes == 1 ? 0xFF : 0xFFFF;
+    Bytes rowBytes;
+    std::vector<Bytes> expected(job.channels);
+    for (std::size_t pixel = 0; pixel < job.pixels; ++pixel)
+        for (std::size_t channel = 0; channel < job.channels; ++channel) {
+            const std::uint32_t sample = samples(pixel, channel) & mask;
+            Append(rowBytes, sample, conversion.rowBytes);
+            Append(expected[channel], conversion.convert(sample), conversion.planeBytes);
+        }
+    const GuardedBuffer row(rowBytes, job.flush, job.gap);
+    for (const KernelLevel& level : AvailableKernelLevels()) {
+        SCOPED_TRACE(testing::Message() << level.name << ", " << job.pixels << " pixels of "
+                                        << job.channels << " channels, gap " << job.gap);
+        ASSERT_NO_FATAL_FAILURE(CheckFusedLevel(level, conversion, row, rowBytes, expected, job));
+    }
+}
+
+using FusedShape = std::tuple<Conversion, std::size_t>;
+
+std::string FusedShapeInName(const testing::TestParamInfo<FusedShape>& info)
+{
+    return std::get<0>(info.param).name + std::to_string(std::get<1>(info.param)) + "Channels";
+}
+
+class FusedSplit : public testing::TestWithParam<FusedShape>
+{};
+
+TEST_P(FusedSplit, ConvertsEachSampleAndWritesNoOtherByte)
+{
+    const auto& [conversion, channels] = GetParam();
+    const auto scattered = [](std::size_t pixel, std::size_t channel) {
+        return static_cast<std::uint32_t>((5 * pixel + channel + 1) * 2654435761U) >> 11;
+    };
+    for (const std::size_t pixels : Widths())
+        for (const Flush flush : {Flush::AtEnd, Flush::AtStart})
+            for (const std::size_t gap : {std::size_t{0}, 1 + pixels % 3}) {
+                const Job job = {.sampleBytes = conversion.rowBytes,
+                                 .channels = channels,
+                                 .pixelBytes = conversion.rowBytes * channels,
+                                 .pixels = pixels,
+                                 .flush = flush,
+                                 .gap = gap};
+                ASSERT_NO_FATAL_FAILURE(CheckFused(conversion, job, scattered));
+            }
+}
+
+TEST_P(FusedSplit, ConvertsEveryValueInEveryChannel)
+{
+    const auto& [conversion, channels] = GetParam();
+    const Job job = {.sampleBytes = conversion.rowBytes,
+                     .channels = channels,
+                     .pixelBytes = conversion.rowBytes * channels,
+                     .pixels = 65536,
+                     .flush = Flush::AtEnd,
+                     .gap = 1};
+    CheckFused(conversion, job, [](std::size_t pixel, std::size_t channel) {
+        return static_cast<std::uint32_t>(pixel + 77 * channel);
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryConversion, FusedSplit,
+                         testing::Combine(testing::ValuesIn(conversions),
+                                          testing::Range<std::size_t>(2, maxFusedChannels + 1)),
+                         FusedShapeInName);
+
 } // namespace
 } // namespace zvk::Pelkraft
