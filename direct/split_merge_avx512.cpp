@@ -253,12 +253,28 @@ constexpr bool IsProgrammed(int channels)
     return channels == 2 || channels == 3 || channels == 5;
 }
 
+// Rows shorter than a block go on from functions of their own, so that the longer ones do not pay
+// for their frames.
+template <typename Samples, int channels>
+[[gnu::noinline]] void SplitShort(const unsigned char* row, unsigned char* const* planes,
+                                  std::size_t pixels)
+{
+    Samples::KernelOf(Narrower(), channels)(row, planes, pixels);
+}
+
+template <int sampleBytes, int channels>
+[[gnu::noinline]] void MergeShort(const unsigned char* const* planes, unsigned char* row,
+                                  std::size_t pixels)
+{
+    MergeAt(Narrower(), sampleBytes, channels)(planes, row, pixels);
+}
+
 template <typename Samples, int channels>
 void SplitDense(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
     constexpr int blockPixels = vectorBytes / Samples::sampleBytes;
     if (pixels < blockPixels)
-        return Samples::KernelOf(Narrower(), channels)(row, planes, pixels);
+        return SplitShort<Samples, channels>(row, planes, pixels);
 
     unsigned char* to[channels];
     for (int channel = 0; channel < channels; ++channel)
@@ -288,7 +304,7 @@ void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t p
 {
     constexpr int blockPixels = vectorBytes / sampleBytes;
     if (pixels < blockPixels)
-        return MergeAt(Narrower(), sampleBytes, channels)(planes, row, pixels);
+        return MergeShort<sampleBytes, channels>(planes, row, pixels);
 
     const unsigned char* from[channels];
     for (int channel = 0; channel < channels; ++channel)
@@ -315,7 +331,7 @@ template <int sampleBytes, int channels>
 void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
     if (PlanesCollide(planes, channels, pixels * sampleBytes))
-        return SplitAt(Narrower(), sampleBytes, channels)(row, planes, pixels);
+        return SplitShort<KeptSamples<sampleBytes>, channels>(row, planes, pixels);
     SplitDense<KeptSamples<sampleBytes>, channels>(row, planes, pixels);
 }
 

@@ -140,13 +140,29 @@ template <typename Samples, int channels>
     });
 }
 
+// Rows shorter than a block go on from functions of their own, so that the longer ones do not pay
+// for their frames.
+template <typename Samples, int channels>
+[[gnu::noinline]] void SplitShort(const unsigned char* row, unsigned char* const* planes,
+                                  std::size_t pixels)
+{
+    Samples::KernelOf(NarrowerKernels(), channels)(row, planes, pixels);
+}
+
+template <int sampleBytes, int channels>
+[[gnu::noinline]] void MergeShort(const unsigned char* const* planes, unsigned char* row,
+                                  std::size_t pixels)
+{
+    MergeAt(NarrowerKernels(), sampleBytes, channels)(planes, row, pixels);
+}
+
 template <typename Samples, int channels>
 void SplitDense(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
     using Piece = Pieces<Samples::sampleBytes, channels>;
     constexpr int blockPixels = Piece::lanePixels * laneCount;
     if (pixels < blockPixels)
-        return Samples::KernelOf(NarrowerKernels(), channels)(row, planes, pixels);
+        return SplitShort<Samples, channels>(row, planes, pixels);
 
     unsigned char* to[channels];
     for (int channel = 0; channel < channels; ++channel)
@@ -244,7 +260,7 @@ void MergeDense(const unsigned char* const* planes, unsigned char* row, std::siz
     using Piece = Pieces<sampleBytes, channels>;
     constexpr int blockPixels = Piece::lanePixels * laneCount;
     if (pixels < blockPixels)
-        return MergeAt(NarrowerKernels(), sampleBytes, channels)(planes, row, pixels);
+        return MergeShort<sampleBytes, channels>(planes, row, pixels);
 
     const unsigned char* from[channels];
     for (int channel = 0; channel < channels; ++channel)

@@ -181,7 +181,7 @@ void Split(const unsigned char* row, unsigned char* const* planes, std::size_t p
     const WidePixels shape = {.pixelBytes = channels * sampleBytes, .channels = channels};
     if constexpr (channels * sampleBytes > 16) {
         if (pixels < 16 / sampleBytes * laneCount)
-            return SplitAt(NarrowerKernels(), sampleBytes, channels)(row, planes, pixels);
+            return SplitShort<KeptSamples<sampleBytes>, channels>(row, planes, pixels);
         return SplitGroups<sampleBytes>(row, planes, pixels, shape, false);
     } else {
         if (PlanesCollide(planes, channels, pixels))
@@ -196,7 +196,7 @@ void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t p
     const WidePixels shape = {.pixelBytes = channels * sampleBytes, .channels = channels};
     if constexpr (channels * sampleBytes > 16) {
         if (pixels < 16 / sampleBytes * laneCount)
-            return MergeAt(NarrowerKernels(), sampleBytes, channels)(planes, row, pixels);
+            return MergeShort<sampleBytes, channels>(planes, row, pixels);
         return MergeGroups<sampleBytes>(planes, row, pixels, shape, false);
     } else {
         if (PlanesCollide(planes, channels, pixels))
