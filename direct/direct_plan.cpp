@@ -105,18 +105,26 @@ private:
     {
         if (planar && targetBits < 8 && !turns)
             return Add(PassKind::NarrowPack, true, targetBits);
+        if (!planar && targetPlanar && targetBits == 8 && HasFusedSplit())
+            return Add(PassKind::NarrowSplit, true, 8);
         // Pixels that do not fit the tile are split as they are.
         if (!planar && !FitsTile())
             Split();
         Add(PassKind::Narrow, planar, 8);
     }
 
+    // Few channels that are only split have kernels that change the depth as well.
+    bool HasFusedSplit() const
+    {
+        return !maps && !turns && plan.channels > 1 && plan.channels <= maxFusedChannels;
+    }
+
     void Split()
     {
-        const bool packs =
-            bits == 8 && targetBits < 8 && !maps && !turns && plan.channels <= maxPackSplitChannels;
-        if (packs)
+        if (bits == 8 && targetBits < 8 && HasFusedSplit())
             Add(PassKind::PackSplit, true, targetBits);
+        else if (bits == 8 && targetBits == 16 && HasFusedSplit())
+            Add(PassKind::SplitWiden, true, 16);
         else
             Add(PassKind::Split, true, bits);
         plan.splitMaps = maps;

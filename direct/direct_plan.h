@@ -30,6 +30,10 @@ enum class PassKind : std::uint8_t
     Split,
     // Split and Pack in one.
     PackSplit,
+    // Split and Widen in one.
+    SplitWiden,
+    // Narrow and Split in one.
+    NarrowSplit,
     Merge,
 };
 

@@ -57,13 +57,6 @@ using SampleKernel = void (*)(const unsigned char* source, unsigned char* destin
 using BitMirrorKernel = void (*)(const unsigned char* plane, std::size_t end,
                                  unsigned char* destination, std::size_t samples);
 
-// Interleaved pixels of 8-bit samples to one packed plane for each channel. No plane is named
-// twice.
-using PackSplitKernel = void (*)(const unsigned char* row, unsigned char* const* planes,
-                                 std::size_t pixels);
-
-constexpr std::size_t maxPackSplitChannels = 4;
-
 // The packed ones are indexed by the depth less 1. A kernel that packs sets the unused low bits of
 // the last byte to 0. The arrays are plain ones because vector files read them, where the operator
 // of std::array would be a weak symbol.
@@ -82,8 +75,9 @@ struct SampleKernels
     SampleKernel narrowPack[2];
     // Unpacked, then widened to 16 bits.
     SampleKernel unpackWiden[2];
-    // Indexed then by the channel count, from 2 on; the places 0 and 1 are null.
-    PackSplitKernel packSplit[2][maxPackSplitChannels + 1];
+    // Interleaved pixels of 8-bit samples to packed planes. Indexed then by the channel count, from
+    // 2 on; the places 0 and 1 are null.
+    SplitKernel packSplit[2][maxFusedChannels + 1];
 };
 
 // Whole pixels moved, each of them mapped, repeated and mirrored in one go.

@@ -183,14 +183,13 @@ void RunSplit(const DirectPlan& plan, const PassOutput& pass, const PassInput& i
         FillOtherPlanes(plan, target, pass.bits);
 }
 
-void RunPackSplit(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
-                  const PassTarget& target)
+// A split that changes the depth as well, of a few channels.
+void RunFused(SplitKernel kernel, const PassInput& input, const PassTarget& target)
 {
-    unsigned char* planes[maxPlanes];
+    unsigned char* planes[maxFusedChannels];
     for (std::size_t c = 0; c != input.pixelChannels; ++c)
         planes[c] = PlaneOf(target, c);
-    plan.kernels->samples->packSplit[pass.bits - 1U][input.pixelChannels](input.bytes, planes,
-                                                                          input.pixels);
+    kernel(input.bytes, planes, input.pixels);
 }
 
 void FillSources(const PassInput& input, const ChannelBatch& batch, const unsigned char** planes)
@@ -262,7 +261,11 @@ void RunPass(const DirectPlan& plan, const PassOutput& pass, const PassInput& in
     case PassKind::Split:
         return RunSplit(plan, pass, input, target, channels);
     case PassKind::PackSplit:
-        return RunPackSplit(plan, pass, input, target);
+        return RunFused(samples.packSplit[pass.bits - 1U][input.pixelChannels], input, target);
+    case PassKind::SplitWiden:
+        return RunFused(plan.kernels->splitMerge->splitWiden[input.pixelChannels], input, target);
+    case PassKind::NarrowSplit:
+        return RunFused(plan.kernels->splitMerge->narrowSplit[input.pixelChannels], input, target);
     case PassKind::Merge:
         return RunMerge(plan, input, target, channels);
     }

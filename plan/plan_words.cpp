@@ -62,6 +62,10 @@ std::string PassText(const DirectPlan& plan, const PassOutput& pass)
                BitsOf(pass.bits);
     case PassKind::PackSplit:
         return "split " + channels + " and pack to " + BitsOf(pass.bits);
+    case PassKind::SplitWiden:
+        return "split " + channels + " and widen to 16 bits";
+    case PassKind::NarrowSplit:
+        return "narrow to 8 bits and split " + channels;
     case PassKind::Merge:
         return "merge " + channels + " of " + BitsOf(pass.bits);
     }

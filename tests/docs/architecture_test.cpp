@@ -38,6 +38,10 @@ const char* NameOf(PassKind kind)
         return "Split";
     case PassKind::PackSplit:
         return "PackSplit";
+    case PassKind::SplitWiden:
+        return "SplitWiden";
+    case PassKind::NarrowSplit:
+        return "NarrowSplit";
     case PassKind::Merge:
         return "Merge";
     }
@@ -81,6 +85,8 @@ TEST_F(PageOfArchitecture, HasThePassesOfItsJobs)
     ExpectRow("split 4 x 8 bit", RequestOf({1000, 4, 8, false}, {1000, 4, 8, true}, level));
     ExpectRow("4 x 16 bit interleaved to 8 bit planar",
               RequestOf({1000, 4, 16, false}, {1000, 4, 8, true}, level));
+    ExpectRow("8 x 16 bit interleaved to 8 bit planar",
+              RequestOf({1000, 8, 16, false}, {1000, 8, 8, true}, level));
 
     ConversionRequest mirror = RequestOf({1000, 4, 1, true}, {1000, 4, 1, true}, level);
     mirror.repeats = true;
