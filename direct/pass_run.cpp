@@ -81,6 +81,21 @@ void RunCopy(const PassOutput& pass, const PassInput& input, const PassTarget& t
                  });
 }
 
+// Whether each plane starts where the one before it ends, on both sides, so that a step may take
+// them for one row.
+bool AreOneRow(const PixelStep& step, const StepRows& rows, std::size_t pixels)
+{
+    if (step.mirrored || pixels % step.repeat != 0)
+        return false;
+    const std::size_t sourceBytes = pixels / step.repeat * step.sourceBytes;
+    const std::size_t bytes = pixels * step.destinationBytes;
+    for (std::size_t row = 1; row < rows.count; ++row)
+        if (rows.sources[row] != rows.sources[row - 1] + sourceBytes ||
+            rows.destinations[row] != rows.destinations[row - 1] + bytes)
+            return false;
+    return true;
+}
+
 void RunStep(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
              const PassTarget& target, std::size_t channels)
 {
@@ -91,7 +106,11 @@ void RunStep(const DirectPlan& plan, const PassOutput& pass, const PassInput& in
     unsigned char* destinations[maxPlanes];
     std::size_t count = 0;
     const auto run = [&] {
-        kernel(plan.step, {sources, destinations, count}, target.pixels);
+        const StepRows rows = {sources, destinations, count};
+        if (AreOneRow(plan.step, rows, target.pixels))
+            kernel(plan.step, {sources, destinations, 1}, count * target.pixels);
+        else
+            kernel(plan.step, rows, target.pixels);
         count = 0;
     };
     ForEachPlane(input, target, channels, BytesOf(target.pixels, pass.bits),
