@@ -85,6 +85,12 @@ inline Lanes Add8(Lanes a, Lanes b)
     return _mm256_add_epi8(a, b);
 }
 
+// Of unsigned bytes, at most 255 each.
+inline Lanes AddSaturated8(Lanes a, Lanes b)
+{
+    return _mm256_adds_epu8(a, b);
+}
+
 inline Lanes Subtract8(Lanes a, Lanes b)
 {
     return _mm256_sub_epi8(a, b);

@@ -24,9 +24,9 @@ constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
     const int thirds = 3 * vectorBytes / outputBytes;
     const bool ownLoads = pixels * outputBytes != vectors * vectorBytes &&
                           thirds * outputBytes == 3 * vectorBytes && sourceBytes < outputBytes &&
-                          PiecesFit(sourceBytes, outputBytes, thirds, vectorBytes);
-    return ownLoads ? MakeShape(sourceBytes, outputBytes, thirds, 3, true)
-                    : MakeShape(sourceBytes, outputBytes, pixels, vectors, false);
+                          VectorsFit(sourceBytes, outputBytes, thirds, vectorBytes);
+    return ownLoads ? MakeShape(sourceBytes, outputBytes, thirds, 3, 1, true)
+                    : MakeShape(sourceBytes, outputBytes, pixels, vectors, 1, false);
 }
 
 constexpr BlockShapes shapes = MakeShapes(FindShape);
@@ -34,7 +34,8 @@ constexpr BlockShapes shapes = MakeShapes(FindShape);
 void Run(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
          std::size_t destinationPixels)
 {
-    const BlocksMethod method = shape.ownLoads ? RunBlocks<3, true, true> : SharedMethodOf(shape);
+    const BlocksMethod method =
+        shape.ownLoads ? RunBlocks<3, 1, true, true> : SharedMethodOf(shape);
     method(step, shape, rows, destinationPixels);
 }
 

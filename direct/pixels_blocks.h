@@ -14,12 +14,14 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// The pixels of one pair of sizes are moved in blocks: all vectors of a block come from one load,
-// or each from a load of its own, where that fills the vectors better.
+// The pixels of one pair of sizes are moved in blocks: all vectors of a block come from the same
+// loads, which stand side by side, or each from loads of its own, where that fills the vectors
+// better.
 struct BlockShape
 {
     unsigned char pixels;
     unsigned char vectors;
+    unsigned char loads;
     bool ownLoads;
     // The output fills the vectors.
     bool isFull;
@@ -28,16 +30,20 @@ struct BlockShape
 };
 
 // For source pixels that have so many bytes, and as many of output with all their repeats.
-constexpr BlockShape MakeShape(int sourceBytes, int outputBytes, int pixels, int vectors,
+constexpr BlockShape MakeShape(int sourceBytes, int outputBytes, int pixels, int vectors, int loads,
                                bool ownLoads)
 {
     // Pixels of the blocks to come that a load reads, though it does not use them.
     const int blockBytes = pixels * sourceBytes;
-    const int pastBytes = blockBytes < vectorBytes ? vectorBytes - blockBytes : 0;
+    const int loadedBytes = loads * vectorBytes;
+    const int pastBytes = blockBytes < loadedBytes ? loadedBytes - blockBytes : 0;
     const int pastPixels = (pastBytes + sourceBytes - 1) / sourceBytes;
     const int forLoads = (pixels + pastPixels) * outputBytes;
     const int forStores = vectors * vectorBytes;
-    return {static_cast<unsigned char>(pixels), static_cast<unsigned char>(vectors), ownLoads,
+    return {static_cast<unsigned char>(pixels),
+            static_cast<unsigned char>(vectors),
+            static_cast<unsigned char>(loads),
+            ownLoads,
             pixels * outputBytes == forStores,
             static_cast<std::uint16_t>(forLoads > forStores ? forLoads : forStores)};
 }
@@ -89,36 +95,52 @@ struct Row
     std::ptrdiff_t to;
 };
 
-// The masks of a block, where each loads from in it, and the way from block to block. Where one
-// load serves the block, `loadAt` is the same for all vectors.
-template <int vectors>
+// The masks of a block, where each vector loads from in it, and the way from block to block.
+template <int vectors, int loads>
 struct Block
 {
-    Lanes masks[vectors];
+    // For each vector and load.
+    Lanes masks[vectors * loads];
+    // For each vector, the places counted from its first load.
+    Lanes places[vectors];
     std::ptrdiff_t loadAt[vectors];
     // Negative where the step mirrors.
     std::ptrdiff_t fromStep;
     std::ptrdiff_t toStep;
 };
 
-inline Lanes MaskOf(const StepNumbers& numbers, Lanes places, int vector, int loadAt)
+inline Lanes PlacesOf(const StepNumbers& numbers, Lanes places, int vector, int loadAt)
 {
     const ByteOrigin origin = OriginOf(numbers.destinationBytes, vector * vectorBytes);
     return Add8(PlacesAt(places, origin.index), PixelStarts(numbers, origin.pixel, loadAt));
 }
 
-template <int vectors, bool ownLoads>
-[[gnu::always_inline]] inline Block<vectors> MakeBlock(const StepNumbers& numbers)
+// The mask for one of several loads, from the places counted from its first byte: those of the
+// other loads give 0. Only for vectors of 16 bytes, as the shuffle there ignores the bits between
+// the top one and the low four.
+inline Lanes MaskOfLoad(Lanes places)
 {
-    Block<vectors> block;
+    return AddSaturated8(places, Set8(emptyByte - 16));
+}
+
+template <int vectors, int loads, bool ownLoads>
+[[gnu::always_inline]] inline Block<vectors, loads> MakeBlock(const StepNumbers& numbers)
+{
+    Block<vectors, loads> block;
     const Lanes places = LoadPlaces(numbers.places);
     const int blockBytes = numbers.pixels * numbers.sourceBytes;
-    // A mirrored block's load ends with the block, so that what it reads too much of lies in the
+    constexpr int loadedBytes = loads * vectorBytes;
+    // A mirrored block's loads end with the block, so that what they read too much of lies in the
     // blocks to come, as it does forwards.
-    const int oneLoad = numbers.mirrored ? blockBytes - vectorBytes : 0;
+    const int sameLoads = numbers.mirrored ? blockBytes - loadedBytes : 0;
     Unroll<vectors>([&](auto vector) {
-        const int at = ownLoads ? LoadStart(numbers, vectorBytes * vector, vectorBytes) : oneLoad;
-        block.masks[vector] = MaskOf(numbers, places, vector, at);
+        const int at = ownLoads ? LoadStart(numbers, vectorBytes * vector, loadedBytes) : sameLoads;
+        const Lanes placed = PlacesOf(numbers, places, vector, at);
+        Unroll<loads>([&](auto load) {
+            block.masks[vector * loads + load] =
+                loads == 1 ? placed : MaskOfLoad(Subtract8(placed, Set8(load * vectorBytes)));
+        });
+        block.places[vector] = placed;
         block.loadAt[vector] = at;
     });
     block.fromStep = numbers.mirrored ? -blockBytes : blockBytes;
@@ -126,23 +148,29 @@ template <int vectors, bool ownLoads>
     return block;
 }
 
-template <int vectors, bool ownLoads>
-[[gnu::always_inline]] inline void DoBlock(const Block<vectors>& block, const unsigned char* source,
-                                           unsigned char* destination)
+template <int vectors, int loads, bool ownLoads>
+[[gnu::always_inline]] inline void DoBlock(const Block<vectors, loads>& block,
+                                           const unsigned char* source, unsigned char* destination)
 {
-    Lanes pixels = Load(source + block.loadAt[0]);
+    Lanes pixels[loads];
     Unroll<vectors>([&](auto vector) {
-        if constexpr (ownLoads && vector != 0)
-            pixels = Load(source + block.loadAt[vector]);
-        Store(destination + vectorBytes * vector, Permute(pixels, block.masks[vector]));
+        Lanes moved = Zero();
+        Unroll<loads>([&](auto load) {
+            if constexpr (ownLoads || vector == 0)
+                pixels[load] = Load(source + block.loadAt[vector] + load * vectorBytes);
+            const Lanes part = Permute(pixels[load], block.masks[vector * loads + load]);
+            moved = load == 0 ? part : Or(moved, part);
+        });
+        Store(destination + vectorBytes * vector, moved);
     });
 }
 
 // The last bytes, where whole vectors would read or write too much: loads move back into the
 // source, and the last store is a part of a vector. The offsets of the next block may lie outside
 // the source where nothing is read.
-template <int vectors>
-[[gnu::noinline]] void DoRest(const Block<vectors>& block, const Extent& extent, const Row& row)
+template <int vectors, int loads>
+[[gnu::noinline]] void DoRest(const Block<vectors, loads>& block, const Extent& extent,
+                              const Row& row)
 {
     const bool isShort = extent.sourceBytes < vectorBytes;
     const std::ptrdiff_t latest = isShort ? 0 : extent.sourceBytes - vectorBytes;
@@ -151,14 +179,18 @@ template <int vectors>
     for (std::ptrdiff_t to = row.to; to < extent.destinationBytes; to += block.toStep) {
         const std::ptrdiff_t left = extent.destinationBytes - to;
         for (int vector = 0; vector < vectors && vectorBytes * vector < left; ++vector) {
-            const std::ptrdiff_t wanted = from + block.loadAt[vector];
-            const std::ptrdiff_t near = wanted < latest ? wanted : latest;
-            const std::ptrdiff_t at = near < 0 ? 0 : near;
-            if (!isShort)
-                pixels = Load(row.source + at);
-            const Lanes moved = Set8(static_cast<int>(wanted - at));
-            StorePart(row.destination + to + vectorBytes * vector,
-                      Permute(pixels, Add8(block.masks[vector], moved)),
+            const std::ptrdiff_t first = from + block.loadAt[vector];
+            Lanes moved = Zero();
+            for (int load = 0; load < loads; ++load) {
+                const std::ptrdiff_t wanted = first + load * vectorBytes;
+                const std::ptrdiff_t near = wanted < latest ? wanted : latest;
+                const std::ptrdiff_t at = near < 0 ? 0 : near;
+                if (!isShort)
+                    pixels = Load(row.source + at);
+                const Lanes places = Add8(block.places[vector], Set8(static_cast<int>(first - at)));
+                moved = Or(moved, Permute(pixels, loads == 1 ? places : MaskOfLoad(places)));
+            }
+            StorePart(row.destination + to + vectorBytes * vector, moved,
                       left - vectorBytes * vector);
         }
         from += block.fromStep;
@@ -167,8 +199,8 @@ template <int vectors>
 
 // Full vectors of output need no more than the block's own bytes, if its loads need no more. The
 // last block that may be done in whole vectors starts at the output byte `last`.
-template <int vectors, bool ownLoads, bool isFull>
-[[gnu::always_inline]] inline void RunRow(const Block<vectors>& block, const Extent& extent,
+template <int vectors, int loads, bool ownLoads, bool isFull>
+[[gnu::always_inline]] inline void RunRow(const Block<vectors, loads>& block, const Extent& extent,
                                           std::ptrdiff_t last, Row row)
 {
     const std::ptrdiff_t toStep = isFull ? vectors * vectorBytes : block.toStep;
@@ -176,59 +208,58 @@ template <int vectors, bool ownLoads, bool isFull>
     constexpr int together = vectors == 1 ? 4 : vectors <= 4 ? 2 : 1;
     for (; row.to + (together - 1) * toStep <= last; row.to += together * toStep) {
         Unroll<together>([&](auto number) {
-            DoBlock<vectors, ownLoads>(block, row.source + (row.from + number * fromStep),
-                                       row.destination + (row.to + number * toStep));
+            DoBlock<vectors, loads, ownLoads>(block, row.source + (row.from + number * fromStep),
+                                              row.destination + (row.to + number * toStep));
         });
         row.from += together * fromStep;
     }
     for (; together != 1 && row.to <= last; row.to += toStep, row.from += fromStep)
-        DoBlock<vectors, ownLoads>(block, row.source + row.from, row.destination + row.to);
+        DoBlock<vectors, loads, ownLoads>(block, row.source + row.from, row.destination + row.to);
     if (row.to >= extent.destinationBytes)
         return;
     // The last whole block once more, so that the row ends with it.
     const bool mirrored = fromStep < 0;
     if (isFull && row.to != 0 && extent.endsWhole &&
-        (mirrored ? -fromStep : fromStep) >= vectorBytes)
-        DoBlock<vectors, ownLoads>(block,
-                                   row.source + (mirrored ? 0 : extent.sourceBytes - fromStep),
-                                   row.destination + (extent.destinationBytes - toStep));
+        (mirrored ? -fromStep : fromStep) >= loads * vectorBytes)
+        DoBlock<vectors, loads, ownLoads>(
+            block, row.source + (mirrored ? 0 : extent.sourceBytes - fromStep),
+            row.destination + (extent.destinationBytes - toStep));
     else
         DoRest(block, extent, row);
 }
 
-template <int vectors, bool ownLoads, bool isFull>
+template <int vectors, int loads, bool ownLoads, bool isFull>
 void RunBlocks(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
                std::size_t destinationPixels)
 {
     const StepNumbers numbers = NumbersOf(step, shape.pixels);
     const Extent extent = ExtentOf(numbers, destinationPixels);
-    const Block<vectors> block = MakeBlock<vectors, ownLoads>(numbers);
+    const Block<vectors, loads> block = MakeBlock<vectors, loads, ownLoads>(numbers);
     const std::ptrdiff_t last = extent.destinationBytes - shape.neededBytes;
     const std::ptrdiff_t first = numbers.mirrored ? extent.sourceBytes + block.fromStep : 0;
     for (std::size_t row = 0; row < rows.count; ++row)
-        RunRow<vectors, ownLoads, isFull>(block, extent, last,
-                                          {rows.sources[row], rows.destinations[row], first, 0});
+        RunRow<vectors, loads, ownLoads, isFull>(
+            block, extent, last, {rows.sources[row], rows.destinations[row], first, 0});
 }
 
 using BlocksMethod = void (*)(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
                               std::size_t destinationPixels);
 
-template <bool ownLoads, bool isFull, int... index>
+template <int... index>
 struct BlocksMethods
 {
-    BlocksMethod of[sizeof...(index)] = {RunBlocks<index + 1, ownLoads, isFull>...};
+    BlocksMethod of[sizeof...(index)];
 };
 
-template <bool ownLoads, bool isFull, int... index>
-constexpr BlocksMethods<ownLoads, isFull, index...>
-MakeMethods(std::integer_sequence<int, index...>)
+template <bool isFull, int... index>
+constexpr BlocksMethods<index...> MakeMethods(std::integer_sequence<int, index...>)
 {
-    return {};
+    return {{RunBlocks<index + 1, 1, false, isFull>...}};
 }
 
-// By the vectors less 1.
-constexpr auto fullMethods = MakeMethods<false, true>(std::make_integer_sequence<int, 4>{});
-constexpr auto looseMethods = MakeMethods<false, false>(std::make_integer_sequence<int, 4>{});
+// From one load, by the vectors less 1.
+constexpr auto fullMethods = MakeMethods<true>(std::make_integer_sequence<int, 4>{});
+constexpr auto looseMethods = MakeMethods<false>(std::make_integer_sequence<int, 4>{});
 
 inline BlocksMethod SharedMethodOf(const BlockShape& shape)
 {

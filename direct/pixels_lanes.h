@@ -151,35 +151,34 @@ inline Lanes PixelStarts(const StepNumbers& numbers, Lanes copies, int loadAt)
                : Subtract8(start, Set8(loadAt));
 }
 
-// A piece of output of 16 bytes or more, in a block of its own loads, starts to read at the first
-// of its pixels, or so much earlier that the load stays in the block.
-inline int LoadStart(const StepNumbers& numbers, int firstByte, int bytes)
+// A vector of output, in a block of its own loads, starts to read at the first of its pixels, or
+// so much earlier that the loads stay in the block.
+inline int LoadStart(const StepNumbers& numbers, int firstByte, int loadedBytes)
 {
+    const int lastByte = firstByte + vectorBytes - 1;
     const int first = Quotient(firstByte, numbers.destinationBytes) >> numbers.repeatShift;
-    const int last =
-        Quotient(firstByte + bytes - 1, numbers.destinationBytes) >> numbers.repeatShift;
+    const int last = Quotient(lastByte, numbers.destinationBytes) >> numbers.repeatShift;
     const int pixel = numbers.mirrored ? numbers.pixels - 1 - last : first;
     const int start = pixel * numbers.sourceBytes;
-    const int latest = numbers.pixels * numbers.sourceBytes - bytes;
+    const int latest = numbers.pixels * numbers.sourceBytes - loadedBytes;
     return start < latest ? start : latest;
 }
 
-// True where every piece of so many bytes of a block's output comes from as many bytes of its
-// source.
-constexpr bool PiecesFit(int sourceBytes, int outputBytes, int pixels, int pieceBytes)
+// True where every vector of a block's output comes from so many bytes of its source.
+constexpr bool VectorsFit(int sourceBytes, int outputBytes, int pixels, int loadedBytes)
 {
     const int blockBytes = pixels * sourceBytes;
-    if (blockBytes < pieceBytes)
+    const int latest = blockBytes - loadedBytes;
+    if (latest < 0)
         return false;
-    for (int start = 0; start < pixels * outputBytes; start += pieceBytes) {
+    for (int start = 0; start < pixels * outputBytes; start += vectorBytes) {
         const int first = start / outputBytes * sourceBytes;
-        const int last = (start + pieceBytes - 1) / outputBytes * sourceBytes + sourceBytes;
-        const int load = first < blockBytes - pieceBytes ? first : blockBytes - pieceBytes;
+        const int last = (start + vectorBytes - 1) / outputBytes * sourceBytes + sourceBytes;
+        const int load = first < latest ? first : latest;
         // The mirrored block is the same, seen from its end.
         const int backwards = blockBytes - last;
-        const int loadBackwards =
-            backwards < blockBytes - pieceBytes ? backwards : blockBytes - pieceBytes;
-        if (last - load > pieceBytes || blockBytes - first - loadBackwards > pieceBytes)
+        const int loadBackwards = backwards < latest ? backwards : latest;
+        if (last - load > loadedBytes || blockBytes - first - loadBackwards > loadedBytes)
             return false;
     }
     return true;

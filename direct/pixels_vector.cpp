@@ -8,41 +8,81 @@ namespace zvk::Pelkraft::VectorRoad {
 namespace {
 
 constexpr int maxPixelBytes = 16;
-constexpr int maxVectors = 5;
-// The fullest vectors win, then the fewest loads.
+constexpr int maxOwnVectors = 13;
+// More masks than these, and loading them anew costs what the fuller vectors gain.
+constexpr int maxMasks = 18;
+
+// A candidate, and its cost in halves of a store for all the pixels: a shuffle with its load costs
+// half as much as a store.
+struct Candidate
+{
+    BlockShape shape;
+    int cost;
+};
+
+constexpr bool IsCheaper(const Candidate& a, const Candidate& b)
+{
+    return a.cost * b.shape.pixels < b.cost * a.shape.pixels;
+}
+
+// The fewest stores and shuffles for a pixel win.
 constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
 {
-    int bestPixels = 1;
-    int bestVectors = (outputBytes + 15) / 16;
-    for (int pixels = 2; pixels * sourceBytes <= 16 && pixels * outputBytes <= 64; ++pixels) {
+    Candidate best = {};
+    const auto consider = [&](int pixels, int vectors, int loads, bool ownLoads, int cost) {
+        const Candidate candidate = {
+            MakeShape(sourceBytes, outputBytes, pixels, vectors, loads, ownLoads), cost};
+        if (best.cost == 0 || IsCheaper(candidate, best))
+            best = candidate;
+    };
+    for (int pixels = 1; pixels == 1 || (pixels * sourceBytes <= 16 && pixels * outputBytes <= 64);
+         ++pixels) {
         const int vectors = (pixels * outputBytes + 15) / 16;
-        if (pixels * bestVectors >= bestPixels * vectors) {
-            bestPixels = pixels;
-            bestVectors = vectors;
-        }
+        consider(pixels, vectors, 1, false, 6 + 24 * vectors);
     }
-    bool ownLoads = false;
-    for (int vectors = 3; vectors <= maxVectors; vectors += 2) {
-        const int pixels = 16 * vectors / outputBytes;
-        // Own loads cost more than vectors that are not quite full.
-        if (pixels * outputBytes == 16 * vectors && !ownLoads &&
-            bestPixels * outputBytes < 13 * bestVectors &&
-            PiecesFit(sourceBytes, outputBytes, pixels, 16)) {
-            bestPixels = pixels;
-            bestVectors = vectors;
-            ownLoads = true;
+    // Long pixels that become short ones.
+    for (int loads = 2; loads <= 4; loads *= 2)
+        for (int pixels = 1; pixels * sourceBytes <= 16 * loads && pixels * outputBytes <= 16;
+             ++pixels)
+            consider(pixels, 1, loads, false, 20 + 12 * loads);
+    for (int vectors = 3; vectors <= maxOwnVectors; vectors += 2)
+        for (int loads = 1; loads <= 2 && loads * vectors <= maxMasks; ++loads) {
+            const int pixels = 16 * vectors / outputBytes;
+            if (pixels * outputBytes == 16 * vectors &&
+                VectorsFit(sourceBytes, outputBytes, pixels, 16 * loads))
+                consider(pixels, vectors, loads, true, vectors * (20 + 14 * loads));
         }
-    }
-    return MakeShape(sourceBytes, outputBytes, bestPixels, bestVectors, ownLoads);
+    return best.shape;
 }
 
 constexpr BlockShapes shapes = MakeShapes(FindShape);
 
+template <int loads>
+BlocksMethod OwnMethodOf(int vectors)
+{
+    switch (vectors) {
+    case 3:
+        return RunBlocks<3, loads, true, true>;
+    case 5:
+        return RunBlocks<5, loads, true, true>;
+    case 7:
+        return RunBlocks<7, loads, true, true>;
+    case 9:
+        return RunBlocks<9, loads, true, true>;
+    case 11:
+        return RunBlocks<11, loads, true, true>;
+    default:
+        return RunBlocks<13, loads, true, true>;
+    }
+}
+
 BlocksMethod MethodOf(const BlockShape& shape)
 {
     if (shape.ownLoads)
-        return shape.vectors == 3 ? RunBlocks<3, true, true> : RunBlocks<5, true, true>;
-    return SharedMethodOf(shape);
+        return shape.loads == 1 ? OwnMethodOf<1>(shape.vectors) : OwnMethodOf<2>(shape.vectors);
+    if (shape.loads == 1)
+        return SharedMethodOf(shape);
+    return shape.loads == 2 ? RunBlocks<1, 2, false, false> : RunBlocks<1, 4, false, false>;
 }
 
 void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPixels)
