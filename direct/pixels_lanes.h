@@ -204,16 +204,19 @@ struct WidePiece
     static void Put(unsigned char* to, Lanes v) { Store(to, v); }
 };
 
+// Half as long.
 struct NarrowPiece
 {
-    static constexpr std::size_t bytes = 16;
+    static constexpr std::size_t bytes = laneCount == 1 ? 8 : 16;
     static __m128i Get(const unsigned char* from)
     {
-        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const auto* unit = reinterpret_cast<const __m128i*>(from);
+        return laneCount == 1 ? _mm_loadl_epi64(unit) : _mm_loadu_si128(unit);
     }
     static void Put(unsigned char* to, __m128i v)
     {
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), v);
+        auto* unit = reinterpret_cast<__m128i*>(to);
+        laneCount == 1 ? _mm_storel_epi64(unit, v) : _mm_storeu_si128(unit, v);
     }
 };
 

@@ -37,20 +37,21 @@ template <std::size_t repeat, typename Copy>
         copy(from, to, rest);
 }
 
-// Pixels of one to two pieces, which overlap.
-template <typename Piece, std::size_t repeat>
+// Pixels of one piece and a tail that overlaps it. A tail no longer than needed crosses fewer lines
+// of the cache.
+template <typename Piece, typename Tail, std::size_t repeat>
 void MoveByTwo(const PixelMove& move, const unsigned char* source, unsigned char* destination,
                std::size_t destinationPixels)
 {
     const std::size_t bytes = move.pixelBytes;
-    const std::size_t second = bytes - Piece::bytes;
+    const std::size_t second = bytes - Tail::bytes;
     ForEachPixel<repeat>(move, destinationPixels,
                          [=](std::size_t from, std::size_t to, std::size_t copies) {
                              const auto start = Piece::Get(source + from);
-                             const auto end = Piece::Get(source + from + second);
+                             const auto end = Tail::Get(source + from + second);
                              for (std::size_t i = 0; i < copies; ++i) {
                                  Piece::Put(destination + to + i * bytes, start);
-                                 Piece::Put(destination + to + i * bytes + second, end);
+                                 Tail::Put(destination + to + i * bytes + second, end);
                              }
                          });
 }
@@ -64,9 +65,9 @@ void MoveByOne(const PixelMove& move, const unsigned char* source, unsigned char
     const std::size_t bytes = move.pixelBytes;
     const std::size_t sourcePixels = (destinationPixels + repeat - 1) / repeat;
     if (sourcePixels <= 1)
-        return MoveByTwo<Narrow, repeat>(move, source, destination, destinationPixels);
+        return MoveByTwo<Narrow, Narrow, repeat>(move, source, destination, destinationPixels);
     const unsigned char* end = source + (sourcePixels - 1) * bytes;
-    MoveByTwo<Narrow, repeat>(move, move.mirrored ? end : source, destination, repeat);
+    MoveByTwo<Narrow, Narrow, repeat>(move, move.mirrored ? end : source, destination, repeat);
     const std::size_t doneCopies = (sourcePixels - 1) * repeat;
     const unsigned char* middle = source + bytes;
     unsigned char* to = destination + repeat * bytes;
@@ -76,23 +77,25 @@ void MoveByOne(const PixelMove& move, const unsigned char* source, unsigned char
                              for (std::size_t i = 0; i < copies; ++i)
                                  Wide::Put(to + at + i * bytes, pixel);
                          });
-    MoveByTwo<Narrow, repeat>(move, move.mirrored ? source : end, destination + doneCopies * bytes,
-                              destinationPixels - doneCopies);
+    MoveByTwo<Narrow, Narrow, repeat>(move, move.mirrored ? source : end,
+                                      destination + doneCopies * bytes,
+                                      destinationPixels - doneCopies);
 }
 
-// Pixels of one piece or more.
-template <typename Piece, std::size_t repeat>
+// Pixels of some pieces and a tail.
+template <typename Piece, typename Tail, std::size_t repeat>
 void MoveByPieces(const PixelMove& move, const unsigned char* source, unsigned char* destination,
                   std::size_t destinationPixels)
 {
     const std::size_t bytes = move.pixelBytes;
-    const std::size_t last = bytes - Piece::bytes;
+    const std::size_t whole = (bytes - 1) / Piece::bytes * Piece::bytes;
+    const std::size_t last = bytes - Tail::bytes;
     ForEachPixel<repeat>(
         move, destinationPixels, [=](std::size_t from, std::size_t to, std::size_t copies) {
             for (std::size_t i = 0; i < copies; ++i, to += bytes) {
-                for (std::size_t at = 0; at < last; at += Piece::bytes)
+                for (std::size_t at = 0; at < whole; at += Piece::bytes)
                     Piece::Put(destination + to + at, Piece::Get(source + from + at));
-                Piece::Put(destination + to + last, Piece::Get(source + from + last));
+                Tail::Put(destination + to + last, Tail::Get(source + from + last));
             }
         });
 }
@@ -114,14 +117,19 @@ void MoveRepeated(const PixelMove& move, const unsigned char* source, unsigned c
                   std::size_t destinationPixels)
 {
     const std::size_t bytes = move.pixelBytes;
+    const bool isTailNarrow = (bytes - 1) % Wide::bytes < Narrow::bytes;
     if (bytes > maxInlineBytes)
         MoveByCopy<repeat>(move, source, destination, destinationPixels);
-    else if (bytes > 2 * Wide::bytes)
-        MoveByPieces<Wide, repeat>(move, source, destination, destinationPixels);
-    else if (bytes >= Wide::bytes)
-        MoveByTwo<Wide, repeat>(move, source, destination, destinationPixels);
-    else
+    else if (bytes < Wide::bytes)
         MoveByOne<Wide, Narrow, repeat>(move, source, destination, destinationPixels);
+    else if (bytes > 2 * Wide::bytes && isTailNarrow)
+        MoveByPieces<Wide, Narrow, repeat>(move, source, destination, destinationPixels);
+    else if (bytes > 2 * Wide::bytes)
+        MoveByPieces<Wide, Wide, repeat>(move, source, destination, destinationPixels);
+    else if (bytes > Wide::bytes && isTailNarrow)
+        MoveByTwo<Wide, Narrow, repeat>(move, source, destination, destinationPixels);
+    else
+        MoveByTwo<Wide, Wide, repeat>(move, source, destination, destinationPixels);
 }
 
 // Pixels of at least as many bytes as the narrow piece, which is half as long as the wide one or as
