@@ -1,5 +1,6 @@
 #include "tests/bounds/last_words.h"
 #include "tests/bounds/placements.h"
+#include "tests/direct/levels.h"
 #include "tests/support/conversion_grid.h"
 
 #include <gtest/gtest.h>
@@ -51,7 +52,10 @@ protected:
 TEST_F(GuardedConversions, TouchNoByteBeyondTheirRows)
 {
     Sampler sampler(OneOf(sampledEvery));
-    RunGrid(BoundsGrid(), sampler);
+    for (const int level : LevelsOfThisProcessor()) {
+        const LimitedLevel limited(level);
+        RunGrid(BoundsGrid(), sampler);
+    }
     std::printf("%" PRIu64 " conversions between forbidden pages\n", sampler.GetCount());
     EXPECT_GT(sampler.GetCount(), 10000U);
 }

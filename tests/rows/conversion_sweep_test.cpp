@@ -1,3 +1,4 @@
+#include "tests/support/chain_row.h"
 #include "tests/support/conversion_choices.h"
 #include "tests/support/conversion_run.h"
 #include "tests/support/random_bytes.h"
@@ -9,9 +10,11 @@
 #include <string>
 #include <vector>
 
-// Whole conversions through the public row class against the naive reference, on buffers of
-// exactly the rows' size with a forbidden page behind or before them. A push takes a sample of
-// the grid with a fixed seed, PELKRAFT_TEST_CASES says how many; PELKRAFT_TEST_FULL=1 takes all.
+// Whole conversions at the processor's own level and without vector code, on the road that a row
+// takes and through the chain, each against the naive reference alone, on buffers of exactly the
+// rows' size with a forbidden page behind or before them. Quick, so that it can be run for each
+// planted defect; tests/direct/direct_road_test.cpp goes through all levels. A push takes a sample
+// of the grid with a fixed seed, PELKRAFT_TEST_CASES says how many; PELKRAFT_TEST_FULL=1 takes all.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
@@ -23,25 +26,36 @@ std::size_t CountSampledCases()
     return cases != nullptr ? std::strtoul(cases, nullptr, 10) : 40000;
 }
 
+template <typename Row>
+Bytes ConvertedBy(const ConversionCase& oneCase, const Bytes& sourceBytes, const Bytes& before,
+                  std::uint32_t caseSeed)
+{
+    const Flush flush = caseSeed % 2 == 0 ? Flush::AtEnd : Flush::AtStart;
+    const std::size_t gap = caseSeed % 3 == 0 ? 1 : 0;
+    const GuardedBuffer source(sourceBytes, flush, gap);
+    const GuardedBuffer destination(before, flush, gap);
+    const NaiveGeometry& from = oneCase.source;
+    const NaiveGeometry& to = oneCase.destination;
+    const ImageRow sourceRow(from.width, from.channels, from.bits, from.planar, source.data());
+    Row row(to.width, to.channels, to.bits, to.planar, destination.data());
+    RunConversion(oneCase, sourceRow, row);
+    EXPECT_TRUE(sourceBytes == source.bytes()) << "the source was changed";
+    Bytes converted = destination.bytes();
+    ForgetLeftPacked(oneCase, converted);
+    return converted;
+}
+
 void Check(const ConversionCase& oneCase, std::uint32_t caseSeed)
 {
     SCOPED_TRACE(Describe(oneCase) + ", seed " + std::to_string(caseSeed));
-    const Flush flush = caseSeed % 2 == 0 ? Flush::AtEnd : Flush::AtStart;
-    const std::size_t gap = caseSeed % 3 == 0 ? 1 : 0;
-    const Bytes sourceBytes = RandomBytes(NaiveRowBytes(oneCase.source), caseSeed);
+    const Bytes source = RandomBytes(NaiveRowBytes(oneCase.source), caseSeed);
     const Bytes before = RandomBytes(NaiveRowBytes(oneCase.destination), caseSeed + 1);
-    const GuardedBuffer source(sourceBytes, flush, gap);
-    const GuardedBuffer destination(before, flush, gap);
-
-    RunConversion(oneCase, source.data(), destination.data());
-
     Bytes expected =
-        NaiveConvert(oneCase.source, sourceBytes, oneCase.destination, before, oneCase.operation);
-    Bytes actual = destination.bytes();
+        NaiveConvert(oneCase.source, source, oneCase.destination, before, oneCase.operation);
     ForgetLeftPacked(oneCase, expected);
-    ForgetLeftPacked(oneCase, actual);
-    EXPECT_TRUE(expected == actual);
-    EXPECT_TRUE(sourceBytes == source.bytes()) << "the source was changed";
+    EXPECT_TRUE(expected == ConvertedBy<ImageRow>(oneCase, source, before, caseSeed));
+    EXPECT_TRUE(expected == ConvertedBy<ChainRow>(oneCase, source, before, caseSeed))
+        << "through the chain";
 }
 
 ConversionCase CaseOf(const std::pair<Form, Form>& pair, const NaiveOperation& operation,
