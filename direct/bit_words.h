@@ -136,7 +136,7 @@ inline std::uint64_t LoadBits(const unsigned char* plane, std::size_t start)
     return shift == 0 ? v : v << shift | from[8] >> (8 - shift);
 }
 
-// Loads 1 to 63 bits in the same way, with zeros after them.
+// Loads 1 to 63 bits in the same way; after them stand the bits that their last byte has there.
 inline std::uint64_t LoadFewBits(const unsigned char* plane, std::size_t start, std::size_t count)
 {
     const unsigned char* from = plane + start / 8;
@@ -145,7 +145,7 @@ inline std::uint64_t LoadFewBits(const unsigned char* plane, std::size_t start, 
     std::uint64_t v = SwapBytes(LoadFewLittle(from, bytes < 8 ? bytes : 8)) << shift;
     if (bytes > 8)
         v |= from[8] >> (8 - shift);
-    return v >> (64 - count) << (64 - count);
+    return v;
 }
 
 // The last 8 bytes of a mirror of at least 64 bits before bit `end`.

@@ -34,10 +34,10 @@ struct LaneSplitter
         constexpr int flip = turned ? 1 : 0;
 
         Lanes v[4];
-        for (int i = 0; i < 4; ++i) {
+        for (std::ptrdiff_t i = 0; i < 4; ++i) {
             const bool last = i == 3;
             const unsigned char* from = row + 4 * channels * i - (last ? back : 0);
-            v[i ^ flip] = Shuffle(LoadSpread(from, 16 * channels),
+            v[i ^ flip] = Shuffle(LoadSpread(from, std::ptrdiff_t{16} * channels),
                                   Broadcast(last ? sortLast.bytes : sort.bytes));
         }
         const Lanes low01 = UnpackLow<4>(v[0], v[1]);

@@ -161,7 +161,7 @@ struct VectorSplitter
         static constexpr VectorBytes sort = MakeSortMask<channels, turned>();
         const Lanes order = Load(sort.bytes);
         Lanes v[4];
-        for (int i = 0; i < 4; ++i)
+        for (std::ptrdiff_t i = 0; i < 4; ++i)
             v[i] = _mm512_maskz_permutexvar_epi8(all64, order, LoadPixels(row + 16 * channels * i));
         const Lanes low01 = _mm512_maskz_shuffle_i32x4(all16, v[0], v[1], 0x44);
         const Lanes low23 = _mm512_maskz_shuffle_i32x4(all16, v[2], v[3], 0x44);

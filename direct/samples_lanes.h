@@ -10,7 +10,7 @@ namespace zvk::Pelkraft {
 namespace {
 
 // Samples of 8 bits in a vector.
-constexpr std::size_t laneSamples = 16 * laneCount;
+constexpr std::size_t laneSamples = std::size_t{16} * laneCount;
 
 // Rows shorter than a block go to these kernels.
 inline const SampleKernels& NarrowerKernels()

@@ -8,6 +8,7 @@ void Widen(const unsigned char* __restrict source, unsigned char* __restrict des
            std::size_t samples)
 {
     for (std::size_t i = 0; i < samples; ++i) {
+        // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): all is unpacked.
         const auto wide = static_cast<std::uint16_t>(source[i] * 257);
         std::memcpy(destination + 2 * i, &wide, sizeof wide);
     }
@@ -207,7 +208,8 @@ void PackSplitByte(const unsigned char* row, unsigned char* const* planes, std::
     constexpr std::uint32_t mask = 0x01010101u * ((1u << depth) - 1);
     std::uint32_t packed = 0;
     for (int k = 0; k < pixels; ++k) {
-        const auto pixel = static_cast<std::uint32_t>(LoadFewLittle(row + k * channels, channels));
+        const auto pixel =
+            static_cast<std::uint32_t>(LoadFewLittle(row + std::ptrdiff_t{k} * channels, channels));
         packed |= (pixel & mask) << (8 - depth * (k + 1));
     }
     for (int c = 0; c < channels; ++c)

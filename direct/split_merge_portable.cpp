@@ -78,7 +78,7 @@ inline void SplitRow(const unsigned char* __restrict row, std::size_t pixels,
                      std::size_t pixelBytes, Plane<channel>* __restrict... planes)
 {
     for (std::size_t pixel = 0; pixel < pixels; ++pixel)
-        (CopySample<sampleBytes>(row + pixel * pixelBytes + channel * sampleBytes,
+        (CopySample<sampleBytes>(row + pixel * pixelBytes + std::ptrdiff_t{channel} * sampleBytes,
                                  planes + pixel * sampleBytes),
          ...);
 }
@@ -89,7 +89,7 @@ inline void MergeRow(unsigned char* __restrict row, std::size_t pixels, std::siz
 {
     for (std::size_t pixel = 0; pixel < pixels; ++pixel)
         (CopySample<sampleBytes>(planes + pixel * sampleBytes,
-                                 row + pixel * pixelBytes + channel * sampleBytes),
+                                 row + pixel * pixelBytes + std::ptrdiff_t{channel} * sampleBytes),
          ...);
 }
 
@@ -154,8 +154,8 @@ struct Loops<std::integer_sequence<int, channel...>>
     [[gnu::noinline]] static void MergePadded(const unsigned char* const* planes,
                                               unsigned char* row, std::size_t pixels)
     {
-        constexpr std::size_t slotBytes = channels * sampleBytes;
-        constexpr std::size_t pixelBytes = named * sampleBytes;
+        constexpr std::size_t slotBytes = std::size_t{channels} * sampleBytes;
+        constexpr std::size_t pixelBytes = std::size_t{named} * sampleBytes;
         constexpr std::size_t tilePixels = 64;
         unsigned char slots[tilePixels * slotBytes];
         for (std::size_t first = 0; first < pixels; first += tilePixels) {

@@ -39,7 +39,7 @@ template <int depth>
 [[gnu::noinline]] void MirrorShort(const unsigned char* plane, std::size_t end,
                                    unsigned char* destination, std::size_t samples)
 {
-    if (samples * depth < 8 * 16)
+    if (samples * depth < 8 * sizeof(LaneBytes))
         MirrorWords<depth>(plane, end * depth, destination, samples * depth);
     else
         NarrowerKernels().mirror[depth - 1](plane, end, destination, samples);

@@ -12,6 +12,10 @@ namespace {
 // So many pixels of a row stay in the first-level cache while the groups take turns.
 constexpr std::size_t piecePixels = 256;
 
+// Groups of either size take so many pixels at a time.
+template <int sampleBytes>
+constexpr std::size_t groupBlock = std::size_t{laneCount} * 16 / sampleBytes;
+
 // A group of so many bytes a pixel: `pixels` of them stand in a lane of each vector.
 template <int sampleBytes, int groupBytes>
 struct Group
@@ -101,9 +105,8 @@ void ForGroups(std::size_t pixels, std::size_t channels, bool inHalves, Whole wh
 {
     constexpr std::size_t wholeChannels = 16 / sampleBytes;
     constexpr std::size_t halfChannels = 8 / sampleBytes;
-    constexpr std::size_t blockPixels = wholeChannels * laneCount;
     for (std::size_t first = 0; first < pixels;) {
-        const bool isLast = pixels - first < piecePixels + blockPixels;
+        const bool isLast = pixels - first < piecePixels + groupBlock<sampleBytes>;
         const std::size_t end = isLast ? pixels : first + piecePixels;
         for (std::size_t channel = 0; channel < channels;) {
             const std::size_t rest = channels - channel;
@@ -159,7 +162,7 @@ template <int sampleBytes>
 void SplitWide(const unsigned char* row, unsigned char* const* planes, std::size_t pixels,
                const WidePixels& shape)
 {
-    if (pixels < 16 / sampleBytes * laneCount)
+    if (pixels < groupBlock<sampleBytes>)
         return WideSplitAt(NarrowerKernels(), sampleBytes)(row, planes, pixels, shape);
     const bool inHalves = sampleBytes == 1 && PlanesCollide(planes, shape.channels, pixels);
     SplitGroups<sampleBytes>(row, planes, pixels, shape, inHalves);
@@ -169,7 +172,7 @@ template <int sampleBytes>
 void MergeWide(const unsigned char* const* planes, unsigned char* row, std::size_t pixels,
                const WidePixels& shape)
 {
-    if (pixels < 16 / sampleBytes * laneCount)
+    if (pixels < groupBlock<sampleBytes>)
         return WideMergeAt(NarrowerKernels(), sampleBytes)(planes, row, pixels, shape);
     const bool inHalves = sampleBytes == 1 && PlanesCollide(planes, shape.channels, pixels);
     MergeGroups<sampleBytes>(planes, row, pixels, shape, inHalves);
@@ -178,9 +181,10 @@ void MergeWide(const unsigned char* const* planes, unsigned char* row, std::size
 template <int sampleBytes, int channels>
 void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
-    const WidePixels shape = {.pixelBytes = channels * sampleBytes, .channels = channels};
+    const WidePixels shape = {.pixelBytes = std::size_t{channels} * sampleBytes,
+                              .channels = channels};
     if constexpr (channels * sampleBytes > 16) {
-        if (pixels < 16 / sampleBytes * laneCount)
+        if (pixels < groupBlock<sampleBytes>)
             return SplitShort<KeptSamples<sampleBytes>, channels>(row, planes, pixels);
         return SplitGroups<sampleBytes>(row, planes, pixels, shape, false);
     } else {
@@ -193,9 +197,10 @@ void Split(const unsigned char* row, unsigned char* const* planes, std::size_t p
 template <int sampleBytes, int channels>
 void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
 {
-    const WidePixels shape = {.pixelBytes = channels * sampleBytes, .channels = channels};
+    const WidePixels shape = {.pixelBytes = std::size_t{channels} * sampleBytes,
+                              .channels = channels};
     if constexpr (channels * sampleBytes > 16) {
-        if (pixels < 16 / sampleBytes * laneCount)
+        if (pixels < groupBlock<sampleBytes>)
             return MergeShort<sampleBytes, channels>(planes, row, pixels);
         return MergeGroups<sampleBytes>(planes, row, pixels, shape, false);
     } else {

@@ -61,7 +61,7 @@ template <int vector>
 Lanes LoadValues(const SseTransformation* tables)
 {
     const auto* values = reinterpret_cast<const unsigned char*>(&tables->mInkValues);
-    return _mm512_load_si512(values + vector * vectorBytes);
+    return _mm512_load_si512(values + std::ptrdiff_t{vector} * vectorBytes);
 }
 
 // With a mask of all bytes: GCC 12 warns of what its form without one leaves undefined.
