@@ -11,6 +11,7 @@ constexpr int maxPixelBytes = 16;
 constexpr int maxOwnVectors = 13;
 // More masks than these, and loading them anew costs what the fuller vectors gain.
 constexpr int maxMasks = 18;
+static_assert(maxMasks < 2 * 11, "OwnTwinMethodOf ends with 9 vectors");
 
 // A candidate, and its cost in halves of a store for all the pixels: a shuffle with its load costs
 // half as much as a store.
@@ -57,29 +58,42 @@ constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
 
 constexpr BlockShapes shapes = MakeShapes(FindShape);
 
-template <int loads>
 BlocksMethod OwnMethodOf(int vectors)
 {
     switch (vectors) {
     case 3:
-        return RunBlocks<3, loads, true, true>;
+        return RunBlocks<3, 1, true, true>;
     case 5:
-        return RunBlocks<5, loads, true, true>;
+        return RunBlocks<5, 1, true, true>;
     case 7:
-        return RunBlocks<7, loads, true, true>;
+        return RunBlocks<7, 1, true, true>;
     case 9:
-        return RunBlocks<9, loads, true, true>;
+        return RunBlocks<9, 1, true, true>;
     case 11:
-        return RunBlocks<11, loads, true, true>;
+        return RunBlocks<11, 1, true, true>;
     default:
-        return RunBlocks<13, loads, true, true>;
+        return RunBlocks<13, 1, true, true>;
+    }
+}
+
+BlocksMethod OwnTwinMethodOf(int vectors)
+{
+    switch (vectors) {
+    case 3:
+        return RunBlocks<3, 2, true, true>;
+    case 5:
+        return RunBlocks<5, 2, true, true>;
+    case 7:
+        return RunBlocks<7, 2, true, true>;
+    default:
+        return RunBlocks<9, 2, true, true>;
     }
 }
 
 BlocksMethod MethodOf(const BlockShape& shape)
 {
     if (shape.ownLoads)
-        return shape.loads == 1 ? OwnMethodOf<1>(shape.vectors) : OwnMethodOf<2>(shape.vectors);
+        return shape.loads == 1 ? OwnMethodOf(shape.vectors) : OwnTwinMethodOf(shape.vectors);
     if (shape.loads == 1)
         return SharedMethodOf(shape);
     return shape.loads == 2 ? RunBlocks<1, 2, false, false> : RunBlocks<1, 4, false, false>;
