@@ -205,8 +205,8 @@ template <int vectors, int loads, bool ownLoads, bool isFull>
 {
     const std::ptrdiff_t toStep = isFull ? vectors * vectorBytes : block.toStep;
     const std::ptrdiff_t fromStep = block.fromStep;
-    // Loops of fewer 16-byte vectors take twice as long at some addresses of their code.
-    constexpr int most = laneCount == 1 ? 8 : 4;
+    // Loops of fewer full 16-byte vectors take twice as long at some addresses of their code.
+    constexpr int most = laneCount == 1 && isFull ? 8 : 4;
     constexpr int together = vectors <= 2 ? most / vectors : vectors <= 4 ? 2 : 1;
     for (; row.to + (together - 1) * toStep <= last; row.to += together * toStep) {
         Unroll<together>([&](auto number) {
