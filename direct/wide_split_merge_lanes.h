@@ -181,8 +181,7 @@ void MergeWide(const unsigned char* const* planes, unsigned char* row, std::size
 template <int sampleBytes, int channels>
 void Split(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
-    const WidePixels shape = {.pixelBytes = std::size_t{channels} * sampleBytes,
-                              .channels = channels};
+    const WidePixels shape = {std::size_t{channels} * sampleBytes, channels};
     if constexpr (channels * sampleBytes > 16) {
         if (pixels < groupBlock<sampleBytes>)
             return SplitShort<KeptSamples<sampleBytes>, channels>(row, planes, pixels);
@@ -197,8 +196,7 @@ void Split(const unsigned char* row, unsigned char* const* planes, std::size_t p
 template <int sampleBytes, int channels>
 void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t pixels)
 {
-    const WidePixels shape = {.pixelBytes = std::size_t{channels} * sampleBytes,
-                              .channels = channels};
+    const WidePixels shape = {std::size_t{channels} * sampleBytes, channels};
     if constexpr (channels * sampleBytes > 16) {
         if (pixels < groupBlock<sampleBytes>)
             return MergeShort<sampleBytes, channels>(planes, row, pixels);
