@@ -4,7 +4,9 @@
 #include "direct/tile.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
+#include <cstring>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -20,8 +22,50 @@ std::uint8_t StorageBits(const ImageRowFormat& format)
     return format.bits > 8 ? 16 : 8;
 }
 
-// A step moves pixels of so many channels, mapped by the plan's entries or not at all. A step over
-// planes takes samples for pixels.
+constexpr std::size_t wordBytes = sizeof(std::uint64_t);
+
+// The places of one channel's sample, in the low bytes.
+std::uint64_t PlacesOf(std::int32_t entry, std::size_t sampleBytes)
+{
+    if (sampleBytes == 1)
+        return entry < 0 ? emptyByte : static_cast<std::uint64_t>(entry);
+    return entry < 0 ? emptyByte * 0x101U : static_cast<std::uint64_t>(entry) * 0x202 + 0x100;
+}
+
+// Writes the places of small pixels a word at a time: a kernel reads them at once, and would wait
+// for bytes that were stored one by one.
+void FillWords(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes)
+{
+    const auto channelsOfWord = static_cast<std::uint32_t>(wordBytes / sampleBytes);
+    for (std::uint32_t first = 0; first < channels; first += channelsOfWord) {
+        std::uint64_t word = 0;
+        const std::uint32_t end = std::min(channels, first + channelsOfWord);
+        for (std::uint32_t c = first; c != end; ++c)
+            word |= PlacesOf(plan.entries[c], sampleBytes) << (8 * sampleBytes * (c - first));
+        std::memcpy(&plan.step.places[first * sampleBytes], &word, sizeof word);
+    }
+}
+
+void FillBytes(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes)
+{
+    for (std::uint32_t c = 0; c != channels; ++c)
+        for (std::size_t b = 0; b != sampleBytes; ++b)
+            plan.step.places[c * sampleBytes + b] =
+                static_cast<unsigned char>(PlacesOf(plan.entries[c], sampleBytes) >> (8 * b));
+}
+
+constexpr std::array<unsigned char, maxStepBytes> CountPlaces()
+{
+    std::array<unsigned char, maxStepBytes> places{};
+    for (std::size_t i = 0; i != places.size(); ++i)
+        places[i] = static_cast<unsigned char>(i);
+    return places;
+}
+
+constexpr std::array<unsigned char, maxStepBytes> unmappedPlaces = CountPlaces();
+
+// Pixels of so many channels, mapped by the plan's entries or not at all. A step over planes takes
+// samples for pixels.
 void FillStep(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes, bool maps)
 {
     PixelStep& step = plan.step;
@@ -30,13 +74,12 @@ void FillStep(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes,
     step.destinationBytes = static_cast<std::uint8_t>(sampleBytes * channels);
     step.repeat = plan.repeat;
     step.mirrored = plan.mirrored;
-    for (std::uint32_t c = 0; c != channels; ++c) {
-        const std::int32_t entry = maps ? plan.entries[c] : static_cast<std::int32_t>(c);
-        const auto from = static_cast<std::uint32_t>(entry) * sampleBytes;
-        for (std::size_t b = 0; b != sampleBytes; ++b)
-            step.places[c * sampleBytes + b] =
-                entry < 0 ? emptyByte : static_cast<unsigned char>(from + b);
-    }
+    if (!maps)
+        step.places = unmappedPlaces;
+    else if (std::endian::native == std::endian::little)
+        FillWords(plan, channels, sampleBytes);
+    else
+        FillBytes(plan, channels, sampleBytes);
 }
 
 // Adds the passes one after the other, and keeps in mind how the pixels stand after the last.

@@ -96,7 +96,7 @@ template <int vectors, Loads loads>
 Block<vectors> MakeBlock(const StepNumbers& numbers)
 {
     Block<vectors> block;
-    const Lanes places = Broadcast(numbers.places);
+    const Lanes places = _mm256_broadcastsi128_si256(LoadFirstPlaces(numbers.places));
     // A lane of a straight load counts from its own first byte.
     const int second = loads == Loads::Straight ? 16 : 0;
     const int low = numbers.mirrored ? second : 0;

@@ -127,7 +127,7 @@ template <int vectors, int loads, bool ownLoads>
 [[gnu::always_inline]] inline Block<vectors, loads> MakeBlock(const StepNumbers& numbers)
 {
     Block<vectors, loads> block;
-    const Lanes places = LoadPlaces(numbers.places);
+    const Lanes places = LoadPlaces(numbers);
     const int blockBytes = numbers.pixels * numbers.sourceBytes;
     constexpr int loadedBytes = loads * vectorBytes;
     // A mirrored block's loads end with the block, so that what they read too much of lies in the

@@ -88,6 +88,15 @@ inline StepNumbers NumbersOf(const PixelStep& step, int pixels)
             pixels};
 }
 
+// The first 16 places, in two halves: a load that is wider than the stores before it would wait
+// until they have reached the cache.
+inline __m128i LoadFirstPlaces(const unsigned char* places)
+{
+    const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(places));
+    const __m128i high = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(places + 8));
+    return _mm_unpacklo_epi64(low, high);
+}
+
 inline Lanes Quotients(Lanes bytes, int divisor)
 {
     const Lanes reciprocal = Set16(reciprocals.of[divisor]);

@@ -2,6 +2,7 @@
 
 #include "common/lanes_avx512.h"
 #include "direct/kernels.h"
+#include "direct/pixels_lanes.h"
 
 #include <cstddef>
 
@@ -10,9 +11,10 @@
 namespace zvk::Pelkraft {
 namespace {
 
-inline Lanes LoadPlaces(const unsigned char* places)
+inline Lanes LoadPlaces(const StepNumbers& numbers)
 {
-    return Load(places);
+    return numbers.destinationBytes <= 16 ? _mm512_zextsi128_si512(LoadFirstPlaces(numbers.places))
+                                          : Load(numbers.places);
 }
 
 inline Lanes PlacesAt(Lanes places, Lanes index)

@@ -48,9 +48,9 @@ __m128i LoadTwice(const unsigned char* bytes, std::ptrdiff_t count)
     return Or(LoadWord<Word>(bytes), end);
 }
 
-inline Lanes LoadPlaces(const unsigned char* places)
+inline Lanes LoadPlaces(const StepNumbers& numbers)
 {
-    return Load(places);
+    return LoadFirstPlaces(numbers.places);
 }
 
 inline Lanes PlacesAt(Lanes places, Lanes index)
