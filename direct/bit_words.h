@@ -106,8 +106,11 @@ template <int depth>
 std::uint64_t UnpackWord(std::uint64_t packed)
 {
     if constexpr (depth == 1) {
-        const std::uint64_t bits = packed * 0x0101010101010101u & 0x0102040810204080u;
-        return (bits + 0x7f7f7f7f7f7f7f7fu) >> 7 & 0x0101010101010101u;
+        // Not by a product and a carry: bits of no sample would make the others look undefined.
+        const std::uint64_t halves = (packed >> 4 & 0x0f) | (packed & 0x0f) << 32;
+        const std::uint64_t pairs =
+            (halves >> 2 & 0x0000000300000003u) | (halves & 0x0000000300000003u) << 16;
+        return (pairs >> 1 & 0x0001000100010001u) | (pairs & 0x0001000100010001u) << 8;
     } else {
         const std::uint64_t bytes = (packed & 0xff) | (packed & 0xff00) << 24;
         const std::uint64_t pairs =
