@@ -1,5 +1,6 @@
 #include "tests/bounds/covered_bytes.h"
 #include "tests/copy/copy_reach.h"
+#include "tests/direct/levels.h"
 #include "tests/pattern/pattern_grid.h"
 #include "tests/support/conversion_grid.h"
 #include "tests/undefined_bytes/defined_samples.h"
@@ -11,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <vector>
 
 // Runs conversions, pattern rows and copies into memory without a defined bit, under a tool that
 // knows of each bit whether it has been set: what an operation covers must be defined afterwards,
@@ -21,6 +23,9 @@ namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 std::uint64_t every = 1;
+// The levels that are gone through: those of the processor, as the tool shows it, which the tool
+// can follow.
+std::vector<int> levels;
 std::uint64_t failures = 0;
 
 class Turn
@@ -56,12 +61,12 @@ void Fail(const char* what, std::size_t byte, std::initializer_list<int> numbers
     ++failures;
 }
 
-void FailConversion(const ConversionCase& oneCase, std::size_t byte)
+void FailConversion(const ConversionCase& oneCase, int level, std::size_t byte)
 {
     const auto& [from, to, operation, forcePortable] = oneCase;
-    Fail("conversion of width, channels, bits, planar of both, factor, portable, map:", byte,
+    Fail("conversion of width, channels, bits, planar of both, factor, portable, level, map:", byte,
          {from.width, from.channels, from.bits, from.planar, to.width, to.channels, to.bits,
-          to.planar, operation.factor, forcePortable});
+          to.planar, operation.factor, forcePortable, level});
     for (const int entry : operation.map)
         std::printf("    %d\n", entry);
 }
@@ -79,7 +84,7 @@ bool ToolKnowsUndefinedBits()
     return seesCopy && FirstUndefined(copy, sizeof copy) == sizeof copy;
 }
 
-void Convert(const ConversionCase& oneCase)
+void Convert(const ConversionCase& oneCase, int level)
 {
     Bytes source = BarelyDefinedSource(oneCase);
     Bytes destination(NaiveRowBytes(oneCase.destination));
@@ -91,7 +96,7 @@ void Convert(const ConversionCase& oneCase)
     const CoveredBytes covered = BytesOfPixels(oneCase.destination, pixels);
     for (std::size_t i = 0; i != destination.size(); ++i)
         if (covered[i] && FirstUndefined(&destination[i], 1) == 0)
-            return FailConversion(oneCase, i);
+            return FailConversion(oneCase, level, i);
 }
 
 void ConvertAll()
@@ -99,11 +104,14 @@ void ConvertAll()
     std::vector<int> widths = WidthsUpTo(40);
     widths.insert(widths.end(), {63, 64, 65, 127, 128, 129, 255, 256, 257});
     Turn turn;
-    ConversionGrid{{1, 2, 3, 4, 5, 16, 17, 41, 81}, widths}.ForEach(
-        [&turn](const ConversionCase& oneCase) {
-            if (turn.Comes())
-                Convert(oneCase);
-        });
+    for (const int level : levels) {
+        const LimitedLevel limited(level);
+        ConversionGrid{{1, 2, 3, 4, 5, 16, 17, 41, 81}, widths}.ForEach(
+            [&turn, level](const ConversionCase& oneCase) {
+                if (turn.Comes())
+                    Convert(oneCase, level);
+            });
+    }
     turn.Print("conversions");
 }
 
@@ -119,11 +127,9 @@ void ApplyRow(DotWeavePattern& pattern, const PatternShape& shape, std::size_t p
              {shape.engine, shape.version, shape.inColors, shape.outInks, shape.draws});
 }
 
-void ApplyAllPatterns()
+void ApplyPatterns(Turn& turn)
 {
     constexpr std::size_t widths[] = {0, 1, 2, 3, 7, 8, 15, 16, 17, 31, 32, 33, 65, 266};
-    // They are few beside the conversions.
-    Turn turn(every / 64 + 1);
     for (const PatternShape& shape : AllPatternShapes()) {
         if (!turn.Comes())
             continue;
@@ -133,6 +139,16 @@ void ApplyAllPatterns()
             ApplyRow(pattern, shape, pixels);
             pattern.ResetRandomizer();
         }
+    }
+}
+
+void ApplyAllPatterns()
+{
+    // They are few beside the conversions.
+    Turn turn(every / 64 + 1);
+    for (const int level : levels) {
+        const LimitedLevel limited(level);
+        ApplyPatterns(turn);
     }
     turn.Print("patterns in rows of all kinds of width");
 }
@@ -164,6 +180,19 @@ void CopyAll()
     turn.Print("copies");
 }
 
+// The conversions that take portable code at any level stand for level 0.
+void ChooseLevels()
+{
+    for (const int level : LevelsOfThisProcessor()) {
+        if (level > HighestFollowedLevel())
+            std::printf("level %d not run: %s does not follow it\n", level, ShadowTool());
+        else if (level != 0)
+            levels.push_back(level);
+    }
+    if (levels.empty())
+        levels.push_back(0);
+}
+
 int RunAll()
 {
     if (ShadowTool() == nullptr || !ToolKnowsUndefinedBits()) {
@@ -171,6 +200,7 @@ int RunAll()
         return 2;
     }
     std::printf("undefined_bytes under %s\n", ShadowTool());
+    ChooseLevels();
     ConvertAll();
     ApplyAllPatterns();
     CopyAll();
