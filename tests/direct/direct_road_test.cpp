@@ -15,7 +15,7 @@
 // The direct road against the chain and against the naive reference, byte for byte, at every
 // level that the processor has, on buffers of exactly the rows' size with a forbidden page after
 // or before them. A push takes a sample with a fixed seed, PELKRAFT_TEST_CASES says how many for
-// each level; PELKRAFT_TEST_FULL=1 takes the whole grid.
+// each level; PELKRAFT_TEST_FULL=1 takes the whole grid, PELKRAFT_TEST_LEVEL=7 that level alone.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 

@@ -3,6 +3,7 @@
 #include "zvk/system_tools.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
@@ -13,8 +14,11 @@ std::vector<int> FindLevels()
 {
     std::vector<int> levels;
     const int own = SystemTools::GetSseVersion();
+    const char* const only = std::getenv("PELKRAFT_TEST_LEVEL");
     for (const int level : {0, 3, 6, highestLevel}) {
-        if (level <= own)
+        if (only != nullptr && level != std::strtol(only, nullptr, 10))
+            std::printf("level %d not run: PELKRAFT_TEST_LEVEL asks for another\n", level);
+        else if (level <= own)
             levels.push_back(level);
         else
             std::printf("level %d not run: the processor lacks it\n", level);

@@ -4,8 +4,8 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// One processor level for each set of kernels, as far as this processor goes; each that it lacks
-// is printed as not run, once.
+// One processor level for each set of kernels, as far as this processor goes, or the one that
+// PELKRAFT_TEST_LEVEL names; each other is printed as not run, once.
 std::vector<int> LevelsOfThisProcessor();
 
 // Lowers the level while it lives.
