@@ -36,7 +36,7 @@ struct LaneSplitter
         Lanes v[4];
         for (std::ptrdiff_t i = 0; i < 4; ++i) {
             const bool last = i == 3;
-            const unsigned char* from = row + 4 * channels * i - (last ? back : 0);
+            const unsigned char* from = row + i * 4 * channels - (last ? back : 0);
             v[i ^ flip] = Shuffle(LoadSpread(from, std::ptrdiff_t{16} * channels),
                                   Broadcast(last ? sortLast.bytes : sort.bytes));
         }

@@ -24,10 +24,10 @@ struct Counting
 
 constexpr Counting MakeCounting()
 {
-    Counting counting{};
+    Counting bytes{};
     for (int i = 0; i < 64; ++i)
-        counting.of[i] = static_cast<unsigned char>(i);
-    return counting;
+        bytes.of[i] = static_cast<unsigned char>(i);
+    return bytes;
 }
 
 alignas(64) constexpr Counting counting = MakeCounting();
@@ -40,10 +40,10 @@ struct Reciprocals
 
 constexpr Reciprocals MakeReciprocals()
 {
-    Reciprocals reciprocals{};
+    Reciprocals rounded{};
     for (unsigned i = 1; i <= maxStepBytes; ++i)
-        reciprocals.of[i] = static_cast<std::uint16_t>((32768 + i - 1) / i);
-    return reciprocals;
+        rounded.of[i] = static_cast<std::uint16_t>((32768 + i - 1) / i);
+    return rounded;
 }
 
 constexpr Reciprocals reciprocals = MakeReciprocals();

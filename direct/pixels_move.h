@@ -25,7 +25,7 @@ template <std::size_t repeat, typename Copy>
     const std::size_t rest = destinationPixels % repeat;
     const std::size_t sourcePixels = rest == 0 ? whole : whole + 1;
     // Unsigned, so that a step backwards wraps around.
-    const std::size_t fromStep = move.mirrored ? std::size_t{0} - bytes : bytes;
+    const std::size_t fromStep = move.mirrored ? 0 - bytes : bytes;
     std::size_t from = move.mirrored ? (sourcePixels - 1) * bytes : 0;
     std::size_t to = 0;
     for (std::size_t pixel = 0; pixel < whole; ++pixel) {

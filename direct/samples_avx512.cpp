@@ -162,7 +162,7 @@ struct VectorSplitter
         const Lanes order = Load(sort.bytes);
         Lanes v[4];
         for (std::ptrdiff_t i = 0; i < 4; ++i)
-            v[i] = _mm512_maskz_permutexvar_epi8(all64, order, LoadPixels(row + 16 * channels * i));
+            v[i] = _mm512_maskz_permutexvar_epi8(all64, order, LoadPixels(row + i * 16 * channels));
         const Lanes low01 = _mm512_maskz_shuffle_i32x4(all16, v[0], v[1], 0x44);
         const Lanes low23 = _mm512_maskz_shuffle_i32x4(all16, v[2], v[3], 0x44);
         const Lanes high01 = _mm512_maskz_shuffle_i32x4(all16, v[0], v[1], 0xee);
