@@ -174,7 +174,7 @@ TEST(DirectRoad, GivesTheBytesOfTheChainAndOfTheReference)
 }
 
 // Map, repeat, mirror and depth together, which no single call of a row asks for.
-void CheckMixture(ConversionCase tested, int level, std::uint32_t caseSeed)
+void CheckMixture(const ConversionCase& tested, int level, std::uint32_t caseSeed)
 {
     SCOPED_TRACE(Describe(tested) + ", factor " + std::to_string(tested.operation.factor) +
                  ", level " + std::to_string(level) + ", seed " + std::to_string(caseSeed));

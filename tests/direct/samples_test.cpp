@@ -73,15 +73,15 @@ void PutSample(Bytes& bytes, std::size_t bits, std::size_t index, unsigned value
 // Both buffers of a call stand so, and the destination holds this before it.
 struct Place
 {
-    Flush flush;
     std::size_t gap;
+    Flush flush;
     unsigned char fill;
 };
 
-constexpr Place places[] = {{Flush::AtEnd, 0, 0x00},
-                            {Flush::AtStart, 0, 0xff},
-                            {Flush::AtEnd, 1, 0xff},
-                            {Flush::AtStart, 3, 0x00}};
+constexpr Place places[] = {{0, Flush::AtEnd, 0x00},
+                            {0, Flush::AtStart, 0xff},
+                            {1, Flush::AtEnd, 0xff},
+                            {3, Flush::AtStart, 0x00}};
 
 constexpr unsigned char fills[] = {0x00, 0xff};
 
@@ -188,7 +188,7 @@ TEST_P(SampleKernelOf, GivesEverySampleAtEveryCountAndPlace)
 
 TEST_P(SampleKernelOf, GivesEveryPossibleInput)
 {
-    Bytes every(2 * 65536);
+    Bytes every(std::size_t{2} * 65536);
     for (std::size_t i = 0; i < 65536; ++i)
         PutSample(every, 16, i, static_cast<unsigned>(i));
     ASSERT_NO_FATAL_FAILURE(Check(every, every.size() * 8 / GetParam().sourceBits, places[0]));

@@ -170,6 +170,18 @@ TEST(ChainChoice, RefusesTwoOptionsAheadOfAnyFormat)
               ChainText({1, false}, {16, false}, request));
 }
 
+TEST(ChainSteps, AreFoundAtEveryPlace)
+{
+    const ChainSteps chain = ChainSteps::Of(ChainStep::Narrow, ChainStep::None, ChainStep::Remap,
+                                            ChainStep::Repeat, ChainStep::Pack);
+    for (const ChainStep step :
+         {ChainStep::Narrow, ChainStep::None, ChainStep::Remap, ChainStep::Repeat, ChainStep::Pack})
+        EXPECT_TRUE(HasStep(chain, step)) << NameOf(step);
+    for (const ChainStep step : {ChainStep::Reverse, ChainStep::Unpack, ChainStep::Widen})
+        EXPECT_FALSE(HasStep(chain, step)) << NameOf(step);
+    EXPECT_FALSE(HasStep(ChainSteps::Of(), ChainStep::None));
+}
+
 struct KnownStep
 {
     ChainStep step;

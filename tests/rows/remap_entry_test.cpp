@@ -104,6 +104,25 @@ TEST(RemapEntry, GivesTheFirstPadLaneOnThePortableRoad)
         }
 }
 
+TEST(RemapEntry, GivesTheSameAheadOfEntriesWithin)
+{
+    for (const int bits : {8, 16})
+        for (const int channels : {3, 4, 20})
+            for (const bool portable : roads) {
+                const NaiveGeometry from{width, channels, bits, false};
+                const Bytes content = RandomBytes(NaiveRowBytes(from), 6);
+                const auto samplesBefore = ReadSamples(from, content);
+                const auto samples =
+                    Remapped(from, content, {LanesOf(channels, bits), largest, 1, 0}, portable);
+                for (int pixel = 0; pixel != width; ++pixel) {
+                    EXPECT_EQ(0U, samples[At(pixel, 4, 0)]);
+                    EXPECT_EQ(0U, samples[At(pixel, 4, 1)]);
+                    EXPECT_EQ(samplesBefore[At(pixel, channels, 1)], samples[At(pixel, 4, 2)]);
+                    EXPECT_EQ(samplesBefore[At(pixel, channels, 0)], samples[At(pixel, 4, 3)]);
+                }
+            }
+}
+
 // Where the channels fill the slot, that lane is the next pixel's first one; behind the last slot
 // of a chunk stands no pixel.
 TEST(RemapEntry, GivesTheNextPixelsFirstSampleWhereTheSlotIsFull)

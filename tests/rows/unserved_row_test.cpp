@@ -122,6 +122,9 @@ TEST(NullMap, IsRefusedForAnyDestinationWithChannels)
 TEST(NullMap, IsToldAfterTheFormsOfTheRows)
 {
     ExpectEnd(unsupported, {20, 2, 1, false}, {20, 2, 8, false}, Remap(nullptr));
+    ExpectEnd(unsupported, {20, 2, 1, true}, {20, 2, 1, false}, Remap(nullptr));
+    ExpectEnd(unsupported, {20, 2, 10, true}, {20, 2, 10, true}, Remap(nullptr));
+    ExpectEnd(unsupported, {20, 0, 8, false}, {20, 2, 8, false}, Remap(nullptr));
     ExpectEnd("zvk::Pelkraft::ImageRowFormat unsupported bit depth", {20, 2, 3, false},
               {20, 2, 8, false}, Remap(nullptr));
 }
