@@ -18,13 +18,16 @@ require "$here/trial.pl";
 # The programs that see a room, the most specific first.
 my %programs = (
     rows => ['test_rows', 'test_conversions'],
+    plan => ['test_plan', 'test_rows', 'test_conversions', 'test_direct_road'],
+    direct => ['test_direct_samples', 'test_direct_pixels', 'test_direct_split_merge',
+               'test_direct_road'],
     portal => ['test_portal', 'test_conversions', 'test_rows'],
     converters => ['test_converters', 'test_conversions', 'test_portal'],
     chunks => ['test_chunks', 'test_conversions', 'test_portal'],
     pattern => ['test_pattern'],
 );
 
-my @rooms = qw(rows portal converters chunks pattern);
+my @rooms = qw(rows plan direct portal converters chunks pattern);
 my $wantedPercent = 95;
 # One candidate of so many is tried, chosen by its own text, so that another change of the file
 # chooses no other ones.

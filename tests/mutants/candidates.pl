@@ -43,6 +43,8 @@ sub OtherNumbers
     my ($digits, $suffix) = $number =~ /^(0[xX][0-9A-Fa-f']+|[0-9']+)([uUlL]*)$/ or return ();
     $digits =~ tr/'//d;
     my $isHex = $digits =~ /^0[xX]/;
+    # Words of 64 bits are meant.
+    no warnings 'portable';
     my $value = $isHex ? hex($digits) : $digits + 0;
     my @values = $value == 0 ? (1) : ($value + 1, $value - 1);
     return map { sprintf($isHex ? '0x%X%s' : '%d%s', $_, $suffix) } @values;
