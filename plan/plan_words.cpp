@@ -67,16 +67,16 @@ std::string PassText(const DirectPlan& plan, const PassOutput& pass)
     case PassKind::NarrowSplit:
         return "narrow to 8 bits and split " + channels;
     case PassKind::Merge:
-        return "merge " + channels + " of " + BitsOf(pass.bits);
+        break;
     }
-    return {};
+    return "merge " + channels + " of " + BitsOf(pass.bits);
 }
 
 std::string ChainText(const Plan& plan, ChainStep step)
 {
     switch (step) {
     case ChainStep::None:
-        return {};
+        break;
     case ChainStep::Reverse:
         return "mirror";
     case ChainStep::Repeat:
