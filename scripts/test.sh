@@ -32,7 +32,8 @@ cmake --build --preset debug -j "$jobs" --target pelkraft_objects
 test_build debug -R vector_objects
 
 # A fixed sample of the evidence that is no test program of its own.
-bash scripts/evidence.sh --sample fuzzing threads undefined_bytes sizes mutants
+bash scripts/evidence.sh --sample fuzzing threads undefined_bytes sizes mutants coverage \
+    static_analysis
 
 # The grid ran whole above; here its sample does.
 unset PELKRAFT_TEST_FULL

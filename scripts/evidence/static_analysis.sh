@@ -22,7 +22,7 @@ sources_of() { git ls-files "${@/%//*.cpp}" "${@/%//*.h}"; }
 
 require_reasons() {
     local marks='NOLINT|cppcheck-suppress' reasoned
-    reasoned='NOLINT(NEXTLINE)?\([a-z][a-z0-9.,-]*\): .|cppcheck-suppress [A-Za-z]+ // .'
+    reasoned='NOLINT(NEXTLINE)?\([a-z][A-Za-z0-9.,-]*\): .|cppcheck-suppress [A-Za-z]+ // .'
     if git grep -nE "$marks" -- '*.cpp' '*.h' | grep -vE "$reasoned"; then
         echo "static_analysis.sh: no named check, or no reason" >&2
         exit 1
