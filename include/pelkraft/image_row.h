@@ -16,7 +16,7 @@ namespace Pelkraft {
 //            a buffer can't be had; the row is then as it was.
 // Memory     A conversion allocates nothing, save where the bytes of the rows overlap, where a map
 //            has more than 64 entries or one beyond the source's channels, and where the portable
-//            road unpacks samples. It takes about 40 KB of the stack.
+//            road unpacks samples. It takes at most 50 KB of the stack.
 // Ownership  A row frees a buffer only if it allocated it. Copies share the pointer and the claim
 //            to it: see to it that only one copy of an owning row is destroyed or released.
 // Threads    Many readers or one writer. Conversions of distinct rows may run at once.
