@@ -8,8 +8,9 @@ namespace {
 
 // A cache puts lines of addresses so far apart into one set, which holds a few of them.
 constexpr std::size_t setBytes = 4096;
-constexpr std::size_t lineBytes = 64;
 constexpr std::size_t setWays = 12;
+// Planes that start this near to each other in their sets meet in most lines of a piece.
+constexpr std::size_t nearBytes = 256;
 
 // In rows this short each line is done with soon, however the planes lie.
 constexpr std::size_t shortPlaneBytes = 256;
@@ -24,8 +25,8 @@ inline bool PlanesCollide(const unsigned char* const* planes, std::size_t channe
     const auto first = reinterpret_cast<std::size_t>(planes[0]);
     std::size_t sameSet = 0;
     for (std::size_t channel = 0; channel < channels; ++channel) {
-        const auto distance = reinterpret_cast<std::size_t>(planes[channel]) - first + lineBytes;
-        sameSet += distance % setBytes < 2 * lineBytes ? 1 : 0;
+        const auto distance = reinterpret_cast<std::size_t>(planes[channel]) - first + nearBytes;
+        sameSet += distance % setBytes < 2 * nearBytes ? 1 : 0;
     }
     return sameSet > setWays;
 }

@@ -98,16 +98,29 @@ template <int sampleBytes, int groupBytes>
         });
 }
 
+// Planes that collide throw each other's lines out at every change of the group, so that their
+// pieces are as long as the first-level cache can hold them.
+inline std::size_t LongPieceOf(std::size_t pixelBytes)
+{
+    constexpr std::size_t pieceBytes = 32768;
+    const std::size_t piece = pieceBytes / pixelBytes / 64 * 64;
+    if (piece < piecePixels)
+        return piecePixels;
+    return piece < 4 * piecePixels ? piece : 4 * piecePixels;
+}
+
 // Calls whole(channel, first, end) for a group of 16 bytes, half(channel, first, end) for one of 8,
 // one group after the other in each piece of the row, which holds a block at least.
 template <int sampleBytes, typename Whole, typename Half>
-void ForGroups(std::size_t pixels, std::size_t channels, bool inHalves, Whole whole, Half half)
+void ForGroups(std::size_t pixels, const WidePixels& shape, bool inHalves, Whole whole, Half half)
 {
+    const std::size_t channels = shape.channels;
+    const std::size_t piece = inHalves ? LongPieceOf(shape.pixelBytes) : piecePixels;
     constexpr std::size_t wholeChannels = 16 / sampleBytes;
     constexpr std::size_t halfChannels = 8 / sampleBytes;
     for (std::size_t first = 0; first < pixels;) {
-        const bool isLast = pixels - first < piecePixels + groupBlock<sampleBytes>;
-        const std::size_t end = isLast ? pixels : first + piecePixels;
+        const bool isLast = pixels - first < piece + groupBlock<sampleBytes>;
+        const std::size_t end = isLast ? pixels : first + piece;
         for (std::size_t channel = 0; channel < channels;) {
             const std::size_t rest = channels - channel;
             if (inHalves || rest <= halfChannels) {
@@ -129,7 +142,7 @@ void SplitGroups(const unsigned char* row, unsigned char* const* planes, std::si
 {
     const std::size_t pixelBytes = shape.pixelBytes;
     ForGroups<sampleBytes>(
-        pixels, shape.channels, inHalves,
+        pixels, shape, inHalves,
         [=](std::size_t channel, std::size_t first, std::size_t end) {
             SplitPiece<sampleBytes, 16>(row + channel * sampleBytes, planes + channel, first, end,
                                         pixelBytes);
@@ -146,7 +159,7 @@ void MergeGroups(const unsigned char* const* planes, unsigned char* row, std::si
 {
     const std::size_t pixelBytes = shape.pixelBytes;
     ForGroups<sampleBytes>(
-        pixels, shape.channels, inHalves,
+        pixels, shape, inHalves,
         [=](std::size_t channel, std::size_t first, std::size_t end) {
             MergePiece<sampleBytes, 16>(planes + channel, row + channel * sampleBytes, first, end,
                                         pixelBytes);
