@@ -103,7 +103,7 @@ inline Lanes Add8(Lanes a, Lanes b)
     return _mm512_add_epi8(a, b);
 }
 
-// Of unsigned bytes, at most 255 each.
+// The sums of unsigned bytes, at most 255 each.
 inline Lanes AddSaturated8(Lanes a, Lanes b)
 {
     return _mm512_adds_epu8(a, b);

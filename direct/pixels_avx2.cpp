@@ -110,12 +110,12 @@ Block<vectors> MakeBlock(const StepNumbers& numbers)
     return block;
 }
 
-// What all rows of a call share. Unsigned, so that a step backwards wraps around.
+// All rows of a call share these sizes. They are unsigned, so that a step backwards wraps around.
 struct Extent
 {
     std::size_t rowBytes;
     std::size_t blockBytes;
-    // Of the source pixels that have all their copies.
+    // Output of the source pixels that have all their copies.
     std::size_t wholeBytes;
     bool endsWhole;
 };

@@ -42,7 +42,7 @@ constexpr bool IsPermutation(unsigned order)
     return used == 0xf;
 }
 
-// Of each byte all bits where the channel is kept, or none.
+// Each byte has all its bits where the channel is kept, or none.
 using KeptBytes = std::array<unsigned char, 8>;
 
 constexpr int BitOf(unsigned byte)

@@ -99,7 +99,7 @@ template <int blockPixels, typename Body>
         body(pixel < last ? pixel : last);
 }
 
-// Where the pieces of each lane start, in samples of the block. A stretch of one lane is followed
+// The pieces of each lane start at these samples of the block. A stretch of one lane is followed
 // by that of the next one:
 //
 //   1 stretch, order 4, 2 lanes    0 1 2 3 | 0 1 2 3          piece numbers, lane 0 | lane 1

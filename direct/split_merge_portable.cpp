@@ -21,7 +21,7 @@ inline void CopySample(const unsigned char* from, unsigned char* to)
     std::memcpy(to, from, sampleBytes);
 }
 
-// Of an even number of channels, each sample is one half of the word that it shares with its
+// With an even number of channels, each sample is one half of the word that it shares with its
 // neighbour: so both compilers sort 2 and 4 of them in vectors.
 template <int channels, int channel>
 inline std::uint16_t PickByte(const unsigned char* pixel)

@@ -4,9 +4,9 @@
 #include "direct/narrow_words_lanes.h"
 #include "direct/split_merge_table.h"
 
-// What a split does to the samples on their way: it loads a vector of them from the row, sorts them
-// with sampleBytes each and stores a vector of them to each plane.
-// Only for files built with vector flags: all of it has internal linkage on purpose.
+// Each struct says how a split treats the samples on their way: it loads a vector of them from the
+// row, sorts them with sampleBytes each and stores a vector of them to each plane. Only for files
+// built with vector flags: all of it has internal linkage on purpose.
 namespace zvk::Pelkraft {
 namespace {
 
@@ -24,7 +24,7 @@ struct KeptSamples
     static constexpr int sampleBytes = bytes;
     static constexpr int planeBytes = bytes;
 
-    // Where a byte stands that is number `byte` in the order of the row.
+    // The byte that is number `byte` in the order of the row stands here.
     static constexpr int PlaceOf(int byte) { return byte; }
     static Lanes LoadFrom(const unsigned char* row) { return Load(row); }
     static void StoreTo(unsigned char* plane, Lanes v) { Store(plane, v); }

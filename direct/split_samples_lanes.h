@@ -3,8 +3,8 @@
 #include "direct/narrow_words_lanes.h"
 #include "direct/split_merge_table.h"
 
-// What a split does to the samples on their way: it loads them from the row, sorts them with
-// sampleBytes each and stores a vector of them to each plane. Included after one of the
+// Each struct says how a split treats the samples on their way: it loads them from the row, sorts
+// them with sampleBytes each and stores a vector of them to each plane. Included after one of the
 // vocabularies common/lanes_*.h, for vectors of one or two lanes.
 // Only for files built with vector flags: all of it has internal linkage on purpose.
 namespace zvk::Pelkraft {
