@@ -135,9 +135,13 @@ template <typename Body>
 void ForEachBatch(std::size_t channels, Body body)
 {
     const std::size_t batches = (channels + maxPlanes - 1) / maxPlanes;
+    // The products of a row of millions of channels do not fit 32 bits.
+    const auto firstOf = [&](std::size_t batch) {
+        return static_cast<std::size_t>(std::uint64_t{channels} * batch / batches);
+    };
     for (std::size_t i = 0; i != batches; ++i) {
-        const std::size_t first = channels * i / batches;
-        body(ChannelBatch{first, channels * (i + 1) / batches - first});
+        const std::size_t first = firstOf(i);
+        body(ChannelBatch{first, firstOf(i + 1) - first});
     }
 }
 
