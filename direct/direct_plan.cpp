@@ -29,7 +29,8 @@ std::uint64_t PlacesOf(std::int32_t entry, std::size_t sampleBytes)
 {
     if (sampleBytes == 1)
         return entry < 0 ? emptyByte : static_cast<std::uint64_t>(entry);
-    return entry < 0 ? emptyByte * 0x101U : static_cast<std::uint64_t>(entry) * 0x202 + 0x100;
+    return entry < 0 ? std::uint64_t{emptyByte} * 0x101
+                     : static_cast<std::uint64_t>(entry) * 0x202 + 0x100;
 }
 
 // Writes the places of small pixels a word at a time: a kernel reads them at once, and would wait

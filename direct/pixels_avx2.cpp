@@ -25,6 +25,7 @@ enum class Loads : unsigned char
 struct BlockShape
 {
     unsigned char pixels;
+    // cppcheck-suppress unusedStructMember // the choice of a method reads it
     unsigned char vectors;
     Loads loads;
 };
@@ -58,13 +59,13 @@ constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
 
 constexpr BlockShapes MakeShapes()
 {
-    BlockShapes shapes{};
+    BlockShapes found{};
     for (int source = 0; source < maxPixelBytes; ++source)
         for (int destination = 0; destination < maxPixelBytes; ++destination)
             for (int shift = 0; shift < 3; ++shift)
-                shapes.of[source][destination][shift] =
+                found.of[source][destination][shift] =
                     FindShape(source + 1, (destination + 1) << shift);
-    return shapes;
+    return found;
 }
 
 constexpr BlockShapes shapes = MakeShapes();

@@ -178,11 +178,13 @@ template <int vectors, int loads>
     std::ptrdiff_t from = row.from;
     for (std::ptrdiff_t to = row.to; to < extent.destinationBytes; to += block.toStep) {
         const std::ptrdiff_t left = extent.destinationBytes - to;
+        // NOLINTNEXTLINE(bugprone-implicit-widening-of-multiplication-result): it is a few vectors.
         for (int vector = 0; vector < vectors && vectorBytes * vector < left; ++vector) {
             const std::ptrdiff_t first = from + block.loadAt[vector];
             Lanes moved = Zero();
             for (int load = 0; load < loads; ++load) {
-                const std::ptrdiff_t wanted = first + load * vectorBytes;
+                const std::ptrdiff_t wanted =
+                    first + static_cast<std::ptrdiff_t>(load * vectorBytes);
                 const std::ptrdiff_t near = wanted < latest ? wanted : latest;
                 const std::ptrdiff_t at = near < 0 ? 0 : near;
                 if (!isShort)
@@ -190,8 +192,8 @@ template <int vectors, int loads>
                 const Lanes places = Add8(block.places[vector], Set8(static_cast<int>(first - at)));
                 moved = Or(moved, Permute(pixels, loads == 1 ? places : MaskOfLoad(places)));
             }
-            StorePart(row.destination + to + vectorBytes * vector, moved,
-                      left - vectorBytes * vector);
+            const int start = vectorBytes * vector;
+            StorePart(row.destination + to + start, moved, left - start);
         }
         from += block.fromStep;
     }
@@ -220,9 +222,10 @@ template <int vectors, int loads, bool ownLoads, bool isFull>
     if (row.to >= extent.destinationBytes)
         return;
     // The last whole block once more, so that the row ends with it.
+    constexpr int loadedBytes = loads * vectorBytes;
     const bool mirrored = fromStep < 0;
     if (isFull && row.to != 0 && extent.endsWhole &&
-        (mirrored ? -fromStep : fromStep) >= loads * vectorBytes)
+        (mirrored ? -fromStep : fromStep) >= loadedBytes)
         DoBlock<vectors, loads, ownLoads>(
             block, row.source + (mirrored ? 0 : extent.sourceBytes - fromStep),
             row.destination + (extent.destinationBytes - toStep));

@@ -94,6 +94,7 @@ template <unsigned order, unsigned... sample>
 TwoPixels PermuteTwo(const TwoPixels& pixels, const TwoPixels& kept,
                      std::integer_sequence<unsigned, sample...>)
 {
+    // cppcheck-suppress constStatement // it is one value for each number of the pack
     return {{static_cast<std::uint16_t>(pixels.of[sample / 4 * 4 + ChannelFrom(order, sample % 4)] &
                                         kept.of[sample])...}};
 }
@@ -201,6 +202,7 @@ void MapThroughPlanes(const PixelStep& step, std::size_t sampleBytes, const unsi
         planes[channel] = tile + channel * planeStep;
     for (std::size_t channel = 0; channel < channels; ++channel) {
         const std::size_t place = step.places[channel * sampleBytes];
+        // cppcheck-suppress uninitvar // a place lies in one of the source channels
         chosen[channel] = place == emptyByte ? zeros : planes[place / sampleBytes];
     }
     const std::size_t tilePixels = planeBytes / sampleBytes;

@@ -15,6 +15,7 @@ struct Piece
 {
     struct Value
     {
+        // cppcheck-suppress unusedStructMember // it is copied as a whole
         unsigned char content[count];
     };
     static constexpr std::size_t bytes = count;

@@ -74,7 +74,9 @@ template <typename Samples, int channels>
 struct SortPlaces
 {
     using Piece = Pieces<Samples::sampleBytes, channels>;
+    // cppcheck-suppress unusedStructMember // the kernels load it
     static constexpr Places sort = Piece::template Sort<Samples>(0);
+    // cppcheck-suppress unusedStructMember // the kernels load it
     static constexpr Places sortAtEnd = Piece::template Sort<Samples>(vectorBytes - Piece::bytes);
 };
 
@@ -82,7 +84,9 @@ template <int sampleBytes, int channels>
 struct UnsortPlaces
 {
     using Piece = Pieces<sampleBytes, channels>;
+    // cppcheck-suppress unusedStructMember // the kernels load it
     static constexpr Places unsort = Piece::Unsort();
+    // cppcheck-suppress unusedStructMember // the kernels load it
     static constexpr Places unsortEnd = Piece::UnsortEnd();
 };
 
@@ -140,7 +144,7 @@ template <typename Samples, int channels>
     Unroll<Piece::order>([&](auto i) __attribute__((always_inline)) {
         constexpr bool isLast = i + 1 == Piece::order;
         constexpr int start = isLast ? Piece::blockBytes - vectorBytes : i * Piece::bytes;
-        const Lanes samples = Samples::LoadFrom(block + start * loadFactor);
+        const Lanes samples = Samples::LoadFrom(block + std::ptrdiff_t{start} * loadFactor);
         v[i] = _mm512_permutexvar_epi8(isLast ? sortAtEnd : sort, samples);
     });
     Unroll<4>([&](auto part)

@@ -31,7 +31,7 @@ inline std::uint16_t PickByte(const unsigned char* pixel)
     } else {
         constexpr bool isLittle = std::endian::native == std::endian::little;
         std::uint16_t pair;
-        std::memcpy(&pair, pixel + channel / 2 * 2, sizeof pair);
+        std::memcpy(&pair, pixel + std::ptrdiff_t{channel} / 2 * 2, sizeof pair);
         return static_cast<std::uint16_t>((channel % 2 == 0) == isLittle ? pair & 0xff : pair >> 8);
     }
 }

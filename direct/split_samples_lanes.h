@@ -49,7 +49,7 @@ struct WidenedSamples
     static void StoreTo(unsigned char* plane, Lanes v)
     {
         Store(plane, UnpackLow<1>(v, v));
-        Store(plane + 16 * laneCount, UnpackHigh<1>(v, v));
+        Store(plane + std::ptrdiff_t{16} * laneCount, UnpackHigh<1>(v, v));
     }
 
     static SplitKernel KernelOf(const SplitMergeKernels& kernels, int channels)

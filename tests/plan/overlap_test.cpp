@@ -16,8 +16,8 @@ struct Placed
     ConversionCase tested;
 };
 
-// Rows whose last bytes are not all of a pixel, of one that is wider than the other, and of pixels
-// that move alone.
+// Rows whose last bytes are not all of a pixel or hold one bit of it, of one that is wider than the
+// other, and of pixels that move alone.
 std::vector<Placed> PlacedCases()
 {
     return {
@@ -26,6 +26,8 @@ std::vector<Placed> PlacedCases()
         {"words", CaseOf({50, 3, 8, true}, {50, 3, 16, false}, 7)},
         {"bits", CaseOf({53, 3, 1, true}, {53, 3, 8, false}, 7)},
         {"to bits", CaseOf({53, 3, 16, true}, {53, 3, 2, true}, 7)},
+        {"one bit alone", CaseOf({33, 3, 1, true}, {33, 3, 8, false}, 7)},
+        {"to one bit alone", CaseOf({33, 3, 8, false}, {33, 3, 1, true}, 7)},
         {"ten bits", CaseOf({53, 3, 10, false}, {53, 3, 10, false}, 7)},
         {"wider", CaseOf({90, 3, 8, false}, {50, 3, 8, false}, 7)},
         {"narrower", CaseOf({50, 3, 8, false}, {90, 3, 8, false}, 7)},
