@@ -46,7 +46,9 @@ EngineOwner MakeVector(int textVersion, Road road)
 EngineOwner MakeByProcessor(int textVersion)
 {
     const Road road = RoadOf(zvk::SystemTools::GetSseVersion());
-    return road == Road::Portable ? MakePortable(textVersion) : MakeVector(textVersion, road);
+    if (road == Road::Portable)
+        return MakePortable(textVersion);
+    return MakeVector(textVersion, road);
 }
 
 EngineOwner MakeEngine(DotWeavePattern::Engine engine, int textVersion)

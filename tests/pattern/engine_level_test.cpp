@@ -100,6 +100,7 @@ SseRowMethod MethodOf(const DotWeavePattern& pattern)
 {
     // The engine stands in front, as the binary interface promises.
     DotWeavePatternEngine* engine = nullptr;
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): the pointer itself is copied.
     std::memcpy(&engine, static_cast<const void*>(&pattern), sizeof engine);
     const auto* const vectorEngine = dynamic_cast<EngineClass*>(engine);
     return vectorEngine != nullptr ? vectorEngine->GetRowMethod() : nullptr;

@@ -50,7 +50,7 @@ SseLanes RandomLanes(std::uint32_t inColors, std::uint32_t outInks, std::uint8_t
                      std::uint32_t seed)
 {
     SseLanes lanes;
-    const auto bytes = RandomBytes(2 * most, seed);
+    const auto bytes = RandomBytes(std::size_t{2} * most, seed);
     for (std::size_t i = 0; i < inColors; ++i)
         lanes.mStepLimits[i] = bytes[i] & highestLimit;
     for (std::size_t i = 0; i < outInks; ++i)

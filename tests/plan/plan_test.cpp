@@ -250,7 +250,7 @@ Bytes RunTwice(const Plan& plan, const ConversionCase& tested, std::uint32_t see
     const Bytes source = RandomBytes(NaiveRowBytes(tested.source), seed);
     const Bytes before = RandomBytes(NaiveRowBytes(tested.destination), seed + 1);
     const Bytes expected = ExpectedOf(tested, source, before);
-    const Bytes first = RunOn(plan, tested, source, before, RunPlan);
+    Bytes first = RunOn(plan, tested, source, before, RunPlan);
     EXPECT_TRUE(expected == first) << Describe(tested);
     EXPECT_TRUE(expected == RunOn(plan, tested, source, before, RunPlan)) << Describe(tested);
     return first;
@@ -272,6 +272,7 @@ TEST(Plan, IsRunByFourThreadsAtOnce)
     for (const int level : LevelsOfThisProcessor()) {
         const std::vector<ConversionCase> cases = PlannedCases(level);
         std::vector<Plan> plans;
+        plans.reserve(cases.size());
         for (const ConversionCase& tested : cases)
             plans.push_back(PlanOf(tested, level));
         std::vector<std::jthread> threads;

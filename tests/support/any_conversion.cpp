@@ -244,7 +244,7 @@ std::string CheckAnyConversionAtAllLevels(const std::uint8_t* bytes, std::size_t
     for (const int level : LevelsOfThisProcessor()) {
         const LimitedLevel limited(level);
         // At level 0 that is what the processor asks for.
-        const std::string finding = CheckBothKinds(any, level == 0);
+        std::string finding = CheckBothKinds(any, level == 0);
         if (!finding.empty())
             return finding;
     }
