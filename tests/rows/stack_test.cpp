@@ -13,10 +13,10 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-constexpr std::size_t stackBytes = 256 * 1024;
+constexpr std::size_t stackBytes = std::size_t{256} * 1024;
 constexpr unsigned char paint = 0xA5;
 // The header says at most 50 KB.
-constexpr std::size_t promisedBytes = 50 * 1024;
+constexpr std::size_t promisedBytes = std::size_t{50} * 1024;
 constexpr int width = 1000;
 
 struct Format
