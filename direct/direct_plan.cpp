@@ -274,7 +274,7 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const Fo
     plan.mapped = request.maps;
     if (plan.mapped && !CopyMap(plan, request.map))
         return false;
-    const auto repeat = static_cast<std::uint32_t>(std::abs(request.factor));
+    const auto repeat = static_cast<std::uint32_t>(std::abs(std::int64_t{request.factor}));
     // One, two or four: below five, and a power of two.
     if (repeat - 1 >= 4 || (repeat & (repeat - 1)) != 0)
         return false;

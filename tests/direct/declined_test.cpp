@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 // No row asks for them: the public operations refuse them first.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
@@ -22,7 +24,8 @@ TEST(DirectPlan, DeclinesRepeatsThatNoKernelHas)
 {
     for (const int factor : {1, 2, 4, -1, -2, -4})
         EXPECT_TRUE(IsServed(factor)) << factor;
-    for (const int factor : {3, 5, 8, -3, -8, 256, 258, 260, -2147483647})
+    for (const int factor :
+         {3, 5, 8, -3, -8, 256, 258, 260, -2147483647, std::numeric_limits<int>::min()})
         EXPECT_FALSE(IsServed(factor)) << factor;
 }
 

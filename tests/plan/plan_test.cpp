@@ -163,8 +163,8 @@ Bytes ExpectedOf(const ConversionCase& tested, const Bytes& source, const Bytes&
     return expected;
 }
 
-// Of each kind that reads its map at another place: planes chosen, pixels shuffled, splits,
-// packed planes, and maps of as many entries as a plan keeps.
+// One plan of each kind that reads its map at another place: planes chosen, pixels shuffled,
+// splits, packed planes, and maps of as many entries as a plan keeps.
 std::vector<ConversionCase> MappedCases(int level)
 {
     std::vector<int> longest(64, 1);

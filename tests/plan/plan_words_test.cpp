@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-// What a plan says of itself, against what each conversion is, written out by hand.
+// A plan's words are held against what each conversion is, written out by hand.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
@@ -223,7 +223,7 @@ TEST(PlanWords, TellOfMaps)
          {"map the pixels"},
          210,
          210},
-        // Of five planes two are read.
+        // Two of the five planes are read.
         {{70, 5, 8, true},
          {70, 4, 8, true},
          MapTo({2, -1, 0, 0}),

@@ -13,7 +13,7 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-// Of the widest rows one case of so many, or the test would move terabytes.
+// One case of so many has the widest rows, or the test would move terabytes.
 constexpr std::uint64_t wideEvery = 211;
 constexpr int widest = 100000;
 

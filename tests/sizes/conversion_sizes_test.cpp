@@ -118,7 +118,7 @@ protected:
         ++(end == returned ? empty : refused);
     }
 
-    // Of the chain, which looks at no row without its own memory.
+    // The chain is asked, which looks at no row without its own memory.
     void ExpectNoMemory(const SizedCase& sized)
     {
         const std::string end = Run<ChainRow>(sized, forbidden.Last(16), forbidden.Last(16));
