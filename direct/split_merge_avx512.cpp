@@ -1,17 +1,17 @@
 #include "common/lanes_avx512.h"
 #include "common/unroll_vector.h"
 #include "direct/colliding_planes.h"
+#include "direct/short_rows_lanes.h"
 #include "direct/split_samples_avx512.h"
 
 #include <cstdint>
-#include <utility>
 
 // The byte permute across the whole vector sorts 64 bytes at once, so that a block is one run of
 // the row instead of a run for each lane.
 namespace zvk::Pelkraft {
 namespace {
 
-const SplitMergeKernels& Narrower()
+const SplitMergeKernels& NarrowerKernels()
 {
     return Avx2Road::GetSplitMergeKernels();
 }
@@ -257,22 +257,6 @@ constexpr bool IsProgrammed(int channels)
     return channels == 2 || channels == 3 || channels == 5;
 }
 
-// Rows shorter than a block go on from functions of their own, so that the longer ones do not pay
-// for their frames.
-template <typename Samples, int channels>
-[[gnu::noinline]] void SplitShort(const unsigned char* row, unsigned char* const* planes,
-                                  std::size_t pixels)
-{
-    Samples::KernelOf(Narrower(), channels)(row, planes, pixels);
-}
-
-template <int sampleBytes, int channels>
-[[gnu::noinline]] void MergeShort(const unsigned char* const* planes, unsigned char* row,
-                                  std::size_t pixels)
-{
-    MergeAt(Narrower(), sampleBytes, channels)(planes, row, pixels);
-}
-
 template <typename Samples, int channels>
 void SplitDense(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
@@ -344,39 +328,22 @@ template <int sampleBytes>
 void SplitWide(const unsigned char* row, unsigned char* const* planes, std::size_t pixels,
                const WidePixels& shape)
 {
-    WideSplitAt(Narrower(), sampleBytes)(row, planes, pixels, shape);
+    WideSplitAt(NarrowerKernels(), sampleBytes)(row, planes, pixels, shape);
 }
 
 template <int sampleBytes>
 void MergeWide(const unsigned char* const* planes, unsigned char* row, std::size_t pixels,
                const WidePixels& shape)
 {
-    WideMergeAt(Narrower(), sampleBytes)(planes, row, pixels, shape);
+    WideMergeAt(NarrowerKernels(), sampleBytes)(planes, row, pixels, shape);
 }
-
-template <typename Samples>
-constexpr FusedKernels MakeFused()
-{
-    return {nullptr, nullptr, SplitDense<Samples, 2>, SplitDense<Samples, 3>,
-            SplitDense<Samples, 4>};
-}
-
-template <int... index>
-constexpr SplitMergeKernels MakeKernels(std::integer_sequence<int, index...>)
-{
-    return {.split = {{{nullptr, nullptr, Split<1, index + 2>...},
-                       {nullptr, nullptr, Split<2, index + 2>...}}},
-            .merge = {{{nullptr, nullptr, Merge<1, index + 2>...},
-                       {nullptr, nullptr, Merge<2, index + 2>...}}},
-            .wideSplit = {SplitWide<1>, SplitWide<2>},
-            .wideMerge = {MergeWide<1>, MergeWide<2>},
-            .splitWiden = MakeFused<WidenedSamples>(),
-            .narrowSplit = MakeFused<NarrowedSamples>()};
-}
-
-constexpr SplitMergeKernels kernels = MakeKernels(std::make_integer_sequence<int, 15>());
 
 } // namespace
+} // namespace zvk::Pelkraft
+
+#include "direct/split_merge_kernels_lanes.h"
+
+namespace zvk::Pelkraft {
 
 const SplitMergeKernels& Avx512Road::GetSplitMergeKernels()
 {

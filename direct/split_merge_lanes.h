@@ -1,12 +1,11 @@
 #pragma once
 
-#include "direct/split_merge_table.h"
+#include "direct/short_rows_lanes.h"
 #include "direct/split_samples_lanes.h"
 #include "direct/transpose_lanes.h"
 
 // The dense kernels, over one of the vocabularies common/lanes_*.h, which is included before. The
-// file that includes this one defines NarrowerKernels(), for rows shorter than a block, and
-// StoreRuns().
+// file that includes this one defines NarrowerKernels() and StoreRuns().
 // Only for files built with vector flags: all of it has internal linkage on purpose.
 //
 // Each 16-byte lane works on a block of 16 / sampleBytes pixels of its own. The block is cut into
@@ -16,8 +15,6 @@
 //                         r0 r1 r2 r3 g0 .. g3 b0 .. b3 -- -- -- --   sorted: 4 units
 namespace zvk::Pelkraft {
 namespace {
-
-const SplitMergeKernels& NarrowerKernels();
 
 // Each lane's part of the vectors in turn is one run of bytes; the runs lie one after the other.
 template <int count>
@@ -140,22 +137,6 @@ template <typename Samples, int channels>
     });
 }
 
-// Rows shorter than a block go on from functions of their own, so that the longer ones do not pay
-// for their frames.
-template <typename Samples, int channels>
-[[gnu::noinline]] void SplitShort(const unsigned char* row, unsigned char* const* planes,
-                                  std::size_t pixels)
-{
-    Samples::KernelOf(NarrowerKernels(), channels)(row, planes, pixels);
-}
-
-template <int sampleBytes, int channels>
-[[gnu::noinline]] void MergeShort(const unsigned char* const* planes, unsigned char* row,
-                                  std::size_t pixels)
-{
-    MergeAt(NarrowerKernels(), sampleBytes, channels)(planes, row, pixels);
-}
-
 template <typename Samples, int channels>
 void SplitDense(const unsigned char* row, unsigned char* const* planes, std::size_t pixels)
 {
@@ -176,13 +157,6 @@ void SplitDense(const unsigned char* row, unsigned char* const* planes, std::siz
                 Samples::StoreTo(to[channel] + pixel * Samples::planeBytes, v[channel]);
             });
         });
-}
-
-template <typename Samples>
-constexpr FusedKernels MakeFused()
-{
-    return {nullptr, nullptr, SplitDense<Samples, 2>, SplitDense<Samples, 3>,
-            SplitDense<Samples, 4>};
 }
 
 // Ascending: a piece may spoil bytes of the next one, never of the one before.

@@ -2,7 +2,7 @@
 #include "direct/split_merge_lanes.h"
 #include "direct/wide_split_merge_lanes.h"
 
-#include <utility>
+#include "direct/split_merge_kernels_lanes.h"
 
 namespace zvk::Pelkraft {
 namespace {
@@ -17,21 +17,6 @@ template <int count>
 {
     Unroll<count>([&](auto i) __attribute__((always_inline)) { Store(block + 16 * i, v[i]); });
 }
-
-template <int... index>
-constexpr SplitMergeKernels MakeKernels(std::integer_sequence<int, index...>)
-{
-    return {.split = {{{nullptr, nullptr, Split<1, index + 2>...},
-                       {nullptr, nullptr, Split<2, index + 2>...}}},
-            .merge = {{{nullptr, nullptr, Merge<1, index + 2>...},
-                       {nullptr, nullptr, Merge<2, index + 2>...}}},
-            .wideSplit = {SplitWide<1>, SplitWide<2>},
-            .wideMerge = {MergeWide<1>, MergeWide<2>},
-            .splitWiden = MakeFused<WidenedSamples>(),
-            .narrowSplit = MakeFused<NarrowedSamples>()};
-}
-
-constexpr SplitMergeKernels kernels = MakeKernels(std::make_integer_sequence<int, 15>());
 
 } // namespace
 
