@@ -3,32 +3,14 @@
 namespace zvk::Pelkraft {
 namespace {
 
-const Kernels& PortableKernels()
-{
-    static const Kernels kernels{&PortableRoad::GetSplitMergeKernels(),
-                                 &PortableRoad::GetSampleKernels(),
-                                 &PortableRoad::GetPixelKernels()};
-    return kernels;
-}
+using GetSplitMerge = const SplitMergeKernels& (*)();
+using GetSamples = const SampleKernels& (*)();
+using GetPixels = const PixelKernels& (*)();
 
-const Kernels& VectorKernels()
+template <GetSplitMerge getSplitMerge, GetSamples getSamples, GetPixels getPixels>
+const Kernels& CollectKernels()
 {
-    static const Kernels kernels{&VectorRoad::GetSplitMergeKernels(),
-                                 &VectorRoad::GetSampleKernels(), &VectorRoad::GetPixelKernels()};
-    return kernels;
-}
-
-const Kernels& Avx2Kernels()
-{
-    static const Kernels kernels{&Avx2Road::GetSplitMergeKernels(), &Avx2Road::GetSampleKernels(),
-                                 &Avx2Road::GetPixelKernels()};
-    return kernels;
-}
-
-const Kernels& Avx512Kernels()
-{
-    static const Kernels kernels{&Avx512Road::GetSplitMergeKernels(),
-                                 &Avx512Road::GetSampleKernels(), &Avx512Road::GetPixelKernels()};
+    static const Kernels kernels{&getSplitMerge(), &getSamples(), &getPixels()};
     return kernels;
 }
 
@@ -38,13 +20,17 @@ const Kernels& KernelsOf(Road road)
 {
     if constexpr (hasVectorRoad) {
         if (road == Road::Avx512)
-            return Avx512Kernels();
+            return CollectKernels<Avx512Road::GetSplitMergeKernels, Avx512Road::GetSampleKernels,
+                                  Avx512Road::GetPixelKernels>();
         if (road == Road::Avx2)
-            return Avx2Kernels();
+            return CollectKernels<Avx2Road::GetSplitMergeKernels, Avx2Road::GetSampleKernels,
+                                  Avx2Road::GetPixelKernels>();
         if (road == Road::Vector)
-            return VectorKernels();
+            return CollectKernels<VectorRoad::GetSplitMergeKernels, VectorRoad::GetSampleKernels,
+                                  VectorRoad::GetPixelKernels>();
     }
-    return PortableKernels();
+    return CollectKernels<PortableRoad::GetSplitMergeKernels, PortableRoad::GetSampleKernels,
+                          PortableRoad::GetPixelKernels>();
 }
 
 } // namespace zvk::Pelkraft
