@@ -129,7 +129,7 @@ private:
         Add(PassKind::Step);
     }
 
-    // Where a map is still to come, the larger one of both pixels counts.
+    // If a map is still to come, the larger one of both pixels counts.
     std::size_t PixelBytes() const
     {
         const std::size_t channels = std::max(maps ? plan.sourceChannels : 0, plan.channels);

@@ -81,7 +81,7 @@ void RunCopy(const PassOutput& pass, const PassInput& input, const PassTarget& t
                  });
 }
 
-// Whether each plane starts where the one before it ends, on both sides, so that a step may take
+// True if each plane starts where the one before it ends, on both sides, so that a step may take
 // them for one row.
 bool AreOneRow(const PixelStep& step, const StepRows& rows, std::size_t pixels)
 {

@@ -99,9 +99,9 @@ struct Row
 template <int vectors, int loads>
 struct Block
 {
-    // For each vector and load.
+    // Each vector has a mask for each of its loads.
     Lanes masks[vectors * loads];
-    // For each vector, the places counted from its first load.
+    // The places of each vector count from its first load.
     Lanes places[vectors];
     std::ptrdiff_t loadAt[vectors];
     // Negative where the step mirrors.
@@ -262,7 +262,7 @@ constexpr BlocksMethods<index...> MakeMethods(std::integer_sequence<int, index..
     return {{RunBlocks<index + 1, 1, false, isFull>...}};
 }
 
-// From one load, by the vectors less 1.
+// The methods with one load, by the number of vectors less 1.
 constexpr auto fullMethods = MakeMethods<true>(std::make_integer_sequence<int, 4>{});
 constexpr auto looseMethods = MakeMethods<false>(std::make_integer_sequence<int, 4>{});
 

@@ -106,8 +106,8 @@ inline Lanes Quotients(Lanes bytes, int divisor)
     return Or(even, ShiftLeft16<8>(odd));
 }
 
-// For the common sizes of a destination pixel, and each byte of a block's output: the number of the
-// pixel, and the byte in it.
+// The tables give, for the common sizes of a destination pixel and each byte of a block's output,
+// the number of the pixel and the byte in it.
 constexpr int maxTabledSize = 16;
 constexpr int tabledBytes = 256;
 
@@ -148,8 +148,8 @@ inline ByteOrigin OriginOf(int destinationBytes, int firstByte)
     return {pixel, Subtract8(bytes, MultiplyLow16(pixel, Set16(destinationBytes)))};
 }
 
-// For each byte of one output vector the first byte of its source pixel in the block, counted from
-// `loadAt` on.
+// Gives for each byte of one output vector the first byte of its source pixel in the block, counted
+// from `loadAt` on.
 inline Lanes PixelStarts(const StepNumbers& numbers, Lanes copies, int loadAt)
 {
     const Lanes pixel =
@@ -213,7 +213,7 @@ struct WidePiece
     static void Put(unsigned char* to, Lanes v) { Store(to, v); }
 };
 
-// Half as long.
+// Half as long as the wide piece, it serves what is too short for that one.
 struct NarrowPiece
 {
     static constexpr std::size_t bytes = laneCount == 1 ? 8 : 16;

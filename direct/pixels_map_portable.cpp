@@ -264,7 +264,7 @@ void MapByColumns(const PixelStep& step, const unsigned char* source, unsigned c
     }
 }
 
-// Whether whole 16-bit samples are moved.
+// True if whole 16-bit samples are moved.
 bool HasWords(const PixelStep& step)
 {
     if ((step.sourceBytes | step.destinationBytes) % 2 != 0)

@@ -77,7 +77,7 @@ void UnpackBitStrip(const unsigned char* source, unsigned char* destination)
     HalveBytes<1>(quarters, destination, 4 * longStrip);
 }
 
-// Not to be inlined, where it would lose what __restrict says and stay scalar.
+// This one and the next are not inlined: they would lose what __restrict says and stay scalar.
 [[gnu::noinline]] void PackPairStrip(const unsigned char* __restrict source,
                                      unsigned char* __restrict destination)
 {
@@ -89,7 +89,6 @@ void UnpackBitStrip(const unsigned char* source, unsigned char* destination)
     }
 }
 
-// The same holds for this one.
 [[gnu::noinline]] void UnpackPairStrip(const unsigned char* __restrict source,
                                        unsigned char* __restrict destination)
 {

@@ -106,7 +106,7 @@ void LoadOnAllEngines(const std::string& text, const Bytes& steps)
 } // namespace
 } // namespace zvk::Pelkraft
 
-// The text ends at the first NUL; what stands behind it are the steps.
+// The text ends at the first NUL; the steps follow it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string whole(reinterpret_cast<const char*>(data), size);

@@ -151,7 +151,7 @@ bool IsReadableTiff(const std::string& path)
 void Check(const Words& words, const Folder& folder)
 {
     const int code = Run(words);
-    // Whether there are such channels only the file tells.
+    // Only the file can say whether it has these channels.
     const bool namesChannels = std::find(words.begin(), words.end(), "--channels") != words.end();
     if (code == static_cast<int>(ExitCode::Usage) && !namesChannels)
         Fail(words, "a command line of ours is refused");
@@ -173,7 +173,7 @@ void Check(const Words& words, const Folder& folder)
 } // namespace
 } // namespace zvk::Pelkraft::Client
 
-// Six bytes choose verb and options; the file stands behind them.
+// Six bytes choose verb and options; the file follows them.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
 {
     using namespace zvk::Pelkraft::Client;

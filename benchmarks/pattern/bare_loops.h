@@ -24,10 +24,11 @@ struct Row
 };
 
 // The least that a pixel can cost with a drawn table: one load, two byte shuffles, one store.
-// Reads and writes up to 16 bytes behind the rows.
+// It reads and writes up to 16 bytes after the rows.
 void ApplyBare(const Row& row, const BareTable* const* field, const unsigned char* lanes);
 
-// What one would write by hand: values by combination, ink and step, and a draw for each pixel.
+// The loop that one would write by hand: values by combination, ink and step, and a draw for each
+// pixel.
 void ApplyPlain(const Row& row, const std::vector<unsigned char>& values, std::size_t combinations,
                 std::mt19937& random);
 

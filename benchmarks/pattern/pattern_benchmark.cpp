@@ -8,15 +8,15 @@
 #include <string>
 #include <vector>
 
-// How many pixels a second each engine simulates, beside the loop that one would write by hand
-// and the least that a pixel can cost. Four in-colours, 64 combinations.
+// Each engine is measured in pixels a second, beside the loop that one would write by hand and the
+// least that a pixel can cost. The pattern has four in-colours and 64 combinations.
 namespace zvk::Pelkraft::Benchmarks {
 namespace {
 
 constexpr std::size_t inColors = 4;
 constexpr std::size_t combinations = 64;
 constexpr std::size_t fieldSize = 65536;
-// What a whole vector may reach behind a row.
+// A whole vector may reach this far past the end of a row.
 constexpr std::size_t spareBytes = 16;
 
 std::string NameOfInk(std::size_t inColor, std::size_t position)
@@ -117,7 +117,7 @@ void BareLoop(benchmark::State& state)
     Rows rows(state);
     std::vector<BareTable> tables(combinations);
     std::mt19937 random(42);
-    // Behind the end stands what a row that starts late walks into.
+    // A row that starts late in the field walks into the entries past its end.
     std::vector<const BareTable*> field(fieldSize + rows.pixels);
     for (const BareTable*& entry : field)
         entry = &tables[random() % combinations];

@@ -11,7 +11,7 @@ inline constexpr unsigned patternTopStep = 3;
 void AddOurPattern(Entries& entries);
 void AddPlainPattern(Entries& entries);
 
-// What a pixel gets is drawn. It must be one of its steps' alternatives, and in a row of a
+// The values of a pixel are drawn: they must be one of its steps' alternatives, and in a row of a
 // thousand pixels each alternative must occur.
 bool IsPatternRow(int width, const Bytes& source, const Bytes& destination);
 

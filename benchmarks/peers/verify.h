@@ -4,7 +4,7 @@
 
 namespace zvk::Pelkraft::Benchmarks {
 
-// Whether the entry does the job at a width, within what its own rule allows, and writes nothing
+// True if the entry does the job at a width, within what its own rule allows, and writes nothing
 // outside its row.
 bool IsRight(const Job& job, const Entry& entry, int width);
 

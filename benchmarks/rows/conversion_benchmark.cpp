@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// How fast each kind of conversion of a CMYK row is: the two roads of the library, the loop that
-// a caller would write by hand, and memcpy over as many bytes as the conversion reads and writes.
+// Each kind of conversion of a CMYK row is timed on the two roads of the library, in the loop that
+// a caller would write by hand, and as memcpy over as many bytes as the conversion moves.
 namespace zvk::Pelkraft::Benchmarks {
 namespace {
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// What a caller would write by hand for CMYK: the loops that the library is measured against.
+// The library is measured against these loops, which a caller would write by hand for CMYK.
 namespace zvk::Pelkraft::Benchmarks {
 
 constexpr std::size_t inks = 4;

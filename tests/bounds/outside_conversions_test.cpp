@@ -9,8 +9,8 @@
 #include <cinttypes>
 #include <cstdio>
 
-// What a conversion leaves in a destination beside its pixels, and what of the old content could
-// get into them.
+// A conversion must leave the bytes beside its pixels alone, and none of their old content may get
+// into the pixels.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 

@@ -7,8 +7,8 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// Where a source and a destination lie: with the forbidden page before or behind both, and each
-// of them as near to it as can be or at an odd address.
+// A source and a destination lie with the forbidden page before or after both, and each of them as
+// near to it as can be or at an odd address.
 struct Placement
 {
     Flush flush;

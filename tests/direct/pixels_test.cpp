@@ -121,7 +121,7 @@ PixelStep MakeStep(const Shape& shape, const Bytes& places)
     step.destinationBytes = static_cast<std::uint8_t>(shape.destinationBytes);
     step.repeat = static_cast<std::uint8_t>(shape.repeat);
     step.mirrored = shape.mirrored;
-    // What lies past the pixel's places must not matter.
+    // The bytes past the pixel's places must not matter.
     step.places.fill(0x77);
     std::copy(places.begin(), places.end(), step.places.begin());
     return step;

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-// Which road a run takes by the addresses of its rows. Without memory the chain ends before it
+// The addresses of the rows decide which road a run takes. Without memory the chain fails before it
 // looks at either row; the direct road needs none, so that it gives the right bytes.
 namespace zvk::Pelkraft::TestSupport {
 namespace {

@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <thread>
 
-// Which road a plan takes, and that nothing but the plan and the rows' bytes is looked at when it
-// runs. What is decided by the rows' addresses stands in overlap_test.cpp.
+// These tests hold which road a plan takes, and that a run looks at nothing but the plan and the
+// rows' bytes. overlap_test.cpp holds the choice that the rows' addresses make.
 namespace zvk::Pelkraft::TestSupport {
 
 void PrintTo(PlanRoad road, std::ostream* out)
@@ -110,7 +110,7 @@ TEST(PlanRoad, IsTheChainWherePortableUnpackingLeavesSamplesOut)
                 EXPECT_EQ(expected, roadTo(other, {}));
                 EXPECT_EQ(expected, roadTo(packed, RepeatBy(1)));
                 EXPECT_EQ(expected, roadTo(packed, RepeatBy(-1)));
-                // What is only copied is not unpacked.
+                // A copy unpacks nothing.
                 EXPECT_EQ(PlanRoad::Direct, roadTo(packed, {}));
             }
             for (const int level : {3, 6, 7})

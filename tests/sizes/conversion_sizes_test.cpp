@@ -25,7 +25,7 @@ constexpr std::uint64_t narrowBytes = std::uint64_t{1} << 26;
 constexpr std::int64_t mostSamples = 1 << 21;
 constexpr int mostMapEntries = 1 << 16;
 constexpr std::uint64_t sampledEvery = 397;
-// Of some hundred million cases the whole run takes these.
+// The whole run takes every fifth of some hundred million cases.
 constexpr std::uint64_t wholeEvery = 5;
 
 constexpr int depths[] = {1, 2, 8, 10, 16, 0, -1, 1 << 15, 1 << 30, largest};

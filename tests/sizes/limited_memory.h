@@ -4,8 +4,8 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// What the tests of sizes let anyone allocate at once. A machine that promises more memory than it
-// has would give far more.
+// The tests of sizes let nobody allocate more than this at once. A machine that promises more
+// memory than it has would give far more.
 constexpr std::size_t memoryLimit = std::size_t{64} << 20;
 
 // While it lives, a larger allocation of this thread fails.

@@ -38,7 +38,7 @@ std::string FaultOfFormat(const NaiveGeometry& geometry, std::int64_t activeWidt
     const int bits = geometry.bits;
     if (bits != 1 && bits != 2 && bits != 8 && bits != 10 && bits != 16)
         return depth;
-    // As if unsigned: of negative numbers, the one nearer to 0 is the larger.
+    // Compared as if unsigned: the negative number nearer to 0 is the larger.
     const auto order = [](std::int64_t number) {
         return number < 0 ? number + (std::int64_t{1} << 32) : number;
     };

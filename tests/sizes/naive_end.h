@@ -7,15 +7,15 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// What a conversion between two geometries of any numbers comes to, worked out in numbers that
+// The outcome of a conversion between two geometries of any numbers, worked out in numbers that
 // don't wrap.
 struct NaiveEnd
 {
-    // Of a refusal; empty otherwise.
+    // Empty if nothing is refused.
     std::string refusal;
     // Pixels that are set where nothing is refused.
     std::int64_t pixels = 0;
-    // Of the larger of both pixels.
+    // The larger one of both pixels counts.
     std::int64_t pixelBytes = 0;
 };
 

@@ -104,7 +104,7 @@ std::string TextWith(const std::string& place, const std::string& number)
 class PatternSizes : public ::testing::Test
 {
 protected:
-    // Of the first rows, each a pixel wider than the last one; nothing if the text is refused.
+    // Returns the first rows, each a pixel wider than the last one; nothing if the text is refused.
     std::optional<Bytes> RowsOf(const std::string& text, Engine engine)
     {
         std::string own = text;

@@ -58,8 +58,7 @@ enum class Room
     Lacking,
 };
 
-// Whether a row of this geometry gets memory: of its true size, or the trail alone if it is
-// negative.
+// A row of this geometry asks for its true size, or for the trail alone if that is negative.
 Room RoomFor(const Geometry& row)
 {
     const bool isTrue = ExactSize(row) == static_cast<long double>(SizeOf(row));
@@ -183,7 +182,7 @@ TEST(RowSizes, OfADerivedRowAreAllocatedAsItAnswers)
     }
 }
 
-// Where the machine has the addresses: only the trail is touched, and what the test writes.
+// This needs addresses, but hardly memory: only the trail and what the test writes are touched.
 TEST(RowSizes, ReachUpToTheLargestNumber)
 {
     try {
