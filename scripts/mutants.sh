@@ -96,7 +96,7 @@ run_all() {
     done
 }
 
-# What a failed test said: the name of its first failed case, or that it hung or crashed.
+# Prints the name of a failed test's first failed case, or that it hung or crashed.
 failure_of() {
     local failed
     failed=$(sed -n 's/^\(.*: \)\?\[ *FAILED *\] \([^ ,]*\).*/\2/p' "$work/test.log" | head -1)

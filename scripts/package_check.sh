@@ -41,7 +41,7 @@ cp -r README.md tests/package/customers.sh tests/package/consumer "$home/custome
 cp build/packages/*.deb examples/patterns/six_ink.txt "$home/"
 gs -q -dSAFER -sDEVICE=tiff32nc -r36 -o "$home/page.tif" tests/tools/cmyk_spot_page.ps
 
-# What apt and dpkg note down for themselves stays.
+# The files in which apt and dpkg keep their own notes are left out.
 files_of_root() {
     (cd "$root" && find . -xdev \( -path ./root -o -path ./srv -o -path ./tmp \
         -o -path ./var/cache -o -path ./var/log -o -path ./var/lib/apt -o -path ./var/lib/dpkg \) \

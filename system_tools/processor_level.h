@@ -12,7 +12,7 @@ struct CpuidRegisters
     std::uint32_t edx = 0;
 };
 
-// What a processor says of itself; a test puts another in its place.
+// The questions to the processor; a test puts other answers in their place.
 class IProcessorAnswers
 {
 public:

@@ -57,7 +57,7 @@ make_tree() {
     cp -r "$source_dir/examples/patterns" "$tree/examples"
     cp -r "$source_dir/docs/pictures" "$tree/docs"
     rm -f "$tree"/docs/pictures/*.png "$tree"/docs/pictures/*.svg
-    # What usage lines call their files.
+    # Usage lines call their files by these names.
     cp "$source_dir/examples/patterns/six_ink.txt" "$tree/PATTERN"
     cp "$tree/PATTERN" "$tree/FILE"
     gs -q -dSAFER -sDEVICE=tiff32nc -r36 -o "$tree/IN.tif" \
@@ -90,7 +90,7 @@ takes_line() {
         grep -qE "^\| \`$1\` \|.*\| not run yet \|" "$source_dir/docs/reliability.md"
 }
 
-# As a reader's shell would, in the copy.
+# Runs a command in the copy as a reader's shell would.
 in_tree() {
     (cd "$tree" && set +eo pipefail && eval "$1") </dev/null 2>&1
 }
@@ -127,7 +127,7 @@ run_commands() {
     done <"$1"
 }
 
-# What a terminal would show of the block's commands, none of which may fail.
+# Prints what a terminal would show of the block's commands, none of which may fail.
 transcript() {
     local line
     sed -n 's/^\$ //p' "$1" | while IFS= read -r line; do

@@ -9,7 +9,7 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-// Of how many allocations each in turn fails where not all are taken, and under the checker.
+// So many allocations fail in turn where not all are taken, and under the checker.
 constexpr std::uint64_t sampled = 8;
 constexpr std::uint64_t sampledWatched = 1;
 constexpr std::uint64_t allWatched = 6;

@@ -46,7 +46,7 @@ std::string WithoutTime(const std::string& text)
     return text.substr(0, text.find_last_of('\n', time) + 1);
 }
 
-// Of both pages.
+// Returns the samples of both pages.
 std::vector<std::uint16_t> SamplesOf(const std::string& path)
 {
     FileForm form;
@@ -150,7 +150,7 @@ Outcome ClientRuns::Execute(const FailingAllocation& failing) const
 ClientRuns::Left ClientRuns::Run(const FailingAllocation& failing)
 {
     WriteWhole(record, std::string(sizeof(AllocationRecord), '\0'));
-    // What an earlier run may have left behind.
+    // An earlier run may have left a temporary file.
     for (const std::string& name : NamesIn(folder)) {
         if (name.front() == '.')
             std::filesystem::remove(Path(name));

@@ -16,7 +16,7 @@ struct ClientCase
 {
     const char* name;
     std::vector<std::string> arguments;
-    // How it ends while there is memory.
+    // The program exits with this code while there is memory.
     int exitCode;
     std::function<void(const std::string& path)> writePicture;
     const char* pattern;
@@ -29,7 +29,7 @@ void PrintTo(const ClientCase& clientCase, std::ostream* out);
 
 const std::vector<ClientCase>& ClientCases();
 
-// Which allocation of a run fails.
+// Names the allocation of a run that fails.
 struct FailingAllocation
 {
     std::uint64_t number;
@@ -67,7 +67,7 @@ private:
     struct Left
     {
         Outcome outcome;
-        // What each output holds, by the order of the names.
+        // The bytes of each output, in the order of the names.
         std::vector<std::string> outputs;
         std::vector<std::string> files;
         std::uint64_t asked = 0;

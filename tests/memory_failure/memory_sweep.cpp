@@ -14,7 +14,7 @@ using Fails = CountedMemory::Fails;
 // More than any operation allocates.
 constexpr std::size_t mostAllocations = 10000;
 
-// How an operation ended. Kept in place: a string would be counted.
+// The end of an operation, kept in place: a string would be counted.
 struct End
 {
     enum class Kind
@@ -28,7 +28,6 @@ struct End
     char text[128] = {};
 };
 
-// What came of one failing allocation.
 struct Result
 {
     End end;
@@ -121,7 +120,7 @@ Result Try(const Operation& operation, std::size_t number, Fails fails)
     return result;
 }
 
-// What failed, or nothing.
+// Returns what failed, or nothing.
 std::string Sweep(const Operation& operation, std::size_t& failedAllocations)
 {
     for (const Fails fails : {Fails::Once, Fails::ForEver}) {

@@ -22,11 +22,11 @@ public:
     Trial& operator=(const Trial&) = delete;
 
     virtual void Run() = 0;
-    // What no failure may change: fields, bytes, and what the object answers.
+    // No failure may change this state: fields, bytes, and what the object answers.
     virtual Bytes GetState() = 0;
-    // Whether the operation has now done all that it is for.
+    // True if the operation has now done all that it is for.
     virtual bool IsDone() = 0;
-    // Whether the last run has logged what it should have.
+    // True if the last run has logged what it should have.
     virtual bool HasLogged([[maybe_unused]] bool failed) { return true; }
 };
 
@@ -34,7 +34,7 @@ struct Operation
 {
     std::string name;
     std::function<std::unique_ptr<Trial>()> prepare;
-    // What else than std::bad_alloc it may throw where memory is missing.
+    // Where memory is missing it may throw this text instead of std::bad_alloc.
     std::string otherText;
     // It throws otherText with all memory too.
     bool refuses = false;

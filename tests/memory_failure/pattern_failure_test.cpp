@@ -52,7 +52,7 @@ std::vector<PatternCase> PatternCases()
     return cases;
 }
 
-// What the next two rows are, from the first one on, and what the pattern says of itself.
+// Returns the next two rows, from the first one on, and what the pattern says of itself.
 Bytes AnswersOf(DotWeavePattern& pattern, std::size_t pixels = rowPixels)
 {
     const auto bytes = pixels * static_cast<std::size_t>(pattern.GetInColorCount());
@@ -233,7 +233,7 @@ TEST(PatternsWithoutMemory, AreSharedAndApplied)
     SweepAll("uses of patterns", operations);
 }
 
-// Of a pattern that is refused there may be told either.
+// A pattern that is refused reports its words or the lack of memory.
 class Refused final : public Trial
 {
 public:

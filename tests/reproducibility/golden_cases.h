@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// What the golden digests are of. All of it comes from std::mt19937 alone, whose numbers are the
-// same everywhere; the standard's distributions are not.
+// The golden digests are taken of these cases. All of them come from std::mt19937 alone, whose
+// numbers are the same everywhere; those of the standard's distributions are not.
 namespace zvk::Pelkraft::TestSupport {
 
 struct GoldenConversion
@@ -41,7 +41,7 @@ NaivePattern MakeGoldenPattern(int number, int seedNumber);
 std::vector<Bytes> MakeGoldenPicture(const NaivePattern& pattern, const PictureSize& size,
                                      int seedNumber);
 
-// How a line of goldens.txt begins.
+// A line of goldens.txt begins with one of these names.
 std::string ConversionName(int number);
 std::string PatternName(int number, int seedNumber);
 

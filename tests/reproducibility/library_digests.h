@@ -7,15 +7,15 @@
 #include <array>
 #include <string>
 
-// What the library itself gives for the golden cases.
+// The library's own digests of the golden cases.
 namespace zvk::Pelkraft::TestSupport {
 
 std::string LibraryConversionDigest(int number, bool forcePortable);
 
-// Whether the portable road leaves channels of it packed, so that it has no golden bytes there.
+// True if the portable road leaves channels of it packed, so that it has no golden bytes there.
 bool IsLeftPackedSomewhere(int number);
 
-// What one engine has to say to the digests of a pattern.
+// One engine's part in the digests of a pattern.
 struct EngineDigests
 {
     std::array<std::string, 3> pictures;

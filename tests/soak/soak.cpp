@@ -42,7 +42,7 @@ public:
     void Write(const wchar_t*) override {}
 };
 
-// What all threads have done, and the first things that they found wrong.
+// Counts what all threads have done, and keeps the first things that they found wrong.
 class Tally
 {
 public:

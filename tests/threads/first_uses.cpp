@@ -14,12 +14,11 @@
 #include <cstdlib>
 #include <functional>
 
-// What a process builds at its first use, used by sixteen threads first of all at once: an
-// argument says which thread begins with what. Ends with 0 if everything is right.
+// Sixteen threads at once are the first to use what a process builds at its first use: an argument
+// says which thread begins with what. The program exits with 0 if everything is right.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-// What the threads have seen.
 struct Seen
 {
     std::atomic<int> wrong{0};
@@ -27,7 +26,7 @@ struct Seen
     std::atomic<int> levels[8] = {};
 };
 
-// What a thread may do, and what that must give.
+// The works of a thread, and the results that they must have.
 class FirstUses
 {
 public:

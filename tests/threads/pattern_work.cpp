@@ -46,7 +46,7 @@ void PatternWork::Add(const NaivePattern& pattern, DotWeavePattern::Engine engin
 {
     Work work{pattern.Text(), engine, MakeGoldenPicture(pattern, size, 0), {}};
     work.inks = ApplyNaively(pattern, engine, work.steps);
-    // Which engine it is tells the first row after a reset.
+    // The first row after a reset shows which engine it is.
     if (engine == DotWeavePattern::Automatic)
         work.inks.resize(work.steps.size());
     works.push_back(std::move(work));

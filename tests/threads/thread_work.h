@@ -10,7 +10,7 @@
 #include <vector>
 
 // Work that several threads may do at once, each part of it with the result that it must have.
-// What is checked fails the test.
+// The checks in here fail the test.
 namespace zvk::Pelkraft::TestSupport {
 
 // Conversions of every kind of chain. The threads write neighbouring rows of one picture, so that
@@ -77,7 +77,7 @@ public:
 
     void Run() const;
 
-    // What runs of this number log, by line.
+    // Counts the lines that so many runs log.
     std::map<std::wstring, int> LinesOf(int runs) const;
 
 private:

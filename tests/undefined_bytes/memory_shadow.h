@@ -4,7 +4,7 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// What the tool that this program runs under knows of its memory: MemorySanitizer, which it is
+// Asks the tool that this program runs under about its memory: MemorySanitizer, which it is
 // compiled with, or valgrind's memcheck.
 
 // Null without such a tool.
