@@ -4,9 +4,7 @@
 #include "direct/tile.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
-#include <cstring>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -35,7 +33,7 @@ std::uint64_t PlacesOf(std::int32_t entry, std::size_t sampleBytes)
 
 // Writes the places of small pixels a word at a time: a kernel reads them at once, and would wait
 // for bytes that were stored one by one.
-void FillWords(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes)
+void FillPlaces(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes)
 {
     const auto channelsOfWord = static_cast<std::uint32_t>(wordBytes / sampleBytes);
     for (std::uint32_t first = 0; first < channels; first += channelsOfWord) {
@@ -43,16 +41,11 @@ void FillWords(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes
         const std::uint32_t end = std::min(channels, first + channelsOfWord);
         for (std::uint32_t c = first; c != end; ++c)
             word |= PlacesOf(plan.entries[c], sampleBytes) << (8 * sampleBytes * (c - first));
-        std::memcpy(&plan.step.places[first * sampleBytes], &word, sizeof word);
+        // Compilers make one store of these.
+        unsigned char* places = &plan.step.places[first * sampleBytes];
+        for (std::size_t i = 0; i != wordBytes; ++i)
+            places[i] = static_cast<unsigned char>(word >> (8 * i));
     }
-}
-
-void FillBytes(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes)
-{
-    for (std::uint32_t c = 0; c != channels; ++c)
-        for (std::size_t b = 0; b != sampleBytes; ++b)
-            plan.step.places[c * sampleBytes + b] =
-                static_cast<unsigned char>(PlacesOf(plan.entries[c], sampleBytes) >> (8 * b));
 }
 
 constexpr std::array<unsigned char, maxStepBytes> CountPlaces()
@@ -77,10 +70,8 @@ void FillStep(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes,
     step.mirrored = plan.mirrored;
     if (!maps)
         step.places = unmappedPlaces;
-    else if (std::endian::native == std::endian::little)
-        FillWords(plan, channels, sampleBytes);
     else
-        FillBytes(plan, channels, sampleBytes);
+        FillPlaces(plan, channels, sampleBytes);
 }
 
 // Adds the passes one after the other, and keeps in mind how the pixels stand after the last.

@@ -207,7 +207,8 @@ void Move(const PixelMove& move, const unsigned char* source, unsigned char* des
     if (move.pixelBytes <= maxPixelBytes)
         Step(WholePixelStep(move), {&source, &destination, 1}, destinationPixels);
     else
-        MovePixels<WidePiece, NarrowPiece>(move, source, destination, destinationPixels);
+        MovePixels<WidePiece, NarrowPiece, maxPixelBytes + 1>(move, source, destination,
+                                                              destinationPixels);
 }
 
 constexpr PixelKernels kernels = {Step, maxPixelBytes, Move};

@@ -178,19 +178,17 @@ constexpr bool VectorsFit(int sourceBytes, int outputBytes, int pixels, int load
 {
     const int blockBytes = pixels * sourceBytes;
     const int latest = blockBytes - loadedBytes;
-    if (latest < 0)
-        return false;
-    for (int start = 0; start < pixels * outputBytes; start += vectorBytes) {
+    bool fits = latest >= 0;
+    for (int start = 0; fits && start < pixels * outputBytes; start += vectorBytes) {
         const int first = start / outputBytes * sourceBytes;
         const int last = (start + vectorBytes - 1) / outputBytes * sourceBytes + sourceBytes;
         const int load = first < latest ? first : latest;
         // The mirrored block is the same, seen from its end.
         const int backwards = blockBytes - last;
         const int loadBackwards = backwards < latest ? backwards : latest;
-        if (last - load > loadedBytes || blockBytes - first - loadBackwards > loadedBytes)
-            return false;
+        fits = last - load <= loadedBytes && blockBytes - first - loadBackwards <= loadedBytes;
     }
-    return true;
+    return fits;
 }
 
 // The step that moves small pixels as they are.

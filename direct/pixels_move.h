@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 // Whole pixels mirrored and repeated, by pieces that one level can load and store at once.
 // All of it has internal linkage on purpose: it is compiled for each level.
@@ -15,14 +16,14 @@ namespace {
 constexpr std::size_t maxInlineBytes = 512;
 
 // Calls copy(from, to, copies) for each source pixel, `copies` being a constant of the build but
-// for a last pixel that has fewer.
-template <std::size_t repeat, typename Copy>
+// for a last pixel that has fewer, if there may be one.
+template <std::size_t repeat, bool mayHaveRest = repeat != 1, typename Copy>
 [[gnu::always_inline]] inline void ForEachPixel(const PixelMove& move,
                                                 std::size_t destinationPixels, Copy copy)
 {
     const std::size_t bytes = move.pixelBytes;
     const std::size_t whole = destinationPixels / repeat;
-    const std::size_t rest = destinationPixels % repeat;
+    const std::size_t rest = mayHaveRest ? destinationPixels % repeat : 0;
     const std::size_t sourcePixels = rest == 0 ? whole : whole + 1;
     // Unsigned, so that a step backwards wraps around.
     const std::size_t fromStep = move.mirrored ? 0 - bytes : bytes;
@@ -33,8 +34,9 @@ template <std::size_t repeat, typename Copy>
         from += fromStep;
         to += repeat * bytes;
     }
-    if (rest != 0)
-        copy(from, to, rest);
+    if constexpr (mayHaveRest)
+        if (rest != 0)
+            copy(from, to, rest);
 }
 
 // Pixels of one piece and a tail that overlaps it. A tail no longer than needed crosses fewer lines
@@ -71,12 +73,12 @@ void MoveByOne(const PixelMove& move, const unsigned char* source, unsigned char
     const std::size_t doneCopies = (sourcePixels - 1) * repeat;
     const unsigned char* middle = source + bytes;
     unsigned char* to = destination + repeat * bytes;
-    ForEachPixel<repeat>(move, doneCopies - repeat,
-                         [=](std::size_t from, std::size_t at, std::size_t copies) {
-                             const auto pixel = Wide::Get(middle + from);
-                             for (std::size_t i = 0; i < copies; ++i)
-                                 Wide::Put(to + at + i * bytes, pixel);
-                         });
+    ForEachPixel<repeat, false>(move, doneCopies - repeat,
+                                [=](std::size_t from, std::size_t at, std::size_t copies) {
+                                    const auto pixel = Wide::Get(middle + from);
+                                    for (std::size_t i = 0; i < copies; ++i)
+                                        Wide::Put(to + at + i * bytes, pixel);
+                                });
     MoveByTwo<Narrow, Narrow, repeat>(move, move.mirrored ? source : end,
                                       destination + doneCopies * bytes,
                                       destinationPixels - doneCopies);
@@ -112,38 +114,41 @@ void MoveByCopy(const PixelMove& move, const unsigned char* source, unsigned cha
                          });
 }
 
-template <typename Wide, typename Narrow, std::size_t repeat>
+constexpr std::size_t anyBytes = std::numeric_limits<std::size_t>::max();
+
+template <typename Wide, typename Narrow, std::size_t least, std::size_t most, std::size_t repeat>
 void MoveRepeated(const PixelMove& move, const unsigned char* source, unsigned char* destination,
                   std::size_t destinationPixels)
 {
     const std::size_t bytes = move.pixelBytes;
     const bool isTailNarrow = (bytes - 1) % Wide::bytes < Narrow::bytes;
-    if (bytes > maxInlineBytes)
-        MoveByCopy<repeat>(move, source, destination, destinationPixels);
-    else if (bytes < Wide::bytes)
-        MoveByOne<Wide, Narrow, repeat>(move, source, destination, destinationPixels);
-    else if (bytes > 2 * Wide::bytes && isTailNarrow)
-        MoveByPieces<Wide, Narrow, repeat>(move, source, destination, destinationPixels);
-    else if (bytes > 2 * Wide::bytes)
-        MoveByPieces<Wide, Wide, repeat>(move, source, destination, destinationPixels);
-    else if (bytes > Wide::bytes && isTailNarrow)
-        MoveByTwo<Wide, Narrow, repeat>(move, source, destination, destinationPixels);
-    else
-        MoveByTwo<Wide, Wide, repeat>(move, source, destination, destinationPixels);
+    if constexpr (most > maxInlineBytes)
+        if (bytes > maxInlineBytes)
+            return MoveByCopy<repeat>(move, source, destination, destinationPixels);
+    if constexpr (least < Wide::bytes)
+        if (bytes < Wide::bytes)
+            return MoveByOne<Wide, Narrow, repeat>(move, source, destination, destinationPixels);
+    if constexpr (most > 2 * Wide::bytes)
+        if (bytes > 2 * Wide::bytes) {
+            const auto method = isTailNarrow ? MoveByPieces<Wide, Narrow, repeat>
+                                             : MoveByPieces<Wide, Wide, repeat>;
+            return method(move, source, destination, destinationPixels);
+        }
+    const auto method =
+        isTailNarrow ? MoveByTwo<Wide, Narrow, repeat> : MoveByTwo<Wide, Wide, repeat>;
+    method(move, source, destination, destinationPixels);
 }
 
-// Pixels of at least as many bytes as the narrow piece, which is half as long as the wide one or as
-// long.
-template <typename Wide, typename Narrow>
+// Pixels of `least` to `most` bytes, and at least as many as the narrow piece has, which is half as
+// long as the wide one or as long.
+template <typename Wide, typename Narrow, std::size_t least, std::size_t most = anyBytes>
 void MovePixels(const PixelMove& move, const unsigned char* source, unsigned char* destination,
                 std::size_t destinationPixels)
 {
-    if (move.repeat == 1)
-        MoveRepeated<Wide, Narrow, 1>(move, source, destination, destinationPixels);
-    else if (move.repeat == 2)
-        MoveRepeated<Wide, Narrow, 2>(move, source, destination, destinationPixels);
-    else
-        MoveRepeated<Wide, Narrow, 4>(move, source, destination, destinationPixels);
+    const auto method = move.repeat == 1   ? MoveRepeated<Wide, Narrow, least, most, 1>
+                        : move.repeat == 2 ? MoveRepeated<Wide, Narrow, least, most, 2>
+                                           : MoveRepeated<Wide, Narrow, least, most, 4>;
+    method(move, source, destination, destinationPixels);
 }
 
 } // namespace

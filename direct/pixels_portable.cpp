@@ -100,11 +100,11 @@ void Move(const PixelMove& move, const unsigned char* source, unsigned char* des
         break;
     }
     if (move.pixelBytes >= 16)
-        MovePixels<Piece<16>, Piece<8>>(move, source, destination, destinationPixels);
+        MovePixels<Piece<16>, Piece<8>, 17>(move, source, destination, destinationPixels);
     else if (move.pixelBytes >= 8)
-        MovePixels<Piece<8>, Piece<4>>(move, source, destination, destinationPixels);
+        MovePixels<Piece<8>, Piece<4>, 9, 15>(move, source, destination, destinationPixels);
     else
-        MovePixels<Piece<4>, Piece<2>>(move, source, destination, destinationPixels);
+        MovePixels<Piece<4>, Piece<2>, 5, 7>(move, source, destination, destinationPixels);
 }
 
 bool MovesWholePixels(const PixelStep& step)

@@ -8,10 +8,15 @@ namespace zvk::Pelkraft::VectorRoad {
 namespace {
 
 constexpr int maxPixelBytes = 16;
-constexpr int maxOwnVectors = 13;
-// More masks than these, and loading them anew costs what the fuller vectors gain.
-constexpr int maxMasks = 18;
-static_assert(maxMasks < 2 * 11, "OwnTwinMethodOf ends with 9 vectors");
+
+// The blocks whose vectors have loads of their own: other numbers of vectors win for no pair of
+// sizes, or have so many masks that loading them anew costs what the fuller vectors gain.
+struct OwnBlock
+{
+    int vectors;
+    int loads;
+};
+constexpr OwnBlock ownBlocks[] = {{3, 1}, {9, 1}, {9, 2}, {11, 1}};
 
 // A candidate, and its cost in halves of a store for all the pixels: a shuffle with its load costs
 // half as much as a store.
@@ -46,54 +51,24 @@ constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
         for (int pixels = 1; pixels * sourceBytes <= 16 * loads && pixels * outputBytes <= 16;
              ++pixels)
             consider(pixels, 1, loads, false, 20 + 12 * loads);
-    for (int vectors = 3; vectors <= maxOwnVectors; vectors += 2)
-        for (int loads = 1; loads <= 2 && loads * vectors <= maxMasks; ++loads) {
-            const int pixels = 16 * vectors / outputBytes;
-            if (pixels * outputBytes == 16 * vectors &&
-                VectorsFit(sourceBytes, outputBytes, pixels, 16 * loads))
-                consider(pixels, vectors, loads, true, vectors * (20 + 14 * loads));
-        }
+    for (const auto& [vectors, loads] : ownBlocks) {
+        const int pixels = 16 * vectors / outputBytes;
+        if (pixels * outputBytes == 16 * vectors &&
+            VectorsFit(sourceBytes, outputBytes, pixels, 16 * loads))
+            consider(pixels, vectors, loads, true, vectors * (20 + 14 * loads));
+    }
     return best.shape;
 }
 
 constexpr BlockShapes shapes = MakeShapes(FindShape);
 
-BlocksMethod OwnMethodOf(int vectors)
-{
-    switch (vectors) {
-    case 3:
-        return RunBlocks<3, 1, true, true>;
-    case 5:
-        return RunBlocks<5, 1, true, true>;
-    case 7:
-        return RunBlocks<7, 1, true, true>;
-    case 9:
-        return RunBlocks<9, 1, true, true>;
-    case 11:
-        return RunBlocks<11, 1, true, true>;
-    default:
-        return RunBlocks<13, 1, true, true>;
-    }
-}
-
-BlocksMethod OwnTwinMethodOf(int vectors)
-{
-    switch (vectors) {
-    case 3:
-        return RunBlocks<3, 2, true, true>;
-    case 5:
-        return RunBlocks<5, 2, true, true>;
-    case 7:
-        return RunBlocks<7, 2, true, true>;
-    default:
-        return RunBlocks<9, 2, true, true>;
-    }
-}
-
 BlocksMethod MethodOf(const BlockShape& shape)
 {
     if (shape.ownLoads)
-        return shape.loads == 1 ? OwnMethodOf(shape.vectors) : OwnTwinMethodOf(shape.vectors);
+        return shape.loads == 2     ? RunBlocks<9, 2, true, true>
+               : shape.vectors == 3 ? RunBlocks<3, 1, true, true>
+               : shape.vectors == 9 ? RunBlocks<9, 1, true, true>
+                                    : RunBlocks<11, 1, true, true>;
     if (shape.loads == 1)
         return SharedMethodOf(shape);
     return shape.loads == 2 ? RunBlocks<1, 2, false, false> : RunBlocks<1, 4, false, false>;
@@ -112,7 +87,8 @@ void Move(const PixelMove& move, const unsigned char* source, unsigned char* des
     if (move.pixelBytes <= maxPixelBytes)
         Step(WholePixelStep(move), {&source, &destination, 1}, destinationPixels);
     else
-        MovePixels<WidePiece, NarrowPiece>(move, source, destination, destinationPixels);
+        MovePixels<WidePiece, NarrowPiece, maxPixelBytes + 1>(move, source, destination,
+                                                              destinationPixels);
 }
 
 constexpr PixelKernels kernels = {Step, maxPixelBytes, Move};

@@ -27,11 +27,11 @@ std::string TurnOf(bool mirrored, std::uint64_t repeat)
 
 std::string StepText(const DirectPlan& plan, const PassOutput& pass)
 {
-    const bool maps = plan.mapped && !plan.sourcePlanar && !plan.splitMaps && !pass.planar;
+    const bool maps = plan.mapped && !plan.sourcePlanar && !plan.splitMaps;
     const std::string turn = TurnOf(plan.mirrored, plan.repeat);
     if (!maps)
         return turn + (pass.planar ? " the planes" : " the pixels");
-    return "map" + (turn.empty() ? "" : ", " + turn) + " the pixels";
+    return (turn.empty() ? "map" : "map, " + turn) + " the pixels";
 }
 
 std::string PassText(const DirectPlan& plan, const PassOutput& pass)

@@ -17,7 +17,7 @@ std::string LevelText(const char* instructions, int level)
            std::to_string(level) + ")";
 }
 
-struct Told
+struct Described
 {
     NaiveGeometry from;
     NaiveGeometry to;
@@ -29,7 +29,7 @@ struct Told
     std::uint64_t bytesWritten;
 };
 
-void ExpectTold(const std::vector<Told>& all)
+void ExpectWords(const std::vector<Described>& all)
 {
     for (const auto& [from, to, operation, level, road, steps, bytesRead, bytesWritten] : all) {
         const ConversionCase tested = CaseOf(from, to, level, operation);
@@ -44,7 +44,7 @@ void ExpectTold(const std::vector<Told>& all)
 
 TEST(PlanWords, NameOnePassForEachSweepOverTheRow)
 {
-    ExpectTold({
+    ExpectWords({
         {{1000, 4, 8, false},
          {1000, 4, 8, true},
          {},
@@ -66,12 +66,28 @@ TEST(PlanWords, NameOnePassForEachSweepOverTheRow)
          198,
          13},
         {{99, 2, 8, true}, {99, 2, 2, true}, {}, 3, "direct", {"pack to 2 bits"}, 198, 50},
+        {{99, 4, 8, false},
+         {99, 4, 16, true},
+         {},
+         6,
+         "direct",
+         {"split 4 channels and widen to 16 bits"},
+         396,
+         792},
+        {{99, 3, 16, false},
+         {99, 3, 8, true},
+         {},
+         7,
+         "direct",
+         {"narrow to 8 bits and split 3 channels"},
+         594,
+         297},
     });
 }
 
 TEST(PlanWords, PutTheFewestBytesOnTheWay)
 {
-    ExpectTold({
+    ExpectWords({
         {{1000, 4, 16, true},
          {1000, 4, 8, false},
          {},
@@ -116,10 +132,10 @@ TEST(PlanWords, PutTheFewestBytesOnTheWay)
     });
 }
 
-TEST(PlanWords, TellOfUnpacking)
+TEST(PlanWords, DescribeUnpacking)
 {
     const int level = hasVectorRoad ? 3 : 0;
-    ExpectTold({
+    ExpectWords({
         {{999, 16, 1, true},
          {999, 16, 8, true},
          {},
@@ -155,9 +171,9 @@ TEST(PlanWords, TellOfUnpacking)
     });
 }
 
-TEST(PlanWords, TellOfTurns)
+TEST(PlanWords, DescribeTurns)
 {
-    ExpectTold({
+    ExpectWords({
         {{100, 3, 8, false},
          {400, 3, 8, false},
          RepeatBy(4),
@@ -212,9 +228,11 @@ TEST(PlanWords, TellOfTurns)
     });
 }
 
-TEST(PlanWords, TellOfMaps)
+TEST(PlanWords, DescribeMaps)
 {
-    ExpectTold({
+    NaiveOperation mirroredMap = MapTo({4, 0});
+    mirroredMap.factor = -1;
+    ExpectWords({
         {{70, 3, 8, false},
          {70, 3, 8, false},
          MapTo({2, -1, 0}),
@@ -256,6 +274,48 @@ TEST(PlanWords, TellOfMaps)
          {"load chunks", "map", "save chunks"},
          210,
          4550},
+        // One step maps and mirrors, and leaves fewer samples to be split.
+        {{70, 5, 8, false},
+         {70, 2, 8, true},
+         mirroredMap,
+         3,
+         "direct",
+         {"map, mirror the pixels", "split 2 channels of 8 bits"},
+         350,
+         140},
+        {{70, 5, 8, false},
+         {70, 2, 8, false},
+         mirroredMap,
+         3,
+         "direct",
+         {"map, mirror the pixels"},
+         350,
+         140},
+        {{70, 5, 8, true},
+         {70, 2, 8, true},
+         mirroredMap,
+         3,
+         "direct",
+         {"map the planes", "mirror the planes"},
+         140,
+         140},
+        // Pixels of 80 bytes are too long for one step.
+        {{70, 40, 16, false},
+         {70, 2, 16, true},
+         mirroredMap,
+         3,
+         "direct",
+         {"split and map to 2 channels of 16 bits", "mirror the planes"},
+         5600,
+         280},
+        {{70, 3, 16, false},
+         {70, 2, 8, false},
+         MapTo({3, 1}),
+         7,
+         "chain",
+         {"load chunks", "narrow to 8 bits", "map", "save chunks"},
+         420,
+         140},
         // The entry beyond the source names no plane to read.
         {{70, 3, 8, true},
          {70, 2, 16, true},
@@ -271,7 +331,7 @@ TEST(PlanWords, TellOfMaps)
 TEST(PlanWords, CountThePixelsThatBothRowsHave)
 {
     const Steps steps{"split 3 channels of 8 bits"};
-    ExpectTold({
+    ExpectWords({
         {{90, 3, 8, false}, {50, 3, 8, true}, {}, 3, "direct", steps, 150, 150},
         {{50, 3, 8, false}, {90, 3, 8, true}, {}, 3, "direct", steps, 150, 150},
         {{0, 3, 8, false}, {90, 3, 8, true}, {}, 3, "none", {}, 0, 0},
@@ -285,7 +345,7 @@ std::string LevelOf(const NaiveGeometry& from, const NaiveGeometry& to, int leve
     return Describe(PlanOf(CaseOf(from, to, level, operation), level)).level;
 }
 
-TEST(PlanWords, TellTheInstructionsAndTheLevelThatWasAskedFor)
+TEST(PlanWords, NameTheInstructionsAndTheLevelThatWasAskedFor)
 {
     const NaiveGeometry from{70, 3, 8, false};
     const NaiveGeometry to{70, 3, 8, true};
