@@ -158,9 +158,7 @@ if [ $automatic = yes ]; then
     sync_tree
     configure >"$work/configure.log" 2>&1 ||
         fail "the tree can't be configured" "$work/configure.log"
-    build test_rows test_conversions test_plan test_direct_samples test_direct_pixels \
-        test_direct_split_merge test_direct_road test_portal test_converters test_chunks \
-        test_pattern ||
+    build room_tests ||
         fail "the tree does not build" "$work/build.log"
     exec perl tests/mutants/automatic.pl try "$tree" "$binaries" "$work/automatic" "${words[@]}"
 fi

@@ -9,11 +9,12 @@
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
-library=(common direct chunks converters portal plan rows pattern copy system_tools include)
+mapfile -t library < <(cat cmake/rooms.txt && echo include)
 others=(tests benchmarks fuzz examples)
-sample=(chunks/row_walk.cpp common/units.cpp converters/depth_portable.cpp copy/intel_memcopy.cpp
-    direct/tile.cpp pattern/tokenizer.cpp plan/chain_choice.cpp portal/relocator.cpp
-    rows/fill_from.cpp system_tools/split.cpp)
+sample=()
+for room in "${library[@]}"; do
+    sample+=($(git ls-files "$room/*.cpp" | head -n 1))
+done
 # They belong to builds of their own, and need no more than these flags.
 apart=(tests/copy/divide_error_probe.cpp tests/package/consumer/main.cpp)
 apart_flags=(-std=c++20 -I. -Iinclude -Isystem_tools/include)
