@@ -5,17 +5,18 @@
                                       what is left, and fails below 100 % of the lines, 98 % of the
                                       branches, or where an entry covers more or less than is there
 
-A list says "file: text of the line: [line] [N branches]", and the reason for one or several
-entries in the indented lines behind them. Paths are relative to the current folder.
+A list says "[file: ]text of the line: [line] [N branches]", and the reason for one or several
+entries in the indented lines after them. Without its file, a line is looked for in all sources of
+the library. Paths are relative to the current folder, the root of the tree.
 """
 
 import json
-import os
 import re
 import sys
+from pathlib import Path
 
 LEAST_BRANCHES = 98.0
-ENTRY = re.compile(r"(\S+?): (.*): (?:(line)(?:, |$))?(?:(\d+) branch(?:es)?)?$")
+ENTRY = re.compile(r"(?:(\S+\.(?:cpp|h)): )?(.*): (?:(line)(?:, |$))?(?:(\d+) branch(?:es)?)?$")
 
 
 class Entry:
@@ -26,7 +27,7 @@ class Entry:
         self.number = 0
 
     def __str__(self):
-        return f"{self.file}: {self.text}"
+        return f"{self.file}: {self.text}" if self.file else self.text
 
 
 def read_list(path):
@@ -46,16 +47,23 @@ def read_list(path):
     return entries, faults + [f"no reason: {entry}" for entry in unexplained]
 
 
-def locate(entry):
-    """Finds the only line of the entry's file that is its text, or says why there is none."""
-    if not os.path.isfile(entry.file):
-        return f"no such file: {entry}"
-    with open(entry.file, encoding="utf-8") as source:
-        numbers = [n for n, line in enumerate(source, 1) if line.strip() == entry.text]
-    if len(numbers) != 1:
-        return f"fits {len(numbers)} lines, not one: {entry}"
-    entry.number = numbers[0]
-    return None
+def library_sources():
+    rooms = Path("cmake/rooms.txt").read_text(encoding="utf-8").split() + ["include"]
+    return [path for room in rooms for path in Path(room).rglob("*.[ch]*")]
+
+
+def locate(entries):
+    """Finds the only line that is an entry's text, and says of which entries there is none."""
+    places = {}
+    for path in library_sources():
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            places.setdefault(line.strip(), []).append((str(path), number))
+    for entry in entries:
+        fits = [place for place in places.get(entry.text, []) if entry.file in (None, place[0])]
+        if len(fits) == 1:
+            entry.file, entry.number = fits[0]
+        else:
+            yield f"fits {len(fits)} lines, not one: {entry}"
 
 
 def count_missed(line):
@@ -111,7 +119,7 @@ def measure(entries, report):
 
 def main(verb, path, report=None):
     entries, faults = read_list(path)
-    faults += filter(None, map(locate, entries))
+    faults += locate(entries)
     if verb == "measure" and not faults:
         with open(report, encoding="utf-8") as file:
             lines, branches, faults, left = measure(entries, json.load(file))

@@ -13,6 +13,7 @@ use File::Path qw(make_path);
 
 my $here = dirname(abs_path(__FILE__));
 require "$here/candidates.pl";
+require "$here/sources.pl";
 require "$here/trial.pl";
 
 # The programs that see a room, the most specific first.
@@ -27,7 +28,7 @@ my %programs = (
     pattern => ['test_pattern'],
 );
 
-my @rooms = qw(rows plan direct portal converters chunks pattern);
+my @rooms = sort keys %programs;
 my $wantedPercent = 95;
 # One candidate of so many is tried, chosen by its own text, so that another change of the file
 # chooses no other ones.
@@ -42,34 +43,44 @@ sub IdOf
 sub Describe
 {
     my ($mutant) = @_;
-    my $at = $mutant->{at} == 1 ? '' : "at: $mutant->{at}\n";
-    return "file: $mutant->{file}\n$at- $mutant->{'-'}\n+ $mutant->{'+'}\n";
+    my $place = join('', map { defined $mutant->{$_} ? "$_: $mutant->{$_}\n" : '' } qw(file at));
+    return "$place- $mutant->{'-'}\n+ $mutant->{'+'}\n";
 }
 
-# By id, the reason why no test can tell. A paragraph without a change sets what those behind it
-# leave out.
+# Says by id of the mutant why no test can tell it, and how many entries fit none or several of the
+# candidates. A paragraph without a change sets what those after it leave out.
 sub ReadSurvivors
 {
-    my ($path) = @_;
-    my (%default, %reason);
+    my ($path, $candidates) = @_;
+    my (%default, %reason, %ofChange);
+    push(@{$ofChange{"$_->{'-'}\n$_->{'+'}"}}, $_) for @$candidates;
+    my $faults = 0;
     for my $paragraph (split(/\n\s*\n/, ReadAll($path))) {
-        my %entry = (at => 1);
+        my %entry;
         for my $line (grep { !/^#/ && /\S/ } split(/\n/, $paragraph)) {
             $line =~ /^(?:(file|at|why): *|([-+]) ?)(.*?) *$/ or die "$path: strange: $line\n";
             my $key = $1 // $2;
             $entry{$key} = defined $entry{$key} && $key eq 'why' ? "$entry{$key} $3" : $3;
         }
+        %entry = (%default, %entry);
         if (!defined $entry{'-'}) {
-            delete $entry{at};
-            %default = (%default, %entry);
+            %default = %entry;
             next;
         }
-        %entry = (%default, %entry);
+        my @fits = grep { ($entry{file} // $_->{file}) eq $_->{file}
+                          && ($entry{at} // $_->{at}) == $_->{at} }
+                   @{$ofChange{"$entry{'-'}\n$entry{'+'}"} // []};
+        if (@fits != 1) {
+            print STDERR scalar(@fits) . " candidates, not one:\n" . Describe(\%entry) . "\n";
+            ++$faults;
+            next;
+        }
+        my $id = IdOf($fits[0]);
         die "$path: no reason:\n" . Describe(\%entry) if ($entry{why} // '') eq '';
-        die "$path: twice:\n" . Describe(\%entry) if defined $reason{IdOf(\%entry)};
-        $reason{IdOf(\%entry)} = {%entry};
+        die "$path: twice:\n" . Describe(\%entry) if defined $reason{$id};
+        $reason{$id} = \%entry;
     }
-    return %reason;
+    return (\%reason, $faults);
 }
 
 sub RoomOf
@@ -78,10 +89,11 @@ sub RoomOf
     return $path =~ m{^([^/]+)/} ? $1 : '';
 }
 
+# The sources of these rooms.
 sub FilesOf
 {
-    my ($tree, @directories) = @_;
-    return map { s{^\Q$tree\E/}{}r } sort map { glob("$tree/$_/*.cpp $tree/$_/*.h") } @directories;
+    my ($tree, @wanted) = @_;
+    return grep { my $path = $_; grep { RoomOf($path) eq $_ } @wanted } SourcesOf($tree);
 }
 
 sub ListMutants
@@ -90,16 +102,6 @@ sub ListMutants
     my @mutants = map { FindMutants($_, ReadAll("$tree/$_")) } FilesOf($tree, @rooms);
     my @chosen = grep { hex(substr(sha1_hex(IdOf($_)), 0, 6)) % $share == 0 } @mutants;
     return (\@chosen, \@mutants);
-}
-
-# Says of each entry whose mutant is not among these that it is stale.
-sub CountStale
-{
-    my ($what, $reason, $mutants) = @_;
-    my %known = map { IdOf($_) => 1 } @$mutants;
-    my @stale = grep { !$known{$_} } sort keys %$reason;
-    print STDERR "$what:\n" . Describe($reason->{$_}) . "\n" for @stale;
-    return scalar(@stale);
 }
 
 # Measures the programs that see these rooms, and says by room what verdicts on survivors hang on.
@@ -171,9 +173,9 @@ sub Summarize
         ++$unexplained;
     }
     # The list may hold survivors among those that were not chosen.
-    my @listed = grep { defined $reason->{$_} } map { IdOf($_) } @$mutants;
-    my $stale = CountStale('no survivor any more', {map { $_ => $reason->{$_} } @listed},
-                           \@survivors);
+    my %survives = map { IdOf($_) => 1 } @survivors;
+    my @stale = grep { $reason->{IdOf($_)} && !$survives{IdOf($_)} } @$mutants;
+    print "no survivor any more:\n" . Describe($_) . "\n" for @stale;
     my $tried = $count{caught} + $count{survived};
     my $percent = $tried == 0 ? 100 : 100 * $count{caught} / $tried;
     printf("%d leave the object code as it is, %d don't compile\n", $count{equal},
@@ -181,7 +183,7 @@ sub Summarize
     printf("automatic %d of %d caught (%.1f %%), %d survivors%s, one of %d of %d candidates\n",
            $count{caught}, $tried, $percent, $count{survived},
            $unexplained ? ", $unexplained of them unexplained" : ' explained', $share, $total);
-    return !$unexplained && $stale == 0 && $percent >= $wantedPercent;
+    return !$unexplained && !@stale && $percent >= $wantedPercent;
 }
 
 sub Try
@@ -194,9 +196,9 @@ sub Try
     my %headerDigest = map { $_ => DigestOf(map { "$tree/$_" } grep { /\.h$/ }
                                             FilesOf($tree, 'common', $_)) } @rooms;
     my %isChosen = map { $_ => 1 } @files;
-    my %reason = ReadSurvivors("$here/survivors.list");
     # Those that are not built here, such as another system's, have no object.
     my ($chosen, $candidates) = ListMutants($tree);
+    my ($reason) = ReadSurvivors("$here/survivors.list", $candidates);
     my @mutants = grep { $build->{objectsOf}{"$tree/$_->{file}"} } @$chosen;
     @mutants = grep { $isChosen{$_->{file}} } @mutants if @files;
     die "automatic: none of the chosen candidates can be built here\n" if !@mutants;
@@ -206,17 +208,17 @@ sub Try
     my %isTried = map { RoomOf($_->{file}) => 1 } @mutants;
     Measure(\%context, sort keys %isTried);
     my @verdicts = TryAll(\%context, @mutants);
-    return Summarize(\@mutants, \@verdicts, \%reason, scalar(@$candidates));
+    return Summarize(\@mutants, \@verdicts, $reason, scalar(@$candidates));
 }
 
 sub Check
 {
     my ($tree) = @_;
-    my %reason = ReadSurvivors("$here/survivors.list");
     my ($chosen, $candidates) = ListMutants(abs_path($tree));
+    my ($reason, $faults) = ReadSurvivors("$here/survivors.list", $candidates);
     printf("automatic: %d of %d candidates chosen, %d survivors explained\n", scalar(@$chosen),
-           scalar(@$candidates), scalar(keys %reason));
-    return CountStale('no candidate any more', \%reason, $candidates) == 0;
+           scalar(@$candidates), scalar(keys %$reason));
+    return $faults == 0;
 }
 
 my ($verb, @rest) = @ARGV;

@@ -1,24 +1,19 @@
 # Reads the lists of planted defects beside it, and plants one of them in a tree.
 #   perl plant.pl list TREE LIST...            room, name, tests and build targets, tab-separated
 #   perl plant.pl plant TREE LIST NAME         changes the file in the tree, prints its path
-#   perl plant.pl show TREE LIST NAME          prints the path, and the changed text behind it
-# "list" fails, and says why, if any of them could not be planted. Needs no module.
+#   perl plant.pl show TREE LIST NAME          prints the path, and the changed text after it
+# "list" fails, and says why, if any of them could not be planted.
 use strict;
 use warnings;
+use Cwd qw(abs_path);
+use File::Basename qw(dirname);
+
+my $here = dirname(abs_path(__FILE__));
+require "$here/sources.pl";
 
 my %isKey = map { $_ => 1 } qw(name file in tests build);
 
-sub ReadAll
-{
-    my ($path) = @_;
-    open(my $file, '<', $path) or die "$path: $!\n";
-    local $/;
-    my $text = <$file>;
-    close($file);
-    return $text;
-}
-
-# A paragraph without a name holds what the ones behind it don't say themselves.
+# A paragraph without a name holds what the ones after it don't say themselves.
 sub ReadList
 {
     my ($path) = @_;
@@ -44,56 +39,49 @@ sub ReadList
     return @mutants;
 }
 
-# Any white space stands for any other, so that a list outlives a formatter.
-sub PatternOf
+# The path and the text of the one file in which a mutant has its only place, with it planted.
+sub MutatedFile
 {
-    my ($text) = @_;
-    return join('\s+', map { quotemeta } split(' ', $text));
-}
-
-# Where the only place of a text begins and ends within a stretch of another.
-sub FindOnly
-{
-    my ($what, $text, $start, $end) = @_;
-    my $pattern = PatternOf($what);
-    die "nothing to look for\n" if $pattern eq '';
-    my $stretch = substr($text, $start, $end - $start);
-    my @places;
-    push(@places, [$start + $-[0], $start + $+[0]]) while $stretch =~ /$pattern/g;
-    die scalar(@places) . " places, not one: $what\n" if @places != 1;
-    return @{$places[0]};
-}
-
-sub MutatedText
-{
-    my ($mutant, $text) = @_;
-    my ($start, $end) = (0, length($text));
-    if (defined $mutant->{in}) {
-        ($start) = FindOnly($mutant->{in}, $text, 0, $end);
-        my $close = index($text, "\n}", $start);
-        $end = $close if $close >= 0;
+    my ($mutant, $texts) = @_;
+    my @files = defined $mutant->{file} ? $mutant->{file} : sort keys %$texts;
+    my ($count, $path, $start, $end) = (0);
+    for my $file (@files) {
+        my $text = $texts->{$file} // die "no such source: $file\n";
+        my @places = defined $mutant->{in} ? PlacesIn($mutant->{in}, $mutant->{'-'}, $text)
+                                           : PlacesOf($mutant->{'-'}, $text);
+        ($path, $start, $end) = ($file, @{$places[0]}) if @places;
+        $count += @places;
     }
-    ($start, $end) = FindOnly($mutant->{'-'}, $text, $start, $end);
-    return substr($text, 0, $start) . $mutant->{'+'} . substr($text, $end);
+    die "$count places, not one: $mutant->{'-'}\n" if $count != 1;
+    my $text = $texts->{$path};
+    my $mutated = substr($text, 0, $start) . $mutant->{'+'} . substr($text, $end);
+    die "it changes nothing\n" if $mutated eq $text;
+    return ($path, $mutated);
+}
+
+sub TextsOf
+{
+    my ($tree) = @_;
+    return {map { $_ => ReadAll("$tree/$_") } SourcesOf($tree)};
 }
 
 sub CheckMutant
 {
-    my ($mutant, $tree) = @_;
-    for my $key ('file', 'tests', '-', '+') {
+    my ($mutant, $texts) = @_;
+    for my $key ('tests', '-', '+') {
         die "no line \"$key\"\n" unless defined $mutant->{$key};
     }
-    my $text = ReadAll("$tree/$mutant->{file}");
-    die "it changes nothing\n" if MutatedText($mutant, $text) eq $text;
+    MutatedFile($mutant, $texts);
 }
 
 sub ListMutants
 {
     my ($tree, @lists) = @_;
     my ($failures, %seen) = (0);
+    my $texts = TextsOf($tree);
     for my $mutant (map { ReadList($_) } @lists) {
         my $title = "$mutant->{room}: $mutant->{name}";
-        eval { CheckMutant($mutant, $tree); 1 } or do {
+        eval { CheckMutant($mutant, $texts); 1 } or do {
             print STDERR "$title: $@";
             ++$failures;
             next;
@@ -112,15 +100,13 @@ sub FindMutant
 {
     my ($tree, $list, $name) = @_;
     my ($mutant) = grep { $_->{name} eq $name } ReadList($list) or die "no such mutant: $name\n";
-    return ($mutant->{file}, MutatedText($mutant, ReadAll("$tree/$mutant->{file}")));
+    return MutatedFile($mutant, TextsOf($tree));
 }
 
 sub PlantMutant
 {
     my ($tree, $path, $text) = @_;
-    open(my $file, '>', "$tree/$path") or die "$path: $!\n";
-    print $file $text;
-    close($file) or die "$path: $!\n";
+    WriteAll("$tree/$path", $text);
     print "$path\n";
 }
 

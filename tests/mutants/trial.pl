@@ -18,24 +18,7 @@ my $wallSeconds = 600;
 # What takes longer is a template without an end.
 my $compileSeconds = 12;
 
-sub ReadAll
-{
-    my ($path) = @_;
-    open(my $file, '<', $path) or die "$path: $!\n";
-    local $/;
-    return scalar(<$file>) // '';
-}
-
-sub WriteAll
-{
-    my ($path, $text) = @_;
-    make_path(dirname($path));
-    open(my $file, '>', $path) or die "$path: $!\n";
-    print $file $text;
-    close($file) or die "$path: $!\n";
-}
-
-# What stands in files, but for the order of their includes.
+# The digest of files, which the order of their includes leaves as it is.
 sub DigestOf
 {
     my (@paths) = @_;

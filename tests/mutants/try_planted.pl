@@ -11,6 +11,7 @@ use File::Basename qw(dirname);
 use File::Path qw(make_path);
 
 my $here = dirname(abs_path(__FILE__));
+require "$here/sources.pl";
 require "$here/trial.pl";
 
 # A planted file as plant.pl shows it. The key leaves out the includes, which may be put in order.
