@@ -42,16 +42,12 @@ void WithLog(const wchar_t* context, Body body)
     }
 }
 
-ImageRow::OptionalParameters OrDefault(const ImageRow::OptionalParameters* options)
-{
-    return options != nullptr ? *options : ImageRow::OptionalParameters();
-}
-
 } // namespace
 
 void ImageRow::FillFrom(const ImageRow& source, const OptionalParameters* options)
 {
-    const OptionalParameters chosen = OrDefault(options);
+    const OptionalParameters defaults;
+    const OptionalParameters& chosen = options != nullptr ? *options : defaults;
     WithLog(fillFromContext, [&] { FillFromSehGuard(source, chosen); });
 }
 
@@ -64,7 +60,8 @@ void ImageRow::FillFrom(const ImageRow& source, bool firstFlag, bool forcePortab
 void ImageRow::FillFromWithRemap(const ImageRow& source, const int* map,
                                  const OptionalParameters* options)
 {
-    const OptionalParameters chosen = OrDefault(options);
+    const OptionalParameters defaults;
+    const OptionalParameters& chosen = options != nullptr ? *options : defaults;
     WithLog(remapContext, [&] { FillFromWithRemapSehGuard(source, map, chosen); });
 }
 
@@ -78,7 +75,8 @@ void ImageRow::FillFromWithRemap(const ImageRow& source, const int* map, bool fi
 void ImageRow::FillFromWithPixelRepeat(const ImageRow& source, int factor,
                                        const OptionalParameters* options)
 {
-    const OptionalParameters chosen = OrDefault(options);
+    const OptionalParameters defaults;
+    const OptionalParameters& chosen = options != nullptr ? *options : defaults;
     WithLog(repeatContext, [&] { FillFromWithPixelRepeatSehGuard(source, factor, chosen); });
 }
 

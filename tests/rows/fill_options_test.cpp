@@ -47,6 +47,23 @@ TEST(FillOptions, ReachTheBodyAsGiven)
     }
 }
 
+// A caller may derive from the record and tell an override more than its flags.
+TEST(FillOptions, ReachTheBodyAsTheCallersOwnObject)
+{
+    struct : Options
+    {
+        int copies = 3;
+    } const options;
+    TaughtRow row;
+    const ImageRow source;
+    row.FillFrom(source, &options);
+    EXPECT_EQ(&options, row.last.record);
+    row.FillFromWithRemap(source, map, &options);
+    EXPECT_EQ(&options, row.last.record);
+    row.FillFromWithPixelRepeat(source, 1, &options);
+    EXPECT_EQ(&options, row.last.record);
+}
+
 TEST(FillOptions, TakeTwoFlagsInTheirOrder)
 {
     TaughtRow row;

@@ -15,13 +15,14 @@ public:
     using ImageRow::FillFromWithRemapSehGuard;
     using ImageRow::ImageRow;
 
-    // What a body was called with.
+    // The arguments of a body.
     struct Call
     {
         const char* body = "none";
         const ImageRow* source = nullptr;
         const int* map = nullptr;
         int factor = 0;
+        const OptionalParameters* record = nullptr;
         OptionalParameters options;
     };
 
@@ -31,19 +32,19 @@ public:
 protected:
     void FillFromBody2(const ImageRow& source, const OptionalParameters& options) override
     {
-        Note({"fill", &source, nullptr, 0, options});
+        Note({"fill", &source, nullptr, 0, &options, options});
     }
 
     void FillFromWithRemapBody2(const ImageRow& source, const int* map,
                                 const OptionalParameters& options) override
     {
-        Note({"remap", &source, map, 0, options});
+        Note({"remap", &source, map, 0, &options, options});
     }
 
     void FillFromWithPixelRepeatBody2(const ImageRow& source, int factor,
                                       const OptionalParameters& options) override
     {
-        Note({"repeat", &source, nullptr, factor, options});
+        Note({"repeat", &source, nullptr, factor, &options, options});
     }
 
 private:
