@@ -7,13 +7,6 @@
 
 namespace zvk::Pelkraft {
 
-// A row's own answers, asked once for each call: a derived row may answer as it likes.
-struct RowView
-{
-    RowGeometry geometry;
-    unsigned char* data;
-};
-
 // One entry for each channel of the destination names the source's channel, or is negative for
 // zeros.
 struct ChannelMap
@@ -25,8 +18,8 @@ struct ChannelMap
 // One conversion as it is asked for.
 struct ConversionRequest
 {
-    RowView source;
-    RowView destination;
+    RowGeometry source;
+    RowGeometry destination;
     std::int32_t sseVersion;
     // The signed repeat factor; a negative one reads the source back to front.
     std::int32_t factor = 1;

@@ -62,8 +62,8 @@ inline bool LayoutsMeet(const FormatPair& formats)
 // for the source, then for the destination.
 inline void BuildFormats(FormatPair& formats, const ConversionRequest& request)
 {
-    const std::int64_t sourceWidth = request.source.geometry.width;
-    const std::int64_t destinationWidth = request.destination.geometry.width;
+    const std::int64_t sourceWidth = request.source.width;
+    const std::int64_t destinationWidth = request.destination.width;
     std::int64_t sourceActive = std::min(sourceWidth, destinationWidth);
     std::int64_t destinationActive = sourceActive;
     // Most calls have the factor 1, and a division takes longer than all else here.
@@ -72,8 +72,8 @@ inline void BuildFormats(FormatPair& formats, const ConversionRequest& request)
         sourceActive = std::min(sourceWidth, (destinationWidth + repeats - 1) / repeats);
         destinationActive = std::min(sourceWidth * repeats, destinationWidth);
     }
-    BuildFormat(formats.source, request.source.geometry, request.factor < 0, sourceActive);
-    BuildFormat(formats.destination, request.destination.geometry, false, destinationActive);
+    BuildFormat(formats.source, request.source, request.factor < 0, sourceActive);
+    BuildFormat(formats.destination, request.destination, false, destinationActive);
 }
 
 // Refuses what no road serves, once there is a chain for it, and answers whether there is a pixel
@@ -84,7 +84,7 @@ inline void BuildFormats(FormatPair& formats, const ConversionRequest& request)
 //   "zvk::Pelkraft::ImageRow::FillFromWithRemap unsupported conversion"
 inline bool MovesPixels(const ConversionRequest& request, const FormatPair& formats)
 {
-    RequireTrueSizes(request.source.geometry, request.destination.geometry);
+    RequireTrueSizes(request.source, request.destination);
     if (formats.destination.channels == 0)
         return false;
     if (formats.source.channels == 0 || !LayoutsMeet(formats))

@@ -1,6 +1,5 @@
 #include "pelkraft/image_row.h"
 #include "plan/plan.h"
-#include "rows/row_view.h"
 #include "zvk/system_tools.h"
 
 namespace zvk::Pelkraft {
@@ -10,62 +9,70 @@ constexpr const char* unsupportedFill = "zvk::Pelkraft::ImageRow::FillFrom unsup
 constexpr const char* unsupportedRepeat =
     "zvk::Pelkraft::ImageRow::FillFromWithPixelRepeat unsupported conversion";
 
-ConversionRequest RequestFor(const ImageRow& source, const ImageRow& destination,
-                             const ImageRow::OptionalParameters& options)
+// A derived row sees the order of the questions: the channel counts come first, since a fill is
+// refused by them alone, and the data last, once all checks have passed. Each is asked once.
+ConversionRequest RequestFor(const ImageRow& source, const ImageRow& destination)
 {
-    const std::int32_t sseVersion = options.forcePortable ? 0 : SystemTools::GetSseVersion();
-    return {ViewOf(source), ViewOf(destination), sseVersion};
+    ConversionRequest request{};
+    request.source.channels = source.GetChannels();
+    request.destination.channels = destination.GetChannels();
+    return request;
 }
 
-bool HaveSameChannels(const ConversionRequest& request)
+void RequireSameChannels(const ConversionRequest& request, const char* text)
 {
-    return request.source.geometry.channels == request.destination.geometry.channels;
+    if (request.source.channels != request.destination.channels)
+        throw text;
 }
 
-void Convert(const ConversionRequest& request)
+void AskForTheRest(RowGeometry& geometry, const ImageRow& row)
 {
+    geometry.width = row.GetWidth();
+    geometry.bits = row.GetBits();
+    geometry.planar = row.IsPlanar();
+}
+
+void Convert(ConversionRequest& request, const ImageRow& source, const ImageRow& destination,
+             const ImageRow::OptionalParameters& options)
+{
+    request.sseVersion = options.forcePortable ? 0 : SystemTools::GetSseVersion();
+    AskForTheRest(request.source, source);
+    AskForTheRest(request.destination, destination);
     Plan plan;
     MakePlan(plan, request);
-    RunPlan(plan, request.source.data, request.destination.data);
+    const unsigned char* const from = source.GetData();
+    RunPlan(plan, from, destination.GetData());
 }
 
 } // namespace
 
-RowView ViewOf(const ImageRow& row)
-{
-    return {{row.GetWidth(), row.GetChannels(), row.GetBits(), row.IsPlanar()}, row.GetData()};
-}
-
 void ImageRow::FillFromBody2(const ImageRow& source, const OptionalParameters& options)
 {
-    const ConversionRequest request = RequestFor(source, *this, options);
-    if (!HaveSameChannels(request))
-        throw unsupportedFill;
-    Convert(request);
+    ConversionRequest request = RequestFor(source, *this);
+    RequireSameChannels(request, unsupportedFill);
+    Convert(request, source, *this, options);
 }
 
 void ImageRow::FillFromWithRemapBody2(const ImageRow& source, const int* map,
                                       const OptionalParameters& options)
 {
-    ConversionRequest request = RequestFor(source, *this, options);
+    ConversionRequest request = RequestFor(source, *this);
     request.maps = true;
     // Widened with its sign: a negative count is refused later, by its own words.
-    request.map = {static_cast<std::uint64_t>(std::int64_t{request.destination.geometry.channels}),
-                   map};
-    Convert(request);
+    request.map = {static_cast<std::uint64_t>(std::int64_t{request.destination.channels}), map};
+    Convert(request, source, *this, options);
 }
 
 void ImageRow::FillFromWithPixelRepeatBody2(const ImageRow& source, int factor,
                                             const OptionalParameters& options)
 {
-    ConversionRequest request = RequestFor(source, *this, options);
-    if (!HaveSameChannels(request))
-        throw unsupportedRepeat;
+    ConversionRequest request = RequestFor(source, *this);
+    RequireSameChannels(request, unsupportedRepeat);
     if (factor != 1 && factor != 2 && factor != 4 && factor != -1 && factor != -2 && factor != -4)
         throw unsupportedRepeat;
     request.repeats = true;
     request.factor = factor;
-    Convert(request);
+    Convert(request, source, *this, options);
 }
 
 } // namespace zvk::Pelkraft

@@ -1,6 +1,5 @@
 #include "plan/conversion_checks.h"
 #include "plan/plan.h"
-#include "rows/row_view.h"
 #include "tests/direct/levels.h"
 #include "tests/support/chain_row.h"
 #include "tests/support/conversion_choices.h"

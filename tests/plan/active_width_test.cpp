@@ -12,8 +12,8 @@ namespace {
 
 FormatPair FormatsOf(int sourceWidth, int destinationWidth, int factor)
 {
-    const RowView source{{sourceWidth, 1, 8, false}, nullptr};
-    const RowView destination{{destinationWidth, 1, 8, false}, nullptr};
+    const RowGeometry source{sourceWidth, 1, 8, false};
+    const RowGeometry destination{destinationWidth, 1, 8, false};
     FormatPair formats;
     BuildFormats(formats, {source, destination, 0, factor});
     return formats;
@@ -81,8 +81,8 @@ TEST(ActiveWidth, CoversTheDestinationWithTheFewestSourcePixels)
 
 TEST(ActiveWidth, NeedNotFitTheOtherRowInAnyForm)
 {
-    const RowView source{{7, 3, 1, true}, nullptr};
-    const RowView destination{{9, 4, 16, false}, nullptr};
+    const RowGeometry source{7, 3, 1, true};
+    const RowGeometry destination{9, 4, 16, false};
     FormatPair formats;
     BuildFormats(formats, {source, destination, 5, -1});
     EXPECT_EQ(1, formats.source.bits);

@@ -30,9 +30,7 @@ inline NaiveOperation MapTo(const std::vector<int>& map)
 // Refers to the case's map, for as long as the case lives.
 inline ConversionRequest RequestOf(const ConversionCase& tested, int level)
 {
-    ConversionRequest request{{GeometryOf(tested.source), nullptr},
-                              {GeometryOf(tested.destination), nullptr},
-                              level,
+    ConversionRequest request{GeometryOf(tested.source), GeometryOf(tested.destination), level,
                               tested.operation.factor};
     request.maps = tested.operation.hasMap;
     request.repeats = !tested.operation.isFill && !request.maps;

@@ -3,85 +3,118 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <string>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-// Counts how often it is asked, and answers the truth only the first time.
+// Writes down each question, a letter in capitals for a destination, and answers the truth only
+// the first time.
 class AskedRow : public ImageRow
 {
 public:
-    using ImageRow::ImageRow;
+    AskedRow(const NaiveGeometry& shape, unsigned char* bytes, bool newIsSource,
+             std::string& newQuestions)
+        : ImageRow(shape.width, shape.channels, shape.bits, shape.planar, bytes),
+          isSource(newIsSource), questions(newQuestions)
+    {}
 
-    int GetWidth() const override { return Answer(width, ImageRow::GetWidth(), 1 << 20); }
-    int GetChannels() const override { return Answer(channels, ImageRow::GetChannels(), 200); }
-    int GetBits() const override { return Answer(bits, ImageRow::GetBits(), 16); }
-    bool IsPlanar() const override
-    {
-        return Answer(planar, ImageRow::IsPlanar() ? 1 : 0, ImageRow::IsPlanar() ? 0 : 1) != 0;
-    }
-    unsigned char* GetData() const override
-    {
-        ++data;
-        return data == 1 ? ImageRow::GetData() : nullptr;
-    }
-
-    std::string Questions() const
-    {
-        std::string text;
-        for (const int count : {width, channels, bits, planar, data})
-            text += std::to_string(count) + " ";
-        return text;
-    }
+    int GetWidth() const override { return IsFirst('w') ? ImageRow::GetWidth() : 1 << 20; }
+    int GetChannels() const override { return IsFirst('c') ? ImageRow::GetChannels() : 200; }
+    int GetBits() const override { return IsFirst('b') ? ImageRow::GetBits() : 16; }
+    bool IsPlanar() const override { return ImageRow::IsPlanar() == IsFirst('p'); }
+    unsigned char* GetData() const override { return IsFirst('d') ? ImageRow::GetData() : nullptr; }
 
 private:
-    static int Answer(int& count, int first, int later) { return ++count == 1 ? first : later; }
+    bool IsFirst(char question) const
+    {
+        const char letter = isSource ? question : static_cast<char>(std::toupper(question));
+        const bool isFirst = questions.find(letter) == std::string::npos;
+        questions += letter;
+        return isFirst;
+    }
 
-    mutable int width = 0;
-    mutable int channels = 0;
-    mutable int bits = 0;
-    mutable int planar = 0;
-    mutable int data = 0;
+    bool isSource;
+    std::string& questions;
 };
 
 constexpr int map[] = {0, 1, 2};
 
-template <typename Fill>
-void ExpectOneQuestionEach(const NaiveGeometry& from, const NaiveGeometry& to, Fill fill)
+using Fill = void (*)(ImageRow& row, const ImageRow& source);
+const Fill fills[] = {
+    [](ImageRow& row, const ImageRow& source) { row.FillFrom(source, nullptr); },
+    [](ImageRow& row, const ImageRow& source) { row.FillFrom(source, false, true); },
+    [](ImageRow& row, const ImageRow& source) { row.FillFromWithPixelRepeat(source, -2, nullptr); },
+    [](ImageRow& row, const ImageRow& source) {
+        row.FillFromWithPixelRepeat(source, 1, false, true);
+    },
+    [](ImageRow& row, const ImageRow& source) { row.FillFromWithRemap(source, map, nullptr); },
+    [](ImageRow& row, const ImageRow& source) { row.FillFromWithRemap(source, map, false, true); },
+};
+
+struct Asked
+{
+    std::string questions;
+    std::string end;
+};
+
+Asked Ask(const NaiveGeometry& from, const NaiveGeometry& to, Fill fill)
 {
     const GuardedBuffer sourceBytes(RandomBytes(NaiveRowBytes(from), 1));
     const GuardedBuffer rowBytes(RandomBytes(NaiveRowBytes(to), 2));
-    const AskedRow source(from.width, from.channels, from.bits, from.planar, sourceBytes.data());
-    AskedRow row(to.width, to.channels, to.bits, to.planar, rowBytes.data());
-    EXPECT_EQ(returned, EndOf([&] { fill(row, source); }));
-    EXPECT_EQ("1 1 1 1 1 ", source.Questions());
-    EXPECT_EQ("1 1 1 1 1 ", row.Questions());
+    Asked asked;
+    const AskedRow source(from, sourceBytes.data(), true, asked.questions);
+    AskedRow row(to, rowBytes.data(), false, asked.questions);
+    asked.end = EndOf([&] { fill(row, source); });
+    return asked;
 }
 
-TEST(DerivedRow, IsAskedOnceForEachCall)
+std::string Sorted(std::string text)
+{
+    std::sort(text.begin(), text.end());
+    return text;
+}
+
+TEST(DerivedRow, IsAskedOnceForEachCallAndForItsDataLast)
 {
     const NaiveGeometry bytes{30, 3, 8, false};
     const NaiveGeometry words{30, 3, 16, true};
     const NaiveGeometry packed{30, 3, 2, true};
     for (const auto& [from, to] : {std::pair{bytes, words}, std::pair{words, bytes},
-                                   std::pair{packed, packed}, std::pair{bytes, packed}}) {
-        ExpectOneQuestionEach(from, to,
-                              [](auto& row, auto& source) { row.FillFrom(source, nullptr); });
-        ExpectOneQuestionEach(from, to,
-                              [](auto& row, auto& source) { row.FillFrom(source, false, true); });
-        ExpectOneQuestionEach(
-            from, to, [](auto& row, auto& source) { row.FillFromWithRemap(source, map, nullptr); });
-        ExpectOneQuestionEach(from, to, [](auto& row, auto& source) {
-            row.FillFromWithRemap(source, map, false, true);
-        });
-        ExpectOneQuestionEach(from, to, [](auto& row, auto& source) {
-            row.FillFromWithPixelRepeat(source, -2, nullptr);
-        });
-        ExpectOneQuestionEach(from, to, [](auto& row, auto& source) {
-            row.FillFromWithPixelRepeat(source, 1, false, true);
-        });
-    }
+                                   std::pair{packed, packed}, std::pair{bytes, packed}})
+        for (const Fill fill : fills) {
+            const Asked asked = Ask(from, to, fill);
+            EXPECT_EQ(returned, asked.end);
+            EXPECT_EQ("BCDPWbcdpw", Sorted(asked.questions));
+            EXPECT_EQ("dD", asked.questions.substr(8)) << asked.questions;
+        }
+}
+
+TEST(DerivedRow, IsAskedForNothingButItsChannelsWhereTheyDiffer)
+{
+    for (const int bits : {8, 4})
+        for (const Fill fill : {fills[0], fills[1], fills[2], fills[3]}) {
+            const Asked asked = Ask({30, 3, bits, false}, {30, 4, 8, false}, fill);
+            EXPECT_NE(returned, asked.end);
+            EXPECT_EQ("cC", asked.questions);
+        }
+}
+
+TEST(DerivedRow, IsNotAskedForItsDataWhereTheCallIsRefused)
+{
+    const NaiveGeometry served{30, 3, 8, false};
+    for (const NaiveGeometry& refused :
+         {NaiveGeometry{30, 3, 4, false}, NaiveGeometry{30, 3, 1, false},
+          NaiveGeometry{30, 3, 10, true}})
+        for (const Fill fill : fills)
+            for (const auto& [from, to] :
+                 {std::pair{refused, served}, std::pair{served, refused}}) {
+                const Asked asked = Ask(from, to, fill);
+                EXPECT_NE(returned, asked.end);
+                EXPECT_EQ("BCPWbcpw", Sorted(asked.questions));
+            }
 }
 
 // Presents a part of another row's bytes.

@@ -1,8 +1,7 @@
-#include "plan/plan.h"
-#include "rows/row_view.h"
 #include "tests/rows/guarded_row.h"
 #include "tests/rows/refusal.h"
 #include "tests/rows/row_fields.h"
+#include "tests/support/chain_row.h"
 
 #include <gtest/gtest.h>
 
@@ -56,7 +55,7 @@ public:
     {
         const int map[] = {0, 0, 0, 0};
         return Ended([&] {
-            ConversionRequest request{ViewOf(source), ViewOf(row), 0, factor};
+            ConversionRequest request{GeometryOf(source), GeometryOf(row), 0, factor};
             request.repeats = request.maps = true;
             request.map = {2, map};
             Plan plan;

@@ -2,10 +2,14 @@
 
 #include "pelkraft/image_row.h"
 #include "plan/plan.h"
-#include "rows/row_view.h"
 #include "zvk/system_tools.h"
 
 namespace zvk::Pelkraft::TestSupport {
+
+inline RowGeometry GeometryOf(const ImageRow& row)
+{
+    return {row.GetWidth(), row.GetChannels(), row.GetBits(), row.IsPlanar()};
+}
 
 // Sends every conversion through the chain of chunks, also those that the direct road serves. The
 // checks, their order and the log are those of any row.
@@ -17,7 +21,7 @@ public:
 protected:
     void FillFromBody2(const ImageRow& source, const OptionalParameters& options) override
     {
-        Run(RequestFor(source, options));
+        Run(RequestFor(source, options), source);
     }
 
     void FillFromWithRemapBody2(const ImageRow& source, const int* map,
@@ -25,8 +29,8 @@ protected:
     {
         ConversionRequest request = RequestFor(source, options);
         request.maps = true;
-        request.map = {static_cast<std::uint64_t>(request.destination.geometry.channels), map};
-        Run(request);
+        request.map = {static_cast<std::uint64_t>(request.destination.channels), map};
+        Run(request, source);
     }
 
     void FillFromWithPixelRepeatBody2(const ImageRow& source, int factor,
@@ -35,22 +39,22 @@ protected:
         ConversionRequest request = RequestFor(source, options);
         request.repeats = true;
         request.factor = factor;
-        Run(request);
+        Run(request, source);
     }
 
 private:
     ConversionRequest RequestFor(const ImageRow& source, const OptionalParameters& options) const
     {
         const int level = options.forcePortable ? 0 : SystemTools::GetSseVersion();
-        return {ViewOf(source), ViewOf(*this), level};
+        return {GeometryOf(source), GeometryOf(*this), level};
     }
 
-    static void Run(const ConversionRequest& request)
+    void Run(const ConversionRequest& request, const ImageRow& source)
     {
         Plan plan;
         MakePlan(plan, request);
         if (plan.road != PlanRoad::None)
-            RunChain(plan, request.source.data, request.destination.data);
+            RunChain(plan, source.GetData(), GetData());
     }
 };
 
