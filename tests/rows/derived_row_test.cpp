@@ -1,5 +1,6 @@
 #include "tests/rows/guarded_row.h"
 #include "tests/rows/refusal.h"
+#include "tests/rows/row_fields.h"
 
 #include <gtest/gtest.h>
 
@@ -164,6 +165,18 @@ TEST(DerivedRow, IsConvertedInTheGeometryThatItShows)
         }
         EXPECT_EQ(NaiveConvert(from, content, to, before, operation), rowBytes.bytes()) << kind;
     }
+}
+
+// All three sizes are those of the fields, whatever the row shows.
+TEST(DerivedRow, HasTheSizesOfItsFields)
+{
+    unsigned char byte = 0;
+    WindowRow row({21, 3, 8, false}, &byte);
+    EXPECT_EQ(14000, row.GetDataSize());
+    EXPECT_EQ(2000, row.CalcPlaneSize());
+    row.Release();
+    row.SetAll(1000, 7, 16, true, nullptr);
+    EXPECT_EQ(14000, FieldsOf(row).dataCapacity);
 }
 
 // The work of a fill, done otherwise.

@@ -1,5 +1,6 @@
 #include "tests/rows/refusal.h"
 #include "tests/rows/taught_row.h"
+#include "tests/system_tools/recording_sink.h"
 #include "zvk/diagnostics.h"
 
 #include <gtest/gtest.h>
@@ -216,6 +217,23 @@ TEST_P(Guard, LetsAnyOtherTypePassUnlogged)
     ExpectToPassUnlogged(row, GetParam(), std::wstring(L"a wide string"));
     ExpectToPassUnlogged(row, GetParam(), static_cast<const void*>(&row));
     ExpectToPassUnlogged(row, GetParam(), static_cast<const unsigned char*>(nullptr));
+}
+
+TEST_P(Guard, LogsToTheSinkThatIsSetWhenTheFailureIsCaught)
+{
+    static const std::logic_error failure("no paper");
+    const std::function<void()> failures[] = {[] { throw 5UL; }, [] { throw failure; },
+                                              [] { throw &failure; }, [] { throw "paper jam"; },
+                                              [] { throw L"cover open"; }};
+    for (const auto& fail : failures) {
+        Diagnostics::RecordingSink sink;
+        row.lesson = [&] {
+            Diagnostics::Seh::SetDefaultLog(&sink);
+            fail();
+        };
+        EXPECT_EQ(Lines{}, Logged());
+        EXPECT_EQ(1U, sink.Lines().size());
+    }
 }
 
 class BrokenSink final : public Diagnostics::ILogSink
