@@ -109,8 +109,9 @@ public:
     //   depth and layout to this row's
     // and, where it needs memory and there is none, std::bad_alloc or
     //   "zvk::Pelkraft::ConversionPortal memory allocation failed for relocation buffer".
-    // All of them come before the first pixel is written, and each is logged once and left as it
-    // was thrown.
+    // All of them come before the first pixel is written, and each is left as it was thrown. Each
+    // is logged once; on Windows twice, since a throw is a structured exception there, which is
+    // logged by its number before the failure is by its words.
     virtual void FillFrom(const ImageRow& source, const OptionalParameters* options);
     virtual void FillFrom(const ImageRow& source, bool firstFlag, bool forcePortable);
 
