@@ -5,7 +5,7 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// What no 32-bit size equals.
+// It equals no 32-bit size.
 constexpr std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
 
 std::int64_t LimitedProduct(std::int64_t a, std::int64_t b)
@@ -28,9 +28,15 @@ std::int64_t ExactRowSize(const RowGeometry& geometry)
 
 } // namespace
 
-bool AnyRowSizeFits(const RowGeometry& geometry)
+bool IsTrueRowSize(const RowGeometry& geometry)
 {
     return ExactRowSize(geometry) == WrappedRowSize(geometry);
+}
+
+bool HidesTrueRowSize(const RowGeometry& geometry)
+{
+    return geometry.width >= 0 && geometry.channels >= 0 && geometry.bits > 0 &&
+           geometry.bits <= 16 && RowSizeFits(geometry) && !IsTrueRowSize(geometry);
 }
 
 } // namespace zvk::Pelkraft

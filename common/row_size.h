@@ -38,33 +38,26 @@ inline std::int32_t WrappedRowSize(const RowGeometry& geometry)
                           WrappedRoundToBytes(geometry.bits));
 }
 
-// Whether the wrapped size is the true one, for a geometry of any numbers.
-bool AnyRowSizeFits(const RowGeometry& geometry);
+// Whether the wrapped size is the true one.
+bool IsTrueRowSize(const RowGeometry& geometry);
 
-// The products of a plain geometry fit 64 bits as they stand. A plane whose bits wrap has no true
-// size in 32 bits.
-inline bool PlainRowSizeFits(const RowGeometry& geometry)
+// Whether the true size fits 32 bits, for a geometry without negative numbers and of at most 16
+// bits: its products fit 64 bits as they stand.
+inline bool RowSizeFits(const RowGeometry& geometry)
 {
     constexpr auto largestSize =
         static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
     const auto channels = static_cast<std::uint64_t>(geometry.channels);
     const auto width = static_cast<std::uint64_t>(geometry.width);
     const auto bits = static_cast<std::uint64_t>(geometry.bits);
-    if (channels == 0)
-        return true;
     if (geometry.planar)
-        return width * bits + 7 <= largestSize &&
-               channels * ((width * bits + 7) / 8) <= largestSize;
+        return channels * ((width * bits + 7) / 8) <= largestSize;
     const std::uint64_t samples = channels * width;
     return samples <= largestSize && samples * ((bits + 7) / 8) <= largestSize;
 }
 
-// Whether the wrapped size is the true one.
-inline bool RowSizeFits(const RowGeometry& geometry)
-{
-    const bool plain =
-        geometry.width >= 0 && geometry.channels >= 0 && geometry.bits > 0 && geometry.bits <= 16;
-    return plain ? PlainRowSizeFits(geometry) : AnyRowSizeFits(geometry);
-}
+// Whether a conversion can serve the geometry, since its true size fits, although the 32-bit size
+// has wrapped: the bits of a plane may wrap where its bytes don't.
+bool HidesTrueRowSize(const RowGeometry& geometry);
 
 } // namespace zvk::Pelkraft

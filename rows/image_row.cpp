@@ -51,7 +51,7 @@ ImageRow::ImageRow(int newWidth, int newChannels, int newBits, bool newPlanar,
 {
     if (!ownsData)
         return;
-    if (!RowSizeFits({width, channels, bits, planar}))
+    if (!IsTrueRowSize({width, channels, bits, planar}))
         throw std::bad_alloc();
     data = AllocateRow(dataCapacity);
 }
@@ -74,11 +74,16 @@ int ImageRow::CalcBufferSize(int width, int channels, int bits, bool planar)
 void ImageRow::SetData(unsigned char* newData)
 {
     const int size = CalcDataSize();
-    if (newData == nullptr && size <= dataCapacity)
-        return;
-    // An override of CalcDataSize answers for its own size.
     const RowGeometry geometry{width, channels, bits, planar};
-    if (newData == nullptr && size == WrappedRowSize(geometry) && !RowSizeFits(geometry))
+    // An override of CalcDataSize answers for its own size.
+    const bool isOfGeometry = size == WrappedRowSize(geometry);
+    // A size that has wrapped says nothing of another buffer than the one that was given for it. A
+    // row whose true size does not fit either may keep any: no conversion serves it.
+    const bool isGiven = data != nullptr && !ownsData && size == dataCapacity;
+    const bool holds = isGiven || !isOfGeometry || !HidesTrueRowSize(geometry);
+    if (newData == nullptr && size <= dataCapacity && holds)
+        return;
+    if (newData == nullptr && isOfGeometry && !IsTrueRowSize(geometry))
         throw std::bad_alloc();
 
     unsigned char* buffer = newData != nullptr ? newData : AllocateRow(size);

@@ -42,50 +42,74 @@ TEST(RowSizeFit, IsNotTheSizeThatIsLeftOfALargerOne)
     EXPECT_FALSE(Fits(largest, largest, 16, false));
 }
 
-TEST(RowSizeFit, CountsTheBitsOfAPlane)
+TEST(RowSizeFit, CountsTheBytesOfAPlaneAndNotItsBits)
 {
-    // The bits of a plane are counted in 32 bits too, and 7 more of them.
-    EXPECT_TRUE(Fits(largest - 7, 1, 1, true));
-    EXPECT_TRUE(Fits(largest - 7, 7, 1, true));
-    EXPECT_FALSE(Fits(largest - 6, 1, 1, true));
-    EXPECT_FALSE(Fits(largest - 7, 9, 1, true));
-    EXPECT_TRUE(Fits((1 << 28) - 1, 7, 8, true));
-    EXPECT_FALSE(Fits(1 << 28, 1, 8, true));
+    EXPECT_TRUE(Fits(largest, 1, 1, true));
+    EXPECT_TRUE(Fits(largest, 7, 1, true));
+    EXPECT_FALSE(Fits(largest, 8, 1, true));
+    EXPECT_TRUE(Fits(1 << 28, 1, 8, true));
+    EXPECT_TRUE(Fits(1 << 28, 7, 8, true));
+    EXPECT_FALSE(Fits(1 << 28, 8, 8, true));
+    EXPECT_TRUE(Fits(largest, 1, 8, true));
+    EXPECT_TRUE(Fits(gibi - 1, 1, 16, true));
     EXPECT_FALSE(Fits(gibi, 1, 16, true));
+    EXPECT_TRUE(Fits(1 << 28, 6, 10, true));
+    EXPECT_FALSE(Fits(1 << 28, 7, 10, true));
 }
 
 TEST(RowSizeFit, IsThereForNothing)
 {
-    EXPECT_TRUE(Fits(0, 0, 0, false));
+    EXPECT_TRUE(Fits(0, 0, 1, false));
     EXPECT_TRUE(Fits(largest, 0, 16, false));
     EXPECT_TRUE(Fits(0, largest, 16, false));
     EXPECT_TRUE(Fits(0, largest, 16, true));
-    EXPECT_TRUE(Fits(1 << 27, 0, 8, true));
+    EXPECT_TRUE(Fits(largest, 0, 16, true));
+}
+
+// The 32-bit size of these is the number itself, or what is left of it.
+TEST(TrueRowSize, IsTheOneWithoutAWrap)
+{
+    EXPECT_TRUE(IsTrueRowSize({largest, 1, 8, false}));
+    EXPECT_TRUE(IsTrueRowSize({largest - 7, 7, 1, true}));
+    EXPECT_TRUE(IsTrueRowSize({(1 << 28) - 1, 7, 8, true}));
+    EXPECT_TRUE(IsTrueRowSize({1 << 27, 15, 8, true}));
     // Samples of no bits take no bytes, however many there are.
-    EXPECT_TRUE(Fits(1 << 16, 1 << 16, 0, false));
-    EXPECT_TRUE(Fits(largest, largest, 0, true));
-}
+    EXPECT_TRUE(IsTrueRowSize({1 << 16, 1 << 16, 0, false}));
+    EXPECT_TRUE(IsTrueRowSize({largest, largest, 0, true}));
+    EXPECT_TRUE(IsTrueRowSize({-5, 3, 8, false}));
+    EXPECT_TRUE(IsTrueRowSize({5, -3, 16, true}));
+    EXPECT_TRUE(IsTrueRowSize({smallest, 1, 8, false}));
+    EXPECT_TRUE(IsTrueRowSize({gibi, 1, 8, false}));
 
-TEST(RowSizeFit, IsThatOfANegativeSizeToo)
-{
-    EXPECT_TRUE(Fits(-5, 3, 8, false));
-    EXPECT_TRUE(Fits(5, -3, 16, true));
-    EXPECT_TRUE(Fits(smallest, 1, 8, false));
-    EXPECT_FALSE(Fits(smallest, 2, 8, false));
-    EXPECT_FALSE(Fits(smallest, -1, 8, false));
-}
-
-TEST(RowSizeFit, IsNotTheSizeThatIsLeftOfALargeNegativeOne)
-{
+    EXPECT_FALSE(IsTrueRowSize({1 << 16, 1 << 16, 8, false}));
+    EXPECT_FALSE(IsTrueRowSize({smallest, 2, 8, false}));
+    EXPECT_FALSE(IsTrueRowSize({smallest, -1, 8, false}));
     // -2^32, and -2^32 bytes in a plane: 0 is left of both.
-    EXPECT_FALSE(Fits(-(1 << 16), 1 << 16, 8, false));
-    EXPECT_FALSE(Fits(smallest, 1, 16, true));
+    EXPECT_FALSE(IsTrueRowSize({-(1 << 16), 1 << 16, 8, false}));
+    EXPECT_FALSE(IsTrueRowSize({smallest, 1, 16, true}));
     // Beyond 64 bits too, on either side of nothing.
     for (const std::int32_t width : {smallest, largest})
         for (const std::int32_t channels : {smallest, largest}) {
-            EXPECT_FALSE(Fits(width, channels, largest, false));
-            EXPECT_FALSE(Fits(width, channels, largest - 7, true));
+            EXPECT_FALSE(IsTrueRowSize({width, channels, largest, false}));
+            EXPECT_FALSE(IsTrueRowSize({width, channels, largest - 7, true}));
         }
+}
+
+TEST(TrueRowSize, IsHiddenWhereOnlyTheBitsOfAPlaneWrap)
+{
+    EXPECT_TRUE(HidesTrueRowSize({largest - 6, 1, 1, true}));
+    EXPECT_TRUE(HidesTrueRowSize({1 << 28, 1, 8, true}));
+    EXPECT_TRUE(HidesTrueRowSize({1 << 28, 7, 8, true}));
+    EXPECT_TRUE(HidesTrueRowSize({largest, 1, 8, true}));
+
+    EXPECT_FALSE(HidesTrueRowSize({largest - 7, 1, 1, true}));
+    EXPECT_FALSE(HidesTrueRowSize({1 << 28, 8, 8, true}));
+    EXPECT_FALSE(HidesTrueRowSize({-(1 << 28), 1, 16, true}));
+    EXPECT_FALSE(HidesTrueRowSize({-(1 << 28), -1, 8, true}));
+    EXPECT_FALSE(HidesTrueRowSize({-(1 << 28), 1, -8, true}));
+    EXPECT_FALSE(HidesTrueRowSize({1 << 28, -1, -8, true}));
+    EXPECT_FALSE(HidesTrueRowSize({1 << 27, 1, 17, true}));
+    EXPECT_FALSE(HidesTrueRowSize({1 << 16, 1 << 16, 8, false}));
 }
 
 } // namespace

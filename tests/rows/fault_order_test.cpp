@@ -126,7 +126,7 @@ TEST(Width, IsRefusedWhereTheRowsSizeDoesNotFit)
 {
     EXPECT_EQ(width, Rows({65536, 65536, 8, false}, {1, 65536, 8, false}).Fill());
     EXPECT_EQ(width, Rows({1, 65536, 8, false}, {65536, 65536, 8, false}).Fill());
-    EXPECT_EQ(width, Rows({1 << 28, 1, 16, true}, {1 << 28, 1, 16, true}).Repeat(-1));
+    EXPECT_EQ(width, Rows({1 << 30, 1, 16, true}, {1 << 30, 1, 16, true}).Repeat(-1));
 }
 
 TEST(ChannelCount, IsRefusedWhereNegative)

@@ -196,16 +196,10 @@ struct Geometry
 };
 
 // The true sizes of these don't fit 32 bits; what is left of them is 0, negative or small.
-constexpr Geometry tooLarge[] = {{65536, 65536, 8, false},
-                                 {65537, 65536, 8, false},
-                                 {65536, 32768, 8, false},
-                                 {1 << 28, 1, 16, true},
-                                 {(1 << 28) + 1, 1, 16, true},
-                                 {1 << 20, 1 << 10, 16, true},
-                                 {largest, largest, largest, false},
-                                 {1, 1, largest, false},
-                                 {largest, 2, 8, true},
-                                 {-65536, 65537, 8, false}};
+constexpr Geometry tooLarge[] = {
+    {65536, 65536, 8, false},     {65537, 65536, 8, false},           {65536, 32768, 8, false},
+    {1 << 20, 1 << 10, 16, true}, {largest, largest, largest, false}, {1, 1, largest, false},
+    {largest, 2, 8, true},        {-65536, 65537, 8, false}};
 
 int WrappedSize(const Geometry& geometry)
 {
@@ -247,6 +241,33 @@ TEST(RowMemory, IsKeptWhereALargerSizeDoesNotFit)
         EXPECT_EQ(100, FieldsOf(row).dataCapacity);
         EXPECT_EQ(0x79, row.GetData()[99]);
     }
+}
+
+// A conversion serves these, so that no buffer may stand for one that the wrapped size is too
+// small for.
+TEST(RowMemory, IsNeverTakenOrKeptForAPlaneWhoseBitsWrap)
+{
+    unsigned char buffer[100] = {};
+    for (const int width : {1 << 28, (1 << 28) + 1, largest})
+        for (const int bits : {8, 16}) {
+            if (bits == 16 && width == largest)
+                continue;
+            SCOPED_TRACE(testing::Message() << width << " of " << bits);
+            EXPECT_EQ(outOfMemory,
+                      EndOf([&] { const ImageRow row(width, 1, bits, true, nullptr); }));
+            ImageRow owning(100, 1, 8, false, nullptr);
+            ImageRow wrapping(100, 1, 8, false, buffer);
+            ImageRow empty;
+            for (ImageRow* const row : {&owning, &wrapping, &empty}) {
+                const RowFields before = FieldsOf(*row);
+                EXPECT_EQ(outOfMemory, EndOf([&] { row->SetAll(width, 1, bits, true, nullptr); }));
+                EXPECT_TRUE(before == FieldsOf(*row));
+            }
+            // The caller's own buffer for this very size is kept.
+            wrapping.SetAll(width, 1, bits, true, buffer);
+            EXPECT_EQ(returned, EndOf([&] { wrapping.SetData(nullptr); }));
+            EXPECT_EQ(buffer, wrapping.GetData());
+        }
 }
 
 TEST(RowMemory, OfAnEmptyRowIsNotTakenForASizeThatWrapsToNothing)

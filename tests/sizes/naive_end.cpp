@@ -17,8 +17,6 @@ constexpr const char* packer =
 constexpr const char* unpacker =
     "zvk::Pelkraft::ChunkConvertFacility::Create_Unpacker unsupported format";
 
-constexpr double largest32 = 2147483647.0;
-
 struct ActiveWidths
 {
     std::int64_t source;
@@ -99,10 +97,7 @@ std::string FaultOfChain(const NaiveGeometry& from, const NaiveGeometry& to)
 
 bool Fits(const NaiveGeometry& geometry)
 {
-    if (geometry.channels == 0)
-        return true;
-    const double planeBits = static_cast<double>(geometry.width) * geometry.bits + 7;
-    return ExactRowBytes(geometry) <= largest32 && (!geometry.planar || planeBits <= largest32);
+    return ExactRowBytes(geometry) <= 2147483647.0;
 }
 
 std::string FaultOfSizes(const NaiveGeometry& from, const NaiveGeometry& to)

@@ -1,7 +1,9 @@
 #include "tests/bounds/placements.h"
 #include "tests/pattern/pattern_grid.h"
+#include "tests/sizes/naive_end.h"
 #include "tests/sizes/sample_at.h"
 #include "tests/sizes/wide_memory.h"
+#include "tests/support/chain_row.h"
 #include "tests/support/conversion_run.h"
 
 #include <gtest/gtest.h>
@@ -35,20 +37,28 @@ NaiveOperation RepeatBy(int factor)
 class WholeRows : public ::testing::Test
 {
 protected:
-    WholeRows() { source.FillWithNoise(11); }
+    explicit WholeRows(int newBytes = LargestRow()) : bytes(newBytes) { source.FillWithNoise(11); }
 
     // From single channel to single channel, or interleaved: planes would write over each other.
+    template <typename Row = ImageRow>
     void Run(const NaiveGeometry& from, const NaiveGeometry& to, int factor)
     {
         for (const bool forcePortable : {false, true}) {
             const ConversionCase oneCase{from, to, RepeatBy(factor), forcePortable};
-            unsigned char* const read = source.Last(NaiveRowBytes(from));
-            unsigned char* const written = destination.Last(NaiveRowBytes(to));
+            unsigned char* const read = source.Last(BytesOf(from));
+            unsigned char* const written = destination.Last(BytesOf(to));
             destination.FillWith(0x5A);
-            RunConversion(oneCase, read, written);
+            const ImageRow sourceRow(from.width, from.channels, from.bits, from.planar, read);
+            Row row(to.width, to.channels, to.bits, to.planar, written);
+            RunConversion(oneCase, sourceRow, row);
             EXPECT_EQ(0, CountWrongAtEnd(oneCase, read, written)) << Describe(oneCase);
             ++count;
         }
+    }
+
+    static std::uint64_t BytesOf(const NaiveGeometry& geometry)
+    {
+        return static_cast<std::uint64_t>(ExactRowBytes(geometry));
     }
 
     static int CountWrongAtEnd(const ConversionCase& oneCase, const unsigned char* read,
@@ -79,7 +89,7 @@ protected:
                                       oneCase.destination.width);
     }
 
-    const int bytes = LargestRow();
+    const int bytes;
     const WideMemory source{static_cast<std::uint64_t>(bytes), WideMemory::Repeated};
     const WideMemory destination{static_cast<std::uint64_t>(bytes), WideMemory::Repeated};
     std::uint64_t count = 0;
@@ -88,8 +98,8 @@ protected:
 TEST_F(WholeRows, AreConvertedUpToTheLargestSize)
 {
     const int words = bytes / 2;
-    // A plane's bits are counted in 32 bits too, which is less than 31 bits of bytes.
-    const int planeBytes = std::min(bytes, (std::numeric_limits<int>::max() - 7) / 8);
+    // As many bits as a width can count.
+    const int packedBytes = std::min(bytes, std::numeric_limits<int>::max() / 8);
     Run({bytes, 1, 8, false}, {bytes, 1, 8, false}, 1);
     Run({bytes, 1, 8, false}, {bytes, 1, 8, false}, -1);
     Run({bytes / 3, 3, 8, false}, {bytes / 3, 3, 8, false}, 1);
@@ -97,11 +107,31 @@ TEST_F(WholeRows, AreConvertedUpToTheLargestSize)
     Run({words, 1, 16, false}, {words, 1, 16, false}, 1);
     Run({words, 1, 8, false}, {words, 1, 16, false}, 1);
     Run({words, 1, 16, false}, {words, 1, 8, false}, -1);
-    Run({planeBytes, 1, 8, true}, {planeBytes, 1, 8, false}, 1);
-    Run({planeBytes, 1, 8, true}, {planeBytes, 1, 1, true}, 1);
-    Run({planeBytes * 8, 1, 1, true}, {planeBytes * 8, 1, 1, true}, 1);
-    Run({planeBytes * 8 - 3, 1, 1, true}, {bytes, 1, 8, false}, 1);
+    Run({bytes, 1, 8, true}, {bytes, 1, 8, false}, 1);
+    Run({bytes, 1, 8, true}, {bytes, 1, 1, true}, 1);
+    Run({packedBytes * 8, 1, 1, true}, {packedBytes * 8, 1, 1, true}, 1);
+    Run({packedBytes * 8 - 3, 1, 1, true}, {bytes, 1, 8, false}, 1);
     std::printf("%" PRIu64 " whole rows of %d bytes\n", count, bytes);
+}
+
+// 2^31 bits, so that the row's own 32-bit size is negative.
+class LongPlane : public WholeRows
+{
+protected:
+    LongPlane() : WholeRows(1 << 29) {}
+};
+
+TEST_F(LongPlane, IsConvertedThoughItsBitsPass32Bits)
+{
+    const NaiveGeometry plane{1 << 28, 1, 8, true};
+    ASSERT_LT(ImageRow::CalcBufferSize(plane.width, 1, 8, true), 0);
+    Run(plane, plane, 1);
+    Run(plane, plane, -1);
+    Run(plane, {1 << 28, 1, 1, true}, 1);
+    Run({std::numeric_limits<int>::max(), 1, 1, true}, {1 << 20, 1, 8, false}, -1);
+    Run<ChainRow>({std::numeric_limits<int>::max(), 1, 1, true}, {1 << 20, 1, 8, false}, 1);
+    Run<ChainRow>({1 << 28, 2, 8, true}, {1 << 20, 2, 8, false}, -1);
+    std::printf("%" PRIu64 " whole planes of 2^31 bits\n", count);
 }
 
 TEST_F(WholeRows, ArePatternedUpToTheLargestSize)
