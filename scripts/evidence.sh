@@ -3,8 +3,8 @@
 # date, machine and command into its row of docs/reliability.md.
 #   evidence.sh [LINE...]            runs these lines whole, or all of them, which takes half a day
 #   evidence.sh --sample [LINE...]   runs a short fixed sample and writes nothing
-# A line is a script of scripts/evidence/. It gets "whole" or "sample", ends with 0 if all holds,
-# and says its figure on a line that begins with "figure: ".
+# A line has a script in scripts/evidence/, which gets "whole" or "sample" and the name of the line,
+# exits with 0 if all holds, and prints its figure on a line that begins with "figure: ".
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
@@ -18,6 +18,14 @@ fi
 # The lines in the order of their rows.
 all_lines() {
     sed -n 's/^| `\([a-z_]*\)` |.*/\1/p' "$report"
+}
+
+# Two lines are one script.
+script_of() {
+    case $1 in
+    guard_pages | outside_bytes) echo scripts/evidence/bounds.sh ;;
+    *) echo "scripts/evidence/$1.sh" ;;
+    esac
 }
 
 machine() {
@@ -37,7 +45,7 @@ record() {
 run_line() {
     local line=$1 log=build/evidence/$1.log verdict="" figure
     echo "== $line, $extent"
-    bash "scripts/evidence/$line.sh" "$extent" 2>&1 | tee "$log"
+    bash "$(script_of "$line")" "$extent" "$line" 2>&1 | tee "$log"
     [ "${PIPESTATUS[0]}" -eq 0 ] || verdict="FAILED: "
     figure=$(sed -n 's/^figure: //p' "$log" | tail -1)
     [ -n "$figure" ] || verdict="FAILED: "
@@ -49,7 +57,7 @@ run_line() {
 lines=("$@")
 [ $# -ne 0 ] || mapfile -t lines < <(all_lines)
 for line in "${lines[@]}"; do
-    if [ ! -f "scripts/evidence/$line.sh" ]; then
+    if ! all_lines | grep -qx -- "$line"; then
         echo "evidence.sh: no line '$line' among:" $(all_lines) >&2
         exit 2
     fi
