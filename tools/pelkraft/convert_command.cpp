@@ -35,8 +35,7 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
     int page = 1;
     do {
         const PagePlan plan = PlanPage(file, options);
-        const auto rowBytes = static_cast<std::uint64_t>(
-            FileRowBytes(plan.to.width, plan.to.channels, plan.to.bits, plan.to.separate));
+        const auto rowBytes = static_cast<std::uint64_t>(plan.to.RowBytes());
         // What doesn't compress may grow by a half.
         const bool plain = plan.to.compression == COMPRESSION_NONE;
         total.bytes += rowBytes * plan.to.height / 2 * (plain ? 2 : 3);

@@ -1,5 +1,6 @@
 #include "tools/pelkraft/explain.h"
 
+#include "tools/pelkraft/page_rows.h"
 #include "zvk/system_tools.h"
 
 namespace zvk::Pelkraft::Client {
@@ -85,7 +86,7 @@ std::string ExplainPage(const PagePlan& plan, const ConvertOptions& options, int
                                  PolarityWords(plan.tags.photometric) +
                                  (plan.tags.photometric == plan.from.photometric ? ", kept" : ""));
     text += Line("bit order", BitOrderWords(plan));
-    text += Line("work", "bands of " + std::to_string(BandRows(plan)) + " rows on " +
+    text += Line("work", "bands of " + std::to_string(BandRows(plan.from, plan.to)) + " rows on " +
                              std::to_string(options.threads) +
                              (options.threads == 1 ? " thread" : " threads"));
     return text;

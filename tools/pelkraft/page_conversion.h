@@ -41,11 +41,9 @@ struct PagePlan
 // Plans the page at which the file stands, and refuses here what can't be served.
 PagePlan PlanPage(const TiffFile& file, const ConvertOptions& options);
 
-// Writes the page, tags and rows. Tells whether samples exceeded the levels they were cut to.
+// Writes the page, tags and rows. Answers whether samples exceeded the
+// levels that they were cut to.
 [[nodiscard]] bool ConvertPage(const TiffFile& file, const TiffFile& out, const PagePlan& plan,
                                const ConvertOptions& options, Progress& progress);
-
-// Rows that are held at once.
-std::uint32_t BandRows(const PagePlan& plan);
 
 } // namespace zvk::Pelkraft::Client

@@ -46,9 +46,9 @@ BlockGrid MakeGrid(const TiffPicture& picture)
     grid.blockLength = picture.tiled ? picture.tileLength : picture.rowsPerStrip;
     grid.columns =
         static_cast<std::uint32_t>((picture.width + grid.blockWidth - 1) / grid.blockWidth);
-    grid.planes = picture.separate ? static_cast<std::uint32_t>(picture.channels) : 1;
-    grid.blockRowBytes = PlaneBytes(grid.blockWidth, channelsTogether, picture.bits, false);
-    grid.planeBytes = PlaneBytes(picture.width, channelsTogether, picture.bits, false);
+    grid.planes = static_cast<std::uint32_t>(picture.CountPlanes());
+    grid.blockRowBytes = BytesOfSamples(grid.blockWidth * channelsTogether, picture.bits);
+    grid.planeBytes = picture.PlaneBytes();
     return grid;
 }
 

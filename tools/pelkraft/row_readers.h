@@ -8,7 +8,7 @@
 namespace zvk::Pelkraft::Client {
 
 // Gives the rows of a page one after the other, from the first to the last, whatever the file is
-// cut into. A row has FileRowBytes() bytes. Failures are those of a damaged file.
+// cut into. A row has the picture's RowBytes(). Failures are those of a damaged file.
 class IRowReader
 {
 public:

@@ -15,11 +15,8 @@ constexpr std::int64_t mostHeldBytes = std::int64_t{16} << 20;
 
 std::uint32_t ChooseRowsPerStrip(const TiffPicture& picture)
 {
-    const std::int64_t planeBytes =
-        PlaneBytes(picture.width, picture.channels, picture.bits, picture.separate);
-    const std::int64_t rowBytes =
-        FileRowBytes(picture.width, picture.channels, picture.bits, picture.separate);
-    const std::int64_t mostRows = mostHeldBytes / rowBytes;
+    const std::int64_t planeBytes = picture.PlaneBytes();
+    const std::int64_t mostRows = mostHeldBytes / picture.RowBytes();
     const std::int64_t present = std::min(picture.rowsPerStrip, picture.height);
     const bool keep =
         !picture.tiled && present <= mostRows && present * planeBytes <= largestStripBytes;
@@ -30,9 +27,8 @@ std::uint32_t ChooseRowsPerStrip(const TiffPicture& picture)
 
 StripWriter::StripWriter(const TiffFile& newFile, const TiffPicture& newPicture)
     : file(newFile), picture(newPicture),
-      planeBytes(static_cast<std::size_t>(
-          PlaneBytes(picture.width, picture.channels, picture.bits, picture.separate))),
-      planes(picture.separate ? picture.channels : 1), strip(planeBytes * picture.rowsPerStrip)
+      planeBytes(static_cast<std::size_t>(picture.PlaneBytes())), planes(picture.CountPlanes()),
+      strip(planeBytes * picture.rowsPerStrip)
 {}
 
 void StripWriter::WriteRows(const unsigned char* rows, std::int64_t rowStride,

@@ -63,24 +63,18 @@ void RefuseSubsampling(const TiffFile& file, const TiffPicture& picture)
 
 void RefuseWideRows(const TiffFile& file, const TiffPicture& picture)
 {
-    const std::int64_t rowBytes =
-        FileRowBytes(picture.width, picture.channels, picture.bits, picture.separate);
+    const std::int64_t rowBytes = picture.RowBytes();
     if (rowBytes > largestRow || picture.width > largestRow)
         throw Failure(ExitCode::Unsupported, file.Path(),
                       "has rows of " + std::to_string(rowBytes) +
                           " bytes; supported are rows of up to 2147483647 bytes");
 }
 
-std::uint64_t RowBytes(const TiffPicture& picture)
-{
-    return static_cast<std::uint64_t>(
-        FileRowBytes(picture.width, picture.channels, picture.bits, picture.separate));
-}
-
 // Bytes that must be held at once to read the page: a row of tiles, or one row of a strip.
 std::uint64_t HeldBytes(const TiffPicture& picture)
 {
-    return RowBytes(picture) * (picture.tiled ? std::min(picture.tileLength, picture.height) : 1);
+    return static_cast<std::uint64_t>(picture.RowBytes()) *
+           (picture.tiled ? std::min(picture.tileLength, picture.height) : 1);
 }
 
 void RefuseTileShape(const TiffFile& file, const TiffPicture& picture)
@@ -97,7 +91,8 @@ void RefuseTileShape(const TiffFile& file, const TiffPicture& picture)
         file.Throw(ExitCode::BadInput, "declares tiles of " + std::to_string(tileBytes) +
                                            " bytes; supported are tiles of up to 1 GiB");
     // Compared by division: the product of a hostile file may leave 64 bits.
-    if (RowBytes(picture) > largestTileRowBytes / std::min(picture.tileLength, picture.height))
+    if (static_cast<std::uint64_t>(picture.RowBytes()) >
+        largestTileRowBytes / std::min(picture.tileLength, picture.height))
         throw Failure(ExitCode::Unsupported, file.Path(),
                       "needs over 4 GiB for one row of tiles; supported is up to 4 GiB");
 }
@@ -111,7 +106,7 @@ void RefuseMissingData(const TiffFile& file, const TiffPicture& picture)
     const std::uint64_t expansion =
         picture.compression == COMPRESSION_NONE ? plainExpansion : largestExpansion;
     if (heldBytes > believedBytes && heldBytes / expansion > file.Size())
-        file.Throw(ExitCode::BadInput, "declares rows of " + std::to_string(RowBytes(picture)) +
+        file.Throw(ExitCode::BadInput, "declares rows of " + std::to_string(picture.RowBytes()) +
                                            " bytes, which a file of " +
                                            std::to_string(file.Size()) + " bytes can't hold");
 
@@ -132,14 +127,14 @@ void RefuseMissingData(const TiffFile& file, const TiffPicture& picture)
 
 } // namespace
 
-std::int64_t PlaneBytes(std::int64_t width, int channels, int bits, bool separate)
+std::int64_t BytesOfSamples(std::int64_t samples, int bits)
 {
-    return (width * (separate ? 1 : channels) * bits + 7) / 8;
+    return (samples * bits + 7) / 8;
 }
 
-std::int64_t FileRowBytes(std::int64_t width, int channels, int bits, bool separate)
+std::int64_t TiffPicture::PlaneBytes() const
 {
-    return PlaneBytes(width, channels, bits, separate) * (separate ? channels : 1);
+    return BytesOfSamples(std::int64_t{width} * (separate ? 1 : channels), bits);
 }
 
 TiffPicture ReadPicture(const TiffFile& file)

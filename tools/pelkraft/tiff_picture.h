@@ -7,7 +7,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What one page of a TIFF file declares about its samples.
+// The samples of one page of a TIFF file, as it declares them.
 struct TiffPicture
 {
     std::uint32_t width = 0;
@@ -23,14 +23,17 @@ struct TiffPicture
     std::uint16_t compression = 0;
     std::uint16_t photometric = 0;
     std::uint16_t fillOrder = 0;
+
+    // One where the samples of a pixel follow each other.
+    int CountPlanes() const { return separate ? channels : 1; }
+    // Bytes of one plane of a row.
+    std::int64_t PlaneBytes() const;
+    // Bytes of one row as readers give it and writers take it: its planes one after the other.
+    std::int64_t RowBytes() const { return PlaneBytes() * CountPlanes(); }
 };
 
-// Bytes that the samples of one plane of a row take in the file, or of the row if it has no planes.
-std::int64_t PlaneBytes(std::int64_t width, int channels, int bits, bool separate);
-
-// Bytes of one row as readers give it and writers take it: the row, or its planes one behind the
-// other.
-std::int64_t FileRowBytes(std::int64_t width, int channels, int bits, bool separate);
+// Bytes of so many samples that follow each other, the last byte filled up.
+std::int64_t BytesOfSamples(std::int64_t samples, int bits);
 
 // Reads the page at which the file stands, and refuses what can't be served and what is damaged
 // before anything of its size is allocated.

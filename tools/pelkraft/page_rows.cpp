@@ -1,0 +1,108 @@
+#include "tools/pelkraft/page_rows.h"
+
+#include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/row_pipeline.h"
+#include "tools/pelkraft/row_readers.h"
+#include "tools/pelkraft/strip_writer.h"
+#include "tools/pelkraft/tag_writer.h"
+#include "tools/pelkraft/workers.h"
+
+#include <algorithm>
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+constexpr std::int64_t wantedBandBytes = std::int64_t{8} << 20;
+constexpr std::int64_t cacheLineBytes = 64;
+
+std::int64_t StrideOf(const TiffPicture& picture)
+{
+    return (picture.RowBytes() + cacheLineBytes - 1) / cacheLineBytes * cacheLineBytes;
+}
+
+// The rows of a page that are held at once.
+struct Band
+{
+    Band(const TiffPicture& picture, std::uint32_t rows)
+        : stride(StrideOf(picture)), bytes(static_cast<std::size_t>(stride * rows))
+    {}
+
+    unsigned char* Row(std::int64_t row) const { return bytes.Data() + stride * row; }
+
+    std::int64_t stride;
+    RowBuffer bytes;
+};
+
+} // namespace
+
+RowShape ShapeOf(const TiffPicture& picture)
+{
+    RowShape shape;
+    shape.width = picture.width;
+    shape.channels = picture.channels;
+    shape.bits = picture.bits;
+    // One channel of packed bits is a plane already.
+    shape.planar = picture.separate || (picture.bits < 8 && picture.channels == 1);
+    shape.woven = picture.bits < 8 && !shape.planar;
+    return shape;
+}
+
+void PlanStrips(const TiffPicture& from, TiffPicture& to)
+{
+    to.rowsPerStrip = ChooseRowsPerStrip(to);
+    to.tiled = false;
+    to.compression = ChooseCompression(from, to);
+}
+
+std::vector<RowStep> PlanRows(const TiffFile& file, const RowRequest& request)
+{
+    try {
+        return PlanRow(request);
+    } catch (const Failure& failure) {
+        throw Failure(failure.Code(), file.Path(), failure.what());
+    }
+}
+
+std::uint32_t BandRows(const TiffPicture& from, const TiffPicture& to)
+{
+    const std::int64_t stripBytes = (StrideOf(from) + StrideOf(to)) * to.rowsPerStrip;
+    const std::int64_t strips = std::max<std::int64_t>(wantedBandBytes / stripBytes, 1);
+    return static_cast<std::uint32_t>(std::min<std::int64_t>(strips * to.rowsPerStrip, to.height));
+}
+
+void WriteRows(const PageRows& page, const RowWork& work,
+               const std::function<void(const unsigned char* newRow)>& show, Progress& progress)
+{
+    const std::uint32_t height = page.from.height;
+    const std::uint32_t bandRows = BandRows(page.from, page.to);
+    const auto reader = OpenRows(page.file, page.from);
+    StripWriter writer(page.out, page.to);
+    const Band oldRows(page.from, bandRows);
+    const Band newRows(page.to, bandRows);
+    for (std::uint32_t first = 0, rows = 0; first < height; first += rows) {
+        rows = std::min(bandRows, height - first);
+        for (std::uint32_t row = 0; row < rows; ++row) {
+            StopIfInterrupted(page.output);
+            reader->ReadRow(oldRows.Row(row));
+        }
+        try {
+            ShareOut(page.threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
+                for (std::int64_t row = begin; row < end; ++row)
+                    work(worker, first + row, oldRows.Row(row), newRows.Row(row));
+            });
+        } catch (const char* text) {
+            throw Failure(ExitCode::Unsupported, page.file.Path(),
+                          std::string("the library refuses it: ") + text);
+        }
+        StopIfInterrupted(page.output);
+        writer.WriteRows(newRows.Row(0), newRows.stride, rows);
+        for (std::uint32_t row = 0; row < rows; ++row)
+            show(newRows.Row(row));
+        progress.Advance(rows);
+    }
+    if (TIFFWriteDirectory(page.out.Get()) != 1)
+        page.out.Throw(ExitCode::ReadWrite, "cannot be written");
+}
+
+} // namespace zvk::Pelkraft::Client
