@@ -38,7 +38,7 @@ read -ra flags <<<"$(pkg-config --cflags --libs $kind pelkraft)"
 echo "the README's lines for CMake"
 mkdir "$work/my_rip"
 {
-    echo 'cmake_minimum_required(VERSION 3.25)'
+    echo 'cmake_minimum_required(VERSION 3.22)'
     echo 'project(my_rip LANGUAGES CXX)'
     echo 'add_executable(my_rip ../readme.cpp)'
     readme_block cmake

@@ -17,7 +17,7 @@ bash "$here/customers.sh" "$source_dir" "$work/prefix" "$compiler"
 echo "the sources in a project of the customer's, which gets the libraries and no more"
 mkdir "$work/embedding"
 cat >"$work/embedding/CMakeLists.txt" <<EOF
-cmake_minimum_required(VERSION 3.25)
+cmake_minimum_required(VERSION 3.22)
 project(embedding LANGUAGES CXX)
 add_subdirectory("$source_dir" pelkraft)
 add_executable(consumer "$here/consumer/main.cpp")
