@@ -3,25 +3,14 @@
 #include "tests/support/chain_row.h"
 #include "tests/support/conversion_choices.h"
 #include "tests/support/conversion_run.h"
+#include "tests/support/counting_sink.h"
 #include "tests/support/random_bytes.h"
-#include "zvk/diagnostics.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 constexpr const char* noRelocation =
     "zvk::Pelkraft::ConversionPortal memory allocation failed for relocation buffer";
-
-// Counts lines and allocates nothing.
-class CountingSink final : public Diagnostics::ILogSink
-{
-public:
-    CountingSink() { Diagnostics::Seh::SetDefaultLog(this); }
-    ~CountingSink() { Diagnostics::Seh::SetDefaultLog(nullptr); }
-    void Write(const wchar_t*) override { ++lines; }
-
-    int lines = 0;
-};
 
 // A fill in one of its two forms: by options, or by flags.
 void Fill(const ConversionCase& tested, bool byOptions, ImageRow& row, const ImageRow& source)

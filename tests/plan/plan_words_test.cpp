@@ -8,8 +8,6 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using Steps = std::vector<std::string>;
-
 // Without vector code every level is plain.
 std::string LevelText(const char* instructions, int level)
 {
@@ -17,326 +15,140 @@ std::string LevelText(const char* instructions, int level)
            std::to_string(level) + ")";
 }
 
-struct Described
+// The road, its steps, and the bytes that are read and written.
+std::string TextOf(const PlanWords& words)
 {
-    NaiveGeometry from;
-    NaiveGeometry to;
-    NaiveOperation operation;
-    int level;
-    const char* road;
-    Steps steps;
-    std::uint64_t bytesRead;
-    std::uint64_t bytesWritten;
-};
+    std::string text = words.road;
+    for (const std::string& step : words.steps)
+        text.append(&step == &words.steps.front() ? ": " : "; ").append(step);
+    return text + ": " + std::to_string(words.bytesRead) + " to " +
+           std::to_string(words.bytesWritten);
+}
 
-void ExpectWords(const std::vector<Described>& all)
+void ExpectWords(const NaiveGeometry& from, const NaiveGeometry& to, int level,
+                 const char* expected, const NaiveOperation& operation = {})
 {
-    for (const auto& [from, to, operation, level, road, steps, bytesRead, bytesWritten] : all) {
-        const ConversionCase tested = CaseOf(from, to, level, operation);
-        SCOPED_TRACE(Describe(tested) + ", level " + std::to_string(level));
-        const PlanWords words = Describe(PlanOf(tested, level));
-        EXPECT_EQ(road, words.road);
-        EXPECT_EQ(steps, words.steps);
-        EXPECT_EQ(bytesRead, words.bytesRead);
-        EXPECT_EQ(bytesWritten, words.bytesWritten);
-    }
+    const ConversionCase tested = CaseOf(from, to, level, operation);
+    EXPECT_EQ(expected, TextOf(Describe(PlanOf(tested, level))))
+        << Describe(tested) << ", level " << level;
 }
 
 TEST(PlanWords, NameOnePassForEachSweepOverTheRow)
 {
-    ExpectWords({
-        {{1000, 4, 8, false},
-         {1000, 4, 8, true},
-         {},
-         7,
-         "direct",
-         {"split 4 channels of 8 bits"},
-         4000,
-         4000},
-        {{50, 3, 10, false}, {50, 3, 10, false}, {}, 6, "direct", {"copy the row"}, 300, 300},
-        {{50, 3, 2, true}, {50, 3, 2, true}, {}, 0, "direct", {"copy the planes"}, 39, 39},
-        {{50, 3, 8, true}, {50, 3, 16, true}, {}, 3, "direct", {"widen to 16 bits"}, 150, 300},
-        {{99, 2, 16, false}, {99, 2, 8, false}, {}, 3, "direct", {"narrow to 8 bits"}, 396, 198},
-        {{99, 1, 16, true},
-         {99, 1, 1, true},
-         {},
-         6,
-         "direct",
-         {"narrow and pack to 1 bit"},
-         198,
-         13},
-        {{99, 2, 8, true}, {99, 2, 2, true}, {}, 3, "direct", {"pack to 2 bits"}, 198, 50},
-        {{99, 4, 8, false},
-         {99, 4, 16, true},
-         {},
-         6,
-         "direct",
-         {"split 4 channels and widen to 16 bits"},
-         396,
-         792},
-        {{99, 3, 16, false},
-         {99, 3, 8, true},
-         {},
-         7,
-         "direct",
-         {"narrow to 8 bits and split 3 channels"},
-         594,
-         297},
-    });
+    ExpectWords({1000, 4, 8, false}, {1000, 4, 8, true}, 7,
+                "direct: split 4 channels of 8 bits: 4000 to 4000");
+    ExpectWords({50, 3, 10, false}, {50, 3, 10, false}, 6, "direct: copy the row: 300 to 300");
+    ExpectWords({50, 3, 2, true}, {50, 3, 2, true}, 0, "direct: copy the planes: 39 to 39");
+    ExpectWords({50, 3, 8, true}, {50, 3, 16, true}, 3, "direct: widen to 16 bits: 150 to 300");
+    ExpectWords({99, 2, 16, false}, {99, 2, 8, false}, 3, "direct: narrow to 8 bits: 396 to 198");
+    ExpectWords({99, 1, 16, true}, {99, 1, 1, true}, 6,
+                "direct: narrow and pack to 1 bit: 198 to 13");
+    ExpectWords({99, 2, 8, true}, {99, 2, 2, true}, 3, "direct: pack to 2 bits: 198 to 50");
+    ExpectWords({99, 4, 8, false}, {99, 4, 16, true}, 6,
+                "direct: split 4 channels and widen to 16 bits: 396 to 792");
+    ExpectWords({99, 3, 16, false}, {99, 3, 8, true}, 7,
+                "direct: narrow to 8 bits and split 3 channels: 594 to 297");
 }
 
 TEST(PlanWords, PutTheFewestBytesOnTheWay)
 {
-    ExpectWords({
-        {{1000, 4, 16, true},
-         {1000, 4, 8, false},
-         {},
-         6,
-         "direct",
-         {"narrow to 8 bits", "merge 4 channels of 8 bits"},
-         8000,
-         4000},
-        {{1000, 17, 8, true},
-         {1000, 17, 16, false},
-         {},
-         3,
-         "direct",
-         {"merge 17 channels of 8 bits", "widen to 16 bits"},
-         17000,
-         34000},
-        // Pixels of 300 bytes do not stand in the tile.
-        {{10, 300, 8, true},
-         {10, 300, 16, false},
-         {},
-         3,
-         "direct",
-         {"widen to 16 bits", "merge 300 channels of 16 bits"},
-         3000,
-         6000},
-        {{999, 3, 16, false},
-         {999, 3, 1, true},
-         {},
-         7,
-         "direct",
-         {"narrow to 8 bits", "split 3 channels and pack to 1 bit"},
-         5994,
-         375},
-        {{999, 5, 8, false},
-         {999, 5, 2, true},
-         {},
-         3,
-         "direct",
-         {"split 5 channels of 8 bits", "pack to 2 bits"},
-         4995,
-         1250},
-    });
+    ExpectWords({1000, 4, 16, true}, {1000, 4, 8, false}, 6,
+                "direct: narrow to 8 bits; merge 4 channels of 8 bits: 8000 to 4000");
+    ExpectWords({1000, 17, 8, true}, {1000, 17, 16, false}, 3,
+                "direct: merge 17 channels of 8 bits; widen to 16 bits: 17000 to 34000");
+    // Pixels of 300 bytes do not stand in the tile.
+    ExpectWords({10, 300, 8, true}, {10, 300, 16, false}, 3,
+                "direct: widen to 16 bits; merge 300 channels of 16 bits: 3000 to 6000");
+    ExpectWords({999, 3, 16, false}, {999, 3, 1, true}, 7,
+                "direct: narrow to 8 bits; split 3 channels and pack to 1 bit: 5994 to 375");
+    ExpectWords({999, 5, 8, false}, {999, 5, 2, true}, 3,
+                "direct: split 5 channels of 8 bits; pack to 2 bits: 4995 to 1250");
 }
 
 TEST(PlanWords, DescribeUnpacking)
 {
     const int level = hasVectorRoad ? 3 : 0;
-    ExpectWords({
-        {{999, 16, 1, true},
-         {999, 16, 8, true},
-         {},
-         level,
-         "direct",
-         {"unpack from 1 bit"},
-         2000,
-         15984},
-        {{999, 16, 2, true},
-         {999, 16, 16, true},
-         {},
-         level,
-         "direct",
-         {"unpack from 2 bits and widen to 16 bits"},
-         4000,
-         31968},
-        {{999, 16, 2, true},
-         {999, 16, 8, false},
-         {},
-         level,
-         "direct",
-         {"unpack from 2 bits", "merge 16 channels of 8 bits"},
-         4000,
-         15984},
-        {{50, 4, 2, true},
-         {50, 4, 16, false},
-         {},
-         0,
-         "chain",
-         {"load chunks", "unpack from 2 bits", "widen to 16 bits", "save chunks"},
-         52,
-         400},
-    });
+    ExpectWords({999, 16, 1, true}, {999, 16, 8, true}, level,
+                "direct: unpack from 1 bit: 2000 to 15984");
+    ExpectWords({999, 16, 2, true}, {999, 16, 16, true}, level,
+                "direct: unpack from 2 bits and widen to 16 bits: 4000 to 31968");
+    ExpectWords({999, 16, 2, true}, {999, 16, 8, false}, level,
+                "direct: unpack from 2 bits; merge 16 channels of 8 bits: 4000 to 15984");
+    ExpectWords({50, 4, 2, true}, {50, 4, 16, false}, 0,
+                "chain: load chunks; unpack from 2 bits; widen to 16 bits; save chunks: 52 to 400");
 }
 
 TEST(PlanWords, DescribeTurns)
 {
-    ExpectWords({
-        {{100, 3, 8, false},
-         {400, 3, 8, false},
-         RepeatBy(4),
-         6,
-         "direct",
-         {"repeat 4 times the pixels"},
-         300,
-         1200},
-        {{100, 3, 8, false},
-         {301, 3, 8, false},
-         RepeatBy(-4),
-         6,
-         "direct",
-         {"mirror and repeat 4 times the pixels"},
-         228,
-         903},
-        {{70, 3, 8, true},
-         {70, 3, 8, true},
-         RepeatBy(-1),
-         3,
-         "direct",
-         {"mirror the planes"},
-         210,
-         210},
-        {{999, 3, 2, true},
-         {999, 3, 2, true},
-         RepeatBy(-1),
-         hasVectorRoad ? 3 : 0,
-         hasVectorRoad ? "direct" : "chain",
-         hasVectorRoad ? Steps{"mirror the packed planes"}
-                       : Steps{"load chunks", "mirror", "unpack from 2 bits", "pack to 2 bits",
-                               "save chunks"},
-         750,
-         750},
-        {{70, 3, 8, true},
-         {70, 3, 8, false},
-         RepeatBy(-1),
-         3,
-         "direct",
-         {"merge 3 channels of 8 bits", "mirror the pixels"},
-         210,
-         210},
-        {{50, 4, 1, true},
-         {100, 4, 1, true},
-         RepeatBy(-2),
-         0,
-         "chain",
-         {"load chunks", "mirror", "unpack from 1 bit", "repeat 2 times", "pack to 1 bit",
-          "save chunks"},
-         28,
-         52},
-    });
+    ExpectWords({100, 3, 8, false}, {400, 3, 8, false}, 6,
+                "direct: repeat 4 times the pixels: 300 to 1200", RepeatBy(4));
+    ExpectWords({100, 3, 8, false}, {301, 3, 8, false}, 6,
+                "direct: mirror and repeat 4 times the pixels: 228 to 903", RepeatBy(-4));
+    ExpectWords({70, 3, 8, true}, {70, 3, 8, true}, 3, "direct: mirror the planes: 210 to 210",
+                RepeatBy(-1));
+    ExpectWords({999, 3, 2, true}, {999, 3, 2, true}, hasVectorRoad ? 3 : 0,
+                hasVectorRoad ? "direct: mirror the packed planes: 750 to 750"
+                              : "chain: load chunks; mirror; unpack from 2 bits; pack to 2 bits; "
+                                "save chunks: 750 to 750",
+                RepeatBy(-1));
+    ExpectWords({70, 3, 8, true}, {70, 3, 8, false}, 3,
+                "direct: merge 3 channels of 8 bits; mirror the pixels: 210 to 210", RepeatBy(-1));
+    ExpectWords(
+        {50, 4, 1, true}, {100, 4, 1, true}, 0,
+        "chain: load chunks; mirror; unpack from 1 bit; repeat 2 times; pack to 1 bit; save "
+        "chunks: 28 to 52",
+        RepeatBy(-2));
 }
 
 TEST(PlanWords, DescribeMaps)
 {
+    ExpectWords({70, 3, 8, false}, {70, 3, 8, false}, 7, "direct: map the pixels: 210 to 210",
+                MapTo({2, -1, 0}));
+    // Two of the five planes are read.
+    ExpectWords({70, 5, 8, true}, {70, 4, 8, true}, 7,
+                "direct: map the planes; copy the planes: 140 to 280", MapTo({2, -1, 0, 0}));
+    ExpectWords({70, 5, 8, true}, {70, 4, 8, false}, 6,
+                "direct: map the planes; merge 4 channels of 8 bits: 210 to 280",
+                MapTo({2, 1, 0, -5}));
+    ExpectWords({70, 5, 16, false}, {70, 3, 16, true}, 3,
+                "direct: split and map to 3 channels of 16 bits: 700 to 420", MapTo({4, 0, 4}));
+    ExpectWords({70, 3, 8, false}, {70, 65, 8, false}, 7,
+                "chain: load chunks; map; save chunks: 210 to 4550",
+                MapTo(std::vector<int>(65, 1)));
+    ExpectWords({70, 3, 16, false}, {70, 2, 8, false}, 7,
+                "chain: load chunks; narrow to 8 bits; map; save chunks: 420 to 140",
+                MapTo({3, 1}));
+    // The entry beyond the source names no plane to read.
+    ExpectWords({70, 3, 8, true}, {70, 2, 16, true}, 7,
+                "chain: load chunks; map; widen to 16 bits; save chunks: 70 to 280", MapTo({3, 1}));
+}
+
+TEST(PlanWords, DescribeMirroredMaps)
+{
     NaiveOperation mirroredMap = MapTo({4, 0});
     mirroredMap.factor = -1;
-    ExpectWords({
-        {{70, 3, 8, false},
-         {70, 3, 8, false},
-         MapTo({2, -1, 0}),
-         7,
-         "direct",
-         {"map the pixels"},
-         210,
-         210},
-        // Two of the five planes are read.
-        {{70, 5, 8, true},
-         {70, 4, 8, true},
-         MapTo({2, -1, 0, 0}),
-         7,
-         "direct",
-         {"map the planes", "copy the planes"},
-         140,
-         280},
-        {{70, 5, 8, true},
-         {70, 4, 8, false},
-         MapTo({2, 1, 0, -5}),
-         6,
-         "direct",
-         {"map the planes", "merge 4 channels of 8 bits"},
-         210,
-         280},
-        {{70, 5, 16, false},
-         {70, 3, 16, true},
-         MapTo({4, 0, 4}),
-         3,
-         "direct",
-         {"split and map to 3 channels of 16 bits"},
-         700,
-         420},
-        {{70, 3, 8, false},
-         {70, 65, 8, false},
-         MapTo(std::vector<int>(65, 1)),
-         7,
-         "chain",
-         {"load chunks", "map", "save chunks"},
-         210,
-         4550},
-        // One step maps and mirrors, and leaves fewer samples to be split.
-        {{70, 5, 8, false},
-         {70, 2, 8, true},
-         mirroredMap,
-         3,
-         "direct",
-         {"map, mirror the pixels", "split 2 channels of 8 bits"},
-         350,
-         140},
-        {{70, 5, 8, false},
-         {70, 2, 8, false},
-         mirroredMap,
-         3,
-         "direct",
-         {"map, mirror the pixels"},
-         350,
-         140},
-        {{70, 5, 8, true},
-         {70, 2, 8, true},
-         mirroredMap,
-         3,
-         "direct",
-         {"map the planes", "mirror the planes"},
-         140,
-         140},
-        // Pixels of 80 bytes are too long for one step.
-        {{70, 40, 16, false},
-         {70, 2, 16, true},
-         mirroredMap,
-         3,
-         "direct",
-         {"split and map to 2 channels of 16 bits", "mirror the planes"},
-         5600,
-         280},
-        {{70, 3, 16, false},
-         {70, 2, 8, false},
-         MapTo({3, 1}),
-         7,
-         "chain",
-         {"load chunks", "narrow to 8 bits", "map", "save chunks"},
-         420,
-         140},
-        // The entry beyond the source names no plane to read.
-        {{70, 3, 8, true},
-         {70, 2, 16, true},
-         MapTo({3, 1}),
-         7,
-         "chain",
-         {"load chunks", "map", "widen to 16 bits", "save chunks"},
-         70,
-         280},
-    });
+    ExpectWords({70, 5, 8, false}, {70, 2, 8, false}, 3,
+                "direct: map, mirror the pixels: 350 to 140", mirroredMap);
+    // One step maps and mirrors, and leaves fewer samples to be split.
+    ExpectWords({70, 5, 8, false}, {70, 2, 8, true}, 3,
+                "direct: map, mirror the pixels; split 2 channels of 8 bits: 350 to 140",
+                mirroredMap);
+    ExpectWords({70, 5, 8, true}, {70, 2, 8, true}, 3,
+                "direct: map the planes; mirror the planes: 140 to 140", mirroredMap);
+    // Pixels of 80 bytes are too long for one step.
+    ExpectWords({70, 40, 16, false}, {70, 2, 16, true}, 3,
+                "direct: split and map to 2 channels of 16 bits; mirror the planes: 5600 to 280",
+                mirroredMap);
 }
 
 TEST(PlanWords, CountThePixelsThatBothRowsHave)
 {
-    const Steps steps{"split 3 channels of 8 bits"};
-    ExpectWords({
-        {{90, 3, 8, false}, {50, 3, 8, true}, {}, 3, "direct", steps, 150, 150},
-        {{50, 3, 8, false}, {90, 3, 8, true}, {}, 3, "direct", steps, 150, 150},
-        {{0, 3, 8, false}, {90, 3, 8, true}, {}, 3, "none", {}, 0, 0},
-        {{90, 0, 8, false}, {90, 0, 8, true}, {}, 3, "none", {}, 0, 0},
-    });
+    ExpectWords({90, 3, 8, false}, {50, 3, 8, true}, 3,
+                "direct: split 3 channels of 8 bits: 150 to 150");
+    ExpectWords({50, 3, 8, false}, {90, 3, 8, true}, 3,
+                "direct: split 3 channels of 8 bits: 150 to 150");
+    ExpectWords({0, 3, 8, false}, {90, 3, 8, true}, 3, "none: 0 to 0");
+    ExpectWords({90, 0, 8, false}, {90, 0, 8, true}, 3, "none: 0 to 0");
 }
 
 std::string LevelOf(const NaiveGeometry& from, const NaiveGeometry& to, int level,

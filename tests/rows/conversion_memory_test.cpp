@@ -2,8 +2,8 @@
 #include "tests/support/chain_row.h"
 #include "tests/support/conversion_run.h"
 #include "tests/support/counted_memory.h"
+#include "tests/support/counting_sink.h"
 #include "tests/support/random_bytes.h"
-#include "zvk/diagnostics.h"
 
 #include <gtest/gtest.h>
 
@@ -17,17 +17,6 @@ namespace {
 constexpr const char* badAllocation = "bad allocation";
 constexpr const char* noRelocation =
     "zvk::Pelkraft::ConversionPortal memory allocation failed for relocation buffer";
-
-// Counts lines and allocates nothing.
-class CountingSink final : public Diagnostics::ILogSink
-{
-public:
-    CountingSink() { Diagnostics::Seh::SetDefaultLog(this); }
-    ~CountingSink() { Diagnostics::Seh::SetDefaultLog(nullptr); }
-    void Write(const wchar_t*) override { ++lines; }
-
-    int lines = 0;
-};
 
 // One conversion under watch, and what became of it.
 struct Watched

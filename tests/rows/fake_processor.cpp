@@ -10,31 +10,18 @@ std::optional<int> reportedLevel;
 int questions = 0;
 
 // Asked through the compiler: the companion's own answer is what this program replaces.
-bool HasByteShuffle()
+bool RunsLevel(int level)
 {
 #if defined(__x86_64__) || defined(__i386__)
-    return __builtin_cpu_supports("ssse3") != 0;
+    if (level >= 7)
+        return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
+               __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("avx512vbmi") != 0;
+    if (level >= 6)
+        return __builtin_cpu_supports("avx2") != 0;
+    return level < zvk::Pelkraft::TestSupport::FakeProcessor::vectorLevel ||
+           __builtin_cpu_supports("ssse3") != 0;
 #else
-    return false;
-#endif
-}
-
-bool HasVectorsOf32Bytes()
-{
-#if defined(__x86_64__) || defined(__i386__)
-    return __builtin_cpu_supports("avx2") != 0;
-#else
-    return false;
-#endif
-}
-
-bool HasVectorsOf64Bytes()
-{
-#if defined(__x86_64__) || defined(__i386__)
-    return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
-           __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("avx512vbmi") != 0;
-#else
-    return false;
+    return level < zvk::Pelkraft::TestSupport::FakeProcessor::vectorLevel;
 #endif
 }
 
@@ -48,7 +35,8 @@ int GetSseVersion()
     ++questions;
     if (reportedLevel)
         return *reportedLevel;
-    return HasByteShuffle() ? Pelkraft::TestSupport::FakeProcessor::vectorLevel : 0;
+    constexpr int vectorLevel = Pelkraft::TestSupport::FakeProcessor::vectorLevel;
+    return RunsLevel(vectorLevel) ? vectorLevel : 0;
 }
 
 void LimitSseVersion(int) {}
@@ -70,11 +58,7 @@ FakeProcessor::~FakeProcessor()
 
 bool FakeProcessor::CanReport(int level)
 {
-    if (level < vectorLevel)
-        return true;
-    if (level < 6)
-        return HasByteShuffle();
-    return level < 7 ? HasVectorsOf32Bytes() : HasVectorsOf64Bytes();
+    return RunsLevel(level);
 }
 
 int FakeProcessor::CountQuestions() const

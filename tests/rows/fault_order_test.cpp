@@ -8,7 +8,7 @@
 #include <limits>
 #include <string>
 
-// Each fault has its words, and of several faults in one call the first in the order is told.
+// Each fault has its words, and of several faults in one call the first in the order shows.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
@@ -195,10 +195,21 @@ TEST(FaultOrder, PutsTheChainAheadOfWhatOnlyThePixelsNeed)
 TEST(FaultOrder, PutsTheWidthsOfBothRowsAheadOfTheChannelCounts)
 {
     EXPECT_EQ(width, Rows({5, -2, 8, false}, {-1, -2, 8, false}).Repeat(4));
+    EXPECT_EQ(width, Rows({-5, -2, 8, false}, {-5, -2, 8, true}).Fill());
+    EXPECT_EQ(width, Rows({-5, -2, 8, false}, {-5, -2, 8, true}).Repeat(1));
     EXPECT_EQ(width, Rows({5, -2, 16, true}, {-3, -2, 8, false}).Repeat(-4));
     EXPECT_EQ(width, Rows({-5, -2, 8, false}, {-5, 3, 8, false}).Remap(anyMap));
     EXPECT_EQ(channelCount, Rows({5, -2, 8, false}, {5, -2, 8, false}).Repeat(4));
-    EXPECT_EQ(channelCount, Rows({65536, 65536, 8, false}, {5, -2, 8, false}).Remap(anyMap));
+}
+
+// The size of the row with the count, or of the other one, does not fit either.
+TEST(FaultOrder, PutsTheChannelCountsAheadOfEitherSize)
+{
+    const NaiveGeometry tooLarge{65536, 65536, 8, true};
+    const NaiveGeometry both{65536, -65536, 8, false};
+    EXPECT_EQ(channelCount, Rows({5, -1, 8, false}, tooLarge).Remap(anyMap));
+    EXPECT_EQ(channelCount, Rows(tooLarge, {5, -1, 8, true}).Remap(anyMap));
+    EXPECT_EQ(channelCount, Rows(both, both).Fill());
 }
 
 // A destination without channels has nothing to move, but faults all the same.

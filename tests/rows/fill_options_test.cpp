@@ -19,31 +19,39 @@ void ExpectOptions(const TaughtRow& row, bool first, bool portable, bool third)
     EXPECT_EQ(third, row.last.options.thirdFlag);
 }
 
+// The three ways to hand over a record.
+using Fill = void (*)(ImageRow& row, const ImageRow& source, const Options* options);
+const Fill fills[] = {
+    [](ImageRow& row, const ImageRow& source, const Options* options) {
+        row.FillFrom(source, options);
+    },
+    [](ImageRow& row, const ImageRow& source, const Options* options) {
+        row.FillFromWithRemap(source, map, options);
+    },
+    [](ImageRow& row, const ImageRow& source, const Options* options) {
+        row.FillFromWithPixelRepeat(source, 1, options);
+    },
+};
+
 TEST(FillOptions, AreTheDefaultsWhereNoneAreGiven)
 {
     TaughtRow row;
-    const ImageRow source;
-    row.FillFrom(source, nullptr);
-    ExpectOptions(row, false, false, true);
-    row.FillFromWithRemap(source, map, nullptr);
-    ExpectOptions(row, false, false, true);
-    row.FillFromWithPixelRepeat(source, 1, nullptr);
-    ExpectOptions(row, false, false, true);
+    for (const Fill fill : fills) {
+        fill(row, ImageRow(), nullptr);
+        ExpectOptions(row, false, false, true);
+    }
 }
 
 TEST(FillOptions, ReachTheBodyAsGiven)
 {
     TaughtRow row;
-    const ImageRow source;
     for (int bits = 0; bits != 8; ++bits) {
         Options options(bits % 2 != 0, bits / 2 % 2 != 0);
         options.thirdFlag = bits / 4 != 0;
-        row.FillFrom(source, &options);
-        ExpectOptions(row, options.firstFlag, options.forcePortable, options.thirdFlag);
-        row.FillFromWithRemap(source, map, &options);
-        ExpectOptions(row, options.firstFlag, options.forcePortable, options.thirdFlag);
-        row.FillFromWithPixelRepeat(source, 1, &options);
-        ExpectOptions(row, options.firstFlag, options.forcePortable, options.thirdFlag);
+        for (const Fill fill : fills) {
+            fill(row, ImageRow(), &options);
+            ExpectOptions(row, options.firstFlag, options.forcePortable, options.thirdFlag);
+        }
     }
 }
 
@@ -55,13 +63,10 @@ TEST(FillOptions, ReachTheBodyAsTheCallersOwnObject)
         int copies = 3;
     } const options;
     TaughtRow row;
-    const ImageRow source;
-    row.FillFrom(source, &options);
-    EXPECT_EQ(&options, row.last.record);
-    row.FillFromWithRemap(source, map, &options);
-    EXPECT_EQ(&options, row.last.record);
-    row.FillFromWithPixelRepeat(source, 1, &options);
-    EXPECT_EQ(&options, row.last.record);
+    for (const Fill fill : fills) {
+        fill(row, ImageRow(), &options);
+        EXPECT_EQ(&options, row.last.record);
+    }
 }
 
 TEST(FillOptions, TakeTwoFlagsInTheirOrder)
@@ -120,20 +125,15 @@ protected:
         SCOPED_TRACE(level);
         const FakeProcessor processor(level);
         const Options options(false, forcePortable);
-        EXPECT_EQ(portable, IsPortable([&](ImageRow& row, const ImageRow& from) {
-                      row.FillFrom(from, &options);
-                  }));
+        for (const Fill fill : fills)
+            EXPECT_EQ(portable, IsPortable([&](ImageRow& row, const ImageRow& from) {
+                          fill(row, from, &options);
+                      }));
         EXPECT_EQ(portable, IsPortable([&](ImageRow& row, const ImageRow& from) {
                       row.FillFrom(from, true, forcePortable);
                   }));
         EXPECT_EQ(portable, IsPortable([&](ImageRow& row, const ImageRow& from) {
-                      row.FillFromWithRemap(from, map, &options);
-                  }));
-        EXPECT_EQ(portable, IsPortable([&](ImageRow& row, const ImageRow& from) {
                       row.FillFromWithRemap(from, map, true, forcePortable);
-                  }));
-        EXPECT_EQ(portable, IsPortable([&](ImageRow& row, const ImageRow& from) {
-                      row.FillFromWithPixelRepeat(from, 1, &options);
                   }));
         EXPECT_EQ(portable, IsPortable([&](ImageRow& row, const ImageRow& from) {
                       row.FillFromWithPixelRepeat(from, 1, true, forcePortable);

@@ -67,6 +67,21 @@ protected:
     }
     Lines OneLine(const std::wstring& text) const { return {GetParam().context + text}; }
 
+    // The failure that passes once it has been logged in one line.
+    template <typename Failure>
+    Failure CaughtAfterLog(const std::wstring& text)
+    {
+        Failure caught{};
+        EXPECT_EQ(OneLine(text), LinesOf([&] {
+                      try {
+                          Run();
+                      } catch (Failure failure) {
+                          caught = failure;
+                      }
+                  }));
+        return caught;
+    }
+
     TaughtRow row;
     ImageRow source;
 };
@@ -80,19 +95,10 @@ TEST_P(Guard, LogsNothingWhereNothingIsThrown)
 TEST_P(Guard, LogsANumberOnceAndLetsItPass)
 {
     row.lesson = [] { throw 4000000001UL; };
-    EXPECT_EQ(OneLine(L"4000000001"), Logged());
-    unsigned long caught = 0;
-    EXPECT_EQ(Lines{GetParam().context + std::wstring(L"4000000001")}, LinesOf([&] {
-                  try {
-                      Run();
-                  } catch (unsigned long code) {
-                      caught = code;
-                  }
-              }));
-    EXPECT_EQ(4000000001UL, caught);
+    EXPECT_EQ(4000000001UL, CaughtAfterLog<unsigned long>(L"4000000001"));
 }
 
-// Tells where it was made and whether it was ever copied.
+// Shows where it was made.
 class Failure : public std::runtime_error
 {
 public:
@@ -119,31 +125,15 @@ TEST_P(Guard, LogsAnExceptionOnceAndLetsTheSameObjectPass)
 TEST_P(Guard, LogsAPointerToAnExceptionOnceAndLetsItPass)
 {
     static const std::logic_error failure("no paper");
-    const std::logic_error* caught = nullptr;
     row.lesson = [] { throw &failure; };
-    EXPECT_EQ(OneLine(L"no paper"), LinesOf([&] {
-                  try {
-                      Run();
-                  } catch (const std::logic_error* pointer) {
-                      caught = pointer;
-                  }
-              }));
-    EXPECT_EQ(&failure, caught);
+    EXPECT_EQ(&failure, CaughtAfterLog<const std::logic_error*>(L"no paper"));
 }
 
 TEST_P(Guard, LogsANarrowTextOnceAndLetsItPass)
 {
     static const char text[] = "paper jam";
-    const char* caught = nullptr;
     row.lesson = [] { throw static_cast<const char*>(text); };
-    EXPECT_EQ(OneLine(L"paper jam"), LinesOf([&] {
-                  try {
-                      Run();
-                  } catch (const char* pointer) {
-                      caught = pointer;
-                  }
-              }));
-    EXPECT_EQ(text, caught);
+    EXPECT_EQ(text, CaughtAfterLog<const char*>(L"paper jam"));
     // Of the very same type.
     EXPECT_EQ("paper jam", EndOf([this] { Run(); }));
 }
@@ -151,16 +141,8 @@ TEST_P(Guard, LogsANarrowTextOnceAndLetsItPass)
 TEST_P(Guard, LogsAWideTextOnceAndLetsItPass)
 {
     static const wchar_t text[] = L"cover open";
-    const wchar_t* caught = nullptr;
     row.lesson = [] { throw static_cast<const wchar_t*>(text); };
-    EXPECT_EQ(OneLine(L"cover open"), LinesOf([&] {
-                  try {
-                      Run();
-                  } catch (const wchar_t* pointer) {
-                      caught = pointer;
-                  }
-              }));
-    EXPECT_EQ(text, caught);
+    EXPECT_EQ(text, CaughtAfterLog<const wchar_t*>(L"cover open"));
 }
 
 TEST_P(Guard, LogsWritableTextsAsTexts)

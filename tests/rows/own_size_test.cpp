@@ -1,4 +1,4 @@
-#include "pelkraft/image_row.h"
+#include "tests/rows/own_size_row.h"
 
 #include <gtest/gtest.h>
 
@@ -6,19 +6,6 @@
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-// Says itself how many bytes it needs.
-class OwnSizeRow : public ImageRow
-{
-public:
-    explicit OwnSizeRow(int newBytes) : bytes(newBytes) {}
-
-protected:
-    int CalcDataSize() const override { return bytes; }
-
-private:
-    int bytes;
-};
 
 // Bytes of this geometry: 2^32, of which 0 are left.
 constexpr int side = 1 << 16;

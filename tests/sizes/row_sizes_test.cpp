@@ -1,3 +1,4 @@
+#include "tests/rows/own_size_row.h"
 #include "tests/rows/refusal.h"
 #include "tests/rows/row_fields.h"
 #include "tests/sizes/limited_memory.h"
@@ -161,18 +162,6 @@ TEST(RowSizes, AreAnsweredWithoutALookAtTheMemory)
         EXPECT_EQ(SizeOf(asked), FieldsOf(row).dataCapacity);
     }
 }
-
-class OwnSizeRow : public ImageRow
-{
-public:
-    explicit OwnSizeRow(int newSize) : size(newSize) {}
-
-protected:
-    int CalcDataSize() const override { return size; }
-
-private:
-    int size;
-};
 
 TEST(RowSizes, OfADerivedRowAreAllocatedAsItAnswers)
 {
