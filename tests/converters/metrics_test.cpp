@@ -1,4 +1,3 @@
-#include "converters/convert_classes.h"
 #include "tests/converters/step_runner.h"
 
 #include <gtest/gtest.h>
@@ -210,26 +209,26 @@ TEST(ConvertOutputFormat, HasTheChannelsOfTheTableForRemaps)
 
 TEST(ConvertOutputFormat, RefusesDepthsThatNoRowHasForEveryRemap)
 {
-    const std::int32_t table[] = {0, 1, 2, 3};
+    const std::vector<std::int32_t> table(40, 0);
     std::vector<std::int32_t> unsupported = {-8, 0, 17, 24, 32, 33, 40};
     for (std::int32_t bits = 3; bits < 16; ++bits)
         if (bits != 8 && bits != 10)
             unsupported.push_back(bits);
-    std::vector<const IChunkConvertDescriptor*> members = {PortableRoad::GetRemap(1),
-                                                           PortableRoad::GetRemap(2)};
-#ifdef PELKRAFT_VECTOR_ROAD
-    members.push_back(VectorRoad::GetRemap(1, 1));
-    members.push_back(VectorRoad::GetRemap(2, 2));
-    members.push_back(VectorRoad::GetRemap(3, 1));
-#endif
-    const auto facility = ChunkConvertFacility::Create_Remap(0, 4, table);
-    for (const IChunkConvertDescriptor* member : members)
-        for (const std::int32_t bits : unsupported) {
+    const auto refusal = [&](std::int32_t level, std::size_t channels, std::int32_t bits) {
+        const auto facility = ChunkConvertFacility::Create_Remap(level, channels, table.data());
+        const auto* member = facility.select(facility, FormatOf(channels > 4 ? 8 : 16, channels));
+        return TextOf([&] {
             ImageRowFormat output;
-            EXPECT_EQ("zvk::Pelkraft::ImageRowFormat unsupported bit depth",
-                      TextOf([&] { member->GetOutputFormat(output, facility, FormatOf(bits, 4)); }))
-                << bits;
-        }
+            member->GetOutputFormat(output, facility, FormatOf(bits, channels));
+        });
+    };
+    // Slots of one, of two and of three units, and both sizes of a sample.
+    for (const Road& road : AvailableRoads())
+        for (const std::size_t channels : {4U, 17U, 40U})
+            for (const std::int32_t bits : unsupported)
+                EXPECT_EQ("zvk::Pelkraft::ImageRowFormat unsupported bit depth",
+                          refusal(road.sseVersion, channels, bits))
+                    << bits;
 }
 
 } // namespace

@@ -1,4 +1,3 @@
-#include "converters/convert_classes.h"
 #include "tests/converters/chunk_memory.h"
 #include "tests/converters/step_runner.h"
 
@@ -174,24 +173,21 @@ TEST(PixelRepeat, DoesNothingWithoutChannels)
         }
 }
 
-#ifdef PELKRAFT_VECTOR_ROAD
 TEST(PixelRepeat, ServesOneUnitByItsMemberForAnyUnitsToo)
 {
     if (!HasVectorRoad())
         return;
     for (const std::size_t factor : {2U, 4U}) {
-        const auto* member = VectorRoad::GetPixelRepeat(static_cast<std::int32_t>(factor), 2);
         for (const std::size_t pixelBytes : {1U, 5U, 16U}) {
             const Shape shape = {factor, pixelBytes, 2};
             const ChunkMemory memory = MemoryOf(shape, 14);
             const Bytes expected = NaiveRepeat(memory.bytes(), memory, shape);
-            RunDescriptor(*member, RepeatCall(shape, {"vector", 3, true}, memory),
+            const StepCall call = RepeatCall(shape, {"vector", 3, true}, memory);
+            RunDescriptor(*call.facility.select(call.facility, FormatOf(8, 17)), call,
                           memory.Header(0));
             EXPECT_EQ(expected, memory.bytes()) << pixelBytes;
         }
     }
 }
-#endif
-
 } // namespace
 } // namespace zvk::Pelkraft::TestSupport

@@ -1,4 +1,3 @@
-#include "converters/convert_classes.h"
 #include "tests/converters/chunk_memory.h"
 #include "tests/converters/step_runner.h"
 
@@ -347,17 +346,17 @@ TEST(Remap, WritesNoPixelForATableOfNoEntries)
     }
 }
 
-#ifdef PELKRAFT_VECTOR_ROAD
 // A record without channels, asked of the members with slots of known size.
 TEST(RemapMasks, AreAllEmptyWithoutOutputChannels)
 {
     if (!HasVectorRoad())
         return;
-    const std::int32_t table[] = {0};
-    const auto facility = ChunkConvertFacility::Create_Remap(3, 0, table);
+    const Table table = {0};
+    const auto facility = ChunkConvertFacility::Create_Remap(3, 0, table.data());
     for (const std::size_t units : {1U, 2U}) {
         const ImageRowFormat input = FormatOf(8, 16 * units);
-        const IChunkConvertDescriptor* member = VectorRoad::GetRemap(units, units);
+        const auto filled = ChunkConvertFacility::Create_Remap(3, 16 * units, table.data());
+        const IChunkConvertDescriptor* member = filled.select(filled, input);
         const GuardedBuffer block(16 * units * units, Flush::AtEnd, 0xA5);
         member->GetConvertMethod(facility, input, {1, 1, 0, 0}, block.data());
         EXPECT_EQ(Bytes(block.size(), 0x80), block.bytes());
@@ -375,11 +374,11 @@ TEST(RemapMember, ForAnyUnitsServesOneAndTwoToo)
             SCOPED_TRACE(NameOf(vector, shape));
             const ChunkMemory memory = MemoryOf(shape, 92);
             const Bytes expected = NaiveRemap(memory.bytes(), memory, shape, vector);
-            RunDescriptor(*VectorRoad::GetRemap(7, 7), RemapCall(shape, vector), memory.Header(0));
+            const StepCall call = RemapCall(shape, vector);
+            RunDescriptor(*call.facility.select(call.facility, FormatOf(bits, 100)), call,
+                          memory.Header(0));
             EXPECT_EQ(expected, memory.bytes());
         }
 }
-#endif
-
 } // namespace
 } // namespace zvk::Pelkraft::TestSupport

@@ -1,4 +1,3 @@
-#include "converters/convert_classes.h"
 #include "plan/chain_choice.h"
 #include "tests/rows/refusal.h"
 
@@ -185,43 +184,34 @@ TEST(ChainSteps, AreFoundAtEveryPlace)
 struct KnownStep
 {
     ChainStep step;
-    const IChunkConvertDescriptor* descriptor;
+    ChunkConvertFacility facility;
 };
 
 // The steps from 2 to 1 bit and back to 16, at one level.
 std::vector<KnownStep> KnownSteps(std::int32_t level)
 {
-#ifdef PELKRAFT_VECTOR_ROAD
-    if (level >= 3) {
-        namespace Road = VectorRoad;
-        return {{ChainStep::Widen, Road::GetConvert8to16bit()},
-                {ChainStep::Narrow, Road::GetConvert16to8bit()},
-                {ChainStep::Pack, Road::GetPacker(1)},
-                {ChainStep::Unpack, Road::GetUnpacker(2)},
-                {ChainStep::Reverse, Road::GetReverse()}};
-    }
-#endif
-    (void)level;
-    namespace Road = PortableRoad;
-    return {{ChainStep::Widen, Road::GetConvert8to16bit()},
-            {ChainStep::Narrow, Road::GetConvert16to8bit()},
-            {ChainStep::Pack, Road::GetPacker(1)},
-            {ChainStep::Unpack, Road::GetUnpacker(2)},
-            {ChainStep::Reverse, Road::GetReverse()}};
+    using Facility = ChunkConvertFacility;
+    return {{ChainStep::Widen, Facility::Create_Convert8to16(level)},
+            {ChainStep::Narrow, Facility::Create_Convert16to8(level)},
+            {ChainStep::Pack, Facility::Create_Packer(level, 1)},
+            {ChainStep::Unpack, Facility::Create_Unpacker(level, 2)},
+            {ChainStep::Reverse, Facility::Create_Reverse(level)}};
 }
 
 TEST(ChainFacilities, AreThoseOfTheStepsAtTheirLevel)
 {
     const FormatPair formats = FormatsOf({2, true}, {1, true});
     for (const std::int32_t level : {0, 2, 3, 7})
-        for (const auto& [step, descriptor] : KnownSteps(level)) {
+        for (const auto& [step, expected] : KnownSteps(level)) {
             const ChainSteps chain = ChainSteps::Of(ChainStep::None, step);
             const ChainFacilities facilities = FacilitiesOf(chain, formats, {level, 1, {}});
             ASSERT_EQ(2U, facilities.length);
             EXPECT_EQ(nullptr, facilities.facilities[0].select);
             const ChunkConvertFacility& facility = facilities.facilities[1];
             EXPECT_EQ(level, facility.sseVersion);
-            EXPECT_EQ(descriptor, facility.select(facility, formats.source)) << NameOf(step);
+            EXPECT_EQ(expected.select(expected, formats.source),
+                      facility.select(facility, formats.source))
+                << NameOf(step);
         }
 }
 
