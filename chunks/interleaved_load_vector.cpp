@@ -56,7 +56,7 @@ template <typename Policy, int trail>
 void LoadChunk(const void* row, void* chunkHeader)
 {
     auto* header = static_cast<ChunkHeader*>(chunkHeader);
-    const LeadingUnits<Policy> leadingUnits(header->loadUnitCount);
+    const LeadingLoop<Policy> leadingUnits(header->loadUnitCount);
     Spreading spreading{static_cast<const unsigned char*>(row),
                         static_cast<unsigned char*>(chunkHeader) + headerBytes,
                         _mm_setzero_si128()};

@@ -37,7 +37,7 @@ template <int pending, int bytes>
 
 template <typename Policy, int trail>
 [[gnu::always_inline]] inline void GatherPixels(Gathering gathering,
-                                                const LeadingUnits<Policy>& leadingUnits)
+                                                const LeadingLoop<Policy>& leadingUnits)
 {
     Unroll<slotsPerChunk>([&](auto pixel) __attribute__((always_inline)) {
         // Whole units in front of the trails don't count in a place within a unit.
@@ -89,7 +89,7 @@ void SaveChunk(const void* chunkHeader, void* row)
     if constexpr (isOneUnit<Policy> && unitBytes % trail == 0)
         JoinPixels<trail>(gathering);
     else
-        GatherPixels<Policy, trail>(gathering, LeadingUnits<Policy>(header->saveUnitCount));
+        GatherPixels<Policy, trail>(gathering, LeadingLoop<Policy>(header->saveUnitCount));
 }
 
 struct SaveMethods

@@ -84,13 +84,13 @@ template <int elementBytes>
 // The units of a pixel before its last one: as many as the build says, or the chunk. The count
 // comes by reference, so that nothing reads it in the first case.
 template <typename Policy>
-class LeadingUnits;
+class LeadingLoop;
 
 template <int count>
-class LeadingUnits<FixedSize<count>>
+class LeadingLoop<LeadingUnits<count>>
 {
 public:
-    explicit LeadingUnits(const std::uint64_t&) {}
+    explicit LeadingLoop(const std::uint64_t&) {}
 
     template <typename Body>
     [[gnu::always_inline]] void ForEach(Body body) const
@@ -100,10 +100,10 @@ public:
 };
 
 template <>
-class LeadingUnits<VariableSize>
+class LeadingLoop<VariableSize>
 {
 public:
-    explicit LeadingUnits(const std::uint64_t& unitCount) : count(unitCount - 1) {}
+    explicit LeadingLoop(const std::uint64_t& unitCount) : count(unitCount - 1) {}
 
     template <typename Body>
     [[gnu::always_inline]] void ForEach(Body body) const

@@ -2,13 +2,21 @@
 
 namespace zvk::Pelkraft {
 
-// For loops written out because their length is known. Each template says what N stands for.
+// For loops written out because their length is known.
 template <int N>
 struct FixedSize
 {};
 
-// For loops whose length the chunk or the parameter block tells.
+// For loops whose length stands in the chunk or in the parameter block.
 struct VariableSize
 {};
+
+// Interleaved rows go by the units of a pixel before its last one, all other families by the units
+// of a slot: these names say which count is meant.
+template <int count>
+using LeadingUnits = FixedSize<count>;
+template <int count>
+using SlotUnits = FixedSize<count>;
+using OneUnit = SlotUnits<1>;
 
 } // namespace zvk::Pelkraft
