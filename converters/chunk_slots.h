@@ -5,8 +5,9 @@
 
 #include <cstdint>
 
-// What a method finds from the header it is given. Internal linkage on purpose: files of the
-// vector road include this too, and no code of theirs may serve the rest of the program.
+// A method finds its slots and the next region from the header it is given. Internal linkage on
+// purpose: files of the vector road include this too, and no code of theirs may serve the rest of
+// the program.
 namespace zvk::Pelkraft {
 namespace {
 
@@ -20,7 +21,7 @@ namespace {
     return static_cast<const ChunkHeader*>(chunkHeader)->pixelBytes;
 }
 
-// Where a step with a region of its own writes. Not for chunks of the last region.
+// A step with a region of its own writes there. Chunks of the last region have none.
 [[gnu::always_inline]] inline void* NextRegionOf(void* chunkHeader)
 {
     return static_cast<unsigned char*>(chunkHeader) +

@@ -2,8 +2,7 @@
 
 #include "common/road.h"
 #include "common/units.h"
-#include "converters/convert_classes.h"
-#include "converters/remap_base.h"
+#include "converters/convert_steps.h"
 
 namespace zvk::Pelkraft {
 namespace {
@@ -16,51 +15,41 @@ constexpr const char* unsupportedRepeat =
     "ChunkConvertFacilityInternal::SelectDescriptor Unsupported format";
 constexpr const char* unsupportedRemapDepth = "unsupported X86 remap bit depth";
 
-const IChunkConvertDescriptor* SelectConvert8to16(const ChunkConvertFacility& facility,
-                                                  const ImageRowFormat&)
-{
-    if constexpr (hasVectorRoad)
-        if (RoadOf(facility.sseVersion) != Road::Portable)
-            return VectorRoad::GetConvert8to16bit();
-    return PortableRoad::GetConvert8to16bit();
-}
+template <typename Class>
+constexpr Class descriptor;
 
-const IChunkConvertDescriptor* SelectConvert16to8(const ChunkConvertFacility& facility,
-                                                  const ImageRowFormat&)
-{
-    if constexpr (hasVectorRoad)
-        if (RoadOf(facility.sseVersion) != Road::Portable)
-            return VectorRoad::GetConvert16to8bit();
-    return PortableRoad::GetConvert16to8bit();
-}
-
-template <std::int32_t depth>
-const IChunkConvertDescriptor* SelectPacker(const ChunkConvertFacility& facility,
+template <typename VectorClass, typename PortableClass>
+const IChunkConvertDescriptor* SelectByRoad(const ChunkConvertFacility& facility,
                                             const ImageRowFormat&)
 {
     if constexpr (hasVectorRoad)
         if (RoadOf(facility.sseVersion) != Road::Portable)
-            return VectorRoad::GetPacker(depth);
-    return PortableRoad::GetPacker(depth);
+            return &descriptor<VectorClass>;
+    return &descriptor<PortableClass>;
 }
 
-template <std::int32_t depth>
-const IChunkConvertDescriptor* SelectUnpacker(const ChunkConvertFacility& facility,
-                                              const ImageRowFormat&)
+template <int factor>
+const IChunkConvertDescriptor* SelectRepeat(const ChunkConvertFacility& facility,
+                                            const ImageRowFormat& input)
 {
-    if constexpr (hasVectorRoad)
-        if (RoadOf(facility.sseVersion) != Road::Portable)
-            return VectorRoad::GetUnpacker(depth);
-    return PortableRoad::GetUnpacker(depth);
+    using Portable = ConvertPixelRepeatX86<factor>;
+    if constexpr (factor != 1)
+        if (CountUnits(PixelBytes(input)) == 1)
+            return SelectByRoad<ConvertPixelRepeat<factor, OneUnit>, Portable>(facility, input);
+    return SelectByRoad<ConvertPixelRepeat<factor, VariableSize>, Portable>(facility, input);
 }
 
-const IChunkConvertDescriptor* SelectReverse(const ChunkConvertFacility& facility,
-                                             const ImageRowFormat&)
+template <typename Sample>
+const IChunkConvertDescriptor* SelectRemap(const ChunkConvertFacility& facility,
+                                           const ImageRowFormat& input)
 {
-    if constexpr (hasVectorRoad)
-        if (RoadOf(facility.sseVersion) != Road::Portable)
-            return VectorRoad::GetReverse();
-    return PortableRoad::GetReverse();
+    using Portable = ConvertRemapX86<Sample>;
+    const RemapUnits units = CountRemapUnits(facility, input);
+    if (units.input == 1 && units.output == 1)
+        return SelectByRoad<ConvertRemap<SlotUnits<1>, SlotUnits<1>>, Portable>(facility, input);
+    if (units.input == 2 && units.output == 2)
+        return SelectByRoad<ConvertRemap<SlotUnits<2>, SlotUnits<2>>, Portable>(facility, input);
+    return SelectByRoad<ConvertRemap<VariableSize, VariableSize>, Portable>(facility, input);
 }
 
 // Mirroring is the work of another step.
@@ -83,12 +72,12 @@ ChunkConvertFacility MakeFacility(std::int32_t sseVersion, ChunkConvertFacility:
 
 ChunkConvertFacility ChunkConvertFacility::Create_Convert8to16(std::int32_t sseVersion)
 {
-    return MakeFacility(sseVersion, SelectConvert8to16);
+    return MakeFacility(sseVersion, SelectByRoad<Convert8to16bit, Convert8to16bitX86>);
 }
 
 ChunkConvertFacility ChunkConvertFacility::Create_Convert16to8(std::int32_t sseVersion)
 {
-    return MakeFacility(sseVersion, SelectConvert16to8);
+    return MakeFacility(sseVersion, SelectByRoad<Convert16to8bit, Convert16to8bitX86>);
 }
 
 ChunkConvertFacility ChunkConvertFacility::Create_Packer(std::int32_t sseVersion,
@@ -96,7 +85,9 @@ ChunkConvertFacility ChunkConvertFacility::Create_Packer(std::int32_t sseVersion
 {
     if (depth != 1 && depth != 2)
         throw unsupportedPacker;
-    return MakeFacility(sseVersion, depth == 1 ? SelectPacker<1> : SelectPacker<2>);
+    return MakeFacility(sseVersion,
+                        depth == 1 ? SelectByRoad<Convert8bitToNbit<1>, Convert8bitToNbitX86<1>>
+                                   : SelectByRoad<Convert8bitToNbit<2>, Convert8bitToNbitX86<2>>);
 }
 
 ChunkConvertFacility ChunkConvertFacility::Create_Unpacker(std::int32_t sseVersion,
@@ -104,7 +95,9 @@ ChunkConvertFacility ChunkConvertFacility::Create_Unpacker(std::int32_t sseVersi
 {
     if (depth != 1 && depth != 2)
         throw unsupportedUnpacker;
-    return MakeFacility(sseVersion, depth == 1 ? SelectUnpacker<1> : SelectUnpacker<2>);
+    return MakeFacility(sseVersion,
+                        depth == 1 ? SelectByRoad<ConvertNbitTo8bit<1>, ConvertNbitTo8bitX86<1>>
+                                   : SelectByRoad<ConvertNbitTo8bit<2>, ConvertNbitTo8bitX86<2>>);
 }
 
 ChunkConvertFacility ChunkConvertFacility::Create_PixelRepeat(std::int32_t sseVersion,
@@ -127,36 +120,35 @@ ChunkConvertFacility ChunkConvertFacility::Create_Remap(std::int32_t sseVersion,
 
 ChunkConvertFacility ChunkConvertFacility::Create_Reverse(std::int32_t sseVersion)
 {
-    return MakeFacility(sseVersion, SelectReverse);
+    return MakeFacility(sseVersion, SelectByRoad<ConvertReverse, ConvertReverseX86>);
 }
 
 const IChunkConvertDescriptor*
 ChunkConvertFacilityInternal::SelectDescriptor(const ChunkConvertFacility& facility,
                                                const ImageRowFormat& input)
 {
-    const std::int32_t factor = MagnitudeOf(facility.repeat);
-    if (factor != 1 && factor != 2 && factor != 4)
+    switch (MagnitudeOf(facility.repeat)) {
+    case 1:
+        return SelectRepeat<1>(facility, input);
+    case 2:
+        return SelectRepeat<2>(facility, input);
+    case 4:
+        return SelectRepeat<4>(facility, input);
+    default:
         throw unsupportedRepeat;
-
-    if constexpr (hasVectorRoad)
-        if (RoadOf(facility.sseVersion) != Road::Portable)
-            return VectorRoad::GetPixelRepeat(factor, CountUnits(PixelBytes(input)));
-    return PortableRoad::GetPixelRepeat(factor);
+    }
 }
 
 const IChunkConvertDescriptor*
 ChunkConvertFacilityInternal::SelectRemapDescriptor(const ChunkConvertFacility& facility,
                                                     const ImageRowFormat& input)
 {
-    if constexpr (hasVectorRoad)
-        if (RoadOf(facility.sseVersion) != Road::Portable)
-            return VectorRoad::GetRemap(CountUnits(PixelBytes(input)),
-                                        CountRemapOutputUnits(facility, input));
-
     const std::int64_t bytesPerSample = BytesPerSample(input.bits);
-    if (bytesPerSample != 1 && bytesPerSample != 2)
+    const bool isPortable = RoadOf(facility.sseVersion) == Road::Portable;
+    if (isPortable && bytesPerSample != 1 && bytesPerSample != 2)
         throw unsupportedRemapDepth;
-    return PortableRoad::GetRemap(bytesPerSample);
+    return bytesPerSample == 1 ? SelectRemap<unsigned char>(facility, input)
+                               : SelectRemap<unsigned short>(facility, input);
 }
 
 } // namespace zvk::Pelkraft

@@ -1,7 +1,6 @@
 #include "common/units.h"
 #include "converters/chunk_slots.h"
-#include "converters/convert_classes.h"
-#include "converters/depth_base.h"
+#include "converters/convert_methods.h"
 #include "converters/word_access.h"
 
 #include <cstdint>
@@ -49,39 +48,16 @@ void NarrowChunk(void* chunkHeader, const void*)
                 Narrow(LoadWord<std::uint16_t>(from + slot * fromSlotBytes + 2 * sample));
 }
 
-class Convert8to16bitX86 final : public Convert8to16bitBase
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat&,
-                                   const ChunkStepGeometry&, void*) const override
-    {
-        return WidenChunk;
-    }
-};
-
-class Convert16to8bitX86 final : public Convert16to8bitBase
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat&,
-                                   const ChunkStepGeometry&, void*) const override
-    {
-        return NarrowChunk;
-    }
-};
-
-constexpr Convert8to16bitX86 convert8to16bit;
-constexpr Convert16to8bitX86 convert16to8bit;
-
 } // namespace
 
-const IChunkConvertDescriptor* GetConvert8to16bit()
+ConvertMethod GetWiden(const ImageRowFormat&)
 {
-    return &convert8to16bit;
+    return WidenChunk;
 }
 
-const IChunkConvertDescriptor* GetConvert16to8bit()
+ConvertMethod GetNarrow(const ImageRowFormat&)
 {
-    return &convert16to8bit;
+    return NarrowChunk;
 }
 
 } // namespace zvk::Pelkraft::PortableRoad

@@ -2,8 +2,7 @@
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
 #include "converters/chunk_units_vector.h"
-#include "converters/convert_classes.h"
-#include "converters/depth_base.h"
+#include "converters/convert_methods.h"
 
 #include <cstdint>
 
@@ -122,46 +121,24 @@ void NarrowEvenUnits(void* chunkHeader, const void*)
         StoreUnit(to + pair * unitBytes, NarrowPair(from + 2 * pair * unitBytes));
 }
 
-class Convert8to16bit final : public Convert8to16bitBase
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat& input,
-                                   const ChunkStepGeometry&, void*) const override
-    {
-        const auto channels = static_cast<std::uint64_t>(static_cast<std::int64_t>(input.channels));
-        const std::uint64_t outputUnits = CountUnits(2 * channels);
-        if (outputUnits == 1)
-            return WidenOneUnit;
-        return outputUnits % 2 != 0 ? WidenToOddUnits : WidenToEvenUnits;
-    }
-};
-
-class Convert16to8bit final : public Convert16to8bitBase
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat& input,
-                                   const ChunkStepGeometry&, void*) const override
-    {
-        const std::uint64_t inputUnits = CountUnits(PixelBytes(input));
-        if (inputUnits == 1)
-            return NarrowOneUnit;
-        return inputUnits % 2 != 0 ? NarrowOddUnits : NarrowEvenUnits;
-    }
-};
-
-constexpr Convert8to16bit convert8to16bit;
-constexpr Convert16to8bit convert16to8bit;
-
 } // namespace
 
-const IChunkConvertDescriptor* GetConvert8to16bit()
+// Only the channels count, whatever depth the input claims.
+ConvertMethod GetWiden(const ImageRowFormat& input)
 {
-    return &convert8to16bit;
+    const auto channels = static_cast<std::uint64_t>(static_cast<std::int64_t>(input.channels));
+    const std::uint64_t outputUnits = CountUnits(2 * channels);
+    if (outputUnits == 1)
+        return WidenOneUnit;
+    return outputUnits % 2 != 0 ? WidenToOddUnits : WidenToEvenUnits;
 }
 
-const IChunkConvertDescriptor* GetConvert16to8bit()
+ConvertMethod GetNarrow(const ImageRowFormat& input)
 {
-    return &convert16to8bit;
+    const std::uint64_t inputUnits = CountUnits(PixelBytes(input));
+    if (inputUnits == 1)
+        return NarrowOneUnit;
+    return inputUnits % 2 != 0 ? NarrowOddUnits : NarrowEvenUnits;
 }
 
 } // namespace zvk::Pelkraft::VectorRoad

@@ -1,7 +1,6 @@
 #include "common/units.h"
 #include "converters/chunk_slots.h"
-#include "converters/convert_classes.h"
-#include "converters/nbit_base.h"
+#include "converters/convert_methods.h"
 #include "converters/word_access.h"
 
 #include <cstdint>
@@ -10,18 +9,6 @@ namespace zvk::Pelkraft::PortableRoad {
 namespace {
 
 constexpr std::uint64_t wordBytes = sizeof(std::uint32_t);
-
-struct PackBlock
-{
-    std::uint64_t gap;
-    std::uint64_t slotBytes;
-};
-
-struct UnpackBlock
-{
-    std::uint64_t stride;
-    std::uint64_t slotBytes;
-};
 
 // A packed byte holds the pixels of so many slots, so a chunk gives so many packed slots.
 template <int depth>
@@ -55,12 +42,12 @@ std::uint32_t PackWord(const unsigned char* from, std::uint64_t slotBytes)
 template <int depth>
 void PackColumn(unsigned char* column, const PackBlock& block)
 {
-    const std::uint64_t chunkBytes = slotsPerChunk * block.slotBytes + block.gap;
+    const std::uint64_t chunkBytes = slotsPerChunk * block.slotSize + block.gap;
     for (std::uint64_t pass = 0; pass < slotsPerChunk; ++pass) {
         const std::uint64_t chunk = pass / passesPerChunk<depth>;
         const std::uint64_t slot = pass % passesPerChunk<depth> * pixelsPerByte<depth>;
-        const unsigned char* from = column + chunk * chunkBytes + slot * block.slotBytes;
-        StoreWord(column + pass * block.slotBytes, PackWord<depth>(from, block.slotBytes));
+        const unsigned char* from = column + chunk * chunkBytes + slot * block.slotSize;
+        StoreWord(column + pass * block.slotSize, PackWord<depth>(from, block.slotSize));
     }
 }
 
@@ -84,75 +71,38 @@ void UnpackWord(std::uint32_t packed, unsigned char* to, std::uint64_t slotBytes
 
 // Descending, so that each pass writes over slots that have been read.
 template <int depth>
-void UnpackColumn(unsigned char* column, const UnpackBlock& block)
+void UnpackColumn(unsigned char* column, const SpreadBlock& block)
 {
     for (std::uint64_t pass = slotsPerChunk; pass-- != 0;) {
         const std::uint64_t chunk = pass / passesPerChunk<depth>;
         const std::uint64_t slot = pass % passesPerChunk<depth> * pixelsPerByte<depth>;
-        unsigned char* to = column + chunk * block.stride + slot * block.slotBytes;
-        const auto packed = LoadWord<std::uint32_t>(column + pass * block.slotBytes);
-        UnpackWord<depth>(packed, to, block.slotBytes);
+        unsigned char* to = column + chunk * block.stride + slot * block.slotSize;
+        const auto packed = LoadWord<std::uint32_t>(column + pass * block.slotSize);
+        UnpackWord<depth>(packed, to, block.slotSize);
     }
 }
 
 template <int depth>
 void UnpackChunks(void* firstChunkHeader, const void* parameters)
 {
-    const auto& block = *static_cast<const UnpackBlock*>(parameters);
+    const auto& block = *static_cast<const SpreadBlock*>(parameters);
     // Counted from the end of the slot and not from its start: the lanes in front of these
     // columns keep their bytes, and callers depend on it.
     const std::uint64_t coveredBytes = CoveredBytes(firstChunkHeader);
     for (std::uint64_t back = wordBytes; back <= coveredBytes; back += wordBytes)
-        UnpackColumn<depth>(SlotsOf(firstChunkHeader) + (block.slotBytes - back), block);
+        UnpackColumn<depth>(SlotsOf(firstChunkHeader) + (block.slotSize - back), block);
 }
-
-template <int depth>
-class Convert8bitToNbitX86 final : public Convert8bitToNbitBase<depth>
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat& input,
-                                   const ChunkStepGeometry& geometry,
-                                   void* parameters) const override
-    {
-        *static_cast<PackBlock*>(parameters) = {PackGap(input, geometry),
-                                                RoundUpToUnit(PixelBytes(input))};
-        return PackChunks<depth>;
-    }
-};
-
-template <int depth>
-class ConvertNbitTo8bitX86 final : public ConvertNbitTo8bitBase<depth>
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat& input,
-                                   const ChunkStepGeometry& geometry,
-                                   void* parameters) const override
-    {
-        *static_cast<UnpackBlock*>(parameters) = {UnpackStride(geometry),
-                                                  RoundUpToUnit(PixelBytes(input))};
-        return UnpackChunks<depth>;
-    }
-};
-
-constexpr Convert8bitToNbitX86<1> packer1;
-constexpr Convert8bitToNbitX86<2> packer2;
-constexpr ConvertNbitTo8bitX86<1> unpacker1;
-constexpr ConvertNbitTo8bitX86<2> unpacker2;
 
 } // namespace
 
-const IChunkConvertDescriptor* GetPacker(std::int32_t depth)
+ConvertMethod GetPack(const ImageRowFormat&, int depth)
 {
-    if (depth == 1)
-        return &packer1;
-    return &packer2;
+    return depth == 1 ? PackChunks<1> : PackChunks<2>;
 }
 
-const IChunkConvertDescriptor* GetUnpacker(std::int32_t depth)
+ConvertMethod GetUnpack(const ImageRowFormat&, int depth)
 {
-    if (depth == 1)
-        return &unpacker1;
-    return &unpacker2;
+    return depth == 1 ? UnpackChunks<1> : UnpackChunks<2>;
 }
 
 } // namespace zvk::Pelkraft::PortableRoad

@@ -2,25 +2,12 @@
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
 #include "converters/chunk_units_vector.h"
-#include "converters/convert_classes.h"
-#include "converters/nbit_base.h"
+#include "converters/convert_methods.h"
 
 #include <cstdint>
 
 namespace zvk::Pelkraft::VectorRoad {
 namespace {
-
-struct PackBlock
-{
-    std::uint64_t gap;
-    std::uint64_t unitCount;
-};
-
-struct UnpackBlock
-{
-    std::uint64_t stride;
-    std::uint64_t unitCount;
-};
 
 // A packed byte holds the pixels of so many slots, so a chunk gives so many packed slots.
 template <int depth>
@@ -52,7 +39,7 @@ template <int depth>
 template <int depth>
 void PackColumn(unsigned char* column, const PackBlock& block)
 {
-    const std::uint64_t slotBytes = block.unitCount * unitBytes;
+    const std::uint64_t slotBytes = block.slotSize * unitBytes;
     const std::uint64_t chunkBytes = slotsPerChunk * slotBytes + block.gap;
     unsigned char* to = column;
     for (std::uint64_t chunk = 0; chunk < pixelsPerByte<depth>; ++chunk) {
@@ -69,7 +56,7 @@ template <int depth>
 void PackChunks(void* firstChunkHeader, const void* parameters)
 {
     const auto& block = *static_cast<const PackBlock*>(parameters);
-    for (std::uint64_t unit = 0; unit < block.unitCount; ++unit)
+    for (std::uint64_t unit = 0; unit < block.slotSize; ++unit)
         PackColumn<depth>(SlotsOf(firstChunkHeader) + unit * unitBytes, block);
 }
 
@@ -86,9 +73,9 @@ template <int depth>
 
 // Descending, so that each pass writes over slots that have been read.
 template <int depth>
-void UnpackColumn(unsigned char* column, const UnpackBlock& block)
+void UnpackColumn(unsigned char* column, const SpreadBlock& block)
 {
-    const std::uint64_t slotBytes = block.unitCount * unitBytes;
+    const std::uint64_t slotBytes = block.slotSize * unitBytes;
     for (std::uint64_t chunk = pixelsPerByte<depth>; chunk-- != 0;) {
         const unsigned char* from = column + chunk * passesPerChunk<depth> * slotBytes;
         unsigned char* to = column + chunk * block.stride;
@@ -103,58 +90,21 @@ void UnpackColumn(unsigned char* column, const UnpackBlock& block)
 template <int depth>
 void UnpackChunks(void* firstChunkHeader, const void* parameters)
 {
-    const auto& block = *static_cast<const UnpackBlock*>(parameters);
-    for (std::uint64_t unit = block.unitCount; unit-- != 0;)
+    const auto& block = *static_cast<const SpreadBlock*>(parameters);
+    for (std::uint64_t unit = block.slotSize; unit-- != 0;)
         UnpackColumn<depth>(SlotsOf(firstChunkHeader) + unit * unitBytes, block);
 }
 
-template <int depth>
-class Convert8bitToNbit final : public Convert8bitToNbitBase<depth>
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat& input,
-                                   const ChunkStepGeometry& geometry,
-                                   void* parameters) const override
-    {
-        *static_cast<PackBlock*>(parameters) = {PackGap(input, geometry),
-                                                CountUnits(PixelBytes(input))};
-        return PackChunks<depth>;
-    }
-};
-
-template <int depth>
-class ConvertNbitTo8bit final : public ConvertNbitTo8bitBase<depth>
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat& input,
-                                   const ChunkStepGeometry& geometry,
-                                   void* parameters) const override
-    {
-        *static_cast<UnpackBlock*>(parameters) = {UnpackStride(geometry),
-                                                  CountUnits(PixelBytes(input))};
-        return UnpackChunks<depth>;
-    }
-};
-
-constexpr Convert8bitToNbit<1> packer1;
-constexpr Convert8bitToNbit<2> packer2;
-constexpr ConvertNbitTo8bit<1> unpacker1;
-constexpr ConvertNbitTo8bit<2> unpacker2;
-
 } // namespace
 
-const IChunkConvertDescriptor* GetPacker(std::int32_t depth)
+ConvertMethod GetPack(const ImageRowFormat&, int depth)
 {
-    if (depth == 1)
-        return &packer1;
-    return &packer2;
+    return depth == 1 ? PackChunks<1> : PackChunks<2>;
 }
 
-const IChunkConvertDescriptor* GetUnpacker(std::int32_t depth)
+ConvertMethod GetUnpack(const ImageRowFormat&, int depth)
 {
-    if (depth == 1)
-        return &unpacker1;
-    return &unpacker2;
+    return depth == 1 ? UnpackChunks<1> : UnpackChunks<2>;
 }
 
 } // namespace zvk::Pelkraft::VectorRoad

@@ -1,11 +1,8 @@
-#include "common/size_policies.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
 #include "converters/chunk_units_vector.h"
-#include "converters/convert_classes.h"
-#include "converters/remap_base.h"
-#include "converters/remap_masks.h"
+#include "converters/convert_methods.h"
 
 #include <cstdint>
 
@@ -45,9 +42,9 @@ void RemapSlot(const unsigned char* from, unsigned char* to, const HeldMasks<uni
 }
 
 template <int units>
-void RemapChunk(FixedSize<units>, void* chunkHeader, const unsigned char* block)
+void RemapFixedUnits(void* chunkHeader, const void* block)
 {
-    const HeldMasks<units> masks = HoldMasks<units>(block);
+    const HeldMasks<units> masks = HoldMasks<units>(static_cast<const unsigned char*>(block));
     const unsigned char* from = SlotsOf(chunkHeader);
     unsigned char* to = SlotsOf(NextRegionOf(chunkHeader));
     Unroll<slotsPerChunk>([&](auto slot) {
@@ -78,8 +75,9 @@ __m128i GatherUnit(const unsigned char* from, std::uint64_t inputUnits, const un
     return unit;
 }
 
-void RemapChunk(VariableSize, void* chunkHeader, const unsigned char* block)
+void RemapUnits(void* chunkHeader, const void* block)
 {
+    const auto* masks = static_cast<const unsigned char*>(block);
     void* nextHeader = NextRegionOf(chunkHeader);
     const std::uint64_t inputUnits = CountUnits(PixelBytesOf(chunkHeader));
     const std::uint64_t outputUnits = CountUnits(PixelBytesOf(nextHeader));
@@ -88,57 +86,28 @@ void RemapChunk(VariableSize, void* chunkHeader, const unsigned char* block)
     unsigned char* to = SlotsOf(nextHeader);
     for (std::uint64_t slot = 0; slot < slotsPerChunk; ++slot) {
         for (std::uint64_t output = 0; output < outputUnits; ++output) {
-            StoreUnit(to, GatherUnit(from, inputUnits, block + output * inputSlotBytes));
+            StoreUnit(to, GatherUnit(from, inputUnits, masks + output * inputSlotBytes));
             to += unitBytes;
         }
         from += inputSlotBytes;
     }
 }
 
-template <typename Policy>
-void Remap(void* chunkHeader, const void* parameters)
-{
-    RemapChunk(Policy{}, chunkHeader, static_cast<const unsigned char*>(parameters));
-}
-
-template <int units>
-RemapUnits UnitsOf(FixedSize<units>, const ChunkConvertFacility&, const ImageRowFormat&)
-{
-    return {units, units};
-}
-
-RemapUnits UnitsOf(VariableSize, const ChunkConvertFacility& facility, const ImageRowFormat& input)
-{
-    return {CountUnits(PixelBytes(input)), CountRemapOutputUnits(facility, input)};
-}
-
-template <typename InputPolicy, typename OutputPolicy>
-class ConvertRemap final : public ConvertRemapInitialized<InputPolicy, OutputPolicy>
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility& facility,
-                                   const ImageRowFormat& input, const ChunkStepGeometry&,
-                                   void* parameters) const override
-    {
-        BuildRemapMasks(facility, input, UnitsOf(InputPolicy{}, facility, input),
-                        static_cast<unsigned char*>(parameters));
-        return Remap<InputPolicy>;
-    }
-};
-
-constexpr ConvertRemap<FixedSize<1>, FixedSize<1>> remapOneUnit;
-constexpr ConvertRemap<FixedSize<2>, FixedSize<2>> remapTwoUnits;
-constexpr ConvertRemap<VariableSize, VariableSize> remapUnits;
-
 } // namespace
 
-const IChunkConvertDescriptor* GetRemap(std::uint64_t inputUnits, std::uint64_t outputUnits)
+ConvertMethod GetRemap(SlotUnits<1>)
 {
-    if (inputUnits == 1 && outputUnits == 1)
-        return &remapOneUnit;
-    if (inputUnits == 2 && outputUnits == 2)
-        return &remapTwoUnits;
-    return &remapUnits;
+    return RemapFixedUnits<1>;
+}
+
+ConvertMethod GetRemap(SlotUnits<2>)
+{
+    return RemapFixedUnits<2>;
+}
+
+ConvertMethod GetRemap(VariableSize)
+{
+    return RemapUnits;
 }
 
 } // namespace zvk::Pelkraft::VectorRoad

@@ -1,7 +1,6 @@
 #include "common/units.h"
 #include "converters/chunk_slots.h"
-#include "converters/convert_classes.h"
-#include "converters/reverse_base.h"
+#include "converters/convert_methods.h"
 #include "converters/word_access.h"
 
 #include <cstdint>
@@ -26,23 +25,11 @@ void ReverseChunk(void* chunkHeader, const void*)
                       slots + (slotsPerChunk - 1 - slot) * slotBytes + column);
 }
 
-class ConvertReverseX86 final : public ConvertReverseBase
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat&,
-                                   const ChunkStepGeometry&, void*) const override
-    {
-        return ReverseChunk;
-    }
-};
-
-constexpr ConvertReverseX86 reverse;
-
 } // namespace
 
-const IChunkConvertDescriptor* GetReverse()
+ConvertMethod GetReverse(const ImageRowFormat&)
 {
-    return &reverse;
+    return ReverseChunk;
 }
 
 } // namespace zvk::Pelkraft::PortableRoad

@@ -2,8 +2,7 @@
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
 #include "converters/chunk_units_vector.h"
-#include "converters/convert_classes.h"
-#include "converters/reverse_base.h"
+#include "converters/convert_methods.h"
 
 #include <cstdint>
 
@@ -35,23 +34,11 @@ void ReverseUnits(void* chunkHeader, const void*)
         ReverseColumn(SlotsOf(chunkHeader) + unit * unitBytes, unitCount * unitBytes);
 }
 
-class ConvertReverse final : public ConvertReverseBase
-{
-public:
-    ConvertMethod GetConvertMethod(const ChunkConvertFacility&, const ImageRowFormat& input,
-                                   const ChunkStepGeometry&, void*) const override
-    {
-        return CountUnits(PixelBytes(input)) == 1 ? ReverseOneUnit : ReverseUnits;
-    }
-};
-
-constexpr ConvertReverse reverse;
-
 } // namespace
 
-const IChunkConvertDescriptor* GetReverse()
+ConvertMethod GetReverse(const ImageRowFormat& input)
 {
-    return &reverse;
+    return CountUnits(PixelBytes(input)) == 1 ? ReverseOneUnit : ReverseUnits;
 }
 
 } // namespace zvk::Pelkraft::VectorRoad

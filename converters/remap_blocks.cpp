@@ -1,6 +1,8 @@
-#include "converters/remap_masks.h"
+#include "converters/remap_blocks.h"
 
 #include "common/units.h"
+
+#include <algorithm>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -32,6 +34,12 @@ void FillLane(unsigned char* lane, std::uint64_t laneBytes, std::int64_t start)
 
 } // namespace
 
+RemapUnits CountRemapUnits(const ChunkConvertFacility& facility, const ImageRowFormat& input)
+{
+    const auto sampleBytes = static_cast<std::uint64_t>(BytesPerSample(input.bits));
+    return {CountUnits(PixelBytes(input)), CountUnits(sampleBytes * facility.remapChannels)};
+}
+
 void BuildRemapMasks(const ChunkConvertFacility& facility, const ImageRowFormat& input,
                      const RemapUnits& units, unsigned char* masks)
 {
@@ -47,6 +55,15 @@ void BuildRemapMasks(const ChunkConvertFacility& facility, const ImageRowFormat&
             FillLane(row + unit * unitBytes + lane % lanesPerUnit * laneBytes, laneBytes,
                      fromHere ? source % unitBytes : -1);
         }
+    }
+}
+
+void BuildRemapEntries(const ChunkConvertFacility& facility, const ImageRowFormat& input,
+                       RemapEntry* entries)
+{
+    for (std::uint64_t channel = 0; channel < facility.remapChannels; ++channel) {
+        const std::int32_t lane = std::min(facility.remap[channel], input.channels);
+        entries[channel] = lane < 0 ? emptyRemapEntry : lane;
     }
 }
 
