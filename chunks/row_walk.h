@@ -1,58 +1,52 @@
 #pragma once
 
-#include "chunks/chunk_descriptors.h"
+#include "chunks/chunk_facility.h"
 
 namespace zvk::Pelkraft {
 
-// How a walk along a row goes, for the classes of both roads: all but the method itself.
-class InterleavedLoader : public IChunkLoaderDescriptor
+// Unsigned, so that a record from outside the checked ranges wraps instead of overflowing.
+template <typename Facility>
+std::uint64_t PixelBytesOf(const Facility& facility)
+{
+    return static_cast<std::uint64_t>(facility.channels) *
+           static_cast<std::uint64_t>(facility.bytesPerSample);
+}
+
+// All operations but the choice of a method, which the classes of both roads share.
+template <bool isPlanar>
+class RowLoader : public IChunkLoaderDescriptor
 {
 public:
-    std::int64_t GetChunkStep(const ChunkLoadFacilityInternal& facility) const final;
-    void LoadPartialChunk(const ChunkLoadFacilityInternal& facility, const SourcePosition& position,
-                          void* strip, std::uint64_t count) const final;
-    std::uint64_t GetPartialChunkSize(const ChunkLoadFacilityInternal& facility) const final;
-    std::uint64_t GetFirstChunkOffset(const ChunkLoadFacilityInternal& facility) const final;
+    using Facility = ChunkLoadFacilityInternal;
 
-protected:
-    ~InterleavedLoader() = default;
-};
-
-class PlanarLoader : public IChunkLoaderDescriptor
-{
-public:
-    std::int64_t GetChunkStep(const ChunkLoadFacilityInternal& facility) const final;
-    void LoadPartialChunk(const ChunkLoadFacilityInternal& facility, const SourcePosition& position,
-                          void* strip, std::uint64_t count) const final;
-    std::uint64_t GetPartialChunkSize(const ChunkLoadFacilityInternal& facility) const final;
-    std::uint64_t GetFirstChunkOffset(const ChunkLoadFacilityInternal& facility) const final;
-
-protected:
-    ~PlanarLoader() = default;
-};
-
-class InterleavedSaver : public IChunkSaverDescriptor
-{
-public:
-    std::int64_t GetChunkStep(const ChunkSaveFacilityInternal& facility) const final;
-    void SavePartialChunk(const ChunkSaveFacilityInternal& facility, const void* strip, void* row,
+    std::int64_t GetChunkStep(const Facility& facility) const final;
+    void LoadPartialChunk(const Facility& facility, const SourcePosition& position, void* strip,
                           std::uint64_t count) const final;
-    std::uint64_t GetPartialChunkSize(const ChunkSaveFacilityInternal& facility) const final;
+    std::uint64_t GetPartialChunkSize(const Facility& facility) const final;
+    std::uint64_t GetFirstChunkOffset(const Facility& facility) const final;
 
 protected:
-    ~InterleavedSaver() = default;
+    ~RowLoader() = default;
 };
 
-class PlanarSaver : public IChunkSaverDescriptor
+template <bool isPlanar>
+class RowSaver : public IChunkSaverDescriptor
 {
 public:
-    std::int64_t GetChunkStep(const ChunkSaveFacilityInternal& facility) const final;
-    void SavePartialChunk(const ChunkSaveFacilityInternal& facility, const void* strip, void* row,
+    using Facility = ChunkSaveFacilityInternal;
+
+    std::int64_t GetChunkStep(const Facility& facility) const final;
+    void SavePartialChunk(const Facility& facility, const void* strip, void* row,
                           std::uint64_t count) const final;
-    std::uint64_t GetPartialChunkSize(const ChunkSaveFacilityInternal& facility) const final;
+    std::uint64_t GetPartialChunkSize(const Facility& facility) const final;
 
 protected:
-    ~PlanarSaver() = default;
+    ~RowSaver() = default;
 };
+
+using InterleavedLoader = RowLoader<false>;
+using PlanarLoader = RowLoader<true>;
+using InterleavedSaver = RowSaver<false>;
+using PlanarSaver = RowSaver<true>;
 
 } // namespace zvk::Pelkraft
