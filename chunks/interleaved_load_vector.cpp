@@ -1,13 +1,9 @@
-#include "chunks/chunk_classes.h"
-#include "chunks/chunk_facility.h"
-#include "chunks/row_walk.h"
+#include "chunks/method_list_vector.h"
 #include "chunks/units_vector.h"
 #include "common/chunk_header.h"
 
 namespace zvk::Pelkraft {
 namespace {
-
-constexpr const char* invalidTrail = "Invalid";
 
 // Where a load stands: pixels begin anywhere in the row's units, which are read once, in order.
 struct Spreading
@@ -52,77 +48,34 @@ template <int shift, int trail>
         return ShiftUnit<shift>(spreading.unit);
 }
 
-template <typename Policy, int trail>
-void LoadChunk(const void* row, void* chunkHeader)
+struct LoadMove
 {
-    auto* header = static_cast<ChunkHeader*>(chunkHeader);
-    const LeadingLoop<Policy> leadingUnits(header->loadUnitCount);
-    Spreading spreading{static_cast<const unsigned char*>(row),
-                        static_cast<unsigned char*>(chunkHeader) + headerBytes,
-                        _mm_setzero_si128()};
-
-    // Ascending: a reversed row may lie inside these same slots.
-    Unroll<slotsPerChunk>([&](auto pixel) __attribute__((always_inline)) {
-        // Whole units in front of the trails don't count in a place within a unit.
-        constexpr int shift = pixel * trail % unitBytes;
-        leadingUnits.ForEach([&]() __attribute__((always_inline)) {
-            WriteUnit(spreading, ReadAcrossUnits<shift>(spreading));
-        });
-        WriteUnit(spreading, ReadTrail<shift, trail>(spreading));
-    });
-}
-
-struct LoadMethods
-{
-    LoadMethod byTrail[unitBytes];
-};
-
-template <typename Policy, int... index>
-constexpr LoadMethods MakeMethods(std::integer_sequence<int, index...>)
-{
-    return {{LoadChunk<Policy, index + 1>...}};
-}
-
-template <typename Policy>
-constexpr LoadMethods methods = MakeMethods<Policy>(std::make_integer_sequence<int, unitBytes>{});
-
-template <typename Policy>
-class ChunkMultiLoaderI final : public InterleavedLoader
-{
-public:
-    LoadMethod GetLoadMethod(const ChunkLoadFacilityInternal& facility) const override
+    template <typename Policy, int trail>
+    static void MoveChunk(const void* row, void* chunkHeader)
     {
-        const std::uint64_t pixelBytes = static_cast<std::uint64_t>(facility.channels) *
-                                         static_cast<std::uint64_t>(facility.bytesPerSample);
-        const std::uint64_t index = (pixelBytes - 1) % unitBytes;
-        if (index >= unitBytes)
-            throw invalidTrail;
-        return methods<Policy>.byTrail[index];
+        auto* header = static_cast<ChunkHeader*>(chunkHeader);
+        const LeadingLoop<Policy> leadingUnits(header->loadUnitCount);
+        Spreading spreading{static_cast<const unsigned char*>(row),
+                            static_cast<unsigned char*>(chunkHeader) + headerBytes,
+                            _mm_setzero_si128()};
+
+        // Ascending: a reversed row may lie inside these same slots.
+        Unroll<slotsPerChunk>([&](auto pixel) __attribute__((always_inline)) {
+            // Whole units in front of the trails don't count in a place within a unit.
+            constexpr int shift = pixel * trail % unitBytes;
+            leadingUnits.ForEach([&]() __attribute__((always_inline)) {
+                WriteUnit(spreading, ReadAcrossUnits<shift>(spreading));
+            });
+            WriteUnit(spreading, ReadTrail<shift, trail>(spreading));
+        });
     }
 };
-
-template <typename Policy>
-constexpr ChunkMultiLoaderI<Policy> loader;
 
 } // namespace
 
-const IChunkLoaderDescriptor* VectorRoad::GetInterleavedLoader(std::uint64_t unitCount)
+const ChunkMethod* VectorRoad::GetInterleavedLoads(int leadingUnits)
 {
-    switch (unitCount) {
-    case 0:
-    case 1:
-        return &loader<FixedSize<0>>;
-    case 2:
-        return &loader<FixedSize<1>>;
-    case 3:
-        return &loader<FixedSize<2>>;
-    case 4:
-        return &loader<FixedSize<3>>;
-    case 5:
-        return &loader<FixedSize<4>>;
-    default:
-        return &loader<VariableSize>;
-    }
+    return byLeadingUnits<LoadMove>[leadingUnits];
 }
 
 } // namespace zvk::Pelkraft

@@ -1,5 +1,4 @@
-#include "chunks/chunk_classes.h"
-#include "chunks/row_walk.h"
+#include "chunks/chunk_methods.h"
 #include "common/chunk_header.h"
 
 #include <cstring>
@@ -7,7 +6,7 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// Forward and by way of a local: from may lie a few bytes behind to in the same buffer.
+// Forward and by way of a local: from may lie a few bytes after to in the same buffer.
 void CopyForward(const unsigned char* from, unsigned char* to, std::uint64_t bytes)
 {
     std::uint32_t word;
@@ -21,58 +20,29 @@ void CopyForward(const unsigned char* from, unsigned char* to, std::uint64_t byt
         *to++ = *from++;
 }
 
-void LoadChunk(const void* row, void* chunkHeader)
+template <End end>
+void MoveChunk(const void* from, void* to)
 {
-    const std::uint64_t pixelBytes = static_cast<const ChunkHeader*>(chunkHeader)->pixelBytes;
-    const auto* from = static_cast<const unsigned char*>(row);
-    unsigned char* slot = static_cast<unsigned char*>(chunkHeader) + headerBytes;
+    constexpr bool isLoad = end == End::Load;
+    const std::uint64_t pixelBytes =
+        static_cast<const ChunkHeader*>(isLoad ? to : from)->pixelBytes;
+    const std::uint64_t slotBytes = RoundUpToUnit(pixelBytes);
+    const auto* source = static_cast<const unsigned char*>(from) + (isLoad ? 0 : headerBytes);
+    auto* target = static_cast<unsigned char*>(to) + (isLoad ? headerBytes : 0);
 
     // Ascending: a reversed row may lie inside these same slots.
     for (int pixel = 0; pixel < slotsPerChunk; ++pixel) {
-        CopyForward(from, slot, pixelBytes);
-        from += pixelBytes;
-        slot += RoundUpToUnit(pixelBytes);
+        CopyForward(source, target, pixelBytes);
+        source += isLoad ? pixelBytes : slotBytes;
+        target += isLoad ? slotBytes : pixelBytes;
     }
 }
-
-void SaveChunk(const void* chunkHeader, void* row)
-{
-    const std::uint64_t pixelBytes = static_cast<const ChunkHeader*>(chunkHeader)->pixelBytes;
-    const unsigned char* slot = static_cast<const unsigned char*>(chunkHeader) + headerBytes;
-    auto* to = static_cast<unsigned char*>(row);
-
-    for (int pixel = 0; pixel < slotsPerChunk; ++pixel) {
-        CopyForward(slot, to, pixelBytes);
-        to += pixelBytes;
-        slot += RoundUpToUnit(pixelBytes);
-    }
-}
-
-class ChunkMultiLoaderX86I final : public InterleavedLoader
-{
-public:
-    LoadMethod GetLoadMethod(const ChunkLoadFacilityInternal&) const override { return LoadChunk; }
-};
-
-class ChunkMultiSaverX86I final : public InterleavedSaver
-{
-public:
-    SaveMethod GetLoadMethod(const ChunkSaveFacilityInternal&) const override { return SaveChunk; }
-};
-
-constexpr ChunkMultiLoaderX86I loader;
-constexpr ChunkMultiSaverX86I saver;
 
 } // namespace
 
-const IChunkLoaderDescriptor* PortableRoad::GetInterleavedLoader()
+ChunkMethod PortableRoad::GetInterleaved(End end)
 {
-    return &loader;
-}
-
-const IChunkSaverDescriptor* PortableRoad::GetInterleavedSaver()
-{
-    return &saver;
+    return end == End::Load ? MoveChunk<End::Load> : MoveChunk<End::Save>;
 }
 
 } // namespace zvk::Pelkraft

@@ -1,13 +1,11 @@
-#include "chunks/chunk_classes.h"
-#include "chunks/chunk_facility.h"
-#include "chunks/row_walk.h"
+#include "chunks/method_list_vector.h"
 #include "chunks/units_vector.h"
 #include "common/chunk_header.h"
 
+#include <type_traits>
+
 namespace zvk::Pelkraft {
 namespace {
-
-constexpr const char* invalidTrail = "Invalid";
 
 // Where a save stands: the row is written in whole units, once each and in order.
 struct Gathering
@@ -74,75 +72,27 @@ template <int trail>
     });
 }
 
-template <typename Policy>
-constexpr bool isOneUnit = false;
-template <>
-constexpr bool isOneUnit<FixedSize<0>> = true;
-
-template <typename Policy, int trail>
-void SaveChunk(const void* chunkHeader, void* row)
+struct SaveMove
 {
-    const auto* header = static_cast<const ChunkHeader*>(chunkHeader);
-    const Gathering gathering{static_cast<const unsigned char*>(chunkHeader) + headerBytes,
-                              static_cast<unsigned char*>(row), _mm_setzero_si128()};
-
-    if constexpr (isOneUnit<Policy> && unitBytes % trail == 0)
-        JoinPixels<trail>(gathering);
-    else
-        GatherPixels<Policy, trail>(gathering, LeadingLoop<Policy>(header->saveUnitCount));
-}
-
-struct SaveMethods
-{
-    SaveMethod byTrail[unitBytes];
-};
-
-template <typename Policy, int... index>
-constexpr SaveMethods MakeMethods(std::integer_sequence<int, index...>)
-{
-    return {{SaveChunk<Policy, index + 1>...}};
-}
-
-template <typename Policy>
-constexpr SaveMethods methods = MakeMethods<Policy>(std::make_integer_sequence<int, unitBytes>{});
-
-template <typename Policy>
-class ChunkMultiSaverI final : public InterleavedSaver
-{
-public:
-    SaveMethod GetLoadMethod(const ChunkSaveFacilityInternal& facility) const override
+    template <typename Policy, int trail>
+    static void MoveChunk(const void* chunkHeader, void* row)
     {
-        const std::uint64_t pixelBytes = static_cast<std::uint64_t>(facility.channels) *
-                                         static_cast<std::uint64_t>(facility.bytesPerSample);
-        const std::uint64_t index = (pixelBytes - 1) % unitBytes;
-        if (index >= unitBytes)
-            throw invalidTrail;
-        return methods<Policy>.byTrail[index];
+        const auto* header = static_cast<const ChunkHeader*>(chunkHeader);
+        const Gathering gathering{static_cast<const unsigned char*>(chunkHeader) + headerBytes,
+                                  static_cast<unsigned char*>(row), _mm_setzero_si128()};
+
+        if constexpr (std::is_same_v<Policy, LeadingUnits<0>> && unitBytes % trail == 0)
+            JoinPixels<trail>(gathering);
+        else
+            GatherPixels<Policy, trail>(gathering, LeadingLoop<Policy>(header->saveUnitCount));
     }
 };
-
-template <typename Policy>
-constexpr ChunkMultiSaverI<Policy> saver;
 
 } // namespace
 
-const IChunkSaverDescriptor* VectorRoad::GetInterleavedSaver(std::uint64_t unitCount)
+const ChunkMethod* VectorRoad::GetInterleavedSaves(int leadingUnits)
 {
-    switch (unitCount) {
-    case 0:
-    case 1:
-        return &saver<FixedSize<0>>;
-    case 2:
-        return &saver<FixedSize<1>>;
-    case 3:
-        return &saver<FixedSize<2>>;
-    case 4:
-        return &saver<FixedSize<3>>;
-    case 5:
-        return &saver<FixedSize<4>>;
-    default:
-        return &saver<VariableSize>;
-    }
+    return byLeadingUnits<SaveMove>[leadingUnits];
 }
 
 } // namespace zvk::Pelkraft

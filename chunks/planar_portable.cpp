@@ -1,5 +1,4 @@
-#include "chunks/chunk_classes.h"
-#include "chunks/row_walk.h"
+#include "chunks/chunk_methods.h"
 #include "common/chunk_header.h"
 
 #include <cstring>
@@ -7,90 +6,48 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// A fixed-size copy, since a plane may begin at any address.
+// Either side may begin at any address.
 template <typename Sample>
-void CopySample(const unsigned char* from, unsigned char* to)
+void CopySamples(const unsigned char* from, std::uint64_t fromStep, unsigned char* to,
+                 std::uint64_t toStep)
 {
-    Sample sample;
-    std::memcpy(&sample, from, sizeof(sample));
-    std::memcpy(to, &sample, sizeof(sample));
+    for (std::uint64_t i = 0; i < slotsPerChunk; ++i)
+        std::memcpy(to + i * toStep, from + i * fromStep, sizeof(Sample));
 }
 
-template <typename Sample>
-void LoadChunk(const void* row, void* chunkHeader)
+template <End end, typename Sample>
+void MoveChunk(const void* from, void* to)
 {
-    const auto& header = *static_cast<const ChunkHeader*>(chunkHeader);
+    constexpr std::uint64_t sampleBytes = sizeof(Sample);
+    const auto& header = *static_cast<const ChunkHeader*>(end == End::Load ? to : from);
     const std::uint64_t slotBytes = RoundUpToUnit(header.pixelBytes);
-    const std::uint64_t planes = header.pixelBytes / sizeof(Sample);
-    const auto pitch = static_cast<std::int64_t>(header.loadPlanePitch);
-    const auto* rowBytes = static_cast<const unsigned char*>(row);
-    unsigned char* slots = static_cast<unsigned char*>(chunkHeader) + headerBytes;
+    const auto planes = static_cast<std::int64_t>(header.pixelBytes / sampleBytes);
+    const auto* source = static_cast<const unsigned char*>(from);
+    auto* target = static_cast<unsigned char*>(to);
 
-    for (std::uint64_t plane = 0; plane < planes; ++plane) {
-        const unsigned char* from = rowBytes + static_cast<std::int64_t>(plane) * pitch;
-        unsigned char* to = slots + plane * sizeof(Sample);
-        for (std::uint64_t pixel = 0; pixel < slotsPerChunk; ++pixel)
-            CopySample<Sample>(from + pixel * sizeof(Sample), to + pixel * slotBytes);
+    for (std::int64_t plane = 0; plane < planes; ++plane) {
+        const std::int64_t lane = headerBytes + plane * static_cast<std::int64_t>(sampleBytes);
+        if constexpr (end == End::Load) {
+            const auto pitch = static_cast<std::int64_t>(header.loadPlanePitch);
+            CopySamples<Sample>(source + plane * pitch, sampleBytes, target + lane, slotBytes);
+        } else {
+            const auto pitch = static_cast<std::int64_t>(header.savePlanePitch);
+            CopySamples<Sample>(source + lane, slotBytes, target + plane * pitch, sampleBytes);
+        }
     }
 }
 
-template <typename Sample>
-void SaveChunk(const void* chunkHeader, void* row)
+template <End end>
+ChunkMethod MethodFor(std::size_t sampleBytes)
 {
-    const auto& header = *static_cast<const ChunkHeader*>(chunkHeader);
-    const std::uint64_t slotBytes = RoundUpToUnit(header.pixelBytes);
-    const std::uint64_t planes = header.pixelBytes / sizeof(Sample);
-    const auto pitch = static_cast<std::int64_t>(header.savePlanePitch);
-    const unsigned char* slots = static_cast<const unsigned char*>(chunkHeader) + headerBytes;
-    auto* rowBytes = static_cast<unsigned char*>(row);
-
-    for (std::uint64_t plane = 0; plane < planes; ++plane) {
-        const unsigned char* from = slots + plane * sizeof(Sample);
-        unsigned char* to = rowBytes + static_cast<std::int64_t>(plane) * pitch;
-        for (std::uint64_t pixel = 0; pixel < slotsPerChunk; ++pixel)
-            CopySample<Sample>(from + pixel * slotBytes, to + pixel * sizeof(Sample));
-    }
+    return sampleBytes == 1 ? MoveChunk<end, unsigned char> : MoveChunk<end, unsigned short>;
 }
-
-template <typename Sample>
-class ChunkMultiLoaderX86 final : public PlanarLoader
-{
-public:
-    LoadMethod GetLoadMethod(const ChunkLoadFacilityInternal&) const override
-    {
-        return LoadChunk<Sample>;
-    }
-};
-
-template <typename Sample>
-class ChunkMultiSaverX86 final : public PlanarSaver
-{
-public:
-    SaveMethod GetLoadMethod(const ChunkSaveFacilityInternal&) const override
-    {
-        return SaveChunk<Sample>;
-    }
-};
-
-constexpr ChunkMultiLoaderX86<unsigned char> byteLoader;
-constexpr ChunkMultiLoaderX86<unsigned short> wordLoader;
-constexpr ChunkMultiSaverX86<unsigned char> byteSaver;
-constexpr ChunkMultiSaverX86<unsigned short> wordSaver;
 
 } // namespace
 
-const IChunkLoaderDescriptor* PortableRoad::GetPlanarLoader(std::int64_t bytesPerSample)
+ChunkMethod PortableRoad::GetPlanar(End end, std::size_t sampleBytes)
 {
-    if (bytesPerSample == 1)
-        return &byteLoader;
-    return &wordLoader;
-}
-
-const IChunkSaverDescriptor* PortableRoad::GetPlanarSaver(std::int64_t bytesPerSample)
-{
-    if (bytesPerSample == 1)
-        return &byteSaver;
-    return &wordSaver;
+    return end == End::Load ? MethodFor<End::Load>(sampleBytes) : MethodFor<End::Save>(sampleBytes);
 }
 
 } // namespace zvk::Pelkraft

@@ -13,7 +13,7 @@ for object in "$@"; do
     "$objdump" -d -C --no-show-raw-insn "$object"
 done | awk -F '\t' -v expected="$methodCount" '
     /^[0-9a-f]+ <.*>:$/ {
-        reading = /(Load|Save)Chunk<zvk::Pelkraft::FixedSize</
+        reading = /MoveChunk<zvk::Pelkraft::FixedSize</
         methods += reading
         name = $0
     }

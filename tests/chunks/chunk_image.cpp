@@ -1,6 +1,5 @@
 #include "tests/chunks/chunk_image.h"
 
-#include "chunks/chunk_classes.h"
 #include "chunks/chunk_facility.h"
 
 #include <cstring>
@@ -17,6 +16,17 @@ Facility MakeRecord(std::size_t channels, std::size_t sampleBytes)
     facility.columns = 16;
     return facility;
 }
+
+#ifdef PELKRAFT_VECTOR_ROAD
+// From the class that takes the count of units at run time.
+template <typename Facility>
+auto AnySizeMethod(const Facility& record, std::int32_t layout)
+{
+    Facility large = record;
+    large.channels = 200;
+    return Facility::SelectDescriptor(large, layout)->GetLoadMethod(record);
+}
+#endif
 
 HeaderFields PixelSize(std::size_t pixelBytes)
 {
@@ -52,8 +62,8 @@ std::vector<LoadWay> InterleavedLoadWays(std::size_t pixelBytes)
     const auto* selected = ChunkLoadFacilityInternal::SelectDescriptor(record, LayoutInterleaved);
     const HeaderFields header = pixelBytes > 80 ? LoadUnits(pixelBytes) : HeaderFields{};
     ways.push_back({"vector", selected->GetLoadMethod(record), header, false});
-    ways.push_back({"any size", VectorRoad::GetInterleavedLoader(6)->GetLoadMethod(record),
-                    LoadUnits(pixelBytes), false});
+    ways.push_back(
+        {"any size", AnySizeMethod(record, LayoutInterleaved), LoadUnits(pixelBytes), false});
 #endif
     return ways;
 }
@@ -69,8 +79,7 @@ std::vector<SaveWay> InterleavedSaveWays(std::size_t pixelBytes)
     const auto* selected = ChunkSaveFacilityInternal::SelectDescriptor(record, LayoutInterleaved);
     const HeaderFields header = pixelBytes > 80 ? SaveUnits(pixelBytes) : HeaderFields{};
     ways.push_back({"vector", selected->GetLoadMethod(record), header});
-    ways.push_back({"any size", VectorRoad::GetInterleavedSaver(6)->GetLoadMethod(record),
-                    SaveUnits(pixelBytes)});
+    ways.push_back({"any size", AnySizeMethod(record, LayoutInterleaved), SaveUnits(pixelBytes)});
 #endif
     return ways;
 }
@@ -86,8 +95,7 @@ std::vector<LoadWay> PlanarLoadWays(const PlanarRow& row)
     const auto* selected = ChunkLoadFacilityInternal::SelectDescriptor(record, LayoutPlanar);
     const HeaderFields header = pixelBytes > 16 ? LoadUnits(pixelBytes) : HeaderFields{};
     ways.push_back({"vector", selected->GetLoadMethod(record), header, false});
-    const auto* anySize = VectorRoad::GetPlanarLoader(record.bytesPerSample, 2);
-    ways.push_back({"any size", anySize->GetLoadMethod(record), LoadUnits(pixelBytes), false});
+    ways.push_back({"any size", AnySizeMethod(record, LayoutPlanar), LoadUnits(pixelBytes), false});
 #endif
     for (LoadWay& way : ways)
         way.header.loadPlanePitch = row.pitch;
@@ -105,8 +113,7 @@ std::vector<SaveWay> PlanarSaveWays(const PlanarRow& row)
     const auto* selected = ChunkSaveFacilityInternal::SelectDescriptor(record, LayoutPlanar);
     const HeaderFields header = pixelBytes > 16 ? SaveUnits(pixelBytes) : HeaderFields{};
     ways.push_back({"vector", selected->GetLoadMethod(record), header});
-    const auto* anySize = VectorRoad::GetPlanarSaver(record.bytesPerSample, 2);
-    ways.push_back({"any size", anySize->GetLoadMethod(record), SaveUnits(pixelBytes)});
+    ways.push_back({"any size", AnySizeMethod(record, LayoutPlanar), SaveUnits(pixelBytes)});
 #endif
     for (SaveWay& way : ways)
         way.header.savePlanePitch = row.pitch;
