@@ -1,10 +1,9 @@
 #include "tests/rows/row_fields.h"
+#include "tests/support/virtual_slots.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <type_traits>
 
 // The order of the fields and of the virtual table is what programs built elsewhere rely on.
@@ -47,35 +46,6 @@ public:
 
     virtual void BehindTheLast() {}
 };
-
-// As the common C++ binary interface stores a pointer to a member operation.
-struct MemberPointer
-{
-    std::uintptr_t place;
-    std::ptrdiff_t adjustment;
-};
-
-#if defined(__aarch64__) || defined(__arm__)
-constexpr bool marksInAdjustment = true;
-#else
-constexpr bool marksInAdjustment = false;
-#endif
-
-constexpr int notVirtual = -1;
-
-template <typename Operation>
-int SlotOf(Operation operation)
-{
-    static_assert(sizeof(operation) == sizeof(MemberPointer));
-    MemberPointer pointer;
-    std::memcpy(&pointer, &operation, sizeof pointer);
-    if constexpr (marksInAdjustment)
-        return (pointer.adjustment & 1) == 0 ? notVirtual
-                                             : static_cast<int>(pointer.place / sizeof(void*));
-    else
-        return (pointer.place & 1) == 0 ? notVirtual
-                                        : static_cast<int>((pointer.place - 1) / sizeof(void*));
-}
 
 TEST(RowInterface, HasItsVirtualOperationsInTheirOrder)
 {
