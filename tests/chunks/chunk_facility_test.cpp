@@ -1,6 +1,7 @@
 #include "chunks/chunk_facility.h"
 
 #include "common/road.h"
+#include "tests/support/virtual_slots.h"
 
 #include <cxxabi.h>
 #include <gtest/gtest.h>
@@ -73,6 +74,20 @@ std::string SaveFailure(const ImageRowFormat& format, std::int32_t sseVersion)
         return text;
     }
     return "no failure";
+}
+
+TEST(ChunkDescriptors, HaveTheirOperationsInTheirOrder)
+{
+    using TestSupport::SlotOf;
+    EXPECT_EQ(SlotOf(&IChunkLoaderDescriptor::GetLoadMethod), 0);
+    EXPECT_EQ(SlotOf(&IChunkLoaderDescriptor::GetChunkStep), 1);
+    EXPECT_EQ(SlotOf(&IChunkLoaderDescriptor::LoadPartialChunk), 2);
+    EXPECT_EQ(SlotOf(&IChunkLoaderDescriptor::GetPartialChunkSize), 3);
+    EXPECT_EQ(SlotOf(&IChunkLoaderDescriptor::GetFirstChunkOffset), 4);
+    EXPECT_EQ(SlotOf(&IChunkSaverDescriptor::GetLoadMethod), 0);
+    EXPECT_EQ(SlotOf(&IChunkSaverDescriptor::GetChunkStep), 1);
+    EXPECT_EQ(SlotOf(&IChunkSaverDescriptor::SavePartialChunk), 2);
+    EXPECT_EQ(SlotOf(&IChunkSaverDescriptor::GetPartialChunkSize), 3);
 }
 
 TEST(ChunkFacility, TakesItsFieldsFromTheFormat)

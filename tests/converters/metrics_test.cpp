@@ -1,4 +1,5 @@
 #include "tests/converters/step_runner.h"
+#include "tests/support/virtual_slots.h"
 
 #include <gtest/gtest.h>
 
@@ -29,6 +30,13 @@ void ExpectMetrics(const Numbers& expected, const ChunkConvertFacility& facility
     EXPECT_EQ(expected.outputChunks, metrics.outputChunks);
     EXPECT_EQ(expected.parameterBytes, metrics.parameterBytes);
     EXPECT_EQ(expected.ownRegion, metrics.ownRegion);
+}
+
+TEST(ConvertDescriptor, HasItsOperationsInTheirOrder)
+{
+    EXPECT_EQ(0, SlotOf(&IChunkConvertDescriptor::GetMetrics));
+    EXPECT_EQ(1, SlotOf(&IChunkConvertDescriptor::GetOutputFormat));
+    EXPECT_EQ(2, SlotOf(&IChunkConvertDescriptor::GetConvertMethod));
 }
 
 TEST(ConvertMetrics, AreOneToOneIntoAnOwnRegionForDepthSteps)
