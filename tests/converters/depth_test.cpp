@@ -254,9 +254,10 @@ TEST(Narrowing, GivesTheNamedValues)
     }
 }
 
-ConvertMethod VectorMethod(Direction direction, std::size_t channels)
+ConvertMethod VectorMethod(Direction direction, std::size_t channels, std::int32_t bits)
 {
-    const StepCall call = DepthCall(direction, {"vector", 3, true}, channels);
+    StepCall call = DepthCall(direction, {"vector", 3, true}, channels);
+    call.input.bits = bits;
     return call.facility.select(call.facility, call.input)
         ->GetConvertMethod(call.facility, call.input, call.geometry, nullptr);
 }
@@ -266,18 +267,56 @@ TEST(DepthMethods, AreChosenByTheUnitsOfTheWideSlot)
     if (!HasVectorRoad())
         return;
     for (const Direction direction : {Direction::Widen, Direction::Narrow}) {
-        const ConvertMethod oneUnit = VectorMethod(direction, 8);
-        const ConvertMethod even = VectorMethod(direction, 9);
-        const ConvertMethod odd = VectorMethod(direction, 17);
+        const std::int32_t bits = direction == Direction::Widen ? 8 : 16;
+        const ConvertMethod oneUnit = VectorMethod(direction, 8, bits);
+        const ConvertMethod even = VectorMethod(direction, 9, bits);
+        const ConvertMethod odd = VectorMethod(direction, 17, bits);
         EXPECT_NE(oneUnit, even);
         EXPECT_NE(oneUnit, odd);
         EXPECT_NE(even, odd);
         for (std::size_t channels = 1; channels <= 130; ++channels) {
             const std::size_t units = (2 * channels + 15) / 16;
             const ConvertMethod expected = units == 1 ? oneUnit : units % 2 != 0 ? odd : even;
-            EXPECT_EQ(expected, VectorMethod(direction, channels)) << channels;
+            EXPECT_EQ(expected, VectorMethod(direction, channels, bits)) << channels;
         }
     }
+}
+
+TEST(Widening, IsChosenByTheChannelsAlone)
+{
+    if (!HasVectorRoad())
+        return;
+    for (std::size_t channels = 1; channels <= 40; ++channels)
+        for (const std::int32_t bits : {-8, 0, 1, 10, 16, 32})
+            EXPECT_EQ(VectorMethod(Direction::Widen, channels, 8),
+                      VectorMethod(Direction::Widen, channels, bits))
+                << channels << " channels of " << bits << " bits";
+}
+
+TEST(Narrowing, StoresTheBytesOfAUnitWithoutAPartnerTwice)
+{
+    if (!HasVectorRoad())
+        return;
+    // Slots of one unit, and of three.
+    for (const std::size_t channels : {1U, 5U, 8U, 17U, 24U}) {
+        const ChunkMemory memory({{2 * channels}, {channels}}, 6);
+        RunStep(DepthCall(Direction::Narrow, {"vector", 3, true}, channels), memory.Header(0));
+        const Bytes bytes = memory.bytes();
+        for (std::size_t slot = 0; slot < 16; ++slot) {
+            const auto last =
+                bytes.begin() + static_cast<std::ptrdiff_t>(memory.SlotStart(1, 0, slot) +
+                                                            memory.SlotBytes(1) - 16);
+            EXPECT_EQ(Bytes(last, last + 8), Bytes(last + 8, last + 16)) << channels;
+        }
+    }
+}
+
+TEST(Narrowing, DoesNothingForPixelsOfOneByteOnThePortableRoad)
+{
+    const ChunkMemory memory({{1}, {1}}, 8);
+    const Bytes before = memory.bytes();
+    RunStep(DepthCall(Direction::Narrow, {"portable", 0, false}, 1), memory.Header(0));
+    EXPECT_EQ(before, memory.bytes());
 }
 
 TEST(Narrowing, IgnoresAnOddLastByteOnThePortableRoad)
