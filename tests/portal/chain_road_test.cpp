@@ -149,6 +149,24 @@ TEST(ChainRoad, MirrorsTheEndOfALongerPackedRow)
     ExpectEverywhere({0x60}, portalCase, {0xAC, 0x60}, ReverseStep);
 }
 
+TEST(ChainRoad, ReadsTheMapNoMoreOnceTheChainIsBuilt)
+{
+    for (const std::int32_t sseVersion : levels) {
+        std::vector<std::int32_t> map = {2, 0, -1};
+        FakeChain chain({{1, 1}});
+        chain.onRun = [&](const StepRun&) { map = {1, 1, 1}; };
+        TestSupport::Records records = chain.MakeRecords();
+        records.push_back(Facility::Create_Remap(sseVersion, map.size(), map.data()));
+        Bytes source(120);
+        std::iota(source.begin(), source.end(), static_cast<unsigned char>(1));
+        Bytes expected;
+        for (std::size_t i = 0; i != 120; i += 3)
+            expected.insert(expected.end(), {source[i + 2], source[i], 0});
+        const ImageRowFormat format = MakeFormat(8, LayoutInterleaved, 3, 40);
+        EXPECT_EQ(expected, RunPortal({sseVersion, format, format}, source, records));
+    }
+}
+
 // What the first of two chunks of a reversed row of one channel holds once it is loaded. The
 // portable loader writes pixels only, so that staged bytes can still be seen.
 Bytes LoadedSlots(std::int32_t layout, std::size_t gap)
