@@ -7,8 +7,8 @@ namespace zvk::Pelkraft {
 struct ChunkLoadFacilityInternal;
 struct ChunkSaveFacilityInternal;
 
-// Copies 16 pixels between a row and the slots behind a chunk's header. On a planar row the row
-// position is that of the pixels in the first plane.
+// A method copies 16 pixels between a row and the slots after a chunk's header. On a planar row the
+// row position is that of the pixels in the first plane.
 using LoadMethod = void (*)(const void* row, void* chunkHeader);
 using SaveMethod = void (*)(const void* chunkHeader, void* row);
 
@@ -34,18 +34,19 @@ public:
                                   std::uint64_t count) const = 0;
     // Bytes of a strip.
     virtual std::uint64_t GetPartialChunkSize(const ChunkLoadFacilityInternal& facility) const = 0;
-    // Where the walk begins, from the row's first byte. Wraps below 0 on a short reversed row.
+    // The walk begins so many bytes after the row's first, which wraps below 0 on a short reversed
+    // row.
     virtual std::uint64_t GetFirstChunkOffset(const ChunkLoadFacilityInternal& facility) const = 0;
 
 protected:
     ~IChunkLoaderDescriptor() = default;
 };
 
-// The same for the other end; a row is always saved forward.
+// Answers for the other end. A row is always saved forward.
 class IChunkSaverDescriptor
 {
 public:
-    // Named as on the loader's side.
+    // The name is that of the loader's side.
     virtual SaveMethod GetLoadMethod(const ChunkSaveFacilityInternal& facility) const = 0;
     virtual std::int64_t GetChunkStep(const ChunkSaveFacilityInternal& facility) const = 0;
     // Writes the 1 to 16 pixels that end the walk, from the front of strip.

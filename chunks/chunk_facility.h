@@ -12,7 +12,8 @@ struct ChunkLoadFacilityInternal
 {
     std::int64_t channels;
     std::int64_t bytesPerSample;
-    // Of the whole row, not only of its active part: this is also what places the planes.
+    // These are the columns of the whole row, not only of its active part, as they place the
+    // planes.
     std::uint64_t columns;
     bool reversed;
     const IChunkLoaderDescriptor* descriptor;
@@ -35,7 +36,7 @@ struct ChunkSaveFacilityInternal
     std::uint64_t columns;
     const IChunkSaverDescriptor* descriptor;
 
-    // Throws as the loader's side, with "ChunkSaveFacilityInternal" in the text.
+    // The texts are those of the loader's side, with "ChunkSaveFacilityInternal".
     static ChunkSaveFacilityInternal Create(const ImageRowFormat& format, std::int32_t sseVersion);
 
     static const IChunkSaverDescriptor* SelectDescriptor(const ChunkSaveFacilityInternal& facility,

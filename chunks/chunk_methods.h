@@ -11,13 +11,12 @@ namespace zvk::Pelkraft {
 
 enum class End : std::uint8_t
 {
-    // From a row into a chunk.
     Load,
-    // From a chunk into a row.
     Save,
 };
 
-// The methods of both ends are of one type, from the first address to the second.
+// A load goes from a row into a chunk, a save the other way: both from their first argument to the
+// second.
 using ChunkMethod = LoadMethod;
 static_assert(std::is_same_v<LoadMethod, SaveMethod>);
 
@@ -31,9 +30,9 @@ ChunkMethod GetPlanar(End end, std::size_t sampleBytes);
 
 namespace VectorRoad {
 
-// The methods of a class, by trail: entry k serves a trail of k + 1 bytes, or of k + 1 samples of
-// a planar row. Where leadingUnits is 5, or a slot has more than one unit, the header has the
-// count.
+// Each answers with the methods of a class, of which entry k serves a trail of k + 1 bytes, or of
+// k + 1 samples of a planar row. Where leadingUnits is 5, or a slot has more than one unit, the
+// count of units stands in the header.
 const ChunkMethod* GetInterleavedLoads(int leadingUnits);
 const ChunkMethod* GetInterleavedSaves(int leadingUnits);
 const ChunkMethod* GetPlanar(End end, std::size_t sampleBytes, bool isOneUnit);

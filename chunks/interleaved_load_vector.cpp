@@ -5,12 +5,13 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// Where a load stands: pixels begin anywhere in the row's units, which are read once, in order.
+// A load keeps its place here. Pixels begin anywhere in the row's units, which are read once, in
+// order.
 struct Spreading
 {
     const unsigned char* row;
     unsigned char* slot;
-    // The last unit read, of which the next pixel may still want some bytes.
+    // The next pixel may still want some bytes of the last unit read.
     __m128i unit;
 };
 
@@ -38,7 +39,7 @@ template <int shift>
 }
 
 // A pixel's last unit is not read across a unit's end unless the pixel goes there, since there
-// may be no row behind the last pixel.
+// may be no row after the last pixel.
 template <int shift, int trail>
 [[gnu::always_inline]] inline __m128i ReadTrail(Spreading& spreading)
 {
@@ -61,7 +62,7 @@ struct LoadMove
 
         // Ascending: a reversed row may lie inside these same slots.
         Unroll<slotsPerChunk>([&](auto pixel) __attribute__((always_inline)) {
-            // Whole units in front of the trails don't count in a place within a unit.
+            // Whole units before the trails don't count in a place within a unit.
             constexpr int shift = pixel * trail % unitBytes;
             leadingUnits.ForEach([&]() __attribute__((always_inline)) {
                 WriteUnit(spreading, ReadAcrossUnits<shift>(spreading));

@@ -7,7 +7,7 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// Where a save stands: the row is written in whole units, once each and in order.
+// A save keeps its place here. The row is written in whole units, once each and in order.
 struct Gathering
 {
     const unsigned char* slot;
@@ -16,8 +16,8 @@ struct Gathering
     __m128i gathered;
 };
 
-// Takes the low bytes of the next slot unit behind the pending ones. What stands above them in
-// the slot is never aligned into the row.
+// Takes the low bytes of the next slot unit after the pending ones. Bytes above them in the slot
+// are never aligned into the row.
 template <int pending, int bytes>
 [[gnu::always_inline]] inline void GatherUnit(Gathering& gathering)
 {
@@ -38,7 +38,7 @@ template <typename Policy, int trail>
                                                 const LeadingLoop<Policy>& leadingUnits)
 {
     Unroll<slotsPerChunk>([&](auto pixel) __attribute__((always_inline)) {
-        // Whole units in front of the trails don't count in a place within a unit.
+        // Whole units before the trails don't count in a place within a unit.
         constexpr int pending = pixel * trail % unitBytes;
         leadingUnits.ForEach([&]() __attribute__((always_inline)) {
             GatherUnit<pending, unitBytes>(gathering);
@@ -47,7 +47,7 @@ template <typename Policy, int trail>
     });
 }
 
-// The low bytes of so many slots side by side, with as many junk bytes behind them.
+// The low bytes of so many slots side by side, then as many junk bytes.
 template <int trail, int slotCount>
 [[gnu::always_inline]] inline __m128i JoinSlots(const unsigned char* slots)
 {
@@ -61,7 +61,7 @@ template <int trail, int slotCount>
     }
 }
 
-// For short pixels that never lie across two row units: each row unit is a tree of its own.
+// Short pixels that never lie across two row units: each row unit is a tree of its own.
 template <int trail>
 [[gnu::always_inline]] inline void JoinPixels(const Gathering& gathering)
 {

@@ -8,7 +8,7 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// The place of a move: the first plane of a group, and the unit of the first slot that it fills.
+// A move stands at the first plane of a group and at the unit of the first slot that it fills.
 template <End end>
 struct Group
 {
@@ -64,7 +64,7 @@ template <int sampleBytes, int planes, End end>
     }
 }
 
-// A function of its own: all methods that take the unit count at run time share it.
+// This is no inline function: all methods that take the unit count at run time share it.
 template <int sampleBytes, End end>
 void MoveFullGroup(const Group<end>& group)
 {

@@ -13,7 +13,7 @@ struct Planes
 {
     std::int64_t count;
     std::uint64_t columnBytes;
-    // From plane to plane in the row and in a strip.
+    // Bytes from plane to plane in the row and in a strip.
     std::int64_t pitch;
     std::int64_t stripPitch;
 };

@@ -12,7 +12,7 @@ std::uint64_t PixelBytesOf(const Facility& facility)
            static_cast<std::uint64_t>(facility.bytesPerSample);
 }
 
-// All operations but the choice of a method, which the classes of both roads share.
+// The classes of both roads share all operations but the choice of a method.
 template <bool isPlanar>
 class RowLoader : public IChunkLoaderDescriptor
 {

@@ -44,7 +44,7 @@ template <int shift>
         return _mm_alignr_epi8(high, low, shift);
 }
 
-// The bytes from byte shift on, and zeros behind them.
+// The bytes from byte shift on, then zeros.
 template <int shift>
 [[gnu::always_inline]] inline __m128i ShiftUnit(__m128i unit)
 {
@@ -81,7 +81,7 @@ template <int elementBytes>
         return _mm_unpackhi_epi64(first, second);
 }
 
-// The units of a pixel before its last one: as many as the build says, or the chunk. The count
+// The units of a pixel before its last one are as many as the build says, or the chunk. The count
 // comes by reference, so that nothing reads it in the first case.
 template <typename Policy>
 class LeadingLoop;

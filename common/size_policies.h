@@ -2,12 +2,12 @@
 
 namespace zvk::Pelkraft {
 
-// For loops written out because their length is known.
+// Loops are written out where their length is known.
 template <int N>
 struct FixedSize
 {};
 
-// For loops whose length stands in the chunk or in the parameter block.
+// The length of other loops stands in the chunk or in the parameter block.
 struct VariableSize
 {};
 
