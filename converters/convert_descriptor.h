@@ -8,11 +8,11 @@ namespace zvk::Pelkraft {
 
 struct ChunkConvertFacility;
 
-// Works on one batch, in place or into the next region. parameters is what GetConvertMethod has
-// written, or null for a step without a block.
+// A method works on one batch, in place or into the next region. GetConvertMethod has written
+// parameters, which is null for a step without a block.
 using ConvertMethod = void (*)(void* firstChunkHeader, const void* parameters);
 
-// What a step says of itself while the chain is sized.
+// A step answers with this while the chain is sized.
 struct ChunkConvertMetrics
 {
     std::uint64_t inputChunks;
@@ -22,7 +22,7 @@ struct ChunkConvertMetrics
     bool ownRegion;
 };
 
-// How the chunks lie that a method will be given. Strides in bytes, the two others in strides:
+// The chunks that a method will be given lie so. Strides are in bytes, the two others in strides:
 // input chunks of an expanding step stand `expansion` apart, output chunks of a reducing one
 // `reduction`.
 struct ChunkStepGeometry

@@ -13,7 +13,7 @@ struct ChunkConvertFacility
                                                       const ImageRowFormat& input);
 
     std::int32_t sseVersion = 0;
-    // As the caller gave it, negative for a mirror. Steps that repeat nothing leave it alone.
+    // The caller's factor, negative for a mirror. Steps that repeat nothing leave it alone.
     std::int32_t repeat = 1;
     std::uint64_t remapChannels = 0;
     // The caller's table. No method reads it: it is turned into the parameter block.
@@ -22,10 +22,10 @@ struct ChunkConvertFacility
 
     static ChunkConvertFacility Create_Convert8to16(std::int32_t sseVersion);
     static ChunkConvertFacility Create_Convert16to8(std::int32_t sseVersion);
-    // For any depth but 1 and 2 it throws
+    // A depth other than 1 and 2 throws
     // "zvk::Pelkraft::ChunkConvertFacility::Create_Packer unsupported format".
     static ChunkConvertFacility Create_Packer(std::int32_t sseVersion, std::int32_t depth);
-    // For any depth but 1 and 2 it throws
+    // A depth other than 1 and 2 throws
     // "zvk::Pelkraft::ChunkConvertFacility::Create_Unpacker unsupported format".
     static ChunkConvertFacility Create_Unpacker(std::int32_t sseVersion, std::int32_t depth);
     // The factor is checked by the selection and not here.
@@ -38,7 +38,7 @@ struct ChunkConvertFacility
 // The selections that need more than the road.
 struct ChunkConvertFacilityInternal
 {
-    // Of the repeat family. Throws
+    // Selects in the repeat family. Throws
     // "ChunkConvertFacilityInternal::SelectDescriptor Unsupported format" for a factor other than
     // 1, 2 and 4, whatever its sign.
     static const IChunkConvertDescriptor* SelectDescriptor(const ChunkConvertFacility& facility,

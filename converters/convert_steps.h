@@ -15,7 +15,7 @@ namespace zvk::Pelkraft {
 enum class StepBlock : std::uint8_t
 {
     None,
-    // Has its room, but the step does nothing and leaves it alone.
+    // The block has its room, but the step does nothing and leaves it alone.
     Idle,
     Pack,
     Spread,

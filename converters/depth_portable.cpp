@@ -13,7 +13,7 @@ std::uint16_t Widen(unsigned char sample)
     return static_cast<std::uint16_t>(sample * 257U);
 }
 
-// 127, not 128, behind a product that is cut off: an input of 129 must still give 0.
+// 127, not 128, after a product that is cut off: an input of 129 must still give 0.
 unsigned char Narrow(std::uint16_t sample)
 {
     const std::uint32_t high = sample * 0xFF01U >> 16;

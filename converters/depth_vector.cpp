@@ -65,7 +65,7 @@ void WidenToEvenUnits(void* chunkHeader, const void*)
         WidenUnit(from + unit * unitBytes, to + 2 * unit * unitBytes);
 }
 
-// 127, not 128, behind a product that is cut off: an input of 129 must still give 0.
+// 127, not 128, after a product that is cut off: an input of 129 must still give 0.
 __m128i NarrowSamples(__m128i samples)
 {
     const __m128i high = _mm_mulhi_epu16(samples, _mm_set1_epi16(static_cast<short>(0xFF01)));

@@ -86,8 +86,8 @@ template <int depth>
 void UnpackChunks(void* firstChunkHeader, const void* parameters)
 {
     const auto& block = *static_cast<const SpreadBlock*>(parameters);
-    // Counted from the end of the slot and not from its start: the lanes in front of these
-    // columns keep their bytes, and callers depend on it.
+    // Counted from the end of the slot and not from its start: the lanes before these columns
+    // keep their bytes, and callers depend on it.
     const std::uint64_t coveredBytes = CoveredBytes(firstChunkHeader);
     for (std::uint64_t back = wordBytes; back <= coveredBytes; back += wordBytes)
         UnpackColumn<depth>(SlotsOf(firstChunkHeader) + (block.slotSize - back), block);
