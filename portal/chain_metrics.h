@@ -26,7 +26,7 @@ struct ChainRatio
 };
 
 // A stretch of chunks of one size. The steps are the hops, in chunks, at which it is written by
-// the step before it and read by the step behind it.
+// the step before it and read by the step after it.
 struct ChainRegion
 {
     std::uint64_t chunkCount = 1;
@@ -59,7 +59,7 @@ public:
 
     // One chunk and no step.
     static ChainMetrics SingleChunk(std::uint64_t pixelBytes);
-    // Two single chunks, in which the pixels behind the last batch are staged.
+    // Two single chunks, in which the pixels after the last batch are staged.
     static ChainMetrics Trail(std::uint64_t loadPixelBytes, std::uint64_t savePixelBytes);
 
     const ChainRatio& GetLoadRatio() const { return loadRatio; }
@@ -70,7 +70,7 @@ public:
     const ChainStep& GetStep(std::size_t index) const { return steps[index]; }
 
 private:
-    // What is carried from step to step while the chain is sized.
+    // These values go from step to step while the chain is sized.
     struct Progress
     {
         ImageRowFormat format;

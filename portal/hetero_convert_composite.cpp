@@ -127,7 +127,7 @@ void HeteroConvertComposite::LoadChunk(const unsigned char* row, ChunkHeader* ch
     loadMethod(relocatesChunks ? RelocateChunk(row, chunk) : row, chunk);
 }
 
-// Answers with the chunk behind the last one loaded.
+// Answers with the chunk after the last one loaded.
 ChunkHeader* HeteroConvertComposite::LoadChunks(std::uint64_t count)
 {
     ChunkHeader* chunk = loadWalk.firstChunk;

@@ -60,7 +60,7 @@ private:
     // Bytes along the rows from chunk to chunk.
     std::int64_t loadStep;
     std::int64_t saveStep;
-    // A row that is walked backwards meets aligned places by luck alone.
+    // The chunks of a reversed row begin at aligned places only by chance, so they are moved first.
     bool relocatesChunks;
     OperationBufferContainer buffer;
     std::uint64_t batchCount;

@@ -7,7 +7,7 @@
 
 namespace zvk::Pelkraft {
 
-// Clears what a packed destination's last byte column holds behind the row's last pixel. Does
+// Clears the bits after the row's last pixel in a packed destination's last byte column. Does
 // nothing for other rows, or where `pixels` of them end at a byte's end.
 void MaskLastSlot(ChunkHeader* chunk, std::uint64_t slot, const ImageRowFormat& destination,
                   std::int64_t pixels);

@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* invalidIndex = "zvk::Pelkraft::OffsetTable::SetEntry invalid index";
 
-// As it stands in the buffer. Offset 0 is an empty block.
+// An entry stands so in the buffer. Offset 0 is an empty block.
 struct Entry
 {
     std::uint64_t offset;

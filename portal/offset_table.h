@@ -4,7 +4,7 @@
 
 namespace zvk::Pelkraft {
 
-// The blocks behind the chunks of a buffer. Its entries stand in the buffer itself, from
+// Finds the blocks after the chunks of a buffer. Its entries stand in the buffer itself, from
 // tableOffset on; the blocks follow them, each rounded up to 16 bytes.
 class OffsetTable
 {

@@ -26,7 +26,7 @@ std::uint64_t AllRegionBytes(const ChainMetrics& metrics)
     return bytes;
 }
 
-// Where the chunks of one region find their matching chunks in the next.
+// The chunks of one region find their matching chunks in the next so far away.
 struct RegionLink
 {
     std::int64_t first;
@@ -42,7 +42,7 @@ RegionLink LinkRegions(const ChainRegion& region, const ChainRegion& next)
             static_cast<std::int64_t>(writeHop) - static_cast<std::int64_t>(readHop)};
 }
 
-// Every outStep-th chunk, from the first on, is one that the step behind the region reads.
+// Every outStep-th chunk, from the first on, is one that the step after the region reads.
 void WriteRegion(unsigned char* chunks, const ChainRegion& region, ChunkHeader header,
                  const RegionLink* link)
 {

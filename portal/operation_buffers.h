@@ -10,10 +10,10 @@
 
 namespace zvk::Pelkraft {
 
-// Of all memory that a conversion works in.
+// All memory that a conversion works in is aligned to this.
 constexpr std::size_t bufferAlignment = 64;
 
-// What each chunk's header says of one end of the conversion.
+// Each chunk's header says this of one end of the conversion.
 struct SideGeometry
 {
     std::uint64_t unitCount;
@@ -22,8 +22,8 @@ struct SideGeometry
     std::uint64_t stripBytes;
 };
 
-// The one allocation in which a conversion works: chunks region after region, the offset table,
-// then the strips and the parameter blocks. Zeroed, so that no foreign memory reaches a row.
+// A conversion works in one allocation: chunks region after region, the offset table, then the
+// strips and the parameter blocks. It is zeroed, so that no foreign memory reaches a row.
 class OperationBufferContainer
 {
 public:
@@ -51,13 +51,12 @@ private:
     std::uint64_t regionOffsets[maxActiveSteps + 1] = {};
 };
 
-// The slots behind a header.
 inline unsigned char* GetSlots(ChunkHeader* chunk)
 {
     return reinterpret_cast<unsigned char*>(chunk + 1);
 }
 
-// The chunk that lies this many bytes behind another.
+// Answers with the chunk that lies this many bytes after another.
 inline ChunkHeader* Advance(ChunkHeader* chunk, std::uint64_t bytes)
 {
     return reinterpret_cast<ChunkHeader*>(reinterpret_cast<unsigned char*>(chunk) + bytes);

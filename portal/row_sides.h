@@ -5,7 +5,7 @@
 
 namespace zvk::Pelkraft {
 
-// What the headers say of a row, or of a strip, that has so many columns.
+// The headers say this of a row, or of a strip, that has so many columns.
 template <typename Facility>
 SideGeometry SideOf(const Facility& facility, std::uint64_t columns, std::uint64_t stripBytes)
 {
@@ -14,14 +14,14 @@ SideGeometry SideOf(const Facility& facility, std::uint64_t columns, std::uint64
     return {CountUnits(channels * sampleBytes), columns * sampleBytes, stripBytes};
 }
 
-// While whole chunks move between the rows.
+// Serves while whole chunks move between the rows.
 template <typename Facility>
 SideGeometry RowSide(const Facility& facility, std::uint64_t stripBytes)
 {
     return SideOf(facility, facility.columns, stripBytes);
 }
 
-// While a strip of 16 pixels takes the row's place.
+// Serves while a strip of 16 pixels takes the row's place.
 template <typename Facility>
 SideGeometry StripSide(const Facility& facility, std::uint64_t stripBytes)
 {
