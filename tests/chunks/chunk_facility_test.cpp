@@ -1,21 +1,23 @@
 #include "chunks/chunk_facility.h"
 
+#include "chunks/chunk_methods.h"
 #include "common/road.h"
+#include "tests/support/class_name.h"
+#include "tests/support/thrown_text.h"
 #include "tests/support/virtual_slots.h"
 
-#include <cxxabi.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 #include <set>
 #include <string>
-#include <typeinfo>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
+
+using Load = ChunkLoadFacilityInternal;
+using Save = ChunkSaveFacilityInternal;
 
 ImageRowFormat MakeFormat(std::int32_t layout, std::int32_t bits, std::int32_t channels)
 {
@@ -28,57 +30,30 @@ ImageRowFormat MakeFormat(std::int32_t layout, std::int32_t bits, std::int32_t c
     return format;
 }
 
-// "ChunkMultiLoaderI<FixedSize<2>>" and the like.
-template <typename Descriptor>
-std::string ClassOf(const Descriptor* descriptor)
+template <typename Facility>
+std::string ClassAt(const ImageRowFormat& format, std::int32_t sseVersion)
 {
-    int status = 0;
-    const std::unique_ptr<char, decltype(&std::free)> text(
-        abi::__cxa_demangle(typeid(*descriptor).name(), nullptr, nullptr, &status), &std::free);
-    std::string name = text.get();
-    for (const std::string& scope :
-         {std::string("zvk::Pelkraft::"), std::string("(anonymous namespace)::")}) {
-        for (auto at = name.find(scope); at != std::string::npos; at = name.find(scope))
-            name.erase(at, scope.size());
-    }
-    for (auto at = name.find("> >"); at != std::string::npos; at = name.find("> >"))
-        name.replace(at, 3, ">>");
-    return name;
+    return ClassOf(*Facility::Create(format, sseVersion).descriptor);
 }
 
-std::string LoaderClass(const ImageRowFormat& format, std::int32_t sseVersion)
+// The classes of both ends differ by a word alone: an x stands for it.
+void ExpectClasses(std::string name, const ImageRowFormat& format, std::int32_t sseVersion)
 {
-    return ClassOf(ChunkLoadFacilityInternal::Create(format, sseVersion).descriptor);
+    const auto at = name.find('x');
+    EXPECT_EQ(ClassAt<Load>(format, sseVersion), std::string(name).replace(at, 1, "Loader"));
+    EXPECT_EQ(ClassAt<Save>(format, sseVersion), std::string(name).replace(at, 1, "Saver"));
 }
 
-std::string SaverClass(const ImageRowFormat& format, std::int32_t sseVersion)
+template <typename Facility>
+std::string FailureOf(const ImageRowFormat& format, std::int32_t sseVersion)
 {
-    return ClassOf(ChunkSaveFacilityInternal::Create(format, sseVersion).descriptor);
+    return TextOf([&] { Facility::Create(format, sseVersion); });
 }
 
-std::string LoadFailure(const ImageRowFormat& format, std::int32_t sseVersion)
-{
-    try {
-        ChunkLoadFacilityInternal::Create(format, sseVersion);
-    } catch (const char* text) {
-        return text;
-    }
-    return "no failure";
-}
-
-std::string SaveFailure(const ImageRowFormat& format, std::int32_t sseVersion)
-{
-    try {
-        ChunkSaveFacilityInternal::Create(format, sseVersion);
-    } catch (const char* text) {
-        return text;
-    }
-    return "no failure";
-}
+constexpr const char* noFailure = "no text was thrown";
 
 TEST(ChunkDescriptors, HaveTheirOperationsInTheirOrder)
 {
-    using TestSupport::SlotOf;
     EXPECT_EQ(SlotOf(&IChunkLoaderDescriptor::GetLoadMethod), 0);
     EXPECT_EQ(SlotOf(&IChunkLoaderDescriptor::GetChunkStep), 1);
     EXPECT_EQ(SlotOf(&IChunkLoaderDescriptor::LoadPartialChunk), 2);
@@ -95,13 +70,13 @@ TEST(ChunkFacility, TakesItsFieldsFromTheFormat)
     for (const bool reversed : {false, true}) {
         ImageRowFormat format = MakeFormat(LayoutInterleaved, 10, 3);
         format.reversed = reversed;
-        const auto load = ChunkLoadFacilityInternal::Create(format, 0);
+        const auto load = Load::Create(format, 0);
         EXPECT_EQ(load.channels, 3);
         EXPECT_EQ(load.bytesPerSample, 2);
         EXPECT_EQ(load.columns, 40U);
         EXPECT_EQ(load.reversed, reversed);
     }
-    const auto save = ChunkSaveFacilityInternal::Create(MakeFormat(LayoutPlanar, 16, 5), 0);
+    const auto save = Save::Create(MakeFormat(LayoutPlanar, 16, 5), 0);
     EXPECT_EQ(save.channels, 5);
     EXPECT_EQ(save.bytesPerSample, 2);
     EXPECT_EQ(save.columns, 40U);
@@ -141,8 +116,8 @@ TEST(ChunkFacility, CountsTheByteColumnsOfPackedRowsAlone)
         SCOPED_TRACE(testing::Message() << c.layout << " " << c.bits << " " << c.width);
         ImageRowFormat format = MakeFormat(c.layout, c.bits, 1);
         format.width = c.width;
-        EXPECT_EQ(ChunkLoadFacilityInternal::Create(format, 0).columns, c.columns);
-        EXPECT_EQ(ChunkSaveFacilityInternal::Create(format, 0).columns, c.columns);
+        EXPECT_EQ(Load::Create(format, 0).columns, c.columns);
+        EXPECT_EQ(Save::Create(format, 0).columns, c.columns);
     }
 }
 
@@ -152,17 +127,13 @@ TEST(ChunkFacility, TakesThePortableClassesBelowLevelThree)
         for (std::int32_t channels : {1, 8, 9, 16, 17, 80, 81, 130}) {
             SCOPED_TRACE(testing::Message() << level << " " << channels);
             const auto interleaved = MakeFormat(LayoutInterleaved, 8, channels);
-            EXPECT_EQ(LoaderClass(interleaved, level), "ChunkMultiLoaderX86I");
-            EXPECT_EQ(SaverClass(interleaved, level), "ChunkMultiSaverX86I");
+            ExpectClasses("ChunkMultixX86I", interleaved, level);
             const auto bytes = MakeFormat(LayoutPlanar, 8, channels);
-            EXPECT_EQ(LoaderClass(bytes, level), "ChunkMultiLoaderX86<unsigned char>");
-            EXPECT_EQ(SaverClass(bytes, level), "ChunkMultiSaverX86<unsigned char>");
+            ExpectClasses("ChunkMultixX86<unsignedchar>", bytes, level);
             const auto packed = MakeFormat(LayoutPlanarPacked, 1, channels);
-            EXPECT_EQ(LoaderClass(packed, level), "ChunkMultiLoaderX86<unsigned char>");
-            EXPECT_EQ(SaverClass(packed, level), "ChunkMultiSaverX86<unsigned char>");
+            ExpectClasses("ChunkMultixX86<unsignedchar>", packed, level);
             const auto words = MakeFormat(LayoutPlanar, 16, channels);
-            EXPECT_EQ(LoaderClass(words, level), "ChunkMultiLoaderX86<unsigned short>");
-            EXPECT_EQ(SaverClass(words, level), "ChunkMultiSaverX86<unsigned short>");
+            ExpectClasses("ChunkMultixX86<unsignedshort>", words, level);
         }
     }
 }
@@ -177,8 +148,8 @@ TEST(ChunkFacility, RefusesPlanarRowsOfWideSamples)
                 const std::string words = hasVectorRoad && level >= 3
                                               ? "::SelectDescriptor Unsupported format"
                                               : "::SelectDescriptorX86 Unsupported format";
-                EXPECT_EQ(LoadFailure(format, level), "ChunkLoadFacilityInternal" + words);
-                EXPECT_EQ(SaveFailure(format, level), "ChunkSaveFacilityInternal" + words);
+                EXPECT_EQ(FailureOf<Load>(format, level), "ChunkLoadFacilityInternal" + words);
+                EXPECT_EQ(FailureOf<Save>(format, level), "ChunkSaveFacilityInternal" + words);
             }
         }
     }
@@ -188,8 +159,8 @@ TEST(ChunkFacility, ServesInterleavedRowsOfAnySample)
 {
     for (const std::int32_t bits : {17, 24, 32, 64}) {
         for (const std::int32_t level : {0, 2, 3, 7}) {
-            EXPECT_EQ(LoadFailure(MakeFormat(LayoutInterleaved, bits, 4), level), "no failure");
-            EXPECT_EQ(SaveFailure(MakeFormat(LayoutInterleaved, bits, 4), level), "no failure");
+            EXPECT_EQ(FailureOf<Load>(MakeFormat(LayoutInterleaved, bits, 4), level), noFailure);
+            EXPECT_EQ(FailureOf<Save>(MakeFormat(LayoutInterleaved, bits, 4), level), noFailure);
         }
     }
 }
@@ -199,16 +170,10 @@ TEST(ChunkFacility, ServesInterleavedRowsOfAnySample)
 // The selection by the numbers of the table, not by the way the library works them out.
 std::string InterleavedPolicy(std::int32_t pixelBytes)
 {
-    if (pixelBytes <= 16)
-        return "<FixedSize<0>>";
-    if (pixelBytes <= 32)
-        return "<FixedSize<1>>";
-    if (pixelBytes <= 48)
-        return "<FixedSize<2>>";
-    if (pixelBytes <= 64)
-        return "<FixedSize<3>>";
-    if (pixelBytes <= 80)
-        return "<FixedSize<4>>";
+    const std::int32_t limits[] = {16, 32, 48, 64, 80};
+    for (int leading = 0; leading < 5; ++leading)
+        if (pixelBytes <= limits[leading])
+            return "<FixedSize<" + std::to_string(leading) + ">>";
     return "<VariableSize>";
 }
 
@@ -220,8 +185,7 @@ TEST(ChunkFacility, TakesTheVectorClassesByPixelSizeFromLevelThreeOn)
                 SCOPED_TRACE(testing::Message() << bits << " bits, " << channels << " channels");
                 const auto format = MakeFormat(LayoutInterleaved, bits, channels);
                 const std::string policy = InterleavedPolicy((bits + 7) / 8 * channels);
-                ASSERT_EQ(LoaderClass(format, level), "ChunkMultiLoaderI" + policy);
-                ASSERT_EQ(SaverClass(format, level), "ChunkMultiSaverI" + policy);
+                ExpectClasses("ChunkMultixI" + policy, format, level);
             }
         }
     }
@@ -237,13 +201,11 @@ TEST(ChunkFacility, TakesTheVectorClassesByPlanesFromLevelThreeOn)
             for (const std::int32_t bits : {1, 2, 8}) {
                 const std::int32_t layout = bits == 8 ? LayoutPlanar : LayoutPlanarPacked;
                 const auto format = MakeFormat(layout, bits, channels);
-                EXPECT_EQ(LoaderClass(format, level), "ChunkMultiLoader" + bytes);
-                EXPECT_EQ(SaverClass(format, level), "ChunkMultiSaver" + bytes);
+                ExpectClasses("ChunkMultix" + bytes, format, level);
             }
             for (const std::int32_t bits : {10, 16}) {
                 const auto format = MakeFormat(LayoutPlanar, bits, channels);
-                EXPECT_EQ(LoaderClass(format, level), "ChunkMultiLoader" + words);
-                EXPECT_EQ(SaverClass(format, level), "ChunkMultiSaver" + words);
+                ExpectClasses("ChunkMultix" + words, format, level);
             }
         }
     }
@@ -254,21 +216,14 @@ std::string MethodFailure(Facility facility, std::int64_t channels, std::int64_t
 {
     facility.channels = channels;
     facility.bytesPerSample = bytesPerSample;
-    try {
-        facility.descriptor->GetLoadMethod(facility);
-    } catch (const char* text) {
-        return text;
-    }
-    return "no failure";
+    return TextOf([&] { facility.descriptor->GetLoadMethod(facility); });
 }
 
 TEST(ChunkFacility, RefusesADamagedRecordWhereHalfASampleRemains)
 {
     for (const std::int32_t channels : {4, 12}) {
-        const auto load =
-            ChunkLoadFacilityInternal::Create(MakeFormat(LayoutPlanar, 16, channels), 3);
-        const auto save =
-            ChunkSaveFacilityInternal::Create(MakeFormat(LayoutPlanar, 16, channels), 3);
+        const auto load = Load::Create(MakeFormat(LayoutPlanar, 16, channels), 3);
+        const auto save = Save::Create(MakeFormat(LayoutPlanar, 16, channels), 3);
         for (const std::int64_t damaged : {1, 17, 33}) {
             EXPECT_EQ(MethodFailure(load, damaged, 1),
                       "ChunkMultiLoaderP16::GetLoadMethod Invalid trail");
@@ -277,8 +232,8 @@ TEST(ChunkFacility, RefusesADamagedRecordWhereHalfASampleRemains)
         }
         // None of these leaves less than a sample in the last unit.
         for (const std::int64_t channelsNow : {0, 1, 8, 9, 16, 40}) {
-            EXPECT_EQ(MethodFailure(load, channelsNow, 2), "no failure");
-            EXPECT_EQ(MethodFailure(save, channelsNow, 2), "no failure");
+            EXPECT_EQ(MethodFailure(load, channelsNow, 2), noFailure);
+            EXPECT_EQ(MethodFailure(save, channelsNow, 2), noFailure);
         }
     }
 }
@@ -288,14 +243,26 @@ TEST(ChunkFacility, FindsAMethodForAnyRecordOfWholeBytes)
     for (const std::int32_t channels : {1, 4, 16, 17, 81}) {
         for (const std::int32_t layout : {LayoutInterleaved, LayoutPlanar}) {
             const auto format = MakeFormat(layout, 8, channels);
-            const auto load = ChunkLoadFacilityInternal::Create(format, 3);
-            const auto save = ChunkSaveFacilityInternal::Create(format, 3);
+            const auto load = Load::Create(format, 3);
+            const auto save = Save::Create(format, 3);
             for (const std::int64_t damaged : {0, 1, 15, 16, 17, 1000, -1, -17}) {
-                EXPECT_EQ(MethodFailure(load, damaged, 1), "no failure");
-                EXPECT_EQ(MethodFailure(save, damaged, 1), "no failure");
+                EXPECT_EQ(MethodFailure(load, damaged, 1), noFailure);
+                EXPECT_EQ(MethodFailure(save, damaged, 1), noFailure);
             }
         }
     }
+}
+
+template <typename Facility>
+void ExpectMethods(const ImageRowFormat& format, std::size_t entries)
+{
+    auto facility = Facility::Create(format, 3);
+    std::vector<ChunkMethod> methods;
+    for (facility.channels = 0; facility.channels < 64; ++facility.channels)
+        methods.push_back(facility.descriptor->GetLoadMethod(facility));
+    EXPECT_EQ(std::set<ChunkMethod>(methods.begin(), methods.end()).size(), entries);
+    for (std::size_t channels = entries; channels < 64; ++channels)
+        EXPECT_EQ(methods[channels], methods[channels - entries]);
 }
 
 // A row of no channels takes the last entry, as does any pixel that fills its units.
@@ -311,22 +278,8 @@ TEST(ChunkFacility, GivesEachTrailAMethodOfItsOwn)
                                  Family{LayoutPlanar, 16, 8}}) {
         for (const std::int32_t channels : {1, 17, 33, 49, 65, 81}) {
             const auto format = MakeFormat(family.layout, family.bits, channels);
-            auto load = ChunkLoadFacilityInternal::Create(format, 3);
-            auto save = ChunkSaveFacilityInternal::Create(format, 3);
-            std::set<LoadMethod> loads;
-            std::set<SaveMethod> saves;
-            for (load.channels = 0; load.channels < 64; ++load.channels)
-                loads.insert(load.descriptor->GetLoadMethod(load));
-            for (save.channels = 0; save.channels < 64; ++save.channels)
-                saves.insert(save.descriptor->GetLoadMethod(save));
-            EXPECT_EQ(loads.size(), family.entries);
-            EXPECT_EQ(saves.size(), family.entries);
-            for (load.channels = 0; load.channels < 64; ++load.channels) {
-                const LoadMethod method = load.descriptor->GetLoadMethod(load);
-                load.channels += static_cast<std::int64_t>(family.entries);
-                EXPECT_EQ(load.descriptor->GetLoadMethod(load), method);
-                load.channels -= static_cast<std::int64_t>(family.entries);
-            }
+            ExpectMethods<Load>(format, family.entries);
+            ExpectMethods<Save>(format, family.entries);
         }
     }
 }
@@ -334,4 +287,4 @@ TEST(ChunkFacility, GivesEachTrailAMethodOfItsOwn)
 #endif
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

@@ -1,26 +1,18 @@
 #include "converters/convert_facility.h"
 #include "tests/converters/step_runner.h"
+#include "tests/support/class_name.h"
+#include "tests/support/thrown_text.h"
 
-#include <cxxabi.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <initializer_list>
 #include <limits>
-#include <memory>
 #include <string>
-#include <typeinfo>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-void EraseAll(std::string& text, const std::string& piece)
-{
-    for (std::size_t at = text.find(piece); at != std::string::npos; at = text.find(piece))
-        text.erase(at, piece.size());
-}
-
-// As ClassOf tells a template's instance.
+// Names a template's instance as ClassOf does.
 std::string Instance(std::string name, std::initializer_list<std::string> parameters)
 {
     const char* mark = "<";
@@ -31,18 +23,9 @@ std::string Instance(std::string name, std::initializer_list<std::string> parame
     return name + ">";
 }
 
-// The name of the class behind the interface, without namespaces and spaces.
-std::string ClassOf(const ChunkConvertFacility& facility, const ImageRowFormat& input)
+std::string SelectedClass(const ChunkConvertFacility& facility, const ImageRowFormat& input)
 {
-    const IChunkConvertDescriptor& descriptor = *facility.select(facility, input);
-    const char* mangled = typeid(descriptor).name();
-    const std::unique_ptr<char, decltype(&std::free)> readable(
-        abi::__cxa_demangle(mangled, nullptr, nullptr, nullptr), &std::free);
-    std::string name = readable.get();
-    for (const char* piece :
-         {"zvk::Pelkraft::", "(anonymous namespace)::", "VectorRoad::", "PortableRoad::", " "})
-        EraseAll(name, piece);
-    return name;
+    return ClassOf(*facility.select(facility, input));
 }
 
 constexpr std::int32_t portableLevels[] = {std::numeric_limits<std::int32_t>::min(), -1, 0, 1, 2};
@@ -54,10 +37,10 @@ void ExpectClasses(Create create, const ImageRowFormat& input, const std::string
                    const std::string& portableClass)
 {
     for (const std::int32_t level : portableLevels)
-        EXPECT_EQ(portableClass, ClassOf(create(level), input)) << "level " << level;
+        EXPECT_EQ(portableClass, SelectedClass(create(level), input)) << "level " << level;
     const bool built = HasVectorRoad();
     for (const std::int32_t level : vectorLevels)
-        EXPECT_EQ(built ? vectorClass : portableClass, ClassOf(create(level), input))
+        EXPECT_EQ(built ? vectorClass : portableClass, SelectedClass(create(level), input))
             << "level " << level;
 }
 

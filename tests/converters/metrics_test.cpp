@@ -1,4 +1,5 @@
 #include "tests/converters/step_runner.h"
+#include "tests/support/thrown_text.h"
 #include "tests/support/virtual_slots.h"
 
 #include <gtest/gtest.h>

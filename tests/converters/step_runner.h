@@ -4,7 +4,6 @@
 #include "tests/support/guarded_buffer.h"
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -36,17 +35,5 @@ void RunDescriptor(const IChunkConvertDescriptor& descriptor, const StepCall& ca
                    void* firstChunkHeader);
 // The same with the descriptor that the record selects.
 void RunStep(const StepCall& call, void* firstChunkHeader);
-
-// The text that the call throws, or a remark that it throws none.
-template <typename Call>
-std::string TextOf(Call call)
-{
-    try {
-        call();
-    } catch (const char* text) {
-        return text;
-    }
-    return "no text was thrown";
-}
 
 } // namespace zvk::Pelkraft::TestSupport
