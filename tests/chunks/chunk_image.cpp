@@ -1,6 +1,7 @@
 #include "tests/chunks/chunk_image.h"
 
 #include "chunks/chunk_facility.h"
+#include "common/road.h"
 
 #include <cstring>
 
@@ -8,116 +9,55 @@ namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 template <typename Facility>
-Facility MakeRecord(std::size_t channels, std::size_t sampleBytes)
+std::vector<Way> WaysFor(const ChunkRow& row, std::uint64_t HeaderFields::*unitCount,
+                         std::uint64_t HeaderFields::*pitch)
 {
-    Facility facility{};
-    facility.channels = static_cast<std::int64_t>(channels);
-    facility.bytesPerSample = static_cast<std::int64_t>(sampleBytes);
-    facility.columns = 16;
-    return facility;
-}
+    const bool isPlanar = row.layout != LayoutInterleaved;
+    Facility record{};
+    record.channels = static_cast<std::int64_t>(isPlanar ? row.planes : row.sampleBytes);
+    record.bytesPerSample = static_cast<std::int64_t>(isPlanar ? row.sampleBytes : 1);
+    record.columns = 16;
+    HeaderFields none;
+    if (isPlanar)
+        none.*pitch = row.pitch;
+    HeaderFields size = none;
+    size.pixelBytes = row.PixelBytes();
+    HeaderFields units = none;
+    units.*unitCount = SlotBytes(row.PixelBytes()) / 16;
 
-#ifdef PELKRAFT_VECTOR_ROAD
-// From the class that takes the count of units at run time.
-template <typename Facility>
-auto AnySizeMethod(const Facility& record, std::int32_t layout)
-{
-    Facility large = record;
-    large.channels = 200;
-    return Facility::SelectDescriptor(large, layout)->GetLoadMethod(record);
-}
-#endif
-
-HeaderFields PixelSize(std::size_t pixelBytes)
-{
-    HeaderFields header;
-    header.pixelBytes = pixelBytes;
-    return header;
-}
-
-HeaderFields LoadUnits(std::size_t pixelBytes)
-{
-    HeaderFields header;
-    header.loadUnitCount = SlotBytes(pixelBytes) / 16;
-    return header;
-}
-
-HeaderFields SaveUnits(std::size_t pixelBytes)
-{
-    HeaderFields header;
-    header.saveUnitCount = SlotBytes(pixelBytes) / 16;
-    return header;
+    const auto* portable = Facility::SelectDescriptorX86(record, row.layout);
+    std::vector<Way> ways = {{"portable", portable->GetLoadMethod(record), size, true}};
+    if (hasVectorRoad) {
+        const auto* selected = Facility::SelectDescriptor(record, row.layout);
+        const bool isFixed = row.PixelBytes() <= (isPlanar ? 16 : 80);
+        ways.push_back({"vector", selected->GetLoadMethod(record), isFixed ? none : units, false});
+        Facility large = record;
+        large.channels = 200;
+        const auto* anySize = Facility::SelectDescriptor(large, row.layout);
+        ways.push_back({"any size", anySize->GetLoadMethod(record), units, false});
+    }
+    return ways;
 }
 
 } // namespace
 
-std::vector<LoadWay> InterleavedLoadWays(std::size_t pixelBytes)
+ChunkRow InterleavedRow(std::size_t pixelBytes)
 {
-    const auto record = MakeRecord<ChunkLoadFacilityInternal>(pixelBytes, 1);
-    const auto* portable =
-        ChunkLoadFacilityInternal::SelectDescriptorX86(record, LayoutInterleaved);
-    std::vector<LoadWay> ways = {
-        {"portable", portable->GetLoadMethod(record), PixelSize(pixelBytes), true}};
-#ifdef PELKRAFT_VECTOR_ROAD
-    const auto* selected = ChunkLoadFacilityInternal::SelectDescriptor(record, LayoutInterleaved);
-    const HeaderFields header = pixelBytes > 80 ? LoadUnits(pixelBytes) : HeaderFields{};
-    ways.push_back({"vector", selected->GetLoadMethod(record), header, false});
-    ways.push_back(
-        {"any size", AnySizeMethod(record, LayoutInterleaved), LoadUnits(pixelBytes), false});
-#endif
-    return ways;
+    return {LayoutInterleaved, 1, pixelBytes, 0};
 }
 
-std::vector<SaveWay> InterleavedSaveWays(std::size_t pixelBytes)
+ChunkRow PlanarRow(std::size_t planes, std::size_t sampleBytes, std::size_t gap)
 {
-    const auto record = MakeRecord<ChunkSaveFacilityInternal>(pixelBytes, 1);
-    const auto* portable =
-        ChunkSaveFacilityInternal::SelectDescriptorX86(record, LayoutInterleaved);
-    std::vector<SaveWay> ways = {
-        {"portable", portable->GetLoadMethod(record), PixelSize(pixelBytes)}};
-#ifdef PELKRAFT_VECTOR_ROAD
-    const auto* selected = ChunkSaveFacilityInternal::SelectDescriptor(record, LayoutInterleaved);
-    const HeaderFields header = pixelBytes > 80 ? SaveUnits(pixelBytes) : HeaderFields{};
-    ways.push_back({"vector", selected->GetLoadMethod(record), header});
-    ways.push_back({"any size", AnySizeMethod(record, LayoutInterleaved), SaveUnits(pixelBytes)});
-#endif
-    return ways;
+    return {LayoutPlanar, planes, sampleBytes, 16 * sampleBytes + gap};
 }
 
-std::vector<LoadWay> PlanarLoadWays(const PlanarRow& row)
+std::vector<Way> WaysOf(End end, const ChunkRow& row)
 {
-    const auto record = MakeRecord<ChunkLoadFacilityInternal>(row.planes, row.sampleBytes);
-    const std::size_t pixelBytes = row.planes * row.sampleBytes;
-    const auto* portable = ChunkLoadFacilityInternal::SelectDescriptorX86(record, LayoutPlanar);
-    std::vector<LoadWay> ways = {
-        {"portable", portable->GetLoadMethod(record), PixelSize(pixelBytes), true}};
-#ifdef PELKRAFT_VECTOR_ROAD
-    const auto* selected = ChunkLoadFacilityInternal::SelectDescriptor(record, LayoutPlanar);
-    const HeaderFields header = pixelBytes > 16 ? LoadUnits(pixelBytes) : HeaderFields{};
-    ways.push_back({"vector", selected->GetLoadMethod(record), header, false});
-    ways.push_back({"any size", AnySizeMethod(record, LayoutPlanar), LoadUnits(pixelBytes), false});
-#endif
-    for (LoadWay& way : ways)
-        way.header.loadPlanePitch = row.pitch;
-    return ways;
-}
-
-std::vector<SaveWay> PlanarSaveWays(const PlanarRow& row)
-{
-    const auto record = MakeRecord<ChunkSaveFacilityInternal>(row.planes, row.sampleBytes);
-    const std::size_t pixelBytes = row.planes * row.sampleBytes;
-    const auto* portable = ChunkSaveFacilityInternal::SelectDescriptorX86(record, LayoutPlanar);
-    std::vector<SaveWay> ways = {
-        {"portable", portable->GetLoadMethod(record), PixelSize(pixelBytes)}};
-#ifdef PELKRAFT_VECTOR_ROAD
-    const auto* selected = ChunkSaveFacilityInternal::SelectDescriptor(record, LayoutPlanar);
-    const HeaderFields header = pixelBytes > 16 ? SaveUnits(pixelBytes) : HeaderFields{};
-    ways.push_back({"vector", selected->GetLoadMethod(record), header});
-    ways.push_back({"any size", AnySizeMethod(record, LayoutPlanar), SaveUnits(pixelBytes)});
-#endif
-    for (SaveWay& way : ways)
-        way.header.savePlanePitch = row.pitch;
-    return ways;
+    if (end == End::Load)
+        return WaysFor<ChunkLoadFacilityInternal>(row, &HeaderFields::loadUnitCount,
+                                                  &HeaderFields::loadPlanePitch);
+    return WaysFor<ChunkSaveFacilityInternal>(row, &HeaderFields::saveUnitCount,
+                                              &HeaderFields::savePlanePitch);
 }
 
 std::size_t SlotBytes(std::size_t pixelBytes)

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "chunks/chunk_descriptors.h"
+#include "chunks/chunk_methods.h"
+#include "common/image_row_format.h"
 #include "tests/support/guarded_buffer.h"
 
 #include <cstddef>
@@ -15,7 +16,7 @@ using Bytes = std::vector<unsigned char>;
 // A number that no method can take for a size without a fault.
 constexpr std::uint64_t poison = 0x7A7A7A7A7A7A7A7A;
 
-// What a chunk's header tells a method; whatever it has no business to read is poison.
+// The fields of a chunk's header; poison stands in each that a method has no business to read.
 struct HeaderFields
 {
     std::uint64_t loadUnitCount = poison;
@@ -26,35 +27,32 @@ struct HeaderFields
 };
 
 // One way to move a chunk, with the header that it needs.
-struct LoadWay
+struct Way
 {
     std::string name;
-    LoadMethod method;
+    ChunkMethod method;
     HeaderFields header;
-    // The portable road leaves the bytes behind a pixel alone.
+    // The portable road leaves the bytes after a pixel alone.
     bool keepsPads;
 };
 
-struct SaveWay
+// A row of 16 pixels; an interleaved one is one plane of whole pixels.
+struct ChunkRow
 {
-    std::string name;
-    SaveMethod method;
-    HeaderFields header;
-};
-
-struct PlanarRow
-{
+    std::int32_t layout;
     std::size_t planes;
     std::size_t sampleBytes;
     std::size_t pitch;
+
+    std::size_t PixelBytes() const { return planes * sampleBytes; }
 };
 
-// Every class that can move pixels of this size: the portable one, the one that is selected on
-// the vector road, and the one that takes any size at run time.
-std::vector<LoadWay> InterleavedLoadWays(std::size_t pixelBytes);
-std::vector<SaveWay> InterleavedSaveWays(std::size_t pixelBytes);
-std::vector<LoadWay> PlanarLoadWays(const PlanarRow& row);
-std::vector<SaveWay> PlanarSaveWays(const PlanarRow& row);
+ChunkRow InterleavedRow(std::size_t pixelBytes);
+ChunkRow PlanarRow(std::size_t planes, std::size_t sampleBytes, std::size_t gap = 0);
+
+// Every class that can move this row: the portable one, the one that is selected on the vector
+// road, and the one that takes any size at run time.
+std::vector<Way> WaysOf(End end, const ChunkRow& row);
 
 constexpr std::size_t firstSlot = 64;
 

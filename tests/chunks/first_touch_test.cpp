@@ -95,71 +95,58 @@ private:
     volatile Touch touch = Touch::None;
 };
 
-// A row or strip without gaps. From each of its units on, the first touch is a write: no unit is
-// read before it is written.
-void ExpectWritesAlone(WatchedPages& pages, const SaveWay& way, std::size_t pixelBytes)
+// All rows without a gap between planes, up to pixels of so many bytes.
+std::vector<ChunkRow> DenseRows(std::size_t largestPixel)
 {
-    const Bytes pixels = RandomBytes(16 * pixelBytes, 401);
-    const GuardedBuffer chunk = MakeFilledChunk(pixels, pixelBytes, way.header, 0xFF, Flush::AtEnd);
-    for (std::size_t unit = 0; unit < pixelBytes; ++unit) {
-        unsigned char* row = pages.GetBorder() - 16 * unit;
-        ASSERT_EQ(pages.Watch([&] { way.method(chunk.data(), row); }), Touch::Write)
-            << way.name << ", " << pixelBytes << " bytes, unit " << unit;
-    }
+    std::vector<ChunkRow> rows;
+    for (std::size_t bytes = 1; bytes <= largestPixel; ++bytes)
+        rows.insert(rows.end(), {InterleavedRow(bytes), PlanarRow(bytes, 1), PlanarRow(bytes, 2)});
+    return rows;
 }
 
+std::string NameOf(const Way& way, const ChunkRow& row)
+{
+    return way.name + ", " + std::to_string(row.planes) + " planes of " +
+           std::to_string(row.sampleBytes);
+}
+
+// From each unit of the row on, the first touch is a write: none is read before it is written.
 TEST(Save, NeverReadsTheRow)
 {
     WatchedPages pages(Side::After);
-    for (std::size_t pixelBytes = 1; pixelBytes <= 100; ++pixelBytes) {
-        for (const SaveWay& way : InterleavedSaveWays(pixelBytes))
-            ExpectWritesAlone(pages, way, pixelBytes);
-    }
-    for (const std::size_t sampleBytes : {1U, 2U}) {
-        for (std::size_t planes = 1; planes <= 40; ++planes) {
-            for (const SaveWay& way : PlanarSaveWays({planes, sampleBytes, 16 * sampleBytes}))
-                ExpectWritesAlone(pages, way, planes * sampleBytes);
+    for (const ChunkRow& row : DenseRows(50))
+        for (const Way& way : WaysOf(End::Save, row)) {
+            const std::size_t units = row.PixelBytes();
+            const Bytes pixels = RandomBytes(16 * units, 401);
+            const GuardedBuffer chunk =
+                MakeFilledChunk(pixels, units, way.header, 0xFF, Flush::AtEnd);
+            for (std::size_t unit = 0; unit < units; ++unit) {
+                unsigned char* to = pages.GetBorder() - 16 * unit;
+                ASSERT_EQ(pages.Watch([&] { way.method(chunk.data(), to); }), Touch::Write)
+                    << NameOf(way, row) << ", unit " << unit;
+            }
         }
-    }
 }
 
 // The header is closed; the slots begin at the border.
-template <typename Way>
-void ExpectNoHeader(const Way& way, std::size_t pixelBytes, bool isLoad)
+TEST(Method, OfAKnownSizeOrOfOnePlaneTouchesNoHeader)
 {
-    if (way.name != "vector")
-        return;
     WatchedPages pages(Side::Before);
-    const GuardedBuffer row(16 * pixelBytes);
     unsigned char* chunk = pages.GetBorder() - firstSlot;
-    const auto move = [&] {
-        if (isLoad)
-            way.method(row.data(), chunk);
-        else
-            way.method(chunk, row.data());
-    };
-    ASSERT_EQ(pages.Watch(move), Touch::None) << pixelBytes << " bytes";
-}
-
-TEST(MethodOfAKnownSize, TouchesNoHeader)
-{
-    for (std::size_t pixelBytes = 1; pixelBytes <= 80; ++pixelBytes) {
-        for (const LoadWay& way : InterleavedLoadWays(pixelBytes))
-            ExpectNoHeader(way, pixelBytes, true);
-        for (const SaveWay& way : InterleavedSaveWays(pixelBytes))
-            ExpectNoHeader(way, pixelBytes, false);
-    }
-}
-
-TEST(MethodOfOnePlane, TouchesNoHeader)
-{
-    for (const std::size_t sampleBytes : {1U, 2U}) {
-        const PlanarRow row{1, sampleBytes, 16 * sampleBytes};
-        for (const LoadWay& way : PlanarLoadWays(row))
-            ExpectNoHeader(way, sampleBytes, true);
-        for (const SaveWay& way : PlanarSaveWays(row))
-            ExpectNoHeader(way, sampleBytes, false);
-    }
+    for (const ChunkRow& row : DenseRows(80))
+        for (const End end : {End::Load, End::Save})
+            for (const Way& way : WaysOf(end, row)) {
+                if (way.name != "vector" || row.planes > 1)
+                    continue;
+                const GuardedBuffer pixels(16 * row.PixelBytes());
+                const auto move = [&] {
+                    if (end == End::Load)
+                        way.method(pixels.data(), chunk);
+                    else
+                        way.method(chunk, pixels.data());
+                };
+                ASSERT_EQ(pages.Watch(move), Touch::None) << NameOf(way, row);
+            }
 }
 
 } // namespace
