@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -40,64 +40,75 @@ TEST(ConvertDescriptor, HasItsOperationsInTheirOrder)
     EXPECT_EQ(2, SlotOf(&IChunkConvertDescriptor::GetConvertMethod));
 }
 
-TEST(ConvertMetrics, AreOneToOneIntoAnOwnRegionForDepthSteps)
+void ExpectOutput(const ImageRowFormat& expected, const ChunkConvertFacility& facility,
+                  const ImageRowFormat& input)
 {
-    for (const Road& road : AvailableRoads())
-        for (const std::size_t channels : {1U, 8U, 9U, 17U, 40U}) {
-            SCOPED_TRACE(road.name);
-            ExpectMetrics({1, 1, 0, true},
-                          ChunkConvertFacility::Create_Convert8to16(road.sseVersion),
-                          FormatOf(8, channels));
-            ExpectMetrics({1, 1, 0, true},
-                          ChunkConvertFacility::Create_Convert16to8(road.sseVersion),
-                          FormatOf(16, channels));
-        }
+    ImageRowFormat output;
+    output.bits = 99;
+    output.layout = 99;
+    output.channels = 99;
+    output.reversed = !expected.reversed;
+    output.width = 555;
+    output.activeWidth = 444;
+    const ImageRowFormat& answer =
+        facility.select(facility, input)->GetOutputFormat(output, facility, input);
+    EXPECT_EQ(&output, &answer);
+    EXPECT_EQ(expected.bits, output.bits);
+    EXPECT_EQ(expected.layout, output.layout);
+    EXPECT_EQ(expected.channels, output.channels);
+    EXPECT_EQ(expected.reversed, output.reversed);
+    EXPECT_EQ(555, output.width);
+    EXPECT_EQ(444, output.activeWidth);
 }
 
-TEST(ConvertMetrics, ReduceByTheSamplesOfAByteForPackers)
+struct ConstantStep
 {
-    for (const Road& road : AvailableRoads()) {
-        SCOPED_TRACE(road.name);
-        ExpectMetrics({8, 1, 16, false}, ChunkConvertFacility::Create_Packer(road.sseVersion, 1),
-                      FormatOf(8, 40));
-        ExpectMetrics({4, 1, 16, false}, ChunkConvertFacility::Create_Packer(road.sseVersion, 2),
-                      FormatOf(8, 40));
+    ChunkConvertFacility facility;
+    Numbers metrics;
+    std::int32_t inputBits;
+    // 0 stands for an output in the input's format.
+    std::int32_t outputBits;
+};
+
+std::vector<ConstantStep> ConstantSteps(std::int32_t level)
+{
+    using Facility = ChunkConvertFacility;
+    std::vector<ConstantStep> steps = {
+        {Facility::Create_Convert8to16(level), {1, 1, 0, true}, 8, 16},
+        {Facility::Create_Convert16to8(level), {1, 1, 0, true}, 16, 8},
+        {Facility::Create_Packer(level, 1), {8, 1, 16, false}, 8, 8},
+        {Facility::Create_Packer(level, 2), {4, 1, 16, false}, 8, 8},
+        {Facility::Create_Unpacker(level, 1), {1, 8, 16, false}, 1, 8},
+        {Facility::Create_Unpacker(level, 2), {1, 4, 16, false}, 2, 8}};
+    for (const std::int32_t bits : {1, 8, 10, 16}) {
+        steps.push_back({Facility::Create_Reverse(level), {1, 1, 0, false}, bits, 0});
+        for (const std::int32_t factor : {1, 2, 4, -1, -2, -4})
+            steps.push_back({Facility::Create_PixelRepeat(level, factor),
+                             {1, static_cast<std::uint64_t>(std::abs(factor)), 16, false},
+                             bits,
+                             0});
     }
+    return steps;
 }
 
-TEST(ConvertMetrics, ExpandByTheSamplesOfAByteForUnpackers)
-{
-    for (const Road& road : AvailableRoads()) {
-        SCOPED_TRACE(road.name);
-        ExpectMetrics({1, 8, 16, false}, ChunkConvertFacility::Create_Unpacker(road.sseVersion, 1),
-                      FormatOf(1, 40, LayoutPlanarPacked));
-        ExpectMetrics({1, 4, 16, false}, ChunkConvertFacility::Create_Unpacker(road.sseVersion, 2),
-                      FormatOf(2, 40, LayoutPlanarPacked));
-    }
-}
-
-TEST(ConvertMetrics, ExpandByTheFactorWithoutItsSignForRepeats)
+TEST(ConvertStep, AnswersAsTheTableSays)
 {
     for (const Road& road : AvailableRoads())
-        for (const std::size_t channels : {1U, 17U})
-            for (const std::int32_t factor : {1, 2, 4})
-                for (const std::int32_t sign : {1, -1}) {
-                    SCOPED_TRACE(road.name);
-                    ExpectMetrics(
-                        {1, static_cast<std::uint64_t>(factor), 16, false},
-                        ChunkConvertFacility::Create_PixelRepeat(road.sseVersion, sign * factor),
-                        FormatOf(8, channels));
-                }
-}
-
-TEST(ConvertMetrics, AreOneToOneInPlaceForReverses)
-{
-    for (const Road& road : AvailableRoads())
-        for (const std::size_t channels : {1U, 40U}) {
-            SCOPED_TRACE(road.name);
-            ExpectMetrics({1, 1, 0, false}, ChunkConvertFacility::Create_Reverse(road.sseVersion),
-                          FormatOf(8, channels));
-        }
+        for (const ConstantStep& step : ConstantSteps(road.sseVersion))
+            for (const std::size_t channels : {1U, 8U, 9U, 17U, 40U})
+                for (const std::int32_t layout :
+                     {LayoutInterleaved, LayoutPlanar, LayoutPlanarPacked})
+                    for (const bool reversed : {false, true}) {
+                        SCOPED_TRACE(road.name);
+                        ImageRowFormat input = FormatOf(step.inputBits, channels, layout);
+                        input.reversed = reversed;
+                        input.width = 1234;
+                        input.activeWidth = 1200;
+                        ExpectMetrics(step.metrics, step.facility, input);
+                        ExpectOutput(step.outputBits != 0 ? FormatOf(step.outputBits, channels)
+                                                          : input,
+                                     step.facility, input);
+                    }
 }
 
 TEST(ConvertMetrics, HoldAnEntryPerChannelForPortableRemaps)
@@ -133,75 +144,6 @@ TEST(ConvertMetrics, HoldAMaskPerPairOfUnitsForVectorRemaps)
                       FormatOf(one.bits, one.channels));
 }
 
-// An input in every respect unlike a default, so that what is copied and what is set both show.
-ImageRowFormat OddInput(std::int32_t bits, std::int32_t layout)
-{
-    ImageRowFormat input = FormatOf(bits, 7, layout);
-    input.reversed = true;
-    input.width = 1234;
-    input.activeWidth = 1200;
-    return input;
-}
-
-void ExpectOutput(const ImageRowFormat& expected, const ChunkConvertFacility& facility,
-                  const ImageRowFormat& input)
-{
-    ImageRowFormat output;
-    output.bits = 99;
-    output.layout = 99;
-    output.channels = 99;
-    output.reversed = !expected.reversed;
-    output.width = 555;
-    output.activeWidth = 444;
-    const ImageRowFormat& answer =
-        facility.select(facility, input)->GetOutputFormat(output, facility, input);
-    EXPECT_EQ(&output, &answer);
-    EXPECT_EQ(expected.bits, output.bits);
-    EXPECT_EQ(expected.layout, output.layout);
-    EXPECT_EQ(expected.channels, output.channels);
-    EXPECT_EQ(expected.reversed, output.reversed);
-    EXPECT_EQ(555, output.width);
-    EXPECT_EQ(444, output.activeWidth);
-}
-
-TEST(ConvertOutputFormat, IsInterleavedAtTheNewDepth)
-{
-    for (const Road& road : AvailableRoads()) {
-        SCOPED_TRACE(road.name);
-        ExpectOutput(FormatOf(16, 7), ChunkConvertFacility::Create_Convert8to16(road.sseVersion),
-                     OddInput(8, LayoutPlanar));
-        ExpectOutput(FormatOf(8, 7), ChunkConvertFacility::Create_Convert16to8(road.sseVersion),
-                     OddInput(16, LayoutPlanar));
-        for (const std::int32_t depth : {1, 2}) {
-            ExpectOutput(FormatOf(8, 7),
-                         ChunkConvertFacility::Create_Packer(road.sseVersion, depth),
-                         OddInput(8, LayoutPlanar));
-            ExpectOutput(FormatOf(8, 7),
-                         ChunkConvertFacility::Create_Unpacker(road.sseVersion, depth),
-                         OddInput(depth, LayoutPlanarPacked));
-        }
-    }
-}
-
-TEST(ConvertOutputFormat, IsTheInputsForRepeatsAndReverses)
-{
-    for (const Road& road : AvailableRoads())
-        for (const std::int32_t bits : {1, 8, 10, 16})
-            for (const std::int32_t layout : {LayoutInterleaved, LayoutPlanar, LayoutPlanarPacked})
-                for (const bool reversed : {false, true}) {
-                    SCOPED_TRACE(road.name);
-                    ImageRowFormat input = OddInput(bits, layout);
-                    input.reversed = reversed;
-                    for (const std::int32_t factor : {1, 2, 4})
-                        ExpectOutput(
-                            input,
-                            ChunkConvertFacility::Create_PixelRepeat(road.sseVersion, factor),
-                            input);
-                    ExpectOutput(input, ChunkConvertFacility::Create_Reverse(road.sseVersion),
-                                 input);
-                }
-}
-
 TEST(ConvertOutputFormat, HasTheChannelsOfTheTableForRemaps)
 {
     const std::vector<std::int32_t> table(40, 0);
@@ -209,10 +151,12 @@ TEST(ConvertOutputFormat, HasTheChannelsOfTheTableForRemaps)
         for (const std::int32_t bits : {1, 2, 8, 10, 16})
             for (const std::size_t channels : {0U, 1U, 5U, 17U, 40U}) {
                 SCOPED_TRACE(road.name);
+                ImageRowFormat input = FormatOf(bits, 7, LayoutPlanar);
+                input.reversed = true;
                 ExpectOutput(
                     FormatOf(bits, channels),
                     ChunkConvertFacility::Create_Remap(road.sseVersion, channels, table.data()),
-                    OddInput(bits, LayoutPlanar));
+                    input);
             }
 }
 
