@@ -7,18 +7,8 @@
 #include <string>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Bytes;
-using TestSupport::CountedMemory;
-using TestSupport::FailureOf;
-using TestSupport::FakeChain;
-using TestSupport::MakeFormat;
-using TestSupport::PortalCase;
-using TestSupport::Records;
-using TestSupport::RowBytes;
-using TestSupport::RunPortal;
 
 using Sizes = std::vector<std::size_t>;
 
@@ -193,4 +183,4 @@ TEST(ChainRoad, FreesItsBuffersIfTheSourceCannotBeRelocated)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

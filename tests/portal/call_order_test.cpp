@@ -9,18 +9,8 @@
 #include <utility>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Bytes;
-using TestSupport::FailureOf;
-using TestSupport::FakeChain;
-using TestSupport::GuardedBuffer;
-using TestSupport::MakeFormat;
-using TestSupport::PixelsOf;
-using TestSupport::PortalCase;
-using TestSupport::RunPortal;
-using TestSupport::StepRun;
 
 constexpr bool own = true;
 constexpr std::int32_t levels[] = {0, 3};
@@ -73,7 +63,7 @@ void PrintTo(const Sight& sight, std::ostream* out)
 std::vector<Sight> SightsOf(FakeChain& chain, std::size_t sourceWidth, std::size_t width)
 {
     const Bytes source = NumberedChunks(sourceWidth);
-    const GuardedBuffer row(width, TestSupport::Flush::AtEnd, 0xEE);
+    const GuardedBuffer row(width, Flush::AtEnd, 0xEE);
     std::vector<Sight> sights;
     chain.onRun = [&](const StepRun& run) {
         const Bytes now = row.bytes();
@@ -302,4 +292,4 @@ TEST(ConversionPortal, SizesTheChainBeforeItLooksAtTheRows)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

@@ -8,18 +8,8 @@
 #include <string>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Bytes;
-using TestSupport::Flush;
-using TestSupport::MakeFormat;
-using TestSupport::Placement;
-using TestSupport::PortalCase;
-using TestSupport::RandomBytes;
-using TestSupport::Records;
-using TestSupport::RowBytes;
-using TestSupport::RunPortal;
 
 enum class Kind
 {
@@ -322,4 +312,4 @@ INSTANTIATE_TEST_SUITE_P(OfTheTable, ChainOfSteps, testing::ValuesIn(RealChains(
                          [](const auto& chain) { return std::string(chain.param.name); });
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

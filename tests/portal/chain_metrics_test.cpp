@@ -1,6 +1,7 @@
 #include "portal/chain_metrics.h"
 
 #include "tests/portal/fake_chain.h"
+#include "tests/support/thrown_text.h"
 
 #include <gtest/gtest.h>
 
@@ -9,11 +10,8 @@
 #include <string>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::FakeChain;
-using TestSupport::FakeStep;
 
 constexpr const char* unevenSource = "Equidistant distribution of conversion source failed";
 constexpr const char* unevenResults = "Equidistant distribution of conversion results failed";
@@ -207,29 +205,9 @@ ImageRowFormat ThreeChannels()
     return format;
 }
 
-ActiveSteps ActiveOf(const std::vector<ChunkConvertFacility>& records)
+std::string FailureOf(const std::vector<FakeStep>& steps)
 {
-    ActiveSteps active;
-    for (const ChunkConvertFacility& record : records)
-        active.facilities[active.count++] = &record;
-    return active;
-}
-
-ChainMetrics MeasureChain(const std::vector<FakeStep>& steps)
-{
-    const FakeChain chain(steps);
-    const std::vector<ChunkConvertFacility> records = chain.MakeRecords();
-    return ChainMetrics(ActiveOf(records), ThreeChannels());
-}
-
-const char* FailureOf(const std::vector<FakeStep>& steps)
-{
-    try {
-        MeasureChain(steps);
-    } catch (const char* text) {
-        return text;
-    }
-    return "";
+    return TextOf([&] { MeasureChain(steps, 3); });
 }
 
 class WorkedChainMetrics : public testing::TestWithParam<WorkedChain>
@@ -237,14 +215,14 @@ class WorkedChainMetrics : public testing::TestWithParam<WorkedChain>
 
 TEST_P(WorkedChainMetrics, CountLoadsAndSavesOfABatch)
 {
-    const ChainMetrics metrics = MeasureChain(GetParam().steps);
+    const ChainMetrics metrics = MeasureChain(GetParam().steps, 3);
     EXPECT_EQ(GetParam().load, (Ratio{metrics.GetLoadRatio().chunks, metrics.GetLoadRatio().step}));
     EXPECT_EQ(GetParam().save, (Ratio{metrics.GetSaveRatio().chunks, metrics.GetSaveRatio().step}));
 }
 
 TEST_P(WorkedChainMetrics, ReconcileTheHopsOfTheSteps)
 {
-    const ChainMetrics metrics = MeasureChain(GetParam().steps);
+    const ChainMetrics metrics = MeasureChain(GetParam().steps, 3);
     ASSERT_EQ(GetParam().hops.size(), metrics.GetStepCount());
     for (std::size_t i = 0; i != metrics.GetStepCount(); ++i) {
         SCOPED_TRACE(i);
@@ -255,7 +233,7 @@ TEST_P(WorkedChainMetrics, ReconcileTheHopsOfTheSteps)
 
 TEST_P(WorkedChainMetrics, LayOutTheRegions)
 {
-    const ChainMetrics metrics = MeasureChain(GetParam().steps);
+    const ChainMetrics metrics = MeasureChain(GetParam().steps, 3);
     ASSERT_EQ(GetParam().regions.size(), metrics.GetRegionCount());
     for (std::size_t i = 0; i != metrics.GetRegionCount(); ++i) {
         SCOPED_TRACE(i);
@@ -271,7 +249,7 @@ INSTANTIATE_TEST_SUITE_P(ByHand, WorkedChainMetrics, testing::ValuesIn(WorkedCha
 TEST(ChainMetrics, StoreWhatEachStepSaysAndTheFormatThatItMeets)
 {
     const ChainMetrics metrics =
-        MeasureChain({{1, 1, own, 24, 16, 7}, {4, 2, false, 5, 2, 9}, {1, 3}});
+        MeasureChain({{1, 1, own, 24, 16, 7}, {4, 2, false, 5, 2, 9}, {1, 3}}, 3);
     ASSERT_EQ(3U, metrics.GetStepCount());
     EXPECT_EQ(8, metrics.GetStep(0).format.bits);
     EXPECT_EQ(3, metrics.GetStep(0).format.channels);
@@ -328,23 +306,23 @@ TEST(ChainMetrics, AskEachStepInOrder)
 
 TEST(ChainMetrics, RefuseResultsThatAreSpreadUnevenly)
 {
-    EXPECT_STREQ(unevenResults, FailureOf({{3, 2}}));
-    EXPECT_STREQ(unevenResults, FailureOf({{8, 3}}));
-    EXPECT_STREQ(unevenResults, FailureOf({{1, 2}, {1, 1, own}, {5, 4}}));
-    EXPECT_STREQ(unevenResults, FailureOf({{1, 1}, {1, 1}, {1, 1}, {7, 2}}));
+    EXPECT_EQ(unevenResults, FailureOf({{3, 2}}));
+    EXPECT_EQ(unevenResults, FailureOf({{8, 3}}));
+    EXPECT_EQ(unevenResults, FailureOf({{1, 2}, {1, 1, own}, {5, 4}}));
+    EXPECT_EQ(unevenResults, FailureOf({{1, 1}, {1, 1}, {1, 1}, {7, 2}}));
 }
 
 TEST(ChainMetrics, RefuseSourcesThatAreSpreadUnevenly)
 {
-    EXPECT_STREQ(unevenSource, FailureOf({{2, 3}}));
-    EXPECT_STREQ(unevenSource, FailureOf({{3, 8}}));
-    EXPECT_STREQ(unevenSource, FailureOf({{4, 1}, {2, 5}}));
+    EXPECT_EQ(unevenSource, FailureOf({{2, 3}}));
+    EXPECT_EQ(unevenSource, FailureOf({{3, 8}}));
+    EXPECT_EQ(unevenSource, FailureOf({{4, 1}, {2, 5}}));
 }
 
 TEST(ChainMetrics, NameTheFirstUnevenStep)
 {
-    EXPECT_STREQ(unevenSource, FailureOf({{2, 3}, {3, 2}}));
-    EXPECT_STREQ(unevenResults, FailureOf({{3, 2}, {2, 3}}));
+    EXPECT_EQ(unevenSource, FailureOf({{2, 3}, {3, 2}}));
+    EXPECT_EQ(unevenResults, FailureOf({{3, 2}, {2, 3}}));
 }
 
 TEST(ChainMetrics, AskNoStepBehindAnUnevenOne)
@@ -393,4 +371,4 @@ TEST(SingleChunkMetrics, HaveOneRegionAndNoStep)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

@@ -6,33 +6,19 @@
 #include <numeric>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using TestSupport::Bytes;
-using TestSupport::FakeChain;
-using TestSupport::Flush;
-using TestSupport::MakeFormat;
-using TestSupport::Placement;
-using TestSupport::PortalCase;
-using TestSupport::RunPortal;
-using TestSupport::StepRun;
 using Facility = ChunkConvertFacility;
 
 constexpr std::int32_t levels[] = {0, 3};
-constexpr Placement placements[] = {
-    {Flush::AtEnd, 0}, {Flush::AtStart, 0}, {Flush::AtStart, 1}, {Flush::AtEnd, 3}};
-
+// Several steps are made alike but for their level.
 template <typename MakeStep>
-void ExpectEverywhere(const Bytes& expected, PortalCase portalCase, const Bytes& source,
-                      MakeStep makeStep)
+void ExpectStepEverywhere(const Bytes& expected, const PortalCase& portalCase, const Bytes& source,
+                          MakeStep makeStep)
 {
-    for (const std::int32_t sseVersion : levels) {
-        portalCase.sseVersion = sseVersion;
-        for (const Placement& placement : placements)
-            ASSERT_EQ(expected, RunPortal(portalCase, source, {makeStep(sseVersion)}, placement))
-                << "level " << sseVersion;
-    }
+    ExpectEverywhere(expected, portalCase, source,
+                     [=](std::int32_t sseVersion) { return Records{makeStep(sseVersion)}; });
 }
 
 PortalCase Reversed(const ImageRowFormat& format)
@@ -50,7 +36,7 @@ Facility ReverseStep(std::int32_t sseVersion)
 TEST(ChainRoad, RepeatsFivePixelsFourTimes)
 {
     const Bytes expected = {1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 4, 4, 4, 4, 5, 5, 5, 5};
-    ExpectEverywhere(
+    ExpectStepEverywhere(
         expected,
         {0, MakeFormat(8, LayoutInterleaved, 1, 5), MakeFormat(8, LayoutInterleaved, 1, 20)},
         {1, 2, 3, 4, 5},
@@ -62,10 +48,10 @@ TEST(ChainRoad, EndsInsideTheLastRepeat)
     PortalCase portalCase{0, MakeFormat(8, LayoutPlanar, 2, 5),
                           MakeFormat(8, LayoutInterleaved, 2, 11)};
     portalCase.source.activeWidth = 3;
-    ExpectEverywhere({1, 6, 1, 6, 1, 6, 1, 6, 2, 7, 2, 7, 2, 7, 2, 7, 3, 8, 3, 8, 3, 8}, portalCase,
-                     {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, [](std::int32_t sseVersion) {
-                         return Facility::Create_PixelRepeat(sseVersion, 4);
-                     });
+    ExpectStepEverywhere({1, 6, 1, 6, 1, 6, 1, 6, 2, 7, 2, 7, 2, 7, 2, 7, 3, 8, 3, 8, 3, 8},
+                         portalCase, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, [](std::int32_t sseVersion) {
+                             return Facility::Create_PixelRepeat(sseVersion, 4);
+                         });
 }
 
 // Two chunks of the source would take part, but the destination has no room for the second.
@@ -73,7 +59,7 @@ TEST(ChainRoad, ReadsNoMoreOfAWideSourceThanTheLastBatchHolds)
 {
     Bytes source(20);
     std::iota(source.begin(), source.end(), static_cast<unsigned char>(1));
-    ExpectEverywhere(
+    ExpectStepEverywhere(
         {1, 1, 2}, {0, MakeFormat(8, LayoutInterleaved, 1, 20), MakeFormat(8, LayoutPlanar, 1, 3)},
         source,
         [](std::int32_t sseVersion) { return Facility::Create_PixelRepeat(sseVersion, 2); });
@@ -81,7 +67,7 @@ TEST(ChainRoad, ReadsNoMoreOfAWideSourceThanTheLastBatchHolds)
 
 TEST(ChainRoad, ClearsTheBitsBehindTheLastPackedPixel)
 {
-    ExpectEverywhere(
+    ExpectStepEverywhere(
         {0xFF, 0xC0},
         {0, MakeFormat(8, LayoutInterleaved, 1, 10), MakeFormat(1, LayoutPlanarPacked, 1, 10)},
         Bytes(10, 1),
@@ -94,24 +80,24 @@ TEST(ChainRoad, MasksByTheActiveWidth)
     PortalCase portalCase{0, MakeFormat(8, LayoutInterleaved, 1, 11),
                           MakeFormat(1, LayoutPlanarPacked, 1, 29)};
     portalCase.destination.activeWidth = 11;
-    ExpectEverywhere(
+    ExpectStepEverywhere(
         {0xFF, 0xE0, 0xEE, 0xEE}, portalCase, Bytes(11, 1),
         [](std::int32_t sseVersion) { return Facility::Create_Packer(sseVersion, 1); });
 }
 
 TEST(ChainRoad, MirrorsAPartialInterleavedChunk)
 {
-    ExpectEverywhere({13, 14, 15, 10, 11, 12, 7, 8, 9, 4, 5, 6, 1, 2, 3},
-                     Reversed(MakeFormat(8, LayoutInterleaved, 3, 5)),
-                     {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}, ReverseStep);
+    ExpectStepEverywhere({13, 14, 15, 10, 11, 12, 7, 8, 9, 4, 5, 6, 1, 2, 3},
+                         Reversed(MakeFormat(8, LayoutInterleaved, 3, 5)),
+                         {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}, ReverseStep);
 }
 
 TEST(ChainRoad, MirrorsAPartialPlanarChunk)
 {
-    ExpectEverywhere({3, 2, 1, 6, 5, 4}, Reversed(MakeFormat(8, LayoutPlanar, 2, 3)),
-                     {1, 2, 3, 4, 5, 6}, ReverseStep);
-    ExpectEverywhere({5, 6, 3, 4, 1, 2}, Reversed(MakeFormat(16, LayoutPlanar, 1, 3)),
-                     {1, 2, 3, 4, 5, 6}, ReverseStep);
+    ExpectStepEverywhere({3, 2, 1, 6, 5, 4}, Reversed(MakeFormat(8, LayoutPlanar, 2, 3)),
+                         {1, 2, 3, 4, 5, 6}, ReverseStep);
+    ExpectStepEverywhere({5, 6, 3, 4, 1, 2}, Reversed(MakeFormat(16, LayoutPlanar, 1, 3)),
+                         {1, 2, 3, 4, 5, 6}, ReverseStep);
 }
 
 TEST(ChainRoad, MirrorsWholeChunksAndTheRest)
@@ -120,7 +106,7 @@ TEST(ChainRoad, MirrorsWholeChunksAndTheRest)
         Bytes source;
         for (std::size_t i = 0; i != width; ++i)
             source.push_back(static_cast<unsigned char>(i));
-        ExpectEverywhere(
+        ExpectStepEverywhere(
             Bytes(source.rbegin(), source.rend()),
             Reversed(MakeFormat(8, LayoutInterleaved, 1, static_cast<std::int64_t>(width))), source,
             ReverseStep);
@@ -130,14 +116,14 @@ TEST(ChainRoad, MirrorsWholeChunksAndTheRest)
 TEST(ChainRoad, MirrorsPackedRowsThatEndInsideAByte)
 {
     // 10 of 1 bit: 1100000001, then 6 bits that belong to no pixel.
-    ExpectEverywhere({0x80, 0xC0}, Reversed(MakeFormat(1, LayoutPlanarPacked, 1, 10)), {0xC0, 0x7F},
-                     ReverseStep);
+    ExpectStepEverywhere({0x80, 0xC0}, Reversed(MakeFormat(1, LayoutPlanarPacked, 1, 10)),
+                         {0xC0, 0x7F}, ReverseStep);
     // 5 of 2 bits: 0 1 2 3 1.
-    ExpectEverywhere({0x79, 0x00}, Reversed(MakeFormat(2, LayoutPlanarPacked, 1, 5)), {0x1B, 0x7F},
-                     ReverseStep);
+    ExpectStepEverywhere({0x79, 0x00}, Reversed(MakeFormat(2, LayoutPlanarPacked, 1, 5)),
+                         {0x1B, 0x7F}, ReverseStep);
     // Two planes of 3 pixels: 110 and 001.
-    ExpectEverywhere({0x60, 0x80}, Reversed(MakeFormat(1, LayoutPlanarPacked, 2, 3)), {0xDF, 0x3F},
-                     ReverseStep);
+    ExpectStepEverywhere({0x60, 0x80}, Reversed(MakeFormat(1, LayoutPlanarPacked, 2, 3)),
+                         {0xDF, 0x3F}, ReverseStep);
 }
 
 TEST(ChainRoad, MirrorsTheEndOfALongerPackedRow)
@@ -146,7 +132,7 @@ TEST(ChainRoad, MirrorsTheEndOfALongerPackedRow)
     portalCase.destination = MakeFormat(1, LayoutPlanarPacked, 1, 3);
     portalCase.source.activeWidth = 3;
     // 1010 1100 0110: the last three are 110.
-    ExpectEverywhere({0x60}, portalCase, {0xAC, 0x60}, ReverseStep);
+    ExpectStepEverywhere({0x60}, portalCase, {0xAC, 0x60}, ReverseStep);
 }
 
 TEST(ChainRoad, ReadsTheMapNoMoreOnceTheChainIsBuilt)
@@ -155,7 +141,7 @@ TEST(ChainRoad, ReadsTheMapNoMoreOnceTheChainIsBuilt)
         std::vector<std::int32_t> map = {2, 0, -1};
         FakeChain chain({{1, 1}});
         chain.onRun = [&](const StepRun&) { map = {1, 1, 1}; };
-        TestSupport::Records records = chain.MakeRecords();
+        Records records = chain.MakeRecords();
         records.push_back(Facility::Create_Remap(sseVersion, map.size(), map.data()));
         Bytes source(120);
         std::iota(source.begin(), source.end(), static_cast<unsigned char>(1));
@@ -216,4 +202,4 @@ TEST(ChainRoad, LoadsReversedPlanesWhereTheyAre)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

@@ -153,6 +153,25 @@ void FakeChain::MovePixels(std::size_t step, ChunkHeader* chunk) const
     }
 }
 
+ActiveSteps ActiveOf(const std::vector<ChunkConvertFacility>& records)
+{
+    ActiveSteps active;
+    for (const ChunkConvertFacility& record : records)
+        active.facilities[active.count++] = &record;
+    return active;
+}
+
+ChainMetrics MeasureChain(const std::vector<FakeStep>& steps, std::int32_t channels)
+{
+    const FakeChain measured(steps);
+    const std::vector<ChunkConvertFacility> records = measured.MakeRecords();
+    ImageRowFormat source;
+    source.bits = 8;
+    source.layout = LayoutInterleaved;
+    source.channels = channels;
+    return ChainMetrics(ActiveOf(records), source);
+}
+
 std::vector<unsigned char> PixelsOf(const ChunkHeader* chunk)
 {
     const auto* slots = reinterpret_cast<const unsigned char*>(chunk) + 64;

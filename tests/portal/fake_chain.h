@@ -78,6 +78,10 @@ private:
     std::vector<ImageRowFormat> inputs;
 };
 
+ActiveSteps ActiveOf(const std::vector<ChunkConvertFacility>& records);
+// The metrics of a chain on an interleaved source of 8 bits.
+ChainMetrics MeasureChain(const std::vector<FakeStep>& steps, std::int32_t channels);
+
 // The pixels of a chunk without what lies behind them in the slots.
 std::vector<unsigned char> PixelsOf(const ChunkHeader* chunk);
 

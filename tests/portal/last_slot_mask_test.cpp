@@ -1,17 +1,12 @@
 #include "portal/last_slot_mask.h"
-
-#include "tests/support/guarded_buffer.h"
+#include "tests/chunks/chunk_image.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::GuardedBuffer;
-using Bytes = std::vector<unsigned char>;
 
 ImageRowFormat FormatOf(std::int32_t layout, std::int32_t bits)
 {
@@ -22,54 +17,30 @@ ImageRowFormat FormatOf(std::int32_t layout, std::int32_t bits)
     return format;
 }
 
-// A chunk full of ones behind its header.
-class Chunk
+// Masks a slot of a chunk full of ones: of its pixel's bytes so many bits stay, and all the rest.
+void ExpectMasked(unsigned char mask, std::size_t pixelBytes, std::size_t slot,
+                  const ImageRowFormat& format, std::int64_t pixels)
 {
-public:
-    explicit Chunk(std::size_t newPixelBytes)
-        : pixelBytes(newPixelBytes), slotBytes((newPixelBytes + 15) / 16 * 16),
-          memory(64 + 16 * slotBytes)
-    {
-        std::memset(memory.data(), 0xFF, memory.size());
-        GetHeader()->pixelBytes = pixelBytes;
-        expected = memory.bytes();
-    }
-
-    ChunkHeader* GetHeader() const { return reinterpret_cast<ChunkHeader*>(memory.data()); }
-
-    void ExpectPixel(std::size_t slot, unsigned char value)
-    {
-        for (std::size_t i = 0; i != pixelBytes; ++i)
-            expected[64 + slot * slotBytes + i] = value;
-    }
-    bool IsAsExpected() const { return memory.bytes() == expected; }
-
-private:
-    std::size_t pixelBytes;
-    std::size_t slotBytes;
-    GuardedBuffer memory;
-    Bytes expected;
-};
+    HeaderFields header;
+    header.pixelBytes = pixelBytes;
+    const GuardedBuffer chunk = MakeChunk(pixelBytes, header, 0xFF, Flush::AtEnd);
+    Bytes expected = chunk.bytes();
+    std::memset(expected.data() + firstSlot + slot * SlotBytes(pixelBytes), mask, pixelBytes);
+    MaskLastSlot(reinterpret_cast<ChunkHeader*>(chunk.data()), slot, format, pixels);
+    ASSERT_EQ(expected, chunk.bytes())
+        << pixels << " of " << format.bits << " bits, " << pixelBytes << " planes, slot " << slot;
+}
 
 TEST(LastSlotMask, KeepsTheBitsInUseOfTheLastSlotOnly)
 {
     // By the bits of the row's last byte that are in use.
     constexpr unsigned char masks[] = {0xFF, 0x80, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0xFE};
-    for (const std::int32_t bits : {1, 2}) {
-        for (std::int64_t pixels = 0; pixels != 40; ++pixels) {
-            for (const std::size_t pixelBytes : {1U, 4U, 15U, 16U, 17U, 33U}) {
-                for (std::size_t slot = 0; slot != 16; ++slot) {
-                    SCOPED_TRACE(testing::Message() << pixels << " of " << bits << " bits, "
-                                                    << pixelBytes << " planes, slot " << slot);
-                    Chunk chunk(pixelBytes);
-                    chunk.ExpectPixel(slot, masks[pixels * bits % 8]);
-                    MaskLastSlot(chunk.GetHeader(), slot, FormatOf(LayoutPlanarPacked, bits),
-                                 pixels);
-                    ASSERT_TRUE(chunk.IsAsExpected());
-                }
-            }
-        }
-    }
+    for (const std::int32_t bits : {1, 2})
+        for (std::int64_t pixels = 0; pixels != 40; ++pixels)
+            for (const std::size_t pixelBytes : {1U, 4U, 15U, 16U, 17U, 33U})
+                for (std::size_t slot = 0; slot != 16; ++slot)
+                    ExpectMasked(masks[pixels * bits % 8], pixelBytes, slot,
+                                 FormatOf(LayoutPlanarPacked, bits), pixels);
 }
 
 TEST(LastSlotMask, LeavesRowsOfWholeBytesAlone)
@@ -77,22 +48,15 @@ TEST(LastSlotMask, LeavesRowsOfWholeBytesAlone)
     for (const ImageRowFormat& format :
          {FormatOf(LayoutPlanar, 8), FormatOf(LayoutPlanar, 16), FormatOf(LayoutInterleaved, 1),
           FormatOf(LayoutInterleaved, 2), FormatOf(LayoutInterleaved, 10),
-          FormatOf(LayoutInterleaved, 16)}) {
-        for (std::int64_t pixels = 0; pixels != 20; ++pixels) {
-            const Chunk chunk(3);
-            MaskLastSlot(chunk.GetHeader(), 5, format, pixels);
-            ASSERT_TRUE(chunk.IsAsExpected()) << format.bits;
-        }
-    }
+          FormatOf(LayoutInterleaved, 16)})
+        for (std::int64_t pixels = 0; pixels != 20; ++pixels)
+            ExpectMasked(0xFF, 3, 5, format, pixels);
 }
 
 TEST(LastSlotMask, LooksAtTheLowBitsOfALongRow)
 {
-    Chunk chunk(1);
-    chunk.ExpectPixel(2, 0xFE);
-    MaskLastSlot(chunk.GetHeader(), 2, FormatOf(LayoutPlanarPacked, 1), 0x7FFFFFFF);
-    EXPECT_TRUE(chunk.IsAsExpected());
+    ExpectMasked(0xFE, 1, 2, FormatOf(LayoutPlanarPacked, 1), 0x7FFFFFFF);
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

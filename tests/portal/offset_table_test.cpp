@@ -1,11 +1,12 @@
 #include "portal/offset_table.h"
+#include "tests/support/thrown_text.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstring>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 constexpr const char* invalidIndex = "zvk::Pelkraft::OffsetTable::SetEntry invalid index";
@@ -18,17 +19,6 @@ std::uint64_t NumberAt(const Memory& memory, std::size_t offset)
     std::uint64_t number = 0;
     std::memcpy(&number, memory.data() + offset, sizeof number);
     return number;
-}
-
-template <typename Action>
-const char* FailureOf(Action action)
-{
-    try {
-        action();
-    } catch (const char* text) {
-        return text;
-    }
-    return "";
 }
 
 TEST(OffsetTable, CountsBlocksInSixteens)
@@ -94,16 +84,16 @@ TEST(OffsetTable, RefusesAnEntryBeyondTheLast)
     OffsetTable counting(2, 320);
     counting.SetEntry(nullptr, 1);
     counting.SetEntry(nullptr, 1);
-    EXPECT_STREQ(invalidIndex, FailureOf([&] { counting.SetEntry(nullptr, 1); }));
+    EXPECT_EQ(invalidIndex, TextOf([&] { counting.SetEntry(nullptr, 1); }));
 
     OffsetTable writing(2, 320);
     writing.SetEntry(memory.data(), 1);
     writing.SetEntry(memory.data(), 1);
     const Memory before = memory;
-    EXPECT_STREQ(invalidIndex, FailureOf([&] { writing.SetEntry(memory.data(), 1); }));
+    EXPECT_EQ(invalidIndex, TextOf([&] { writing.SetEntry(memory.data(), 1); }));
     EXPECT_EQ(before, memory);
-    EXPECT_STREQ(invalidIndex, FailureOf([&] { writing.GetBlock(memory.data(), 2); }));
-    EXPECT_STREQ(invalidIndex, FailureOf([&] { writing.GetBlock(memory.data(), 1U << 31); }));
+    EXPECT_EQ(invalidIndex, TextOf([&] { writing.GetBlock(memory.data(), 2); }));
+    EXPECT_EQ(invalidIndex, TextOf([&] { writing.GetBlock(memory.data(), 1U << 31); }));
 }
 
 TEST(OffsetTable, WithoutEntriesRefusesEach)
@@ -111,9 +101,9 @@ TEST(OffsetTable, WithoutEntriesRefusesEach)
     Memory memory{};
     OffsetTable table(0, 320);
     EXPECT_EQ(320U, table.GetEnd());
-    EXPECT_STREQ(invalidIndex, FailureOf([&] { table.SetEntry(nullptr, 0); }));
-    EXPECT_STREQ(invalidIndex, FailureOf([&] { table.GetBlock(memory.data(), 0); }));
+    EXPECT_EQ(invalidIndex, TextOf([&] { table.SetEntry(nullptr, 0); }));
+    EXPECT_EQ(invalidIndex, TextOf([&] { table.GetBlock(memory.data(), 0); }));
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

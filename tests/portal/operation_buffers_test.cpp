@@ -1,6 +1,7 @@
 #include "portal/operation_buffers.h"
 
 #include "tests/portal/fake_chain.h"
+#include "tests/support/thrown_text.h"
 
 #include <gtest/gtest.h>
 
@@ -10,11 +11,8 @@
 #include <string>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::FakeChain;
-using TestSupport::FakeStep;
 
 constexpr const char* invalidIndex = "zvk::Pelkraft::OffsetTable::SetEntry invalid index";
 constexpr std::int64_t none = 0x7FFFFFFFFFFFFFFF;
@@ -144,20 +142,6 @@ OperationBufferContainer MakeBuffer(const ChainMetrics& metrics, std::uint64_t l
     return OperationBufferContainer(metrics, {1, 1001, loadStripBytes}, {3, 2002, saveStripBytes});
 }
 
-ChainMetrics MeasureChain(const std::vector<FakeStep>& steps)
-{
-    const FakeChain chain(steps);
-    const std::vector<ChunkConvertFacility> records = chain.MakeRecords();
-    ActiveSteps active;
-    for (const ChunkConvertFacility& record : records)
-        active.facilities[active.count++] = &record;
-    ImageRowFormat source;
-    source.bits = 8;
-    source.layout = LayoutInterleaved;
-    source.channels = 5;
-    return ChainMetrics(active, source);
-}
-
 const unsigned char* StartOf(const OperationBufferContainer& buffer)
 {
     return reinterpret_cast<const unsigned char*>(buffer.GetChunk(0));
@@ -194,7 +178,7 @@ class WorkedOperationBuffer : public testing::TestWithParam<WorkedBuffer>
 {
 protected:
     OperationBufferContainer buffer = MakeBuffer(
-        MeasureChain(GetParam().steps), GetParam().loadStripBytes, GetParam().saveStripBytes);
+        MeasureChain(GetParam().steps, 5), GetParam().loadStripBytes, GetParam().saveStripBytes);
     const unsigned char* start = StartOf(buffer);
 };
 
@@ -243,16 +227,7 @@ TEST_P(WorkedOperationBuffer, ReadsItsBlocks)
         const std::uint64_t offset = GetParam().blocks[i].offset;
         EXPECT_EQ(offset != 0 ? start + offset : nullptr, blocks[i]);
     }
-    EXPECT_THROW(
-        {
-            try {
-                buffer.GetParameterBlock(GetParam().steps.size());
-            } catch (const char* text) {
-                EXPECT_STREQ(invalidIndex, text);
-                throw;
-            }
-        },
-        const char*);
+    EXPECT_EQ(invalidIndex, TextOf([&] { buffer.GetParameterBlock(GetParam().steps.size()); }));
 }
 
 INSTANTIATE_TEST_SUITE_P(ByHand, WorkedOperationBuffer, testing::ValuesIn(WorkedBuffers()),
@@ -324,4 +299,4 @@ TEST(CopyBuffer, RoundsTheSlotAreaUp)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

@@ -3,6 +3,8 @@
 #include "portal/conversion_portal.h"
 #include "tests/support/guarded_buffer.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -36,6 +38,21 @@ struct PortalCase
 // Runs the portal on rows of exactly their size, on a destination full of `fill`.
 Bytes RunPortal(const PortalCase& portalCase, const Bytes& source, const Records& chain,
                 const Placement& placement = {}, unsigned char fill = 0xEE);
+
+// Runs at each level and at several places, with the chain that makeChain(sseVersion) gives.
+template <typename MakeChain>
+void ExpectEverywhere(const Bytes& expected, PortalCase portalCase, const Bytes& source,
+                      MakeChain makeChain)
+{
+    for (const std::int32_t sseVersion : {0, 2, 3, 7}) {
+        portalCase.sseVersion = sseVersion;
+        for (const Placement& placement :
+             {Placement{}, Placement{Flush::AtStart, 0}, Placement{Flush::AtStart, 1},
+              Placement{Flush::AtEnd, 5}})
+            ASSERT_EQ(expected, RunPortal(portalCase, source, makeChain(sseVersion), placement))
+                << "level " << sseVersion;
+    }
+}
 
 // The text that the portal throws, "bad allocation" of std::bad_alloc included; empty if none.
 // The destination is proved untouched.

@@ -1,57 +1,33 @@
 #include "portal/relocator.h"
-#include "tests/support/guarded_buffer.h"
+#include "tests/chunks/chunk_image.h"
 #include "tests/support/random_bytes.h"
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <vector>
+#include <algorithm>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using TestSupport::Flush;
-using TestSupport::GuardedBuffer;
-using TestSupport::RandomBytes;
-using Bytes = std::vector<unsigned char>;
-
-// A chunk with nothing behind it, whose slots hold junk.
-class Chunk
+GuardedBuffer JunkChunk(std::size_t pixelBytes)
 {
-public:
-    explicit Chunk(std::size_t pixelBytes)
-        : slotAreaBytes((pixelBytes + 15) / 16 * 256), memory(64 + slotAreaBytes)
-    {
-        std::memset(memory.data(), 0xC3, memory.size());
-        GetHeader()->pixelBytes = pixelBytes;
-        before = memory.bytes();
-    }
+    HeaderFields header;
+    header.pixelBytes = pixelBytes;
+    return MakeChunk(pixelBytes, header, 0xC3, Flush::AtEnd);
+}
 
-    ChunkHeader* GetHeader() const { return reinterpret_cast<ChunkHeader*>(memory.data()); }
-    const unsigned char* GetEnd() const { return memory.data() + memory.size(); }
-
-    // What the chunk holds if only its last bytes were written.
-    Bytes WithLastBytes(const Bytes& last) const
-    {
-        Bytes expected = before;
-        std::memcpy(expected.data() + expected.size() - last.size(), last.data(), last.size());
-        return expected;
-    }
-    Bytes GetBytes() const { return memory.bytes(); }
-    const Bytes& GetBytesBefore() const { return before; }
-
-private:
-    std::size_t slotAreaBytes;
-    GuardedBuffer memory;
-    Bytes before;
-};
+const unsigned char* Relocate(const unsigned char* row, const GuardedBuffer& chunk)
+{
+    return RelocateChunk(row, reinterpret_cast<ChunkHeader*>(chunk.data()));
+}
 
 void ExpectStagedAtTheChunksEnd(const unsigned char* row, const Bytes& pixels)
 {
-    const Chunk chunk(pixels.size() / 16);
-    const unsigned char* staged = RelocateChunk(row, chunk.GetHeader());
-    EXPECT_EQ(chunk.GetEnd() - pixels.size(), staged);
-    EXPECT_EQ(chunk.WithLastBytes(pixels), chunk.GetBytes());
+    const GuardedBuffer chunk = JunkChunk(pixels.size() / 16);
+    Bytes expected = chunk.bytes();
+    std::copy(pixels.rbegin(), pixels.rend(), expected.rbegin());
+    EXPECT_EQ(chunk.data() + chunk.size() - pixels.size(), Relocate(row, chunk));
+    EXPECT_EQ(expected, chunk.bytes());
 }
 
 TEST(ChunkRelocation, StagesAnUnalignedRowAtTheEndOfTheSlots)
@@ -87,11 +63,12 @@ TEST(ChunkRelocation, LeavesAnAlignedRowWhereItIs)
 {
     for (std::size_t pixelBytes = 1; pixelBytes != 131; ++pixelBytes) {
         const GuardedBuffer row(RandomBytes(16 * pixelBytes, 3));
-        const Chunk chunk(pixelBytes);
-        EXPECT_EQ(row.data(), RelocateChunk(row.data(), chunk.GetHeader()));
-        EXPECT_EQ(chunk.GetBytesBefore(), chunk.GetBytes());
+        const GuardedBuffer chunk = JunkChunk(pixelBytes);
+        const Bytes before = chunk.bytes();
+        EXPECT_EQ(row.data(), Relocate(row.data(), chunk));
+        EXPECT_EQ(before, chunk.bytes());
     }
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

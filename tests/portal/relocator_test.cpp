@@ -2,17 +2,15 @@
 
 #include "tests/support/guarded_buffer.h"
 #include "tests/support/random_bytes.h"
+#include "tests/support/thrown_text.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using TestSupport::Flush;
-using TestSupport::GuardedBuffer;
-using TestSupport::RandomBytes;
 using Bytes = std::vector<unsigned char>;
 
 constexpr const char* unsupportedRelocation =
@@ -129,16 +127,13 @@ TEST(Relocator, RefusesOtherDepths)
     const unsigned char source = 0x0F;
     for (const std::int32_t bits : {-1, 0, 3, 4, 8, 10, 16}) {
         for (const std::uint64_t lastByteBits : {std::uint64_t{0}, std::uint64_t{8}}) {
-            try {
-                Relocator(&target, {&source, 1, lastByteBits, bits});
-                FAIL() << bits;
-            } catch (const char* text) {
-                EXPECT_STREQ(unsupportedRelocation, text);
-            }
+            EXPECT_EQ(unsupportedRelocation, TextOf([&] {
+                          Relocator(&target, {&source, 1, lastByteBits, bits});
+                      }));
         }
     }
     EXPECT_EQ(0xA5, target);
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

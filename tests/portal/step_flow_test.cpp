@@ -9,15 +9,8 @@
 #include <string>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Bytes;
-using TestSupport::FakeChain;
-using TestSupport::FakeStep;
-using TestSupport::MakeFormat;
-using TestSupport::RandomBytes;
-using TestSupport::RunPortal;
 
 constexpr std::size_t channels = 3;
 constexpr std::size_t mostChunks = 64;
@@ -111,4 +104,4 @@ TEST_P(StepsInAChain, DoAsTheyDoOneByOne)
 INSTANTIATE_TEST_SUITE_P(OfEachLength, StepsInAChain, testing::Values(1, 2, 3, 4));
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport
