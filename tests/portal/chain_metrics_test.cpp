@@ -20,15 +20,14 @@ constexpr const char* unevenResults = "Equidistant distribution of conversion re
 using Hops = std::array<std::uint64_t, 3>;
 // Chunks, pixel bytes, step in and step out.
 using Region = std::array<std::uint64_t, 4>;
-// Chunks and step.
-using Ratio = std::array<std::uint64_t, 2>;
+// Chunks and step of the loads, then of the saves.
+using Ratios = std::array<std::uint64_t, 4>;
 
 struct WorkedChain
 {
     const char* name;
     std::vector<FakeStep> steps;
-    Ratio load;
-    Ratio save;
+    Ratios ratios;
     std::vector<Hops> hops;
     std::vector<Region> regions;
 };
@@ -44,152 +43,130 @@ constexpr bool own = true;
 const std::vector<WorkedChain>& WorkedChains()
 {
     static const std::vector<WorkedChain> chains = {
-        {"InPlace", {{1, 1}}, {1, 1}, {1, 1}, {{1, 1, 1}}, {{1, 3, 1, 1}}},
+        {"InPlace", {{1, 1}}, {1, 1, 1, 1}, {{1, 1, 1}}, {{1, 3, 1, 1}}},
         {"OwnRegion",
          {{1, 1, own, 0, 16, 0}},
-         {1, 1},
-         {1, 1},
+         {1, 1, 1, 1},
          {{1, 1, 1}},
          {{1, 3, 1, 1}, {1, 6, 1, 1}}},
-        {"OneToTwo", {{1, 2}}, {1, 2}, {2, 1}, {{2, 1, 1}}, {{2, 3, 2, 1}}},
-        {"OneToFour", {{1, 4}}, {1, 4}, {4, 1}, {{4, 1, 1}}, {{4, 3, 4, 1}}},
-        {"OneToEight", {{1, 8}}, {1, 8}, {8, 1}, {{8, 1, 1}}, {{8, 3, 8, 1}}},
-        {"TwoToOne", {{2, 1}}, {2, 1}, {1, 2}, {{1, 2, 1}}, {{2, 3, 1, 2}}},
-        {"FourToOne", {{4, 1}}, {4, 1}, {1, 4}, {{1, 4, 1}}, {{4, 3, 1, 4}}},
-        {"EightToOne", {{8, 1}}, {8, 1}, {1, 8}, {{1, 8, 1}}, {{8, 3, 1, 8}}},
-        {"TwoToFour", {{2, 4}}, {2, 2}, {4, 1}, {{2, 1, 1}}, {{4, 3, 2, 1}}},
-        {"FourToTwo", {{4, 2}}, {4, 1}, {2, 2}, {{1, 2, 1}}, {{4, 3, 1, 2}}},
+        {"OneToTwo", {{1, 2}}, {1, 2, 2, 1}, {{2, 1, 1}}, {{2, 3, 2, 1}}},
+        {"OneToFour", {{1, 4}}, {1, 4, 4, 1}, {{4, 1, 1}}, {{4, 3, 4, 1}}},
+        {"OneToEight", {{1, 8}}, {1, 8, 8, 1}, {{8, 1, 1}}, {{8, 3, 8, 1}}},
+        {"TwoToOne", {{2, 1}}, {2, 1, 1, 2}, {{1, 2, 1}}, {{2, 3, 1, 2}}},
+        {"FourToOne", {{4, 1}}, {4, 1, 1, 4}, {{1, 4, 1}}, {{4, 3, 1, 4}}},
+        {"EightToOne", {{8, 1}}, {8, 1, 1, 8}, {{1, 8, 1}}, {{8, 3, 1, 8}}},
+        {"TwoToFour", {{2, 4}}, {2, 2, 4, 1}, {{2, 1, 1}}, {{4, 3, 2, 1}}},
+        {"FourToTwo", {{4, 2}}, {4, 1, 2, 2}, {{1, 2, 1}}, {{4, 3, 1, 2}}},
         // A region of its own asks for no even spread.
         {"OwnRegionTwoToThree",
          {{2, 3, own}},
-         {2, 1},
-         {3, 1},
+         {2, 1, 3, 1},
          {{1, 1, 1}},
          {{2, 3, 1, 1}, {3, 3, 1, 1}}},
         {"OwnRegionThreeToTwo",
          {{3, 2, own}},
-         {3, 1},
-         {2, 1},
+         {3, 1, 2, 1},
          {{1, 1, 1}},
          {{3, 3, 1, 1}, {2, 3, 1, 1}}},
         {"GroupsOfTwoThenThree",
          {{2, 2}, {3, 3}},
-         {6, 1},
-         {6, 1},
+         {6, 1, 6, 1},
          {{1, 1, 3}, {1, 1, 2}},
          {{6, 3, 1, 1}}},
         {"TwoToOneThenThreeToOne",
          {{2, 1}, {3, 1}},
-         {6, 1},
-         {1, 6},
+         {6, 1, 1, 6},
          {{1, 2, 3}, {2, 6, 1}},
          {{6, 3, 1, 6}}},
         // The way of a remap behind a packer: it reads every eighth chunk.
         {"EightToOneThenOwnRegion",
          {{8, 1}, {1, 1, own, 0, 0, 17}},
-         {8, 1},
-         {1, 1},
+         {8, 1, 1, 1},
          {{1, 8, 1}, {8, 1, 1}},
          {{8, 3, 1, 8}, {1, 17, 1, 1}}},
         // The way of a depth change ahead of a repeat: it writes every fourth chunk.
         {"OwnRegionThenOneToFour",
          {{1, 1, own, 0, 16, 0}, {1, 4}},
-         {1, 1},
-         {4, 1},
+         {1, 1, 4, 1},
          {{1, 4, 1}, {4, 1, 1}},
          {{1, 3, 1, 1}, {4, 6, 4, 1}}},
         {"FourToOneThenOneToEight",
          {{4, 1}, {1, 8}},
-         {4, 2},
-         {8, 1},
+         {4, 2, 8, 1},
          {{2, 8, 1}, {8, 1, 1}},
          {{8, 3, 2, 1}}},
         {"EightToOneThenOneToTwo",
          {{8, 1}, {1, 2}},
-         {8, 1},
-         {2, 4},
+         {8, 1, 2, 4},
          {{1, 8, 1}, {8, 4, 1}},
          {{8, 3, 1, 4}}},
         {"OneToFourThenEightToOne",
          {{1, 4}, {8, 1}},
-         {2, 4},
-         {1, 8},
+         {2, 4, 1, 8},
          {{4, 1, 2}, {1, 8, 1}},
          {{8, 3, 4, 8}}},
         {"OneToEightThenFourToOne",
          {{1, 8}, {4, 1}},
-         {1, 8},
-         {2, 4},
+         {1, 8, 2, 4},
          {{8, 1, 1}, {1, 4, 2}},
          {{8, 3, 8, 4}}},
         // Packed samples repeated between unpacking and packing.
         {"OneToEightOneToTwoEightToOne",
          {{1, 8}, {1, 2}, {8, 1}},
-         {1, 16},
-         {2, 8},
+         {1, 16, 2, 8},
          {{16, 2, 1}, {2, 1, 8}, {1, 8, 2}},
          {{16, 3, 16, 8}}},
         {"ThreeRegions",
          {{1, 1, own, 0, 0, 20}, {1, 1, own, 0, 16, 0}},
-         {1, 1},
-         {1, 1},
+         {1, 1, 1, 1},
          {{1, 1, 1}, {1, 1, 1}},
          {{1, 3, 1, 1}, {1, 20, 1, 1}, {1, 40, 1, 1}}},
         // 16 to 8 bits, mirror, repeat by two, pack to one bit.
         {"OwnInPlaceOneToTwoEightToOne",
          {{1, 1, own, 0, 8, 1}, {1, 1}, {1, 2}, {8, 1}},
-         {4, 1},
-         {1, 8},
+         {4, 1, 1, 8},
          {{1, 2, 4}, {2, 2, 4}, {2, 1, 4}, {1, 8, 1}},
          {{4, 3, 1, 1}, {8, 1, 2, 8}}},
         {"OwnOneToTwoEightToOneOwn",
          {{1, 1, own}, {1, 2}, {8, 1}, {1, 1, own, 0, 0, 5}},
-         {4, 1},
-         {1, 1},
+         {4, 1, 1, 1},
          {{1, 2, 4}, {2, 1, 4}, {1, 8, 1}, {8, 1, 1}},
          {{4, 3, 1, 1}, {8, 3, 2, 8}, {1, 5, 1, 1}}},
         // Remap, unpack, widen, repeat by two.
         {"OwnOneToEightOwnOneToTwo",
          {{1, 1, own, 0, 0, 4}, {1, 8}, {1, 1, own, 0, 16, 0}, {1, 2}},
-         {1, 1},
-         {16, 1},
+         {1, 1, 16, 1},
          {{1, 8, 1}, {8, 1, 1}, {1, 2, 8}, {2, 1, 8}},
          {{1, 3, 1, 1}, {8, 4, 8, 1}, {16, 8, 2, 1}}},
         {"EightToOneOwnOneToFourOwn",
          {{8, 1}, {1, 1, own}, {1, 4}, {1, 1, own, 0, 16, 0}},
-         {8, 1},
-         {4, 1},
+         {8, 1, 4, 1},
          {{1, 8, 1}, {8, 4, 1}, {4, 1, 1}, {1, 1, 4}},
          {{8, 3, 1, 8}, {4, 3, 4, 1}, {4, 6, 1, 1}}},
         {"FourExpansions",
          {{1, 2}, {1, 2}, {1, 2}, {1, 2}},
-         {1, 16},
-         {16, 1},
+         {1, 16, 16, 1},
          {{16, 8, 1}, {8, 4, 2}, {4, 2, 4}, {2, 1, 8}},
          {{16, 3, 16, 1}}},
         {"FourReductions",
          {{2, 1}, {2, 1}, {2, 1}, {2, 1}},
-         {16, 1},
-         {1, 16},
+         {16, 1, 1, 16},
          {{1, 2, 8}, {2, 4, 4}, {4, 8, 2}, {8, 16, 1}},
          {{16, 3, 1, 16}}},
         {"FourOwnRegions",
          {{1, 1, own}, {1, 1, own}, {1, 1, own}, {1, 1, own, 0, 16, 2}},
-         {1, 1},
-         {1, 1},
+         {1, 1, 1, 1},
          {{1, 1, 1}, {1, 1, 1}, {1, 1, 1}, {1, 1, 1}},
          {{1, 3, 1, 1}, {1, 3, 1, 1}, {1, 3, 1, 1}, {1, 3, 1, 1}, {1, 4, 1, 1}}},
         // Twelve is the least that six and four divide.
         {"OneToSixThenFourToOne",
          {{1, 6}, {4, 1}},
-         {2, 6},
-         {3, 4},
+         {2, 6, 3, 4},
          {{6, 1, 2}, {1, 4, 3}},
          {{12, 3, 6, 4}}},
         {"SixToOneFourToOneNineToNine",
          {{6, 1}, {4, 1}, {9, 9}},
-         {216, 1},
-         {9, 24},
+         {216, 1, 9, 24},
          {{1, 6, 36}, {6, 24, 9}, {24, 24, 1}},
          {{216, 3, 1, 24}}},
     };
@@ -216,8 +193,9 @@ class WorkedChainMetrics : public testing::TestWithParam<WorkedChain>
 TEST_P(WorkedChainMetrics, CountLoadsAndSavesOfABatch)
 {
     const ChainMetrics metrics = MeasureChain(GetParam().steps, 3);
-    EXPECT_EQ(GetParam().load, (Ratio{metrics.GetLoadRatio().chunks, metrics.GetLoadRatio().step}));
-    EXPECT_EQ(GetParam().save, (Ratio{metrics.GetSaveRatio().chunks, metrics.GetSaveRatio().step}));
+    const ChainRatio& load = metrics.GetLoadRatio();
+    const ChainRatio& save = metrics.GetSaveRatio();
+    EXPECT_EQ(GetParam().ratios, (Ratios{load.chunks, load.step, save.chunks, save.step}));
 }
 
 TEST_P(WorkedChainMetrics, ReconcileTheHopsOfTheSteps)
