@@ -57,7 +57,7 @@ template <int trail, int slotCount>
         constexpr int half = slotCount / 2;
         const __m128i first = JoinSlots<trail, half>(slots);
         const __m128i second = JoinSlots<trail, half>(slots + half * unitBytes);
-        return InterleaveLow<half * trail>(first, second);
+        return UnpackLow<half * trail>(first, second);
     }
 }
 

@@ -39,9 +39,9 @@ template <int elementBytes, int groups, int outputs, int parts>
             const __m128i high = from.at[second * parts + part / 2];
             __m128i& result = merged.at[group * mergedParts + part];
             if constexpr (part % 2 == 0)
-                result = InterleaveLow<elementBytes>(low, high);
+                result = UnpackLow<elementBytes>(low, high);
             else
-                result = InterleaveHigh<elementBytes>(low, high);
+                result = UnpackHigh<elementBytes>(low, high);
         });
     });
     return merged;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "common/lanes_vector.h"
 #include "common/size_policies.h"
+#include "common/slot_units_vector.h"
 #include "common/unroll_vector.h"
 
 #include <tmmintrin.h>
@@ -20,16 +22,6 @@ namespace {
 [[gnu::always_inline]] inline void StoreRowUnit(unsigned char* row, __m128i unit)
 {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(row), unit);
-}
-
-[[gnu::always_inline]] inline __m128i LoadSlotUnit(const unsigned char* slot)
-{
-    return _mm_load_si128(reinterpret_cast<const __m128i*>(slot));
-}
-
-[[gnu::always_inline]] inline void StoreSlotUnit(unsigned char* slot, __m128i unit)
-{
-    _mm_store_si128(reinterpret_cast<__m128i*>(slot), unit);
 }
 
 // The 16 bytes from byte shift on of two units side by side.
@@ -52,33 +44,6 @@ template <int shift>
         return unit;
     else
         return _mm_srli_si128(unit, shift);
-}
-
-// Elements of so many bytes, from the low halves of both in turn.
-template <int elementBytes>
-[[gnu::always_inline]] inline __m128i InterleaveLow(__m128i first, __m128i second)
-{
-    if constexpr (elementBytes == 1)
-        return _mm_unpacklo_epi8(first, second);
-    else if constexpr (elementBytes == 2)
-        return _mm_unpacklo_epi16(first, second);
-    else if constexpr (elementBytes == 4)
-        return _mm_unpacklo_epi32(first, second);
-    else
-        return _mm_unpacklo_epi64(first, second);
-}
-
-template <int elementBytes>
-[[gnu::always_inline]] inline __m128i InterleaveHigh(__m128i first, __m128i second)
-{
-    if constexpr (elementBytes == 1)
-        return _mm_unpackhi_epi8(first, second);
-    else if constexpr (elementBytes == 2)
-        return _mm_unpackhi_epi16(first, second);
-    else if constexpr (elementBytes == 4)
-        return _mm_unpackhi_epi32(first, second);
-    else
-        return _mm_unpackhi_epi64(first, second);
 }
 
 // The units of a pixel before its last one are as many as the build says, or the chunk. The count

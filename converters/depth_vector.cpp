@@ -1,7 +1,7 @@
+#include "common/slot_units_vector.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
-#include "converters/chunk_units_vector.h"
 #include "converters/convert_methods.h"
 
 #include <cstdint>
@@ -23,9 +23,9 @@ __m128i WidenHigh(__m128i unit)
 
 void WidenUnit(const unsigned char* from, unsigned char* to)
 {
-    const __m128i unit = LoadUnit(from);
-    StoreUnit(to, WidenLow(unit));
-    StoreUnit(to + unitBytes, WidenHigh(unit));
+    const __m128i unit = LoadSlotUnit(from);
+    StoreSlotUnit(to, WidenLow(unit));
+    StoreSlotUnit(to + unitBytes, WidenHigh(unit));
 }
 
 void WidenOneUnit(void* chunkHeader, const void*)
@@ -33,7 +33,7 @@ void WidenOneUnit(void* chunkHeader, const void*)
     const unsigned char* from = SlotsOf(chunkHeader);
     unsigned char* to = SlotsOf(NextRegionOf(chunkHeader));
     Unroll<slotsPerChunk>([=](auto slot) {
-        StoreUnit(to + slot * unitBytes, WidenLow(LoadUnit(from + slot * unitBytes)));
+        StoreSlotUnit(to + slot * unitBytes, WidenLow(LoadSlotUnit(from + slot * unitBytes)));
     });
 }
 
@@ -49,7 +49,7 @@ void WidenToOddUnits(void* chunkHeader, const void*)
             from += unitBytes;
             to += 2 * unitBytes;
         }
-        StoreUnit(to, WidenLow(LoadUnit(from)));
+        StoreSlotUnit(to, WidenLow(LoadSlotUnit(from)));
         from += unitBytes;
         to += unitBytes;
     }
@@ -74,14 +74,14 @@ __m128i NarrowSamples(__m128i samples)
 
 __m128i NarrowPair(const unsigned char* from)
 {
-    return _mm_packus_epi16(NarrowSamples(LoadUnit(from)),
-                            NarrowSamples(LoadUnit(from + unitBytes)));
+    return _mm_packus_epi16(NarrowSamples(LoadSlotUnit(from)),
+                            NarrowSamples(LoadSlotUnit(from + unitBytes)));
 }
 
 // Stores its 8 bytes twice, which fills the pad of the unit.
 __m128i NarrowSingle(const unsigned char* from)
 {
-    const __m128i samples = NarrowSamples(LoadUnit(from));
+    const __m128i samples = NarrowSamples(LoadSlotUnit(from));
     return _mm_packus_epi16(samples, samples);
 }
 
@@ -90,7 +90,7 @@ void NarrowOneUnit(void* chunkHeader, const void*)
     const unsigned char* from = SlotsOf(chunkHeader);
     unsigned char* to = SlotsOf(NextRegionOf(chunkHeader));
     Unroll<slotsPerChunk>([=](auto slot) {
-        StoreUnit(to + slot * unitBytes, NarrowSingle(from + slot * unitBytes));
+        StoreSlotUnit(to + slot * unitBytes, NarrowSingle(from + slot * unitBytes));
     });
 }
 
@@ -101,11 +101,11 @@ void NarrowOddUnits(void* chunkHeader, const void*)
     unsigned char* to = SlotsOf(NextRegionOf(chunkHeader));
     for (std::uint64_t slot = 0; slot < slotsPerChunk; ++slot) {
         for (std::uint64_t pair = 0; pair < unitCount / 2; ++pair) {
-            StoreUnit(to, NarrowPair(from));
+            StoreSlotUnit(to, NarrowPair(from));
             from += 2 * unitBytes;
             to += unitBytes;
         }
-        StoreUnit(to, NarrowSingle(from));
+        StoreSlotUnit(to, NarrowSingle(from));
         from += unitBytes;
         to += unitBytes;
     }
@@ -118,7 +118,7 @@ void NarrowEvenUnits(void* chunkHeader, const void*)
     const unsigned char* from = SlotsOf(chunkHeader);
     unsigned char* to = SlotsOf(NextRegionOf(chunkHeader));
     for (std::uint64_t pair = 0; pair < pairCount; ++pair)
-        StoreUnit(to + pair * unitBytes, NarrowPair(from + 2 * pair * unitBytes));
+        StoreSlotUnit(to + pair * unitBytes, NarrowPair(from + 2 * pair * unitBytes));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
+#include "common/slot_units_vector.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
-#include "converters/chunk_units_vector.h"
 #include "converters/convert_methods.h"
 
 #include <cstdint>
@@ -29,7 +29,7 @@ template <int depth>
     Unroll<pixelsPerByte<depth>>([&](auto pixel) {
         const auto slot = static_cast<std::uint64_t>(pixel);
         const __m128i samples =
-            _mm_and_si128(LoadUnit(from + slot * slotBytes), SampleMask<depth>());
+            _mm_and_si128(LoadSlotUnit(from + slot * slotBytes), SampleMask<depth>());
         packed = _mm_or_si128(_mm_slli_epi16(packed, depth), samples);
     });
     return packed;
@@ -46,7 +46,7 @@ void PackColumn(unsigned char* column, const PackBlock& block)
         const unsigned char* from = column + chunk * chunkBytes;
         Unroll<passesPerChunk<depth>>([&](auto pass) {
             const auto slot = static_cast<std::uint64_t>(pass) * pixelsPerByte<depth>;
-            StoreUnit(to, PackUnit<depth>(from + slot * slotBytes, slotBytes));
+            StoreSlotUnit(to, PackUnit<depth>(from + slot * slotBytes, slotBytes));
             to += slotBytes;
         });
     }
@@ -66,7 +66,7 @@ template <int depth>
 {
     Unroll<pixelsPerByte<depth>>([&](auto step) {
         const auto slot = static_cast<std::uint64_t>(pixelsPerByte<depth> - 1 - step);
-        StoreUnit(to + slot * slotBytes, _mm_and_si128(packed, SampleMask<depth>()));
+        StoreSlotUnit(to + slot * slotBytes, _mm_and_si128(packed, SampleMask<depth>()));
         packed = _mm_srli_epi16(packed, depth);
     });
 }
@@ -81,7 +81,7 @@ void UnpackColumn(unsigned char* column, const SpreadBlock& block)
         unsigned char* to = column + chunk * block.stride;
         Unroll<passesPerChunk<depth>>([&](auto step) {
             const auto pass = static_cast<std::uint64_t>(passesPerChunk<depth> - 1 - step);
-            UnpackUnit<depth>(LoadUnit(from + pass * slotBytes),
+            UnpackUnit<depth>(LoadSlotUnit(from + pass * slotBytes),
                               to + pass * pixelsPerByte<depth> * slotBytes, slotBytes);
         });
     }

@@ -1,7 +1,7 @@
+#include "common/slot_units_vector.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
-#include "converters/chunk_units_vector.h"
 #include "converters/convert_methods.h"
 
 #include <cstdint>
@@ -17,11 +17,12 @@ template <int factor>
 {
     Unroll<slotsPerChunk>([=](auto step) {
         constexpr int slot = slotsPerChunk - 1 - step;
-        const __m128i unit = LoadUnit(column + slot * slotBytes);
+        const __m128i unit = LoadSlotUnit(column + slot * slotBytes);
         Unroll<factor>([=](auto copy) {
             constexpr int target = slot * factor + factor - 1 - copy;
-            StoreUnit(column + target / slotsPerChunk * stride + target % slotsPerChunk * slotBytes,
-                      unit);
+            StoreSlotUnit(column + target / slotsPerChunk * stride +
+                              target % slotsPerChunk * slotBytes,
+                          unit);
         });
     });
 }

@@ -1,7 +1,7 @@
+#include "common/slot_units_vector.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
-#include "converters/chunk_units_vector.h"
 #include "converters/convert_methods.h"
 
 #include <cstdint>
@@ -22,7 +22,7 @@ HeldMasks<units> HoldMasks(const unsigned char* masks)
     HeldMasks<units> held;
     Unroll<units>([&](auto output) {
         Unroll<units>([&](auto input) {
-            held.mask[output][input] = LoadUnit(masks + (output * units + input) * unitBytes);
+            held.mask[output][input] = LoadSlotUnit(masks + (output * units + input) * unitBytes);
         });
     });
     return held;
@@ -34,10 +34,10 @@ void RemapSlot(const unsigned char* from, unsigned char* to, const HeldMasks<uni
     Unroll<units>([&](auto output) {
         __m128i unit = _mm_setzero_si128();
         Unroll<units>([&](auto input) {
-            unit = _mm_or_si128(unit, _mm_shuffle_epi8(LoadUnit(from + input * unitBytes),
+            unit = _mm_or_si128(unit, _mm_shuffle_epi8(LoadSlotUnit(from + input * unitBytes),
                                                        masks.mask[output][input]));
         });
-        StoreUnit(to + output * unitBytes, unit);
+        StoreSlotUnit(to + output * unitBytes, unit);
     });
 }
 
@@ -55,8 +55,8 @@ void RemapFixedUnits(void* chunkHeader, const void* block)
 
 __m128i PickLanes(const unsigned char* units, const unsigned char* masks, std::uint64_t index)
 {
-    return _mm_shuffle_epi8(LoadUnit(units + index * unitBytes),
-                            LoadUnit(masks + index * unitBytes));
+    return _mm_shuffle_epi8(LoadSlotUnit(units + index * unitBytes),
+                            LoadSlotUnit(masks + index * unitBytes));
 }
 
 __m128i GatherUnit(const unsigned char* from, std::uint64_t inputUnits, const unsigned char* masks)
@@ -86,7 +86,7 @@ void RemapUnits(void* chunkHeader, const void* block)
     unsigned char* to = SlotsOf(nextHeader);
     for (std::uint64_t slot = 0; slot < slotsPerChunk; ++slot) {
         for (std::uint64_t output = 0; output < outputUnits; ++output) {
-            StoreUnit(to, GatherUnit(from, inputUnits, masks + output * inputSlotBytes));
+            StoreSlotUnit(to, GatherUnit(from, inputUnits, masks + output * inputSlotBytes));
             to += unitBytes;
         }
         from += inputSlotBytes;

@@ -1,7 +1,7 @@
+#include "common/slot_units_vector.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
 #include "converters/chunk_slots.h"
-#include "converters/chunk_units_vector.h"
 #include "converters/convert_methods.h"
 
 #include <cstdint>
@@ -16,9 +16,9 @@ void ReverseColumn(unsigned char* column, std::uint64_t slotBytes)
         unsigned char* front = column + static_cast<std::uint64_t>(slot) * slotBytes;
         unsigned char* back =
             column + static_cast<std::uint64_t>(slotsPerChunk - 1 - slot) * slotBytes;
-        const __m128i unit = LoadUnit(front);
-        StoreUnit(front, LoadUnit(back));
-        StoreUnit(back, unit);
+        const __m128i unit = LoadSlotUnit(front);
+        StoreSlotUnit(front, LoadSlotUnit(back));
+        StoreSlotUnit(back, unit);
     });
 }
 
