@@ -33,7 +33,7 @@ std::uint64_t IndexOfTrail(const Facility& facility, const TrailRecord& record)
     return samples - 1;
 }
 
-// Numbers are those that tell the method lists of a family apart.
+// The numbers choose among the method lists of a family.
 template <typename Walk, const TrailRecord& record, auto getMethods, auto... numbers>
 class VectorEnd : public Walk
 {

@@ -79,7 +79,7 @@ protected:
     static constexpr const StepRecord& answers = record;
 };
 
-// Numbers are those that tell the methods of a family apart.
+// The numbers choose among the methods of a family.
 template <typename Base, auto getMethod, auto... numbers>
 class MethodStep : public Base
 {

@@ -54,7 +54,7 @@ std::size_t SampleBytes(const Shape& shape)
     return shape.bits > 8 ? 2 : 1;
 }
 
-// Where a sample's bytes begin in a row of so many columns.
+// A sample's bytes begin there in a row of so many columns.
 std::size_t SampleAt(const Shape& shape, std::size_t columns, std::size_t column,
                      std::size_t channel)
 {

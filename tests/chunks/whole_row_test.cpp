@@ -14,7 +14,7 @@ struct RowCase
     std::int32_t layout;
     std::int32_t bits;
     std::int32_t channels;
-    // Of the row, in pixels; a packed row has several in a column.
+    // Counted in pixels, of which a packed row has several in a column.
     std::int64_t width;
     std::size_t columns;
     bool reversed;

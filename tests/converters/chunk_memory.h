@@ -9,7 +9,7 @@
 namespace zvk::Pelkraft::TestSupport {
 
 // Chunks of one pixel size. Of each region every outStep-th chunk is linked, to every inStep-th of
-// the region behind it.
+// the region after it.
 struct RegionPlan
 {
     std::size_t pixelBytes;

@@ -65,7 +65,7 @@ struct Place
     std::size_t to;
 };
 
-// What the memory holds behind the step: the samples of one chunk, and nothing else, are new.
+// After the step the samples of one chunk, and nothing else in the memory, are new.
 Bytes NaiveDepthStep(Bytes bytes, const ChunkMemory& memory, Direction direction, Place chunk,
                      std::size_t channels)
 {

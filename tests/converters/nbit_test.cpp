@@ -46,7 +46,7 @@ void Unpack(const Shape& shape, const Road& road, const ChunkMemory& memory)
             memory.Header(0));
 }
 
-// Where the sample of a pixel lies, counted through the unpacked chunks.
+// The sample of a pixel lies there, counted through the unpacked chunks.
 std::size_t SampleAt(const ChunkMemory& memory, const Shape& shape, std::size_t pixel,
                      std::size_t lane)
 {
@@ -74,13 +74,13 @@ std::size_t RoundUp(std::size_t value, std::size_t step)
     return (value + step - 1) / step * step;
 }
 
-// What a road packs: whole slots, or whole words from the slot's start.
+// A road packs whole slots, or whole words from the slot's start.
 Lanes PackedLanes(const Road& road, const Shape& shape)
 {
     return {0, RoundUp(shape.channels, road.isVector ? 16 : 4)};
 }
 
-// What a road unpacks: whole slots, or as many words, but at the slot's end.
+// A road unpacks whole slots, or as many words, but at the slot's end.
 Lanes UnpackedLanes(const Road& road, const Shape& shape)
 {
     const std::size_t slotBytes = RoundUp(shape.channels, 16);

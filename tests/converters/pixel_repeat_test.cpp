@@ -95,7 +95,7 @@ TEST(PixelRepeat, RepeatsAlikeForANegativeFactor)
             }
 }
 
-// Marks the input slots by their number and tells which one an output slot holds.
+// Marks the input slots by their number and answers which one an output slot holds.
 unsigned MarkIn(const Shape& shape, const Road& road, std::size_t chunk, std::size_t slot)
 {
     const ChunkMemory memory = MemoryOf(shape, 1);

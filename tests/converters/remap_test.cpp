@@ -60,7 +60,7 @@ std::int64_t NaiveLane(std::int64_t entry, const Shape& shape, const Road& road,
     return entry < lanes ? entry : noLane;
 }
 
-// What the memory holds behind the step on chunk `from` of the input region.
+// The memory holds this after the step on chunk `from` of the input region.
 Bytes NaiveRemap(Bytes bytes, const ChunkMemory& memory, const Shape& shape, const Road& road,
                  std::size_t from = 0, std::size_t to = 0)
 {
@@ -262,7 +262,7 @@ TEST(RemapEntry, ReadsPadLanesAsItsRoadDoes)
         const unsigned seven = road.isVector ? 107 : 105;
         const unsigned eight = road.isVector ? 0 : 105;
         EXPECT_EQ((Pixel{seven, eight}), FirstPixel({16, 5, {7, 8}}, road));
-        // A slot without pad: the lane behind it is the next pixel's first.
+        // A slot without pad: the lane after it is the next pixel's first.
         const unsigned next = road.isVector ? 0 : 100;
         EXPECT_EQ((Pixel{107, next}), FirstPixel({16, 8, {7, 8}}, road));
     }
@@ -278,7 +278,7 @@ TEST(RemapEntry, AtTheCountOfAFullSlotReadsBehindThePixelOnThePortableRoad)
     const Bytes after = memory.bytes();
     for (std::size_t slot = 0; slot < 15; ++slot)
         EXPECT_EQ(before[memory.SlotStart(0, 0, slot + 1)], after[memory.SlotStart(1, 0, slot)]);
-    // Behind the last slot stands the header of the output chunk.
+    // The header of the output chunk follows the last slot.
     EXPECT_EQ(before[memory.SlotStart(0, 0, 15) + 16], after[memory.SlotStart(1, 0, 15)]);
 }
 

@@ -59,7 +59,7 @@ void PrintTo(const Sight& sight, std::ostream* out)
         *out << ' ' << static_cast<int>(pixel);
 }
 
-// What each run finds in its first chunk, and how much of the row has been saved by then.
+// Notes what each run finds in its first chunk, and how much of the row has been saved by then.
 std::vector<Sight> SightsOf(FakeChain& chain, std::size_t sourceWidth, std::size_t width)
 {
     const Bytes source = NumberedChunks(sourceWidth);

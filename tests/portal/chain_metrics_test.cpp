@@ -78,13 +78,13 @@ const std::vector<WorkedChain>& WorkedChains()
          {6, 1, 1, 6},
          {{1, 2, 3}, {2, 6, 1}},
          {{6, 3, 1, 6}}},
-        // The way of a remap behind a packer: it reads every eighth chunk.
+        // A remap after a packer reads every eighth chunk.
         {"EightToOneThenOwnRegion",
          {{8, 1}, {1, 1, own, 0, 0, 17}},
          {8, 1, 1, 1},
          {{1, 8, 1}, {8, 1, 1}},
          {{8, 3, 1, 8}, {1, 17, 1, 1}}},
-        // The way of a depth change ahead of a repeat: it writes every fourth chunk.
+        // A depth change ahead of a repeat writes every fourth chunk.
         {"OwnRegionThenOneToFour",
          {{1, 1, own, 0, 16, 0}, {1, 4}},
          {1, 1, 4, 1},

@@ -74,7 +74,7 @@ TEST(ChainRoad, ClearsTheBitsBehindTheLastPackedPixel)
         [](std::int32_t sseVersion) { return Facility::Create_Packer(sseVersion, 1); });
 }
 
-// The mask goes by the pixels that move, and the byte behind theirs stays.
+// The mask goes by the pixels that move, and the byte after theirs stays.
 TEST(ChainRoad, MasksByTheActiveWidth)
 {
     PortalCase portalCase{0, MakeFormat(8, LayoutInterleaved, 1, 11),
@@ -153,7 +153,7 @@ TEST(ChainRoad, ReadsTheMapNoMoreOnceTheChainIsBuilt)
     }
 }
 
-// What the first of two chunks of a reversed row of one channel holds once it is loaded. The
+// Answers with the slots of the first of two chunks of a reversed row once it is loaded. The
 // portable loader writes pixels only, so that staged bytes can still be seen.
 Bytes LoadedSlots(std::int32_t layout, std::size_t gap)
 {

@@ -10,14 +10,14 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// What a step of a test's chain says of itself.
+// A step of a test's chain says this of itself.
 struct FakeStep
 {
     std::uint64_t inputChunks;
     std::uint64_t outputChunks;
     bool ownRegion = false;
     std::uint64_t parameterBytes = 0;
-    // Of the format that it hands on; 0 keeps that of its input.
+    // The format that it hands on has these; 0 keeps those of its input.
     std::int32_t outputBits = 0;
     std::int32_t outputChannels = 0;
 };
@@ -48,10 +48,10 @@ public:
     // "select 0", "metrics 0", "format 0", "method 0" and "run 0", as they came.
     const std::vector<std::string>& GetCalls() const { return calls; }
     const std::vector<StepRun>& GetRuns() const { return runs; }
-    // As handed to GetConvertMethod, by step.
+    // GetConvertMethod was handed these, by step.
     const ChunkStepGeometry& GetGeometry(std::size_t step) const { return geometries[step]; }
     void* GetParameters(std::size_t step) const { return blocks[step]; }
-    // As handed to the selection, by step.
+    // The selection was handed these, by step.
     const ImageRowFormat& GetInput(std::size_t step) const { return inputs[step]; }
 
     // Called at each run, before the step does its work.
@@ -82,7 +82,7 @@ ActiveSteps ActiveOf(const std::vector<ChunkConvertFacility>& records);
 // The metrics of a chain on an interleaved source of 8 bits.
 ChainMetrics MeasureChain(const std::vector<FakeStep>& steps, std::int32_t channels);
 
-// The pixels of a chunk without what lies behind them in the slots.
+// The pixels of a chunk without the pad of the slots.
 std::vector<unsigned char> PixelsOf(const ChunkHeader* chunk);
 
 } // namespace zvk::Pelkraft::TestSupport

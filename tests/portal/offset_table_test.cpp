@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* invalidIndex = "zvk::Pelkraft::OffsetTable::SetEntry invalid index";
 
-// Room for two entries at 320 and for blocks behind them.
+// The memory has room for two entries at 320 and for blocks after them.
 using Memory = std::array<unsigned char, 512>;
 
 std::uint64_t NumberAt(const Memory& memory, std::size_t offset)

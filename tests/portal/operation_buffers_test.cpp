@@ -71,7 +71,7 @@ const std::vector<WorkedBuffer>& WorkedBuffers()
          896,
          {{944, 80}, {1024, 288}, {0, 0}},
          1312},
-        // A remap behind a packer meets each eighth chunk.
+        // A remap after a packer meets each eighth chunk.
         {"StepOfEightAheadOfTheSecondRegion",
          {{8, 1, false, 16}, {1, 1, own, 17, 0, 17}},
          0,

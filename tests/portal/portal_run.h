@@ -21,7 +21,7 @@ ImageRowFormat MakeFormat(std::int32_t bits, std::int32_t layout, std::int32_t c
 // Bytes of a row, from the definition.
 std::size_t RowBytes(const ImageRowFormat& format);
 
-// Where both rows lie: at the end or the start of their pages, some bytes away from it.
+// Both rows lie at the end or the start of their pages, some bytes away from it.
 struct Placement
 {
     Flush flush = Flush::AtEnd;
