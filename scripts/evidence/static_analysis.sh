@@ -13,7 +13,7 @@ mapfile -t library < <(cat cmake/rooms.txt && echo include)
 others=(tests benchmarks fuzz examples)
 mapfile -t sample < <(for room in "${library[@]}"; do git ls-files "$room/*.cpp" | head -n 1; done)
 # They belong to builds of their own, and need no more than these flags.
-apart=(tests/copy/divide_error_probe.cpp tests/package/consumer/main.cpp)
+apart=(tests/copy/divide_error_probe.cpp tests/package/consumer/main.cpp tests/rows/stack_test.cpp)
 apart_flags=(-std=c++20 -I. -Iinclude -Isystem_tools/include)
 
 sources_of() { git ls-files "${@/%//*.cpp}" "${@/%//*.h}"; }
