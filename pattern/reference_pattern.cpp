@@ -186,10 +186,11 @@ template <typename RandomSource>
 void CDotWeavePattern<RandomSource>::ApplyPixel(const unsigned char* source)
 {
     mPixel.fill(0);
-    for (std::int32_t i = 0; i < mInColors.Count(); ++i)
+    // A repeated name leads to an index beyond the pixel, where no step stands.
+    const std::int32_t inColors = std::min(mInColors.Count(), GetInColorCount());
+    for (std::int32_t i = 0; i < inColors; ++i)
         if (const auto* record = mInColors.Find(i); record != nullptr)
-            // A repeated name leads to an index behind the pixel, where no step stands.
-            ApplyInColor(*record, i < GetInColorCount() ? source[i] : std::uint8_t{0});
+            ApplyInColor(*record, source[i]);
     if (!mRandomOld)
         for (const auto& [key, random] : mRandomFields)
             random->Next();

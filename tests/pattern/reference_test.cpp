@@ -212,11 +212,17 @@ TEST(ReferenceClass, AnswersTheLinesOfTheLastList)
     EXPECT_EQ(pattern.GetNumberOfStepsForInColor(-1), 0);
 }
 
-TEST(ReferenceClass, TakesStepZeroBehindAPixel)
+TEST(ReferenceClass, LeavesOutInColorsWhoseIndexIsBeyondThePixel)
 {
-    // A stands at index 1 of the list, and a pixel has one byte.
-    EXPECT_EQ(Once(Head("2", "A A", "X") + InColor("A", "X", "0 1 0-4 1 1 0-5"), {1, 1}),
-              (Bytes{4, 4}));
+    // A stands at index 2 of the list, and a pixel has two bytes.
+    const std::string text =
+        Head("2", "A B A", "X Y") + InColor("A", "X", "0 1 0-5") + InColor("B", "Y", "1 1 0-6");
+    EXPECT_EQ(Once(text, {1, 1, 1, 1}), (Bytes{0, 6, 0, 6}));
+    // Nor does such an in-colour move the source that it shares with another.
+    const std::string halves = InColor("B", "Y", "1 1:1 0-1 0-2");
+    EXPECT_EQ(Once(Head("2", "A B A", "X Y") + InColor("A", "X", "0 1:1 0-1 0-2") + halves,
+                   Bytes(200, 1)),
+              Once(Head("2", "A B", "X Y") + halves, Bytes(200, 1)));
 }
 
 TEST(ReferenceClass, WritesNothingOfAnInkBehindThePixel)
