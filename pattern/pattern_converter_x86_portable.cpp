@@ -37,7 +37,8 @@ void DotWeavePatternConverterX86::RepairRows()
     for (std::uint32_t c = 0; c < mNumCombinations; ++c)
         for (std::size_t ink = 0; ink < inks; ++ink) {
             StepRow* row = mCombinations[c].inkSteps[ink];
-            if (GetInColorOfOutInk()[ink] == noInColorOfInk || row == nullptr)
+            // An in-colour listed at index 255 reads like none, but has a row.
+            if (row == nullptr)
                 throw inkWithoutInColor;
             RepairRow(*row, TopStepOfInk(ink));
         }
