@@ -19,8 +19,8 @@ public:
 
     virtual void InitFromText(char* text) = 0;
     virtual void ResetRandomizer() = 0;
-    // A row of packed pixels, of as many bytes as there are in-colours and out-inks. Of the count
-    // the low 32 bits count.
+    // Pixels are packed, of as many bytes as there are in-colours and out-inks. Only the low 32
+    // bits of their count are taken.
     virtual void ApplyPattern(unsigned char* source, unsigned char* destination,
                               unsigned long pixels) = 0;
     virtual int GetInColorCount() = 0;

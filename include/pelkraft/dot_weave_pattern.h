@@ -13,7 +13,8 @@ class DotWeavePatternEngine;
 //
 // Shape      A source pixel is one byte for each in-colour, its step number; a destination pixel
 //            one byte for each out-ink. Pixels are packed. One call of ApplyPattern is one row.
-// Units      Counts of pixels, 32 bits of which count. Step numbers 0 to 7.
+// Units      Counts of pixels, up to 4,294,967,295 for a row: a larger count loses all but its low
+//            32 bits, so that 2^32 + 5 is 5 pixels. Step numbers 0 to 7.
 // Ranges     A step above the top step of its in-colour is taken for the top step; with Reference
 //            a step above 7 sets nothing. No byte beyond the pixels of a row is read or written.
 // Errors     Thrown by the constructors alone, as const wchar_t* or const char*, a constant text;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 
 namespace zvk::Pelkraft {
@@ -62,6 +63,20 @@ TEST(PatternEngines, TouchNoByteOutsideTheRows)
                             << inColors << " " << outInks << " " << pixels;
                     }
             }
+}
+
+TEST(PatternEngines, TakeTheLow32BitsOfACount)
+{
+    for (const Engine engine :
+         {DotWeavePattern::X86, DotWeavePattern::Sse, DotWeavePattern::Reference}) {
+        DotWeavePattern cut = Load(Wide(2, 3), engine);
+        DotWeavePattern plain = Load(Wide(2, 3), engine);
+        const GuardedBuffer source(RandomSteps(10, 1));
+        const GuardedBuffer destination(15, Flush::AtEnd, 0xA5);
+        cut.ApplyPattern(source.data(), destination.data(),
+                         static_cast<unsigned long>((std::uint64_t{1} << 32) + 5));
+        EXPECT_EQ(destination.bytes(), TestSupport::Apply(plain, source.bytes()));
+    }
 }
 
 TEST(PatternEngines, WriteNothingBehindThePixels)
