@@ -7,7 +7,7 @@ namespace Pelkraft {
 
 class DotWeavePatternEngine;
 
-// A dot pattern: reads its text once, then turns rows of step numbers into rows of ink values.
+// A dot pattern reads its text once, then turns rows of step numbers into rows of ink values.
 // Which of the pattern's alternatives a pixel gets is drawn from a field that is built with the
 // pattern: in the long run each as often as its weight says, and the same for the same text.
 //
@@ -18,13 +18,13 @@ class DotWeavePatternEngine;
 // Ranges     A step above the top step of its in-colour is taken for the top step; with Reference
 //            a step above 7 sets nothing. No byte beyond the pixels of a row is read or written.
 // Errors     Thrown by the constructors alone, as const wchar_t* or const char*, a constant text;
-//            std::bad_alloc where memory is short. Nothing is left over.
+//            std::bad_alloc where memory is short. A failed constructor frees all that it took.
 // Ownership  The text is the caller's and is not kept. Copies share one engine, and so the place
 //            in its field; the last of them frees it.
 // Threads    One object serves one thread at a time, and so do all its copies together. Distinct
-//            patterns may be built and applied at once. What a version 3 pattern on the Sse
-//            engine walks depends on which such pattern the process has built last, since its
-//            field wraps at the smaller size of the two.
+//            patterns may be built and applied at once. The field of a version 3 pattern on the
+//            Sse engine wraps at the size of the field that the process built last for such a
+//            pattern, where that is smaller than its own.
 //
 // The texts that a constructor throws, wide:
 //   "Internal Message: no input dotweave pattern"            null text
@@ -60,50 +60,51 @@ class DotWeavePatternEngine;
 class PELKRAFT_EXPORT DotWeavePattern
 {
 public:
-    // What runs the pattern.
+    // An engine runs the pattern.
     enum Engine : int
     {
-        // As Sse where zvk::SystemTools::GetSseVersion() is 3 or more: with the same bytes, but
-        // from level 6 on by wider vectors where they suit the pattern. Else X86.
+        // The processor decides: where zvk::SystemTools::GetSseVersion() is 3 or more, Automatic
+        // gives the bytes of Sse, from level 6 on by wider vectors where they suit the pattern.
+        // Below that it is X86.
         Automatic = 0,
-        // A simple second implementation that draws for each in-colour, and so gives other bytes.
-        // It takes every version.
+        // Reference is a simple second implementation that draws for each in-colour, and so gives
+        // other bytes. It takes every version.
         Reference = 1,
-        // Any processor.
+        // X86 is portable and runs on any processor.
         X86 = 2,
-        // SSSE3, which the caller answers for. Gives the bytes of X86, save that the first row
-        // after ResetRandomizer starts one place earlier. Takes patterns that X86 refuses, and
-        // refuses patterns that need too many values at once.
+        // Sse needs SSSE3, which the caller answers for. It gives the bytes of X86, save that the
+        // first row after ResetRandomizer starts one place earlier. It takes patterns that X86
+        // refuses, and refuses patterns that need too many values at once.
         Sse = 3
     };
 
-    // As with Automatic.
+    // The engine is Automatic.
     explicit DotWeavePattern(char* text);
-    // Reads a text that a zero byte ends.
+    // The text ends with a zero byte.
     DotWeavePattern(char* text, Engine engine);
     // Shares the engine of other.
     DotWeavePattern(const DotWeavePattern& other);
-    // As the copy, and lets go of the own engine.
+    // Shares the engine of other, and frees its former one where no copy shares that.
     DotWeavePattern& operator=(const DotWeavePattern& other);
     // Frees the engine where no copy shares it.
     ~DotWeavePattern();
 
-    // Starts the rows anew; draws nothing anew.
+    // The rows begin again from the first one. The field stays as it is.
     void ResetRandomizer();
 
-    // One row, from source to destination, which must not overlap. A row of 0 pixels touches
-    // neither and counts as a row.
+    // Applies the pattern to one row, from source to destination, which must not overlap. A row of
+    // 0 pixels touches neither and counts as a row.
     void ApplyPattern(unsigned char* source, unsigned char* destination, unsigned long pixels);
 
-    // Bytes of a source pixel.
+    // The bytes of a source pixel.
     int GetInColorCount();
 
-    // Not a count: the number of an in-colour's top step, and 255 for one that is listed
-    // but not described; with Reference the number of its value lines. 0 for an index outside
-    // the in-colours.
+    // The result is no count, but the number of an in-colour's top step, and 255 for one that is
+    // listed but not described. With Reference it is the number of the in-colour's value lines. An
+    // index outside the in-colours gives 0.
     int GetNumberOfStepsForInColor(int inColor);
 
-    // Bytes of a destination pixel.
+    // The bytes of a destination pixel.
     int GetOutColorCount();
 
 protected:
