@@ -1,6 +1,12 @@
 #include "pelkraft/dot_weave_pattern.h"
 
+#include "pattern/pattern_converter_sse.h"
+#include "pattern/pattern_engine_x86.h"
+#include "pattern/random_field.h"
+#include "pattern/random_field_ng.h"
+#include "pattern/reference_pattern.h"
 #include "tests/pattern/pattern_support.h"
+#include "tests/support/virtual_slots.h"
 
 #include <gtest/gtest.h>
 
@@ -63,12 +69,37 @@ TEST(DotWeavePatternInterface, HasItsEngineInFrontOfTheVersionOfItsText)
 
 TEST(DotWeavePatternInterface, SharesTheFieldInFrontWithItsCopiesAlone)
 {
-    const Pattern pattern = PatternOfVersion("2");
+    const Pattern pattern = PatternOfVersion("3");
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is what is tried.
     const Pattern copy(pattern);
-    const Pattern other = PatternOfVersion("2");
+    const Pattern other = PatternOfVersion("3");
     EXPECT_EQ(FieldsOf(pattern).engine, FieldsOf(copy).engine);
+    EXPECT_EQ(3, FieldsOf(copy).textVersion);
     EXPECT_NE(FieldsOf(pattern).engine, FieldsOf(other).engine);
+}
+
+TEST(DotWeavePatternEngines, HaveTheirVirtualOperationsInTheirOrder)
+{
+    using Base = DotWeavePatternEngine;
+    // The destructor takes the two places before these.
+    int next = 2;
+    EXPECT_EQ(next++, SlotOf(&Base::InitFromText));
+    EXPECT_EQ(next++, SlotOf(&Base::ResetRandomizer));
+    EXPECT_EQ(next++, SlotOf(&Base::ApplyPattern));
+    EXPECT_EQ(next++, SlotOf(&Base::GetInColorCount));
+    EXPECT_EQ(next++, SlotOf(&Base::GetNumberOfStepsForInColor));
+    EXPECT_EQ(next++, SlotOf(&Base::GetOutColorCount));
+    EXPECT_EQ(next++, SlotOf(&Base::GetConverter));
+    EXPECT_EQ(next, SlotOf(&DotWeavePatternEngineX86<RandomField>::GetRandomSource));
+    EXPECT_EQ(next, SlotOf(&DotWeavePatternEngineX86<RandomFieldNG>::GetRandomSource));
+    EXPECT_EQ(next, SlotOf(&Testonly::CDotWeavePattern<RandomField>::GetRandomSource));
+}
+
+TEST(DotWeavePatternConverter, HasItsVirtualOperationsInTheirOrder)
+{
+    EXPECT_EQ(0, SlotOf(&DotWeavePatternConverter::Parse));
+    EXPECT_EQ(1, SlotOf(&DotWeavePatternConverter::Reset));
+    EXPECT_EQ(2, SlotOf(&DotWeavePatternConverterSse::GetSseTables));
 }
 
 } // namespace
