@@ -12,7 +12,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -188,7 +190,7 @@ TEST(DotWeavePattern, SharesItsEngineWithItsCopies)
         DotWeavePattern alone = Load(text, engine);
         DotWeavePattern original = Load(text, engine);
         DotWeavePattern target = Load(Head("2", "A", "X") + InColor("A", "X", "1 1 0-1"), engine);
-        target = original;
+        EXPECT_EQ(&(target = original), &target);
         EXPECT_EQ(target.GetInColorCount(), 2);
         EXPECT_EQ(target.GetOutColorCount(), 3);
         // Both move one random source.
@@ -211,9 +213,29 @@ TEST(DotWeavePattern, OutlivesTheObjectItWasAssignedFrom)
             target = original;
         }
         const DotWeavePattern& itself = target;
-        target = itself;
+        EXPECT_EQ(&(target = itself), &target);
         EXPECT_EQ(Apply(target, source), Apply(alone, source));
     }
+}
+
+TEST(DotWeavePattern, LeavesThePlatformsGeneratorAlone)
+{
+    const auto drawn = [] {
+        std::vector<int> numbers(5);
+        std::generate(numbers.begin(), numbers.end(), std::rand);
+        return numbers;
+    };
+    std::srand(815);
+    const std::vector<int> expected = drawn();
+    for (const Engine engine : allEngines)
+        for (const char* version : {"2", "3"}) {
+            std::srand(815);
+            DotWeavePattern pattern =
+                Load(Head(version, "A", "X") + InColor("A", "X", "1 1:1 0-1 0-2"), engine);
+            Apply(pattern, Bytes(100, 1));
+            pattern.ResetRandomizer();
+            EXPECT_EQ(drawn(), expected) << engine << " " << version;
+        }
 }
 
 // Reaches what only a derived class can.
