@@ -186,8 +186,7 @@ template <typename RandomSource>
 void CDotWeavePattern<RandomSource>::ApplyPixel(const unsigned char* source)
 {
     mPixel.fill(0);
-    // A repeated name leads to an index beyond the pixel, where no step stands.
-    const std::int32_t inColors = std::min(mInColors.Count(), GetInColorCount());
+    const std::int32_t inColors = CountInColors();
     for (std::int32_t i = 0; i < inColors; ++i)
         if (const auto* record = mInColors.Find(i); record != nullptr)
             ApplyInColor(*record, source[i]);
@@ -223,7 +222,7 @@ int CDotWeavePattern<RandomSource>::GetInColorCount()
 template <typename RandomSource>
 int CDotWeavePattern<RandomSource>::GetNumberOfStepsForInColor(int inColor)
 {
-    if (inColor < 0 || inColor >= GetInColorCount())
+    if (inColor < 0 || inColor >= CountInColors())
         return 0;
     const auto* record = mInColors.Find(inColor);
     return record != nullptr ? record->numValueLines : 0;

@@ -5,6 +5,7 @@
 #include "pattern/pattern_reader.h"
 #include "pattern/value_line.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <map>
@@ -61,11 +62,14 @@ protected:
     // Sources shared by all steps of one sum of weights, which move with the pixels that use
     // them. Off: sources shared by steps of one distribution, which move with every pixel.
     bool mRandomOld = true;
+    InColorRecords<TestInColorRecord<RandomSource>> mInColors;
 
 private:
     class TextSink;
 
     void Clear();
+    // A repeated name leads to an index beyond the pixel, where no step stands.
+    std::int32_t CountInColors() { return std::min(mInColors.Count(), GetInColorCount()); }
     void ApplyPixel(const unsigned char* source);
     void ApplyInColor(const TestInColorRecord<RandomSource>& record, std::uint8_t step);
 
@@ -73,7 +77,6 @@ private:
     std::int32_t mVersion = 1;
     NameTable mInColorNames;
     NameTable mOutInkNames;
-    InColorRecords<TestInColorRecord<RandomSource>> mInColors;
     std::array<std::uint8_t, outInksOfPixel> mPixel{};
     std::map<std::int64_t, std::unique_ptr<RandomSource>> mRandomFields;
     std::int32_t mRandomSeed = 42;

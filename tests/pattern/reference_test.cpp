@@ -307,16 +307,11 @@ TEST(ReferenceClass, DrawsInItsOlderWayUnlessToldOtherwise)
     EXPECT_TRUE(ReadRandomOldSetting(true));
 }
 
-// The newer way, which no setting can reach.
-class NewerDrawing : public Testonly::CDotWeavePattern<RandomField>
+// The class itself, whose fields and newer way of drawing the pattern class doesn't show.
+class OpenReference : public Testonly::CDotWeavePattern<RandomField>
 {
 public:
-    // cppcheck-suppress passedByValue // a pattern is loaded from a text that may be changed
-    explicit NewerDrawing(std::string text)
-    {
-        mRandomOld = false;
-        InitFromText(text.data());
-    }
+    void Load(std::string text) { InitFromText(text.data()); }
 
     Bytes Apply(Bytes source)
     {
@@ -325,7 +320,36 @@ public:
         ApplyPattern(source.data(), destination.data(), pixels);
         return destination;
     }
+
+    using CDotWeavePattern::mInColors;
+    using CDotWeavePattern::mRandomOld;
 };
+
+TEST(ReferenceClass, HoldsValuesOf32Bits)
+{
+    OpenReference pattern;
+    pattern.Load(Values("2", "1 1:1:1:1 0-2147483647 0--2147483648 0-65536 0--1"));
+    const auto& values = pattern.mInColors.Find(0)->steps[1].table[0];
+    EXPECT_EQ(std::vector<std::int64_t>(values.begin(), values.begin() + 4),
+              (std::vector<std::int64_t>{2147483647, -2147483648LL, 65536, -1}));
+}
+
+TEST(ReferenceClass, ForgetsAnEarlierTextAsANewOneIsRead)
+{
+    const std::string block = InColor("A", "X", "1 1:1 0-1 0-2");
+    OpenReference fresh;
+    fresh.Load(Head("2", "A", "X") + "RANDOM_SEED 7" + block);
+    const Bytes expected = fresh.Apply(Bytes(100, 1));
+    OpenReference pattern;
+    pattern.Load(Head("2", "A", "X") + block);
+    EXPECT_NE(pattern.Apply(Bytes(100, 1)), expected);
+    pattern.Load(Head("2", "A", "X") + "RANDOM_SEED 7" + block);
+    EXPECT_EQ(pattern.Apply(Bytes(100, 1)), expected);
+    // A text without the header word leaves the names alone and no in-colour.
+    pattern.Load("VERSION 2");
+    EXPECT_EQ(pattern.Apply(Bytes(100, 1)), Bytes(100, 0));
+    EXPECT_EQ(pattern.GetNumberOfStepsForInColor(0), 0);
+}
 
 TEST(ReferenceClass, MovesEachSourceWithEachPixelInTheNewerWay)
 {
@@ -333,7 +357,9 @@ TEST(ReferenceClass, MovesEachSourceWithEachPixelInTheNewerWay)
     const std::string text = Head("2", "A B", "X Y") + "RANDOM_SEED 11" +
                              InColor("A", "X", "1 1:1 0-0 0-1 2 1:2 0-0 0-1 3 1:1 0-2 0-3") +
                              InColor("B", "Y", "1 1:1 0-0 0-1");
-    NewerDrawing pattern(text);
+    OpenReference pattern;
+    pattern.mRandomOld = false;
+    pattern.Load(text);
     std::vector<std::uint32_t> draws(65536);
     NaiveRand rand(11);
     for (std::uint32_t& draw : draws)
@@ -371,7 +397,9 @@ TEST(ReferenceClass, TellsStepsApartByAnyOfTheirFirstFourWeightsInTheNewerWay)
         }
         std::string values = "1 1:1:1:1:2 0-0 0-1 0-2 0-3 0-4 2 ";
         values.append(ratio).append(" 0-0 0-1 0-2 0-3 0-4 ");
-        NewerDrawing pattern(Head("2", "A", "X") + "RANDOM_SEED 11" + InColor("A", "X", values));
+        OpenReference pattern;
+        pattern.mRandomOld = false;
+        pattern.Load(Head("2", "A", "X") + "RANDOM_SEED 11" + InColor("A", "X", values));
         NaiveRand rand(11);
         for (unsigned i = 0; i != NaiveJump(0) + 1U; ++i)
             rand();
