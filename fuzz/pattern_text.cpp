@@ -1,6 +1,6 @@
 #include "pattern/early_check.h"
 #include "pattern/pattern_converter_sse.h"
-#include "pattern/shuffled_field.h"
+#include "pattern/random_fields.h"
 #include "pelkraft/dot_weave_pattern.h"
 
 #include <cstddef>

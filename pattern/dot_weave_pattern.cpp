@@ -2,12 +2,9 @@
 
 #include "common/road.h"
 #include "pattern/early_check.h"
+#include "pattern/field_walk.h"
 #include "pattern/pattern_engine_sse.h"
 #include "pattern/pattern_engine_x86.h"
-#include "pattern/random_field.h"
-#include "pattern/random_field_ng.h"
-#include "pattern/random_pointer.h"
-#include "pattern/random_pointer_ng.h"
 #include "pattern/reference_pattern.h"
 #include "zvk/system_tools.h"
 

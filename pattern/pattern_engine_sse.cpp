@@ -1,7 +1,6 @@
 #include "pattern/pattern_engine_sse.h"
 
-#include "pattern/random_pointer.h"
-#include "pattern/random_pointer_ng.h"
+#include "pattern/field_walk.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -120,7 +119,7 @@ void DotWeavePatternEngineSse<RandomSource>::ApplyPattern(unsigned char* source,
         .sourceStride = static_cast<std::uint32_t>(mSourceStride),
         .destinationStride = static_cast<std::uint32_t>(mDestinationStride),
         .lanes = &mLanes,
-        .field = mRandom.GetField(),
+        .field = mRandom.GetData(),
         .position = mRandom.GetPosition(),
         .fieldSize = mRandom.GetWalkSize(),
         .single = DrawsCombinations() ? nullptr : mTransformations.data(),

@@ -1,6 +1,6 @@
 #include "pattern/pattern_engine_x86.h"
-#include "pattern/random_field.h"
-#include "pattern/random_field_ng.h"
+
+#include "pattern/field_walk.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,8 +1,7 @@
 #include "pattern/reference_pattern.h"
 
-#include "pattern/linear_random.h"
+#include "pattern/field_walk.h"
 #include "pattern/pattern_sink.h"
-#include "pattern/random_field.h"
 #include "pattern/random_old_setting.h"
 #include "pattern/tokenizer.h"
 

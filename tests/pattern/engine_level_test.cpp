@@ -1,6 +1,5 @@
+#include "pattern/field_walk.h"
 #include "pattern/pattern_engine_sse.h"
-#include "pattern/random_pointer.h"
-#include "pattern/random_pointer_ng.h"
 #include "tests/pattern/engine_support.h"
 #include "tests/pattern/naive_pattern.h"
 #include "tests/pattern/pattern_support.h"

@@ -1,9 +1,8 @@
 #include "pelkraft/dot_weave_pattern.h"
 
+#include "pattern/field_walk.h"
 #include "pattern/pattern_converter_sse.h"
 #include "pattern/pattern_engine_x86.h"
-#include "pattern/random_field.h"
-#include "pattern/random_field_ng.h"
 #include "pattern/reference_pattern.h"
 #include "tests/pattern/pattern_support.h"
 #include "tests/support/virtual_slots.h"

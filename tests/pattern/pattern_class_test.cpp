@@ -1,11 +1,8 @@
 #include "pelkraft/dot_weave_pattern.h"
 
+#include "pattern/field_walk.h"
 #include "pattern/pattern_engine_sse.h"
 #include "pattern/pattern_engine_x86.h"
-#include "pattern/random_field.h"
-#include "pattern/random_field_ng.h"
-#include "pattern/random_pointer.h"
-#include "pattern/random_pointer_ng.h"
 #include "tests/pattern/engine_support.h"
 #include "tests/pattern/pattern_support.h"
 #include "zvk/system_tools.h"

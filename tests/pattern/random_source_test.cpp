@@ -1,11 +1,4 @@
-#include "pattern/combination_draw.h"
-#include "pattern/jump_table.h"
-#include "pattern/linear_random.h"
-#include "pattern/random_field.h"
-#include "pattern/random_field_ng.h"
-#include "pattern/random_pointer.h"
-#include "pattern/random_pointer_ng.h"
-#include "pattern/shuffled_field.h"
+#include "pattern/field_walk.h"
 #include "pattern/sse_transformation.h"
 #include "tests/pattern/naive_random.h"
 #include "tests/pattern/pattern_support.h"
@@ -47,7 +40,8 @@ CombinationDistribution Distribution(const Numbers& cumulative, std::uint32_t to
     return distribution;
 }
 
-Numbers DataOf(RandomField& field)
+template <typename Field>
+Numbers DataOf(const Field& field)
 {
     return Numbers(field.GetData(), field.GetData() + field.GetSize());
 }
@@ -63,9 +57,8 @@ Numbers CountsOf(const Numbers& field, std::uint32_t count)
 Numbers NgField(const std::vector<Fraction>& fractions, std::int32_t seed)
 {
     const auto combinations = Combinations(fractions);
-    RandomFieldNG field(seed, CombinationDistribution{}, *combinations,
-                        static_cast<std::uint32_t>(fractions.size()));
-    return Numbers(field.GetData(), field.GetData() + field.GetSize());
+    return DataOf(RandomFieldNG(seed, CombinationDistribution{}, *combinations,
+                                static_cast<std::uint32_t>(fractions.size())));
 }
 
 TEST(LinearGenerator, GivesTheSequenceOfItsSeed)
@@ -102,59 +95,49 @@ TEST(JumpTable, HoldsTheEvenPlacesOfItsSequence)
     EXPECT_TRUE(std::all_of(table.begin(), table.end(), [](auto entry) { return entry % 2 == 0; }));
 }
 
-TEST(CombinationDraw, TakesTheFirstSumAboveTheRest)
+// The field of the first generation from its definition: the combination before the first sum
+// above the rest.
+Numbers DrawnFrom(std::uint32_t seed, const Numbers& cumulative, std::uint32_t total)
 {
-    // Fractions 1/4 and 3/4: a rest of 0 is combination 0, any other is 1.
-    CombinationDraw draw(1234, Distribution({0, 1}, 4));
-    NaiveRand rand(1234);
-    for (int i = 0; i < 10000; ++i)
-        ASSERT_EQ(draw.Next(), rand() % 4 == 0 ? 0U : 1U);
-}
-
-TEST(CombinationDraw, PassesACombinationOfNoWeight)
-{
-    CombinationDraw draw(1, Distribution({0, 0, 2, 2}, 3));
-    NaiveRand rand(1);
-    for (int i = 0; i < 1000; ++i)
-        ASSERT_EQ(draw.Next(), rand() % 3 < 2 ? 1U : 3U);
-}
-
-TEST(CombinationDraw, NeverReachesTheHighEndOfALargeTotal)
-{
-    CombinationDraw draw(7, Distribution({0, 100, 32767, 32768}, 65536));
-    NaiveRand rand(7);
-    for (int i = 0; i < 100000; ++i) {
-        const std::uint32_t rest = rand();
-        ASSERT_EQ(draw.Next(), rest < 100 ? 0U : rest < 32767 ? 1U : 2U);
-    }
-}
-
-TEST(CombinationDraw, TakesSumsThatHaveWrappedAsTheyStand)
-{
-    const Numbers cumulative = {0, 50, 20, 70, 10, 90};
-    CombinationDraw draw(3, Distribution(cumulative, 100));
-    NaiveRand rand(3);
-    for (int i = 0; i < 10000; ++i) {
-        const std::uint32_t rest = rand() % 100;
+    NaiveRand rand(seed);
+    Numbers field;
+    for (int i = 0; i < 65536; ++i) {
+        const std::uint32_t rest = rand() % total;
         std::uint32_t k = 0;
         while (k < cumulative.size() && rest >= cumulative[k])
             ++k;
-        ASSERT_EQ(draw.Next(), k - 1);
+        field.push_back(k - 1);
     }
+    return field;
 }
 
-TEST(RandomField, DrawsOnceForEachEntry)
+TEST(RandomField, TakesTheCombinationBeforeTheFirstSumAboveTheRest)
 {
-    RandomField field(1234, Distribution({0, 1, 5}, 7), PatternCombinations{}, 99);
-    NaiveRand rand(1234);
-    Numbers expected;
-    for (int i = 0; i < 65536; ++i) {
-        const std::uint32_t rest = rand() % 7;
-        expected.push_back(rest < 1 ? 0 : rest < 5 ? 1 : 2);
+    const struct
+    {
+        Numbers cumulative;
+        std::uint32_t total;
+    } cases[] = {
+        {{0, 1}, 4},
+        {{0, 1, 5}, 7},
+        // A combination of no weight is passed.
+        {{0, 0, 2, 2}, 3},
+        // The generator never reaches the high end of a large total.
+        {{0, 100, 32767, 32768}, 65536},
+        // Sums that have wrapped are taken as they stand.
+        {{0, 50, 20, 70, 10, 90}, 100},
+    };
+    for (const auto& [cumulative, total] : cases) {
+        RandomField field(1234, Distribution(cumulative, total), PatternCombinations{}, 99);
+        EXPECT_EQ(DataOf(field), DrawnFrom(1234, cumulative, total)) << total;
+        EXPECT_EQ(field.GetCount(), cumulative.size());
+        EXPECT_EQ(field.GetSize(), 65536U);
     }
-    EXPECT_EQ(DataOf(field), expected);
-    EXPECT_EQ(field.GetCount(), 3U);
-    EXPECT_EQ(field.GetSize(), 65536U);
+    // Fractions 1/4 and 3/4: a rest of 0 is combination 0, any other is 1.
+    RandomField quarters(1234, Distribution({0, 1}, 4), PatternCombinations{}, 2);
+    NaiveRand rand(1234);
+    for (std::uint32_t i = 0; i < quarters.GetSize(); ++i)
+        ASSERT_EQ(quarters.GetData()[i], rand() % 4 == 0 ? 0U : 1U);
 }
 
 TEST(RandomField, HoldsMinusOneWithoutCombinations)
@@ -287,12 +270,11 @@ TEST(RandomFieldNG, RefusesAFieldThatNoMachineIsMeantToHold)
 }
 
 template <typename Pointer>
-Numbers NumbersOf(const Pointer& source, const SseTransformation* transformations,
-                  std::uint32_t size)
+Numbers NumbersOf(const Pointer& source, const SseTransformation* transformations)
 {
     Numbers numbers;
-    for (std::uint32_t i = 0; i < size; ++i)
-        numbers.push_back(static_cast<std::uint32_t>(source.GetField()[i] - transformations));
+    for (std::uint32_t i = 0; i < source.GetSize(); ++i)
+        numbers.push_back(static_cast<std::uint32_t>(source.GetData()[i] - transformations));
     return numbers;
 }
 
@@ -303,7 +285,7 @@ TEST(RandomPointer, WalksTheSameCombinationsAsTheField)
     const auto source = std::make_unique<RandomPointer<SseTransformation>>();
     source->Build(77, distribution, transformations.data());
     RandomField field(77, distribution, PatternCombinations{}, 3);
-    EXPECT_EQ(NumbersOf(*source, transformations.data(), 65536), DataOf(field));
+    EXPECT_EQ(NumbersOf(*source, transformations.data()), DataOf(field));
     EXPECT_EQ(source->GetWalkSize(), 65536U);
 }
 
@@ -314,7 +296,7 @@ TEST(RandomPointerNG, WalksTheSameCombinationsAsTheField)
     RandomPointerNG<SseTransformation> source;
     source.Build(77, *Combinations(fractions), 3, transformations.data());
     EXPECT_EQ(source.GetWalkSize(), 100002U);
-    EXPECT_EQ(NumbersOf(source, transformations.data(), 100002), NgField(fractions, 77));
+    EXPECT_EQ(NumbersOf(source, transformations.data()), NgField(fractions, 77));
 }
 
 TEST(RandomPointerNG, StandsStillBeforeItIsBuilt)
@@ -331,7 +313,7 @@ TEST(RandomPointerNG, HasAFieldForOneCombination)
     RandomPointerNG<SseTransformation> source;
     source.Build(77, *Combinations({{1, 1}}), 1, transformations.data());
     EXPECT_EQ(source.GetWalkSize(), 100001U);
-    EXPECT_EQ(NumbersOf(source, transformations.data(), 100001), Numbers(100001, 0));
+    EXPECT_EQ(NumbersOf(source, transformations.data()), Numbers(100001, 0));
 }
 
 TEST(RandomPointerNG, WrapsAtTheSizeOfTheOneBuiltLastButNotBeyondItsEnd)

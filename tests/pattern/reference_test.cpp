@@ -1,4 +1,4 @@
-#include "pattern/random_field.h"
+#include "pattern/field_walk.h"
 #include "pattern/random_old_setting.h"
 #include "pattern/reference_pattern.h"
 #include "tests/pattern/engine_support.h"
