@@ -58,7 +58,6 @@ public:
     {
         InColorRecord& record = converter.mInColors.Select(inColor);
         StepValues& step = record.steps[static_cast<std::size_t>(line.step)];
-        step.numValues = line.count;
         step.numRandoms = line.count;
         for (std::size_t j = 0; j < static_cast<std::size_t>(line.count); ++j) {
             step.fractions[j] = {static_cast<std::uint32_t>(line.weights[j]), line.weightSum};

@@ -30,8 +30,6 @@ struct StepValues
             values.fill(unsetValue);
     }
 
-    std::int32_t numValues = 0;
-    // The copy that the model reads.
     std::int32_t numRandoms = 0;
     std::array<Fraction, MAXS_CHANNEL_RANDOM> fractions{};
     // Value by alternative and ink position.
