@@ -1,5 +1,5 @@
 #include "pattern/pattern_converter_sse.h"
-#include "pattern/pattern_converter_x86.h"
+#include "pattern/pattern_engine_portable.h"
 #include "tests/pattern/pattern_support.h"
 
 #include <gtest/gtest.h>

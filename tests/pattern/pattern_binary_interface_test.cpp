@@ -2,7 +2,7 @@
 
 #include "pattern/field_walk.h"
 #include "pattern/pattern_converter_sse.h"
-#include "pattern/pattern_engine_x86.h"
+#include "pattern/pattern_engine_portable.h"
 #include "pattern/reference_pattern.h"
 #include "tests/pattern/pattern_support.h"
 #include "tests/support/virtual_slots.h"

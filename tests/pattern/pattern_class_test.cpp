@@ -2,7 +2,7 @@
 
 #include "pattern/field_walk.h"
 #include "pattern/pattern_engine_sse.h"
-#include "pattern/pattern_engine_x86.h"
+#include "pattern/pattern_engine_portable.h"
 #include "tests/pattern/engine_support.h"
 #include "tests/pattern/pattern_support.h"
 #include "zvk/system_tools.h"

@@ -1,15 +1,29 @@
 #pragma once
 
 #include "pattern/converted_pattern_engine.h"
-#include "pattern/pattern_converter_x86.h"
+#include "pattern/dot_weave_pattern_converter.h"
 
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace zvk::Pelkraft {
 
-// One byte and one table look-up at a time. What a pixel means is read off here.
+// Repairs the rows once after parsing, so that a pixel is a lookup without a test: unset values
+// become 0, and steps that the in-colour does not have take the values of its last one.
+class DotWeavePatternConverterX86 final : public DotWeavePatternConverter
+{
+public:
+    // Throws "out-ink without in-colour in pattern" too.
+    bool Parse(const std::string& text, int flag) override;
+
+private:
+    void RepairRows();
+    std::int32_t TopStepOfInk(std::size_t outInk) const;
+};
+
+// Applies a pattern by one table look-up for each ink: this loop says what a pixel means.
 template <typename RandomSource>
 class DotWeavePatternEngineX86 final : public ConvertedPatternEngine<DotWeavePatternConverterX86>
 {
