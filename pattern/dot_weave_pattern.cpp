@@ -3,8 +3,8 @@
 #include "common/road.h"
 #include "pattern/early_check.h"
 #include "pattern/field_walk.h"
-#include "pattern/pattern_engine_sse.h"
 #include "pattern/pattern_engine_portable.h"
+#include "pattern/pattern_engine_sse.h"
 #include "pattern/reference_pattern.h"
 #include "zvk/system_tools.h"
 

@@ -56,25 +56,14 @@ std::int32_t DotWeavePatternConverterX86::TopStepOfInk(std::size_t outInk) const
 }
 
 template <typename RandomSource>
-DotWeavePatternEngineX86<RandomSource>::DotWeavePatternEngineX86()
-{
-    mInColorOfOutInk.fill(noInColorOfInk);
-}
-
-template <typename RandomSource>
-DotWeavePatternEngineX86<RandomSource>::~DotWeavePatternEngineX86() = default;
-
-template <typename RandomSource>
 void DotWeavePatternEngineX86<RandomSource>::InitFromText(char* text)
 {
     mRandom.reset();
-    mInColorOfOutInk.fill(noInColorOfInk);
     LoadConverter(text);
     if (ExceedsTables())
         throw arrayTooLong;
 
-    CopySteps();
-    std::copy_n(mConverter->GetInColorOfOutInk().begin(), mNumOutInks, mInColorOfOutInk.begin());
+    mInColorOfOutInk = mConverter->GetInColorOfOutInk();
     // A pattern without in-colours or inks is about to be refused, for that and for nothing that
     // its random source could say.
     if (mNumInColors > 0 && mNumOutInks > 0)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "pattern/converted_pattern_engine.h"
 #include "pattern/dot_weave_pattern_converter.h"
+#include "pattern/dot_weave_pattern_engine.h"
 
 #include <array>
 #include <cstdint>
@@ -28,9 +28,6 @@ template <typename RandomSource>
 class DotWeavePatternEngineX86 final : public ConvertedPatternEngine<DotWeavePatternConverterX86>
 {
 public:
-    DotWeavePatternEngineX86();
-    ~DotWeavePatternEngineX86() override;
-
     void InitFromText(char* text) override;
     void ResetRandomizer() override;
     void ApplyPattern(unsigned char* source, unsigned char* destination,
@@ -45,7 +42,7 @@ private:
                     const PatternCombination& combination) const;
 
     std::unique_ptr<RandomSource> mRandom;
-    std::array<std::uint8_t, 16> mInColorOfOutInk;
+    std::array<std::uint8_t, 16> mInColorOfOutInk{};
 };
 
 } // namespace zvk::Pelkraft

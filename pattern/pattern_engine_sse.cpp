@@ -39,9 +39,6 @@ DotWeavePatternEngineSse<RandomSource>::DotWeavePatternEngineSse(Road newRoad)
 {}
 
 template <typename RandomSource>
-DotWeavePatternEngineSse<RandomSource>::~DotWeavePatternEngineSse() = default;
-
-template <typename RandomSource>
 void DotWeavePatternEngineSse<RandomSource>::InitFromText(char* text)
 {
     LoadConverter(text);
@@ -50,7 +47,6 @@ void DotWeavePatternEngineSse<RandomSource>::InitFromText(char* text)
     PackTransformations();
     if (ExceedsTables())
         throw arrayTooLong;
-    CopySteps();
     BuildLanes();
     SelectRowMethod();
     BuildRandomSource();

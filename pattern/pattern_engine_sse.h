@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/road.h"
-#include "pattern/converted_pattern_engine.h"
+#include "pattern/dot_weave_pattern_engine.h"
 #include "pattern/pattern_converter_sse.h"
 #include "pattern/sse_row.h"
 #include "pattern/sse_transformation.h"
@@ -19,7 +19,6 @@ class DotWeavePatternEngineSse final : public ConvertedPatternEngine<DotWeavePat
 {
 public:
     explicit DotWeavePatternEngineSse(Road newRoad);
-    ~DotWeavePatternEngineSse() override;
 
     void InitFromText(char* text) override;
     void ResetRandomizer() override;
