@@ -1,12 +1,33 @@
 #pragma once
 
 #include "pattern/dot_weave_pattern_converter.h"
-#include "pattern/sse_transformation_builder.h"
+#include "pattern/sse_transformation.h"
 
+#include <array>
+#include <cstdint>
 #include <memory>
 #include <string>
 
 namespace zvk::Pelkraft {
+
+// One combination's tables for the vector engine, an entry for each out-ink lane: a step x from
+// mLower to mUpper has the value mComonTrans[x + mOffset], any other step has 0. A lane without
+// a row has the bounds 0 and an offset that leads out of the table.
+struct SseTransformationBuilder
+{
+    std::array<std::int32_t, outInkLanes> mUpper{};
+    std::array<std::int32_t, outInkLanes> mLower{};
+    std::array<std::int32_t, outInkLanes> mOffset{};
+    // Shared by all lanes.
+    std::array<std::int32_t, outInkLanes> mComonTrans{};
+
+    // Compresses the rows of a combination, and sets to null the pointer to a row that sets
+    // nothing. More than 16 values throw "capacity exceeded in mComonTrans".
+    void Build(PatternCombination& combination);
+
+    // The low byte of each entry, and what they come to.
+    SseTransformation Pack() const;
+};
 
 // Compresses the rows of each combination into one small table. The rows stay unrepaired: bounds
 // take the place of unset values.

@@ -1,8 +1,8 @@
 #include "pelkraft/dot_weave_pattern.h"
 
 #include "pattern/field_walk.h"
-#include "pattern/pattern_engine_sse.h"
 #include "pattern/pattern_engine_portable.h"
+#include "pattern/pattern_engine_sse.h"
 #include "tests/pattern/engine_support.h"
 #include "tests/pattern/pattern_support.h"
 #include "zvk/system_tools.h"

@@ -1,4 +1,4 @@
-#include "pattern/sse_transformation_builder.h"
+#include "pattern/pattern_converter_sse.h"
 #include "tests/pattern/pattern_support.h"
 
 #include <gtest/gtest.h>
