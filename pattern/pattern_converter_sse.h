@@ -1,7 +1,7 @@
 #pragma once
 
 #include "pattern/dot_weave_pattern_converter.h"
-#include "pattern/sse_transformation.h"
+#include "pattern/sse_row.h"
 
 #include <array>
 #include <cstdint>

@@ -4,7 +4,6 @@
 #include "pattern/dot_weave_pattern_engine.h"
 #include "pattern/pattern_converter_sse.h"
 #include "pattern/sse_row.h"
-#include "pattern/sse_transformation.h"
 
 #include <array>
 #include <cstdint>

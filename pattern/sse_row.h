@@ -1,25 +1,60 @@
 #pragma once
 
 #include "pattern/ink_lookup.h"
-#include "pattern/sse_transformation.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace zvk::Pelkraft {
 
-// What the loop needs of a pattern besides its transformations.
+constexpr std::size_t stepsOfInkValues = 8;
+
+// One combination's tables as the vector engine reads them, a byte for each out-ink lane. They are
+// plain bytes, so that only the loop over a row needs vector instructions.
+struct SseTransformation
+{
+    alignas(64) std::array<std::uint8_t, 16> mUpper;
+    alignas(16) std::array<std::uint8_t, 16> mLower;
+    alignas(16) std::array<std::uint8_t, 16> mOffset;
+    alignas(16) std::array<std::uint8_t, 16> mComonTrans;
+    // The four tables together give each out-ink lane a value for each of the lowest steps. Eight
+    // lanes fill a cache line.
+    alignas(64) std::array<std::uint8_t, 16 * stepsOfInkValues> mInkValues;
+
+    // The four other tables must be filled before.
+    void FillInkValues();
+};
+
+// A shuffle by vectors does the same: an index with its top bit set gives 0, and any other picks by
+// its low four bits.
+inline std::uint8_t PickByte(const std::array<std::uint8_t, 16>& table, std::uint8_t index)
+{
+    return (index & 0x80U) != 0 ? 0 : table[index & 0x0FU];
+}
+
+inline std::uint8_t GetInkValue(const SseTransformation& tables, std::size_t lane,
+                                std::uint8_t step)
+{
+    // Signed: a byte from 128 upward lies below every bound.
+    const auto signedStep = static_cast<std::int8_t>(step);
+    const bool outside = signedStep > static_cast<std::int8_t>(tables.mUpper[lane]) ||
+                         static_cast<std::int8_t>(tables.mLower[lane]) > signedStep;
+    const auto index = static_cast<std::uint8_t>(step + tables.mOffset[lane]);
+    return outside ? 0 : PickByte(tables.mComonTrans, index);
+}
+
+// The loop needs these tables of a pattern besides its transformations.
 struct SseLanes
 {
-    // By out-ink: its in-colour. The top bit stands for none.
+    // Each out-ink has its in-colour here. The top bit stands for none.
     alignas(16) std::array<std::uint8_t, 16> mInColorLanes{};
-    // By in-colour: its top step. 0 for the bytes behind a pixel.
+    // Each in-colour has its top step here. The bytes after a pixel have 0.
     alignas(16) std::array<std::uint8_t, 16> mStepLimits{};
-    // For the methods that look up ink values.
     InkLookup mLookup{};
 };
 
-// One row, which is not to be written to where it is read.
+// One row. Source and destination must not overlap.
 struct SseRow
 {
     const unsigned char* source;
@@ -28,25 +63,25 @@ struct SseRow
     std::uint32_t sourceStride;
     std::uint32_t destinationStride;
     const SseLanes* lanes;
-    // The walk: one transformation for each pixel from position on, again from the front at
-    // fieldSize.
+    // The pixels take one transformation each from position on, and go on at the front after
+    // fieldSize of them.
     const SseTransformation* const* field;
     std::uint32_t position;
     std::uint32_t fieldSize;
-    // Takes the place of the walk if it isn't null.
+    // All pixels take this one where it isn't null.
     const SseTransformation* single;
 };
 
-// Reads the bytes of the source pixels and writes those of the destination pixels, and no other.
+// A method reads the bytes of the source pixels and writes those of the destination pixels, and no
+// other.
 using SseRowMethod = void (*)(const SseRow& row);
 
-// By 16-byte vectors. Like the next two only where hasVectorRoad is true.
+// The first three exist only where hasVectorRoad is true.
 SseRowMethod GetSseRowMethodVector();
-// 8 pixels at once by 32-byte vectors, for patterns that can look up ink values and suit it.
+// It takes 8 pixels at once, of patterns that can look up ink values and suit it.
 SseRowMethod GetShortWordMethodAvx2();
-// 8 pixels at once by 64-byte vectors, for patterns that can look up ink values.
+// It takes 8 pixels at once, of patterns that can look up ink values.
 SseRowMethod GetWideWordMethodAvx512();
-// The same lane by lane, for any processor.
 SseRowMethod GetSseRowMethodPortable();
 
 } // namespace zvk::Pelkraft

@@ -1,5 +1,5 @@
 #include "pattern/field_walk.h"
-#include "pattern/sse_transformation.h"
+#include "pattern/sse_row.h"
 #include "tests/pattern/naive_random.h"
 #include "tests/pattern/pattern_support.h"
 
