@@ -1,10 +1,10 @@
-#include "pattern/random_old_setting.h"
+#include "pattern/reference_pattern.h"
 
 #if defined(_WIN32)
 #include <windows.h>
 #endif
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::Testonly {
 
 #if defined(_WIN32)
 
@@ -31,4 +31,4 @@ bool ReadRandomOldSetting(bool byDefault)
 
 #endif
 
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::Testonly

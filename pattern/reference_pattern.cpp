@@ -2,7 +2,6 @@
 
 #include "pattern/field_walk.h"
 #include "pattern/pattern_sink.h"
-#include "pattern/random_old_setting.h"
 #include "pattern/tokenizer.h"
 
 #include <algorithm>

@@ -15,6 +15,10 @@
 
 namespace zvk::Pelkraft::Testonly {
 
+// Says whether the class is to draw in its older way: so where the machine's registry has a value
+// "PatternRandomOld", whatever its data, and else by default.
+bool ReadRandomOldSetting(bool byDefault);
+
 constexpr std::int32_t outInksOfPixel = 12;
 constexpr std::int32_t highestWeightSum = 30;
 

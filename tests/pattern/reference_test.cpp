@@ -1,5 +1,4 @@
 #include "pattern/field_walk.h"
-#include "pattern/random_old_setting.h"
 #include "pattern/reference_pattern.h"
 #include "tests/pattern/engine_support.h"
 #include "tests/pattern/naive_pattern.h"
@@ -304,7 +303,7 @@ TEST(ReferenceClass, StaysEmptyWithoutTheHeaderWord)
 
 TEST(ReferenceClass, DrawsInItsOlderWayUnlessToldOtherwise)
 {
-    EXPECT_TRUE(ReadRandomOldSetting(true));
+    EXPECT_TRUE(Testonly::ReadRandomOldSetting(true));
 }
 
 // The class itself, whose fields and newer way of drawing the pattern class doesn't show.
