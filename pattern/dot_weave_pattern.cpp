@@ -58,7 +58,7 @@ EngineOwner MakeEngine(DotWeavePattern::Engine engine, int textVersion)
     case DotWeavePattern::X86:
         return MakePortable(textVersion);
     case DotWeavePattern::Sse:
-        // Whatever the level: whoever asks for this engine answers for the byte shuffle.
+        // Whoever asks for this engine answers for the byte shuffle, whatever the level.
         return MakeVector(textVersion, hasVectorRoad ? Road::Vector : Road::Portable);
     }
     throw unsupportedEngine;
@@ -90,7 +90,7 @@ DotWeavePattern& DotWeavePattern::operator=(const DotWeavePattern& other)
 {
     if (this == &other)
         return *this;
-    // First the new holder: both may share one engine already.
+    // The new holder comes first, since both may share one engine already.
     other.mEngine->AddHolder();
     mEngine->RemoveHolder();
     mEngine = other.mEngine;

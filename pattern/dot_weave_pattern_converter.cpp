@@ -23,7 +23,7 @@ constexpr ReaderRules mainRules = {
 
 } // namespace
 
-// Stores what the text says in the fields of a converter.
+// A sink stores the findings of the reader in the fields of a converter.
 class DotWeavePatternConverter::TextSink final : public IPatternSink
 {
 public:
@@ -51,7 +51,7 @@ public:
         converter.mInColors.Select(inColor).numInks = count;
     }
 
-    // The lines of a second list go over those of the first.
+    // A second list only replaces the steps that it names.
     void BeginValueLines(std::int32_t) override {}
 
     void TakeValueLine(std::int32_t inColor, const ValueLine& line) override

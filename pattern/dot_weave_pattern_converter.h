@@ -13,23 +13,24 @@
 
 namespace zvk::Pelkraft {
 
-// The way from a text to tables in which an engine only looks things up. Loaded once and not
-// changed after that. Each final form prepares the rows for its own engine.
+// A converter makes tables of a text, in which an engine only looks things up. It is loaded once
+// and not changed after that. Each final form prepares the rows for its own engine.
 class DotWeavePatternConverter
 {
 public:
     DotWeavePatternConverter(const DotWeavePatternConverter&) = delete;
     DotWeavePatternConverter& operator=(const DotWeavePatternConverter&) = delete;
 
-    // False if the header word is missing. The flag has no effect. Throws.
+    // The result is false if the header word is missing. The flag has no effect. Throws as Load
+    // does.
     virtual bool Parse(const std::string& text, int flag);
     virtual void Reset();
 
-    // Throws all that a text can be refused for, a missing header word with the wide
-    // "Internal Message: init from dotweave pattern failed".
+    // Each refusal of a text is thrown, that of a missing header word as the wide "Internal
+    // Message: init from dotweave pattern failed".
     void Load(const char* text);
 
-    // Counts of distinct names: a repeated name makes them smaller than the lists.
+    // Distinct names are counted: a repeated name makes the counts smaller than the lists.
     std::int32_t GetInColorCount() const { return static_cast<std::int32_t>(mInColorNames.size()); }
     std::int32_t GetOutInkCount() const { return static_cast<std::int32_t>(mOutInkNames.size()); }
 

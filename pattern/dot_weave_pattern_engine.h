@@ -55,7 +55,7 @@ public:
     int GetOutColorCount() final { return mNumOutInks; }
     DotWeavePatternConverter* GetConverter() final { return mConverter.get(); }
 
-    // The highest step, and 255 for an in-colour without a block. 0 outside the in-colours.
+    // The result is the highest step: 255 for an in-colour without a block, 0 for none at all.
     int GetNumberOfStepsForInColor(int inColor) final
     {
         return inColor >= 0 && inColor < mNumInColors
@@ -83,7 +83,7 @@ protected:
         return mNumInColors > lanes || mNumOutInks > lanes;
     }
 
-    // Without a choice the random source stands still.
+    // The random source stands still where there is no choice.
     bool DrawsCombinations() const { return mNumCombinations >= 2; }
 
     std::int32_t mNumInColors = 0;

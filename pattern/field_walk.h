@@ -33,8 +33,8 @@ public:
 
     void StartNextRow() { StartRow(static_cast<std::uint16_t>(mRow + 1)); }
 
-    // Leaves the field as it is. Numbers are drawn once as well: their next row begins one place
-    // after the start of their very first one.
+    // The field stays as it is. A walk over numbers draws once as well: its next row begins one
+    // place after the start of its very first one.
     void Reset()
     {
         StartRow(0);
@@ -64,11 +64,11 @@ private:
     std::vector<Entry> mField;
     std::uint32_t mSize;
     std::uint32_t mPosition;
-    // Wraps by its width.
+    // It wraps by its width.
     std::uint16_t mRow;
 };
 
-// First generation, portable form.
+// This is the first generation for the portable engine.
 class RandomField final : public FieldWalk<std::uint32_t>
 {
 public:
@@ -90,8 +90,8 @@ private:
     const std::uint32_t mCount;
 };
 
-// Second generation, portable form. Fewer than 2 combinations throw "pattern without random
-// combinations".
+// This is the second generation for the portable engine. Fewer than 2 combinations throw "pattern
+// without random combinations".
 class RandomFieldNG final : public FieldWalk<std::uint32_t>
 {
 public:
@@ -102,8 +102,8 @@ public:
     {}
 };
 
-// A vector form walks the same combinations as the portable form of its generation. The tables
-// must outlive the walk.
+// The vector engine walks the same combinations as the portable one, by the addresses of their
+// tables, which must outlive the walk.
 template <typename Transformation>
 class PointerWalk : public FieldWalk<const Transformation*>
 {
@@ -119,7 +119,7 @@ protected:
     }
 };
 
-// First generation, vector form.
+// This is the first generation for the vector engine.
 template <typename Transformation>
 class RandomPointer final : public PointerWalk<Transformation>
 {
@@ -133,7 +133,7 @@ public:
     std::uint32_t GetWalkSize() const { return this->GetSize(); }
 };
 
-// Second generation, vector form.
+// This is the second generation for the vector engine.
 template <typename Transformation>
 class RandomPointerNG final : public PointerWalk<Transformation>
 {
@@ -141,10 +141,10 @@ public:
     void Build(std::int32_t seed, const PatternCombinations& combinations, std::uint32_t count,
                const Transformation* tables)
     {
-        // From 1, so that a pattern of one combination has a field too.
+        // The lowest is 1, so that a pattern of one combination has a field too.
         const std::uint32_t denominator = FindFieldDenominator(combinations, count, 1);
         this->BeginAt(tables, ShuffleField(seed, denominator, combinations, count));
-        // Last, so that a field for which there is no memory changes no other object's walk.
+        // This comes last: a field for which there is no memory must change no other walk.
         sFieldSize = this->GetSize();
     }
 
@@ -153,7 +153,8 @@ public:
     std::uint32_t GetWalkSize() const { return std::min(sFieldSize.load(), this->GetSize()); }
 
 private:
-    // Not in the object: the walk of every object wraps at it, which is part of the results.
+    // It belongs to the process: the walk of every object wraps at it, which is part of the
+    // results.
     static inline std::atomic<std::uint32_t> sFieldSize{0};
 };
 

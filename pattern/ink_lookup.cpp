@@ -15,7 +15,7 @@ constexpr std::uint32_t inksOfWideVector = 8;
 constexpr std::uint32_t inksOfShortVector = 4;
 constexpr std::uint32_t laneBytes = 16;
 
-// The source of 8 pixels comes in so many pieces.
+// The result is the number of pieces in which the source of 8 pixels comes.
 std::uint32_t CountPieces(std::uint32_t inColors)
 {
     std::uint32_t pieces = 1;
@@ -37,7 +37,6 @@ std::uint8_t StepLimitOf(const SseLanes& lanes, std::uint32_t ink)
     return inColor == noInColorOfInk ? std::uint8_t{0} : lanes.mStepLimits[inColor];
 }
 
-// The byte of an ink in the words of a pixel.
 std::uint32_t WordPlace(std::uint32_t pixel, std::uint32_t ink)
 {
     return ink / 2 * laneBytes + 2 * pixel + ink % 2;

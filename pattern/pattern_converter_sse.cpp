@@ -11,7 +11,7 @@ constexpr const char* capacityExceeded = "capacity exceeded in mComonTrans";
 // Its low byte has the top bit set, also with a step added.
 constexpr std::int32_t offsetWithoutRow = -127;
 
-// The entries of a row that count: all between the lowest and the highest that is set.
+// The entries between the lowest and the highest that is set are those that count.
 struct Span
 {
     std::int32_t first = 0;
@@ -33,8 +33,8 @@ Span FindSpan(const StepRow& row)
             static_cast<std::int32_t>(row.rend() - last) - 1};
 }
 
-// The lowest shift at which the values of one row stand within those of the other, -1 if there
-// is none. Whole values are compared, unset ones between them too.
+// Finds the lowest shift at which the values of one row stand within those of the other, -1 if
+// there is none. Whole values are compared, unset ones between them too.
 std::int32_t FindShift(const StepRow& inner, const StepRow& outer)
 {
     const Span innerSpan = FindSpan(inner);
@@ -73,7 +73,7 @@ void MergeLane(std::size_t a, Rows& rows, SseTransformationBuilder& tables)
     }
 }
 
-// Ascending over lanes in both loops: in another order other rows would find room.
+// Both loops ascend over the lanes: in another order other rows would find room.
 void Merge(Rows& rows, SseTransformationBuilder& tables)
 {
     for (std::size_t a = 0; a < rows.size(); ++a)

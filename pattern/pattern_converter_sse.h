@@ -10,22 +10,22 @@
 
 namespace zvk::Pelkraft {
 
-// One combination's tables for the vector engine, an entry for each out-ink lane: a step x from
-// mLower to mUpper has the value mComonTrans[x + mOffset], any other step has 0. A lane without
-// a row has the bounds 0 and an offset that leads out of the table.
+// The tables of one combination have an entry for each out-ink lane: a step x from mLower to mUpper
+// has the value mComonTrans[x + mOffset], any other step has 0. A lane without a row has the bounds
+// 0 and an offset that leads out of the table.
 struct SseTransformationBuilder
 {
     std::array<std::int32_t, outInkLanes> mUpper{};
     std::array<std::int32_t, outInkLanes> mLower{};
     std::array<std::int32_t, outInkLanes> mOffset{};
-    // Shared by all lanes.
+    // All lanes share it.
     std::array<std::int32_t, outInkLanes> mComonTrans{};
 
     // Compresses the rows of a combination, and sets to null the pointer to a row that sets
     // nothing. More than 16 values throw "capacity exceeded in mComonTrans".
     void Build(PatternCombination& combination);
 
-    // The low byte of each entry, and what they come to.
+    // Keeps the low byte of each entry, and adds the ink values that they make.
     SseTransformation Pack() const;
 };
 
@@ -39,7 +39,7 @@ public:
     // Throws "capacity exceeded in mComonTrans" too.
     bool Parse(const std::string& text, int flag) override;
 
-    // The first of 1024, of which those of the pattern's combinations are built.
+    // There are 1024, of which those of the pattern's combinations are built.
     virtual const SseTransformationBuilder* GetSseTables() { return mSseTables.get(); }
 
 private:

@@ -28,7 +28,7 @@ bool DotWeavePatternConverterX86::Parse(const std::string& text, int flag)
 {
     if (!DotWeavePatternConverter::Parse(text, flag))
         return false;
-    // Without in-colours every ink would be refused here, ahead of the refusal of such a text.
+    // A text without in-colours is refused later, for that and not for its inks.
     if (GetInColorCount() > 0)
         RepairRows();
     return true;
@@ -47,7 +47,7 @@ void DotWeavePatternConverterX86::RepairRows()
         }
 }
 
-// 0 where a repeated name has led to an index that no in-colour has.
+// A repeated name can lead to an index that no in-colour has: its top step is 0.
 std::int32_t DotWeavePatternConverterX86::TopStepOfInk(std::size_t outInk) const
 {
     const std::size_t inColor = GetInColorOfOutInk()[outInk];
@@ -64,8 +64,8 @@ void DotWeavePatternEngineX86<RandomSource>::InitFromText(char* text)
         throw arrayTooLong;
 
     mInColorOfOutInk = mConverter->GetInColorOfOutInk();
-    // A pattern without in-colours or inks is about to be refused, for that and for nothing that
-    // its random source could say.
+    // A pattern without in-colours or inks is refused later, for that and not for its random
+    // source.
     if (mNumInColors > 0 && mNumOutInks > 0)
         mRandom = std::make_unique<RandomSource>(mConverter->GetRandomSeed(),
                                                  mConverter->GetDistribution(),
@@ -127,7 +127,7 @@ void DotWeavePatternEngineX86<RandomSource>::ApplyPixel(const unsigned char* sou
 {
     for (std::size_t ink = 0; ink < static_cast<std::size_t>(mNumOutInks); ++ink) {
         const std::size_t inColor = mInColorOfOutInk[ink];
-        // A repeated name leads to an index behind the pixel, where no step stands.
+        // A repeated name leads to an index beyond the pixel, where no step stands.
         std::uint8_t step = 0;
         if (inColor < static_cast<std::size_t>(mNumInColors))
             step = std::min(source[inColor], mMaxStepOfInColor[inColor]);

@@ -19,7 +19,7 @@ SseRowMethod GetMethodForAnySteps(Road road)
     return GetSseRowMethodPortable();
 }
 
-// For patterns that can look up ink values.
+// The pattern must be one that can look up ink values.
 SseRowMethod GetLookupMethod(Road road, std::uint32_t inColors, std::uint32_t outInks)
 {
     if constexpr (hasVectorRoad) {
@@ -67,8 +67,8 @@ void DotWeavePatternEngineSse<RandomSource>::BuildLanes()
     std::copy_n(mMaxStepOfInColor.begin(), mNumInColors, mLanes.mStepLimits.begin());
     for (std::size_t ink = 0; ink < static_cast<std::size_t>(mNumOutInks); ++ink) {
         const std::uint8_t inColor = mConverter->GetInColorOfOutInk()[ink];
-        // A repeated name can lead behind the last lane, of which a shuffle would see but the
-        // low four bits.
+        // A repeated name can lead beyond the last lane, and a shuffle would see only the low four
+        // bits of that.
         mLanes.mInColorLanes[ink] = inColor < outInkLanes ? inColor : noInColorOfInk;
     }
 }

@@ -11,7 +11,7 @@
 namespace zvk::Pelkraft {
 
 // Applies a pattern by the vectors of a road, all out-inks of a pixel at once, and on the widest
-// roads several pixels. Up to 16 in-colours and 16 out-inks, and 16 stored values in a
+// roads several pixels. It takes up to 16 in-colours and 16 out-inks, and 16 stored values in a
 // combination. On the portable road the same tables are applied lane by lane.
 template <typename RandomSource>
 class DotWeavePatternEngineSse final : public ConvertedPatternEngine<DotWeavePatternConverterSse>

@@ -14,7 +14,7 @@ constexpr const char* noCombinations = "pattern without random combinations";
 constexpr std::uint32_t jumpSeed = 4711;
 constexpr std::size_t drawnFieldSize = 65536;
 constexpr std::uint32_t leastShuffledSize = 100000;
-// 1 GB of numbers. A machine that promises more memory than it has would not refuse them.
+// These numbers take 1 GB. A machine that promises more memory than it has would not refuse more.
 constexpr std::uint32_t highestShuffledSize = 0x10000000;
 
 JumpTable BuildJumpTable()
@@ -35,7 +35,7 @@ RandomNumbers DrawEntries(std::int32_t seed, DrawEntry drawEntry)
     return field;
 }
 
-// The combination of each remainder that the generator reaches.
+// Finds the combination of each remainder that the generator reaches.
 RandomNumbers SortRemainders(const CombinationDistribution& distribution)
 {
     RandomNumbers combinationOf(std::min(distribution.total, linearRandomValues));
@@ -51,7 +51,7 @@ RandomNumbers SortRemainders(const CombinationDistribution& distribution)
 }
 
 // Draws without a bias towards small indices: an output beyond the last whole multiple of n is
-// rejected. Written out, since the standard's own shuffle may draw in any way it likes.
+// rejected. The standard's own shuffle may draw in any way it likes, and does not serve.
 std::uint32_t DrawIndex(std::mt19937& random, std::uint32_t last)
 {
     constexpr std::uint32_t mask = 0xFFFFFFFF;
@@ -110,7 +110,7 @@ RandomNumbers DrawField(std::int32_t seed, std::uint32_t total, std::uint32_t di
 std::uint32_t FindFieldDenominator(const PatternCombinations& combinations, std::uint32_t count,
                                    std::uint32_t lowestDenominator)
 {
-    // Without the first combination: that decides size and content of the field.
+    // The first combination is left out: that decides size and content of the field.
     std::uint32_t highest = lowestDenominator;
     for (std::uint32_t i = 1; i < count; ++i)
         highest = std::max(highest, combinations[i].fraction.denominator);
@@ -131,8 +131,8 @@ RandomNumbers ShuffleField(std::int32_t seed, std::uint32_t denominator,
     auto next = field.begin();
     for (std::uint32_t i = 0; i < count; ++i) {
         const Fraction& fraction = combinations[i].fraction;
-        // Wraps in 32 bits before it divides. Where fractions have wrapped, the entries may be more
-        // than there are places.
+        // The product wraps in 32 bits before it is divided. Where fractions have wrapped, the
+        // entries may be more than there are places.
         const std::uint32_t entries =
             fraction.numerator * denominator / fraction.denominator * multiplier;
         const auto room = static_cast<std::size_t>(field.end() - next);

@@ -16,7 +16,7 @@ class LinearRandom
 public:
     explicit LinearRandom(std::uint32_t seed) : state(seed) {}
 
-    // 0 to 32767.
+    // The result is 0 to 32767.
     std::uint32_t Next()
     {
         state = state * 214013U + 2531011U;
@@ -27,27 +27,27 @@ private:
     std::uint32_t state;
 };
 
-// Next gives as many different numbers.
+// Next gives so many different numbers.
 constexpr std::uint32_t linearRandomValues = 32768;
 
 using JumpTable = std::array<std::uint16_t, 65536>;
 
-// The place in the field at which a row starts, by row number. The table is built at the first
-// call, which may come from several threads at once, and never freed.
+// A row starts at the place in the field that the table holds for its number. The table is built at
+// the first call, which may come from several threads at once, and never freed.
 const JumpTable& GetJumpTable();
 
 using RandomNumbers = std::vector<std::uint32_t>;
 
-// The first generation draws each of 65536 entries on its own: combinations in their proportions,
-// and -1 where there are none.
+// The first generation draws each of 65536 entries on its own. These are combinations in their
+// proportions, and -1 where there are none.
 RandomNumbers DrawField(std::int32_t seed, const CombinationDistribution& distribution);
-// Numbers below total, which is at least 1. As many draws are dropped between them as the format
-// asks.
+// These are numbers below total, which is at least 1. As many draws are dropped between them as the
+// format asks.
 RandomNumbers DrawField(std::int32_t seed, std::uint32_t total);
-// One digit, below total, of a number whose lower digits make up divisor.
+// These are digits, below total, of numbers whose lower digits make up divisor.
 RandomNumbers DrawField(std::int32_t seed, std::uint32_t total, std::uint32_t divisor);
 
-// The largest denominator of a combination other than the first, and at least the lowest one given.
+// Finds the largest denominator of a combination other than the first, at least the lowest given.
 std::uint32_t FindFieldDenominator(const PatternCombinations& combinations, std::uint32_t count,
                                    std::uint32_t lowestDenominator);
 

@@ -24,8 +24,8 @@ constexpr ReaderRules secondRules = {
     .entriesAlwaysNamePosition = false,
 };
 
-// What steps must have in common to share a source in the newer way of drawing: in-colour,
-// number and sum of weights, and the first four weights.
+// Steps share a source in the newer way of drawing if they agree in all of it: in-colour, number
+// and sum of weights, and the first four weights.
 using Distribution = std::array<std::int64_t, 7>;
 
 Distribution DistributionOf(std::int32_t inColor, const ValueLine& line)
@@ -36,7 +36,7 @@ Distribution DistributionOf(std::int32_t inColor, const ValueLine& line)
 
 } // namespace
 
-// Stores what the text says in the fields of the class.
+// A sink stores the findings of the reader in the fields of the class.
 template <typename RandomSource>
 class CDotWeavePattern<RandomSource>::TextSink final : public IPatternSink
 {
@@ -88,7 +88,7 @@ private:
         return source.get();
     }
 
-    // In the order in which the distributions appear.
+    // The keys follow the order in which the distributions appear.
     std::int64_t KeyOf(std::int32_t inColor, const ValueLine& line)
     {
         const auto next = static_cast<std::int64_t>(keys.size());
@@ -197,7 +197,7 @@ template <typename RandomSource>
 void CDotWeavePattern<RandomSource>::ApplyInColor(const TestInColorRecord<RandomSource>& record,
                                                   std::uint8_t step)
 {
-    // As a step without a line: no draw, and nothing to add.
+    // It counts as a step without a line, which draws nothing and adds nothing.
     if (step >= record.steps.size())
         return;
     const TestStep<RandomSource>& values = record.steps[step];
@@ -205,7 +205,7 @@ void CDotWeavePattern<RandomSource>::ApplyInColor(const TestInColorRecord<Random
     if (values.random != nullptr)
         number = mRandomOld ? values.random->Next() : values.random->Current();
     for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p)
-        // Nothing is lost of what an in-colour in front of this one gave the ink.
+        // The bits that an earlier in-colour gave the ink stay.
         if (const auto ink = static_cast<std::size_t>(record.inks[p]); ink < mPixel.size())
             mPixel[ink] = static_cast<std::uint8_t>(
                 mPixel[ink] | static_cast<std::uint8_t>(values.table[p][number]));

@@ -25,25 +25,25 @@ constexpr std::int32_t highestWeightSum = 30;
 template <typename RandomSource>
 struct TestStep
 {
-    // Null where the sum of the weights is below 2.
+    // It is null where the sum of the weights is below 2.
     RandomSource* random = nullptr;
-    // Value by ink position and random number.
+    // The values stand by ink position and random number.
     std::array<std::array<std::int32_t, highestWeightSum>, outInksOfPixel> table{};
 };
 
 template <typename RandomSource>
 struct TestInColorRecord
 {
-    // Of the last list of values.
+    // Only the last list of values counts.
     std::int32_t numValueLines = 0;
     std::int32_t numInks = 0;
-    // Out-ink index by ink position.
+    // The out-inks stand by ink position.
     std::array<std::int32_t, outInksOfPixel> inks{};
     std::array<TestStep<RandomSource>, stepsOfInColor> steps;
 };
 
-// The same job without combinations: every step has a table and a random source of its own, and
-// each in-colour of a pixel draws for itself. So the bytes are not those of the other engines.
+// Does the same job without combinations: every step has a table and a random source of its own,
+// and each in-colour of a pixel draws for itself. So the bytes are not those of the other engines.
 template <typename RandomSource>
 class CDotWeavePattern : public DotWeavePatternEngine
 {
@@ -56,15 +56,15 @@ public:
     void ApplyPattern(unsigned char* source, unsigned char* destination,
                       unsigned long pixels) override;
     int GetInColorCount() override;
-    // The number of value lines, and not the highest step. 0 outside the in-colours.
+    // The result is the number of value lines, and not the highest step; 0 outside the in-colours.
     int GetNumberOfStepsForInColor(int inColor) override;
     int GetOutColorCount() override;
     DotWeavePatternConverter* GetConverter() override { return nullptr; }
     virtual RandomSource* GetRandomSource() { return nullptr; }
 
 protected:
-    // Sources shared by all steps of one sum of weights, which move with the pixels that use
-    // them. Off: sources shared by steps of one distribution, which move with every pixel.
+    // All steps of one sum of weights share a source, which moves with the pixels that use it. If
+    // it is off, steps of one distribution share a source, which moves with every pixel.
     bool mRandomOld = true;
     InColorRecords<TestInColorRecord<RandomSource>> mInColors;
 

@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
-// Only for files built with vector flags: all of it has internal linkage on purpose, so that the
-// linker never takes code of these files for the rest of the program.
+// Only files built with vector flags include this: all of it has internal linkage on purpose, so
+// that the linker never takes code of these files for the rest of the program.
 namespace zvk::Pelkraft {
 namespace {
 
@@ -16,7 +16,6 @@ inline SseRow FirstPixels(const SseRow& row, std::uint32_t pixels)
     return first;
 }
 
-// The row without its first pixels.
 inline SseRow SkipPixels(const SseRow& row, std::uint32_t pixels)
 {
     SseRow rest = row;
@@ -29,7 +28,7 @@ inline SseRow SkipPixels(const SseRow& row, std::uint32_t pixels)
     return rest;
 }
 
-// The pixels up to the end of the row or of the field.
+// Counts the pixels up to the end of the row or of the field.
 inline std::uint32_t CountPixelsAhead(const SseRow& row)
 {
     const std::uint32_t ahead = row.single != nullptr ? row.pixels : row.fieldSize - row.position;

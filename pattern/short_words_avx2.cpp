@@ -14,7 +14,7 @@ constexpr int blockPixels = pixelsOfWords;
 
 using Picks = const SseTransformation* const*;
 
-// The words of 4 out-inks by vector.
+// Each vector holds the words of 4 out-inks.
 template <int vectors>
 struct Words
 {
@@ -66,7 +66,7 @@ template <int vectors>
     return values;
 }
 
-// For the same combination at each pixel.
+// The combination is the same at each pixel.
 template <int vectors>
 [[gnu::always_inline]] inline Words<vectors> LookUpAlike(const Words<vectors>& indexes,
                                                          const SseTransformation* tables)
@@ -86,7 +86,7 @@ template <int vectors>
     const __m128i high = GetLane<1>(values.byVector[0]);
     const __m128i first = _mm_shuffle_epi8(_mm_unpacklo_epi16(low, high), closing);
     const __m128i second = _mm_shuffle_epi8(_mm_unpackhi_epi16(low, high), closing);
-    // Ascending, here and below: the surplus bytes of a store are overwritten by the next.
+    // Stores ascend, here and below: the surplus bytes of one are overwritten by the next.
     _mm_storeu_si128(reinterpret_cast<__m128i*>(destination), first);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(destination + 4 * stride), second);
 }
@@ -96,13 +96,13 @@ template <int vectors>
 {
     const Lanes even = _mm256_permute2x128_si256(values.byVector[0], values.byVector[1], 0x20);
     const Lanes odd = _mm256_permute2x128_si256(values.byVector[0], values.byVector[1], 0x31);
-    // In the low lane the out-inks 0 to 3 of four pixels, in the high lane the others.
+    // The low lane has the out-inks 0 to 3 of four pixels, the high lane the others.
     const Lanes front = UnpackLow<2>(even, odd);
     const Lanes back = UnpackHigh<2>(even, odd);
     const Lanes first = _mm256_permute2x128_si256(front, back, 0x20);
     const Lanes second = _mm256_permute2x128_si256(front, back, 0x31);
     const Lanes mask = _mm256_broadcastsi128_si256(closing);
-    // The pixels 0, 1, 4 and 5, and the pixels 2, 3, 6 and 7.
+    // One has the pixels 0, 1, 4 and 5, the other the pixels 2, 3, 6 and 7.
     const Lanes outer = Shuffle(UnpackLow<4>(first, second), mask);
     const Lanes inner = Shuffle(UnpackHigh<4>(first, second), mask);
     StoreLane<0>(destination, outer);
@@ -111,7 +111,7 @@ template <int vectors>
     StoreLane<1>(destination + 6 * stride, inner);
 }
 
-// A whole number of blocks, before the end of the field.
+// The row is a whole number of blocks, before the end of the field.
 template <int vectors, int pieces, bool draws>
 void ApplyBlocks(const SseRow& row)
 {
@@ -154,7 +154,7 @@ SseRowMethod SelectBlocks(const SseRow& row)
     }
 }
 
-// The pixels in front that go by whole blocks, of a row that has room for one.
+// Counts the pixels in front that go by whole blocks, in a row that has room for one.
 std::uint32_t CountBlockPixels(const SseRow& row)
 {
     const std::uint32_t roomy = row.pixels - row.lanes->mLookup.mShort.mRoomyPixels + blockPixels;

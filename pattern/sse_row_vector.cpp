@@ -31,7 +31,7 @@ __m128i LoadBytes(const void* bytes)
     return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
 }
 
-// All lanes of one pixel at once.
+// All lanes of one pixel are transformed at once.
 inline __m128i Transform(__m128i pixel, const Lanes& lanes, const SseTransformation* tables)
 {
     const __m128i limited = _mm_min_epu8(pixel, lanes.stepLimits);
@@ -48,7 +48,7 @@ Lanes LoadLanes(const SseRow& row)
     return {LoadAligned(&row.lanes->mInColorLanes), LoadAligned(&row.lanes->mStepLimits)};
 }
 
-// Whole vectors: the surplus lanes of a pixel are overwritten by the pixels behind it.
+// Vectors are stored whole: the next pixels overwrite the surplus lanes of one.
 template <bool draws>
 void ApplyRun(const SseRow& row)
 {
@@ -68,13 +68,13 @@ void ApplyRun(const SseRow& row)
     }
 }
 
-// The vector from a byte on, with zeros after it.
+// Gives the vector from a byte on, with zeros after it.
 __m128i ShiftDown(__m128i vector, std::size_t bytes)
 {
     return _mm_shuffle_epi8(vector, LoadBytes(shiftPlaces + bytes));
 }
 
-// The last 16 bytes of the source, or all of them.
+// Holds the last 16 bytes of the source, or all of them.
 struct SourceEnd
 {
     __m128i bytes;
@@ -91,7 +91,7 @@ SourceEnd LoadSourceEnd(const SseRow& row)
     return {LoadAligned(bytes), 0};
 }
 
-// Two overlapping stores of a size, of which the second ends where the pixel does.
+// Stores twice, overlapping: the second store ends where the pixel does.
 template <typename Part>
 void StoreParts(unsigned char* destination, std::size_t bytes, __m128i inks)
 {
@@ -113,7 +113,7 @@ void StorePixel(unsigned char* destination, std::size_t bytes, __m128i inks)
         *destination = static_cast<unsigned char>(_mm_cvtsi128_si32(inks));
 }
 
-// The last pixels of a row, from the first one on whose vectors may leave the row.
+// Applies the last pixels of a row, from the first one on whose vectors may leave the row.
 void ApplyCarefully(const SseRow& row, std::uint32_t firstPixel)
 {
     const Lanes lanes = LoadLanes(row);
@@ -132,7 +132,7 @@ void ApplyCarefully(const SseRow& row, std::uint32_t firstPixel)
     }
 }
 
-// The pixels for which 16 bytes fit into the rest of the source and into that of the destination.
+// Counts the pixels for which 16 bytes fit into the rest of the source and of the destination.
 std::uint32_t CountWholePixels(const SseRow& row)
 {
     const std::size_t behindSource = (vectorBytes - 1) / row.sourceStride;

@@ -14,7 +14,7 @@ constexpr int blockPixels = pixelsOfWords;
 
 using Picks = const SseTransformation* const*;
 
-// WideWordLanes in registers.
+// Holds WideWordLanes in registers.
 template <int vectors>
 struct Block
 {
@@ -23,8 +23,8 @@ struct Block
     Lanes words[vectors];
 };
 
-// The bytes of some pixels: those of the first vector, and those after it, which begin at a
-// place of 0 where there are none, so that no address leaves the row.
+// Says which bytes some pixels have: those of the first vector, and those after it, which begin at
+// a place of 0 where there are none, so that no address leaves the row.
 struct Reach
 {
     __mmask64 first;
@@ -64,7 +64,7 @@ Lanes LoadValues(const SseTransformation* tables)
     return _mm512_load_si512(values + std::ptrdiff_t{vector} * vectorBytes);
 }
 
-// With a mask of all bytes: GCC 12 warns of what its form without one leaves undefined.
+// The mask has all bytes: GCC 12 warns of what its form without one leaves undefined.
 [[gnu::always_inline]] inline Lanes PermuteBytes(Lanes places, Lanes bytes)
 {
     return _mm512_maskz_permutexvar_epi8(~__mmask64{0}, places, bytes);
@@ -142,7 +142,7 @@ void ApplyBlocks(const SseRow& row, std::size_t firstPixel, std::size_t blocks, 
     }
 }
 
-// Fewer pixels than a block at the end of the row, or a block around the end of the field.
+// The row has fewer pixels than a block, or is a block around the end of the field.
 template <int vectors, bool isLong, bool draws>
 void ApplyPart(const SseRow& row, std::size_t firstPixel, std::size_t pixels, std::size_t position)
 {
