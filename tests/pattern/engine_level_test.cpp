@@ -15,19 +15,8 @@
 #include <string>
 
 // The processor's level changes the methods, and leaves the bytes alone.
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Apply;
-using TestSupport::Bytes;
-using TestSupport::Head;
-using TestSupport::InColor;
-using TestSupport::Load;
-using TestSupport::NaivePattern;
-using TestSupport::NaiveSimulation;
-using TestSupport::Numbered;
-using TestSupport::RandomPattern;
-using TestSupport::RandomSteps;
 
 using FirstEngine = DotWeavePatternEngineSse<RandomPointer<SseTransformation>>;
 using SecondEngine = DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>>;
@@ -149,7 +138,7 @@ TEST_F(PatternLevels, GiveTheSameBytes)
         const NaivePattern description = RandomPattern(random, 2 + round % 2);
         const std::uint64_t combinations = NaiveSimulation::CountCombinations(description);
         if (combinations < 2 || combinations > 1024 ||
-            TestSupport::Refusal(description.Text(), DotWeavePattern::Sse) != "nothing")
+            Refusal(description.Text(), DotWeavePattern::Sse) != "nothing")
             continue;
         ++tried;
         const NaiveSimulation naive(description);
@@ -162,4 +151,4 @@ TEST_F(PatternLevels, GiveTheSameBytes)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

@@ -9,18 +9,8 @@
 #include <cstdint>
 #include <string>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Bytes;
-using TestSupport::Engine;
-using TestSupport::Flush;
-using TestSupport::GuardedBuffer;
-using TestSupport::Head;
-using TestSupport::InColor;
-using TestSupport::Load;
-using TestSupport::Numbered;
-using TestSupport::RandomSteps;
 
 // A pattern of so many in-colours and out-inks, each ink fed, with two alternatives.
 std::string Wide(int inColors, int outInks)
@@ -75,7 +65,7 @@ TEST(PatternEngines, TakeTheLow32BitsOfACount)
         const GuardedBuffer destination(15, Flush::AtEnd, 0xA5);
         cut.ApplyPattern(source.data(), destination.data(),
                          static_cast<unsigned long>((std::uint64_t{1} << 32) + 5));
-        EXPECT_EQ(destination.bytes(), TestSupport::Apply(plain, source.bytes()));
+        EXPECT_EQ(destination.bytes(), Apply(plain, source.bytes()));
     }
 }
 
@@ -98,4 +88,4 @@ TEST(PatternEngines, WriteNothingBehindThePixels)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

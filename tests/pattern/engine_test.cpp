@@ -12,22 +12,8 @@
 #include <thread>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Apply;
-using TestSupport::Bytes;
-using TestSupport::Engine;
-using TestSupport::Head;
-using TestSupport::InColor;
-using TestSupport::Load;
-using TestSupport::NaiveInColor;
-using TestSupport::NaivePattern;
-using TestSupport::NaiveSimulation;
-using TestSupport::Numbered;
-using TestSupport::RandomPattern;
-using TestSupport::RandomSteps;
-using TestSupport::Refusal;
 
 constexpr Engine bothFamilies[] = {DotWeavePattern::X86, DotWeavePattern::Sse};
 
@@ -63,7 +49,7 @@ TEST(PatternEngines, ApplyTheExample)
     const auto first = field[30844];
     const std::vector<Bytes> wholePixels = {{0, 128, 255}, {40, 0, 255}};
     for (const Engine engine : bothFamilies) {
-        DotWeavePattern pattern = Load(TestSupport::exampleText, engine);
+        DotWeavePattern pattern = Load(exampleText, engine);
         EXPECT_EQ(Apply(pattern, {2, 1}), wholePixels[first]);
         EXPECT_EQ(Apply(pattern, {2, 1}), wholePixels[field[33804]]);
         EXPECT_EQ(Apply(pattern, {1, 0}), (Bytes{0, 64, 0}));
@@ -78,7 +64,7 @@ TEST(PatternEngines, ApplyTheExample)
 TEST(PatternEngines, AnswerCountsAndTopSteps)
 {
     for (const Engine engine : bothFamilies) {
-        DotWeavePattern pattern = Load(TestSupport::exampleText, engine);
+        DotWeavePattern pattern = Load(exampleText, engine);
         EXPECT_EQ(pattern.GetInColorCount(), 2);
         EXPECT_EQ(pattern.GetOutColorCount(), 3);
         EXPECT_EQ(pattern.GetNumberOfStepsForInColor(0), 3);
@@ -431,4 +417,4 @@ TEST(PatternEngines, BuildAndApplyOnSeveralThreadsAtOnce)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

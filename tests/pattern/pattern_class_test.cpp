@@ -18,18 +18,8 @@
 #include <utility>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Apply;
-using TestSupport::Bytes;
-using TestSupport::Engine;
-using TestSupport::Head;
-using TestSupport::InColor;
-using TestSupport::Load;
-using TestSupport::Numbered;
-using TestSupport::Refusal;
-using TestSupport::WhatIsThrown;
 
 constexpr Engine allEngines[] = {DotWeavePattern::Automatic, DotWeavePattern::Reference,
                                  DotWeavePattern::X86, DotWeavePattern::Sse};
@@ -182,7 +172,7 @@ TEST(DotWeavePattern, ChoosesByProcessorUnlessTold)
 TEST(DotWeavePattern, SharesItsEngineWithItsCopies)
 {
     for (const Engine engine : allEngines) {
-        const std::string text = std::string(TestSupport::exampleText);
+        const std::string text = std::string(exampleText);
         const Bytes source(200, 2);
         DotWeavePattern alone = Load(text, engine);
         DotWeavePattern original = Load(text, engine);
@@ -201,7 +191,7 @@ TEST(DotWeavePattern, SharesItsEngineWithItsCopies)
 TEST(DotWeavePattern, OutlivesTheObjectItWasAssignedFrom)
 {
     for (const Engine engine : allEngines) {
-        const std::string text = std::string(TestSupport::exampleText);
+        const std::string text = std::string(exampleText);
         const Bytes source(200, 2);
         DotWeavePattern alone = Load(text, engine);
         DotWeavePattern target = Load(text, engine);
@@ -245,7 +235,7 @@ public:
 
 TEST(DotWeavePattern, KeepsItsEngineWhenAnotherFailsToLoad)
 {
-    std::string text = TestSupport::exampleText;
+    std::string text = exampleText;
     std::string broken = "DotWeavePattern";
     Derived pattern(text.data(), DotWeavePattern::X86);
     EXPECT_EQ(WhatIsThrown([&] { pattern.Init(broken.data(), DotWeavePattern::Sse); }), noColors);
@@ -269,7 +259,7 @@ TEST(DotWeavePattern, TakesTheGenerationOverWithTheEngine)
 template <typename EngineClass, typename... Arguments>
 void ExpectAlignment(Arguments... arguments)
 {
-    std::string text = TestSupport::exampleText;
+    std::string text = exampleText;
     std::vector<std::unique_ptr<EngineClass>> engines;
     for (int i = 0; i < 5; ++i) {
         engines.push_back(std::make_unique<EngineClass>(arguments...));
@@ -297,7 +287,7 @@ TEST(DotWeavePatternEngines, StandAlignedTo32Bytes)
 
 TEST(DotWeavePatternEngines, ShowTheSourceThatTheyWalk)
 {
-    std::string text = TestSupport::exampleText;
+    std::string text = exampleText;
     DotWeavePatternEngineX86<RandomField> engine;
     engine.InitFromText(text.data());
     ASSERT_NE(engine.GetRandomSource(), nullptr);
@@ -305,4 +295,4 @@ TEST(DotWeavePatternEngines, ShowTheSourceThatTheyWalk)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

@@ -7,16 +7,8 @@
 #include <string>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Apply;
-using TestSupport::Bytes;
-using TestSupport::Engine;
-using TestSupport::Head;
-using TestSupport::InColor;
-using TestSupport::Load;
-using TestSupport::Numbered;
 
 // The numbers of pixels that get each alternative lie where the proportions put them.
 void ExpectProportions(const char* version, const std::string& weightText,
@@ -65,4 +57,4 @@ TEST(PatternEngines, KeepTheProportionsOverAMillionPixels)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

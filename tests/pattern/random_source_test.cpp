@@ -12,14 +12,8 @@
 #include <random>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::NaiveJump;
-using TestSupport::NaiveRand;
-using TestSupport::NaiveShuffle;
-using TestSupport::NaiveTwister;
-using TestSupport::WhatIsThrown;
 
 using Numbers = std::vector<std::uint32_t>;
 
@@ -364,4 +358,4 @@ TEST(RandomPointerNG, StartsRowsAtTheJumpTableAlsoAfterAReset)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

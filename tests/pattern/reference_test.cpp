@@ -13,19 +13,8 @@
 #include <string>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::Bytes;
-using TestSupport::Head;
-using TestSupport::InColor;
-using TestSupport::NaiveJump;
-using TestSupport::NaivePattern;
-using TestSupport::NaiveRand;
-using TestSupport::NaiveReference;
-using TestSupport::Numbered;
-using TestSupport::RandomPattern;
-using TestSupport::RandomSteps;
 
 DotWeavePattern Load(const std::string& text)
 {
@@ -46,7 +35,7 @@ std::string Values(const std::string& version, const std::string& values)
 Bytes Once(const std::string& text, const Bytes& source)
 {
     DotWeavePattern pattern = Load(text);
-    return TestSupport::Apply(pattern, source);
+    return Apply(pattern, source);
 }
 
 Bytes Repeated(const Bytes& pixel, std::size_t count)
@@ -74,8 +63,7 @@ TEST(ReferenceClass, AgreesWithTheNaiveOneOnRandomPatterns)
             }
             const Bytes source = RandomSteps(37 * description.inColors.size(),
                                              static_cast<std::uint32_t>(round * 8 + row));
-            ASSERT_EQ(TestSupport::Apply(pattern, source), naive.Apply(source))
-                << description.Text();
+            ASSERT_EQ(Apply(pattern, source), naive.Apply(source)) << description.Text();
         }
         ++compared;
     }
@@ -87,12 +75,12 @@ TEST(ReferenceClass, RunsOnAcrossCallsAndEmptyRows)
     const std::string text = Values("2", "1 1:1 0-10 0-20");
     DotWeavePattern whole = Load(text);
     DotWeavePattern inPieces = Load(text);
-    const Bytes expected = TestSupport::Apply(whole, Bytes(100, 1));
+    const Bytes expected = Apply(whole, Bytes(100, 1));
     // Of the count 32 bits count, and this one has none of them.
     inPieces.ApplyPattern(nullptr, nullptr, static_cast<unsigned long>(std::uint64_t{1} << 32));
     Bytes joined;
     for (const std::size_t pixels : {10U, 0U, 50U, 40U}) {
-        const Bytes piece = TestSupport::Apply(inPieces, Bytes(pixels, 1));
+        const Bytes piece = Apply(inPieces, Bytes(pixels, 1));
         joined.insert(joined.end(), piece.begin(), piece.end());
     }
     EXPECT_EQ(joined, expected);
@@ -130,8 +118,8 @@ TEST(ReferenceClass, CopiesTheSourceOfAStepWithASuffix)
 {
     DotWeavePattern pattern = Load(Values("2", "1+ 1:1 0-1 0-2"));
     DotWeavePattern other = Load(Values("2", "1+ 1:1 0-1 0-2"));
-    const Bytes ones = TestSupport::Apply(pattern, Bytes(50, 1));
-    EXPECT_EQ(TestSupport::Apply(other, Bytes(50, 6)), ones);
+    const Bytes ones = Apply(pattern, Bytes(50, 1));
+    EXPECT_EQ(Apply(other, Bytes(50, 6)), ones);
     EXPECT_NE(ones, Bytes(100, 1));
 }
 
@@ -139,7 +127,7 @@ TEST(ReferenceClass, SetsNoSourceForASuffixWithASumBelow2)
 {
     // The second line takes the source from step 1, and its copy takes it from step 2.
     DotWeavePattern pattern = Load(Values("2", "1 1:1 0-1 0-2 2 1:1 0-1 0-2 1+ 1 0-7"));
-    const Bytes inks = TestSupport::Apply(pattern, {1, 2, 1, 2});
+    const Bytes inks = Apply(pattern, {1, 2, 1, 2});
     EXPECT_EQ(inks, (Bytes{7, 0, 7, 0, 7, 0, 7, 0}));
 }
 
@@ -156,7 +144,7 @@ TEST(ReferenceClass, LetsInColorsOfOneSumDrawFromOneField)
                              InColor("A", "X", "1 1:1 0-1 0-2") +
                              InColor("B", "Y", "1 1:1 0-1 0-2");
     DotWeavePattern pattern = Load(text);
-    const Bytes inks = TestSupport::Apply(pattern, Bytes(200, 1));
+    const Bytes inks = Apply(pattern, Bytes(200, 1));
     RandomField field(7, 2);
     for (std::size_t i = 0; i < inks.size(); ++i)
         ASSERT_EQ(inks[i], field.GetData()[(NaiveJump(0) + 1 + i) % 65536] + 1) << i;
@@ -169,7 +157,7 @@ TEST(ReferenceClass, DrawsAFieldByTheSeedThatStandsAheadOfItsFirstLine)
     RandomField halves(42, 2);
     RandomField thirds(7, 3);
     DotWeavePattern pattern = Load(text);
-    const Bytes inks = TestSupport::Apply(pattern, [] {
+    const Bytes inks = Apply(pattern, [] {
         Bytes source;
         for (int i = 0; i < 100; ++i)
             source.insert(source.end(), {1, 2, 3});
@@ -188,8 +176,8 @@ TEST(ReferenceClass, MovesASourceOnlyForPixelsThatUseIt)
     const std::string text = Values("2", "1 1:1 0-1 0-2");
     DotWeavePattern dense = Load(text);
     DotWeavePattern sparse = Load(text);
-    const Bytes all = TestSupport::Apply(dense, {1, 1, 1, 1});
-    const Bytes some = TestSupport::Apply(sparse, {1, 0, 9, 1, 255, 1, 0, 1});
+    const Bytes all = Apply(dense, {1, 1, 1, 1});
+    const Bytes some = Apply(sparse, {1, 0, 9, 1, 255, 1, 0, 1});
     EXPECT_EQ(some, (Bytes{all[0], 0, 0, 0, 0, 0, all[2], 0, 0, 0, all[4], 0, 0, 0, all[6], 0}));
 }
 
@@ -285,7 +273,7 @@ TEST(ReferenceClass, RefusesMoreThan12OutInksAndAnyNumberOfInColorsIsTaken)
     DotWeavePattern pattern = Load(Head("2", list(40), "X") + InColor("N39", "X", "1 1 0-9"));
     Bytes source(40, 0);
     source[39] = 1;
-    EXPECT_EQ(TestSupport::Apply(pattern, source), Bytes{9});
+    EXPECT_EQ(Apply(pattern, source), Bytes{9});
 }
 
 TEST(ReferenceClass, HasNoLimitOnCombinationsAndNoNeedForEveryStep)
@@ -411,4 +399,4 @@ TEST(ReferenceClass, TellsStepsApartByAnyOfTheirFirstFourWeightsInTheNewerWay)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

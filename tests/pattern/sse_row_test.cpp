@@ -15,12 +15,9 @@
 #include <string>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using TestSupport::Flush;
-using TestSupport::GuardedArena;
-using TestSupport::RandomBytes;
 using Bytes = std::vector<unsigned char>;
 
 constexpr std::uint32_t most = 16;
@@ -258,4 +255,4 @@ TEST(InkLookup, IsForStepsBelowEight)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport

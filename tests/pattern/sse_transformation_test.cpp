@@ -11,10 +11,8 @@
 #include <string>
 #include <vector>
 
-namespace zvk::Pelkraft {
+namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-using TestSupport::WhatIsThrown;
 
 using Lanes = std::array<std::int32_t, 16>;
 
@@ -270,4 +268,4 @@ TEST(SseTransformation, GivesEveryLaneItsValuesAndRefusesNoMoreThanItMust)
 }
 
 } // namespace
-} // namespace zvk::Pelkraft
+} // namespace zvk::Pelkraft::TestSupport
