@@ -24,13 +24,9 @@ using SecondEngine = DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>
 // A pattern in which the last in-colour feeds all out-inks.
 std::string Fed(int inColors, int outInks, const std::string& version, const std::string& values)
 {
-    std::string names;
-    std::string inks;
-    for (int i = 0; i < inColors; ++i)
-        names += Numbered(" C", i);
-    for (int i = 0; i < outInks; ++i)
-        inks += Numbered(" X", i);
-    return Head(version, names, inks) + InColor(Numbered("C", inColors - 1), inks, values);
+    const std::string inks = Names(" X", outInks);
+    return Head(version, Names(" C", inColors), inks) +
+           InColor(Numbered("C", inColors - 1), inks, values);
 }
 
 class PatternLevels : public testing::Test

@@ -15,13 +15,7 @@ namespace {
 // A pattern of so many in-colours and out-inks, each ink fed, with two alternatives.
 std::string Wide(int inColors, int outInks)
 {
-    std::string names;
-    std::string inks;
-    for (int i = 0; i < inColors; ++i)
-        names += Numbered(" C", i);
-    for (int i = 0; i < outInks; ++i)
-        inks += Numbered(" X", i);
-    std::string text = Head("2", names, inks);
+    std::string text = Head("2", Names(" C", inColors), Names(" X", outInks));
     for (int i = 0; i < inColors; ++i) {
         std::string own;
         for (int ink = i; ink < outInks; ink += inColors)

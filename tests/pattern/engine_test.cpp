@@ -376,18 +376,14 @@ TEST(VectorEngine, WrapsAtTheFieldOfThePatternBuiltLast)
 TEST(VectorEngine, HoldsSixteenValuesInACombination)
 {
     const auto text = [](int inColors) {
-        std::string names;
-        std::string inks;
         std::string blocks;
         for (int i = 0; i < inColors; ++i) {
-            names += Numbered(" C", i);
-            inks += Numbered(" X", i);
             std::string values;
             for (int step = 0; step < 4; ++step)
                 values += Numbered(" ", step) + " 1" + Numbered(" 0-", 10 * i + step + 1);
             blocks += InColor(Numbered("C", i), Numbered("X", i), values);
         }
-        return Head("2", names, inks) + blocks;
+        return Head("2", Names(" C", inColors), Names(" X", inColors)) + blocks;
     };
     DotWeavePattern pattern = Load(text(4), DotWeavePattern::Sse);
     EXPECT_EQ(Apply(pattern, {0, 1, 2, 3, 3, 2, 1, 0}), (Bytes{1, 12, 23, 34, 4, 13, 22, 31}));

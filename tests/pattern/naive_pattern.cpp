@@ -11,14 +11,9 @@ namespace zvk::Pelkraft::TestSupport {
 
 std::string NaivePattern::Text() const
 {
-    std::string outNames;
-    for (int i = 0; i < outInks; ++i)
-        outNames += Numbered(" ink", i);
-    std::string inNames;
     std::string blocks;
     for (int i = 0; i < static_cast<int>(inColors.size()); ++i) {
         const NaiveInColor& inColor = inColors[static_cast<std::size_t>(i)];
-        inNames += Numbered(" colour", i);
         std::string inks;
         for (const int ink : inColor.inks)
             inks += Numbered(" ink", ink);
@@ -32,8 +27,9 @@ std::string NaivePattern::Text() const
         }
         blocks += InColor(Numbered("colour", i), inks, values);
     }
-    return Head(std::to_string(version), inNames, outNames) + Numbered("RANDOM_SEED ", seed) +
-           blocks;
+    return Head(std::to_string(version), Names(" colour", static_cast<int>(inColors.size())),
+                Names(" ink", outInks)) +
+           Numbered("RANDOM_SEED ", seed) + blocks;
 }
 
 std::uint64_t NaiveSimulation::CountCombinations(const NaivePattern& pattern)

@@ -35,13 +35,7 @@ static_assert(!std::is_polymorphic_v<DotWeavePattern>);
 
 std::string Listed(int inColors, int outInks)
 {
-    std::string inNames;
-    std::string outNames;
-    for (int i = 0; i < inColors; ++i)
-        inNames += Numbered(" C", i);
-    for (int i = 0; i < outInks; ++i)
-        outNames += Numbered(" X", i);
-    return Head("2", inNames, outNames);
+    return Head("2", Names(" C", inColors), Names(" X", outInks));
 }
 
 TEST(DotWeavePattern, RefusesWhatTheEarlyCheckRefuses)
@@ -91,8 +85,7 @@ TEST(DotWeavePattern, RefusesMoreThanItsTablesHold)
 {
     const std::string portable = "narrow: Array too long for pattern tables";
     const std::string vector = "narrow: Array too long for SSE register";
-    const std::string fed =
-        InColor("C0", "X0 X1 X2 X3 X4 X5 X6 X7 X8 X9 X10 X11 X12 X13 X14 X15", "1 1:1 0-1 1-2");
+    const std::string fed = InColor("C0", Names(" X", 16), "1 1:1 0-1 1-2");
     EXPECT_EQ(Refusal(Listed(16, 16) + fed, DotWeavePattern::X86), "nothing");
     EXPECT_EQ(Refusal(Listed(16, 16) + fed, DotWeavePattern::Sse), "nothing");
     for (const auto& [inColors, outInks] :

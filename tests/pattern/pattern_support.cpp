@@ -28,6 +28,14 @@ std::string Numbered(const char* prefix, int number)
     return text;
 }
 
+std::string Names(const char* prefix, int count)
+{
+    std::string names;
+    for (int i = 0; i < count; ++i)
+        names += Numbered(prefix, i);
+    return names;
+}
+
 const char* const exampleText = R"(DotWeavePattern
 VERSION 2
 RANDOM_SEED 1234

@@ -13,6 +13,9 @@ std::string WhatIsThrown(const std::function<void()>& action);
 // " C3" of " C" and 3.
 std::string Numbered(const char* prefix, int number);
 
+// " C0 C1 C2" of " C" and 3.
+std::string Names(const char* prefix, int count);
+
 // Two in-colours, Cyan with four steps and Black with two, and three out-inks.
 extern const char* const exampleText;
 

@@ -262,15 +262,11 @@ TEST(ReferenceClass, GivesAWeightNoMoreNumbersThanTheSumHas)
 
 TEST(ReferenceClass, RefusesMoreThan12OutInksAndAnyNumberOfInColorsIsTaken)
 {
-    const auto list = [](int count) {
-        std::string names;
-        for (int i = 0; i < count; ++i)
-            names += Numbered(" N", i);
-        return names;
-    };
-    EXPECT_EQ(Refusal(Head("2", "A", list(12))), "nothing");
-    EXPECT_EQ(Refusal(Head("2", "A", list(13))), "narrow: Array too long for pattern tables");
-    DotWeavePattern pattern = Load(Head("2", list(40), "X") + InColor("N39", "X", "1 1 0-9"));
+    EXPECT_EQ(Refusal(Head("2", "A", Names(" N", 12))), "nothing");
+    EXPECT_EQ(Refusal(Head("2", "A", Names(" N", 13))),
+              "narrow: Array too long for pattern tables");
+    DotWeavePattern pattern =
+        Load(Head("2", Names(" N", 40), "X") + InColor("N39", "X", "1 1 0-9"));
     Bytes source(40, 0);
     source[39] = 1;
     EXPECT_EQ(Apply(pattern, source), Bytes{9});
