@@ -131,25 +131,10 @@ private:
 };
 
 template <typename RandomSource>
-CDotWeavePattern<RandomSource>::CDotWeavePattern()
-{
-    mRandomOld = ReadRandomOldSetting(mRandomOld);
-}
-
-template <typename RandomSource>
-CDotWeavePattern<RandomSource>::~CDotWeavePattern() = default;
-
-template <typename RandomSource>
-void CDotWeavePattern<RandomSource>::Clear()
+void CDotWeavePattern<RandomSource>::InitFromText(char* text)
 {
     mRandomFields.clear();
     mInColors.Free();
-}
-
-template <typename RandomSource>
-void CDotWeavePattern<RandomSource>::InitFromText(char* text)
-{
-    Clear();
     mVersion = 1;
     mTokens = CutTokens(text, commentCharacter);
     TextSink sink(*this);
@@ -212,24 +197,12 @@ void CDotWeavePattern<RandomSource>::ApplyInColor(const TestInColorRecord<Random
 }
 
 template <typename RandomSource>
-int CDotWeavePattern<RandomSource>::GetInColorCount()
-{
-    return static_cast<int>(mInColorNames.size());
-}
-
-template <typename RandomSource>
 int CDotWeavePattern<RandomSource>::GetNumberOfStepsForInColor(int inColor)
 {
     if (inColor < 0 || inColor >= CountInColors())
         return 0;
     const auto* record = mInColors.Find(inColor);
     return record != nullptr ? record->numValueLines : 0;
-}
-
-template <typename RandomSource>
-int CDotWeavePattern<RandomSource>::GetOutColorCount()
-{
-    return static_cast<int>(mOutInkNames.size());
 }
 
 template class CDotWeavePattern<RandomField>;

@@ -48,30 +48,26 @@ template <typename RandomSource>
 class CDotWeavePattern : public DotWeavePatternEngine
 {
 public:
-    CDotWeavePattern();
-    ~CDotWeavePattern() override;
-
     void InitFromText(char* text) override;
     void ResetRandomizer() override;
     void ApplyPattern(unsigned char* source, unsigned char* destination,
                       unsigned long pixels) override;
-    int GetInColorCount() override;
+    int GetInColorCount() override { return static_cast<int>(mInColorNames.size()); }
     // The result is the number of value lines, and not the highest step; 0 outside the in-colours.
     int GetNumberOfStepsForInColor(int inColor) override;
-    int GetOutColorCount() override;
+    int GetOutColorCount() override { return static_cast<int>(mOutInkNames.size()); }
     DotWeavePatternConverter* GetConverter() override { return nullptr; }
     virtual RandomSource* GetRandomSource() { return nullptr; }
 
 protected:
     // All steps of one sum of weights share a source, which moves with the pixels that use it. If
     // it is off, steps of one distribution share a source, which moves with every pixel.
-    bool mRandomOld = true;
+    bool mRandomOld = ReadRandomOldSetting(true);
     InColorRecords<TestInColorRecord<RandomSource>> mInColors;
 
 private:
     class TextSink;
 
-    void Clear();
     // A repeated name leads to an index beyond the pixel, where no step stands.
     std::int32_t CountInColors() { return std::min(mInColors.Count(), GetInColorCount()); }
     void ApplyPixel(const unsigned char* source);
