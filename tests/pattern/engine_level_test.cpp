@@ -21,7 +21,7 @@ namespace {
 using FirstEngine = DotWeavePatternEngineSse<RandomPointer<SseTransformation>>;
 using SecondEngine = DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>>;
 
-// A pattern in which the last in-colour feeds all out-inks.
+// In this pattern the last in-colour feeds all out-inks.
 std::string Fed(int inColors, int outInks, const std::string& version, const std::string& values)
 {
     const std::string inks = Names(" X", outInks);
@@ -34,7 +34,7 @@ class PatternLevels : public testing::Test
 protected:
     ~PatternLevels() override { SystemTools::LimitSseVersion(INT_MAX); }
 
-    // Whether the processor has the level.
+    // The result is false where the processor lacks the level.
     static bool Limit(int level)
     {
         SystemTools::LimitSseVersion(level);
@@ -82,7 +82,7 @@ TEST_F(PatternLevels, LookUpNoStepsWithoutALimit)
 template <typename EngineClass>
 SseRowMethod MethodOf(const DotWeavePattern& pattern)
 {
-    // The engine stands in front, as the binary interface promises.
+    // The binary interface promises that the engine stands in front.
     DotWeavePatternEngine* engine = nullptr;
     // NOLINTNEXTLINE(bugprone-sizeof-expression): the pointer itself is copied.
     std::memcpy(&engine, static_cast<const void*>(&pattern), sizeof engine);
@@ -112,7 +112,7 @@ TEST_F(PatternLevels, ChooseTheRoadOfTheAutomaticEngineAlone)
     }
 }
 
-// Some rows, of which the last goes beyond the end of the field.
+// The last of these rows goes beyond the end of the field.
 void ExpectNaiveRows(const NaivePattern& description, const NaiveSimulation& fresh)
 {
     NaiveSimulation naive = fresh;

@@ -12,7 +12,7 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-// A pattern of so many in-colours and out-inks, each ink fed, with two alternatives.
+// Each ink of this pattern is fed, and one step has two alternatives.
 std::string Wide(int inColors, int outInks)
 {
     std::string text = Head("2", Names(" C", inColors), Names(" X", outInks));

@@ -14,10 +14,10 @@ using Engine = DotWeavePattern::Engine;
 DotWeavePattern Load(const std::string& text, Engine engine);
 std::string Refusal(const std::string& text, Engine engine);
 
-// One row into a destination that held other bytes before.
+// Applies one row to a destination that held other bytes before.
 Bytes Apply(DotWeavePattern& pattern, const Bytes& source);
 
-// Pixels of random steps, some of them above the highest.
+// Some of these random steps are above the highest.
 Bytes RandomSteps(std::size_t size, std::uint32_t seed);
 
 } // namespace zvk::Pelkraft::TestSupport

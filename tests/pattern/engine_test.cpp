@@ -17,7 +17,7 @@ namespace {
 
 constexpr Engine bothFamilies[] = {DotWeavePattern::X86, DotWeavePattern::Sse};
 
-// The example of the pattern text, in its two in-colours.
+// This is exampleText again.
 NaivePattern Example(int version)
 {
     NaivePattern pattern;
@@ -76,7 +76,7 @@ TEST(PatternEngines, AnswerCountsAndTopSteps)
     }
 }
 
-// Several rows, a reset, and rows again.
+// Applies several rows, resets, and applies more.
 void ExpectRowsOf(NaiveSimulation naive, const NaivePattern& description, Engine engine,
                   std::mt19937& random)
 {
@@ -94,7 +94,7 @@ void ExpectRowsOf(NaiveSimulation naive, const NaivePattern& description, Engine
     }
 }
 
-// The engines that can load the pattern; what the others say is checked.
+// Checks what engines say that refuse the pattern, and returns the others.
 std::vector<Engine> EnginesFor(const NaivePattern& description)
 {
     const std::string text = description.Text();
@@ -172,7 +172,7 @@ TEST(PatternEngines, CountARowOfNoPixels)
             DotWeavePattern pattern = Load(description.Text(), engine);
             for (int row = 0; row < 5; ++row) {
                 naive.Row({});
-                // Of the count 32 bits count, and none of these is among them.
+                // Only the low 32 bits of a count are taken, which are 0 here.
                 pattern.ApplyPattern(nullptr, nullptr,
                                      static_cast<unsigned long>(std::uint64_t(row) << 32));
             }
@@ -279,7 +279,7 @@ TEST(PatternEngines, DecideAllInksOfAPixelByOneDraw)
 
 TEST(PatternEngines, FollowTheTextWhereAnInkIsFedTwice)
 {
-    // The row by building order, the step byte by the last block of the text.
+    // The row follows the order of building, the step byte the last block of the text.
     const std::string text = Head("2", "A B", "X") + InColor("B", "X", "1 1 0-21 2 1 0-22") +
                              InColor("A", "X", "1 1 0-11 2 1 0-12 3 1 0-13");
     for (const Engine engine : bothFamilies) {

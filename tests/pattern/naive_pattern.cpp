@@ -232,7 +232,7 @@ NaivePattern RandomPattern(std::mt19937& random, int version)
     for (int ink = 0; ink < pattern.outInks; ++ink)
         fed[static_cast<std::size_t>(Pick(random, 0, inColors - 1))].push_back(ink);
     for (std::vector<int>& inks : fed) {
-        // Written out: each standard library shuffles in its own way.
+        // Each standard library shuffles in its own way, so none is called.
         for (std::size_t last = inks.size(); last > 1; --last)
             std::swap(inks[last - 1], inks[random() % last]);
         pattern.inColors.push_back(RandomInColor(random, inks));

@@ -10,8 +10,7 @@ namespace zvk::Pelkraft::TestSupport {
 
 using Bytes = std::vector<unsigned char>;
 
-// A pattern as a person would describe it. Alternative j of a step has weights[j] and puts
-// values[j] on the ink position positions[j].
+// Alternative j of a step has weights[j] and puts values[j] on the ink position positions[j].
 struct NaiveLine
 {
     std::vector<std::uint64_t> weights;
@@ -21,9 +20,9 @@ struct NaiveLine
 
 struct NaiveInColor
 {
-    // Out-ink by position. No ink is fed twice.
+    // The out-inks stand by position. No ink is fed twice.
     std::vector<int> inks;
-    // By step; a gap is only allowed at 0.
+    // The lines stand by step; a gap is only allowed at 0.
     std::map<int, NaiveLine> lines;
 };
 
@@ -44,15 +43,15 @@ public:
     explicit NaiveSimulation(const NaivePattern& newPattern);
 
     static std::uint64_t CountCombinations(const NaivePattern& pattern);
-    // The combination numbers that the walk meets.
+    // The walk meets these numbers of combinations.
     const std::vector<std::uint32_t>& Field() const { return field; }
 
     Bytes Row(const Bytes& source);
-    // Whether the first row afterwards starts one place later.
+    // The first row after it may start one place later.
     void Reset(bool oneLater);
 
 private:
-    // The variable of an in-colour, shared by its steps of one distribution.
+    // The steps of an in-colour that have one distribution share a variable.
     struct Variable
     {
         std::vector<std::uint64_t> weights;
@@ -74,14 +73,14 @@ private:
 
     const NaivePattern pattern;
     const std::uint64_t combinations;
-    // By in-colour.
+    // Each in-colour has its own variables.
     std::vector<std::vector<Variable>> variables;
     std::vector<std::uint32_t> field;
     std::uint64_t position = 0;
     std::uint32_t row = 0;
 };
 
-// A pattern that the vector engine may still refuse for its number of values.
+// The vector engine may still refuse such a pattern for its number of values.
 NaivePattern RandomPattern(std::mt19937& random, int version);
 
 } // namespace zvk::Pelkraft::TestSupport

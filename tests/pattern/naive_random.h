@@ -6,7 +6,7 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// The generators and the walk from their definitions, with nothing of the library.
+// The generators and the walk follow their definitions here, with nothing of the library.
 class NaiveRand
 {
 public:
@@ -33,7 +33,7 @@ private:
 // Shuffles from front to back, each entry with one of those up to itself.
 void NaiveShuffle(std::vector<std::uint32_t>& field, std::uint32_t seed);
 
-// Where a row starts.
+// Gives the place at which a row starts.
 std::uint32_t NaiveJump(std::uint32_t row);
 
 } // namespace zvk::Pelkraft::TestSupport

@@ -8,7 +8,7 @@ namespace zvk::Pelkraft::TestSupport {
 
 void NaiveReference::Reset()
 {
-    // One place behind the start, as after each reset of a portable source.
+    // Each reset of a portable source leaves it one place after the start.
     positions.clear();
 }
 

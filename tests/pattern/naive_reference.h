@@ -8,8 +8,8 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// The reference class from its definition, for patterns without suffixes: draws one number for
-// each in-colour, from a sequence for each sum of weights.
+// Does as the reference class is defined, for patterns without suffixes: draws one number for each
+// in-colour, from a sequence for each sum of weights.
 class NaiveReference
 {
 public:

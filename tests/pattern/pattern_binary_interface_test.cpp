@@ -13,8 +13,7 @@
 #include <string>
 #include <type_traits>
 
-// The place of the fields and the absence of a virtual table are what programs built elsewhere
-// rely on.
+// Programs built elsewhere rely on the place of the fields and the absence of a virtual table.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
@@ -35,7 +34,7 @@ static_assert(
     std::is_same_v<decltype(&Pattern::GetNumberOfStepsForInColor), int (Pattern::*)(int)>);
 static_assert(std::is_same_v<decltype(&Pattern::GetOutColorCount), int (Pattern::*)()>);
 
-// A pattern's memory as its binary interface promises it.
+// The binary interface promises this memory.
 struct PatternFields
 {
     const void* engine;

@@ -49,14 +49,14 @@ TEST(DotWeavePattern, RefusesWhatTheEarlyCheckRefuses)
     }
     EXPECT_EQ(WhatIsThrown([] { DotWeavePattern(nullptr); }),
               "wide: Internal Message: no input dotweave pattern");
-    // Ahead of the choice of an engine.
+    // The text is checked before an engine is chosen.
     EXPECT_EQ(Refusal("", static_cast<Engine>(4)),
               "wide: Internal Message: no version in dotweave pattern");
 }
 
 TEST(DotWeavePattern, RefusesAnEngineItDoesNotKnow)
 {
-    // Ahead of a look at the text.
+    // The engine is refused before the parser looks at the text.
     for (const int engine : {4, 5, 255, 1 << 30, -1})
         EXPECT_EQ(Refusal("VERSION 2", static_cast<Engine>(engine)),
                   "narrow: DotWeavePattern::Init unsupported engine")
@@ -93,7 +93,7 @@ TEST(DotWeavePattern, RefusesMoreThanItsTablesHold)
         EXPECT_EQ(Refusal(Listed(inColors, outInks) + fed, DotWeavePattern::X86), portable);
         EXPECT_EQ(Refusal(Listed(inColors, outInks) + fed, DotWeavePattern::Sse), vector);
     }
-    // Of the inks only those that the tables hold are asked for an in-colour.
+    // Only the inks that the tables hold are asked for an in-colour.
     EXPECT_EQ(Refusal(Listed(17, 17) + InColor("C0", "X0", "1 1 0-1"), DotWeavePattern::X86),
               "narrow: out-ink without in-colour in pattern");
 }
@@ -102,12 +102,12 @@ TEST(DotWeavePattern, RefusesAnInkWithoutInColorOrRowOnThePortableEngine)
 {
     const std::string refusal = "narrow: out-ink without in-colour in pattern";
     EXPECT_EQ(Refusal(Listed(1, 2) + InColor("C0", "X0", ""), DotWeavePattern::X86), refusal);
-    // Fed, but the list of inks does not end.
+    // The ink is fed, but the list of inks does not end.
     EXPECT_EQ(Refusal(Listed(1, 1) + "BEGIN_IN_COLOR C0 BEGIN_INKS X0", DotWeavePattern::X86),
               refusal);
     EXPECT_EQ(Refusal(Listed(1, 1) + "BEGIN_IN_COLOR C0 BEGIN_INKS X0", DotWeavePattern::Sse),
               "nothing");
-    // In the second generation this comes ahead of the refusal of a single combination.
+    // In the second generation this comes before the refusal of a single combination.
     EXPECT_EQ(Refusal(Head("3", "A", "X"), DotWeavePattern::X86), refusal);
 }
 
@@ -147,7 +147,7 @@ TEST(DotWeavePattern, TakesTheGenerationFromTheEarlyCheckAndTheGrammarFromThePar
 
 TEST(DotWeavePattern, ChoosesByProcessorUnlessTold)
 {
-    // An ink that nobody feeds tells the families apart.
+    // Only one of the families takes an ink that nobody feeds.
     const std::string text = Head("2", "A", "X Y") + InColor("A", "X", "1 1 0-1");
     const std::string portable = "narrow: out-ink without in-colour in pattern";
     for (const int level : {0, 1, 2}) {
@@ -204,7 +204,7 @@ TEST(DotWeavePattern, LeavesThePlatformsGeneratorAlone)
         }
 }
 
-// Reaches what only a derived class can.
+// Only a derived class can reach Init.
 class Derived : public DotWeavePattern
 {
 public:
@@ -248,7 +248,7 @@ void ExpectAlignment(Arguments... arguments)
         engines.back()->InitFromText(text.data());
         EXPECT_EQ(engines.back()->GetOutColorCount(), 3);
         EXPECT_NE(engines.back()->GetConverter(), nullptr);
-        // And one that fails leaves nothing of it.
+        // A load that fails leaves nothing of it.
         std::string unfinished = "VERSION 2 BEGIN_OUT_INKS A";
         EXPECT_NE(WhatIsThrown([&] { engines.back()->InitFromText(unfinished.data()); }),
                   "nothing");

@@ -11,13 +11,13 @@ using Engine = DotWeavePattern::Engine;
 
 constexpr Engine engines[] = {DotWeavePattern::Automatic, DotWeavePattern::Reference,
                               DotWeavePattern::X86, DotWeavePattern::Sse};
-// In-colours and out-inks; a vector has room for 16 of each.
+// These are in-colours and out-inks; a vector has room for 16 of each.
 constexpr std::pair<int, int> measures[] = {{1, 1},   {1, 3},  {1, 16}, {2, 3},  {3, 2},
                                             {4, 4},   {4, 6},  {5, 1},  {8, 12}, {12, 12},
                                             {15, 15}, {16, 1}, {16, 16}};
 constexpr int inksOfReference = 12;
 
-// Not std::to_string, whose code lies in the standard library's own file.
+// std::to_string lies in the standard library's own file, which no sanitizer has instrumented.
 std::string Digits(int number)
 {
     std::string digits;

@@ -8,8 +8,8 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// A pattern by its measures. Each in-colour has three steps and feeds each ink whose number it is
-// a fellow of; a drawing one has two combinations.
+// Each in-colour has three steps and feeds the inks whose number is its own modulo the in-colours.
+// A drawing pattern has two combinations.
 struct PatternShape
 {
     int version;
@@ -22,10 +22,10 @@ struct PatternShape
 std::string TextOf(const PatternShape& shape);
 std::string Describe(const PatternShape& shape);
 
-// Both generations on all engines, with 1 to 16 colours and inks; each of them can be loaded.
+// The list has both generations on all engines, with 1 to 16 colours and inks. All can be loaded.
 std::vector<PatternShape> AllPatternShapes();
 
-// Steps of so many bytes, some of them above the highest.
+// Some of these steps are above the highest.
 std::vector<unsigned char> NoisySteps(std::size_t bytes);
 
 } // namespace zvk::Pelkraft::TestSupport

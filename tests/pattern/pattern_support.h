@@ -19,14 +19,14 @@ std::string Names(const char* prefix, int count);
 // Two in-colours, Cyan with four steps and Black with two, and three out-inks.
 extern const char* const exampleText;
 
-// The lines in front of the first in-colour.
+// Writes the lines before the first in-colour.
 std::string Head(const std::string& version, const std::string& inColors,
                  const std::string& outInks);
 
-// One in-colour block: its inks and its value lines.
+// Writes one in-colour block: its inks and its value lines.
 std::string InColor(const std::string& name, const std::string& inks, const std::string& values);
 
-// The model as it is before an engine's own form of it.
+// The model has no engine's own form here.
 class PlainConverter final : public DotWeavePatternConverter
 {};
 

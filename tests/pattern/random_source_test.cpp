@@ -71,7 +71,7 @@ TEST(LinearGenerator, GivesTheSequenceOfItsSeed)
 
 TEST(NaiveGenerator, IsThePublishedTwister)
 {
-    // The published check: output 10000 of the default seed.
+    // Output 10000 of the default seed is published as a check.
     NaiveTwister twister(5489);
     for (int i = 1; i < 10000; ++i)
         twister();
@@ -89,8 +89,8 @@ TEST(JumpTable, HoldsTheEvenPlacesOfItsSequence)
     EXPECT_TRUE(std::all_of(table.begin(), table.end(), [](auto entry) { return entry % 2 == 0; }));
 }
 
-// The field of the first generation from its definition: the combination before the first sum
-// above the rest.
+// Draws the field of the first generation as it is defined: an entry is the combination before the
+// first sum above the rest.
 Numbers DrawnFrom(std::uint32_t seed, const Numbers& cumulative, std::uint32_t total)
 {
     NaiveRand rand(seed);
@@ -224,7 +224,7 @@ TEST(RandomFieldNG, ShufflesFromFrontToBack)
     // The last two come upon an output beyond the last whole multiple of 32768 and of 65536,
     // which a power of two accepts.
     for (const std::int32_t seed : {0, 1, 42, -7, 6585, 13866}) {
-        // The first combination has less than one entry in six, and all that is left behind.
+        // The first combination has less than one entry in six, and all that is left over.
         Numbers expected(33334, 1);
         expected.insert(expected.end(), 33334, 2);
         expected.insert(expected.end(), 33334, 0);

@@ -26,7 +26,7 @@ std::string Refusal(const std::string& text)
     return TestSupport::Refusal(text, DotWeavePattern::Reference);
 }
 
-// One in-colour that feeds the inks X and Y.
+// Its one in-colour feeds the inks X and Y.
 std::string Values(const std::string& version, const std::string& values)
 {
     return Head(version, "A", "X Y") + InColor("A", "X Y", values);
@@ -76,7 +76,7 @@ TEST(ReferenceClass, RunsOnAcrossCallsAndEmptyRows)
     DotWeavePattern whole = Load(text);
     DotWeavePattern inPieces = Load(text);
     const Bytes expected = Apply(whole, Bytes(100, 1));
-    // Of the count 32 bits count, and this one has none of them.
+    // Only the low 32 bits of a count are taken, which are 0 here.
     inPieces.ApplyPattern(nullptr, nullptr, static_cast<unsigned long>(std::uint64_t{1} << 32));
     Bytes joined;
     for (const std::size_t pixels : {10U, 0U, 50U, 40U}) {
@@ -214,7 +214,7 @@ TEST(ReferenceClass, LeavesOutInColorsWhoseIndexIsBeyondThePixel)
 
 TEST(ReferenceClass, WritesNothingOfAnInkBehindThePixel)
 {
-    // An index far behind the object, where a sanitizer sees it.
+    // The index lies far beyond the object, where a sanitizer sees it.
     std::string inks;
     for (int i = 0; i < 5000; ++i)
         inks += " X";
@@ -256,7 +256,7 @@ TEST(ReferenceClass, ReadsTheRestOfALongRatioAsTheTwelfthWeight)
 
 TEST(ReferenceClass, GivesAWeightNoMoreNumbersThanTheSumHas)
 {
-    // What went on behind the numbers of one ink would be those of the next.
+    // Numbers beyond those of one ink would be those of the next.
     EXPECT_EQ(Once(Values("2", "1 40:-20 0-1 0-2"), Bytes(40, 1)), Repeated({1, 0}, 40));
 }
 
@@ -386,7 +386,7 @@ TEST(ReferenceClass, TellsStepsApartByAnyOfTheirFirstFourWeightsInTheNewerWay)
         NaiveRand rand(11);
         for (unsigned i = 0; i != NaiveJump(0) + 1U; ++i)
             rand();
-        // Step 1 draws the lower digit of 6, and step 2 one of its own behind it.
+        // Step 1 draws the lower digit of 6, and step 2 the one after it.
         Bytes expected;
         for (int i = 0; i != 300; ++i)
             expected.push_back(alternativeOf[rand() / 6 % 6]);

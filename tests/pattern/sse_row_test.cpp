@@ -25,14 +25,14 @@ constexpr std::uint32_t mostPixels = 1000;
 constexpr std::uint32_t tableCount = 8;
 constexpr unsigned char filler = 0x5A;
 
-// Tables of any bytes at all: whatever they hold, all methods must read it alike.
+// The tables hold any bytes at all, and all methods must read them alike.
 std::vector<SseTransformation> RandomTables(std::uint32_t seed)
 {
     std::vector<SseTransformation> tables(tableCount);
     const auto bytes = RandomBytes(tableCount * sizeof(SseTransformation), seed);
     std::memcpy(tables.data(), bytes.data(), bytes.size());
     for (std::size_t i = 0; i < tableCount; ++i) {
-        // Three of four tables have bounds and offsets as patterns have them.
+        // Three of four tables have such bounds and offsets as patterns have.
         for (std::size_t lane = 0; lane < most && i % 4 != 0; ++lane) {
             tables[i].mUpper[lane] &= 7;
             tables[i].mLower[lane] &= 3;
@@ -56,7 +56,7 @@ SseLanes RandomLanes(std::uint32_t inColors, std::uint32_t outInks, std::uint8_t
     return lanes;
 }
 
-// Lane by lane from what the tables mean, in whole numbers.
+// Works out one lane from what the tables mean, in whole numbers.
 int NaiveValue(const SseTransformation& tables, std::size_t lane, int step)
 {
     const auto asSigned = [](int byte) { return byte < 128 ? byte : byte - 256; };
@@ -131,7 +131,7 @@ std::vector<Method> MethodsThatRun()
 class SseRowMethods : public testing::TestWithParam<Method>
 {
 protected:
-    // All rows of these strides in the first pixels of one source.
+    // The rows are the first pixels of one source.
     void CheckStrides(std::uint32_t inColors, std::uint32_t outInks, std::uint8_t highestLimit)
     {
         ++seed;
@@ -245,7 +245,7 @@ TEST(InkLookup, IsForStepsBelowEight)
     for (std::uint32_t outInks = 1; outInks <= most; ++outInks) {
         SseLanes lanes = RandomLanes(2, outInks, 7, outInks);
         EXPECT_TRUE(CanLookUp(lanes, outInks));
-        // What no ink asks for does not matter.
+        // A limit that no ink asks for does not matter.
         lanes.mInColorLanes.fill(0xFF);
         lanes.mStepLimits[1] = 8;
         EXPECT_TRUE(CanLookUp(lanes, outInks));

@@ -16,7 +16,7 @@ namespace {
 
 using Lanes = std::array<std::int32_t, 16>;
 
-// The rows of one combination, from lane 0 on; the rows outlive the combination.
+// Holds the rows of one combination, from lane 0 on; the rows outlive the combination.
 class Rows
 {
 public:
@@ -39,7 +39,7 @@ SseTransformationBuilder Build(Rows& rows)
     return tables;
 }
 
-// Behind the given values every lane holds the filler.
+// After the given values every lane holds the filler.
 Lanes Filled(const std::vector<std::int32_t>& values, std::int32_t filler)
 {
     Lanes lanes;
@@ -195,7 +195,7 @@ TEST(SseTransformation, HoldsSixteenValuesAndRefusesSeventeen)
     EXPECT_EQ(Build(merged).mOffset[2], 8 + 5 - 2);
 }
 
-// The merge again, in terms of the strips of values alone. Empty strips are lanes without row.
+// Merges again, in terms of the strips of values alone. Empty strips are lanes without row.
 std::size_t CountStoredValues(const std::vector<StepRow>& rows)
 {
     using Strip = std::vector<std::int32_t>;
