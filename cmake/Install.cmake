@@ -28,3 +28,8 @@ string(REGEX REPLACE "/$" "" upToPrefix "${upToPrefix}")
 configure_file(cmake/pelkraft.pc.in ${PROJECT_BINARY_DIR}/pelkraft.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/pelkraft.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
     COMPONENT development)
+
+# A component of its own: Debian's packages say the same in a file of Debian's form.
+install(FILES LICENSE NOTICE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT licence)
+install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
+    FILES_MATCHING PATTERN "*.cpp" PATTERN patterns EXCLUDE)

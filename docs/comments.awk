@@ -50,6 +50,9 @@ function print_run(    i, shared) {
     run_lines = ends = opens = 0
 }
 
+# The licence is no description.
+/^\/\/ SPDX-/ { next }
+
 /^ *\/\// {
     if (run_lines)
         print_run()

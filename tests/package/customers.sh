@@ -57,8 +57,10 @@ for program in "$work/readme" "$work/my_rip/build/my_rip"; do
     fi
 done
 
-echo "every public header alone, from C++11 to C++20"
+echo "every public header alone, from C++11 to C++20, and the licence"
+grep -qx 'License: Apache-2.0' "$PKG_CONFIG_PATH/pelkraft.pc"
 (cd "$prefix/include" && find pelkraft zvk -name '*.h') | while read -r header; do
+    head -n 1 "$prefix/include/$header" | grep -qx '// SPDX-License-Identifier: Apache-2.0'
     echo "#include \"$header\"" >"$work/alone.cpp"
     for standard in 11 14 17 20; do
         "$compiler" -std=c++$standard -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror \
