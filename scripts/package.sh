@@ -1,13 +1,38 @@
 #!/usr/bin/env bash
 # Makes the Debian packages libpelkraft1, libpelkraft-dev and pelkraft in build/packages/.
+# DEBFULLNAME and DEBEMAIL say who builds them, as with Debian's own tools; without them it is who
+# made the last commit.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh package
 
-cmake -S . -B build/package -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=g++ \
-    -DCMAKE_INSTALL_PREFIX=/usr -DPELKRAFT_WARNINGS_AS_ERRORS=ON -DPELKRAFT_BUILD_TOOLS=ON >/dev/null
-cmake --build build/package -j "$(nproc)"
-rm -rf build/packages
-(cd build/package && cpack -G DEB -B ../packages >/dev/null)
-rm -rf build/packages/_CPack_Packages
+version=$(sed -nE 's/^project\(pelkraft VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
+# An official package of the same version is newer.
+revision=0local1
+maintainer="${DEBFULLNAME:-$(id -un)} <${DEBEMAIL:-}>"
+[ -n "${DEBEMAIL:-}" ] || maintainer=$(git log -1 --format='%an <%ae>')
+debian=build/debian/debian
+
+rm -rf build/debian build/packages
+mkdir -p build/debian build/packages
+cp -r packaging/debian "$debian"
+mv "$debian/libpelkraft.install" "$debian/libpelkraft${version%%.*}.install"
+sed "s|@MAINTAINER@|$maintainer|; s|@MAJOR@|${version%%.*}|" "$debian/control.in" \
+    >"$debian/control"
+rm "$debian/control.in"
+
+# One entry for each dated version of CHANGELOG.md up to this one, which has the details.
+sed -nE 's/^## ([0-9.]+), ([0-9-]+)$/\1 \2/p' CHANGELOG.md |
+    while read -r dated date; do
+        [ "$(printf '%s\n' "$dated" "$version" | sort -V | tail -n 1)" = "$version" ] || continue
+        printf 'pelkraft (%s-%s) unstable; urgency=medium\n\n' "$dated" "$revision"
+        printf '  * Version %s; changelog.gz beside this file says what is new.\n\n' "$dated"
+        printf ' -- %s  %s\n\n' "$maintainer" "$(LC_ALL=C date -u -d "$date" -R)"
+    done >"$debian/changelog"
+
+(cd build/debian && DEB_BUILD_OPTIONS=noautodbgsym dpkg-buildpackage --build=binary --no-sign >../package.log 2>&1) || {
+    cat build/package.log >&2
+    exit 1
+}
+mv build/*.deb build/packages/
 ls -l build/packages/*.deb

@@ -38,7 +38,7 @@ say "the compilers of customers"
 apt_in_root install g++ clang cmake ninja-build pkg-config
 mkdir "$home/customers"
 cp -r README.md tests/package/customers.sh tests/package/consumer "$home/customers/"
-cp build/packages/*.deb examples/patterns/six_ink.txt "$home/"
+cp build/packages/*.deb "$home/"
 gs -q -dSAFER -sDEVICE=tiff32nc -r36 -o "$home/page.tif" tests/tools/cmyk_spot_page.ps
 
 # The files in which apt and dpkg keep their own notes are left out.
@@ -65,8 +65,9 @@ client --version
 client convert --layout planar --bits 16 /srv/page.tif /srv/planes.tif
 client convert --layout interleaved --bits 8 /srv/planes.tif /srv/back.tif
 tiffcmp "$home/page.tif" "$home/back.tif"
-client pattern /srv/six_ink.txt | tail -n 1
-client simulate --preview /srv/seen.png /srv/six_ink.txt /srv/page.tif /srv/dots.tif
+pattern=/usr/share/doc/pelkraft/examples/patterns/six_ink.txt
+client pattern "$pattern" | tail -n 1
+client simulate --preview /srv/seen.png "$pattern" /srv/page.tif /srv/dots.tif
 [ -s "$home/dots.tif" ] && [ -s "$home/seen.png" ]
 
 say "purging"

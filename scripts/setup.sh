@@ -23,7 +23,7 @@ peer_packages=(libopencv-dev libyuv-dev libswscale-dev python3-dev python3-numpy
 case "${1:-test}" in
 demo) wanted=("${build_packages[@]}" "${picture_packages[@]}" ghostscript-doc) ;;
 test) wanted=("${build_packages[@]}" "${picture_packages[@]}" "${test_packages[@]}") ;;
-package) wanted=("${build_packages[@]}" dpkg-dev file) ;;
+package) wanted=("${build_packages[@]}" debhelper lintian) ;;
 package_check) wanted=(debootstrap "${picture_packages[@]}") ;;
 docs) wanted=(doxygen) ;;
 bench) wanted=("${build_packages[@]}" "${bench_packages[@]}" clang libgtest-dev) ;;

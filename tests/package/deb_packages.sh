@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs the packages of build/packages/ into an empty root, builds customers against it, runs
-# the client from it, and sees that removing them leaves nothing: deb_packages.sh SOURCE_DIR
+# Has lintian read the packages of build/packages/, installs them into an empty root, builds
+# customers against it, runs the client from it on an installed pattern, and sees that removing them
+# leaves nothing: deb_packages.sh SOURCE_DIR
 set -euo pipefail
 source_dir=$1
 here=$(cd "$(dirname "$0")" && pwd)
@@ -10,12 +11,18 @@ mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
 : >"$root/var/lib/dpkg/status"
 dpkg_in_root() { dpkg --root="$root" --force-depends --force-script-chrootless "$@" >/dev/null; }
 
+echo "lintian"
+lintian --allow-root --fail-on error,warning "$source_dir"/build/packages/*.deb
+
 # The packages' own dependencies are Debian's and stay outside the empty root.
 dpkg_in_root --install "$source_dir"/build/packages/*.deb
 for compiler in g++ clang++; do
     bash "$here/customers.sh" "$source_dir" "$root/usr" "$compiler"
 done
-"$root/usr/bin/pelkraft" --help >/dev/null
+"$root/usr/bin/pelkraft" pattern "$root/usr/share/doc/pelkraft/examples/patterns/six_ink.txt" >/dev/null
+for program in "$source_dir"/examples/*.cpp; do
+    cmp "$program" "$root/usr/share/doc/libpelkraft-dev/examples/$(basename "$program")"
+done
 
 dpkg_in_root --purge pelkraft libpelkraft-dev libpelkraft1
 left=$(find "$root" -path "$root/var/lib/dpkg" -prune -o -not -type d -print)
