@@ -1,20 +1,12 @@
 #!/usr/bin/env bash
-# Customers of a static build, and of the sources as a part of their own project:
-#   static_and_embedded.sh SOURCE_DIR COMPILER
+# The sources in a project of the customer's, which gets the libraries and no more:
+#   embedded.sh SOURCE_DIR COMPILER
 set -euo pipefail
 source_dir=$1 compiler=$2
 here=$(cd "$(dirname "$0")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-echo "a static build, installed"
-cmake -S "$source_dir" -B "$work/static" -G Ninja -DBUILD_SHARED_LIBS=OFF \
-    -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_BUILD_TYPE=Debug >/dev/null
-cmake --build "$work/static" >/dev/null
-cmake --install "$work/static" --prefix "$work/prefix" >/dev/null
-bash "$here/customers.sh" "$source_dir" "$work/prefix" "$compiler"
-
-echo "the sources in a project of the customer's, which gets the libraries and no more"
 mkdir "$work/embedding"
 cat >"$work/embedding/CMakeLists.txt" <<EOF
 cmake_minimum_required(VERSION 3.22)
