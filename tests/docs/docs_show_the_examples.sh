@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Every C++ block of the pages stands behind a line that names its program, and is that program
-# to the letter; every program is shown, every pattern and picture spoken of, and every text that
-# the header of patterns promises to throw: docs_show_the_examples.sh SOURCE_DIR
+# Every C++ block of the pages stands below a line that names its program, and is that program to
+# the letter; every program is shown, every pattern and picture spoken of, and every text that the
+# header of patterns promises to throw. The README's figures are the measured ones:
+#   docs_show_the_examples.sh SOURCE_DIR
 set -euo pipefail
 cd "$1"
 work=$(mktemp -d)
@@ -25,7 +26,7 @@ for program in examples/*.cpp; do
     fi
 done
 for file in examples/patterns/* docs/pictures/*; do
-    if ! grep -qF "${file#docs/}" docs/*.md; then
+    if ! grep -qF "${file#docs/}" README.md docs/*.md; then
         echo "no page speaks of $file" >&2
         status=1
     fi
@@ -36,4 +37,13 @@ while IFS= read -r text; do
         status=1
     fi
 done < <(sed -nE 's|^// +"([^"]+)".*|\1|p' include/pelkraft/dot_weave_pattern.h)
+figures=0
+while IFS= read -r figure; do
+    figures=$((figures + 1))
+    if ! grep -qF "$figure" docs/benchmarks.md docs/reliability.md; then
+        echo "README.md has a figure that was not measured: $figure" >&2
+        status=1
+    fi
+done < <(sed -nE 's/^\|[^|]+\| ([^|]+) \| `bash scripts\/(bench|evidence)\.sh.*/\1/p' README.md)
+[ $figures -ne 0 ] || status=1
 exit $status

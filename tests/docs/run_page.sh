@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs what a page shows: run_page.sh SOURCE_DIR BUILD_DIR PREFIX PAGE
 #   ```sh       commands, in a copy of the files that pages speak of
-#   ```console  commands behind "$ ", whose output is compared with the lines below
+#   ```console  commands after "$ ", whose output is compared with the lines below
 #   ```text     a dot pattern, the file that a comment above names; loads without a finding
 #   ```         what the example above prints, as in its .expected file
 #   ```cpp      an example, which docs_show_the_examples compares; README's runs in customers.sh
@@ -65,7 +65,7 @@ make_tree() {
 }
 
 # A script that builds for minutes is not run here but looked at: it must parse, and take the words
-# behind its name. Whole, test.sh runs on each push, and with it setup.sh, package.sh, evidence.sh
+# after its name. Whole, test.sh runs on each push, and with it setup.sh, package.sh, evidence.sh
 # --sample and, by the test reference_is_whole, docs.sh. By hand run demo.sh and package_check.sh
 # before a release, mutants.sh and abi.sh as CONTRIBUTING.md says; bench.sh and evidence.sh write
 # docs/benchmarks.md with its picture and docs/reliability.md.
@@ -127,13 +127,21 @@ run_commands() {
     done <"$1"
 }
 
-# Prints what a terminal would show of the block's commands, none of which may fail.
+# Prints what a terminal would show of the block's commands, none of which may fail. A command goes
+# on after a backslash, on a line that begins with "> ".
 transcript() {
-    local line
-    sed -n 's/^\$ //p' "$1" | while IFS= read -r line; do
-        echo "\$ $line"
-        in_tree "$line" || echo "exit code $?"
-    done
+    local line command=
+    while IFS= read -r line; do
+        [[ $line == '$ '* || ($line == '> '* && -n $command) ]] || continue
+        echo "$line"
+        command+=${line:2}
+        if [[ $command == *\\ ]]; then
+            command=${command%\\}
+        else
+            in_tree "$command" || echo "exit code $?"
+            command=
+        fi
+    done <"$1"
 }
 
 # A finding of any kind on a pattern that the page gives as an example spoils it.
