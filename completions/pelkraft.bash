@@ -30,7 +30,7 @@ _pelkraft() {
         simulate) offered='--help --engine --levels --threads --preview --ink --explain' ;;
         *) offered='convert pattern simulate --help --version --buildinfo' ;;
         esac
-        # Behind a verb come files, unless an option is begun.
+        # Files follow a verb, unless an option is begun.
         [[ -n $verb && $current != -* ]] && return
         ;;
     esac

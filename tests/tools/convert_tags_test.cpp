@@ -222,7 +222,7 @@ TEST_F(ConvertTags, WarnWhereTheColoursClashAndStillEndWell)
     EXPECT_EQ(PHOTOMETRIC_MINISBLACK, Short(TIFFTAG_PHOTOMETRIC));
     EXPECT_EQ("none", Profile());
 
-    EXPECT_TRUE(Refused(Convert({"--channels", "2,1,0"}), 0, {"warning", "moved", "RGB"}));
+    EXPECT_TRUE(Refused(Convert({"--channels", "2,1,0"}), 0, {"warning", "have changed", "RGB"}));
     OpenOutput();
     EXPECT_EQ(PHOTOMETRIC_RGB, Short(TIFFTAG_PHOTOMETRIC));
 

@@ -47,8 +47,8 @@ TEST_F(PatternExplained, TellsWhatTheTextSays)
           "  step 0      no ink\n", "  step 1      100.00 %  LightCyan 64\n",
           "  step 2       25.00 %  LightCyan 128\n", "               75.00 %  Cyan 40\n",
           "out-ink       LightCyan: fed by Cyan\n", "combinations  2 of 1024\n",
-          "places        3 of 16 in the fullest combination, number 0\n",
-          "field         65536 entries, drawn by a common denominator of 4\n",
+          "values        at most 3 of 16 in one combination, number 0; a limit of sse alone\n",
+          "field         65536 entries, drawn with a common denominator of 4\n",
           "0 errors, 0 warnings, 0 notes\n"})
         EXPECT_NE(std::string::npos, outcome.output.find(line)) << line << outcome.output;
     for (const char* engine : {"reference", "x86", "sse"})

@@ -28,7 +28,7 @@ TEST_F(SimulateFailures, NamePatternsThatTheEngineRefuses)
     WritePattern(text.replace(text.find("3 1 0-255"), 1, "8"));
     EXPECT_TRUE(Refused(Simulate(), 4,
                         {"pattern.txt", "the auto engine", "\"step out of range in pattern\"",
-                         "pelkraft pattern tells where"}));
+                         "pelkraft pattern shows where"}));
     text = smallPattern;
     WritePattern(text.replace(text.find("VERSION 2"), 9, "VERSION 1"));
     EXPECT_TRUE(Refused(Simulate({"--engine", "x86"}), 4, {"\"unsupported pattern version\""}));
@@ -56,7 +56,7 @@ TEST_F(SimulateFailures, NameFilesThatArentThere)
                         {"in.tif"}));
     EXPECT_TRUE(
         Refused(Run({"simulate", Path("pattern.txt"), Path("pattern.txt"), Path("out.tif")}), 3,
-                {"pattern.txt: is no TIFF file"}));
+                {"pattern.txt: is not a TIFF file, or is cut off"}));
     EXPECT_TRUE(LeftNothing());
 }
 

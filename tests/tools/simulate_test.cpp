@@ -276,8 +276,9 @@ TEST_F(Simulation, WarnsOfChannelsThatGoNowhere)
     WriteInput(RandomImage(20, 5, 4, 8, 3));
     const Outcome outcome = Simulate();
     EXPECT_EQ(1, outcome.exitCode);
-    EXPECT_NE(std::string::npos, outcome.errors.find("channel 1 (Magenta) goes into no in-colour"));
-    EXPECT_NE(std::string::npos, outcome.errors.find("channel 2 (Yellow) goes into no in-colour"));
+    EXPECT_NE(std::string::npos,
+              outcome.errors.find("channel 1 (Magenta) is used by no in-colour"));
+    EXPECT_NE(std::string::npos, outcome.errors.find("channel 2 (Yellow) is used by no in-colour"));
     EXPECT_EQ(3, Output().channels);
 }
 

@@ -55,10 +55,10 @@ std::string BuildInfo()
 
 void AddBuildInfo(CLI::App& program)
 {
-    program.set_version_flag("--version", versionLine, "Print the version and end");
+    program.set_version_flag("--version", versionLine, "Print the version and exit");
     program.add_flag_callback(
         "--buildinfo", [] { throw CLI::CallForVersion(BuildInfo(), 0); },
-        "Print how the program was built and what it runs on, and end");
+        "Print how the program was built and what it runs on, and exit");
 }
 
 } // namespace zvk::Pelkraft::Client

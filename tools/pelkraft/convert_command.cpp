@@ -18,8 +18,8 @@ namespace {
 constexpr const char* convertHelp =
     "Samples of 1, 2, 8 and 16 bits, any number of channels, strips and tiles, every page of the\n"
     "file. The new file is in strips, keeps what its tags say of the picture, and appears whole\n"
-    "or not at all. Rows are repeated and mirrored, columns are not: --repeat 2 makes a picture\n"
-    "twice as wide and doubles its horizontal resolution.\n\n";
+    "or not at all. Pixels are repeated and mirrored within their rows: --repeat 2 makes a\n"
+    "picture twice as wide and doubles its horizontal resolution.\n\n";
 
 // What all pages together come to.
 struct Total
@@ -115,14 +115,14 @@ private:
         verb->add_option("--channels", options.channels,
                          "New channels, each by the number or name of an old one, or - for an "
                          "empty one: 2,1,0,3 or Cyan,Black");
-        verb->add_option("--repeat", options.repeat, "Write each pixel of a row so many times")
+        verb->add_option("--repeat", options.repeat, "Write each pixel of a row this many times")
             ->check(CLI::IsMember({1, 2, 4}));
         verb->add_flag("--mirror", options.mirror,
                        "Write each row from its last pixel to its first");
         verb->add_option("--tones", tones,
-                         "Below 8 bits: scale rounds tones to levels and stretches levels to "
-                         "tones, the default where one side alone is below 8 bits; raw takes "
-                         "samples as numbers")
+                         "How samples below 8 bits are read: scale rounds tones to levels and "
+                         "stretches levels to tones, the default where only one of the two files "
+                         "has such samples; raw takes samples as numbers")
             ->check(CLI::IsMember({"scale", "raw"}));
     }
 

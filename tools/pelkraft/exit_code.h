@@ -2,7 +2,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What the program answers to its caller; told by --help.
+// The program exits with one of these, which --help lists.
 enum class ExitCode : int
 {
     Done = 0,
@@ -19,9 +19,9 @@ enum class ExitCode : int
 // The table of all codes for the end of a help text.
 inline constexpr const char* exitCodeHelp =
     "Exit codes:\n"
-    "  0    done; a warning about tags alone changes nothing here\n"
-    "  1    compared and differs, findings in a pattern, or done with a warning about pixels:\n"
-    "       raw samples that exceed the levels or steps, channels that no in-colour takes\n"
+    "  0    done, perhaps with warnings about tags\n"
+    "  1    findings in a pattern, or done with a warning about pixels: raw samples that exceed\n"
+    "       the levels or steps, channels that no in-colour takes\n"
     "  2    wrong usage\n"
     "  3    bad input file\n"
     "  4    bad pattern\n"

@@ -75,7 +75,7 @@ void DropProfile(PageTags& tags, const TiffFile& file)
     std::uint32_t bytes = 0;
     void* profile = nullptr;
     if (TIFFGetField(file.Get(), TIFFTAG_ICCPROFILE, &bytes, &profile) == 1)
-        tags.warnings.push_back("the inks moved; written without the colour profile");
+        tags.warnings.push_back("the inks have changed; written without the colour profile");
     tags.keepColourTags = false;
 }
 
@@ -109,9 +109,9 @@ void PlanColours(PageTags& tags, const std::vector<Channel>& channels, const std
         if (IsGray(tags.photometric))
             tags.keepColourTags = false;
         else if (colours < 2 || map.size() < colours)
-            DropColour(tags, "the chosen channels are no " + kind + " picture any more");
+            DropColour(tags, "the chosen channels are no longer " + kind);
         else
-            tags.warnings.push_back("the channels moved, and the page still says " + kind);
+            tags.warnings.push_back("the channels have changed, and the page still says " + kind);
     }
     if (IsGray(tags.photometric))
         colours = 1;
@@ -124,7 +124,7 @@ void PlanDepth(PageTags& tags, const TiffPicture& picture, int newBits)
         return;
     tags.keepValueTags = false;
     if (tags.photometric == PHOTOMETRIC_PALETTE)
-        DropColour(tags, "palette numbers mean nothing in another depth");
+        DropColour(tags, "palette numbers mean nothing at another depth");
     else if (tags.photometric == PHOTOMETRIC_MASK)
         DropColour(tags, "a transparency mask has 1 bit");
     else if (IsLab(tags.photometric))

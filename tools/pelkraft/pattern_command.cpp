@@ -12,10 +12,9 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr const char* patternHelp =
-    "Tells what a pattern does, how near it is to the limits, which engines load it, and what is\n"
-    "wrong or odd about its text: each finding with its line, its column and a hint. The code is "
-    "1\n"
-    "where there are errors or warnings, and 4 where no engine loads the text.\n\n";
+    "Shows what a pattern does, how near it is to the limits, which engines load it, and what is\n"
+    "wrong or odd about its text: each finding with its line, its column and a hint. The exit\n"
+    "code is 1 where there are errors or warnings, and 4 where no engine loads the text.\n\n";
 
 class PatternCommand final : public ISubcommand
 {

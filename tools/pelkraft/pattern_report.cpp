@@ -67,7 +67,7 @@ private:
             outline.earlyVersion ? std::to_string(*outline.earlyVersion) : std::string("none");
         std::string version = std::to_string(outline.version);
         if (early != version)
-            version += " to the parser, " + early + " to the check ahead of it";
+            version += ", but the check before reading finds " + early;
         words += Line("version",
                       version + (first ? ", first" : ", second") + " generation of random sources");
         words += Line("seed", std::to_string(outline.seed));
@@ -131,7 +131,7 @@ private:
                                    const auto index = static_cast<std::size_t>(feeder);
                                    return Shown(outline.inColours[index].name);
                                });
-            words += Line("out-ink", NameOf(i) + ": fed by " + Joined(feeders, "nobody"));
+            words += Line("out-ink", NameOf(i) + ": fed by " + Joined(feeders, "nothing"));
         }
     }
 
@@ -142,14 +142,14 @@ private:
                                           (model.obstacle.empty() ? "" : "; " + model.obstacle));
         if (!model.obstacle.empty())
             return;
-        words += Line("places", std::to_string(model.places) +
-                                    " of 16 in the fullest combination, number " +
-                                    std::to_string(model.fullest));
-        words += Line("field",
-                      std::to_string(model.fieldSize) + " entries" +
-                          (outline.Generation() == 1
-                               ? ", drawn by a common denominator of " + std::to_string(model.total)
-                               : ""));
+        words += Line("values", "at most " + std::to_string(model.places) +
+                                    " of 16 in one combination, number " +
+                                    std::to_string(model.fullest) + "; a limit of sse alone");
+        words +=
+            Line("field", std::to_string(model.fieldSize) + " entries" +
+                              (outline.Generation() == 1 ? ", drawn with a common denominator of " +
+                                                               std::to_string(model.total)
+                                                         : ""));
     }
 
     void AddEngines()

@@ -65,7 +65,7 @@ int RunVerb(int argc, const char* const* argv)
         return Answer(program, success);
     } catch (const CLI::ParseError& error) {
         RefuseCutTexts();
-        PrintError({}, std::string(error.what()) + "; pelkraft --help tells what is supported");
+        PrintError({}, std::string(error.what()) + "; pelkraft --help shows what is supported");
         return static_cast<int>(ExitCode::Usage);
     }
 

@@ -75,7 +75,7 @@ public:
             ->check(CLI::Range(1, mostThreads))
             ->capture_default_str();
         verb->add_option("--preview", options.preview,
-                         "Also write a PNG of what a person sees of the first page");
+                         "Also write a PNG that shows the first page as a person sees it");
         verb->add_option("--ink", inks,
                          "Colour of an out-ink in the preview, NAME=#RRGGBB; may be repeated");
         verb->add_flag("--explain", options.explain,
@@ -197,7 +197,7 @@ private:
     {
         for (const int channel : plan.choice.unused)
             PrintWarning(options.input, "channel " + ChannelWords(plan.channels, channel) +
-                                            " goes into no in-colour of the pattern");
+                                            " is used by no in-colour of the pattern");
         return !plan.choice.unused.empty();
     }
 
@@ -206,8 +206,8 @@ private:
         const bool lightIsHigh = plan.from.photometric == PHOTOMETRIC_MINISBLACK ||
                                  plan.from.photometric == PHOTOMETRIC_RGB;
         if (lightIsHigh && options.levels == Levels::Quantize)
-            PrintWarning(options.input, "says that its lowest samples are black, and they are "
-                                        "taken for no ink");
+            PrintWarning(options.input, "says that its lowest samples are black; here they stand "
+                                        "for no ink");
     }
 
     // Tells whether raw samples were above the top steps. preview may be null.

@@ -136,7 +136,7 @@ std::unique_ptr<DotWeavePattern> LoadedPattern::Make() const
     if (pattern == nullptr)
         throw Failure(ExitCode::BadPattern, text.Path(),
                       "the " + EngineName(engine) + " engine refuses it: \"" + refusal +
-                          "\"; pelkraft pattern tells where, and which engines load it");
+                          "\"; pelkraft pattern shows where, and which engines load it");
     return pattern;
 }
 

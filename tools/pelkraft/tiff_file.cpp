@@ -92,7 +92,8 @@ TiffFile TiffFile::OpenForReading(const std::string& path)
         std::make_unique<TiffStream>(descriptor, static_cast<std::uint64_t>(status.st_size)), path,
         "r");
     if (!file.handle)
-        file.Throw(ExitCode::BadInput, "is no TIFF file; supported are TIFF and BigTIFF");
+        file.Throw(ExitCode::BadInput,
+                   "is not a TIFF file, or is cut off; supported are TIFF and BigTIFF");
     return file;
 }
 
@@ -108,7 +109,7 @@ TiffFile TiffFile::OpenAgain(const MappedFile& mapping) const
 {
     TiffFile file(std::make_unique<TiffStream>(*stream, mapping), path, "r");
     if (!file.handle || TIFFSetDirectory(file.Get(), TIFFCurrentDirectory(Get())) != 1)
-        file.Throw(ExitCode::BadInput, "can't be read twice");
+        file.Throw(ExitCode::BadInput, "can't be read a second time");
     return file;
 }
 
@@ -124,7 +125,7 @@ bool TiffFile::NextPage(int page) const
 void TiffFile::FirstPage() const
 {
     if (TIFFSetDirectory(Get(), 0) != 1)
-        Throw(ExitCode::BadInput, "can't be read twice");
+        Throw(ExitCode::BadInput, "can't be read a second time");
 }
 
 void TiffFile::Finish()

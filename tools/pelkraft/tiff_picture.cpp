@@ -118,7 +118,7 @@ void RefuseMissingData(const TiffFile& file, const TiffPicture& picture)
         const std::string name =
             (picture.tiled ? "tile " : "strip ") + std::to_string(std::uint64_t{block} + 1);
         if (failed != 0)
-            file.Throw(ExitCode::BadInput, "does not tell where its " + name + " lies");
+            file.Throw(ExitCode::BadInput, "does not say where its " + name + " is");
         if (bytes == 0 || offset > file.Size() || bytes > file.Size() - offset)
             file.Throw(ExitCode::BadInput, "ends before its " + name + " of " +
                                                std::to_string(count) + "; it may be truncated");
