@@ -2,7 +2,7 @@
 # - A line with a label in front, "Units      Width in pixels", becomes an item of a list; other
 #   lines that are indented are kept as they stand.
 # - A comment stands for all declarations up to the next blank line or comment.
-# - A comment in front of the outermost namespace is about the inner one.
+# - A comment before the outermost namespace is about the inner one.
 
 function print_comment(    i, text, label, labelled, verbatim) {
     for (i = 1; i <= comment_lines; ++i) {

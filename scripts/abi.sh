@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Rewrites the descriptions of the binary interface in abi/ from a release build. Look at the
-# difference before you commit it: CONTRIBUTING.md tells what it means for the version.
+# difference before you commit it: CONTRIBUTING.md says what it means for the version.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -37,7 +37,7 @@ else
     echo "page $illustrated_page of $document"
 fi
 
-# Converts $out/$1 to $out/$2 and tells how it went.
+# Converts $out/$1 to $out/$2 and shows how it went.
 rates=()
 convert() {
     local from=$1 to=$2
@@ -55,7 +55,7 @@ convert interleaved16.tif back.tif --bits 8
 convert page.tif mirrored.tif --mirror
 convert page.tif bits.tif --layout planar --bits 1
 
-# tiffcmp is another program's opinion. It ends well on a difference in tags, but tells it.
+# tiffcmp is another program's opinion. It exits with 0 on a difference in tags, but prints it.
 same_picture() {
     local said
     said=$(tiffcmp "$1" "$2" 2>&1) && [ -z "$said" ]
@@ -74,10 +74,10 @@ same_samples "$out/page.tif" "$out/planar.tif" || {
 }
 echo "planar.tif: the samples of page.tif, in planes"
 if same_samples "$out/page.tif" "$out/mirrored.tif"; then
-    echo "tiffcmp does not tell mirrored.tif from page.tif" >&2
+    echo "tiffcmp finds no difference between mirrored.tif and page.tif" >&2
     exit 1
 fi
-echo "mirrored.tif: told apart from page.tif, as it must be"
+echo "mirrored.tif: differs from page.tif, as it must"
 
 pattern=examples/patterns/six_ink.txt
 say "pelkraft pattern $pattern --plot $out/pattern.svg"
@@ -105,5 +105,5 @@ echo
 echo "preview.png shows the page as six inks and three drop sizes print it, pattern.svg what the"
 echo "pattern does with each step."
 echo
-echo "The files lie in $(pwd)/$out:"
+echo "The files are in $(pwd)/$out:"
 (cd "$out" && ls -sh1)

@@ -35,7 +35,7 @@ PELKRAFT_EXPORT void intelMemcopy(unsigned char* source, unsigned char* destinat
 //   destination 4 or more bytes above  the bytes between repeat, as if copied one by one
 //   destination 1 to 3 bytes above     whole blocks of 16 bytes are copied word by word, so that
 //                                      each word takes with it what the last one left; the bytes
-//                                      behind them one by one
+//                                      after them one by one
 PELKRAFT_EXPORT void copyByDwords(unsigned char* source, unsigned char* destination, int size);
 
 // Copies each whole pixel in units of 16 bytes, so that the copy runs over the last pixel's end
