@@ -169,6 +169,8 @@ void PatternReader::ReadWeights(std::string_view token, ValueLine& line) const
     bool more = true;
     while (more && line.count < rules.weightsOfLine) {
         const std::int32_t weight = ReadNumber(token);
+        if (weight < 0)
+            throw weightSumOutOfRange;
         line.weights[static_cast<std::size_t>(line.count++)] = weight;
         sum += weight;
         const std::size_t separator = token.find(':');
@@ -176,7 +178,7 @@ void PatternReader::ReadWeights(std::string_view token, ValueLine& line) const
         if (more)
             token.remove_prefix(separator + 1);
     }
-    if (sum <= 0 || sum > static_cast<std::int64_t>(rules.highestWeightSum))
+    if (sum == 0 || sum > static_cast<std::int64_t>(rules.highestWeightSum))
         throw weightSumOutOfRange;
     line.weightSum = static_cast<std::uint32_t>(sum);
 }

@@ -116,13 +116,12 @@ private:
     // Deals the random numbers out to the alternatives, as many to each as its weight says.
     static void Expand(const ValueLine& line, TestStep<RandomSource>& step)
     {
-        const auto numbers = static_cast<std::int64_t>(line.weightSum);
-        std::int64_t number = 0;
+        std::size_t number = 0;
         for (std::size_t j = 0; j < static_cast<std::size_t>(line.count); ++j) {
             auto& values = step.table[static_cast<std::size_t>(line.positions[j])];
-            const std::int64_t end = std::min(number + line.weights[j], numbers);
+            const std::size_t end = number + static_cast<std::size_t>(line.weights[j]);
             for (; number < end; ++number)
-                values[static_cast<std::size_t>(number)] = line.values[j];
+                values[number] = line.values[j];
         }
     }
 

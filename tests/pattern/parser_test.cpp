@@ -342,12 +342,16 @@ TEST(Parser, RefusesASumOfWeightsOutOfRangeAtItsToken)
 {
     const std::string refusal = "narrow: sum of weights out of range in pattern";
     for (const char* values : {"1 0 99-1", "1 0:0", "1 -1", "1 3:-4", "1 END_VALUES", "1 \"\"",
-                               "1 2147483647:2147483647:2 0-0 0-0 0-0"})
+                               "1 2147483647:2147483647:2 0-0 0-0 0-0", "1 3:-1", "1 -1:3 0-0 0-0",
+                               "1 2:5:-7:9 0-0 0-0 0-0 0-0"})
         EXPECT_EQ(Refusal(Values(values)), refusal) << values;
     EXPECT_EQ(Refusal(Head("1", "A", "X") + InColor("A", "X", "1 0 0-1")), refusal);
     // 2^32 - 1 is the highest sum.
     EXPECT_EQ(Refusal(Values("1 2147483647:2147483647:1 0-0 0-0 0-0")), "nothing");
-    EXPECT_EQ(Refusal(Values("1 -1:3 0-0 0-0")), "nothing");
+    // Weights that are not read are not looked at.
+    EXPECT_EQ(
+        Refusal(Values("1 1:1:1:1:1:1:1:1:1:1:1:1:1:1:1:1:-1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0")),
+        "nothing");
 }
 
 TEST(Parser, RefusesTheSeventeenthInkOfAList)

@@ -63,6 +63,7 @@ const Broken brokenTexts[] = {
     {"EntrySurplus", "1 1 1-64", "1 1 1-64 0-3", 17, 10, "warning", "entry-surplus", "         ^~~",
      "give the ratio a weight", 4},
     {"WeightSum", "2 1:3", "2 0:0", 18, 3, "error", "weight-sum", "  ^~~", "such as 1:3", 4},
+    {"WeightBelowZero", "2 1:3", "2 3:-1", 18, 3, "error", "weight-sum", "  ^~~~", "above 0", 4},
     {"HeaderMissing", "DotWeavePattern\n", "", 1, 1, "error", "header-missing", "^~~~~~~",
      "begin the text with the word DotWeavePattern", 4},
     {"HeaderBehindMark", "DotWeavePattern",

@@ -53,6 +53,7 @@ struct ValueLineReader::Line
     int step = 0;
     bool usable = true;
     std::int64_t sum = 0;
+    bool weightBelowZero = false;
     std::vector<Entry> entries;
     const PatternWord* stepWord = nullptr;
     const PatternWord* ratioWord = nullptr;
@@ -129,13 +130,14 @@ void ValueLineReader::ReadRatio(const PatternWord& word, Line& line)
         const std::int32_t weight = NumberOf(rest);
         line.entries.emplace_back().weight = weight;
         line.sum += weight;
+        line.weightBelowZero = line.weightBelowZero || weight < 0;
         const std::size_t colon = rest.find(':');
         more = colon != std::string_view::npos;
         if (more)
             rest.remove_prefix(colon + 1);
     }
     JudgeRatio(word, line);
-    if (line.sum <= 0 || line.sum > highestSum)
+    if (line.weightBelowZero || line.sum == 0 || line.sum > highestSum)
         line.usable = false;
 }
 
@@ -147,7 +149,10 @@ void ValueLineReader::JudgeRatio(const PatternWord& word, const Line& line)
         cursor.Warn("weights-surplus", word.place,
                     "only the first 16 of " + std::to_string(colons + 1) + " weights are read",
                     "use up to 16 alternatives in a step");
-    if (line.sum <= 0 || line.sum > highestSum)
+    if (line.weightBelowZero)
+        cursor.Error("weight-sum", word.place, Quoted(word.text) + " holds a weight below 0",
+                     "write whole numbers above 0 joined by colons, such as 1:3");
+    else if (line.sum == 0 || line.sum > highestSum)
         cursor.Error("weight-sum", word.place,
                      "the weights of " + Quoted(word.text) + " add up to " +
                          std::to_string(line.sum),
