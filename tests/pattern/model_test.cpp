@@ -240,6 +240,15 @@ TEST(Model, HasOneCombinationWithoutInColors)
     EXPECT_EQ(converter.GetDistribution().total, 1U);
 }
 
+TEST(Model, IsBuiltOnlyAfterTheHeaderWord)
+{
+    PlainConverter converter;
+    EXPECT_EQ(converter.GetCombinationCount(), 0U);
+    EXPECT_FALSE(converter.Parse("VERSION 2 BEGIN_OUT_INKS X END_OUT_INKS", 0));
+    EXPECT_EQ(converter.GetCombinationCount(), 0U);
+    EXPECT_EQ(converter.GetMaxStepOfInColor()[0], 0);
+}
+
 TEST(Model, GivesAnInColorWithoutBlockATopStepOf255)
 {
     PlainConverter converter;

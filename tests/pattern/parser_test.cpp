@@ -75,6 +75,27 @@ TEST(Parser, KeepsTheTokens)
     EXPECT_EQ(converter.GetTokens(), (std::vector<std::string>{"DotWeavePattern", "a b"}));
 }
 
+TEST(Parser, BeginsEachTextWithNoTokenOfTheLast)
+{
+    PlainConverter converter;
+    EXPECT_TRUE(converter.Parse("DotWeavePattern VERSION 2", 0));
+    EXPECT_FALSE(converter.Parse("other words", 0));
+    EXPECT_EQ(converter.GetTokens(), (std::vector<std::string>{"other", "words"}));
+}
+
+TEST(Parser, LooksAtNoFlag)
+{
+    const std::string text = Values("1 1:3 0-4 1-5");
+    for (const int flag : {0, 1, 2, -1, 256}) {
+        PlainConverter converter;
+        EXPECT_TRUE(converter.Parse(text, flag));
+        EXPECT_EQ(converter.GetVersion(), 2);
+        EXPECT_EQ(Record(converter, 0).steps[1].table[1][1], 5);
+        EXPECT_EQ(converter.GetCombinationCount(), 2U);
+        EXPECT_FALSE(converter.Parse("VERSION 2", flag));
+    }
+}
+
 TEST(Parser, ComparesNamesUpperCased)
 {
     PlainConverter converter;
@@ -196,6 +217,18 @@ TEST(Parser, StoresAnAlternativeForEachWeight)
     EXPECT_EQ(step.table[3][0], -1);
     EXPECT_EQ(record.steps[0].numRandoms, 1);
     EXPECT_EQ(record.steps[3].numRandoms, 0);
+}
+
+TEST(Parser, StoresValuesOf32Bits)
+{
+    PlainConverter converter;
+    converter.Load(Values("1 1:1:1 0-2147483647 0--2147483648 1-70000").c_str());
+    const StepValues& step = Record(converter, 0).steps[1];
+    EXPECT_EQ(step.table[0][0], INT32_MAX);
+    EXPECT_EQ(step.table[1][0], INT32_MIN);
+    EXPECT_EQ(step.table[2][1], 70000);
+    EXPECT_EQ((*converter.GetCombinations()[1].inkSteps[0])[1], INT32_MIN);
+    EXPECT_EQ((*converter.GetCombinations()[2].inkSteps[1])[1], 70000);
 }
 
 TEST(Parser, IgnoresTheSuffixOfAStep)

@@ -5,13 +5,17 @@
 #include "pattern/pattern_engine_sse.h"
 #include "tests/pattern/engine_support.h"
 #include "tests/pattern/pattern_support.h"
+#include "tests/support/guarded_arena.h"
 #include "zvk/system_tools.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <clocale>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <locale>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -160,6 +164,65 @@ TEST(DotWeavePattern, ChoosesByProcessorUnlessTold)
     const bool vector = zvk::SystemTools::GetSseVersion() >= 3;
     EXPECT_EQ(Refusal(text, DotWeavePattern::Automatic), vector ? "nothing" : portable);
     zvk::SystemTools::LimitSseVersion(100);
+}
+
+TEST(DotWeavePattern, LoadsATextThatNobodyMayWrite)
+{
+    const std::string text = TestSupport::exampleText;
+    const TestSupport::GuardedArena memory(text.size() + 1);
+    unsigned char* bytes = memory.Place(text.size() + 1, TestSupport::Flush::AtEnd);
+    std::memcpy(bytes, text.c_str(), text.size() + 1);
+    memory.MakeReadOnly();
+    for (const Engine engine : allEngines) {
+        DotWeavePattern pattern(reinterpret_cast<char*>(bytes), engine);
+        EXPECT_EQ(pattern.GetOutColorCount(), 3);
+    }
+}
+
+// A locale without capitals, where digits are white space and numbers hold commas.
+struct OddLetters : std::ctype<char>
+{
+    OddLetters() : std::ctype<char>(Table()) {}
+    char do_toupper(char letter) const override { return letter; }
+    const char* do_toupper(char*, const char* end) const override { return end; }
+    static const mask* Table()
+    {
+        static mask table[table_size];
+        std::copy_n(classic_table(), table_size, table);
+        std::fill_n(table + '0', 10, space);
+        return table;
+    }
+};
+
+struct OddNumbers : std::numpunct<char>
+{
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '1'; }
+    std::string do_grouping() const override { return "\1"; }
+};
+
+TEST(DotWeavePattern, IsTheSameInAnyLocale)
+{
+    const std::string text =
+        Head("2", "i", "Pink lime") + InColor("I", "LIME pink", "1 1:3 0-4 1-50");
+    const Bytes source = TestSupport::RandomSteps(200, 5);
+    const std::string systemBefore = std::setlocale(LC_ALL, nullptr);
+    for (const Engine engine : allEngines) {
+        DotWeavePattern before = Load(text, engine);
+        const Bytes expected = Apply(before, source);
+        const std::locale plain = std::locale::global(
+            std::locale(std::locale(std::locale(), new OddLetters), new OddNumbers));
+        // Those of the system change what the C library takes for letters and digits.
+        for (const char* name : {"C", "tr_TR.UTF-8", "tr_TR.ISO-8859-9", "de_DE.UTF-8"}) {
+            if (std::setlocale(LC_ALL, name) == nullptr)
+                continue;
+            DotWeavePattern inLocale = Load(text, engine);
+            EXPECT_EQ(inLocale.GetNumberOfStepsForInColor(0), 1) << name;
+            EXPECT_EQ(Apply(inLocale, source), expected) << name;
+        }
+        std::locale::global(plain);
+        std::setlocale(LC_ALL, systemBefore.c_str());
+    }
 }
 
 TEST(DotWeavePattern, SharesItsEngineWithCopiesThatOutliveIt)

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -270,6 +271,39 @@ TEST(ReferenceClass, HasNoLimitOnCombinationsAndNoNeedForEveryStep)
     std::string values = "2 1:2:3 0-1 0-2 0-3 4 1:2:4 0-1 0-2 0-3 5 2:2:3 0-1 0-2 0-3 "
                          "6 1:1:1:1 0-1 0-1 0-1 0-1";
     EXPECT_EQ(Refusal(Values("2", values)), "nothing");
+}
+
+TEST(ReferenceClass, ForgetsTheTextBefore)
+{
+    const std::string seed = "DotWeavePattern RANDOM_SEED ";
+    std::string first = seed + "7 " + Values("2", "1 1:1 0-5 1-6");
+    std::string second = seed + "8 " + Values("2", "1 1:1 0-10 0-20");
+    Testonly::CDotWeavePattern<RandomField> used;
+    Testonly::CDotWeavePattern<RandomField> fresh;
+    used.InitFromText(first.data());
+    used.InitFromText(second.data());
+    fresh.InitFromText(second.data());
+    Bytes source(100, 1);
+    Bytes again(200);
+    Bytes expected(200);
+    used.ApplyPattern(source.data(), again.data(), 100);
+    fresh.ApplyPattern(source.data(), expected.data(), 100);
+    EXPECT_EQ(again, expected);
+
+    // No list of in-colours comes, and the records of the last one are gone.
+    std::string nothing = "DotWeavePattern";
+    used.InitFromText(nothing.data());
+    used.ApplyPattern(source.data(), again.data(), 100);
+    EXPECT_EQ(again, Bytes(200, 0));
+}
+
+TEST(ReferenceClass, HoldsValuesOf32Bits)
+{
+    using Table = decltype(Testonly::TestStep<RandomField>::table);
+    static_assert(std::is_same_v<Table::value_type::value_type, std::int32_t>);
+    // The low 8 bits reach a pixel.
+    EXPECT_EQ(Once(Values("2", "1 1 0-70000"), {1}), (Bytes{70000 & 0xFF, 0}));
+    EXPECT_EQ(Once(Values("2", "1 1 1--2147483646"), {1}), (Bytes{0, 2}));
 }
 
 TEST(ReferenceClass, StaysEmptyWithoutTheHeaderWord)
