@@ -1,10 +1,8 @@
 #include "pattern/dot_weave_pattern_converter.h"
 
-#include "pattern/channel_combinations.h"
 #include "pattern/pattern_sink.h"
 #include "pattern/tokenizer.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <limits>
 
@@ -56,14 +54,7 @@ public:
 
     void TakeValueLine(std::int32_t inColor, const ValueLine& line) override
     {
-        InColorRecord& record = converter.mInColors.Select(inColor);
-        StepValues& step = record.steps[static_cast<std::size_t>(line.step)];
-        step.numRandoms = line.count;
-        for (std::size_t j = 0; j < static_cast<std::size_t>(line.count); ++j) {
-            step.fractions[j] = {static_cast<std::uint32_t>(line.weights[j]), line.weightSum};
-            step.table[j][static_cast<std::size_t>(line.positions[j])] = line.values[j];
-        }
-        record.numSteps = std::max(record.numSteps, line.step + 1);
+        converter.mInColors.Select(inColor).Store(line);
     }
 
 private:

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "pattern/combination_distribution.h"
-#include "pattern/in_color_records.h"
 #include "pattern/pattern_combinations.h"
 #include "pattern/pattern_model.h"
 #include "pattern/pattern_reader.h"

@@ -1,6 +1,6 @@
 #include "pattern/early_check.h"
 
-#include "pattern/number_text.h"
+#include "pattern/pattern_words.h"
 #include "zvk/split.h"
 
 #include <algorithm>

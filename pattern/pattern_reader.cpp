@@ -1,7 +1,6 @@
 #include "pattern/pattern_reader.h"
 
-#include "pattern/number_text.h"
-#include "pattern/upper_case.h"
+#include "pattern/pattern_words.h"
 
 namespace zvk::Pelkraft {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pattern/value_line.h"
+#include "pattern/pattern_model.h"
 
 #include <cstdint>
 

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "pattern/dot_weave_pattern_engine.h"
-#include "pattern/in_color_records.h"
+#include "pattern/pattern_model.h"
 #include "pattern/pattern_reader.h"
-#include "pattern/value_line.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "pattern/fraction.h"
+#include "pattern/pattern_combinations.h"
 
 #include "tests/pattern/pattern_support.h"
 

@@ -1,7 +1,6 @@
 #include "pattern/tokenizer.h"
 
-#include "pattern/number_text.h"
-#include "pattern/upper_case.h"
+#include "pattern/pattern_words.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,12 @@
-#include "pattern/number_text.h"
+#include "pattern/pattern_words.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace zvk::Pelkraft {
 namespace {
 
-// Not std::isspace: what counts must not hang on the host's locale.
+// std::isspace would depend on the host's locale.
 bool IsSpace(char byte)
 {
     return byte == ' ' || (byte >= '\t' && byte <= '\r');
@@ -17,6 +18,14 @@ bool IsDigit(char byte)
 }
 
 } // namespace
+
+std::string UpperCase(std::string name)
+{
+    std::transform(name.begin(), name.end(), name.begin(), [](char byte) {
+        return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte;
+    });
+    return name;
+}
 
 std::int32_t ReadNumber(std::string_view text)
 {
