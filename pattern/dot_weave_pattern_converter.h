@@ -39,7 +39,7 @@ public:
     const CombinationDistribution& GetDistribution() const { return mDistribution; }
     const std::array<std::uint8_t, 16>& GetInColorOfOutInk() const { return mInColorOfOutInk; }
     const std::array<std::uint8_t, 16>& GetMaxStepOfInColor() const { return mMaxStepOfInColor; }
-    const std::vector<std::string>& GetTokens() const { return mTokens; }
+    const std::vector<PatternToken>& GetTokens() const { return mTokens; }
     const InColorRecords<InColorRecord>& GetInColors() const { return mInColors; }
 
 protected:
@@ -61,7 +61,7 @@ private:
     std::int32_t mRandomSeed = 42;
     CombinationDistribution mDistribution;
     char mCommentCharacter = '#';
-    std::vector<std::string> mTokens;
+    std::vector<PatternToken> mTokens;
     NameTable mInColorNames;
     NameTable mOutInkNames;
 };

@@ -25,29 +25,29 @@ PatternReader::PatternReader(const ReaderRules& newRules, NameTable& newInColorN
     : rules(newRules), inColorNames(newInColorNames), outInkNames(newOutInkNames), sink(newSink)
 {}
 
-bool PatternReader::Read(const std::vector<std::string>& newTokens)
+bool PatternReader::Read(const std::vector<PatternToken>& newTokens)
 {
-    if (newTokens.empty() || newTokens.front() != headerWord)
+    if (newTokens.empty() || newTokens.front().text != headerWord)
         return false;
     tokens = &newTokens;
     cursor = 0;
-    while (const std::string* token = NextToken())
+    while (const PatternToken* token = NextToken())
         ReadTopLevel(*token);
     return true;
 }
 
-void PatternReader::ReadTopLevel(const std::string& token)
+void PatternReader::ReadTopLevel(const PatternToken& token)
 {
-    if (token == "VERSION") {
+    if (token.text == "VERSION") {
         version = NextNumber();
         sink.TakeVersion(version);
-    } else if (token == "BEGIN_OUT_INKS") {
+    } else if (token.text == "BEGIN_OUT_INKS") {
         ReadOutInkNames();
-    } else if (token == "BEGIN_IN_COLORS") {
+    } else if (token.text == "BEGIN_IN_COLORS") {
         ReadInColorNames();
-    } else if (token == "BEGIN_IN_COLOR") {
+    } else if (token.text == "BEGIN_IN_COLOR") {
         ReadInColor();
-    } else if (token == "RANDOM_SEED") {
+    } else if (token.text == "RANDOM_SEED") {
         sink.TakeSeed(NextNumber());
     }
 }
@@ -55,20 +55,20 @@ void PatternReader::ReadTopLevel(const std::string& token)
 void PatternReader::ReadOutInkNames()
 {
     std::int32_t index = 0;
-    while (const std::string* token = NextTokenUpTo("END_OUT_INKS"))
-        outInkNames[UpperCase(*token)] = index++;
+    while (const PatternToken* token = NextTokenUpTo("END_OUT_INKS"))
+        outInkNames[UpperCase(token->text)] = index++;
 }
 
 void PatternReader::ReadInColorNames()
 {
     sink.AllocateInColors(0);
     std::int32_t count = 0;
-    while (const std::string* token = NextToken()) {
-        if (*token == "END_IN_COLORS") {
+    while (const PatternToken* token = NextToken()) {
+        if (token->text == "END_IN_COLORS") {
             FinishInColorNames(count);
             return;
         }
-        inColorNames[UpperCase(*token)] = count++;
+        inColorNames[UpperCase(token->text)] = count++;
     }
     if (!inColorNames.empty())
         throw inColorsWithoutEnd;
@@ -88,15 +88,15 @@ void PatternReader::FinishInColorNames(std::int32_t count)
 void PatternReader::ReadInColor()
 {
     std::int32_t inColor = noInColor;
-    while (const std::string* token = NextTokenUpTo("END_IN_COLOR")) {
-        if (*token == "BEGIN_INKS") {
+    while (const PatternToken* token = NextTokenUpTo("END_IN_COLOR")) {
+        if (token->text == "BEGIN_INKS") {
             ReadInks(inColor);
-        } else if (*token == "BEGIN_VALUES") {
+        } else if (token->text == "BEGIN_VALUES") {
             if (inColor == noInColor)
                 SkipValues();
             else
                 ReadValues(inColor);
-        } else if (const auto found = inColorNames.find(UpperCase(*token));
+        } else if (const auto found = inColorNames.find(UpperCase(token->text));
                    found != inColorNames.end()) {
             inColor = found->second;
             sink.SelectInColor(inColor);
@@ -107,13 +107,13 @@ void PatternReader::ReadInColor()
 void PatternReader::ReadInks(std::int32_t inColor)
 {
     std::int32_t position = 0;
-    while (const std::string* token = NextToken()) {
-        if (*token == "END_INKS") {
+    while (const PatternToken* token = NextToken()) {
+        if (token->text == "END_INKS") {
             if (inColor != noInColor)
                 sink.TakeInkCount(inColor, position);
             return;
         }
-        const auto found = outInkNames.find(UpperCase(*token));
+        const auto found = outInkNames.find(UpperCase(token->text));
         if (found == outInkNames.end())
             continue;
         if (inColor == noInColor)
@@ -133,7 +133,7 @@ void PatternReader::SkipValues()
 void PatternReader::ReadValues(std::int32_t inColor)
 {
     sink.BeginValueLines(inColor);
-    while (const std::string* token = NextTokenUpTo("END_VALUES")) {
+    while (const PatternToken* token = NextTokenUpTo("END_VALUES")) {
         ValueLine line;
         // A line that the text breaks off is no line.
         if (ReadValueLine(*token, line))
@@ -141,23 +141,23 @@ void PatternReader::ReadValues(std::int32_t inColor)
     }
 }
 
-bool PatternReader::ReadValueLine(const std::string& stepToken, ValueLine& line)
+bool PatternReader::ReadValueLine(const PatternToken& stepToken, ValueLine& line)
 {
-    line.step = ReadNumber(stepToken);
-    line.hasSuffix = !stepToken.empty() && stepToken.back() == '+';
+    line.step = ReadNumber(stepToken.text);
+    line.hasSuffix = !stepToken.text.empty() && stepToken.text.back() == '+';
     if (line.step < 0 || line.step >= stepsOfInColor)
         throw stepOutOfRange;
 
-    const std::string* weights = NextToken();
+    const PatternToken* weights = NextToken();
     if (weights == nullptr)
         return false;
-    ReadWeights(*weights, line);
+    ReadWeights(weights->text, line);
 
     for (std::int32_t alternative = 0; alternative < line.count; ++alternative) {
-        const std::string* entry = NextToken();
+        const PatternToken* entry = NextToken();
         if (entry == nullptr)
             return false;
-        ReadEntry(*entry, alternative, line);
+        ReadEntry(entry->text, alternative, line);
     }
     return true;
 }
@@ -202,21 +202,21 @@ void PatternReader::ReadEntry(std::string_view token, std::int32_t alternative,
     line.values[static_cast<std::size_t>(alternative)] = ReadNumber(token);
 }
 
-const std::string* PatternReader::NextToken()
+const PatternToken* PatternReader::NextToken()
 {
     return cursor < tokens->size() ? &(*tokens)[cursor++] : nullptr;
 }
 
-const std::string* PatternReader::NextTokenUpTo(std::string_view closingWord)
+const PatternToken* PatternReader::NextTokenUpTo(std::string_view closingWord)
 {
-    const std::string* token = NextToken();
-    return token != nullptr && *token != closingWord ? token : nullptr;
+    const PatternToken* token = NextToken();
+    return token != nullptr && token->text != closingWord ? token : nullptr;
 }
 
 std::int32_t PatternReader::NextNumber()
 {
-    const std::string* token = NextToken();
-    return token != nullptr ? ReadNumber(*token) : 0;
+    const PatternToken* token = NextToken();
+    return token != nullptr ? ReadNumber(token->text) : 0;
 }
 
 } // namespace zvk::Pelkraft

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pattern/pattern_sink.h"
+#include "pattern/tokenizer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -35,10 +36,10 @@ public:
                   NameTable& newOutInkNames, IPatternSink& newSink);
 
     // False if the header word is missing: then nothing else was looked at. Throws.
-    bool Read(const std::vector<std::string>& newTokens);
+    bool Read(const std::vector<PatternToken>& newTokens);
 
 private:
-    void ReadTopLevel(const std::string& token);
+    void ReadTopLevel(const PatternToken& token);
     void ReadOutInkNames();
     void ReadInColorNames();
     void FinishInColorNames(std::int32_t count);
@@ -46,21 +47,21 @@ private:
     void ReadInks(std::int32_t inColor);
     void SkipValues();
     void ReadValues(std::int32_t inColor);
-    bool ReadValueLine(const std::string& stepToken, ValueLine& line);
+    bool ReadValueLine(const PatternToken& stepToken, ValueLine& line);
     void ReadWeights(std::string_view token, ValueLine& line) const;
     void ReadEntry(std::string_view token, std::int32_t alternative, ValueLine& line) const;
 
     // Null when the tokens are used up.
-    const std::string* NextToken();
+    const PatternToken* NextToken();
     // Null at the closing word too, which is used up with it.
-    const std::string* NextTokenUpTo(std::string_view closingWord);
+    const PatternToken* NextTokenUpTo(std::string_view closingWord);
     std::int32_t NextNumber();
 
     const ReaderRules rules;
     NameTable& inColorNames;
     NameTable& outInkNames;
     IPatternSink& sink;
-    const std::vector<std::string>* tokens = nullptr;
+    const std::vector<PatternToken>* tokens = nullptr;
     std::size_t cursor = 0;
     std::int32_t version = 1;
 };

@@ -72,7 +72,7 @@ private:
     void ApplyPixel(const unsigned char* source);
     void ApplyInColor(const TestInColorRecord<RandomSource>& record, std::uint8_t step);
 
-    std::vector<std::string> mTokens;
+    std::vector<PatternToken> mTokens;
     std::int32_t mVersion = 1;
     NameTable mInColorNames;
     NameTable mOutInkNames;

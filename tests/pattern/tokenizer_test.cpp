@@ -13,9 +13,12 @@ namespace {
 
 using Tokens = std::vector<std::string>;
 
-Tokens Cut(const std::string& text)
+Tokens Cut(const std::string& text, char comment = '#')
 {
-    return CutTokens(text, '#');
+    Tokens texts;
+    for (const PatternToken& token : CutTokens(text, comment))
+        texts.push_back(token.text);
+    return texts;
 }
 
 TEST(Tokenizer, CutsAtTheFourWhiteSpacesAlone)
@@ -36,7 +39,7 @@ TEST(Tokenizer, BeginsACommentOnlyWhereNoTokenHasBegun)
     EXPECT_EQ(Cut("\"\"#b"), Tokens{"#b"});
     EXPECT_EQ(Cut("# \"open quote\nnext"), Tokens{"next"});
     EXPECT_EQ(Cut("#to the end"), Tokens{});
-    EXPECT_EQ(CutTokens("a ;b\n#c", ';'), (Tokens{"a", "#c"}));
+    EXPECT_EQ(Cut("a ;b\n#c", ';'), (Tokens{"a", "#c"}));
 }
 
 TEST(Tokenizer, KeepsWhiteSpaceAndCommentCharacterInQuotes)
@@ -64,6 +67,47 @@ TEST(Tokenizer, StoresTheTokenThatTheTextEndsIn)
 TEST(Tokenizer, TakesHighBytesAsOrdinary)
 {
     EXPECT_EQ(Cut("\x80\xA0\xFF \xC3\xA4"), (Tokens{"\x80\xA0\xFF", "\xC3\xA4"}));
+}
+
+// The piece of text that each token came from.
+Tokens Pieces(const std::string& text)
+{
+    Tokens pieces;
+    for (const PatternToken& token : CutTokens(text, '#'))
+        pieces.push_back(text.substr(token.place.offset, token.place.length));
+    return pieces;
+}
+
+TEST(Tokenizer, KnowsThePlaceOfEachToken)
+{
+    EXPECT_EQ(Pieces(" ab\t#no\n\"c d\"e \"\"\r\nf"), (Tokens{"ab", "\"c d\"e", "\"\"", "f"}));
+    EXPECT_EQ(Pieces("a \"b\n c "), (Tokens{"a", "\"b\n c "}));
+    for (const auto& [text, isOpen] : {std::pair{"a \"b", true},
+                                       {"\"a\" b", false},
+                                       {"\"a\"", false},
+                                       {"a\"", true},
+                                       {"\"#", true}})
+        EXPECT_EQ(CutTokens(text, '#').back().openQuote, isOpen) << text;
+}
+
+TEST(TextLines, CountAsEditorsDo)
+{
+    const std::string text = "ab\n\tc\r\n\xC3\xA9 d\re";
+    const TextLines lines(text);
+    const struct
+    {
+        std::size_t offset;
+        int line;
+        int column;
+    } places[] = {{0, 1, 1}, {2, 1, 3},  {3, 2, 1},  {4, 2, 2},  {6, 2, 4}, {7, 3, 1},
+                  {9, 3, 2}, {10, 3, 3}, {12, 4, 1}, {13, 4, 2}, {99, 4, 2}};
+    for (const auto& [offset, line, column] : places) {
+        EXPECT_EQ(lines.PlaceOf(offset, text).line, line) << offset;
+        EXPECT_EQ(lines.PlaceOf(offset, text).column, column) << offset;
+    }
+    EXPECT_EQ(lines.Line(2, text), "\tc");
+    EXPECT_EQ(lines.Line(3, text), "\xC3\xA9 d");
+    EXPECT_EQ(lines.Line(4, text), "e");
 }
 
 TEST(Number, StopsAtTheFirstByteThatIsNoDigit)

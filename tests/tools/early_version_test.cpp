@@ -14,7 +14,7 @@ TEST(EarlyVersion, IsSeenTheFartherTheLaterItsWordStands)
         for (const std::size_t between : {1U, 12U, 13U, 40U, 42U, 43U, 72U, 73U}) {
             const std::string text =
                 std::string(ahead, ' ') + "VERSION" + std::string(between, ' ') + "3";
-            Client::TextSpan place;
+            TextSpan place;
             const auto version = Client::ReadEarlyVersion(text, place);
             const bool isSeen = 7 + between < ahead + 20;
             EXPECT_EQ(isSeen, version.has_value()) << ahead << ", " << between;

@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -29,11 +28,6 @@ struct Descriptor
 [[noreturn]] void ThrowReadFailure(const std::string& path, const std::string& text)
 {
     throw Failure(ExitCode::ReadWrite, path, "cannot be read: " + text);
-}
-
-bool IsContinuation(char byte)
-{
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
 } // namespace
@@ -61,40 +55,8 @@ PatternText PatternText::Load(const std::string& path)
 }
 
 PatternText::PatternText(std::string newPath, std::string newBytes)
-    : path(std::move(newPath)), bytes(std::move(newBytes))
-{
-    const std::size_t zero = bytes.find('\0');
-    endsAtZero = zero != std::string::npos;
-    if (endsAtZero)
-        bytes.resize(zero);
-
-    lineStarts.push_back(0);
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        // A carriage return ends a line of its own, unless the line feed behind it does.
-        const bool pair = bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n';
-        if (bytes[i] == '\n' || (bytes[i] == '\r' && !pair))
-            lineStarts.push_back(i + 1);
-    }
-}
-
-TextPlace PatternText::PlaceOf(std::size_t offset) const
-{
-    const std::size_t clamped = std::min(offset, bytes.size());
-    const auto next = std::upper_bound(lineStarts.begin(), lineStarts.end(), clamped);
-    TextPlace place;
-    place.line = static_cast<int>(next - lineStarts.begin());
-    const auto from = bytes.begin() + static_cast<std::ptrdiff_t>(*(next - 1));
-    const auto to = bytes.begin() + static_cast<std::ptrdiff_t>(clamped);
-    place.column +=
-        static_cast<int>(std::count_if(from, to, [](char b) { return !IsContinuation(b); }));
-    return place;
-}
-
-std::string_view PatternText::Line(int number) const
-{
-    const std::size_t start = lineStarts[static_cast<std::size_t>(number - 1)];
-    const std::size_t end = std::min(bytes.find_first_of("\r\n", start), bytes.size());
-    return std::string_view(bytes).substr(start, end - start);
-}
+    : path(std::move(newPath)), bytes(newBytes.substr(0, newBytes.find('\0'))),
+      endsAtZero(bytes.size() < newBytes.size()), lines(bytes)
+{}
 
 } // namespace zvk::Pelkraft::Client

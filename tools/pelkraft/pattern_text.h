@@ -1,25 +1,11 @@
 #pragma once
 
-#include <cstddef>
+#include "pattern/tokenizer.h"
+
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace zvk::Pelkraft::Client {
-
-// A piece of a pattern text, in bytes.
-struct TextSpan
-{
-    std::size_t offset = 0;
-    std::size_t length = 0;
-};
-
-// As editors count: from 1, a character of several bytes once, a tab once.
-struct TextPlace
-{
-    int line = 1;
-    int column = 1;
-};
 
 // A pattern text and where its lines lie.
 class PatternText
@@ -34,15 +20,15 @@ public:
     const std::string& Bytes() const { return bytes; }
     bool EndsAtZero() const { return endsAtZero; }
 
-    TextPlace PlaceOf(std::size_t offset) const;
+    TextPlace PlaceOf(std::size_t offset) const { return lines.PlaceOf(offset, bytes); }
     // Without its end; the line of a place that PlaceOf gave.
-    std::string_view Line(int number) const;
+    std::string_view Line(int number) const { return lines.Line(number, bytes); }
 
 private:
     std::string path;
     std::string bytes;
-    bool endsAtZero = false;
-    std::vector<std::size_t> lineStarts;
+    bool endsAtZero;
+    TextLines lines;
 };
 
 } // namespace zvk::Pelkraft::Client
