@@ -2,6 +2,7 @@
 #include "pattern/pattern_converter_sse.h"
 #include "pattern/random_fields.h"
 #include "pelkraft/dot_weave_pattern.h"
+#include "zvk/split.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -28,7 +29,7 @@ bool IsSlowToLoad(const std::string& text)
 {
     constexpr std::uint32_t highestDenominator = 400000;
     try {
-        if (CheckPatternText(text.c_str()) < 3)
+        if (CheckPatternText(text.c_str(), zvk::split) < 3)
             return false;
         const auto converter = std::make_unique<DotWeavePatternConverterSse>();
         try {

@@ -6,6 +6,7 @@
 #include "pattern/pattern_engine_portable.h"
 #include "pattern/pattern_engine_sse.h"
 #include "pattern/reference_pattern.h"
+#include "zvk/split.h"
 #include "zvk/system_tools.h"
 
 #include <memory>
@@ -106,7 +107,7 @@ DotWeavePattern::~DotWeavePattern()
 
 void DotWeavePattern::ChkInPatternStr(char* text)
 {
-    mTextVersion = CheckPatternText(text);
+    mTextVersion = CheckPatternText(text, zvk::split);
 }
 
 void DotWeavePattern::Init(char* text, Engine engine)

@@ -1,42 +1,36 @@
 #include "pattern/dot_weave_pattern_converter.h"
 
-#include "pattern/pattern_sink.h"
 #include "pattern/tokenizer.h"
 
 #include <cstddef>
-#include <limits>
 
 namespace zvk::Pelkraft {
 namespace {
 
 constexpr const wchar_t* headerMissing = L"Internal Message: init from dotweave pattern failed";
 
-constexpr ReaderRules mainRules = {
-    .weightsOfLine = mostWeights,
-    .positions = positionsOfInColor,
-    .highestWeightSum = std::numeric_limits<std::uint32_t>::max(),
-    .lowestVersion = 2,
-    .entriesAlwaysNamePosition = true,
-};
-
 } // namespace
 
-// A sink stores the findings of the reader in the fields of a converter.
-class DotWeavePatternConverter::TextSink final : public IPatternSink
+// The sink stores what the reader finds in the fields of a converter.
+class DotWeavePatternConverter::TextSink final : public PatternHandler
 {
 public:
     explicit TextSink(DotWeavePatternConverter& newConverter) : converter(newConverter) {}
 
-    void TakeVersion(std::int32_t version) override { converter.mVersion = version; }
+    void TakeVersion(std::int32_t version, const PatternToken&) override
+    {
+        converter.mVersion = version;
+    }
     void TakeSeed(std::int32_t seed) override { converter.mRandomSeed = seed; }
     void AllocateInColors(std::int32_t count) override { converter.mInColors.Allocate(count); }
 
-    void SelectInColor(std::int32_t inColor) override
+    void SelectInColor(std::int32_t inColor, const PatternToken&) override
     {
         converter.mInColors.Select(inColor).steps[0].numRandoms = 1;
     }
 
-    void TakeInk(std::int32_t inColor, std::int32_t position, std::int32_t outInk) override
+    void TakeInk(std::int32_t inColor, std::int32_t position, std::int32_t outInk,
+                 const PatternToken&) override
     {
         converter.mInColors.Select(inColor).inks[static_cast<std::size_t>(position)] = outInk;
         if (outInk < outInkLanes)

@@ -60,7 +60,7 @@ private:
     std::array<std::uint8_t, 16> mMaxStepOfInColor{};
     std::int32_t mRandomSeed = 42;
     CombinationDistribution mDistribution;
-    char mCommentCharacter = '#';
+    char mCommentCharacter = patternComment;
     std::vector<PatternToken> mTokens;
     NameTable mInColorNames;
     NameTable mOutInkNames;

@@ -1,12 +1,9 @@
 #include "pattern/early_check.h"
 
 #include "pattern/pattern_words.h"
-#include "zvk/split.h"
 
 #include <algorithm>
 #include <cstring>
-#include <string>
-#include <string_view>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -15,13 +12,29 @@ constexpr const wchar_t* noText = L"Internal Message: no input dotweave pattern"
 constexpr const wchar_t* textTooLong = L"Internal Message: to long dotweave pattern";
 constexpr const wchar_t* noVersion = L"Internal Message: no version in dotweave pattern";
 
-constexpr const char* versionWord = "VERSION";
-constexpr std::size_t versionWordBytes = 7;
-constexpr std::size_t bytesBehindPosition = 20;
+constexpr std::string_view versionWord = "VERSION";
+constexpr std::size_t bytesBeyondPosition = 20;
 
 } // namespace
 
-std::int32_t CheckPatternText(const char* text)
+std::optional<std::int32_t> FindEarlyVersion(std::string_view text, SplitFunction split,
+                                             TextSpan& place)
+{
+    const std::size_t position = text.find(versionWord);
+    if (position == std::string_view::npos)
+        return std::nullopt;
+    place = {position, versionWord.size()};
+
+    // The piece grows with its position: a number far after a late word is still seen.
+    const std::size_t pieceBytes = std::min(text.size() - position, position + bytesBeyondPosition);
+    const std::string piece(text.substr(position, pieceBytes));
+    const auto pieces = split(piece, {" ", "\t", "\n"}, false);
+    if (pieces.size() < 2)
+        return std::nullopt;
+    return ReadNumber(pieces[1]);
+}
+
+std::int32_t CheckPatternText(const char* text, SplitFunction split)
 {
     if (text == nullptr)
         throw noText;
@@ -30,21 +43,11 @@ std::int32_t CheckPatternText(const char* text)
     if (static_cast<std::uint32_t>(length) == 0x7FFFFFFFU)
         throw textTooLong;
 
-    const std::string_view whole(text, length);
-    if (whole.size() < versionWordBytes)
+    TextSpan place;
+    const auto version = FindEarlyVersion({text, length}, split, place);
+    if (!version)
         throw noVersion;
-    const std::size_t position = whole.find(versionWord);
-    if (position == std::string_view::npos)
-        throw noVersion;
-
-    // The piece grows with its position: a number far behind a late word is still seen.
-    const std::size_t pieceBytes =
-        std::min(whole.size() - position, position + bytesBehindPosition);
-    const std::string piece(whole.substr(position, pieceBytes));
-    const auto pieces = zvk::split(piece, {" ", "\t", "\n"}, false);
-    if (pieces.size() < 2)
-        throw noVersion;
-    return ReadNumber(pieces[1]);
+    return *version;
 }
 
 } // namespace zvk::Pelkraft

@@ -9,6 +9,8 @@
 
 namespace zvk::Pelkraft {
 
+struct PatternToken;
+
 constexpr std::int32_t stepsOfInColor = 8;
 constexpr std::int32_t positionsOfInColor = 16;
 constexpr std::int32_t mostWeights = 16;
@@ -36,6 +38,10 @@ struct ValueLine
     std::array<std::int32_t, mostWeights> weights{};
     std::array<std::int32_t, mostWeights> positions{};
     std::array<std::int32_t, mostWeights> values{};
+    // The tokens that say so; null from where a line breaks off.
+    const PatternToken* stepToken = nullptr;
+    const PatternToken* ratioToken = nullptr;
+    std::array<const PatternToken*, mostWeights> entryTokens{};
 };
 
 // The parser stores it as read; what comes from a multiplication is reduced.

@@ -2,174 +2,202 @@
 
 #include "pattern/pattern_words.h"
 
+#include <algorithm>
+
 namespace zvk::Pelkraft {
 namespace {
 
-constexpr const char* unsupportedVersion = "unsupported pattern version";
-constexpr const char* stepOutOfRange = "step out of range in pattern";
-constexpr const char* positionOutOfRange = "ink position out of range in pattern";
-constexpr const char* tooManyPositions = "too many ink positions in pattern";
-constexpr const char* inksWithoutInColor = "BEGIN_INKS without in-colour in pattern";
-constexpr const char* inColorsWithoutEnd = "BEGIN_IN_COLORS without END_IN_COLORS in pattern";
-constexpr const char* inColorWithoutRecord = "in-colour without record in pattern";
-constexpr const char* weightSumOutOfRange = "sum of weights out of range in pattern";
-
-constexpr std::string_view headerWord = "DotWeavePattern";
 constexpr std::int32_t versionOfNamedPositions = 2;
-constexpr std::int32_t noInColor = -1;
 
 } // namespace
 
+const char* TextOf(PatternRefusal refusal)
+{
+    switch (refusal) {
+    case PatternRefusal::UnsupportedVersion:
+        return "unsupported pattern version";
+    case PatternRefusal::StepOutOfRange:
+        return "step out of range in pattern";
+    case PatternRefusal::PositionOutOfRange:
+        return "ink position out of range in pattern";
+    case PatternRefusal::TooManyPositions:
+        return "too many ink positions in pattern";
+    case PatternRefusal::InksWithoutInColor:
+        return "BEGIN_INKS without in-colour in pattern";
+    case PatternRefusal::InColorsWithoutEnd:
+        return "BEGIN_IN_COLORS without END_IN_COLORS in pattern";
+    case PatternRefusal::InColorWithoutRecord:
+        return "in-colour without record in pattern";
+    case PatternRefusal::WeightSumOutOfRange:
+        break;
+    }
+    return "sum of weights out of range in pattern";
+}
+
+void PatternHandler::Refuse(PatternRefusal refusal, const PatternToken&)
+{
+    throw TextOf(refusal);
+}
+
 PatternReader::PatternReader(const ReaderRules& newRules, NameTable& newInColorNames,
-                             NameTable& newOutInkNames, IPatternSink& newSink)
-    : rules(newRules), inColorNames(newInColorNames), outInkNames(newOutInkNames), sink(newSink)
+                             NameTable& newOutInkNames, PatternHandler& newHandler)
+    : rules(newRules), inColorNames(newInColorNames), outInkNames(newOutInkNames),
+      handler(newHandler)
 {}
 
 bool PatternReader::Read(const std::vector<PatternToken>& newTokens)
 {
-    if (newTokens.empty() || newTokens.front().text != headerWord)
+    if (newTokens.empty() || newTokens.front().text != patternHeader)
         return false;
+    ReadSections(newTokens);
+    return true;
+}
+
+void PatternReader::ReadSections(const std::vector<PatternToken>& newTokens)
+{
     tokens = &newTokens;
     cursor = 0;
     while (const PatternToken* token = NextToken())
         ReadTopLevel(*token);
-    return true;
 }
 
 void PatternReader::ReadTopLevel(const PatternToken& token)
 {
-    if (token.text == "VERSION") {
-        version = NextNumber();
-        sink.TakeVersion(version);
-    } else if (token.text == "BEGIN_OUT_INKS") {
-        ReadOutInkNames();
-    } else if (token.text == "BEGIN_IN_COLORS") {
-        ReadInColorNames();
-    } else if (token.text == "BEGIN_IN_COLOR") {
-        ReadInColor();
-    } else if (token.text == "RANDOM_SEED") {
-        sink.TakeSeed(NextNumber());
+    if (Is(token, "VERSION")) {
+        version = NextNumber(token);
+        handler.TakeVersion(version, token);
+    } else if (Is(token, "BEGIN_OUT_INKS")) {
+        ReadOutInkNames(token);
+    } else if (Is(token, "BEGIN_IN_COLORS")) {
+        ReadInColorNames(token);
+    } else if (Is(token, "BEGIN_IN_COLOR")) {
+        ReadInColor(token);
+    } else if (Is(token, "RANDOM_SEED")) {
+        handler.TakeSeed(NextNumber(token));
+    } else {
+        handler.SkipToken(token);
     }
 }
 
-void PatternReader::ReadOutInkNames()
+void PatternReader::ReadOutInkNames(const PatternToken& opening)
 {
+    handler.BeginNames(NameList::OutInks, opening);
     std::int32_t index = 0;
-    while (const PatternToken* token = NextTokenUpTo("END_OUT_INKS"))
-        outInkNames[UpperCase(token->text)] = index++;
-}
-
-void PatternReader::ReadInColorNames()
-{
-    sink.AllocateInColors(0);
-    std::int32_t count = 0;
-    while (const PatternToken* token = NextToken()) {
-        if (token->text == "END_IN_COLORS") {
-            FinishInColorNames(count);
-            return;
-        }
-        inColorNames[UpperCase(token->text)] = count++;
+    while (const PatternToken* token = NextTokenOf(opening, "END_OUT_INKS")) {
+        outInkNames[UpperCase(token->text)] = index;
+        handler.TakeName(NameList::OutInks, index++, *token);
     }
-    if (!inColorNames.empty())
-        throw inColorsWithoutEnd;
 }
 
-void PatternReader::FinishInColorNames(std::int32_t count)
+void PatternReader::ReadInColorNames(const PatternToken& opening)
+{
+    handler.BeginNames(NameList::InColors, opening);
+    handler.AllocateInColors(0);
+    std::int32_t count = 0;
+    while (const PatternToken* token = NextTokenOf(opening, "END_IN_COLORS")) {
+        inColorNames[UpperCase(token->text)] = count;
+        handler.TakeName(NameList::InColors, count++, *token);
+    }
+    if (!closed && !inColorNames.empty())
+        handler.Refuse(PatternRefusal::InColorsWithoutEnd, opening);
+    FinishInColorNames(opening, count);
+}
+
+void PatternReader::FinishInColorNames(const PatternToken& opening, std::int32_t count)
 {
     // Names of an earlier list stay in the table, and each of them can be selected.
-    if (inColorNames.size() > static_cast<std::size_t>(count))
-        throw inColorWithoutRecord;
+    std::int32_t needed = static_cast<std::int32_t>(inColorNames.size());
     for (const auto& [name, index] : inColorNames)
-        if (index >= count)
-            throw inColorWithoutRecord;
-    sink.AllocateInColors(count);
+        needed = std::max(needed, index + 1);
+    if (needed > count)
+        handler.Refuse(PatternRefusal::InColorWithoutRecord, opening);
+    handler.AllocateInColors(std::max(needed, count));
 }
 
-void PatternReader::ReadInColor()
+void PatternReader::ReadInColor(const PatternToken& opening)
 {
-    std::int32_t inColor = noInColor;
-    while (const PatternToken* token = NextTokenUpTo("END_IN_COLOR")) {
-        if (token->text == "BEGIN_INKS") {
-            ReadInks(inColor);
-        } else if (token->text == "BEGIN_VALUES") {
-            if (inColor == noInColor)
-                SkipValues();
-            else
-                ReadValues(inColor);
-        } else if (const auto found = inColorNames.find(UpperCase(token->text));
-                   found != inColorNames.end()) {
-            inColor = found->second;
-            sink.SelectInColor(inColor);
+    std::int32_t inColor = noIndex;
+    while (const PatternToken* token = NextTokenOf(opening, "END_IN_COLOR")) {
+        if (Is(*token, "BEGIN_INKS")) {
+            ReadInks(*token, inColor);
+        } else if (Is(*token, "BEGIN_VALUES")) {
+            if (inColor == noIndex)
+                handler.SkipValues(*token, opening);
+            ReadValues(*token, inColor);
+        } else if (const std::int32_t found = FindName(NameList::InColors, *token);
+                   found != noIndex) {
+            inColor = found;
+            handler.SelectInColor(inColor, *token);
         }
     }
 }
 
-void PatternReader::ReadInks(std::int32_t inColor)
+void PatternReader::ReadInks(const PatternToken& opening, std::int32_t inColor)
 {
     std::int32_t position = 0;
-    while (const PatternToken* token = NextToken()) {
-        if (token->text == "END_INKS") {
-            if (inColor != noInColor)
-                sink.TakeInkCount(inColor, position);
-            return;
-        }
-        const auto found = outInkNames.find(UpperCase(token->text));
-        if (found == outInkNames.end())
+    while (const PatternToken* token = NextTokenOf(opening, "END_INKS")) {
+        const std::int32_t outInk = FindName(NameList::OutInks, *token);
+        if (outInk == noIndex)
             continue;
-        if (inColor == noInColor)
-            throw inksWithoutInColor;
-        if (position == rules.positions)
-            throw tooManyPositions;
-        sink.TakeInk(inColor, position++, found->second);
+        if (inColor == noIndex)
+            handler.Refuse(PatternRefusal::InksWithoutInColor, opening);
+        else if (position == rules.positions)
+            handler.Refuse(PatternRefusal::TooManyPositions, *token);
+        else
+            handler.TakeInk(inColor, position++, outInk, *token);
     }
+    if (closed && inColor != noIndex)
+        handler.TakeInkCount(inColor, position);
 }
 
-void PatternReader::SkipValues()
+void PatternReader::ReadValues(const PatternToken& opening, std::int32_t inColor)
 {
-    while (NextTokenUpTo("END_VALUES") != nullptr) {
-    }
-}
-
-void PatternReader::ReadValues(std::int32_t inColor)
-{
-    sink.BeginValueLines(inColor);
-    while (const PatternToken* token = NextTokenUpTo("END_VALUES")) {
+    if (inColor != noIndex)
+        handler.BeginValueLines(inColor);
+    while (const PatternToken* token = NextTokenOf(opening, "END_VALUES")) {
+        if (inColor == noIndex)
+            continue;
         ValueLine line;
-        // A line that the text breaks off is no line.
         if (ReadValueLine(*token, line))
-            sink.TakeValueLine(inColor, line);
+            handler.TakeValueLine(inColor, line);
+        else
+            handler.TakeBrokenLine(inColor, line);
     }
 }
 
 bool PatternReader::ReadValueLine(const PatternToken& stepToken, ValueLine& line)
 {
+    line.stepToken = &stepToken;
     line.step = ReadNumber(stepToken.text);
     line.hasSuffix = !stepToken.text.empty() && stepToken.text.back() == '+';
-    if (line.step < 0 || line.step >= stepsOfInColor)
-        throw stepOutOfRange;
+    bool isSound = line.step >= 0 && line.step < stepsOfInColor;
+    if (!isSound)
+        handler.Refuse(PatternRefusal::StepOutOfRange, stepToken);
 
-    const PatternToken* weights = NextToken();
-    if (weights == nullptr)
+    line.ratioToken = NextTokenOf(line);
+    if (line.ratioToken == nullptr)
         return false;
-    ReadWeights(weights->text, line);
+    isSound = ReadWeights(line) && isSound;
 
     for (std::int32_t alternative = 0; alternative < line.count; ++alternative) {
-        const PatternToken* entry = NextToken();
+        const PatternToken* entry = NextTokenOf(line);
         if (entry == nullptr)
             return false;
-        ReadEntry(entry->text, alternative, line);
+        line.entryTokens[static_cast<std::size_t>(alternative)] = entry;
+        isSound = ReadEntry(alternative, line) && isSound;
     }
-    return true;
+    return isSound;
 }
 
-void PatternReader::ReadWeights(std::string_view token, ValueLine& line) const
+bool PatternReader::ReadWeights(ValueLine& line) const
 {
+    std::string_view token = line.ratioToken->text;
     std::int64_t sum = 0;
+    bool isSound = true;
     bool more = true;
     while (more && line.count < rules.weightsOfLine) {
         const std::int32_t weight = ReadNumber(token);
-        if (weight < 0)
-            throw weightSumOutOfRange;
+        isSound = isSound && weight >= 0;
         line.weights[static_cast<std::size_t>(line.count++)] = weight;
         sum += weight;
         const std::size_t separator = token.find(':');
@@ -177,18 +205,22 @@ void PatternReader::ReadWeights(std::string_view token, ValueLine& line) const
         if (more)
             token.remove_prefix(separator + 1);
     }
-    if (sum == 0 || sum > static_cast<std::int64_t>(rules.highestWeightSum))
-        throw weightSumOutOfRange;
-    line.weightSum = static_cast<std::uint32_t>(sum);
+    isSound = isSound && sum > 0 && sum <= static_cast<std::int64_t>(rules.highestWeightSum);
+    if (!isSound)
+        handler.Refuse(PatternRefusal::WeightSumOutOfRange, *line.ratioToken);
+    line.weightSum = isSound ? static_cast<std::uint32_t>(sum) : 0;
+    return isSound;
 }
 
-void PatternReader::ReadEntry(std::string_view token, std::int32_t alternative,
-                              ValueLine& line) const
+bool PatternReader::ReadEntry(std::int32_t alternative, ValueLine& line) const
 {
-    if (version < rules.lowestVersion)
-        throw unsupportedVersion;
+    const auto index = static_cast<std::size_t>(alternative);
+    std::string_view token = line.entryTokens[index]->text;
+    const bool isSupported = version >= rules.lowestVersion;
+    if (!isSupported)
+        handler.Refuse(PatternRefusal::UnsupportedVersion, *line.entryTokens[index]);
     const bool namesPosition =
-        rules.entriesAlwaysNamePosition || version == versionOfNamedPositions;
+        rules.entriesAlwaysNamePosition ? isSupported : version == versionOfNamedPositions;
 
     std::int32_t position = namesPosition ? 0 : alternative;
     const std::size_t separator = token.find('-');
@@ -196,10 +228,23 @@ void PatternReader::ReadEntry(std::string_view token, std::int32_t alternative,
         position = ReadNumber(token.substr(0, separator));
         token.remove_prefix(separator + 1);
     }
+    line.positions[index] = position;
+    line.values[index] = ReadNumber(token);
     if (position >= rules.positions)
-        throw positionOutOfRange;
-    line.positions[static_cast<std::size_t>(alternative)] = position;
-    line.values[static_cast<std::size_t>(alternative)] = ReadNumber(token);
+        handler.Refuse(PatternRefusal::PositionOutOfRange, *line.entryTokens[index]);
+    return position < rules.positions;
+}
+
+bool PatternReader::Is(const PatternToken& token, std::string_view keyword) const
+{
+    return token.text == keyword || handler.Means(token, keyword);
+}
+
+std::int32_t PatternReader::FindName(NameList list, const PatternToken& token) const
+{
+    const NameTable& names = list == NameList::OutInks ? outInkNames : inColorNames;
+    const auto found = names.find(UpperCase(token.text));
+    return found != names.end() ? found->second : handler.FindMeantName(list, token);
 }
 
 const PatternToken* PatternReader::NextToken()
@@ -207,16 +252,49 @@ const PatternToken* PatternReader::NextToken()
     return cursor < tokens->size() ? &(*tokens)[cursor++] : nullptr;
 }
 
-const PatternToken* PatternReader::NextTokenUpTo(std::string_view closingWord)
+const PatternToken* PatternReader::NextTokenOf(const PatternToken& opening,
+                                               std::string_view closing)
 {
-    const PatternToken* token = NextToken();
-    return token != nullptr && token->text != closingWord ? token : nullptr;
+    closed = true;
+    while (const PatternToken* token = NextToken()) {
+        if (token->text == closing)
+            return nullptr;
+        switch (handler.FindEnd(*token, opening, closing)) {
+        case SectionEnd::None:
+            return token;
+        case SectionEnd::Skipped:
+            break;
+        case SectionEnd::Before:
+            --cursor;
+            return nullptr;
+        case SectionEnd::Here:
+            return nullptr;
+        }
+    }
+    closed = false;
+    handler.TakeOpenSection(opening, closing);
+    return nullptr;
 }
 
-std::int32_t PatternReader::NextNumber()
+const PatternToken* PatternReader::NextTokenOf(const ValueLine& line)
 {
     const PatternToken* token = NextToken();
-    return token != nullptr ? ReadNumber(token->text) : 0;
+    if (token == nullptr || !handler.BreaksLine(*token, line))
+        return token;
+    --cursor;
+    return nullptr;
+}
+
+std::int32_t PatternReader::NextNumber(const PatternToken& keyword)
+{
+    const PatternToken* token = NextToken();
+    const bool isNumber = handler.IsNumberOf(keyword, token);
+    if (token == nullptr)
+        return 0;
+    if (isNumber)
+        return ReadNumber(token->text);
+    --cursor;
+    return 0;
 }
 
 } // namespace zvk::Pelkraft

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "pattern/pattern_sink.h"
-#include "pattern/tokenizer.h"
+#include "pattern/pattern_handler.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <string>
 #include <string_view>
@@ -15,7 +15,10 @@ namespace zvk::Pelkraft {
 // Upper-cased name to index.
 using NameTable = std::map<std::string, std::int32_t>;
 
-// In what the two parsers of the one format differ.
+constexpr const char* patternHeader = "DotWeavePattern";
+constexpr char patternComment = '#';
+
+// The points in which the two parsers of the one format differ.
 struct ReaderRules
 {
     std::int32_t weightsOfLine;
@@ -28,42 +31,57 @@ struct ReaderRules
     bool entriesAlwaysNamePosition;
 };
 
-// Walks the tokens of a pattern text. Names go into the two tables, all else to the sink.
+constexpr ReaderRules mainRules = {
+    .weightsOfLine = mostWeights,
+    .positions = positionsOfInColor,
+    .highestWeightSum = std::numeric_limits<std::uint32_t>::max(),
+    .lowestVersion = 2,
+    .entriesAlwaysNamePosition = true,
+};
+
+// Walks the tokens of a pattern text. Names go into the two tables, all else to the handler.
 class PatternReader
 {
 public:
     PatternReader(const ReaderRules& newRules, NameTable& newInColorNames,
-                  NameTable& newOutInkNames, IPatternSink& newSink);
+                  NameTable& newOutInkNames, PatternHandler& newHandler);
 
-    // False if the header word is missing: then nothing else was looked at. Throws.
+    // False if the header word is missing: then nothing else was looked at.
     bool Read(const std::vector<PatternToken>& newTokens);
+    // Asks for no header word.
+    void ReadSections(const std::vector<PatternToken>& newTokens);
 
 private:
     void ReadTopLevel(const PatternToken& token);
-    void ReadOutInkNames();
-    void ReadInColorNames();
-    void FinishInColorNames(std::int32_t count);
-    void ReadInColor();
-    void ReadInks(std::int32_t inColor);
-    void SkipValues();
-    void ReadValues(std::int32_t inColor);
+    void ReadOutInkNames(const PatternToken& opening);
+    void ReadInColorNames(const PatternToken& opening);
+    void FinishInColorNames(const PatternToken& opening, std::int32_t count);
+    void ReadInColor(const PatternToken& opening);
+    void ReadInks(const PatternToken& opening, std::int32_t inColor);
+    void ReadValues(const PatternToken& opening, std::int32_t inColor);
     bool ReadValueLine(const PatternToken& stepToken, ValueLine& line);
-    void ReadWeights(std::string_view token, ValueLine& line) const;
-    void ReadEntry(std::string_view token, std::int32_t alternative, ValueLine& line) const;
+    bool ReadWeights(ValueLine& line) const;
+    bool ReadEntry(std::int32_t alternative, ValueLine& line) const;
 
+    bool Is(const PatternToken& token, std::string_view keyword) const;
+    std::int32_t FindName(NameList list, const PatternToken& token) const;
     // Null when the tokens are used up.
     const PatternToken* NextToken();
-    // Null at the closing word too, which is used up with it.
-    const PatternToken* NextTokenUpTo(std::string_view closingWord);
-    std::int32_t NextNumber();
+    // Null at the end of the section too, which is used up with it.
+    const PatternToken* NextTokenOf(const PatternToken& opening, std::string_view closing);
+    // Null where the line breaks off.
+    const PatternToken* NextTokenOf(const ValueLine& line);
+    std::int32_t NextNumber(const PatternToken& keyword);
 
     const ReaderRules rules;
     NameTable& inColorNames;
     NameTable& outInkNames;
-    IPatternSink& sink;
+    PatternHandler& handler;
     const std::vector<PatternToken>* tokens = nullptr;
     std::size_t cursor = 0;
     std::int32_t version = 1;
+    // Whether the last section that was left had an end.
+    bool closed = false;
 };
 
 } // namespace zvk::Pelkraft

@@ -1,7 +1,6 @@
 #include "pattern/reference_pattern.h"
 
 #include "pattern/field_walk.h"
-#include "pattern/pattern_sink.h"
 #include "pattern/tokenizer.h"
 
 #include <algorithm>
@@ -13,8 +12,6 @@ namespace zvk::Pelkraft::Testonly {
 namespace {
 
 constexpr const char* arrayTooLong = "Array too long for pattern tables";
-
-constexpr char commentCharacter = '#';
 
 constexpr ReaderRules secondRules = {
     .weightsOfLine = 12,
@@ -36,19 +33,26 @@ Distribution DistributionOf(std::int32_t inColor, const ValueLine& line)
 
 } // namespace
 
-// A sink stores the findings of the reader in the fields of the class.
+// The sink stores what the reader finds in the fields of the class.
 template <typename RandomSource>
-class CDotWeavePattern<RandomSource>::TextSink final : public IPatternSink
+class CDotWeavePattern<RandomSource>::TextSink final : public PatternHandler
 {
 public:
     explicit TextSink(CDotWeavePattern& newPattern) : pattern(newPattern) {}
 
-    void TakeVersion(std::int32_t version) override { pattern.mVersion = version; }
+    void TakeVersion(std::int32_t version, const PatternToken&) override
+    {
+        pattern.mVersion = version;
+    }
     void TakeSeed(std::int32_t seed) override { pattern.mRandomSeed = seed; }
     void AllocateInColors(std::int32_t count) override { pattern.mInColors.Allocate(count); }
-    void SelectInColor(std::int32_t inColor) override { pattern.mInColors.Select(inColor); }
+    void SelectInColor(std::int32_t inColor, const PatternToken&) override
+    {
+        pattern.mInColors.Select(inColor);
+    }
 
-    void TakeInk(std::int32_t inColor, std::int32_t position, std::int32_t outInk) override
+    void TakeInk(std::int32_t inColor, std::int32_t position, std::int32_t outInk,
+                 const PatternToken&) override
     {
         pattern.mInColors.Select(inColor).inks[static_cast<std::size_t>(position)] = outInk;
     }
@@ -135,7 +139,7 @@ void CDotWeavePattern<RandomSource>::InitFromText(char* text)
     mRandomFields.clear();
     mInColors.Free();
     mVersion = 1;
-    mTokens = CutTokens(text, commentCharacter);
+    mTokens = CutTokens(text, patternComment);
     TextSink sink(*this);
     PatternReader reader(secondRules, mInColorNames, mOutInkNames, sink);
     if (!reader.Read(mTokens))

@@ -1,6 +1,7 @@
 #include "pattern/early_check.h"
 
 #include "tests/pattern/pattern_support.h"
+#include "zvk/split.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -18,9 +19,14 @@ using TestSupport::WhatIsThrown;
 
 const std::string noVersion = "wide: Internal Message: no version in dotweave pattern";
 
+std::int32_t Check(const char* text)
+{
+    return CheckPatternText(text, zvk::split);
+}
+
 std::string Refusal(const char* text)
 {
-    return WhatIsThrown([text] { CheckPatternText(text); });
+    return WhatIsThrown([text] { Check(text); });
 }
 
 // Where addresses have 32 bits no object is as long as these.
@@ -79,7 +85,7 @@ TEST(EarlyCheck, RefusesExactlyOneLength)
     for (const std::size_t length : {std::size_t{0x7FFFFFFE}, std::size_t{0x80000000}}) {
         const LongText neighbour(length);
         ASSERT_NE(neighbour.get(), nullptr);
-        EXPECT_EQ(CheckPatternText(neighbour.get()), 7) << length;
+        EXPECT_EQ(Check(neighbour.get()), 7) << length;
     }
 }
 
@@ -118,32 +124,42 @@ TEST(EarlyCheck, RefusesAWordWithoutAPieceBehindIt)
 
 TEST(EarlyCheck, ReadsTheSecondPieceAsANumber)
 {
-    EXPECT_EQ(CheckPatternText("VERSION 3"), 3);
-    EXPECT_EQ(CheckPatternText("DotWeavePattern\nVERSION\t2\nRANDOM_SEED 7"), 2);
-    EXPECT_EQ(CheckPatternText("VERSION    \n\t 12x"), 12);
-    EXPECT_EQ(CheckPatternText("VERSION\r\n3\r\n"), 3);
-    EXPECT_EQ(CheckPatternText("VERSIONS 5 6"), 5);
-    EXPECT_EQ(CheckPatternText("VERSION two"), 0);
-    EXPECT_EQ(CheckPatternText("VERSION -1"), -1);
-    EXPECT_EQ(CheckPatternText("VERSION 99999999999"), INT32_MAX);
+    EXPECT_EQ(Check("VERSION 3"), 3);
+    EXPECT_EQ(Check("DotWeavePattern\nVERSION\t2\nRANDOM_SEED 7"), 2);
+    EXPECT_EQ(Check("VERSION    \n\t 12x"), 12);
+    EXPECT_EQ(Check("VERSION\r\n3\r\n"), 3);
+    EXPECT_EQ(Check("VERSIONS 5 6"), 5);
+    EXPECT_EQ(Check("VERSION two"), 0);
+    EXPECT_EQ(Check("VERSION -1"), -1);
+    EXPECT_EQ(Check("VERSION 99999999999"), INT32_MAX);
 }
 
 TEST(EarlyCheck, TakesTheFirstWordEvenInACommentOrInQuotes)
 {
-    EXPECT_EQ(CheckPatternText("#VERSION 2\nVERSION 3"), 2);
-    EXPECT_EQ(CheckPatternText("\"x VERSION 4\" VERSION 3"), 4);
-    EXPECT_EQ(CheckPatternText("MYVERSION 5 VERSION 3"), 5);
+    EXPECT_EQ(Check("#VERSION 2\nVERSION 3"), 2);
+    EXPECT_EQ(Check("\"x VERSION 4\" VERSION 3"), 4);
+    EXPECT_EQ(Check("MYVERSION 5 VERSION 3"), 5);
 }
 
 TEST(EarlyCheck, SeesTwentyBytesAndAsManyAsStandInFront)
 {
     // At position 0 the piece is 20 bytes: the word, 12 blanks and one byte of the number.
-    EXPECT_EQ(CheckPatternText("VERSION            34"), 3);
+    EXPECT_EQ(Check("VERSION            34"), 3);
     EXPECT_EQ(Refusal("VERSION             34"), noVersion);
     // Each byte in front lets one more be seen.
-    EXPECT_EQ(CheckPatternText("xVERSION            34"), 34);
-    EXPECT_EQ(CheckPatternText("xVERSION             34"), 3);
-    EXPECT_EQ(CheckPatternText("xxVERSION             34"), 34);
+    EXPECT_EQ(Check("xVERSION            34"), 34);
+    EXPECT_EQ(Check("xVERSION             34"), 3);
+    EXPECT_EQ(Check("xxVERSION             34"), 34);
+    for (const std::size_t ahead : {0U, 1U, 30U, 60U})
+        for (const std::size_t between : {1U, 12U, 13U, 40U, 42U, 43U, 72U, 73U}) {
+            const std::string text =
+                std::string(ahead, ' ') + "VERSION" + std::string(between, ' ') + "3";
+            TextSpan place;
+            const auto version = FindEarlyVersion(text, zvk::split, place);
+            EXPECT_EQ(version.has_value(), 7 + between < ahead + 20) << ahead << ", " << between;
+            EXPECT_EQ(version.value_or(3), 3);
+            EXPECT_EQ(place.offset, ahead);
+        }
 }
 
 } // namespace
