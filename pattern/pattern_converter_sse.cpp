@@ -150,6 +150,18 @@ void SseTransformationBuilder::Build(PatternCombination& combination)
     Place(rows, *this);
 }
 
+std::size_t CountStoredValues(PatternCombination combination)
+{
+    SseTransformationBuilder tables;
+    Rows rows = Scan(combination, tables);
+    Merge(rows, tables);
+    std::int32_t count = 0;
+    for (auto row = rows.begin(); row != rows.end(); ++row)
+        if (*row != nullptr && std::find(rows.begin(), row, *row) == row)
+            count += FindSpan(**row).Length();
+    return static_cast<std::size_t>(count);
+}
+
 SseTransformation SseTransformationBuilder::Pack() const
 {
     SseTransformation tables{

@@ -4,6 +4,7 @@
 #include "pattern/sse_row.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -28,6 +29,9 @@ struct SseTransformationBuilder
     // Keeps the low byte of each entry, and adds the ink values that they make.
     SseTransformation Pack() const;
 };
+
+// The values that Build would store for a combination, whether or not there is room for them.
+std::size_t CountStoredValues(PatternCombination combination);
 
 // Compresses the rows of each combination into one small table. The rows stay unrepaired: bounds
 // take the place of unset values.

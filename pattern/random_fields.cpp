@@ -117,13 +117,18 @@ std::uint32_t FindFieldDenominator(const PatternCombinations& combinations, std:
     return highest;
 }
 
+std::uint32_t CountShuffledEntries(std::uint32_t denominator)
+{
+    return denominator * (leastShuffledSize / denominator + 1);
+}
+
 RandomNumbers ShuffleField(std::int32_t seed, std::uint32_t denominator,
                            const PatternCombinations& combinations, std::uint32_t count)
 {
     if (denominator == 0)
         throw noCombinations;
-    const std::uint32_t multiplier = leastShuffledSize / denominator + 1;
-    const std::uint32_t size = denominator * multiplier;
+    const std::uint32_t size = CountShuffledEntries(denominator);
+    const std::uint32_t multiplier = size / denominator;
     if (size > highestShuffledSize)
         throw std::bad_alloc();
 

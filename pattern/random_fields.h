@@ -51,6 +51,9 @@ RandomNumbers DrawField(std::int32_t seed, std::uint32_t total, std::uint32_t di
 std::uint32_t FindFieldDenominator(const PatternCombinations& combinations, std::uint32_t count,
                                    std::uint32_t lowestDenominator);
 
+// A shuffled field repeats its denominator until it has at least 100000 entries.
+std::uint32_t CountShuffledEntries(std::uint32_t denominator);
+
 // The second generation holds each combination as often as its proportion says, the first one for
 // all that is left over, and shuffles them. A denominator of 0 throws "pattern without random
 // combinations"; a field beyond 1 GB throws std::bad_alloc, as one without memory does.

@@ -60,7 +60,7 @@ const Broken brokenTexts[] = {
      "count the known names", 1},
     {"EntryMissing", "2 1:3 1-128 0-40", "2 1:3 1-128", 18, 3, "error", "entry-missing", "  ^~~",
      "write one entry", 4},
-    {"EntrySurplus", "1 1 1-64", "1 1 1-64 0-3", 17, 10, "warning", "entry-surplus", "         ^~~",
+    {"EntrySurplus", "1 1 1-64", "1 1 1-64 0-3", 17, 10, "error", "entry-surplus", "         ^~~",
      "give the ratio a weight", 4},
     {"WeightSum", "2 1:3", "2 0:0", 18, 3, "error", "weight-sum", "  ^~~", "such as 1:3", 4},
     {"WeightBelowZero", "2 1:3", "2 3:-1", 18, 3, "error", "weight-sum", "  ^~~~", "above 0", 4},
@@ -186,9 +186,9 @@ TEST_F(PatternLints, TellOfAllFaultsAtOnce)
           {"2 1:3 1-128 0-40", "2 1:3 1-128"},
           {"BEGIN_INKS\nBlack", "BEGIN_INKS\nBlack Gold"}})
         text.replace(text.find(from), from.size(), to);
-    EXPECT_EQ((std::vector<std::string>{"keyword-case", "value-range", "entry-missing", "step-gap",
-                                        "ink-unknown"}),
-              Kinds(FindingsOf(text)));
+    EXPECT_EQ(
+        (std::vector<std::string>{"keyword-case", "value-range", "entry-missing", "ink-unknown"}),
+        Kinds(FindingsOf(text)));
 }
 
 // Whatever ends the lines, and with names of letters that take several bytes.

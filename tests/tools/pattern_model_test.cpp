@@ -94,8 +94,7 @@ TEST(PatternModel, ForeseesWhatTheEnginesRefuse)
         const bool crowded = report.model.obstacle.empty() && report.model.places > 16;
         const bool nothingToDraw =
             report.outline.Generation() == 2 && report.model.combinations < 2;
-        const bool unfed =
-            static_cast<int>(report.outline.feeders.size()) != report.outline.OutInkCount();
+        const bool unfed = report.outline.feeders.size() != report.outline.OutInkCount();
         for (const std::size_t drawing : {1U, 2U}) {
             EXPECT_EQ(channelFull,
                       Refuses(report, drawing, "numCombinations > MAXS_CHANNEL_RANDOM"));
@@ -161,11 +160,11 @@ TEST(PatternModel, CountsAndNamesAsTheLibraryDoes)
         std::string refusal;
         const auto pattern = TryPattern(text, DotWeavePattern::Sse, refusal);
         ASSERT_NE(nullptr, pattern) << refusal;
-        EXPECT_EQ(pattern->GetInColorCount(), report.outline.InColourCount());
-        EXPECT_EQ(pattern->GetOutColorCount(), report.outline.OutInkCount());
+        EXPECT_EQ(pattern->GetInColorCount(), static_cast<int>(report.outline.InColourCount()));
+        EXPECT_EQ(pattern->GetOutColorCount(), static_cast<int>(report.outline.OutInkCount()));
         for (int i = 0; i < pattern->GetInColorCount(); ++i)
             EXPECT_EQ(pattern->GetNumberOfStepsForInColor(i),
-                      (report.outline.inColours[static_cast<std::size_t>(i)].stepCount - 1) & 0xFF);
+                      (report.outline.Record(static_cast<std::size_t>(i)).numSteps - 1) & 0xFF);
     }
 }
 

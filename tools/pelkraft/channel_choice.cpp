@@ -1,7 +1,7 @@
 #include "tools/pelkraft/channel_choice.h"
 
+#include "pattern/pattern_words.h"
 #include "tools/pelkraft/failure.h"
-#include "tools/pelkraft/pattern_words.h"
 
 #include <algorithm>
 
@@ -15,7 +15,7 @@ int FindByName(const std::string& name, const std::vector<Channel>& channels,
 {
     for (std::size_t i = 0; i < channels.size(); ++i) {
         if (!taken[i] && !channels[i].name.empty() &&
-            UpperCased(channels[i].name) == UpperCased(name))
+            UpperCase(channels[i].name) == UpperCase(name))
             return static_cast<int>(i);
     }
     return noChannel;

@@ -1,80 +1,17 @@
 #include "tools/pelkraft/combination_model.h"
 
-#include "tools/pelkraft/stored_places.h"
+#include "pattern/pattern_converter_sse.h"
+#include "pattern/random_fields.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
+#include <memory>
 
 namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr std::uint64_t mostCount = std::numeric_limits<std::uint32_t>::max();
-constexpr std::uint64_t wantedField = 100000;
-// Out-inks that a row of the engines' tables has room for.
-constexpr int laneLimit = 16;
-
-Proportion Multiply(const Proportion& left, const Proportion& right)
-{
-    Proportion product = {left.numerator * right.numerator, left.denominator * right.denominator};
-    const std::uint32_t divisor = std::gcd(product.numerator, product.denominator);
-    if (divisor > 1) {
-        product.numerator /= divisor;
-        product.denominator /= divisor;
-    }
-    return product;
-}
-
-// Digits that count up, the first one fastest.
-class Odometer
-{
-public:
-    explicit Odometer(std::vector<std::size_t> newLimits)
-        : limits(std::move(newLimits)), digits(limits.size())
-    {}
-
-    std::size_t Digit(std::size_t index) const { return digits[index]; }
-
-    void Advance()
-    {
-        for (std::size_t i = 0; i < digits.size() && ++digits[i] == limits[i]; ++i)
-            digits[i] = 0;
-    }
-
-private:
-    std::vector<std::size_t> limits;
-    std::vector<std::size_t> digits;
-};
-
-// What the draws of an in-colour came to: for each of them an alternative.
-struct Choice
-{
-    Proportion proportion;
-    std::vector<std::size_t> alternatives;
-};
-
-std::vector<Choice> ListChoices(const InColour& inColour, const InColourDraws& draws)
-{
-    std::vector<std::size_t> limits(draws.firstSteps.size());
-    std::transform(draws.firstSteps.begin(), draws.firstSteps.end(), limits.begin(),
-                   [&inColour](std::size_t step) { return inColour.steps[step].count; });
-    Odometer odometer(std::move(limits));
-    std::vector<Choice> choices(static_cast<std::size_t>(draws.combinations));
-    for (Choice& choice : choices) {
-        for (std::size_t draw = 0; draw < draws.firstSteps.size(); ++draw) {
-            const Step& step = inColour.steps[draws.firstSteps[draw]];
-            const std::size_t digit = odometer.Digit(draw);
-            const Alternative& alternative = step.alternatives[digit];
-            choice.alternatives.push_back(digit);
-            choice.proportion =
-                Multiply(choice.proportion, {static_cast<std::uint32_t>(alternative.weight),
-                                             static_cast<std::uint32_t>(step.weightSum)});
-        }
-        odometer.Advance();
-    }
-    return choices;
-}
 
 class ModelBuilder
 {
@@ -83,11 +20,9 @@ public:
 
     CombinationModel Build()
     {
-        for (int i = 0; i < outline.InColourCount(); ++i) {
-            if (static_cast<std::size_t>(i) < outline.inColours.size())
-                AddInColour(outline.inColours[static_cast<std::size_t>(i)]);
-        }
-        if (model.combinations > combinationLimit)
+        for (std::size_t i = 0; i < outline.InColourCount(); ++i)
+            AddInColour(i);
+        if (model.combinations > MAXS_TOTAL_RANDOM)
             Stop("there are more than 1024 combinations");
         if (model.obstacle.empty())
             MultiplyOut();
@@ -101,146 +36,101 @@ private:
             model.obstacle = why;
     }
 
-    void AddInColour(const InColour& inColour)
+    void AddInColour(std::size_t index)
     {
-        const InColourDraws& draws = model.draws.emplace_back(FindDraws(inColour));
+        const std::string& name = outline.inColours[index].name;
+        InColourDraws& draws = model.draws.emplace_back();
+        draws.distributions = FindDistributions(outline.Record(index));
+        draws.combinations = CountCombinations(draws.distributions);
         if (draws.combinations == 0)
-            Stop("a step of " + inColour.name + " has no line");
-        if (draws.combinations > inColourCombinationLimit)
-            Stop(inColour.name + " has more than 32 combinations");
-        const std::uint64_t factor = std::min(draws.combinations, mostCount);
-        model.combinations = std::min(model.combinations * factor, mostCount);
+            Stop("a step of " + name + " has no line");
+        if (draws.combinations > MAXS_CHANNEL_RANDOM)
+            Stop(name + " has more than 32 combinations");
+        model.combinations =
+            std::min(model.combinations * std::min(draws.combinations, mostCount), mostCount);
     }
 
     void MultiplyOut()
     {
-        std::vector<std::vector<Choice>> choices;
-        std::vector<std::size_t> limits;
-        for (std::size_t i = 0; i < model.draws.size(); ++i) {
-            choices.push_back(ListChoices(outline.inColours[i], model.draws[i]));
-            limits.push_back(choices.back().size());
+        const auto inColours = static_cast<std::int32_t>(outline.InColourCount());
+        try {
+            for (std::int32_t i = 0; i < inColours; ++i)
+                if (InColorRecord* record = outline.records.Find(i); record != nullptr)
+                    BuildChannelCombinations(*record);
+            count = BuildPatternCombinations(outline.records, inColours, *combinations);
+        } catch (const char*) {
+            Stop("a product of weights wraps to 0");
+            return;
         }
-        Odometer odometer(std::move(limits));
-        for (std::uint64_t c = 0; c < model.combinations; ++c) {
-            Proportion proportion;
-            std::vector<InkRow> rows(laneLimit);
-            for (InkRow& row : rows)
-                row.fill(unsetInk);
-            for (std::size_t i = 0; i < choices.size(); ++i) {
-                const Choice& choice = choices[i][odometer.Digit(i)];
-                proportion = Multiply(proportion, choice.proportion);
-                FillRows(outline.inColours[i], model.draws[i], choice, rows);
-            }
-            model.proportions.push_back(proportion);
-            const std::size_t places = CountPlaces(rows);
-            if (places > model.places) {
-                model.places = places;
-                model.fullest = static_cast<std::size_t>(c);
-            }
-            odometer.Advance();
-        }
+        FindPlaces();
         FindTotal();
-        FindFieldSize();
+        if (outline.Generation() == 2)
+            FindField();
     }
 
-    static void FillRows(const InColour& inColour, const InColourDraws& draws, const Choice& choice,
-                         std::vector<InkRow>& rows)
+    void FindPlaces()
     {
-        for (std::size_t position = 0; position < inColour.inkCount; ++position) {
-            const int outInk = inColour.inks[position].outInk;
-            if (outInk >= laneLimit)
-                continue;
-            InkRow& row = rows[static_cast<std::size_t>(outInk)];
-            row.fill(unsetInk);
-            for (std::size_t step = 0; step < draws.drawOfStep.size(); ++step) {
-                const std::size_t digit = choice.alternatives[draws.drawOfStep[step]];
-                row[step] = inColour.steps[step].alternatives[digit].values[position];
+        for (std::size_t c = 0; c < count; ++c) {
+            const std::size_t places = CountStoredValues((*combinations)[c]);
+            if (places > model.places) {
+                model.places = places;
+                model.fullest = c;
             }
         }
     }
 
     void FindTotal()
     {
-        for (const Proportion& proportion : model.proportions) {
-            if (proportion.denominator == 0) {
-                Stop("a product of weights wraps to 0");
-                return;
-            }
-            const std::uint32_t divisor = std::gcd(model.total, proportion.denominator);
-            const std::uint64_t product =
-                std::uint64_t{model.total / divisor} * proportion.denominator;
-            model.totalWraps = model.totalWraps || product > mostCount;
-            model.total = static_cast<std::uint32_t>(product);
-            if (model.total == 0) {
-                Stop("the common denominator wraps to 0");
-                return;
-            }
+        for (std::size_t c = 0; c < count; ++c) {
+            const std::uint32_t denominator = FractionOf(c).denominator;
+            const std::uint64_t multiple =
+                std::uint64_t{model.total / GreatestCommonDivisor(model.total, denominator)} *
+                denominator;
+            model.totalWraps = model.totalWraps || multiple > mostCount;
+            model.total = static_cast<std::uint32_t>(multiple);
         }
-        std::uint32_t start = 0;
-        for (const Proportion& proportion : model.proportions) {
-            const std::uint32_t share = model.total / proportion.denominator * proportion.numerator;
-            if (share > 0 && start >= drawLimit)
+        const auto distribution = std::make_unique<CombinationDistribution>();
+        BuildDistribution(*combinations, count, *distribution);
+        for (std::size_t c = 0; c < count; ++c)
+            if (FractionOf(c).numerator > 0 && distribution->cumulative[c] >= drawLimit)
                 ++model.unreachable;
-            start += share;
-        }
     }
 
-    // The second generation takes the largest denominator but that of the first combination.
-    void FindFieldSize()
+    // Shares are cut to whole parts of the field's denominator; the rest goes to the first one.
+    void FindField()
     {
-        if (outline.Generation() == 1)
-            return;
-        std::uint64_t largest = 1;
-        for (std::size_t i = 1; i < model.proportions.size(); ++i)
-            largest = std::max<std::uint64_t>(largest, model.proportions[i].denominator);
-        model.fieldSize = (wantedField / largest + 1) * largest;
-        FindFieldSkew(largest);
-    }
-
-    // Shares are cut to whole parts of the largest denominator; the rest goes to the first one.
-    void FindFieldSkew(std::uint64_t largest)
-    {
-        const auto parts = static_cast<double>(largest);
+        const std::uint32_t parts = FindFieldDenominator(*combinations, count, 1);
+        model.fieldSize = CountShuffledEntries(parts);
         double sum = 0;
-        for (std::size_t i = 1; i < model.proportions.size(); ++i) {
-            const Proportion& proportion = model.proportions[i];
-            const auto whole = proportion.numerator * largest / proportion.denominator;
-            const double share = static_cast<double>(whole) / parts;
+        for (std::size_t c = 1; c < count; ++c) {
+            const std::uint64_t own =
+                std::uint64_t{FractionOf(c).numerator} * parts / FractionOf(c).denominator;
+            const double share = static_cast<double>(own) / parts;
             sum += share;
-            NoteSkew(proportion, share);
+            NoteSkew(c, share);
         }
-        if (!model.proportions.empty())
-            NoteSkew(model.proportions.front(), 1 - sum);
+        NoteSkew(0, 1 - sum);
     }
 
-    void NoteSkew(const Proportion& proportion, double share)
+    void NoteSkew(std::size_t combination, double share)
     {
-        const double wanted = static_cast<double>(proportion.numerator) / proportion.denominator;
+        const Fraction& fraction = FractionOf(combination);
+        const double wanted = static_cast<double>(fraction.numerator) / fraction.denominator;
         model.fieldSkew = std::max(model.fieldSkew, std::abs(share - wanted));
+    }
+
+    const Fraction& FractionOf(std::size_t combination) const
+    {
+        return (*combinations)[combination].fraction;
     }
 
     const PatternOutline& outline;
     CombinationModel model;
+    std::unique_ptr<PatternCombinations> combinations = std::make_unique<PatternCombinations>();
+    std::uint32_t count = 0;
 };
 
 } // namespace
-
-InColourDraws FindDraws(const InColour& inColour)
-{
-    InColourDraws draws;
-    for (std::size_t step = 0; step < static_cast<std::size_t>(inColour.stepCount); ++step) {
-        const auto same =
-            std::find_if(draws.firstSteps.begin(), draws.firstSteps.end(), [&](std::size_t first) {
-                return SameDistribution(inColour.steps[first], inColour.steps[step]);
-            });
-        draws.drawOfStep.push_back(static_cast<std::size_t>(same - draws.firstSteps.begin()));
-        if (same != draws.firstSteps.end())
-            continue;
-        draws.firstSteps.push_back(step);
-        draws.combinations *= inColour.steps[step].count;
-    }
-    return draws;
-}
 
 CombinationModel BuildCombinations(const PatternOutline& outline)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pattern/pattern_combinations.h"
 #include "tools/pelkraft/pattern_outline.h"
 
 #include <cstddef>
@@ -9,32 +10,18 @@
 
 namespace zvk::Pelkraft::Client {
 
-constexpr std::uint64_t inColourCombinationLimit = 32;
-constexpr std::uint64_t combinationLimit = 1024;
 constexpr std::size_t placeLimit = 16;
 // Draws of the first generation are below this.
 constexpr std::uint64_t drawLimit = 32768;
 
-// Kept in 32 bits that wrap, as the library keeps them.
-struct Proportion
-{
-    std::uint32_t numerator = 1;
-    std::uint32_t denominator = 1;
-};
-
-// The steps of an in-colour, by which of them are drawn together.
+// The steps of an in-colour that are drawn together, and its combinations.
 struct InColourDraws
 {
-    // The first step of each distinct distribution, and for each step which of them it follows.
-    std::vector<std::size_t> firstSteps;
-    std::vector<std::size_t> drawOfStep;
-    // In 64 bits; 8 draws of 16 alternatives fit.
+    StepDistributions distributions;
     std::uint64_t combinations = 1;
 };
 
-InColourDraws FindDraws(const InColour& inColour);
-
-// The combinations of a pattern, multiplied out.
+// The figures of a pattern's combinations, as the engines have them.
 struct CombinationModel
 {
     // Empty, or why there is nothing below the draws.
@@ -43,7 +30,6 @@ struct CombinationModel
     // Saturates.
     std::uint64_t combinations = 1;
 
-    std::vector<Proportion> proportions;
     // The common denominator by which the first generation draws.
     std::uint32_t total = 1;
     bool totalWraps = false;
@@ -58,6 +44,7 @@ struct CombinationModel
     std::size_t fullest = 0;
 };
 
+// Multiplies out the records of the outline.
 CombinationModel BuildCombinations(const PatternOutline& outline);
 
 } // namespace zvk::Pelkraft::Client

@@ -1,9 +1,6 @@
 #include "tools/pelkraft/draw_lints.h"
 
-#include "tools/pelkraft/outline_cursor.h"
-
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
@@ -12,40 +9,41 @@ namespace {
 // Above this a share that is off is told of: one in a thousand pixels.
 constexpr double tellableSkew = 0.001;
 
-using Weights = std::vector<std::int64_t>;
+using Weights = std::vector<std::uint32_t>;
 
 // In lowest terms, so that 2:2 is 1:1.
-Weights ReducedWeights(const Step& step)
+Weights ReducedWeights(const StepValues& step)
 {
-    std::int64_t divisor = 0;
-    for (std::size_t i = 0; i < step.count; ++i)
-        divisor = std::gcd(divisor, step.alternatives[i].weight);
+    const auto count = static_cast<std::size_t>(step.numRandoms);
+    std::uint32_t divisor = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        divisor = GreatestCommonDivisor(divisor, step.fractions[i].numerator);
     Weights weights;
-    for (std::size_t i = 0; i < step.count; ++i)
-        weights.push_back(step.alternatives[i].weight / std::max<std::int64_t>(divisor, 1));
+    for (std::size_t i = 0; i < count; ++i)
+        weights.push_back(step.fractions[i].numerator / std::max(divisor, 1U));
     return weights;
 }
 
-std::string RatioWords(const Step& step)
+std::string RatioWords(const StepValues& step)
 {
     std::string words;
-    for (std::size_t i = 0; i < step.count; ++i) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(step.numRandoms); ++i) {
         if (i > 0)
             words += ':';
-        words += std::to_string(step.alternatives[i].weight);
+        words += std::to_string(step.fractions[i].numerator);
     }
     return words;
 }
 
 // For each alternative the ink position that it sets above 0; the number of positions for none.
-Weights InkOrder(const Step& step)
+Weights InkOrder(const StepValues& step)
 {
     Weights order;
-    for (std::size_t i = 0; i < step.count; ++i) {
-        const auto& values = step.alternatives[i].values;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(step.numRandoms); ++i) {
+        const auto& values = step.table[i];
         const auto set = std::find_if(values.begin(), values.end(),
                                       [](std::int32_t value) { return value > 0; });
-        order.push_back(set - values.begin());
+        order.push_back(static_cast<std::uint32_t>(set - values.begin()));
     }
     return order;
 }
@@ -68,8 +66,8 @@ public:
     void Run()
     {
         for (std::size_t i = 0; i < model.draws.size(); ++i)
-            LintInColour(outline.inColours[i], model.draws[i]);
-        if (model.combinations > combinationLimit)
+            LintInColour(i);
+        if (model.combinations > MAXS_TOTAL_RANDOM)
             Add(Severity::Error, "combinations-surplus", outline.inColoursPlace,
                 "the in-colours make " + Amount(model.combinations) + " combinations together",
                 "bring it down to 1024: let steps share their weights, or use fewer alternatives");
@@ -81,7 +79,7 @@ private:
     void Add(Severity severity, const char* kind, TextSpan place, std::string message,
              std::string hint)
     {
-        AddFinding(findings, {severity, kind, place, std::move(message), std::move(hint)});
+        AddFinding(findings, severity, kind, place, std::move(message), std::move(hint));
     }
 
     static std::string Amount(std::uint64_t count)
@@ -89,38 +87,42 @@ private:
         return count >= 0xFFFFFFFFU ? "4294967295 or more" : std::to_string(count);
     }
 
-    void LintInColour(const InColour& inColour, const InColourDraws& draws)
+    void LintInColour(std::size_t index)
     {
-        if (draws.combinations > inColourCombinationLimit)
+        const InColourPlaces& places = outline.inColours[index];
+        const InColorRecord& record = outline.Record(index);
+        const InColourDraws& draws = model.draws[index];
+        if (draws.combinations > MAXS_CHANNEL_RANDOM)
             Add(Severity::Error, "in-colour-combinations-surplus",
-                inColour.described.value_or(inColour.listed),
-                Quoted(inColour.name) + " makes " + Amount(draws.combinations) + " combinations",
+                places.described.value_or(places.listed),
+                Quoted(places.name) + " makes " + Amount(draws.combinations) + " combinations",
                 "bring it down to 32: let steps share their weights, or use fewer alternatives");
-        for (std::size_t step = 1; step < draws.drawOfStep.size(); ++step) {
-            if (!inColour.steps[step].listed || inColour.steps[step].count < 2)
+        for (std::size_t step = 1; step < static_cast<std::size_t>(record.numSteps); ++step) {
+            if (!places.steps[step].listed || record.steps[step].numRandoms < 2)
                 continue;
             for (std::size_t before = 0; before < step; ++before) {
-                if (LintPair(inColour, draws, before, step))
+                if (places.steps[before].listed &&
+                    LintPair(places.steps[step].ratio, record, draws.distributions, before, step))
                     break;
             }
         }
     }
 
-    // Tells whether there was something to say.
-    bool LintPair(const InColour& inColour, const InColourDraws& draws, std::size_t before,
-                  std::size_t step)
+    // True where there was something to say.
+    bool LintPair(TextSpan place, const InColorRecord& record,
+                  const StepDistributions& distributions, std::size_t before, std::size_t step)
     {
-        const Step& left = inColour.steps[before];
-        const Step& right = inColour.steps[step];
-        if (!left.listed || left.count != right.count)
+        const StepValues& left = record.steps[before];
+        const StepValues& right = record.steps[step];
+        if (left.numRandoms != right.numRandoms)
             return false;
         const std::string pair = RatioWords(right) + " of step " + std::to_string(step) + " and " +
                                  RatioWords(left) + " of step " + std::to_string(before);
-        if (draws.drawOfStep[before] == draws.drawOfStep[step]) {
+        if (distributions.ofStep[before] == distributions.ofStep[step]) {
             if (InkOrder(left) == InkOrder(right) ||
                 !IsPermutation(InkOrder(left), InkOrder(right)))
                 return false;
-            Add(Severity::Note, "weights-together", right.ratioPlace,
+            Add(Severity::Note, "weights-together", place,
                 pair + " share their draw, though their alternatives set the same inks in "
                        "another order",
                 "keep the order of the inks, or double the weights of one to draw it apart");
@@ -129,14 +131,14 @@ private:
         const Weights leftWeights = ReducedWeights(left);
         const Weights rightWeights = ReducedWeights(right);
         if (leftWeights == rightWeights) {
-            Add(Severity::Warning, "weights-apart", right.ratioPlace,
+            Add(Severity::Warning, "weights-apart", place,
                 pair + " mean the same shares but are drawn apart, which multiplies the "
                        "combinations",
                 "write " + RatioWords(left) + " here to share the draw");
             return true;
         }
         if (IsPermutation(leftWeights, rightWeights)) {
-            Add(Severity::Note, "weights-permuted", right.ratioPlace,
+            Add(Severity::Note, "weights-permuted", place,
                 pair + " are the same weights in another order, and are drawn apart",
                 "write " + RatioWords(left) + " and move the entries, to share the draw");
             return true;
@@ -147,16 +149,17 @@ private:
     // The ratio with the largest sum, which is the first to look at for all that is too fine.
     TextSpan FinestRatio() const
     {
-        const Step* finest = nullptr;
-        for (const InColour& inColour : outline.inColours) {
-            for (const Step& step : inColour.steps) {
-                if (step.listed && (finest == nullptr || step.weightSum > finest->weightSum)) {
-                    // cppcheck-suppress useStlAlgorithm // it remembers, and goes on
-                    finest = &step;
-                }
+        TextSpan finest;
+        std::uint32_t largest = 0;
+        for (std::size_t i = 0; i < outline.inColours.size(); ++i)
+            for (std::size_t step = 0; step < stepsOfInColor; ++step) {
+                const std::uint32_t sum = outline.Record(i).steps[step].fractions[0].denominator;
+                if (!outline.inColours[i].steps[step].listed || sum <= largest)
+                    continue;
+                largest = sum;
+                finest = outline.inColours[i].steps[step].ratio;
             }
-        }
-        return finest == nullptr ? TextSpan{} : finest->ratioPlace;
+        return finest;
     }
 
     void LintWhole()

@@ -9,6 +9,7 @@ namespace {
 // Longer lines are shown from and up to here around the place.
 constexpr std::size_t longestShown = 160;
 constexpr std::size_t shownBefore = 60;
+constexpr std::size_t longestQuoted = 40;
 
 bool IsContinuation(char byte)
 {
@@ -74,10 +75,11 @@ const char* SeverityName(Severity severity)
     }
 }
 
-void AddFinding(Findings& findings, Finding finding)
+void AddFinding(Findings& findings, Severity severity, const char* kind, TextSpan place,
+                std::string message, std::string hint)
 {
     if (findings.size() < mostFindings)
-        findings.push_back(std::move(finding));
+        findings.push_back({severity, kind, place, std::move(message), std::move(hint)});
 }
 
 void SortFindings(Findings& findings)
@@ -108,6 +110,18 @@ std::string FindingWords(const Finding& finding, const PatternText& text)
 std::string_view FindingLine(const Finding& finding, const PatternText& text)
 {
     return PieceAt(finding, text).text;
+}
+
+std::string Quoted(const std::string& word)
+{
+    if (word.size() <= longestQuoted)
+        return "\"" + word + "\"";
+    return "\"" + word.substr(0, longestQuoted) + "...\"";
+}
+
+std::string Counted(std::size_t count, const std::string& one, const std::string& many)
+{
+    return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
 std::string Shown(std::string_view text)

@@ -34,7 +34,8 @@ using Findings = std::vector<Finding>;
 
 // A text that is no pattern has something wrong in every word: more than this are left out.
 constexpr std::size_t mostFindings = 1000;
-void AddFinding(Findings& findings, Finding finding);
+void AddFinding(Findings& findings, Severity severity, const char* kind, TextSpan place,
+                std::string message, std::string hint);
 
 const char* SeverityName(Severity severity);
 
@@ -48,6 +49,12 @@ std::string FindingWords(const Finding& finding, const PatternText& text);
 
 // The line of the finding, or where it is long the piece of it around the place.
 std::string_view FindingLine(const Finding& finding, const PatternText& text);
+
+// A word between quotes for a message, cut where it is long.
+std::string Quoted(const std::string& word);
+
+// "1 entry", "2 entries".
+std::string Counted(std::size_t count, const std::string& one, const std::string& many);
 
 // Control bytes would act on a terminal: they become question marks, tabs stay.
 std::string Shown(std::string_view text);

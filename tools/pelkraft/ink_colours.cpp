@@ -1,7 +1,7 @@
 #include "tools/pelkraft/ink_colours.h"
 
+#include "pattern/pattern_words.h"
 #include "tools/pelkraft/failure.h"
-#include "tools/pelkraft/pattern_words.h"
 
 #include <algorithm>
 #include <charconv>
@@ -62,7 +62,7 @@ constexpr UsualInk usualInks[] = {{"CYAN", {0, 158, 224}},
 std::string PlainName(const std::string& name)
 {
     std::string plain;
-    for (const char letter : UpperCased(name)) {
+    for (const char letter : UpperCase(name)) {
         if (letter != ' ' && letter != '-' && letter != '_')
             plain += letter;
     }
@@ -95,7 +95,7 @@ ScreenColour ColourOfHash(std::uint32_t hash)
 
 ScreenColour ColourOfInk(const std::string& name, const InkColours& given)
 {
-    const auto found = given.find(UpperCased(name));
+    const auto found = given.find(UpperCase(name));
     if (found != given.end())
         return found->second;
     const std::string plain = PlainName(name);
@@ -114,9 +114,9 @@ void AddInkColour(const std::string& option, InkColours& given)
         read.ptr != digits.data() + digits.size())
         throw Failure(ExitCode::Usage, {},
                       "--ink " + option + ": supported is NAME=#RRGGBB, such as Cyan=#009EE0");
-    given[UpperCased(option.substr(0, equals))] = {static_cast<std::uint8_t>(number >> 16),
-                                                   static_cast<std::uint8_t>(number >> 8 & 0xFFU),
-                                                   static_cast<std::uint8_t>(number & 0xFFU)};
+    given[UpperCase(option.substr(0, equals))] = {static_cast<std::uint8_t>(number >> 16),
+                                                  static_cast<std::uint8_t>(number >> 8 & 0xFFU),
+                                                  static_cast<std::uint8_t>(number & 0xFFU)};
 }
 
 std::string HexWords(const ScreenColour& colour)

@@ -16,17 +16,19 @@ using Shares = std::array<double, valueCount>;
 // last position there. Its step byte may be that of another one.
 struct Source
 {
-    const InColour* inColour = nullptr;
+    const InColorRecord* record = nullptr;
     std::size_t position = 0;
 };
 
 Source FindSource(const PatternOutline& outline, int outInk)
 {
     Source source;
-    for (const InColour& inColour : outline.inColours) {
-        for (std::size_t position = 0; position < inColour.inkCount; ++position) {
-            if (inColour.inks[position].outInk == outInk)
-                source = {&inColour, position};
+    for (std::size_t i = 0; i < outline.inColours.size(); ++i) {
+        const InColorRecord& record = outline.Record(i);
+        for (std::size_t position = 0; position < static_cast<std::size_t>(record.numInks);
+             ++position) {
+            if (record.inks[position] == outInk)
+                source = {&record, position};
         }
     }
     return source;
@@ -35,17 +37,17 @@ Source FindSource(const PatternOutline& outline, int outInk)
 Shares ExpectedShares(const Source& source, int step)
 {
     Shares shares = {};
-    if (source.inColour == nullptr || step >= source.inColour->stepCount) {
+    if (source.record == nullptr || step >= source.record->numSteps) {
         shares[0] = 1;
         return shares;
     }
-    const Step& said = source.inColour->steps[static_cast<std::size_t>(step)];
-    for (std::size_t i = 0; i < said.count; ++i) {
-        const Alternative& alternative = said.alternatives[i];
-        const std::int32_t value = alternative.values[source.position];
+    const StepValues& said = source.record->steps[static_cast<std::size_t>(step)];
+    for (std::size_t i = 0; i < static_cast<std::size_t>(said.numRandoms); ++i) {
+        const std::int32_t value = said.table[i][source.position];
         const auto low =
-            value == unsetInk ? 0U : static_cast<std::uint32_t>(value) & (valueCount - 1);
-        shares[low] += alternative.weight / static_cast<double>(said.weightSum);
+            value == unsetValue ? 0U : static_cast<std::uint32_t>(value) & (valueCount - 1);
+        shares[low] +=
+            said.fractions[i].numerator / static_cast<double>(said.fractions[i].denominator);
     }
     return shares;
 }
@@ -115,9 +117,7 @@ std::vector<StepShares> MeasureShares(const PatternOutline& outline, const Combi
     std::vector<StepShares> all;
     Walk walk(outline, model, pattern);
     for (int i = 0; i < pattern.GetInColorCount(); ++i) {
-        if (static_cast<std::size_t>(i) >= outline.inColours.size())
-            break;
-        const int stepCount = outline.inColours[static_cast<std::size_t>(i)].stepCount;
+        const int stepCount = outline.Record(static_cast<std::size_t>(i)).numSteps;
         for (int step = 0; step < stepCount; ++step)
             all.push_back(walk.Take(i, step));
     }

@@ -36,23 +36,30 @@ struct AllocatorOrEnd : std::allocator<Value>
 using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
                                   std::int64_t, std::uint64_t, double, AllocatorOrEnd>;
 
-Json AlternativeJson(const InColour& inColour, const Step& step, const Alternative& alternative,
+Json NameJson(const std::vector<std::string>& outInks, std::int32_t index)
+{
+    return static_cast<std::size_t>(index) < outInks.size()
+               ? Json(outInks[static_cast<std::size_t>(index)])
+               : Json(nullptr);
+}
+
+Json AlternativeJson(const InColorRecord& record, const StepValues& step, std::size_t index,
                      const std::vector<std::string>& outInks)
 {
+    const Fraction& fraction = step.fractions[index];
     Json json;
-    json["weight"] = alternative.weight;
-    json["probability"] = alternative.weight / static_cast<double>(step.weightSum);
+    json["weight"] = fraction.numerator;
+    json["probability"] = fraction.numerator / static_cast<double>(fraction.denominator);
     json["values"] = Json::array();
-    for (std::size_t p = 0; p < positionLimit; ++p) {
-        if (alternative.values[p] == unsetInk)
+    for (std::size_t p = 0; p < positionsOfInColor; ++p) {
+        if (step.table[index][p] == unsetValue)
             continue;
         Json value;
         value["position"] = p;
-        const auto index =
-            p < inColour.inkCount ? static_cast<std::size_t>(inColour.inks[p].outInk) : p;
-        value["ink"] =
-            p < inColour.inkCount && index < outInks.size() ? Json(outInks[index]) : Json(nullptr);
-        value["value"] = alternative.values[p];
+        value["ink"] = p < static_cast<std::size_t>(record.numInks)
+                           ? NameJson(outInks, record.inks[p])
+                           : Json(nullptr);
+        value["value"] = step.table[index][p];
         json["values"].push_back(value);
     }
     return json;
@@ -61,29 +68,26 @@ Json AlternativeJson(const InColour& inColour, const Step& step, const Alternati
 Json InColourJson(const PatternReport& report, std::size_t index,
                   const std::vector<std::string>& outInks)
 {
-    const InColour& inColour = report.outline.inColours[index];
+    const InColourPlaces& places = report.outline.inColours[index];
+    const InColorRecord& record = report.outline.Record(index);
     Json json;
-    json["name"] = inColour.name;
-    json["described"] = inColour.described.has_value();
-    json["topStep"] = inColour.stepCount == 0 ? Json(nullptr) : Json(inColour.stepCount - 1);
+    json["name"] = places.name;
+    json["described"] = places.described.has_value();
+    json["topStep"] = record.numSteps == 0 ? Json(nullptr) : Json(record.numSteps - 1);
     json["feeds"] = Json::array();
-    for (std::size_t p = 0; p < inColour.inkCount; ++p) {
-        const auto outInk = static_cast<std::size_t>(inColour.inks[p].outInk);
-        json["feeds"].push_back(outInk < outInks.size() ? Json(outInks[outInk]) : Json(nullptr));
-    }
-    if (index < report.model.draws.size())
-        json["combinations"] = {{"used", report.model.draws[index].combinations},
-                                {"limit", inColourCombinationLimit}};
+    for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p)
+        json["feeds"].push_back(NameJson(outInks, record.inks[p]));
+    json["combinations"] = {{"used", report.model.draws[index].combinations},
+                            {"limit", MAXS_CHANNEL_RANDOM}};
     json["steps"] = Json::array();
-    for (std::size_t number = 0; number < static_cast<std::size_t>(inColour.stepCount); ++number) {
-        const Step& step = inColour.steps[number];
+    for (std::size_t number = 0; number < static_cast<std::size_t>(record.numSteps); ++number) {
+        const StepValues& step = record.steps[number];
         Json said;
         said["step"] = number;
-        said["listed"] = step.listed;
+        said["listed"] = places.steps[number].listed;
         said["alternatives"] = Json::array();
-        for (std::size_t i = 0; i < step.count; ++i)
-            said["alternatives"].push_back(
-                AlternativeJson(inColour, step, step.alternatives[i], outInks));
+        for (std::size_t i = 0; i < static_cast<std::size_t>(step.numRandoms); ++i)
+            said["alternatives"].push_back(AlternativeJson(record, step, i, outInks));
         json["steps"].push_back(said);
     }
     return json;
@@ -103,7 +107,7 @@ Json OutInkJson(const PatternReport& report, int index, const std::string& name)
 Json LimitsJson(const CombinationModel& model)
 {
     Json json;
-    json["combinations"] = {{"used", model.combinations}, {"limit", combinationLimit}};
+    json["combinations"] = {{"used", model.combinations}, {"limit", MAXS_TOTAL_RANDOM}};
     if (!model.obstacle.empty()) {
         json["obstacle"] = model.obstacle;
         return json;
@@ -158,13 +162,11 @@ std::string PatternJson(const PatternReport& report)
         {"generation", outline.Generation()}};
     json["seed"] = outline.seed;
     json["inColours"] = Json::array();
-    for (int i = 0; i < outline.InColourCount(); ++i) {
-        if (static_cast<std::size_t>(i) < outline.inColours.size())
-            json["inColours"].push_back(InColourJson(report, static_cast<std::size_t>(i), outInks));
-    }
+    for (std::size_t i = 0; i < outline.InColourCount(); ++i)
+        json["inColours"].push_back(InColourJson(report, i, outInks));
     json["outInks"] = Json::array();
-    for (int i = 0; i < outline.OutInkCount(); ++i)
-        json["outInks"].push_back(OutInkJson(report, i, outInks[static_cast<std::size_t>(i)]));
+    for (std::size_t i = 0; i < outInks.size(); ++i)
+        json["outInks"].push_back(OutInkJson(report, static_cast<int>(i), outInks[i]));
     json["limits"] = LimitsJson(report.model);
     json["engines"] = EnginesJson(report);
     json["findings"] = FindingsJson(report);

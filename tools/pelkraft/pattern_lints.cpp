@@ -1,15 +1,12 @@
 #include "tools/pelkraft/pattern_lints.h"
 
 #include "tools/pelkraft/draw_lints.h"
-#include "tools/pelkraft/outline_cursor.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {
-
-constexpr int laneLimit = 16;
 
 class WholeLint
 {
@@ -26,8 +23,8 @@ public:
                 "save the pattern as plain text");
         LintVersion();
         LintNames();
-        for (const InColour& inColour : outline.inColours)
-            LintInColour(inColour);
+        for (std::size_t i = 0; i < outline.inColours.size(); ++i)
+            LintInColour(outline.inColours[i], outline.Record(i));
         for (const auto& [upper, entry] : outline.outInkNames) {
             if (outline.feeders.count(entry.index) == 0)
                 Add(Severity::Warning, "ink-unfed", entry.place,
@@ -41,7 +38,7 @@ private:
     void Add(Severity severity, const char* kind, TextSpan place, std::string message,
              std::string hint)
     {
-        AddFinding(findings, {severity, kind, place, std::move(message), std::move(hint)});
+        AddFinding(findings, severity, kind, place, std::move(message), std::move(hint));
     }
 
     void LintVersion()
@@ -49,7 +46,7 @@ private:
         if (!outline.earlyVersion) {
             Add(Severity::Error, "version-missing", outline.earlyVersionPlace,
                 "the text holds no VERSION with a number",
-                "write VERSION 2 or VERSION 3 behind the header word");
+                "write VERSION 2 or VERSION 3 after the header word");
             return;
         }
         const std::int32_t early = *outline.earlyVersion;
@@ -71,77 +68,86 @@ private:
         if (outline.OutInkCount() == 0)
             Add(Severity::Error, "out-inks-missing", outline.outInksPlace,
                 "the pattern has no out-ink", "list one between BEGIN_OUT_INKS and END_OUT_INKS");
-        if (outline.InColourCount() > laneLimit)
+        if (outline.InColourCount() > outInkLanes)
             Add(Severity::Error, "in-colours-surplus", outline.inColoursPlace,
                 "the pattern has " + std::to_string(outline.InColourCount()) + " in-colours",
                 "use up to 16");
-        if (outline.OutInkCount() > laneLimit)
+        if (outline.OutInkCount() > outInkLanes)
             Add(Severity::Error, "out-inks-surplus", outline.outInksPlace,
                 "the pattern has " + std::to_string(outline.OutInkCount()) + " out-inks",
                 "use up to 16");
     }
 
-    void LintInColour(const InColour& inColour)
+    void LintInColour(const InColourPlaces& places, const InColorRecord& record)
     {
-        if (inColour.name.empty())
+        if (places.name.empty())
             return;
-        if (!inColour.described) {
-            Add(Severity::Warning, "in-colour-undescribed", inColour.listed,
-                Quoted(inColour.name) + " is listed, but no block describes it",
+        if (!places.described) {
+            Add(Severity::Warning, "in-colour-undescribed", places.listed,
+                Quoted(places.name) + " is listed, but no block describes it",
                 "describe it between BEGIN_IN_COLOR and END_IN_COLOR, or drop it here");
             return;
         }
-        if (inColour.stepCount == 0)
-            Add(Severity::Warning, "in-colour-empty", *inColour.described,
-                Quoted(inColour.name) + " has no value line", "write one for each step from 1");
-        LintGaps(inColour);
-        LintPositions(inColour);
+        if (record.numSteps == 0)
+            Add(Severity::Warning, "in-colour-empty", *places.described,
+                Quoted(places.name) + " has no value line", "write one for each step from 1");
+        LintGaps(places, record);
+        LintPositions(places, record);
     }
 
-    void LintGaps(const InColour& inColour)
+    void LintGaps(const InColourPlaces& places, const InColorRecord& record)
     {
-        for (int step = 1; step < inColour.stepCount; ++step) {
-            if (inColour.steps[static_cast<std::size_t>(step)].listed)
+        for (int step = 1; step < record.numSteps; ++step) {
+            if (places.steps[static_cast<std::size_t>(step)].listed)
                 continue;
             int next = step;
-            while (!inColour.steps[static_cast<std::size_t>(next)].listed)
+            while (!places.steps[static_cast<std::size_t>(next)].listed)
                 ++next;
-            Add(Severity::Error, "step-gap", inColour.steps[static_cast<std::size_t>(next)].place,
-                "step " + std::to_string(step) + " of " + Quoted(inColour.name) +
+            Add(Severity::Error, "step-gap", places.steps[static_cast<std::size_t>(next)].step,
+                "step " + std::to_string(step) + " of " + Quoted(places.name) +
                     " has no line, and step " + std::to_string(next) + " has one",
                 "write a line for each step from 1 to the highest");
         }
     }
 
-    void LintPositions(const InColour& inColour)
+    // Each position once, at its first entry.
+    void LintPositions(const InColourPlaces& places, const InColorRecord& record)
     {
-        std::array<bool, positionLimit> used = {};
-        for (const Step& step : inColour.steps) {
-            for (std::size_t j = 0; j < step.count && step.listed; ++j)
-                LintAlternative(inColour, step.alternatives[j], used);
-        }
-        for (std::size_t position = 0; position < inColour.inkCount; ++position) {
-            if (!used[position] && inColour.stepCount > 0)
-                Add(Severity::Warning, "position-unused", inColour.inks[position].place,
-                    "no value line of " + Quoted(inColour.name) + " uses this ink, position " +
+        const auto inks = static_cast<std::size_t>(record.numInks);
+        for (std::size_t position = 0; position < positionsOfInColor; ++position) {
+            std::size_t more = 0;
+            const TextSpan* entry = FirstEntry(places, record, position, more);
+            if (entry == nullptr && position < inks && record.numSteps > 0)
+                Add(Severity::Warning, "position-unused", places.inks[position],
+                    "no value line of " + Quoted(places.name) + " uses this ink, position " +
                         std::to_string(position),
                     "write entries with this position, or drop the ink here");
+            if (entry != nullptr && position >= inks)
+                Add(Severity::Warning, "position-empty", *entry,
+                    "position " + std::to_string(position) +
+                        " holds no ink: " + Quoted(places.name) + " feeds " + std::to_string(inks) +
+                        (more == 0 ? ""
+                                   : "; " + Counted(more, "more entry has", "more entries have") +
+                                         " this position"),
+                    "count the known names between BEGIN_INKS and END_INKS from 0");
         }
     }
 
-    void LintAlternative(const InColour& inColour, const Alternative& alternative,
-                         std::array<bool, positionLimit>& used)
+    // Null where no line sets the position; more counts the entries after the first.
+    static const TextSpan* FirstEntry(const InColourPlaces& places, const InColorRecord& record,
+                                      std::size_t position, std::size_t& more)
     {
-        for (std::size_t position = 0; position < positionLimit; ++position) {
-            if (alternative.values[position] == unsetInk)
-                continue;
-            used[position] = true;
-            if (position >= inColour.inkCount)
-                Add(Severity::Warning, "position-empty", alternative.place,
-                    "position " + std::to_string(position) + " holds no ink: " +
-                        Quoted(inColour.name) + " feeds " + std::to_string(inColour.inkCount),
-                    "count the known names between BEGIN_INKS and END_INKS from 0");
-        }
+        const TextSpan* first = nullptr;
+        for (std::size_t step = 0; step < places.steps.size(); ++step)
+            for (std::size_t j = 0; j < places.steps[step].entries.size(); ++j) {
+                if (record.steps[step].table[j][position] == unsetValue)
+                    continue;
+                const TextSpan& entry = places.steps[step].entries[j];
+                more += first == nullptr ? 0 : 1;
+                if (first == nullptr)
+                    first = &entry;
+            }
+        return first;
     }
 
     const PatternText& text;

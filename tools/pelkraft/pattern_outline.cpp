@@ -1,5 +1,9 @@
 #include "tools/pelkraft/pattern_outline.h"
 
+#include "pattern/early_check.h"
+#include "pattern/pattern_words.h"
+#include "zvk/split.h"
+
 namespace zvk::Pelkraft::Client {
 namespace {
 
@@ -21,6 +25,13 @@ std::vector<std::string> ListOf(const std::map<std::string, NamedIndex>& names,
 
 } // namespace
 
+const InColorRecord& PatternOutline::Record(std::size_t inColour) const
+{
+    static const InColorRecord empty;
+    const InColorRecord* record = records.Find(static_cast<std::int32_t>(inColour));
+    return record != nullptr ? *record : empty;
+}
+
 std::vector<std::string> PatternOutline::InColourList() const
 {
     return ListOf(inColourNames, "Colour");
@@ -31,15 +42,90 @@ std::vector<std::string> PatternOutline::OutInkList() const
     return ListOf(outInkNames, "Ink");
 }
 
-bool SameDistribution(const Step& left, const Step& right)
+void OutlineHandler::TakeVersion(std::int32_t version, const PatternToken& keyword)
 {
-    if (left.count != right.count || (left.count > 0 && left.weightSum != right.weightSum))
-        return false;
-    for (std::size_t i = 0; i < left.count; ++i) {
-        if (left.alternatives[i].weight != right.alternatives[i].weight)
-            return false;
+    outline.version = version;
+    outline.versionPlace = keyword.place;
+}
+
+void OutlineHandler::AllocateInColors(std::int32_t count)
+{
+    outline.records.Allocate(count);
+    outline.inColours.clear();
+    outline.inColours.resize(static_cast<std::size_t>(count));
+    if (count == 0)
+        return;
+    for (const auto& [upper, entry] : outline.inColourNames) {
+        Places(entry.index).name = entry.spelling;
+        Places(entry.index).listed = entry.place;
     }
-    return true;
+}
+
+void OutlineHandler::SelectInColor(std::int32_t inColor, const PatternToken& name)
+{
+    outline.records.Select(inColor).steps[0].numRandoms = 1;
+    Places(inColor).described = name.place;
+}
+
+void OutlineHandler::TakeInk(std::int32_t inColor, std::int32_t position, std::int32_t outInk,
+                             const PatternToken& name)
+{
+    outline.records.Select(inColor).inks[static_cast<std::size_t>(position)] = outInk;
+    Places(inColor).inks[static_cast<std::size_t>(position)] = name.place;
+    outline.feeders[outInk] = inColor;
+}
+
+void OutlineHandler::TakeInkCount(std::int32_t inColor, std::int32_t count)
+{
+    outline.records.Select(inColor).numInks = count;
+}
+
+void OutlineHandler::TakeValueLine(std::int32_t inColor, const ValueLine& line)
+{
+    outline.records.Select(inColor).Store(line);
+    StepPlaces& places = Places(inColor).steps[static_cast<std::size_t>(line.step)];
+    places = {true, line.stepToken->place, line.ratioToken->place, {}};
+    for (std::size_t i = 0; i < static_cast<std::size_t>(line.count); ++i)
+        places.entries.push_back(line.entryTokens[i] != nullptr ? line.entryTokens[i]->place
+                                                                : places.ratio);
+}
+
+void OutlineHandler::Refuse(PatternRefusal refusal, const PatternToken& at)
+{
+    if (!outline.refused)
+        outline.refused = {refusal, at.place};
+}
+
+void OutlineHandler::BeginNames(NameList list, const PatternToken& opening)
+{
+    (list == NameList::OutInks ? outline.outInksPlace : outline.inColoursPlace) = opening.place;
+}
+
+void OutlineHandler::TakeName(NameList list, std::int32_t index, const PatternToken& name)
+{
+    Names(list)[UpperCase(name.text)] = {name.text, index, name.place};
+}
+
+std::map<std::string, NamedIndex>& OutlineHandler::Names(NameList list) const
+{
+    return list == NameList::OutInks ? outline.outInkNames : outline.inColourNames;
+}
+
+InColourPlaces& OutlineHandler::Places(std::int32_t inColour) const
+{
+    return outline.inColours[static_cast<std::size_t>(inColour)];
+}
+
+PatternOutline ReadOutline(const std::string& text)
+{
+    PatternOutline outline;
+    outline.earlyVersion = FindEarlyVersion(text, zvk::split, outline.earlyVersionPlace);
+    OutlineHandler handler(outline);
+    NameTable inColors;
+    NameTable outInks;
+    outline.hasHeader =
+        PatternReader(mainRules, inColors, outInks, handler).Read(CutTokens(text, patternComment));
+    return outline;
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "tools/pelkraft/pattern_text.h"
+#include "pattern/pattern_reader.h"
+#include "pattern/tokenizer.h"
 
 #include <array>
 #include <cstddef>
@@ -12,71 +13,49 @@
 
 namespace zvk::Pelkraft::Client {
 
-constexpr int stepLimit = 8;
-constexpr int positionLimit = 16;
-constexpr int weightLimit = 16;
-constexpr int noIndex = -1;
-// What a step says of an ink that it leaves alone.
-constexpr std::int32_t unsetInk = -1;
-
-// One of the ways in which a step may come out.
-struct Alternative
+// The places at which the text speaks of a step.
+struct StepPlaces
 {
-    Alternative() { values.fill(unsetInk); }
-
-    std::int32_t weight = 1;
-    // By ink position. A second line for the same step adds to what the first one set.
-    std::array<std::int32_t, positionLimit> values;
-    TextSpan place;
-};
-
-struct Step
-{
-    // A value line was read for it.
+    // There is a value line for it.
     bool listed = false;
-    // The alternatives that count: of step 0 one as soon as its in-colour is selected.
-    std::size_t count = 0;
-    std::int64_t weightSum = 1;
-    std::vector<Alternative> alternatives;
-    TextSpan place;
-    TextSpan ratioPlace;
+    TextSpan step;
+    TextSpan ratio;
+    // By alternative.
+    std::vector<TextSpan> entries;
 };
 
-struct FedInk
-{
-    int outInk = 0;
-    TextSpan place;
-};
-
-// What a pattern text says of one input colour.
-struct InColour
+// The places at which the text speaks of an in-colour; its record holds what the text says.
+struct InColourPlaces
 {
     std::string name;
     TextSpan listed;
     // Its name in the block that describes it.
     std::optional<TextSpan> described;
     // By ink position.
-    std::vector<FedInk> inks;
-    // How many of them an end of the list has confirmed.
-    std::size_t inkCount = 0;
-    std::array<Step, stepLimit> steps;
-    // The highest step listed, plus 1.
-    int stepCount = 0;
+    std::array<TextSpan, positionsOfInColor> inks;
+    std::array<StepPlaces, stepsOfInColor> steps;
 };
 
 // An entry of one of the two tables of names.
 struct NamedIndex
 {
     std::string spelling;
-    int index = 0;
+    std::int32_t index = 0;
     TextSpan place;
 };
 
-// What a pattern text says, read as the library reads it.
+// The first rule that a text breaks, where the library stops.
+struct RefusedPlace
+{
+    PatternRefusal refusal;
+    TextSpan place;
+};
+
+// The model of a pattern text, with the places that it comes from.
 struct PatternOutline
 {
     bool hasHeader = false;
-    // By the parser, which takes the last one in the text, and by the check ahead of it.
+    // The version by the last VERSION in the text, and by the check ahead of the parser.
     std::int32_t version = 1;
     std::optional<std::int32_t> earlyVersion;
     TextSpan versionPlace;
@@ -88,12 +67,17 @@ struct PatternOutline
     std::map<std::string, NamedIndex> outInkNames;
     TextSpan inColoursPlace;
     TextSpan outInksPlace;
-    std::vector<InColour> inColours;
+    // By in-colour index.
+    std::vector<InColourPlaces> inColours;
+    InColorRecords<InColorRecord> records;
     // By out-ink index the in-colour whose step byte it follows.
-    std::map<int, int> feeders;
+    std::map<std::int32_t, std::int32_t> feeders;
+    std::optional<RefusedPlace> refused;
 
-    int InColourCount() const { return static_cast<int>(inColourNames.size()); }
-    int OutInkCount() const { return static_cast<int>(outInkNames.size()); }
+    std::size_t InColourCount() const { return inColourNames.size(); }
+    std::size_t OutInkCount() const { return outInkNames.size(); }
+    // An empty one for an in-colour without a block.
+    const InColorRecord& Record(std::size_t inColour) const;
     // Names by index, as many as the engines count; what repeated names leave empty is numbered.
     std::vector<std::string> InColourList() const;
     std::vector<std::string> OutInkList() const;
@@ -101,7 +85,34 @@ struct PatternOutline
     int Generation() const { return earlyVersion.value_or(1) >= 3 ? 2 : 1; }
 };
 
-// Two fractions of a step are the same to the library only if both their numbers are.
-bool SameDistribution(const Step& left, const Step& right);
+// Stores in an outline all that a reader finds, by the rules of the library: where the library
+// stops, it keeps the place and goes on.
+class OutlineHandler : public PatternHandler
+{
+public:
+    explicit OutlineHandler(PatternOutline& newOutline) : outline(newOutline) {}
+
+    void TakeVersion(std::int32_t version, const PatternToken& keyword) override;
+    void TakeSeed(std::int32_t seed) override { outline.seed = seed; }
+    void AllocateInColors(std::int32_t count) override;
+    void SelectInColor(std::int32_t inColor, const PatternToken& name) override;
+    void TakeInk(std::int32_t inColor, std::int32_t position, std::int32_t outInk,
+                 const PatternToken& name) override;
+    void TakeInkCount(std::int32_t inColor, std::int32_t count) override;
+    void BeginValueLines(std::int32_t) override {}
+    void TakeValueLine(std::int32_t inColor, const ValueLine& line) override;
+    void Refuse(PatternRefusal refusal, const PatternToken& at) override;
+    void BeginNames(NameList list, const PatternToken& opening) override;
+    void TakeName(NameList list, std::int32_t index, const PatternToken& name) override;
+
+protected:
+    std::map<std::string, NamedIndex>& Names(NameList list) const;
+    InColourPlaces& Places(std::int32_t inColour) const;
+
+    PatternOutline& outline;
+};
+
+// Reads a text by the rules of the library, to its end.
+PatternOutline ReadOutline(const std::string& text);
 
 } // namespace zvk::Pelkraft::Client

@@ -1,6 +1,6 @@
 #include "tools/pelkraft/pattern_report.h"
 
-#include "tools/pelkraft/outline_reader.h"
+#include "tools/pelkraft/pattern_intention.h"
 #include "tools/pelkraft/pattern_lints.h"
 
 #include <algorithm>
@@ -47,10 +47,8 @@ public:
     std::string Write()
     {
         AddHead();
-        for (int i = 0; i < outline.InColourCount(); ++i) {
-            if (static_cast<std::size_t>(i) < outline.inColours.size())
-                AddInColour(static_cast<std::size_t>(i));
-        }
+        for (std::size_t i = 0; i < outline.InColourCount(); ++i)
+            AddInColour(i);
         AddOutInks();
         AddLimits();
         AddEngines();
@@ -75,43 +73,41 @@ private:
 
     void AddInColour(std::size_t index)
     {
-        const InColour& inColour = outline.inColours[index];
+        const InColorRecord& record = outline.Record(index);
         std::vector<std::string> fed;
-        for (std::size_t p = 0; p < inColour.inkCount; ++p)
-            fed.push_back(NameOf(inColour.inks[p].outInk));
-        std::string line = Shown(inColour.name);
-        if (inColour.stepCount == 0)
+        for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p)
+            fed.push_back(NameOf(record.inks[p]));
+        std::string line = Shown(outline.inColours[index].name);
+        if (record.numSteps == 0)
             line += ": no steps";
         else
-            line += ": steps 0 to " + std::to_string(inColour.stepCount - 1);
-        line += "; feeds " + Joined(fed, "no ink");
-        if (index < report.model.draws.size())
-            line += "; " + std::to_string(report.model.draws[index].combinations) +
-                    " of 32 combinations";
+            line += ": steps 0 to " + std::to_string(record.numSteps - 1);
+        line += "; feeds " + Joined(fed, "no ink") + "; " +
+                std::to_string(report.model.draws[index].combinations) + " of 32 combinations";
         words += Line("in-colour", line);
-        for (std::size_t step = 0; step < static_cast<std::size_t>(inColour.stepCount); ++step)
-            AddStep(inColour, step);
+        for (std::size_t step = 0; step < static_cast<std::size_t>(record.numSteps); ++step)
+            AddStep(index, step);
     }
 
-    void AddStep(const InColour& inColour, std::size_t number)
+    void AddStep(std::size_t inColour, std::size_t number)
     {
-        const Step& step = inColour.steps[number];
+        const InColorRecord& record = outline.Record(inColour);
+        const StepValues& step = record.steps[number];
         std::string label = "  step " + std::to_string(number);
-        if (!step.listed) {
+        if (!outline.inColours[inColour].steps[number].listed) {
             words += Line(label, number == 0 ? "no ink" : "has no line");
             return;
         }
-        for (std::size_t i = 0; i < step.count; ++i) {
-            const Alternative& alternative = step.alternatives[i];
+        for (std::size_t i = 0; i < static_cast<std::size_t>(step.numRandoms); ++i) {
             std::vector<std::string> sets;
-            for (std::size_t p = 0; p < inColour.inkCount; ++p) {
-                if (alternative.values[p] != unsetInk)
-                    sets.push_back(NameOf(inColour.inks[p].outInk) + " " +
-                                   std::to_string(alternative.values[p]));
+            for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p) {
+                if (step.table[i][p] != unsetValue)
+                    sets.push_back(NameOf(record.inks[p]) + " " + std::to_string(step.table[i][p]));
             }
             words += Line(i == 0 ? label : "",
-                          Percent(alternative.weight / static_cast<double>(step.weightSum)) + "  " +
-                              Joined(sets, "no ink"));
+                          Percent(step.fractions[i].numerator /
+                                  static_cast<double>(step.fractions[i].denominator)) +
+                              "  " + Joined(sets, "no ink"));
         }
     }
 
@@ -123,7 +119,7 @@ private:
 
     void AddOutInks()
     {
-        for (int i = 0; i < outline.OutInkCount(); ++i) {
+        for (int i = 0; i < static_cast<int>(outline.OutInkCount()); ++i) {
             std::vector<std::string> feeders;
             if (const auto found = report.feeders.find(i); found != report.feeders.end())
                 std::transform(found->second.begin(), found->second.end(),
@@ -195,7 +191,7 @@ private:
 } // namespace
 
 PatternReport::PatternReport(const PatternText& newText)
-    : text(newText), outline(ReadOutline(text)), model(BuildCombinations(outline)),
+    : text(newText), outline(ReadOutline(text.Bytes())), model(BuildCombinations(outline)),
       verdicts(TryEngines(text))
 {
     const PatternOutline meant = ReadIntention(text, findings);
@@ -203,9 +199,10 @@ PatternReport::PatternReport(const PatternText& newText)
     SortFindings(findings);
 
     for (std::size_t i = 0; i < outline.inColours.size(); ++i) {
-        const InColour& inColour = outline.inColours[i];
-        for (std::size_t position = 0; position < inColour.inkCount; ++position) {
-            std::vector<int>& naming = feeders[inColour.inks[position].outInk];
+        const InColorRecord& record = outline.Record(i);
+        for (std::size_t position = 0; position < static_cast<std::size_t>(record.numInks);
+             ++position) {
+            std::vector<int>& naming = feeders[record.inks[position]];
             if (naming.empty() || naming.back() != static_cast<int>(i))
                 naming.push_back(static_cast<int>(i));
         }

@@ -1,11 +1,11 @@
 #include "tools/pelkraft/simulate_command.h"
 
+#include "pattern/pattern_words.h"
 #include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/pattern_engines.h"
-#include "tools/pelkraft/pattern_words.h"
 #include "tools/pelkraft/simulation.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/workers.h"
@@ -145,7 +145,7 @@ private:
         for (const auto& [name, colour] : options.inkColours) {
             const bool known = std::any_of(
                 pattern.outInks.begin(), pattern.outInks.end(),
-                [&name = name](const std::string& ink) { return UpperCased(ink) == name; });
+                [&name = name](const std::string& ink) { return UpperCase(ink) == name; });
             if (!known)
                 throw Failure(ExitCode::Usage, options.pattern,
                               "has no out-ink \"" + name + "\" for --ink; supported are " +

@@ -1,9 +1,9 @@
 #include "tools/pelkraft/simulation.h"
 
 #include "tools/pelkraft/failure.h"
-#include "tools/pelkraft/outline_reader.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/pattern_engines.h"
+#include "tools/pelkraft/pattern_outline.h"
 #include "tools/pelkraft/row_pipeline.h"
 #include "tools/pelkraft/tag_writer.h"
 
@@ -114,7 +114,7 @@ LoadedPattern::LoadedPattern(const PatternText& newText, DotWeavePattern::Engine
                       "this processor doesn't run the sse engine; supported are auto, x86 and "
                       "reference");
     const auto pattern = Make();
-    const PatternOutline outline = ReadOutline(text);
+    const PatternOutline outline = ReadOutline(text.Bytes());
     inColours = outline.InColourList();
     outInks = outline.OutInkList();
     inColours.resize(static_cast<std::size_t>(pattern->GetInColorCount()));
@@ -122,10 +122,9 @@ LoadedPattern::LoadedPattern(const PatternText& newText, DotWeavePattern::Engine
     for (int i = 0; i < pattern->GetInColorCount(); ++i) {
         // The reference engine answers the number of value lines, which is another thing.
         const auto index = static_cast<std::size_t>(i);
-        const int answer = RunsOnOneThread() && index < outline.inColours.size()
-                               ? outline.inColours[index].stepCount - 1
-                               : pattern->GetNumberOfStepsForInColor(i);
-        topSteps.push_back(answer >= 0 && answer < stepLimit ? answer : 0);
+        const int answer = RunsOnOneThread() ? outline.Record(index).numSteps - 1
+                                             : pattern->GetNumberOfStepsForInColor(i);
+        topSteps.push_back(answer >= 0 && answer < stepsOfInColor ? answer : 0);
     }
 }
 

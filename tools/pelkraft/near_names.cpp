@@ -1,0 +1,77 @@
+#include "tools/pelkraft/near_names.h"
+
+#include "pattern/pattern_words.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+constexpr const char* keywords[] = {
+    "DotWeavePattern", "VERSION",       "RANDOM_SEED",    "BEGIN_OUT_INKS", "END_OUT_INKS",
+    "BEGIN_IN_COLORS", "END_IN_COLORS", "BEGIN_IN_COLOR", "END_IN_COLOR",   "BEGIN_INKS",
+    "END_INKS",        "BEGIN_VALUES",  "END_VALUES"};
+
+// Longer words are no names that a slip of the hand made.
+constexpr std::size_t longestCompared = 64;
+
+// Letters to insert, drop or replace.
+std::size_t Distance(std::string_view left, std::string_view right)
+{
+    std::vector<std::size_t> row(right.size() + 1);
+    for (std::size_t i = 0; i < row.size(); ++i)
+        row[i] = i;
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t k = 0; k < right.size(); ++k) {
+            const std::size_t replaced = diagonal + (left[i] == right[k] ? 0 : 1);
+            diagonal = row[k + 1];
+            row[k + 1] = std::min({replaced, row[k] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+} // namespace
+
+const char* KeywordInAnyCase(std::string_view word)
+{
+    const std::string upper = UpperCase(std::string(word));
+    const auto* const found =
+        std::find_if(std::begin(keywords), std::end(keywords),
+                     [&](const char* keyword) { return UpperCase(keyword) == upper; });
+    return found == std::end(keywords) ? nullptr : *found;
+}
+
+bool IsKeyword(std::string_view word)
+{
+    return std::find(std::begin(keywords), std::end(keywords), word) != std::end(keywords);
+}
+
+std::string NearestName(const std::string& word, const std::vector<std::string>& candidates)
+{
+    const std::string upper = UpperCase(word);
+    if (upper.size() < 3 || upper.size() > longestCompared)
+        return {};
+    std::string nearest;
+    std::size_t best = upper.size() < 6 ? 2 : 3;
+    for (const std::string& candidate : candidates) {
+        if (candidate.size() > longestCompared)
+            continue;
+        const std::size_t distance = Distance(upper, UpperCase(candidate));
+        if (distance < best) {
+            best = distance;
+            nearest = candidate;
+        }
+    }
+    return nearest;
+}
+
+std::string NearestKeyword(const std::string& word)
+{
+    return NearestName(word, {std::begin(keywords), std::end(keywords)});
+}
+
+} // namespace zvk::Pelkraft::Client
