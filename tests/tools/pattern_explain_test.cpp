@@ -47,12 +47,25 @@ TEST_F(PatternExplained, TellsWhatTheTextSays)
           "  step 0      no ink\n", "  step 1      100.00 %  LightCyan 64\n",
           "  step 2       25.00 %  LightCyan 128\n", "               75.00 %  Cyan 40\n",
           "out-ink       LightCyan: fed by Cyan\n", "combinations  2 of 1024\n",
-          "values        at most 3 of 16 in one combination, number 0; a limit of sse alone\n",
+          "values        3 of the 16 that the sse engine can store for a combination\n",
           "field         65536 entries, drawn with a common denominator of 4\n",
           "0 errors, 0 warnings, 0 notes\n"})
         EXPECT_NE(std::string::npos, outcome.output.find(line)) << line << outcome.output;
     for (const char* engine : {"reference", "x86", "sse"})
         EXPECT_NE(std::string::npos, outcome.output.find(std::string(engine) + ": loads"));
+}
+
+TEST_F(PatternExplained, TellsOfTwoVersions)
+{
+    const std::string late = "# VERSION 3\n";
+    EXPECT_NE(std::string::npos,
+              Explain(late + smallPattern)
+                  .output.find("version       2, but the first VERSION in the text, which chooses "
+                               "the random source, is 3, second generation"));
+    EXPECT_NE(std::string::npos,
+              Explain(Replaced(smallPattern, "VERSION 2\n", ""))
+                  .output.find("version       1, and no VERSION with a number that would choose "
+                               "the random source, first generation"));
 }
 
 TEST_F(PatternExplained, SpeaksJson)

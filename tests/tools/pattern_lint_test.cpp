@@ -154,6 +154,11 @@ TEST_P(PatternLint, TellsProgramsTheSame)
         EXPECT_EQ(LineOf(Text(), broken.line), finding["text"]);
     }
     EXPECT_EQ(1, found) << outcome.output;
+    // Where no engine loads the text there is a reason for it.
+    const bool hasError =
+        std::any_of(json["findings"].begin(), json["findings"].end(),
+                    [](const Json& finding) { return finding["severity"] == "error"; });
+    EXPECT_TRUE(hasError || broken.exitCode != 4) << outcome.output;
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryFault, PatternLint, ::testing::ValuesIn(brokenTexts),
@@ -189,6 +194,68 @@ TEST_F(PatternLints, TellOfAllFaultsAtOnce)
     EXPECT_EQ(
         (std::vector<std::string>{"keyword-case", "value-range", "entry-missing", "ink-unknown"}),
         Kinds(FindingsOf(text)));
+}
+
+// One slip, and not what comes of it.
+TEST_F(PatternLints, SayOneFaultOnce)
+{
+    const struct
+    {
+        const char* from;
+        const char* to;
+        std::vector<std::string> kinds;
+    } faults[] = {
+        {"Cyan LightCyan\nEND_INKS", "Cyam LightCyan\nEND_INKS", {"ink-unknown"}},
+        {"BEGIN_IN_COLOR\nBlack", "BEGIN_IN_COLOR\nBlock", {"in-colour-unknown", "refused"}},
+        {"LightCyan\nEND_INKS", "END_INKS", {"ink-unfed", "position-empty"}},
+        {"1 1 0-255\nEND_VALUES\nEND_IN_COLOR\n",
+         "1 1:1 0-255\nEND_VALUES\nEND_IN_COLOR\n",
+         {"entry-missing"}},
+        {"2 1:3 1-128 0-40", "2 1:3 1-128 16-40", {"position-range"}},
+        {"2 1:3 1-128 0-40", "2 1:-3 1-128 0-40", {"weight-sum"}},
+        {"VERSION 2\n", "VERSION 1\n", {"version-low"}}};
+    for (const auto& [from, to, kinds] : faults) {
+        std::string text = smallPattern;
+        text.replace(text.rfind(from), std::string(from).size(), to);
+        EXPECT_EQ(kinds, Kinds(FindingsOf(text))) << to;
+    }
+}
+
+TEST_F(PatternLints, CountTheEntriesOfAPositionWithoutInk)
+{
+    std::string text = smallPattern;
+    text.replace(text.find("LightCyan\nEND_INKS"), 9, "");
+    const Json finding = FindingsOf(text)[1];
+    EXPECT_EQ("position-empty", finding["kind"]);
+    EXPECT_EQ(17, finding["line"]);
+    EXPECT_NE(std::string::npos, finding["message"].get<std::string>().find("; 1 more entry has"));
+}
+
+TEST_F(PatternLints, NameTheCodeOfATextAndKeepItFromTheTerminal)
+{
+    std::string text = "\xFF\xFE";
+    for (const char letter : std::string(smallPattern))
+        text.append(1, letter).append(1, '\0');
+    WriteBytes(Path("wide.txt"), text);
+    const Outcome outcome = Run({"pattern", Path("wide.txt")});
+    EXPECT_EQ(4, outcome.exitCode);
+    EXPECT_NE(std::string::npos, outcome.output.find("error: the text is in UTF-16\n    ??D\n    "
+                                                     "^~~\n    hint: save it as UTF-8"))
+        << outcome.output;
+    const std::string odd = "\xC2\x9B\xC3\xA9\xE2\x82 \xED";
+    WriteBytes(Path("odd.txt"), odd);
+    EXPECT_NE(std::string::npos,
+              Run({"pattern", Path("odd.txt")}).output.find("\n    ??\xC3\xA9?? ?\n"));
+}
+
+// A block or a list of this very name counts more than one that was taken for it.
+TEST_F(PatternLints, TakeBackAGuess)
+{
+    std::string text = smallPattern;
+    const std::string black = text.substr(text.rfind("BEGIN_IN_COLOR\n"));
+    text += black;
+    text.replace(text.find(black) + 15, 5, "Block");
+    EXPECT_EQ((std::vector<std::string>{"in-colour-unknown", "refused"}), Kinds(FindingsOf(text)));
 }
 
 // Whatever ends the lines, and with names of letters that take several bytes.

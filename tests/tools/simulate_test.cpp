@@ -277,8 +277,9 @@ TEST_F(Simulation, WarnsOfChannelsThatGoNowhere)
     const Outcome outcome = Simulate();
     EXPECT_EQ(1, outcome.exitCode);
     EXPECT_NE(std::string::npos,
-              outcome.errors.find("channel 1 (Magenta) is used by no in-colour"));
-    EXPECT_NE(std::string::npos, outcome.errors.find("channel 2 (Yellow) is used by no in-colour"));
+              outcome.errors.find("channel 1 (Magenta) is not used: no in-colour"));
+    EXPECT_NE(std::string::npos,
+              outcome.errors.find("channel 2 (Yellow) is not used: no in-colour"));
     EXPECT_EQ(3, Output().channels);
 }
 

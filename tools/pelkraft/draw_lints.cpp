@@ -6,7 +6,7 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-// Above this a share that is off is told of: one in a thousand pixels.
+// Shares that are off by less than one pixel in a thousand are not worth a word.
 constexpr double tellableSkew = 0.001;
 
 using Weights = std::vector<std::uint32_t>;
@@ -186,9 +186,8 @@ private:
                 "use weights with equal sums, or sums that divide each other");
         if (model.places > placeLimit)
             Add(Severity::Warning, "places-surplus", outline.outInksPlace,
-                "combination " + std::to_string(model.fullest) + " needs " +
-                    std::to_string(model.places) +
-                    " of 16 places for its values: the sse engine refuses the pattern",
+                "a combination needs " + std::to_string(model.places) +
+                    " stored values, and the sse engine has room for 16: it refuses the pattern",
                 "let inks use the same runs of values, or use fewer steps");
         if (!first && model.combinations < 2 && outline.hasHeader)
             Add(Severity::Warning, "draw-missing", outline.versionPlace,

@@ -19,7 +19,7 @@ enum class Severity
     Error,
 };
 
-// What is to be said of a piece of a pattern text, and what its author can do.
+// A fault or an oddity in a piece of a pattern text, and a hint for its author.
 struct Finding
 {
     Severity severity = Severity::Warning;
@@ -56,7 +56,8 @@ std::string Quoted(const std::string& word);
 // "1 entry", "2 entries".
 std::string Counted(std::size_t count, const std::string& one, const std::string& many);
 
-// Control bytes would act on a terminal: they become question marks, tabs stay.
+// Control characters would act on a terminal: they become question marks, and so does each byte
+// that is no UTF-8. Tabs stay.
 std::string Shown(std::string_view text);
 
 } // namespace zvk::Pelkraft::Client

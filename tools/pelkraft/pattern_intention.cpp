@@ -76,6 +76,8 @@ public:
             // The block of this very name counts more.
             outline.records.Select(inColor) = InColorRecord{};
             places.steps = {};
+            std::erase_if(outline.feeders,
+                          [=](const auto& feeder) { return feeder.second == inColor; });
         } else if (places.described) {
             Warn("in-colour-repeated", name, Quoted(name.text) + " is described already",
                  "describe each in-colour in one block");

@@ -61,11 +61,12 @@ private:
     {
         words += Shown(report.text.Path()) + "\n";
         const bool first = outline.Generation() == 1;
-        const std::string early =
-            outline.earlyVersion ? std::to_string(*outline.earlyVersion) : std::string("none");
         std::string version = std::to_string(outline.version);
-        if (early != version)
-            version += ", but the check before reading finds " + early;
+        if (!outline.earlyVersion)
+            version += ", and no VERSION with a number that would choose the random source";
+        else if (*outline.earlyVersion != outline.version)
+            version += ", but the first VERSION in the text, which chooses the random source, is " +
+                       std::to_string(*outline.earlyVersion);
         words += Line("version",
                       version + (first ? ", first" : ", second") + " generation of random sources");
         words += Line("seed", std::to_string(outline.seed));
@@ -138,9 +139,8 @@ private:
                                           (model.obstacle.empty() ? "" : "; " + model.obstacle));
         if (!model.obstacle.empty())
             return;
-        words += Line("values", "at most " + std::to_string(model.places) +
-                                    " of 16 in one combination, number " +
-                                    std::to_string(model.fullest) + "; a limit of sse alone");
+        words += Line("values", std::to_string(model.places) +
+                                    " of the 16 that the sse engine can store for a combination");
         words +=
             Line("field", std::to_string(model.fieldSize) + " entries" +
                               (outline.Generation() == 1 ? ", drawn with a common denominator of " +
@@ -196,6 +196,8 @@ PatternReport::PatternReport(const PatternText& newText)
 {
     const PatternOutline meant = ReadIntention(text, findings);
     LintPattern(text, meant, BuildCombinations(meant), findings);
+    if (LoadingEngines().empty() && CountFindings(findings, Severity::Error) == 0)
+        AddRefusal();
     SortFindings(findings);
 
     for (std::size_t i = 0; i < outline.inColours.size(); ++i) {
@@ -207,6 +209,16 @@ PatternReport::PatternReport(const PatternText& newText)
                 naming.push_back(static_cast<int>(i));
         }
     }
+}
+
+void PatternReport::AddRefusal()
+{
+    const std::string words = Refusal();
+    const bool isPlaced = outline.refused && words == TextOf(outline.refused->refusal);
+    AddFinding(findings, Severity::Error, "refused", isPlaced ? outline.refused->place : TextSpan{},
+               "every engine refuses the text" + std::string(isPlaced ? " here" : "") + ": \"" +
+                   words + "\"",
+               "correct what the other findings name");
 }
 
 ExitCode PatternReport::Code() const

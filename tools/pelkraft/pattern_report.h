@@ -12,12 +12,12 @@
 
 namespace zvk::Pelkraft::Client {
 
-// All that can be told of a pattern text.
+// All that the program knows about a pattern text.
 struct PatternReport
 {
     explicit PatternReport(const PatternText& newText);
 
-    // What to end with: whether an engine loads the text, and whether something was found.
+    // Says whether an engine loads the text, and whether something was found.
     ExitCode Code() const;
     // The engines that load the text, joined by commas; empty if none does.
     std::string LoadingEngines() const;
@@ -25,13 +25,17 @@ struct PatternReport
     std::string Refusal() const;
 
     const PatternText& text;
-    // As the library reads it.
+    // The text by the rules of the library.
     PatternOutline outline;
     CombinationModel model;
     // By out-ink index the in-colours, by index, that name it.
     std::map<int, std::vector<int>> feeders;
     std::vector<EngineVerdict> verdicts;
     Findings findings;
+
+private:
+    // Where no engine loads the text and no finding is an error, so that a reason is given.
+    void AddRefusal();
 };
 
 // For people.

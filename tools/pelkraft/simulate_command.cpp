@@ -197,7 +197,7 @@ private:
     {
         for (const int channel : plan.choice.unused)
             PrintWarning(options.input, "channel " + ChannelWords(plan.channels, channel) +
-                                            " is used by no in-colour of the pattern");
+                                            " is not used: no in-colour of the pattern takes it");
         return !plan.choice.unused.empty();
     }
 
