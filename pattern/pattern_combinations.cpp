@@ -29,7 +29,7 @@ void RefuseGaps(const InColorRecord& record)
             throw stepWithoutLine;
 }
 
-// As written in the text: 1/2 and 2/4 are two distributions.
+// They are compared as written in the text: 1/2 and 2/4 are two distributions.
 bool HaveEqualDistribution(const StepValues& a, const StepValues& b)
 {
     if (a.numRandoms != b.numRandoms)

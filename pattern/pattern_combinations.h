@@ -10,7 +10,7 @@ namespace zvk::Pelkraft {
 
 using PatternCombinations = std::array<PatternCombination, MAXS_TOTAL_RANDOM>;
 
-// The other number where one is 0.
+// The result is the other number where one is 0.
 std::uint32_t GreatestCommonDivisor(std::uint32_t a, std::uint32_t b);
 
 // Wraps in 32 bits; both arguments at least 1.

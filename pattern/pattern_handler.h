@@ -48,9 +48,9 @@ constexpr std::int32_t noIndex = -1;
 // Takes all that a reader finds in a pattern text, in the order of the text. An index names an
 // in-colour that has a record, a position is below the limit of the reader's rules.
 //
-// What is not pure is for handlers that tell an author about a text. As it stands here it is the
-// library's own reading: a text that breaks a rule is refused at once, and no token is taken for
-// another than it is.
+// The operations that are not pure are there for handlers that show an author what is wrong with a
+// text. Their bodies here are the library's own reading: a text that breaks a rule is refused at
+// once, and no token is taken for another.
 class PatternHandler
 {
 public:
@@ -65,7 +65,7 @@ public:
     virtual void BeginValueLines(std::int32_t inColor) = 0;
     virtual void TakeValueLine(std::int32_t inColor, const ValueLine& line) = 0;
 
-    // Where it returns, the reader goes on without what is refused.
+    // If it returns, the reader goes on without what is refused.
     virtual void Refuse(PatternRefusal refusal, const PatternToken& at);
 
     virtual void BeginNames(NameList, const PatternToken&) {}

@@ -88,7 +88,7 @@ struct InColorRecord
     std::int32_t numCombinations = 1;
     std::array<ChannelCombination, MAXS_CHANNEL_RANDOM> combinations;
 
-    // What a line doesn't set stays as an earlier line of its step has set it.
+    // A value that the line doesn't set stays as an earlier line of its step has set it.
     void Store(const ValueLine& line)
     {
         StepValues& step = steps[static_cast<std::size_t>(line.step)];
@@ -143,7 +143,7 @@ struct PatternCombination
     std::array<StepRow*, outInkLanes> inkSteps{};
 };
 
-// What the random sources draw from. It ends ahead of the total of all weights.
+// The random sources draw from it. It ends ahead of the total of all weights.
 struct CombinationDistribution
 {
     std::uint32_t count = 0;

@@ -27,14 +27,14 @@ struct PatternToken
 // comment runs from its character, where a token could begin, to the end of the line.
 std::vector<PatternToken> CutTokens(std::string_view text, char commentCharacter);
 
-// As editors count: from 1, a character of several bytes once, a tab once.
+// Editors count so: from 1, a character of several bytes once, a tab once.
 struct TextPlace
 {
     int line = 1;
     int column = 1;
 };
 
-// Where the lines of a text begin. A carriage return ends a line, and the line feed after it
+// Knows where the lines of a text begin. A carriage return ends a line, and the line feed after it
 // belongs to it. The text itself is not kept.
 class TextLines
 {

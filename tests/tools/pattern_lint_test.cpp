@@ -154,7 +154,7 @@ TEST_P(PatternLint, TellsProgramsTheSame)
         EXPECT_EQ(LineOf(Text(), broken.line), finding["text"]);
     }
     EXPECT_EQ(1, found) << outcome.output;
-    // Where no engine loads the text there is a reason for it.
+    // A text that no engine loads has a reason for it.
     const bool hasError =
         std::any_of(json["findings"].begin(), json["findings"].end(),
                     [](const Json& finding) { return finding["severity"] == "error"; });

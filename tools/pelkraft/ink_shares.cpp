@@ -12,8 +12,8 @@ constexpr std::size_t valueCount = 256;
 
 using Shares = std::array<double, valueCount>;
 
-// Where the values of an out-ink come from: the last in-colour, by index, that feeds it, and the
-// last position there. Its step byte may be that of another one.
+// The values of an out-ink come from the last in-colour, by index, that feeds it, and from the last
+// position there. Its step byte may be that of another one.
 struct Source
 {
     const InColorRecord* record = nullptr;

@@ -8,7 +8,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// How often an ink has a value, of all pixels.
+// The share of all pixels in which an ink has a value.
 struct ValueShare
 {
     int value = 0;
@@ -31,8 +31,8 @@ struct StepShares
     std::vector<InkShares> inks;
 };
 
-// What the text says of every step, beside what the pattern does in one row that walks its whole
-// field, or its first part where the field is beyond all measure.
+// Sets the shares that the text asks for beside those of one row that walks the whole field of the
+// pattern, or only its first part where the field is very large.
 std::vector<StepShares> MeasureShares(const PatternOutline& outline, const CombinationModel& model,
                                       DotWeavePattern& pattern);
 

@@ -22,7 +22,7 @@ bool SseEngineRuns();
 std::string EngineName(DotWeavePattern::Engine engine);
 DotWeavePattern::Engine EngineOf(const std::string& name);
 
-// How an engine took a text.
+// The answer of an engine to a text.
 struct EngineVerdict
 {
     DotWeavePattern::Engine engine = DotWeavePattern::Automatic;

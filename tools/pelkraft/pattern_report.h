@@ -34,7 +34,7 @@ struct PatternReport
     Findings findings;
 
 private:
-    // Where no engine loads the text and no finding is an error, so that a reason is given.
+    // Gives a reason if no engine loads the text and no finding is an error.
     void AddRefusal();
 };
 
