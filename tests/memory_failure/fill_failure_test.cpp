@@ -5,12 +5,12 @@
 #include "tests/support/conversion_run.h"
 #include "tests/support/counting_sink.h"
 #include "tests/support/random_bytes.h"
+#include "tests/support/words.h"
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-constexpr const char* noRelocation =
-    "zvk::Pelkraft::ConversionPortal memory allocation failed for relocation buffer";
+using namespace Words;
 
 // A fill in one of its two forms: by options, or by flags.
 void Fill(const ConversionCase& tested, bool byOptions, ImageRow& row, const ImageRow& source)
@@ -150,16 +150,11 @@ TEST(FillsWithoutMemory, RefuseAllTheSame)
     threefold.isFill = false;
     threefold.factor = 3;
     for (const bool portable : {false, true}) {
-        add({{10, 2, 1, false}, {10, 2, 16, false}, {}, portable},
-            "zvk::Pelkraft::Convert unsupported conversion to 16 bit");
-        add({{10, 2, 16, false}, {10, 2, 1, false}, {}, portable},
-            "zvk::Pelkraft::Convert unsupported conversion from 16 bit");
-        add({{10, 2, 8, false}, {10, 3, 8, false}, {}, portable},
-            "zvk::Pelkraft::ImageRow::FillFrom unsupported conversion");
-        add({{10, 2, 8, false}, {10, 2, 8, false}, threefold, portable},
-            "zvk::Pelkraft::ImageRow::FillFromWithPixelRepeat unsupported conversion");
-        add({{10, 2, 4, false}, {10, 2, 8, false}, {}, portable},
-            "zvk::Pelkraft::ImageRowFormat unsupported bit depth");
+        add({{10, 2, 1, false}, {10, 2, 16, false}, {}, portable}, to16);
+        add({{10, 2, 16, false}, {10, 2, 1, false}, {}, portable}, from16);
+        add({{10, 2, 8, false}, {10, 3, 8, false}, {}, portable}, fill);
+        add({{10, 2, 8, false}, {10, 2, 8, false}, threefold, portable}, repeat);
+        add({{10, 2, 4, false}, {10, 2, 8, false}, {}, portable}, depth);
     }
     SweepAll("refused fills", refusals);
 }

@@ -1,5 +1,6 @@
 #include "tests/memory_failure/row_state.h"
 #include "tests/memory_failure/scene_trial.h"
+#include "tests/support/words.h"
 
 #include <algorithm>
 #include <optional>
@@ -198,7 +199,7 @@ TEST(RowsWithoutMemory, RefuseAllTheSame)
     Operation planes = On(
         "CalcPlaneSize of an interleaved row", [](Scene& s) { (void)s.owning.CalcPlaneSize(); },
         [](Scene&) { return false; });
-    planes.otherText = "zvk::Pelkraft::ImageRow Invalid operation: interleaved data has no planes";
+    planes.otherText = Words::noPlanes;
     planes.refuses = true;
     SweepAll("refusals of rows", {planes});
 }

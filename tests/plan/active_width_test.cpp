@@ -1,6 +1,7 @@
 #include "plan/conversion_checks.h"
 #include "tests/rows/guarded_row.h"
 #include "tests/rows/refusal.h"
+#include "tests/support/words.h"
 
 #include <gtest/gtest.h>
 
@@ -152,8 +153,7 @@ TEST(ActiveWidth, OfNothingNeedsNoData)
     ImageRow row;
     unsigned char byte = 1;
     ImageRow empty(0, 0, 8, false, &byte);
-    EXPECT_EQ("zvk::Pelkraft::ImageRowFormat unsupported bit depth",
-              EndOf([&] { row.FillFrom(source, nullptr); }));
+    EXPECT_EQ(Words::depth, EndOf([&] { row.FillFrom(source, nullptr); }));
     EXPECT_EQ(returned, EndOf([&] { empty.FillFrom(empty, nullptr); }));
     EXPECT_EQ(1, byte);
 }

@@ -1,5 +1,6 @@
 #include "plan/chain_choice.h"
 #include "tests/rows/refusal.h"
+#include "tests/support/words.h"
 
 #include <gtest/gtest.h>
 
@@ -128,15 +129,15 @@ std::string ExpectedChain(char choice, bool repeats)
     case 'X':
         return "5: reverse unpack" + repeat + " pack" + remap;
     case 't':
-        return "zvk::Pelkraft::Convert unsupported conversion to 16 bit";
+        return Words::to16;
     case 'f':
-        return "zvk::Pelkraft::Convert unsupported conversion from 16 bit";
+        return Words::from16;
     case 'k':
-        return "zvk::Pelkraft::ChunkConvertFacility::Create_Packer unsupported format";
+        return Words::packer;
     case 'n':
-        return "zvk::Pelkraft::ChunkConvertFacility::Create_Unpacker unsupported format";
+        return Words::unpacker;
     default:
-        return "zvk::Pelkraft::Convert unsupported conversion";
+        return Words::unsupported;
     }
 }
 
@@ -165,8 +166,7 @@ TEST(ChainChoice, RefusesTwoOptionsAheadOfAnyFormat)
 {
     ConversionRequest request = RepeatAndMirror();
     request.maps = true;
-    EXPECT_EQ("zvk::Pelkraft::Convert only one option is allowed",
-              ChainText({1, false}, {16, false}, request));
+    EXPECT_EQ(Words::oneOption, ChainText({1, false}, {16, false}, request));
 }
 
 TEST(ChainSteps, AreFoundAtEveryPlace)

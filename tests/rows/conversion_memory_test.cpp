@@ -4,6 +4,7 @@
 #include "tests/support/counted_memory.h"
 #include "tests/support/counting_sink.h"
 #include "tests/support/random_bytes.h"
+#include "tests/support/words.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +16,7 @@ namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 constexpr const char* badAllocation = "bad allocation";
-constexpr const char* noRelocation =
-    "zvk::Pelkraft::ConversionPortal memory allocation failed for relocation buffer";
+using namespace Words;
 
 // One conversion under watch, and what became of it.
 struct Watched
@@ -212,7 +212,7 @@ TEST(ConversionMemory, IsNotTakenByARefusedConversion)
     CountedMemory memory;
     const Watched watched =
         Watch<ImageRow>({{10, 2, 1, false}, {10, 2, 16, false}, {}, false}, memory);
-    EXPECT_STREQ("zvk::Pelkraft::Convert unsupported conversion to 16 bit", watched.text);
+    EXPECT_STREQ(to16, watched.text);
     EXPECT_EQ(0U, memory.CountAsked());
     EXPECT_EQ(1, watched.lines);
 }

@@ -2,6 +2,7 @@
 #include "tests/rows/refusal.h"
 #include "tests/rows/row_fields.h"
 #include "tests/support/chain_row.h"
+#include "tests/support/words.h"
 
 #include <gtest/gtest.h>
 
@@ -12,21 +13,7 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-constexpr const char* depth = "zvk::Pelkraft::ImageRowFormat unsupported bit depth";
-constexpr const char* width = "zvk::Pelkraft::ImageRowFormat invalid width";
-constexpr const char* channelCount = "zvk::Pelkraft::ImageRowFormat invalid channel count";
-constexpr const char* oneOption = "zvk::Pelkraft::Convert only one option is allowed";
-constexpr const char* unsupported = "zvk::Pelkraft::Convert unsupported conversion";
-constexpr const char* to16 = "zvk::Pelkraft::Convert unsupported conversion to 16 bit";
-constexpr const char* from16 = "zvk::Pelkraft::Convert unsupported conversion from 16 bit";
-constexpr const char* packer =
-    "zvk::Pelkraft::ChunkConvertFacility::Create_Packer unsupported format";
-constexpr const char* unpacker =
-    "zvk::Pelkraft::ChunkConvertFacility::Create_Unpacker unsupported format";
-constexpr const char* fill = "zvk::Pelkraft::ImageRow::FillFrom unsupported conversion";
-constexpr const char* remap = "zvk::Pelkraft::ImageRow::FillFromWithRemap unsupported conversion";
-constexpr const char* repeat =
-    "zvk::Pelkraft::ImageRow::FillFromWithPixelRepeat unsupported conversion";
+using namespace Words;
 
 constexpr int smallest = std::numeric_limits<int>::min();
 

@@ -1,5 +1,6 @@
 #include "tests/rows/guarded_row.h"
 #include "tests/rows/refusal.h"
+#include "tests/support/words.h"
 
 #include <gtest/gtest.h>
 
@@ -10,9 +11,7 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-constexpr const char* unsupported = "zvk::Pelkraft::Convert unsupported conversion";
-constexpr const char* unsupportedMap =
-    "zvk::Pelkraft::ImageRow::FillFromWithRemap unsupported conversion";
+using namespace Words;
 constexpr int anyMap[] = {0, 1, 0, 1, 0, 1, 0, 1, 0, 1};
 
 using Fill = std::function<void(ImageRow& row, const ImageRow& source, bool portable)>;
@@ -104,8 +103,7 @@ TEST(DestinationWithoutChannels, IsDoneAtOnce)
 TEST(DestinationWithoutChannels, StillHasToBeOfAFormThatIsServed)
 {
     ExpectEnd(unsupported, {20, 3, 1, false}, {20, 0, 8, false}, Remap(anyMap));
-    ExpectEnd("zvk::Pelkraft::ImageRowFormat unsupported bit depth", {20, 0, 4, false},
-              {20, 0, 8, false}, PlainFill());
+    ExpectEnd(depth, {20, 0, 4, false}, {20, 0, 8, false}, PlainFill());
 }
 
 TEST(NullMap, IsRefusedForAnyDestinationWithChannels)
@@ -116,7 +114,7 @@ TEST(NullMap, IsRefusedForAnyDestinationWithChannels)
         for (const NaiveGeometry& to :
              {NaiveGeometry{20, 2, 8, true}, NaiveGeometry{20, 3, 16, false},
               NaiveGeometry{20, 1, 2, true}, NaiveGeometry{0, 2, 8, false}})
-            ExpectEnd(unsupportedMap, from, to, Remap(nullptr));
+            ExpectEnd(remap, from, to, Remap(nullptr));
 }
 
 TEST(NullMap, IsToldAfterTheFormsOfTheRows)
@@ -125,17 +123,14 @@ TEST(NullMap, IsToldAfterTheFormsOfTheRows)
     ExpectEnd(unsupported, {20, 2, 1, true}, {20, 2, 1, false}, Remap(nullptr));
     ExpectEnd(unsupported, {20, 2, 10, true}, {20, 2, 10, true}, Remap(nullptr));
     ExpectEnd(unsupported, {20, 0, 8, false}, {20, 2, 8, false}, Remap(nullptr));
-    ExpectEnd("zvk::Pelkraft::ImageRowFormat unsupported bit depth", {20, 2, 3, false},
-              {20, 2, 8, false}, Remap(nullptr));
+    ExpectEnd(depth, {20, 2, 3, false}, {20, 2, 8, false}, Remap(nullptr));
 }
 
 // A map may change the number of channels, which a fill and a repeat may not.
 TEST(ChannelMismatch, IsRefusedButForAMap)
 {
-    ExpectEnd("zvk::Pelkraft::ImageRow::FillFrom unsupported conversion", {20, 2, 8, false},
-              {20, 3, 8, false}, PlainFill());
-    ExpectEnd("zvk::Pelkraft::ImageRow::FillFromWithPixelRepeat unsupported conversion",
-              {20, 2, 8, false}, {20, 3, 8, false}, Repeat(1));
+    ExpectEnd(fill, {20, 2, 8, false}, {20, 3, 8, false}, PlainFill());
+    ExpectEnd(repeat, {20, 2, 8, false}, {20, 3, 8, false}, Repeat(1));
     const GuardedRow source({20, 2, 8, false}, 1);
     GuardedRow row({20, 3, 8, true}, 2);
     EXPECT_EQ(returned, EndOf([&] { row.row.FillFromWithRemap(source.row, anyMap, nullptr); }));
@@ -151,8 +146,7 @@ TEST(UnservedRow, IsOneWhoseSizeWrapsIntoItsBuffer)
     ASSERT_EQ(0, row.GetDataSize());
     const Bytes content(65536);
     const ImageRow source(1, 65536, 8, true, const_cast<unsigned char*>(content.data()));
-    EXPECT_EQ("zvk::Pelkraft::ImageRowFormat invalid width",
-              EndOf([&] { row.FillFrom(source, nullptr); }));
+    EXPECT_EQ(width, EndOf([&] { row.FillFrom(source, nullptr); }));
     EXPECT_EQ(0x66, row.GetData()[0]);
     EXPECT_EQ(0x66, row.GetData()[99]);
 }

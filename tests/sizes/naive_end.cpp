@@ -1,5 +1,7 @@
 #include "tests/sizes/naive_end.h"
 
+#include "tests/support/words.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -8,14 +10,7 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-constexpr const char* depth = "zvk::Pelkraft::ImageRowFormat unsupported bit depth";
-constexpr const char* width = "zvk::Pelkraft::ImageRowFormat invalid width";
-constexpr const char* channelCount = "zvk::Pelkraft::ImageRowFormat invalid channel count";
-constexpr const char* unsupported = "zvk::Pelkraft::Convert unsupported conversion";
-constexpr const char* packer =
-    "zvk::Pelkraft::ChunkConvertFacility::Create_Packer unsupported format";
-constexpr const char* unpacker =
-    "zvk::Pelkraft::ChunkConvertFacility::Create_Unpacker unsupported format";
+using namespace Words;
 
 struct ActiveWidths
 {
@@ -50,10 +45,10 @@ std::string FaultOfCall(const NaiveGeometry& from, const NaiveGeometry& to,
     if (operation.hasMap)
         return "";
     if (operation.isFill)
-        return sameChannels ? "" : "zvk::Pelkraft::ImageRow::FillFrom unsupported conversion";
+        return sameChannels ? "" : fill;
     const std::int64_t repeats = std::abs(std::int64_t{operation.factor});
     if (!sameChannels || (repeats != 1 && repeats != 2 && repeats != 4))
-        return "zvk::Pelkraft::ImageRow::FillFromWithPixelRepeat unsupported conversion";
+        return repeat;
     return "";
 }
 
@@ -154,7 +149,7 @@ NaiveEnd EndOfConversion(const NaiveGeometry& from, const NaiveGeometry& to,
     if (from.channels == 0 || !LayoutsMeet(from, to))
         end.refusal = unsupported;
     else if (operation.hasMap && mapIsNull)
-        end.refusal = "zvk::Pelkraft::ImageRow::FillFromWithRemap unsupported conversion";
+        end.refusal = remap;
     end.pixels = active.destination;
     end.pixelBytes = std::max(std::int64_t{from.channels} * ((from.bits + 7) / 8),
                               std::int64_t{to.channels} * ((to.bits + 7) / 8));
