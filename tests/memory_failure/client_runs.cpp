@@ -15,29 +15,7 @@ constexpr unsigned secondsToHang = 200;
 constexpr const char* outputNames[] = {"OUT.tif", "SVG", "PNG"};
 constexpr const char* oldContent = "old";
 
-std::string ReadWhole(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-void WriteWhole(const std::string& path, const std::string& bytes)
-{
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::vector<std::string> NamesIn(const std::string& folder)
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (!entry.is_directory())
-            names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-// All but the line that tells the time.
+// All but the line with the time.
 std::string WithoutTime(const std::string& text)
 {
     const std::size_t time = text.find(" rows in ");
@@ -54,15 +32,6 @@ std::vector<std::uint16_t> SamplesOf(const std::string& path)
     const std::vector<std::uint16_t> second = ReadTiff(path, form, 1).samples;
     samples.insert(samples.end(), second.begin(), second.end());
     return samples;
-}
-
-std::string NewFolder()
-{
-    std::string pattern = (std::filesystem::temp_directory_path() / "pelkraft-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-        throw std::runtime_error("no folder to be had");
-    std::filesystem::create_directory(pattern + "/streams");
-    return pattern;
 }
 
 std::vector<std::string> VariablesFor(const FailingAllocation& failing, const std::string& record)
@@ -113,29 +82,24 @@ void PrintTo(const ClientCase& clientCase, std::ostream* out)
 }
 
 ClientRuns::ClientRuns(const ClientCase& newCase)
-    : clientCase(newCase), folder(NewFolder()), record(folder + "/streams/record")
+    : clientCase(newCase), record(folder.Streams() + "/record")
 {
     command.push_back(PELKRAFT_TOOL);
     for (const std::string& argument : clientCase.arguments) {
         const bool isFile = argument == "IN.tif" || argument == "PATTERN" ||
                             std::count(std::begin(outputNames), std::end(outputNames), argument);
-        command.push_back(isFile ? Path(argument) : argument);
+        command.push_back(isFile ? folder.Path(argument) : argument);
     }
     if (clientCase.writePicture)
-        clientCase.writePicture(Path("IN.tif"));
+        clientCase.writePicture(folder.Path("IN.tif"));
     if (clientCase.pattern != nullptr)
-        WriteWhole(Path("PATTERN"), clientCase.pattern);
-}
-
-ClientRuns::~ClientRuns()
-{
-    std::filesystem::remove_all(folder);
+        ToolFolder::WriteBytes(folder.Path("PATTERN"), clientCase.pattern);
 }
 
 Outcome ClientRuns::Execute(const FailingAllocation& failing) const
 {
     std::vector<std::string> variables = VariablesFor(failing, record);
-    const std::string streams = folder + "/streams";
+    const std::string streams = folder.Streams();
     if (failing.watched)
         return Subprocess(Watched(variables, command), streams, Prepare).Wait();
     return Subprocess(command, streams,
@@ -149,21 +113,21 @@ Outcome ClientRuns::Execute(const FailingAllocation& failing) const
 
 ClientRuns::Left ClientRuns::Run(const FailingAllocation& failing)
 {
-    WriteWhole(record, std::string(sizeof(AllocationRecord), '\0'));
+    ToolFolder::WriteBytes(record, std::string(sizeof(AllocationRecord), '\0'));
     // An earlier run may have left a temporary file.
-    for (const std::string& name : NamesIn(folder)) {
+    for (const std::string& name : folder.Files()) {
         if (name.front() == '.')
-            std::filesystem::remove(Path(name));
+            std::filesystem::remove(folder.Path(name));
     }
     for (const char* const output : outputNames)
-        WriteWhole(Path(output), oldContent);
+        ToolFolder::WriteBytes(folder.Path(output), oldContent);
 
     Left left;
     left.outcome = Execute(failing);
     left.outcome.output = WithoutTime(left.outcome.output);
     for (const char* const output : outputNames)
-        left.outputs.push_back(ReadWhole(Path(output)));
-    left.files = NamesIn(folder);
+        left.outputs.push_back(ToolFolder::Bytes(folder.Path(output)));
+    left.files = folder.Files();
     std::uint64_t counts[3] = {};
     std::ifstream(record, std::ios::binary).read(reinterpret_cast<char*>(counts), sizeof counts);
     left.asked = counts[0];
@@ -180,7 +144,7 @@ ClientRuns::Left ClientRuns::Run(const FailingAllocation& failing)
     undisturbed = Run({.number = 0, .watched = watched});
     fromMain = undisturbed.asked;
     if (clientCase.mayCompressElse)
-        samples = SamplesOf(Path(outputNames[0]));
+        samples = SamplesOf(folder.Path(outputNames[0]));
     if (undisturbed.outcome.exitCode == clientCase.exitCode && fromMain > 0 &&
         undisturbed.failed == 0 && !undisturbed.lostMemory)
         return ::testing::AssertionSuccess();
@@ -200,7 +164,7 @@ bool ClientRuns::HoldsNewOutputs(const Left& left) const
     if (left.outputs == undisturbed.outputs)
         return true;
     return clientCase.mayCompressElse && left.outputs[0] != oldContent &&
-           SamplesOf(Path(outputNames[0])) == samples;
+           SamplesOf(folder.Path(outputNames[0])) == samples;
 }
 
 bool ClientRuns::EndedForMemory(const Left& left) const

@@ -45,9 +45,6 @@ class ClientRuns
 {
 public:
     explicit ClientRuns(const ClientCase& newCase);
-    ~ClientRuns();
-    ClientRuns(const ClientRuns&) = delete;
-    ClientRuns& operator=(const ClientRuns&) = delete;
 
     // Runs it with all memory, and keeps what it leaves and how much it allocates. Watched runs are
     // compared with a watched one: the checker has another processor.
@@ -76,7 +73,6 @@ private:
         bool lostMemory = false;
     };
 
-    std::string Path(const std::string& name) const { return folder + "/" + name; }
     Outcome Execute(const FailingAllocation& failing) const;
     Left Run(const FailingAllocation& failing);
     bool IsWhole(const Left& left) const;
@@ -84,7 +80,7 @@ private:
     bool EndedForMemory(const Left& left) const;
 
     ClientCase clientCase;
-    std::string folder;
+    ToolFolder folder;
     std::vector<std::string> command;
     std::string record;
     Left undisturbed;

@@ -2,40 +2,23 @@
 
 #include "tests/tools/subprocess.h"
 #include "tests/tools/tiff_image.h"
+#include "tests/tools/tool_folder.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace zvk::Pelkraft::TestSupport {
 
 // A test of the whole program in a folder of its own.
-class ToolFixture : public ::testing::Test
+class ToolFixture : public ::testing::Test, protected ToolFolder
 {
 protected:
-    ToolFixture()
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "pelkraft-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-            throw std::runtime_error("no folder to be had");
-        folder = pattern;
-        std::filesystem::create_directory(folder + "/streams");
-    }
-    ~ToolFixture() override { std::filesystem::remove_all(folder); }
-
-    std::string Path(const std::string& name) const { return folder + "/" + name; }
-
     [[nodiscard]] Outcome Run(const std::vector<std::string>& arguments,
                               unsigned long memoryBytes = 0) const
     {
-        return RunTool(folder + "/streams", arguments, memoryBytes);
+        return RunTool(Streams(), arguments, memoryBytes);
     }
 
     // convert of in.tif to out.tif.
@@ -52,31 +35,6 @@ protected:
         FileForm form;
         return ReadTiff(Path("out.tif"), form);
     }
-
-    [[nodiscard]] static std::string Bytes(const std::string& path)
-    {
-        std::ifstream file(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
-
-    static void WriteBytes(const std::string& path, const std::string& bytes)
-    {
-        std::ofstream(path, std::ios::binary) << bytes;
-    }
-
-    // All names in the test's folder but that of the streams.
-    [[nodiscard]] std::vector<std::string> Files() const
-    {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            if (!entry.is_directory())
-                names.push_back(entry.path().filename().string());
-        }
-        std::sort(names.begin(), names.end());
-        return names;
-    }
-
-    std::string folder;
 };
 
 // The program ended well and had nothing to say.

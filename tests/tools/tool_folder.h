@@ -1,0 +1,58 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace zvk::Pelkraft::TestSupport {
+
+// A folder of its own for runs of the program, with one in it for what they write to their streams.
+class ToolFolder
+{
+public:
+    ToolFolder() : folder((std::filesystem::temp_directory_path() / "pelkraft-XXXXXX").string())
+    {
+        if (mkdtemp(folder.data()) == nullptr)
+            throw std::runtime_error("no folder to be had");
+        std::filesystem::create_directory(Streams());
+    }
+    ~ToolFolder() { std::filesystem::remove_all(folder); }
+    ToolFolder(const ToolFolder&) = delete;
+    ToolFolder& operator=(const ToolFolder&) = delete;
+
+    std::string Path(const std::string& name) const { return folder + "/" + name; }
+    std::string Streams() const { return Path("streams"); }
+
+    [[nodiscard]] static std::string Bytes(const std::string& path)
+    {
+        std::ifstream file(path, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+
+    static void WriteBytes(const std::string& path, const std::string& bytes)
+    {
+        std::ofstream(path, std::ios::binary) << bytes;
+    }
+
+    // All names in the folder but that of the streams.
+    [[nodiscard]] std::vector<std::string> Files() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            if (!entry.is_directory())
+                names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+protected:
+    std::string folder;
+};
+
+} // namespace zvk::Pelkraft::TestSupport
