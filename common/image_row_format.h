@@ -9,7 +9,7 @@ constexpr std::int32_t LayoutInterleaved = 0x100;
 constexpr std::int32_t LayoutPlanar = 0x200;
 constexpr std::int32_t LayoutPlanarPacked = 0x600;
 
-// What a conversion, or one step of it, needs to know of a row. Widths in pixels.
+// The form of a row for a conversion or one step of it. Widths are in pixels.
 struct ImageRowFormat
 {
     std::int32_t bits = 0;
@@ -18,7 +18,7 @@ struct ImageRowFormat
     // The walk begins at the row's end. Never so for a destination.
     bool reversed = false;
     std::int64_t width = 0;
-    // Of these, how many have a counterpart in the other row.
+    // So many of them have a counterpart in the other row.
     std::int64_t activeWidth = 0;
 };
 

@@ -13,7 +13,7 @@ constexpr std::size_t wordBytes = sizeof(std::uint32_t);
 constexpr std::size_t fastBlockBytes = 13 * wordBytes;
 constexpr std::size_t fastRestBytes = 13;
 
-// What a loop goes on from and to, always at the same distance.
+// A loop goes on from here to there, always at the same distance.
 struct Place
 {
     const unsigned char* source;

@@ -3,7 +3,7 @@
 namespace zvk::Pelkraft {
 
 // Divisions whose divide error comes for certain: the language leaves such a division undefined,
-// so that a compiler may drop it or move it behind the accesses that it has to prevent.
+// so that a compiler may drop it or move it after the accesses that it has to prevent.
 
 // Faults on a divisor of 0, and on INT_MIN / -1.
 int DivideOrFault(int dividend, int divisor);

@@ -26,7 +26,7 @@ constexpr MaskTable MakeMasks()
 
 constexpr MaskTable masks = MakeMasks();
 
-// Where a copy stands. Pieces of pixels lie anywhere in the source's units, which are read once,
+// The progress of a copy. Pieces of pixels lie anywhere in the source's units, which are read once,
 // in order, and at the same places in the destination's, which are written once, in order.
 struct Passage
 {
@@ -45,8 +45,8 @@ struct Passage
     return passage.read;
 }
 
-// A piece's bytes and those behind it. No unit is read before a piece needs it: behind the last
-// one there may be none.
+// A piece's bytes and those after it. No unit is read before a piece needs it: after the last one
+// there may be none.
 template <int bytes, int shift>
 [[gnu::always_inline]] inline __m128i ReadPiece(Passage& passage)
 {

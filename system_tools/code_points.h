@@ -4,7 +4,7 @@
 
 namespace zvk::Diagnostics {
 
-// The code point at the front of a text that ends with a zero; text moves on behind it. Neither
+// The code point at the front of a text that ends with a zero; text moves on past it. Neither
 // fails: a byte that belongs to no valid UTF-8 sequence stands for itself, as in Latin-1, and a
 // wide character that is no code point becomes the replacement character.
 char32_t TakeCodePoint(const char*& text);

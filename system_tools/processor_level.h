@@ -18,7 +18,7 @@ class IProcessorAnswers
 public:
     virtual CpuidRegisters Cpuid(std::uint32_t leaf, std::uint32_t subleaf) const = 0;
 
-    // The register states that the operating system saves. The instruction behind it faults
+    // The register states that the operating system saves. Its instruction faults
     // unless cpuid reports OSXSAVE.
     virtual std::uint64_t ReadXcr0() const = 0;
 

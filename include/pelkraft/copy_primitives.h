@@ -55,7 +55,7 @@ PELKRAFT_EXPORT void copySimulationUnaligned(unsigned char* source, unsigned cha
 PELKRAFT_EXPORT void copySimulationAlignedFixed(unsigned char* source, unsigned char* destination,
                                                 int size, int pixelBytes);
 
-// As copySimulationAlignedFixed, for pixels of any positive size.
+// Does as copySimulationAlignedFixed does, for pixels of any positive size.
 PELKRAFT_EXPORT void copySimulationAlignedVariable(unsigned char* source,
                                                    unsigned char* destination, int size,
                                                    int pixelBytes);

@@ -32,7 +32,7 @@ public:
     // Zero bytes that stand after the pixels in a buffer allocated here.
     static const int SafetyTrail = 64;
 
-    // What a caller may ask of one conversion.
+    // The options of one conversion.
     struct PELKRAFT_EXPORT OptionalParameters
     {
         // Carried along, without an effect.
@@ -55,7 +55,7 @@ public:
     ImageRow(int newWidth, int newChannels, int newBits, bool newPlanar, unsigned char* newData);
     // Takes over geometry, pointer and claim.
     ImageRow(const ImageRow& other);
-    // As the copy. A buffer that this row owns is not freed: release it before.
+    // Does as the copy does. A buffer that this row owns is not freed: release it before.
     ImageRow& operator=(const ImageRow& other);
 
     // Bytes of the pixels of a row of this geometry, without the trail. Computed in 32 bits,

@@ -2,7 +2,7 @@
 # Fuzzes with libFuzzer and both sanitizers: whole, each target until it has had one hour of
 # processor time; the sample, each for some seconds. Ends at the first finding, which is left in
 # build/fuzz/. An interrupted run goes on where it was. If the target has changed since, what it had
-# before counts too, and the figure tells how much of it all was the last build's; remove
+# before counts too, and the figure shows how much of it all was the last build's; remove
 # build/fuzz/found/*.rounds to begin anew, as after a finding.
 #   fuzzing.sh whole|sample [TARGET...]
 set -euo pipefail

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Tests under ThreadSanitizer, without any suppression: sixteen threads at once in test_threads,
 # and sixteen that race for the first use of the library in fresh processes. Whole, both of them
-# many times over, behind all other tests of that build.
+# many times over, after all other tests of that build.
 #   threads.sh whole|sample
 set -euo pipefail
 cd "$(dirname "$0")/../.."

@@ -10,7 +10,7 @@
 namespace zvk::Pelkraft::TestSupport {
 
 // Runs an operation on two destinations that differ in every bit, with bytes around them, and
-// tells what depends on them that may not, or does not although it must.
+// shows what depends on them that may not, or does not although it must.
 class TwoFills
 {
 public:

@@ -28,7 +28,7 @@ std::size_t Index(int number)
     return static_cast<std::size_t>(number);
 }
 
-// Where the copied bytes lie in one row of bytes.
+// The places of the copied bytes in one row of bytes.
 struct Overlap
 {
     int source;

@@ -41,7 +41,7 @@ TEST(CopyPrimitives, RunAtOnceOnBuffersOfTheirOwn)
                 CopyByAllFive(source, stages);
                 EXPECT_EQ(content, stages[3].bytes());
                 auto last = content;
-                // The last pixel's unit runs over by 5 of the pixel behind it.
+                // The last pixel's unit runs over by 5 of the pixel after it.
                 std::fill(last.end() - (pixelBytes - 5), last.end(), 0);
                 EXPECT_EQ(last, stages[4].bytes());
             }

@@ -1,4 +1,4 @@
-// Runs one simulation, given by its name, a size and a pixelBytes, and tells how much it copied.
+// Runs one simulation, given by its name, a size and a pixelBytes, and prints how much it copied.
 #include "pelkraft/copy_primitives.h"
 
 #include <cstdio>

@@ -96,7 +96,7 @@ TEST(PortableDivision, RaisesWhereThereIsNoQuotient)
     ExpectKilledBy(SIGFPE, [] { PortableRoad::DivideOrRaise(5U, 0U); });
 }
 
-// Where a handler goes on from, and the signal that it was called for.
+// A handler goes on from here, and notes the signal that it was called for.
 sigjmp_buf recovery;
 volatile std::sig_atomic_t caught = 0;
 

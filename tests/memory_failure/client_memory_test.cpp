@@ -81,7 +81,7 @@ TEST_P(ClientLeaks, AreNoneWhateverAllocationFails)
     ASSERT_TRUE(runs.Undisturbed(true));
     const std::uint64_t wanted = TakesAll() ? allWatched : sampledWatched;
     const std::vector<std::uint64_t> numbers = Spread(4 * wanted, runs.CountFromMain());
-    // Reading the command line takes most of them; behind that the last quarter lies.
+    // Reading the command line takes most of them; the last quarter comes after that.
     for (std::size_t i = 3 * wanted; i < numbers.size(); ++i)
         Try({.number = numbers[i], .watched = true});
     Tell("watched");

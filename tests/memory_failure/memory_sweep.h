@@ -44,7 +44,7 @@ struct Operation
 
 // Runs each operation with each of its allocations failing, once and from then on for ever: it
 // throws what is documented, changes nothing, leaks nothing, and does its work when tried again.
-// Tells on the standard output how many that were.
+// Prints on the standard output how many that were.
 void SweepAll(const char* what, const std::vector<Operation>& operations);
 
 } // namespace zvk::Pelkraft::TestSupport

@@ -28,7 +28,7 @@ bool Has(const ImageRow& row, int width, int channels, int bits, bool planar)
            row.GetDataSize() == ImageRow::CalcBufferSize(width, channels, bits, planar);
 }
 
-// The row owns its buffer, all of which may be written and behind which are zeros.
+// The row owns its buffer, all of which may be written and after which are zeros.
 bool OwnsBuffer(ImageRow& row)
 {
     const RowFields fields = FieldsOf(row);

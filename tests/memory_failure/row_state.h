@@ -14,7 +14,7 @@ inline void AppendNumber(Bytes& state, std::uint64_t number)
         state.push_back(static_cast<unsigned char>(number >> shift));
 }
 
-// The fields of a row behind what there is already.
+// Appends the fields of a row to what there is already.
 inline void AppendFields(Bytes& state, const ImageRow& row)
 {
     const RowFields fields = FieldsOf(row);

@@ -115,8 +115,8 @@ sub Measure
     }
 }
 
-# What is still true of earlier runs: a survivor may not survive other tests, and one that was
-# caught stays so while the case that did it is there.
+# Reads what is still true of earlier runs: a survivor may not survive other tests, and one that
+# was caught stays so while the case that did it is there.
 sub ReadRecords
 {
     my ($context) = @_;

@@ -6,7 +6,7 @@ use warnings;
 
 my $hidden = "\x01";
 
-# What an operator becomes, one after the other.
+# An operator becomes each of these, one after the other.
 my %otherOperators = (
     '+' => ['-'], '-' => ['+'], '*' => ['/'], '/' => ['*'], '%' => ['/'],
     '<<' => ['>>'], '>>' => ['<<'], '&' => ['|'], '|' => ['&'], '^' => ['&'],

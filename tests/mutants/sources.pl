@@ -34,7 +34,7 @@ sub SourcesOf
     return map { s{^\Q$tree\E/}{}r } sort @paths;
 }
 
-# Where a text stands in another, from start to end. Any white space stands for any other, so that
+# The places of a text in another, from start to end. Any white space stands for any other, so that
 # a list outlives a formatter.
 sub PlacesOf
 {

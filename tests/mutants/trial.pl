@@ -9,13 +9,13 @@ use File::Compare qw(compare);
 use File::Path qw(make_path);
 
 my $hintCount = 12;
-# Of the time of a program: what a case takes to be run behind all quicker ones.
+# A case that takes this share of its program's time runs after all quicker ones.
 my $slowShare = 0.04;
 my $memoryKilobytes = 8 * 1024 * 1024;
 # A machine may be busy with other things: what a test takes is counted in its own time, and the
 # wall's clock only ends one that sleeps.
 my $wallSeconds = 600;
-# What takes longer is a template without an end.
+# A compilation that takes longer is a template without an end.
 my $compileSeconds = 12;
 
 # The digest of files, which the order of their includes leaves as it is.
@@ -25,7 +25,8 @@ sub DigestOf
     return sha1_hex(join("\n", map { ReadAll($_) =~ s/^#include .*\n//gmr } @paths));
 }
 
-# How the objects of the library and the programs are made, and which objects a file goes into.
+# Reads how the objects of the library and the programs are made, and which objects a file goes
+# into.
 sub ReadBuild
 {
     my ($binaries, @wanted) = @_;
@@ -67,8 +68,8 @@ sub Run
     return $? == 0;
 }
 
-# What a program's cases are, and which of them take most of its time; and how long either half
-# of them may take, which is some times longer than it does.
+# Finds the cases of a program, those that take most of its time, and how long either half of them
+# may take, which is some times longer than it does.
 sub MeasureProgram
 {
     my ($binaries, $work, $program, $path) = @_;

@@ -25,7 +25,7 @@ int SplitCount()
     return std::getenv("PELKRAFT_TEST_FULL") != nullptr ? 1000 : 40;
 }
 
-// Where 1 to 16 bands begin, and behind them the end; some of the bands may be empty.
+// Where 1 to 16 bands begin, and after them the end; some of the bands may be empty.
 std::vector<int> RandomBands(std::mt19937& random)
 {
     std::vector<int> cuts{0, tallHeight};

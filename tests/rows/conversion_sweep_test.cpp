@@ -12,7 +12,7 @@
 
 // Whole conversions at the processor's own level and without vector code, on the road that a row
 // takes and through the chain, each against the naive reference alone, on buffers of exactly the
-// rows' size with a forbidden page behind or before them. Quick, so that it can be run for each
+// rows' size with a forbidden page after or before them. Quick, so that it can be run for each
 // planted defect; tests/direct/direct_road_test.cpp goes through all levels. A push takes a sample
 // of the grid with a fixed seed, PELKRAFT_TEST_CASES says how many; PELKRAFT_TEST_FULL=1 takes all.
 namespace zvk::Pelkraft::TestSupport {

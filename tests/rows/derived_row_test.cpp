@@ -155,7 +155,7 @@ TEST(DerivedRow, IsConvertedInTheGeometryThatItShows)
             operation.factor = -2;
             row.FillFromWithPixelRepeat(source, -2, nullptr);
         } else {
-            // As many entries as the channels that the row shows, not those of its fields.
+            // An entry for each channel that the row shows, and not for those of its fields.
             operation.hasMap = true;
             operation.map = {2, -1, 0};
             const GuardedBuffer entries(3 * sizeof(int));

@@ -17,7 +17,7 @@ public:
     FakeProcessor& operator=(const FakeProcessor&) = delete;
 
     static bool CanReport(int level);
-    // How often it was asked since it was made.
+    // Counts how often it was asked since it was made.
     int CountQuestions() const;
 };
 

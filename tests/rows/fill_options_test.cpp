@@ -101,7 +101,7 @@ TEST(FillOptions, ComeWithTheCallersOwnSourceMapAndFactor)
     EXPECT_EQ(12345, row.last.factor);
 }
 
-// One plane of 1 bit: the two roads unpack it differently, which tells the road that was taken.
+// One plane of 1 bit: the two roads unpack it differently, which shows the road that was taken.
 class Road : public ::testing::Test
 {
 protected:

@@ -134,7 +134,7 @@ TEST_P(Guard, LogsANarrowTextOnceAndLetsItPass)
     static const char text[] = "paper jam";
     row.lesson = [] { throw static_cast<const char*>(text); };
     EXPECT_EQ(text, CaughtAfterLog<const char*>(L"paper jam"));
-    // Of the very same type.
+    // It is of the very same type.
     EXPECT_EQ("paper jam", EndOf([this] { Run(); }));
 }
 

@@ -57,7 +57,7 @@ unsigned char PackedByte(const NaiveGeometry& geometry, const Bytes& row, int ch
     return column < planeBytes ? row[static_cast<std::size_t>(place)] : 0;
 }
 
-// Of a channel that stays packed; nothing where what the buffer held is left to stand.
+// The byte of a channel that stays packed; nothing where the buffer keeps what it held.
 Sample LeftPacked(const NaiveGeometry& geometry, const Bytes& row, int pixel, int channel)
 {
     const int pixelsPerGroup = 128 / geometry.bits;
@@ -67,7 +67,7 @@ Sample LeftPacked(const NaiveGeometry& geometry, const Bytes& row, int pixel, in
     return PackedByte(geometry, row, channel, column);
 }
 
-// What stands in the unpacked chunks, pixel by pixel.
+// The unpacked chunks, pixel by pixel.
 std::vector<Sample> UnpackedRow(const NaiveGeometry& geometry, const Bytes& row)
 {
     const auto samples = ReadSamples(geometry, row);
@@ -174,7 +174,7 @@ TEST(PortableUnpack, LeavesTheFirstChannelsPackedInARepeatOfEqualDepth)
         ExpectAll(depth, depth, true, {1, 2, 4, -1, -2, -4});
 }
 
-// Whole planes, with the bits behind the last pixel; a plane of zeros for a negative entry.
+// Whole planes, with the bits after the last pixel; a plane of zeros for a negative entry.
 Bytes MappedPlanes(const NaiveGeometry& geometry, const Bytes& row, const std::vector<int>& map)
 {
     const std::size_t planeBytes = row.size() / static_cast<std::size_t>(geometry.channels);

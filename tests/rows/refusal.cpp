@@ -23,7 +23,7 @@ private:
     Diagnostics::RecordingSink sink;
 };
 
-// Of the text that is being handled: a handler of const char* takes a thrown char* too.
+// Looks at the text that is being handled: a handler of const char* takes a thrown char* too.
 bool IsWritableText()
 {
     try {

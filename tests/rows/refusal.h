@@ -6,8 +6,8 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// How an operation ended. Only a failure thrown as const char* gives its bare words; any other
-// end is told in angle brackets, so that it can't pass for a text.
+// Says how an operation ended. Only a failure thrown as const char* gives its bare words; any other
+// end stands in angle brackets, so that it can't pass for a text.
 [[nodiscard]] std::string EndOf(const std::function<void()>& operation);
 
 // The lines that it logged, whatever it threw.

@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-// What an entry gives that names no channel of the source, on each road.
+// The tests say what an entry gives that names no channel of the source, on each road.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
@@ -88,7 +88,7 @@ TEST(RemapEntry, GivesZeroBeyondTheSlotOnTheVectorRoad)
 }
 #endif
 
-// The lane behind the last channel. Nothing writes there on the portable road, and operation
+// The lane after the last channel. Nothing writes there on the portable road, and operation
 // buffers are zeroed.
 TEST(RemapEntry, GivesTheFirstPadLaneOnThePortableRoad)
 {
@@ -123,8 +123,8 @@ TEST(RemapEntry, GivesTheSameAheadOfEntriesWithin)
             }
 }
 
-// Where the channels fill the slot, that lane is the next pixel's first one; behind the last slot
-// of a chunk stands no pixel.
+// Where the channels fill the slot, that lane is the next pixel's first one; after the last slot of
+// a chunk stands no pixel.
 TEST(RemapEntry, GivesTheNextPixelsFirstSampleWhereTheSlotIsFull)
 {
     for (const auto& [bits, channels] :

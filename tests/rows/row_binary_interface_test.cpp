@@ -31,7 +31,7 @@ static_assert(offsetof(Options, thirdFlag) == 2);
 static_assert(std::is_constructible_v<Options, bool, bool>);
 static_assert(!std::is_constructible_v<Options, bool, bool, bool>);
 
-// Opens the protected operations and adds a virtual one behind the last.
+// Opens the protected operations and adds a virtual one after the last.
 class OpenRow : public ImageRow
 {
 public:

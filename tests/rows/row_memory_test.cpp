@@ -233,7 +233,7 @@ TEST(RowMemory, IsKeptWhereALargerSizeDoesNotFit)
         const bool failed = RunsOutOfMemory(
             [&] { row.SetAll(large.width, large.channels, large.bits, large.planar, nullptr); },
             memory);
-        // What wraps to less than the row holds asks for no memory.
+        // A size that wraps to less than the row holds asks for no memory.
         EXPECT_EQ(WrappedSize(large) > 100, failed);
         EXPECT_EQ(0U, memory.CountAsked());
         EXPECT_EQ(failed, before == FieldsOf(row));

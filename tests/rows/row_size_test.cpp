@@ -13,7 +13,7 @@ namespace {
 constexpr int largest = std::numeric_limits<int>::max();
 constexpr int smallest = std::numeric_limits<int>::min();
 
-// What a 32-bit register keeps of a number.
+// A 32-bit register keeps this of a number.
 int Wrap(std::int64_t number)
 {
     return static_cast<int>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(number)));

@@ -129,7 +129,7 @@ TEST(ImageRow, KeepsItsBufferWhenShrunk)
     EXPECT_EQ(40, row.GetWidth());
     EXPECT_EQ(2, row.GetChannels());
     EXPECT_TRUE(row.IsPlanar());
-    // Old pixels stand behind the new size: no trail is written there.
+    // Old pixels stand after the new size: no trail is written there.
     EXPECT_EQ(std::vector<unsigned char>(20, 0x11), BytesOf(row, 80, 20));
     EXPECT_EQ(zeroTrail, BytesOf(row, 100, trailBytes));
 }

@@ -137,7 +137,7 @@ TEST(ChannelMismatch, IsRefusedButForAMap)
     EXPECT_FALSE(row.IsUntouched());
 }
 
-// What no caller can see from the geometry: the row kept a small buffer for a size that wraps.
+// No caller can see from the geometry that the row kept a small buffer for a size that wraps.
 TEST(UnservedRow, IsOneWhoseSizeWrapsIntoItsBuffer)
 {
     ImageRow row(100, 1, 8, false, nullptr);

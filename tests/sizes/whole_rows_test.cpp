@@ -98,7 +98,7 @@ protected:
 TEST_F(WholeRows, AreConvertedUpToTheLargestSize)
 {
     const int words = bytes / 2;
-    // As many bits as a width can count.
+    // A width can count so many bits.
     const int packedBytes = std::min(bytes, std::numeric_limits<int>::max() / 8);
     Run({bytes, 1, 8, false}, {bytes, 1, 8, false}, 1);
     Run({bytes, 1, 8, false}, {bytes, 1, 8, false}, -1);

@@ -5,7 +5,7 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// Gigabytes of addresses that take next to no memory, with a forbidden page behind them.
+// Gigabytes of addresses that take next to no memory, with a forbidden page after them.
 class WideMemory
 {
 public:

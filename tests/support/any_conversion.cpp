@@ -11,7 +11,7 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-// Takes numbers from the input; behind its end all are 0.
+// Takes numbers from the input; after its end all are 0.
 class Numbers
 {
 public:

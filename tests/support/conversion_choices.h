@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-// What a conversion can be asked for, to draw from or to go through.
+// All that a conversion can be asked for, to draw from or to go through.
 namespace zvk::Pelkraft::TestSupport {
 
 // Depth and layout of a row.

@@ -63,7 +63,7 @@ bool IsLeftPacked(const ConversionCase& oneCase, int destinationChannel)
 {
     if (!oneCase.forcePortable || !IsUnpacked(oneCase))
         return false;
-    // The map runs on the packed side: ahead of the unpacker, or behind the packer.
+    // The map runs on the packed side: before the unpacker, or after the packer.
     const bool mapsBehind = oneCase.operation.hasMap && IsNaivePacked(oneCase.destination);
     const int lanes = mapsBehind ? oneCase.source.channels : oneCase.destination.channels;
     const int lane = mapsBehind

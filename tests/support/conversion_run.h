@@ -29,8 +29,8 @@ void RunConversion(const ConversionCase& oneCase, unsigned char* source,
 // channel beyond the source's.
 bool IsServedDirectly(const ConversionCase& oneCase);
 
-// How many channels, from the first, the portable unpacker leaves as they are. They are not
-// compared: all others of the destination are.
+// Whether the portable unpacker leaves this channel as it is. Such channels are not compared: all
+// others of the destination are.
 bool IsLeftPacked(const ConversionCase& oneCase, int destinationChannel);
 
 // Sets the samples that IsLeftPacked names to 0, so that the rest can be compared whole.

@@ -35,7 +35,7 @@ public:
     void Start();
     void Stop();
 
-    // From here on the allocation of this number, counted from 0, fails; for ever, all behind it
+    // From here on the allocation of this number, counted from 0, fails; for ever, all after it
     // do as well.
     void FailAt(std::size_t number, Fails fails = Fails::Once);
     // Every allocation of more than so many bytes fails.
@@ -46,7 +46,7 @@ public:
     // All that were asked for, the failed ones included.
     std::size_t CountAsked() const { return asked; }
     std::size_t CountFailed() const { return failed; }
-    // What is still held of all that was allocated.
+    // Counts what is still held of all that was allocated.
     std::ptrdiff_t CountHeld() const { return held; }
     // The first ones asked for, up to as many as are kept.
     static constexpr std::size_t kept = 8;

@@ -13,7 +13,7 @@ class GuardedArena
 public:
     explicit GuardedArena(std::size_t newCapacity);
 
-    // A buffer of exactly this size, flush with the forbidden page behind or before it but for
+    // A buffer of exactly this size, flush with the forbidden page after or before it but for
     // gap bytes. Throws std::bad_alloc where there is no room.
     unsigned char* Place(std::size_t size, Flush flush, std::size_t gap = 0) const;
     // As Place, with a gap of one byte where the address would be even.

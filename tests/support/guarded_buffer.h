@@ -5,7 +5,7 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// Which end of the buffer lies flush with a forbidden page.
+// The end of the buffer that lies flush with a forbidden page.
 enum class Flush
 {
     AtEnd,

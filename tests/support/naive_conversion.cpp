@@ -75,7 +75,7 @@ unsigned FromEightBits(unsigned value, int bits)
     return bits == 8 ? value : value % (1U << bits);
 }
 
-// The last byte of each plane that is written at all holds zeros behind the last pixel.
+// The last byte of each plane that is written at all holds zeros after the last pixel.
 void ClearBehindLastPixel(const NaiveGeometry& destination, Bytes& row, int setPixels)
 {
     const int perByte = 8 / destination.bits;

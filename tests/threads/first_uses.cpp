@@ -40,7 +40,7 @@ public:
 
     int Count() const { return static_cast<int>(uses.size()) + 4; }
 
-    // Tells whether the result is right.
+    // Answers whether the result is right.
     void Do(int number, Seen& seen)
     {
         bool right = true;

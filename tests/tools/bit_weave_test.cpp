@@ -66,7 +66,7 @@ std::string PlanesText(const Shape& shape, const std::string& woven)
 class BitWeave : public testing::TestWithParam<int>
 {};
 
-// What the memory held before, here all ones, leaves no trace in a row.
+// The memory's old content, here all ones, leaves no trace in a row.
 TEST_P(BitWeave, WritesEachBitOfARow)
 {
     const int bits = GetParam();

@@ -112,7 +112,7 @@ TEST_F(ConvertFailures, MeetEveryTruncationWithoutACrash)
     }
 }
 
-// Three strips behind their directory, which stays whole when the end of the file is lost.
+// Three strips after their directory, which stays whole when the end of the file is lost.
 void WriteDirectoryFirst(const std::string& path)
 {
     TIFF* tiff = TIFFOpen(path.c_str(), "w");
@@ -276,7 +276,7 @@ TEST_F(ConvertFailures, LeaveNothingWhenInterrupted)
             WriteBytes(Path("out.tif"), "old");
             Subprocess tool({PELKRAFT_TOOL, "convert", Path("in.tif"), Path("out.tif")},
                             folder + "/streams");
-            // The temporary file tells that the work is under way.
+            // The temporary file shows that the work is under way.
             while (Files().size() < 3 && !tool.HasEnded())
                 std::this_thread::sleep_for(std::chrono::microseconds(100));
             kill(tool.Id(), signalNumber);

@@ -6,7 +6,7 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// What a conversion is asked for.
+// The options of a conversion.
 struct Wish
 {
     int bits = 8;

@@ -2,7 +2,7 @@
 // them fail. Orders come from the environment:
 //   PELKRAFT_FAIL    "CALL NUMBER WAY": the call of this kind with this number, from 1 on, fails in
 //                    this way: an error number by name, "short" for half of what was asked, "end"
-//                    for nothing, "empty" for a mapping without a page behind it, or a signal by
+//                    for nothing, "empty" for a mapping without a page after it, or a signal by
 //                    name that comes just before the call. "NUMBER+" lets all that follow fail too.
 //   PELKRAFT_CALLS   the file that gets the counts when the program ends
 // A file whose synchronising or closing fails loses its second half, as if it was never stored.
@@ -118,7 +118,7 @@ Function* Real(const char* name)
     return reinterpret_cast<Function*>(symbol);
 }
 
-// Counts the call, and tells whether it is the one that fails. A signal leaves it alone.
+// Counts the call, and answers whether it is the one that fails. A signal leaves it alone.
 bool Fails(Call call)
 {
     const long number = ++counts[call];
@@ -139,7 +139,7 @@ Result Failed(Result result)
     return result;
 }
 
-// What the failing read or write moves in place of size bytes; -1 for an error.
+// The failing read or write moves so much in place of size bytes; -1 for an error.
 ssize_t ShortCount(std::size_t size)
 {
     if (TheOrder().error != 0)

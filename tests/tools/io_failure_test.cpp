@@ -34,7 +34,7 @@ const std::vector<FailingCall>& FailingCalls()
 class IoFailure : public IoFixture
 {
 protected:
-    // What the use comes to when nothing fails.
+    // The outcome of the use when nothing fails.
     struct Good
     {
         std::string output;
@@ -68,7 +68,7 @@ protected:
             EXPECT_TRUE(State() == good.after) << "not the files of a good run";
         } else {
             EXPECT_TRUE(Refused(outcome, 6, {"be"}));
-            // Of two files the first may have taken its place before the second fails.
+            // The first of two files may have taken its place before the second fails.
             EXPECT_TRUE(IsOldOrNew(State(), before, use.targets.size() > 1 ? good.after : before));
         }
     }

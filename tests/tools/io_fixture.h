@@ -18,7 +18,7 @@ struct ToolUse
     std::vector<std::string> targets;
 };
 
-// What every name in a folder stands for: a link's destination, or a file's bytes.
+// Every name in a folder, with a link's destination or a file's bytes.
 using FolderState = std::map<std::string, std::string>;
 
 // Runs the program with failing_calls preloaded. The folder holds the inputs of all uses.
@@ -37,7 +37,7 @@ protected:
     {
         return Start(use, failing).Wait();
     }
-    // How often each kind of call was made by the last program that ended by itself.
+    // Counts the calls of each kind that the last program made that ended by itself.
     [[nodiscard]] std::map<std::string, long> Calls() const;
 
     std::vector<ToolUse> uses;
@@ -50,7 +50,7 @@ private:
 // under a sanitizer, and the last.
 [[nodiscard]] std::vector<long> CallNumbers(long count);
 
-// What the program printed, without the digits of the time that it took.
+// The program's output, without the digits of the time that it took.
 [[nodiscard]] std::string WithoutTimes(const std::string& output);
 
 // Every name stands for what it was, or for what the program makes of it when nothing fails.

@@ -24,7 +24,7 @@ int Moments()
 class IoKill : public IoFixture
 {
 protected:
-    // What the program makes of the folder when it is let run.
+    // The folder after a run that was let be.
     struct Good
     {
         FolderState before;

@@ -1,4 +1,4 @@
-// Runs a command, and tells the most memory that it held at once and the time it took. Ends with
+// Runs a command, and prints the most memory that it held at once and the time it took. Ends with
 // the command's own code, or with 1 if it took more than the limit.
 //   peak_memory KIBIBYTES COMMAND [ARGUMENT...]
 

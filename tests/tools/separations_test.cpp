@@ -17,7 +17,7 @@ protected:
         ASSERT_EQ(0, outcome.exitCode) << outcome.errors;
     }
 
-    // Of a one-channel picture in which 0 is full ink.
+    // Turns a one-channel picture in which 0 is full ink.
     static TiffImage InkIsHigh(TiffImage image)
     {
         const int highest = (1 << image.bits) - 1;

@@ -9,7 +9,7 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-// Of pieces that fail the first one is told of, when all others have done their work.
+// The first of the pieces that fail is reported, once all others have done their work.
 TEST(ShareOut, ThrowsTheFirstFailureWhenAllHaveEnded)
 {
     for (int first = 0; first < 4; ++first) {

@@ -117,7 +117,7 @@ TEST_F(SimulateFailures, LeaveNothingWhenInterrupted)
         Subprocess tool({PELKRAFT_TOOL, "simulate", Path("pattern.txt"), Path("in.tif"),
                          Path("out.tif"), "--threads", "1"},
                         folder + "/streams");
-        // The temporary file tells that the work is under way.
+        // The temporary file shows that the work is under way.
         while (Files().size() < 3 && !tool.HasEnded())
             std::this_thread::sleep_for(std::chrono::microseconds(100));
         kill(tool.Id(), SIGTERM);

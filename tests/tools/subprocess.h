@@ -8,7 +8,7 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// How a program ended, and what it said.
+// The end of a program, and its output.
 struct Outcome
 {
     // -1 if a signal ended it.

@@ -27,7 +27,7 @@ struct TiffImage
 TiffImage RandomImage(int width, int height, int channels, int bits, std::uint32_t seed);
 TiffImage BlankImage(int width, int height, int channels, int bits);
 
-// How a file holds an image.
+// The form in which a file holds an image.
 struct FileForm
 {
     bool separate = false;
@@ -42,11 +42,11 @@ struct FileForm
 };
 
 void WriteTiff(const std::string& path, const TiffImage& image, const FileForm& form);
-// One page behind the other.
+// One page after the other.
 void WriteTiffPages(const std::string& path, const std::vector<TiffImage>& images,
                     const FileForm& form);
 
-// What the page of a file in strips holds; the form tells its planar configuration.
+// Reads the page of a file in strips, and its planar configuration into the form.
 TiffImage ReadTiff(const std::string& path, FileForm& form, int page = 0);
 
 } // namespace zvk::Pelkraft::TestSupport

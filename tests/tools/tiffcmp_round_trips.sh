@@ -12,7 +12,7 @@ fail() {
     exit 1
 }
 
-# Ends well on a difference in tags alone, but tells it: both must be looked at.
+# Exits with 0 on a difference in tags alone, but prints it: both must be looked at.
 same_picture() {
     local said
     said=$(tiffcmp "$1" "$2" 2>&1) && [ -z "$said" ] || fail "$1 and $2 differ: $said"

@@ -16,7 +16,7 @@ bool IsEntity(const std::string& xml, std::size_t at)
     return false;
 }
 
-// name="value" pairs, each behind a blank.
+// name="value" pairs, each after a blank.
 bool HasCleanAttributes(std::string rest)
 {
     while (!rest.empty()) {

@@ -40,7 +40,7 @@ std::string FollowLinks(const std::string& path)
 {
     std::error_code error;
     std::filesystem::path followed = path;
-    // As many as the kernel follows; a longer way is a circle.
+    // The kernel follows as many; a longer way is a circle.
     for (int step = 0; IsLink(path, followed); ++step) {
         if (step == 40)
             ThrowWriteFailure(path, ErrorText(ELOOP));

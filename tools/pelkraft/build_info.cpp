@@ -32,7 +32,7 @@ std::string LevelText()
 // The library that runs, which need not be the one whose headers were there at the build.
 std::string TiffVersion()
 {
-    // "LIBTIFF, Version 4.5.0", and lines of its own behind it.
+    // "LIBTIFF, Version 4.5.0", and lines of its own after it.
     std::istringstream text(TIFFGetVersion());
     std::string word;
     text >> word >> word >> word;

@@ -9,7 +9,7 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-// Of the tag that counts the samples of a pixel.
+// The tag that counts the samples of a pixel holds no larger number.
 constexpr std::size_t mostChannels = 65535;
 
 std::string Trimmed(const std::string& text)

@@ -21,7 +21,7 @@ constexpr const char* convertHelp =
     "or not at all. Pixels are repeated and mirrored within their rows: --repeat 2 makes a\n"
     "picture twice as wide and doubles its horizontal resolution.\n\n";
 
-// What all pages together come to.
+// The sum of all pages.
 struct Total
 {
     std::uint64_t rows = 0;
@@ -36,7 +36,7 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
     do {
         const PagePlan plan = PlanPage(file, options);
         const auto rowBytes = static_cast<std::uint64_t>(plan.to.RowBytes());
-        // What doesn't compress may grow by a half.
+        // Samples that don't compress may grow by a half.
         const bool plain = plan.to.compression == COMPRESSION_NONE;
         total.bytes += rowBytes * plan.to.height / 2 * (plain ? 2 : 3);
         total.rows += plan.to.height;
@@ -49,7 +49,7 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
     return total;
 }
 
-// Writes all pages, and tells whether samples exceeded the levels they were cut to.
+// Writes all pages, and answers whether samples exceeded the levels that they were cut to.
 bool ConvertAll(const TiffFile& file, const ConvertOptions& options, const Total& total,
                 AtomicOutput& output)
 {

@@ -27,7 +27,7 @@ private:
 void PrintError(const std::string& file, const std::string& text);
 void PrintWarning(const std::string& file, const std::string& text);
 
-// Tells what the exception that is being handled says, and gives the code to end with.
+// Prints what the exception that is being handled says, and gives the code to exit with.
 ExitCode ReportCurrentException() noexcept;
 
 } // namespace zvk::Pelkraft::Client

@@ -8,7 +8,7 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-// move(done) moves more bytes behind those that are done, and answers as read and write do.
+// move(done) moves more bytes after those that are done, and answers as read and write do.
 template <typename Move>
 int MoveOn(std::size_t size, std::size_t& done, Move move)
 {

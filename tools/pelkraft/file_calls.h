@@ -13,7 +13,7 @@ namespace zvk::Pelkraft::Client {
 int WriteAll(int descriptor, const void* bytes, std::size_t size);
 int WriteAllAt(int descriptor, const void* bytes, std::size_t size, std::uint64_t offset);
 
-// Reads until all is there or the file ends, and tells how much it got.
+// Reads until all is there or the file ends, and answers how much it got.
 int ReadUpTo(int descriptor, void* bytes, std::size_t size, std::uint64_t offset, std::size_t& got);
 
 // Stores a written file and closes it: a system may keep a failure to write until then.

@@ -10,7 +10,7 @@ namespace zvk::Pelkraft::Client {
 class MappedFile
 {
 public:
-    // Of size bytes. Not every file can be mapped: then there is nothing.
+    // Maps so many bytes. Not every file can be mapped: then there is nothing.
     MappedFile(int descriptor, std::uint64_t newSize);
     ~MappedFile();
     MappedFile(const MappedFile&) = delete;

@@ -2,7 +2,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// Tells on the standard error stream that memory ran out. Needs none itself.
+// Reports on the standard error stream that memory ran out. Needs none itself.
 void PrintOutOfMemory() noexcept;
 
 // Ends the program at once where missing memory leaves nobody to catch it: the line, no temporary

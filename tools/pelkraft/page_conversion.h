@@ -12,7 +12,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What the command line asks for; what it leaves out is as in the file.
+// The options of the command line; one that is left out is as in the file.
 struct ConvertOptions
 {
     std::string input;

@@ -10,20 +10,20 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What of a page's tags depends on what happens to its samples.
+// The tags of a page that depend on the work on its samples.
 struct PageTags
 {
     std::uint16_t photometric = PHOTOMETRIC_MINISBLACK;
     // Profile and whatever else describes these very colours.
     bool keepColourTags = true;
-    // What speaks in sample values: curves and ranges.
+    // Curves and ranges, which are in sample values.
     bool keepValueTags = true;
     std::optional<std::uint16_t> inkSet;
     std::optional<std::uint16_t> numberOfInks;
     std::vector<std::string> inkNames;
     std::vector<std::uint16_t> extraKinds;
     int repeat = 1;
-    // Where the new samples and the photometric kind don't go together.
+    // They say where the new samples and the photometric kind don't go together.
     std::vector<std::string> warnings;
 };
 

@@ -84,7 +84,7 @@ private:
             RowShape tones = last.bits >= 8 ? last : present;
             tones.bits = 8;
             const bool onTheWay = last.bits != 8;
-            // What can wait is left for the second pass.
+            // A step that can wait is left for the second pass.
             if (onTheWay)
                 PassTo(WithChannels(tones, map, 1), map, 1);
             else

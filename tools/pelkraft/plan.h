@@ -30,7 +30,7 @@ enum class Tones
     Raw,
 };
 
-// What is done to every row of a page.
+// The work that is asked for on every row of a page.
 struct RowRequest
 {
     RowShape from;
@@ -48,10 +48,10 @@ struct RowStep
 {
     enum class Kind
     {
-        // Woven samples apart into bit-packed planes, and back.
+        // Takes woven samples apart into bit-packed planes, and back.
         Split,
         Weave,
-        // Planes of zeros behind the row's own, and away with them.
+        // Adds planes of zeros after the row's own, and takes them away.
         Pad,
         Crop,
         Fill,
@@ -65,10 +65,10 @@ struct RowStep
     Kind kind = Kind::Fill;
     RowShape from;
     RowShape to;
-    // Of a Fill, and for CheckLevels the channels that count.
+    // The map of a Fill, and for CheckLevels the channels that count.
     std::vector<int> map;
     int factor = 1;
-    // Of the levels.
+    // The depth of the levels.
     int levelBits = 0;
 
     bool Moves() const;

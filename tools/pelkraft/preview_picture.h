@@ -21,7 +21,7 @@ public:
     // The next row: a byte for each ink and pixel.
     void AddRow(const unsigned char* row);
 
-    // As the bytes of a PNG file.
+    // The picture as the bytes of a PNG file.
     std::string Png() const;
 
 private:

@@ -6,7 +6,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// A line that tells how far the work has come, on a terminal alone; the destructor wipes it.
+// A line that shows how far the work has come, on a terminal alone; the destructor wipes it.
 class Progress
 {
 public:

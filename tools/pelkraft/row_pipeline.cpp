@@ -35,7 +35,7 @@ void Fill(const RowStep& step, bool portable, const unsigned char* from, unsigne
         else
             destination.FillFrom(source, false, portable);
     } catch (const char* text) {
-        // Of missing memory the library tells in words where it mirrors a packed row.
+        // The library reports missing memory in words where it mirrors a packed row.
         if (std::strstr(text, "memory allocation failed") != nullptr)
             throw std::bad_alloc();
         throw;
@@ -96,7 +96,7 @@ void RowPipeline::Move(const RowStep& step, const unsigned char* from, unsigned 
         WeavePlanes(from, width, step.from.channels, step.from.bits, to);
         break;
     case Kind::Pad:
-        // The planes behind stay as they were allocated: zero.
+        // The planes after them stay as they were allocated: zero.
         std::memcpy(to, from, static_cast<std::size_t>(step.from.Bytes()));
         break;
     case Kind::Crop:

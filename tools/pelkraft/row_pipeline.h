@@ -8,7 +8,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// Bytes on a cache line's border, with room behind them for reads of whole lines.
+// Bytes on a cache line's border, with room after them for reads of whole lines.
 class RowBuffer
 {
 public:
@@ -43,7 +43,7 @@ private:
     bool portable;
     bool cutSamples = false;
     std::size_t lastMove = 0;
-    // Where each step that moves leaves its row; the last leaves it in the new row.
+    // Each step that moves leaves its row in one; the last leaves it in the new row.
     std::vector<RowBuffer> buffers;
 };
 

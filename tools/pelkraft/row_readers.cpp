@@ -16,7 +16,7 @@ constexpr std::int64_t largestHeldBytes = std::int64_t{8} << 20;
 constexpr std::int64_t largestHeldJbigBytes = std::int64_t{64} << 20;
 // Each compressed plane takes a decoder.
 constexpr int mostPlaneFiles = 256;
-// Of rows between two calls that give the pages of the file back.
+// After so many bytes of rows the pages of the file are given back.
 constexpr std::size_t releasedBytes = std::size_t{4} << 20;
 
 std::string RowName(std::uint32_t row)
@@ -25,15 +25,14 @@ std::string RowName(std::uint32_t row)
            "; it may be truncated or damaged";
 }
 
-// What a picture is cut into, for a tiled one and for one in strips alike: a strip is a tile as
-// wide as the picture.
+// The blocks of a picture, tiled or in strips: a strip is a tile as wide as the picture.
 struct BlockGrid
 {
     std::int64_t blockWidth;
     std::uint32_t blockLength;
     std::uint32_t columns;
     std::uint32_t planes;
-    // Of one row of a block, and of one plane of a picture's row.
+    // Bytes of one row of a block, and of one plane of the picture's row.
     std::int64_t blockRowBytes;
     std::int64_t planeBytes;
 };

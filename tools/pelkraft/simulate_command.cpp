@@ -39,11 +39,11 @@ double PixelHeight(const TiffFile& file)
         TIFFGetField(file.Get(), TIFFTAG_YRESOLUTION, &vertical) != 1)
         return 1;
     const double ratio = static_cast<double>(horizontal) / static_cast<double>(vertical);
-    // What no device does is no resolution.
+    // A ratio that no device has is no resolution.
     return ratio > 0.01 && ratio < 100 ? ratio : 1;
 }
 
-// What all pages together come to.
+// The sum of all pages.
 struct Total
 {
     std::uint64_t rows = 0;
@@ -210,13 +210,13 @@ private:
                                         "for no ink");
     }
 
-    // Tells whether raw samples were above the top steps. preview may be null.
+    // Answers whether raw samples were above the top steps. preview may be null.
     bool SimulateAll(const TiffFile& file, const LoadedPattern& pattern, const Total& total,
                      AtomicOutput& output, std::optional<PreviewPicture>* preview) const
     {
         bool sawHighStep = false;
         TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
-                                                // What doesn't compress may grow by a half.
+                                                // Samples that don't compress may grow by a half.
                                                 NeedsBigForm(total.bytes / 2 * 3));
         Progress progress("simulate " + options.output, total.rows);
         int page = 1;

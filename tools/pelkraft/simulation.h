@@ -18,7 +18,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What the command line asks for.
+// The options of the command line.
 struct SimulateOptions
 {
     std::string pattern;
@@ -67,7 +67,7 @@ struct SimulationPlan
 SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& options,
                               const LoadedPattern& pattern);
 
-// Writes the page, tags and rows, every row one call of the pattern from its first row on. Tells
+// Writes the page, tags and rows, every row one call of the pattern from its first row on. Answers
 // whether raw samples were above the top steps. preview may be null.
 [[nodiscard]] bool SimulatePage(const TiffFile& file, const TiffFile& out,
                                 const SimulationPlan& plan, const SimulateOptions& options,

@@ -22,7 +22,8 @@ public:
     // The top step of each in-colour.
     StepLevels(Levels newLevels, const std::vector<int>& newTopSteps);
 
-    // A row of packed pixels, in place. Tells whether a raw sample was above its top step.
+    // Works in place on a row of packed pixels. Answers whether a raw sample was above its top
+    // step.
     bool Apply(unsigned char* pixels, std::size_t count) const;
 
 private:

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::int64_t wantedStripBytes = std::int64_t{256} << 10;
 constexpr std::int64_t largestStripBytes = std::int64_t{1} << 20;
-// Of all planes of these rows together, since they are held at once.
+// All planes of these rows together are held at once.
 constexpr std::int64_t mostHeldBytes = std::int64_t{16} << 20;
 
 } // namespace

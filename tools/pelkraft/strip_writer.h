@@ -16,7 +16,7 @@ std::uint32_t ChooseRowsPerStrip(const TiffPicture& picture);
 class StripWriter
 {
 public:
-    // picture tells the shape of the new page; its rowsPerStrip counts.
+    // picture has the shape of the new page; its rowsPerStrip counts.
     StripWriter(const TiffFile& newFile, const TiffPicture& newPicture);
 
     // Takes rows that follow those of the last call; rowStride bytes lie between their starts.

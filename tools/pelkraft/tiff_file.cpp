@@ -19,7 +19,7 @@ namespace {
 
 // More of them say nothing new.
 constexpr std::size_t mostWarnings = 8;
-// What libtiff may allocate at once for tables that a file declares.
+// libtiff may allocate so much at once for tables that a file declares.
 constexpr tmsize_t largestTable = tmsize_t{1} << 30;
 // A file of the old form can't point beyond 4 GB; what tags and tables take is well below this.
 constexpr std::uint64_t largestPlainFile = (std::uint64_t{1} << 32) - (std::uint64_t{64} << 20);
@@ -147,7 +147,7 @@ void TiffFile::Throw(ExitCode code, const std::string& text) const
     if (!failure.empty())
         throw Failure(ExitCode::ReadWrite, path,
                       (writing ? "cannot be written: " : "cannot be read: ") + failure);
-    // What decoders and encoders find no memory for.
+    // Decoders and encoders report missing memory here alone.
     if (errno == ENOMEM)
         throw std::bad_alloc();
     const std::string& said = messages->error;

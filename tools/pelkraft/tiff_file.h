@@ -12,7 +12,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What libtiff said about one file, instead of on the standard error stream.
+// The messages of libtiff about one file, kept from the standard error stream.
 struct TiffMessages
 {
     std::string error;
@@ -37,7 +37,7 @@ public:
     int Descriptor() const { return stream->Descriptor(); }
     const std::vector<std::string>& Warnings() const { return messages->warnings; }
 
-    // Goes on behind the given page, counted from 1. False after the last one.
+    // Goes on to the page after this one, counted from 1. False after the last one.
     bool NextPage(int page) const;
     void FirstPage() const;
 
@@ -46,7 +46,7 @@ public:
     // Throws if something could not be read, even where libtiff did without it.
     void RequireSound() const;
 
-    // A failure of this file: the text, and behind it what libtiff said last. Where reading or
+    // A failure of this file: the text, then the last message of libtiff. Where reading or
     // writing failed, that is the failure; where memory was missing, it is std::bad_alloc.
     [[noreturn]] void Throw(ExitCode code, const std::string& text) const;
 

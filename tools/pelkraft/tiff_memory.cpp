@@ -24,7 +24,7 @@ extern "C" {
 
 void* _TIFFmalloc(tmsize_t size)
 {
-    // As libtiff has it: nothing for no bytes.
+    // libtiff itself gives nothing for no bytes.
     return size == 0 ? nullptr : OrEnd(std::malloc(static_cast<std::size_t>(size)));
 }
 

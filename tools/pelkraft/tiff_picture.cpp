@@ -9,7 +9,7 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr std::int64_t largestRow = std::numeric_limits<std::int32_t>::max();
-// What must be held beyond this is believed only if the file is of a likely size for it.
+// A need for more is believed only if the file is of a likely size for it.
 constexpr std::uint64_t believedBytes = std::uint64_t{64} << 20;
 constexpr std::uint64_t largestTileBytes = std::uint64_t{1} << 30;
 constexpr std::uint64_t largestTileRowBytes = std::uint64_t{1} << 32;

@@ -44,7 +44,7 @@ std::string TiffStream::Failure() const
 tmsize_t TiffStream::Read(thandle_t handle, void* bytes, tmsize_t count)
 {
     TiffStream& stream = From(handle);
-    // What lies behind the end is the fault of the file; what is missing before it is not.
+    // Bytes wanted after the end are the fault of the file; bytes missing before it are not.
     const std::uint64_t left = stream.size - std::min(stream.size, stream.position);
     const auto wanted = static_cast<std::size_t>(std::min(left, static_cast<std::uint64_t>(count)));
     std::size_t got = 0;
@@ -52,7 +52,7 @@ tmsize_t TiffStream::Read(thandle_t handle, void* bytes, tmsize_t count)
     stream.Note(error);
     stream.cutShort = stream.cutShort || (error == 0 && got < wanted);
     stream.position += got;
-    // Never -1: libtiff clears what is missing behind so many bytes, of which -1 lies in front.
+    // Never -1: libtiff clears what is missing after so many bytes, and -1 lies before them all.
     return static_cast<tmsize_t>(got);
 }
 

@@ -34,7 +34,7 @@ public:
     // Stores what was written, once the handle is closed.
     void Store();
 
-    // What the first failure was; empty if there is none.
+    // The text of the first failure; empty if there is none.
     std::string Failure() const;
 
 private:

@@ -5,7 +5,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What a command line may ask for, and what it gets if it asks for nothing: all processors.
+// A command line may ask for so many; without a number it gets all processors.
 constexpr int mostThreads = 256;
 int DefaultThreads();
 

@@ -12,7 +12,7 @@ struct _EXCEPTION_POINTERS;
 namespace zvk {
 namespace Diagnostics {
 
-// Where lines of the failure log go. The owner keeps the object alive while it is set.
+// Takes the lines of the failure log. The owner keeps the object alive while it is set.
 class ZVK_SYSTEM_TOOLS_EXPORT ILogSink
 {
 public:
