@@ -146,14 +146,11 @@ TEST(FillsWithoutMemory, RefuseAllTheSame)
             refusals.back().refuses = true;
         }
     };
-    NaiveOperation threefold;
-    threefold.isFill = false;
-    threefold.factor = 3;
     for (const bool portable : {false, true}) {
         add({{10, 2, 1, false}, {10, 2, 16, false}, {}, portable}, to16);
         add({{10, 2, 16, false}, {10, 2, 1, false}, {}, portable}, from16);
         add({{10, 2, 8, false}, {10, 3, 8, false}, {}, portable}, fill);
-        add({{10, 2, 8, false}, {10, 2, 8, false}, threefold, portable}, repeat);
+        add({{10, 2, 8, false}, {10, 2, 8, false}, RepeatBy(3), portable}, repeat);
         add({{10, 2, 4, false}, {10, 2, 8, false}, {}, portable}, depth);
     }
     SweepAll("refused fills", refusals);

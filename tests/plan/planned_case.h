@@ -10,23 +10,6 @@ inline RowGeometry GeometryOf(const NaiveGeometry& geometry)
     return {geometry.width, geometry.channels, geometry.bits, geometry.planar};
 }
 
-inline NaiveOperation RepeatBy(int factor)
-{
-    NaiveOperation operation;
-    operation.isFill = false;
-    operation.factor = factor;
-    return operation;
-}
-
-inline NaiveOperation MapTo(const std::vector<int>& map)
-{
-    NaiveOperation operation;
-    operation.isFill = false;
-    operation.hasMap = true;
-    operation.map = map;
-    return operation;
-}
-
 // Refers to the case's map, for as long as the case lives.
 inline ConversionRequest RequestOf(const ConversionCase& tested, int level)
 {

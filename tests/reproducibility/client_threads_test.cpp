@@ -55,9 +55,7 @@ Samples ConvertNaively(const TiffImage& in)
 {
     const NaiveGeometry from{in.width, in.channels, 8, false};
     const NaiveGeometry to{2 * in.width, in.channels, 16, true};
-    NaiveOperation mirror;
-    mirror.isFill = false;
-    mirror.factor = -2;
+    const NaiveOperation mirror = RepeatBy(-2);
     Samples expected;
     const auto rowBytes = static_cast<std::ptrdiff_t>(NaiveRowBytes(from));
     for (auto row = in.samples.begin(); row != in.samples.end(); row += rowBytes) {

@@ -79,23 +79,6 @@ Watched Watch(const ConversionCase& tested, CountedMemory& memory)
     return watched;
 }
 
-NaiveOperation RepeatBy(int factor)
-{
-    NaiveOperation operation;
-    operation.isFill = false;
-    operation.factor = factor;
-    return operation;
-}
-
-NaiveOperation MapTo(const std::vector<int>& map)
-{
-    NaiveOperation operation;
-    operation.isFill = false;
-    operation.hasMap = true;
-    operation.map = map;
-    return operation;
-}
-
 struct Kind
 {
     const char* name;

@@ -32,28 +32,12 @@ constexpr std::uint64_t wholeEvery = 5;
 constexpr int depths[] = {1, 2, 8, 10, 16, 0, -1, 1 << 15, 1 << 30, largest};
 constexpr int factors[] = {1, 2, 4, -1, -4, 0, 3, 1 << 15, 1 << 16, 1 << 30, largest, smallest};
 
-std::vector<NaiveGeometry> AllGeometries()
-{
-    std::vector<NaiveGeometry> geometries;
-    for (const int width : sizeNumbers)
-        for (const int channels : sizeNumbers)
-            for (const int bits : depths)
-                for (const bool planar : {false, true})
-                    geometries.push_back({width, channels, bits, planar});
-    return geometries;
-}
-
 std::vector<NaiveOperation> AllKinds()
 {
     std::vector<NaiveOperation> kinds(1);
-    for (const int factor : factors) {
-        kinds.emplace_back();
-        kinds.back().isFill = false;
-        kinds.back().factor = factor;
-    }
-    kinds.emplace_back();
-    kinds.back().isFill = false;
-    kinds.back().hasMap = true;
+    for (const int factor : factors)
+        kinds.push_back(RepeatBy(factor));
+    kinds.push_back(MapTo({}));
     return kinds;
 }
 
@@ -228,7 +212,7 @@ protected:
     std::optional<WideMemory> sourceMemory;
     std::optional<WideMemory> destinationMemory;
     std::vector<int> map;
-    const std::vector<NaiveGeometry> geometries = AllGeometries();
+    const std::vector<NaiveGeometry> geometries = AllGeometries(depths);
     const std::vector<NaiveOperation> kinds = AllKinds();
     // On the second way through, with a large destination, the rest is known already.
     bool onlySamples = false;

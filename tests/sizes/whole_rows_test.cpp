@@ -26,14 +26,6 @@ int LargestRow()
     return OneOf(2) == 1 ? mostBytes : pushedBytes;
 }
 
-NaiveOperation RepeatBy(int factor)
-{
-    NaiveOperation operation;
-    operation.isFill = factor == 1;
-    operation.factor = factor;
-    return operation;
-}
-
 class WholeRows : public ::testing::Test
 {
 protected:
@@ -44,7 +36,8 @@ protected:
     void Run(const NaiveGeometry& from, const NaiveGeometry& to, int factor)
     {
         for (const bool forcePortable : {false, true}) {
-            const ConversionCase oneCase{from, to, RepeatBy(factor), forcePortable};
+            const ConversionCase oneCase{
+                from, to, factor == 1 ? NaiveOperation{} : RepeatBy(factor), forcePortable};
             unsigned char* const read = source.Last(BytesOf(from));
             unsigned char* const written = destination.Last(BytesOf(to));
             destination.FillWith(0x5A);

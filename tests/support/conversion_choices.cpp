@@ -57,12 +57,8 @@ std::vector<std::pair<Form, Form>> ServedForms(const NaiveOperation& operation)
 std::vector<NaiveOperation> Operations(int channels)
 {
     std::vector<NaiveOperation> operations(1);
-    for (const int factor : factors) {
-        NaiveOperation repeat;
-        repeat.isFill = false;
-        repeat.factor = factor;
-        operations.push_back(repeat);
-    }
+    for (const int factor : factors)
+        operations.push_back(RepeatBy(factor));
     for (const MapKind kind : mapKinds)
         operations.push_back(MapOf(kind, channels));
     return operations;

@@ -27,6 +27,23 @@ struct NaiveOperation
     std::vector<int> map;
 };
 
+inline NaiveOperation RepeatBy(int factor)
+{
+    NaiveOperation operation;
+    operation.isFill = false;
+    operation.factor = factor;
+    return operation;
+}
+
+inline NaiveOperation MapTo(const std::vector<int>& map)
+{
+    NaiveOperation operation;
+    operation.isFill = false;
+    operation.hasMap = true;
+    operation.map = map;
+    return operation;
+}
+
 std::string Describe(const NaiveGeometry& geometry);
 std::string Describe(const NaiveOperation& operation);
 
