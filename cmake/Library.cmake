@@ -1,4 +1,4 @@
-# The library proper: the objects of all rooms behind a list of what it exports.
+# The library holds the objects of all rooms, and exports the names of one list.
 add_library(pelkraft $<TARGET_OBJECTS:pelkraft_objects>)
 add_library(pelkraft::pelkraft ALIAS pelkraft)
 target_compile_features(pelkraft PUBLIC cxx_std_11)

@@ -1,4 +1,4 @@
-# The warnings that our own targets link; a consumer of the package never sees them.
+# Our own targets link these warnings; a consumer of the package never sees them.
 add_library(pelkraft_warnings INTERFACE)
 target_compile_options(pelkraft_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow)

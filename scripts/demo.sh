@@ -37,7 +37,7 @@ else
     echo "page $illustrated_page of $document"
 fi
 
-# Converts $out/$1 to $out/$2 and shows how it went.
+# Converts $out/$1 to $out/$2 and prints how it went.
 rates=()
 convert() {
     local from=$1 to=$2

@@ -14,7 +14,7 @@ log=$root.log
 trap 'rm -rf --one-file-system "$root" "$log"' EXIT
 
 say() { printf '\n== %3d s: %s\n' "$SECONDS" "$*"; }
-# Nothing of this machine's environment but the way to the network.
+# The environment of this machine stays out, except for the way to the network.
 in_root() {
     env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
         DEBIAN_FRONTEND=noninteractive http_proxy="${http_proxy:-}" \

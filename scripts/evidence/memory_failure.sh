@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Lets each allocation of each public operation and of each verb of the program fail once, and from
 # then on for ever. The operation throws what is documented, changes and leaks nothing, and does its
-# work when tried again; the program ends by the code for memory and leaves whole files or none.
+# work when tried again; the program exits with the code for memory and leaves whole files or none.
 # Some of its runs are watched by valgrind. The sample takes a few allocations of each verb; the
 # tests of scripts/test.sh run the same.
 #   memory_failure.sh whole|sample
@@ -13,7 +13,7 @@ bash scripts/setup.sh test
 cmake --preset release >/dev/null
 cmake --build --preset release -j "$(nproc)" --target test_library_memory test_client_memory
 
-# The lines about what was done, which tell the numbers. All else is told where a test fails.
+# These lines have the numbers of what was done. All else is printed where a test fails.
 logs=build/evidence/memory_failure
 mkdir -p $logs
 run() {

@@ -11,8 +11,7 @@ namespace {
 
 bool IsServed(int factor)
 {
-    ConversionRequest request{
-        {{40, 3, 8, false}, nullptr}, {{40, 3, 8, false}, nullptr}, 0, factor};
+    ConversionRequest request{{40, 3, 8, false}, {40, 3, 8, false}, 0, factor};
     request.repeats = true;
     FormatPair formats;
     BuildFormats(formats, request);

@@ -179,11 +179,10 @@ void CheckMixture(const ConversionCase& tested, int level, std::uint32_t caseSee
                  ", level " + std::to_string(level) + ", seed " + std::to_string(caseSeed));
     const Buffers buffers(tested, caseSeed);
     const auto& [from, to, operation, portable] = tested;
-    ConversionRequest request{
-        {{from.width, from.channels, from.bits, from.planar}, buffers.source.data()},
-        {{to.width, to.channels, to.bits, to.planar}, buffers.destination.data()},
-        level,
-        operation.factor};
+    ConversionRequest request{{from.width, from.channels, from.bits, from.planar},
+                              {to.width, to.channels, to.bits, to.planar},
+                              level,
+                              operation.factor};
     request.maps = operation.hasMap;
     request.map = {operation.map.size(), operation.map.data()};
     FormatPair formats;

@@ -22,7 +22,8 @@ fail() {
     status=1
 }
 
-# Each block in a file NUMBER.LANGUAGE; the name from a comment above goes to ....LANGUAGE.name.
+# Writes each block to a file NUMBER.LANGUAGE, and the name from a comment above to
+# NUMBER.LANGUAGE.name.
 split_page() {
     mkdir "$blocks"
     awk -v blocks="$blocks" '
@@ -39,13 +40,13 @@ split_page() {
         END { exit file != "" }' "$source_dir/$page" || fail "a block has no end"
 }
 
-# The code between single backticks, one in a line.
+# Prints the code between single backticks, one in a line.
 inline_code() {
     awk '/^```/ { inside = !inside; next } !inside' "$source_dir/$page" |
         awk -v RS='`' 'NR % 2 == 0 { gsub(/[ \n]+/, " "); print }'
 }
 
-# The installed program and package, beside what the pages' commands read.
+# Puts the installed program and package beside what the pages' commands read.
 make_tree() {
     PATH=$prefix/bin:$PATH
     PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name pelkraft.pc)")
@@ -95,7 +96,7 @@ in_tree() {
     (cd "$tree" && set +eo pipefail && eval "$1") </dev/null 2>&1
 }
 
-# The presets of a build that can't be made within its own tests; test.sh makes and tests it.
+# A build can't be made within its own tests, so its presets must be there; test.sh makes it.
 look_at_presets() {
     local preset presets
     presets=$(cd "$source_dir" && cmake --list-presets)

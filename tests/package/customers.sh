@@ -8,7 +8,7 @@ trap 'rm -rf "$work"' EXIT
 pkg_config_dir=$(dirname "$(find "$prefix" -name pelkraft.pc)")
 lib_dir=$(dirname "$pkg_config_dir")
 
-# A block of the README, by its language.
+# Prints a block of the README, by its language.
 readme_block() {
     awk -v fence="\`\`\`$1" '$0 == fence {inside = 1; next} /^```$/ {inside = 0} inside' \
         "$source_dir/README.md"

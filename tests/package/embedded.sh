@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The sources in a project of the customer's, which gets the libraries and no more:
+# Builds the sources as a part of a customer's project, which gets the libraries and no more:
 #   embedded.sh SOURCE_DIR COMPILER
 set -euo pipefail
 source_dir=$1 compiler=$2

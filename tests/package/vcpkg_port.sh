@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Customers of the static package that the vcpkg port makes: vcpkg_port.sh SOURCE_DIR COMPILER
+# Builds and runs customers of the static package that the vcpkg port makes:
+#   vcpkg_port.sh SOURCE_DIR COMPILER
 set -euo pipefail
 source_dir=$1 compiler=$2
 here=$(cd "$(dirname "$0")" && pwd)

@@ -1,5 +1,5 @@
-# Runs the port as vcpkg would for a static triplet of Release builds, with stand-ins for vcpkg's
-# functions, which Debian does not have:
+# Runs the port as vcpkg would for a static triplet of Release builds that compile quickly, with
+# stand-ins for vcpkg's functions, which Debian does not have:
 #   cmake -DPORT=FOLDER -DCOMPILER=C++ -DWORK=FOLDER -P vcpkg_stand_in.cmake
 # The stand-ins take what the port passes and no more. The package comes to WORK/packages.
 cmake_minimum_required(VERSION 3.22)
@@ -26,7 +26,8 @@ endfunction()
 function(vcpkg_cmake_configure)
     cmake_parse_arguments(PARSE_ARGV 0 arg "" SOURCE_PATH OPTIONS)
     run(${CMAKE_COMMAND} -S ${arg_SOURCE_PATH} -B ${WORK}/build -G Ninja ${arg_OPTIONS}
-        -DBUILD_SHARED_LIBS=OFF -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=${COMPILER}
+        -DBUILD_SHARED_LIBS=OFF -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE=-O0
+        -DCMAKE_CXX_COMPILER=${COMPILER}
         -DCMAKE_INSTALL_LIBDIR:STRING=lib -DCMAKE_INSTALL_PREFIX=${CURRENT_PACKAGES_DIR})
 endfunction()
 

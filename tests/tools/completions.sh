@@ -52,7 +52,7 @@ for verb in '' convert pattern simulate; do
         in_fish "$verb" | compare fish "$verb" || status=1
     fi
 done
-# The values, as the help shows them in braces.
+# Prints the values, as the help shows them in braces.
 for verb in convert simulate; do
     while read -r option choice; do
         values "${choice//,/ }" "$verb" "$option"
