@@ -62,7 +62,7 @@ std::string PassesOf(const ConversionRequest& request)
 
 ConversionRequest RequestOf(const RowGeometry& from, const RowGeometry& to, int level)
 {
-    return {{from, nullptr}, {to, nullptr}, level};
+    return {from, to, level};
 }
 
 class PageOfArchitecture : public ::testing::Test
