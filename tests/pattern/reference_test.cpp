@@ -321,6 +321,7 @@ TEST(ReferenceClass, DrawsInItsOlderWayUnlessToldOtherwise)
 class OpenReference : public Testonly::CDotWeavePattern<RandomField>
 {
 public:
+    // cppcheck-suppress passedByValue // a pattern is loaded from a text that may be changed
     void Load(std::string text) { InitFromText(text.data()); }
 
     Bytes Apply(Bytes source)
