@@ -138,9 +138,12 @@ std::array<std::uint8_t, outInkLanes> LowBytes(const std::array<std::int32_t, ou
 
 void SseTransformation::FillInkValues()
 {
-    for (std::size_t place = 0; place < mInkValues.size(); ++place)
-        mInkValues[place] = GetInkValue(*this, place / stepsOfInkValues,
-                                        static_cast<std::uint8_t>(place % stepsOfInkValues));
+    std::size_t place = 0;
+    for (std::uint8_t& value : mInkValues) {
+        value = GetInkValue(*this, place / stepsOfInkValues,
+                            static_cast<std::uint8_t>(place % stepsOfInkValues));
+        ++place;
+    }
 }
 
 void SseTransformationBuilder::Build(PatternCombination& combination)
