@@ -52,8 +52,8 @@ void ClearStrip(void* strip, std::uint64_t bytes)
 template <bool isPlanar>
 std::int64_t RowLoader<isPlanar>::GetChunkStep(const Facility& facility) const
 {
-    const std::int64_t step = PlanesOf<isPlanar>(facility).stripPitch;
-    return facility.reversed ? -step : step;
+    const auto step = static_cast<std::uint64_t>(PlanesOf<isPlanar>(facility).stripPitch);
+    return static_cast<std::int64_t>(facility.reversed ? 0 - step : step);
 }
 
 template <bool isPlanar>
@@ -63,14 +63,15 @@ void RowLoader<isPlanar>::LoadPartialChunk(const Facility& facility, const Sourc
     const Planes planes = PlanesOf<isPlanar>(facility);
     // The walk of a reversed row stops before the row's first byte, by just the bytes that the
     // strip leaves out before its pixels.
-    const std::uint64_t skip = facility.reversed ? (slotsPerChunk - count) * planes.columnBytes : 0;
-    const std::int64_t start = position.offset + static_cast<std::int64_t>(skip);
-    unsigned char* stripStart = static_cast<unsigned char*>(strip) + skip;
+    const auto skip = static_cast<std::int64_t>(
+        facility.reversed ? (slotsPerChunk - count) * planes.columnBytes : 0);
+    auto* stripBytes = static_cast<unsigned char*>(strip);
 
     ClearStrip(strip, StripBytes(facility));
     for (std::int64_t plane = 0; plane < planes.count; ++plane)
-        CopyBytes(stripStart + plane * planes.stripPitch,
-                  position.row + (start + plane * planes.pitch), count * planes.columnBytes);
+        CopyBytes(stripBytes + (skip + plane * planes.stripPitch),
+                  position.row + (position.offset + skip + plane * planes.pitch),
+                  count * planes.columnBytes);
 }
 
 template <bool isPlanar>
