@@ -8,6 +8,8 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
+using Bytes = std::vector<unsigned char>;
+
 // Chunks of one pixel size. Of each region every outStep-th chunk is linked, to every inStep-th of
 // the region after it.
 struct RegionPlan
@@ -43,7 +45,7 @@ public:
     {
         buffer.data()[position] = value;
     }
-    std::vector<unsigned char> bytes() const { return buffer.bytes(); }
+    Bytes bytes() const { return buffer.bytes(); }
 
 private:
     void WriteHeaders() const;

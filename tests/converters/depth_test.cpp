@@ -10,8 +10,6 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
 std::uint16_t NaiveWiden(unsigned sample)
 {
     return static_cast<std::uint16_t>((sample << 8) | sample);
@@ -136,16 +134,6 @@ TEST_P(DepthStep, FollowsTheLinkFromAnyChunkOfItsRegion)
                 ExpectSame(expected, memory.bytes(), memory, road, chunk.to,
                            channels * ToBytes(direction));
             }
-}
-
-TEST_P(DepthStep, DoesNothingWithoutChannels)
-{
-    for (const Road& road : AvailableRoads()) {
-        const ChunkMemory memory({{0}, {0}}, 1);
-        const Bytes before = memory.bytes();
-        RunStep(DepthCall(GetParam(), road, 0), memory.Header(0));
-        EXPECT_EQ(before, memory.bytes()) << road.name;
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(BothWays, DepthStep, testing::Values(Direction::Widen, Direction::Narrow),

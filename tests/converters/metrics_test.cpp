@@ -1,9 +1,11 @@
+#include "tests/converters/chunk_memory.h"
 #include "tests/converters/step_runner.h"
 #include "tests/support/thrown_text.h"
 #include "tests/support/virtual_slots.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -109,6 +111,22 @@ TEST(ConvertStep, AnswersAsTheTableSays)
                                                           : input,
                                      step.facility, input);
                     }
+}
+
+TEST(ConvertStep, DoesNothingWithoutChannels)
+{
+    for (const Road& road : AvailableRoads())
+        for (const ConstantStep& step : ConstantSteps(road.sseVersion)) {
+            const auto& [inputs, outputs, parameterBytes, ownRegion] = step.metrics;
+            const auto chunks = static_cast<std::size_t>(std::max(inputs, outputs));
+            const ChunkMemory memory({{0, chunks}, {0, chunks}}, 1);
+            const Bytes before = memory.bytes();
+            RunStep({step.facility,
+                     FormatOf(step.inputBits, 0),
+                     {chunks / inputs, chunks / outputs, memory.Stride(0), memory.Stride(1)}},
+                    memory.Header(0));
+            EXPECT_EQ(before, memory.bytes()) << road.name;
+        }
 }
 
 TEST(ConvertMetrics, HoldAnEntryPerChannelForPortableRemaps)

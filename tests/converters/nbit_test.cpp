@@ -9,8 +9,6 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
 // A packing or unpacking step as the portal may place it: its unpacked chunks stand `hop` strides
 // apart.
 struct Shape
@@ -188,18 +186,6 @@ TEST_P(NbitStep, TellsTheWayBetweenChunksAndTheSlotInItsBlock)
             EXPECT_EQ(5U * 9000U, block[0]);
             EXPECT_EQ(slot, block[1]);
         }
-}
-
-TEST_P(NbitStep, DoesNothingWithoutChannels)
-{
-    for (const Road& road : AvailableRoads()) {
-        const Shape shape = {GetParam(), 0};
-        const ChunkMemory memory = MemoryOf(shape, 1);
-        const Bytes before = memory.bytes();
-        Pack(shape, road, memory);
-        Unpack(shape, road, memory);
-        EXPECT_EQ(before, memory.bytes()) << road.name;
-    }
 }
 
 // Every value of a packed byte in every lane, and every value of a sample at every place of its

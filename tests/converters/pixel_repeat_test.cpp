@@ -11,8 +11,6 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
 // A repeat as the portal may place it: its output chunks stand `hop` strides apart.
 struct Shape
 {
@@ -157,18 +155,6 @@ TEST(PixelRepeat, LeavesChunkAndBlockAloneForFactorOne)
             method(memory.Header(0), block);
             EXPECT_EQ(0x1234U, block[0]) << road.name;
             EXPECT_EQ(0x5678U, block[1]) << road.name;
-            EXPECT_EQ(before, memory.bytes()) << road.name;
-        }
-}
-
-TEST(PixelRepeat, DoesNothingWithoutChannels)
-{
-    for (const Road& road : AvailableRoads())
-        for (const std::size_t factor : {2U, 4U}) {
-            const Shape shape = {factor, 0};
-            const ChunkMemory memory = MemoryOf(shape, 9);
-            const Bytes before = memory.bytes();
-            RunStep(RepeatCall(shape, road, memory), memory.Header(0));
             EXPECT_EQ(before, memory.bytes()) << road.name;
         }
 }

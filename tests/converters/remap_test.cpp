@@ -12,7 +12,6 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using Table = std::vector<std::int32_t>;
 
 std::size_t SampleBytes(std::int32_t bits)

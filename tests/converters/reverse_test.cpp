@@ -9,8 +9,6 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
 StepCall ReverseCall(const Road& road, std::size_t channels, std::int32_t bits = 8)
 {
     return {ChunkConvertFacility::Create_Reverse(road.sseVersion),
@@ -77,16 +75,6 @@ TEST(Reverse, GivesTheChunkBackWhenDoneTwice)
             RunStep(ReverseCall(road, channels), memory.Header(0));
             EXPECT_EQ(before, memory.bytes()) << road.name;
         }
-}
-
-TEST(Reverse, DoesNothingWithoutChannels)
-{
-    for (const Road& road : AvailableRoads()) {
-        const ChunkMemory memory({{0}}, 20);
-        const Bytes before = memory.bytes();
-        RunStep(ReverseCall(road, 0), memory.Header(0));
-        EXPECT_EQ(before, memory.bytes()) << road.name;
-    }
 }
 
 TEST(Reverse, ServesOneUnitByItsMethodForAnyUnitsToo)
