@@ -222,7 +222,7 @@ Bytes LoadRow(const Row& row, std::int32_t level, const GuardedBuffer& source)
     const LoadMethod method = facility.descriptor->GetLoadMethod(facility);
     auto position = static_cast<std::int64_t>(facility.descriptor->GetFirstChunkOffset(facility));
     Bytes loaded;
-    // Of a partial chunk only some pixels are the row's: the last ones if it is reversed.
+    // Only some pixels of a partial chunk are the row's: the last ones if it is reversed.
     const auto load = [&](const unsigned char* from, std::size_t columns, std::size_t count) {
         const GuardedBuffer memory =
             MakeChunk(row.PixelBytes(), HeaderFor(row, columns), 0xFF, Flush::AtEnd);
