@@ -274,23 +274,33 @@ void SaveRow(const Row& row, std::int32_t level, Bytes columns, const GuardedBuf
     }
 }
 
+void ExpectLoadedAndSavedBack(const Row& row, std::int32_t level, Flush flush)
+{
+    SCOPED_TRACE(testing::PrintToString(row) + " at level " + std::to_string(level));
+    const Bytes content = RandomBytes(row.Bytes(), 301);
+    const GuardedBuffer source(content, flush);
+    const Bytes loaded = LoadRow(row, level, source);
+    ASSERT_EQ(loaded, ColumnsOf(row, content));
+    const GuardedBuffer destination(content.size(), flush, 0xA5);
+    SaveRow(row, level, loaded, destination);
+    ASSERT_EQ(destination.bytes(), content);
+}
+
 TEST(WholeRow, IsLoadedColumnByColumnAndSavedBack)
 {
     for (const std::size_t columns : {1U, 4U, 15U, 16U, 17U, 20U, 31U, 32U, 33U, 60U})
         for (const bool reversed : {false, true})
             for (const Row& row : RowsOf(columns, reversed))
                 for (const std::int32_t level : {0, 3})
-                    for (const Flush flush : {Flush::AtEnd, Flush::AtStart}) {
-                        SCOPED_TRACE(testing::PrintToString(row) + " at level " +
-                                     std::to_string(level));
-                        const Bytes content = RandomBytes(row.Bytes(), 301);
-                        const GuardedBuffer source(content, flush);
-                        const Bytes loaded = LoadRow(row, level, source);
-                        ASSERT_EQ(loaded, ColumnsOf(row, content));
-                        const GuardedBuffer destination(content.size(), flush, 0xA5);
-                        SaveRow(row, level, loaded, destination);
-                        ASSERT_EQ(destination.bytes(), content);
-                    }
+                    for (const Flush flush : {Flush::AtEnd, Flush::AtStart})
+                        ExpectLoadedAndSavedBack(row, level, flush);
+}
+
+TEST(WholeRow, HasPlanesLongerThan16Bits)
+{
+    for (const std::int32_t bits : {8, 16})
+        for (const bool reversed : {false, true})
+            ExpectLoadedAndSavedBack({LayoutPlanar, bits, 2, 70001, reversed}, 3, Flush::AtEnd);
 }
 
 // Three planes of 200 pixels at a bit each: one chunk of 16 columns, and 9 that remain.
