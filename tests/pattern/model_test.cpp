@@ -111,6 +111,9 @@ TEST(VectorModel, LeavesTheRowsOfTheExample)
     DotWeavePatternConverterSse converter;
     converter.Load(TestSupport::exampleText);
     EXPECT_EQ(*converter.GetCombinations()[0].inkSteps[1], (Row{-1, 64, 128, -1, -1, -1, -1, -1}));
+    // The run 255 of Black is part of Cyan's, in either combination.
+    EXPECT_EQ(CountStoredValues(converter.GetCombinations()[0]), 3U);
+    EXPECT_EQ(CountStoredValues(converter.GetCombinations()[1]), 3U);
     const SseTransformationBuilder* tables = converter.GetSseTables();
     EXPECT_EQ(tables[1].mLower[0], 2);
     EXPECT_EQ(tables[1].mUpper[0], 3);
