@@ -297,15 +297,6 @@ TEST(ReferenceClass, ForgetsTheTextBefore)
     EXPECT_EQ(again, Bytes(200, 0));
 }
 
-TEST(ReferenceClass, HoldsValuesOf32Bits)
-{
-    using Table = decltype(Testonly::TestStep<RandomField>::table);
-    static_assert(std::is_same_v<Table::value_type::value_type, std::int32_t>);
-    // The low 8 bits reach a pixel.
-    EXPECT_EQ(Once(Values("2", "1 1 0-70000"), {1}), (Bytes{70000 & 0xFF, 0}));
-    EXPECT_EQ(Once(Values("2", "1 1 1--2147483646"), {1}), (Bytes{0, 2}));
-}
-
 TEST(ReferenceClass, StaysEmptyWithoutTheHeaderWord)
 {
     EXPECT_EQ(Refusal("VERSION 2"),
