@@ -12,7 +12,9 @@ namespace {
 // The portable unpacking covers whole groups of four channels from the end of a pixel's slot down.
 bool CoversAllChannels(std::int32_t channels)
 {
-    return (channels + 3) / 4 * 4 == (channels + 15) / 16 * 16;
+    // Counted as unsigned: the largest number of channels must not overflow.
+    const auto count = static_cast<std::uint32_t>(channels);
+    return (count + 3) / 4 * 4 == (count + 15) / 16 * 16;
 }
 
 // The samples that the portable unpacking leaves packed are part of its results.

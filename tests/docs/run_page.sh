@@ -85,10 +85,10 @@ look_at_script() {
 code_of() { cat "$@" | grep -Ev '^ *(#|echo)'; }
 has_word() { grep -qE -- "(^|[ |\"])$1([ )|\"]|\$)"; }
 
-# A line of the evidence that has been gathered has a script.
+# A line of the evidence has a script of its own name, or evidence.sh names another one.
 takes_line() {
     [ -f "$source_dir/scripts/evidence/$1.sh" ] ||
-        grep -qE "^\| \`$1\` \|.*\| not run yet \|" "$source_dir/docs/reliability.md"
+        grep -qE "[ |]$1[ )].* echo scripts/evidence/" "$source_dir/scripts/evidence.sh"
 }
 
 # Runs a command in the copy as a reader's shell would.

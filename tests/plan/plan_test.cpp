@@ -119,6 +119,15 @@ TEST(PlanRoad, IsTheChainWherePortableUnpackingLeavesSamplesOut)
         }
 }
 
+TEST(PlanRoad, CountsAsManyChannelsAsThereCanBe)
+{
+    // The next multiples of 4 and of 16 are the same number, which does not fit 31 bits.
+    const NaiveGeometry most{1, 2147483647, 2, true};
+    const ConversionCase tested =
+        CaseOf(most, {1, 17, 1, true}, 0, MapTo(std::vector<int>(17, 2147483646)));
+    EXPECT_EQ(PlanRoad::Direct, PlanOf(tested, 0).road);
+}
+
 // A map runs on packed bytes, so that the unpacking meets the destination's channels, but the
 // source's where packing follows, after which the map runs.
 TEST(PlanRoad, OfPortableUnpackingGoesByTheChannelsThatItMeets)

@@ -65,12 +65,12 @@ bool IsLeftPacked(const ConversionCase& oneCase, int destinationChannel)
         return false;
     // The map runs on the packed side: before the unpacker, or after the packer.
     const bool mapsBehind = oneCase.operation.hasMap && IsNaivePacked(oneCase.destination);
-    const int lanes = mapsBehind ? oneCase.source.channels : oneCase.destination.channels;
+    const std::int64_t lanes = mapsBehind ? oneCase.source.channels : oneCase.destination.channels;
     const int lane = mapsBehind
                          ? oneCase.operation.map[static_cast<std::size_t>(destinationChannel)]
                          : destinationChannel;
-    const int slot = (lanes + 15) / 16 * 16;
-    const int covered = (lanes + 3) / 4 * 4;
+    const std::int64_t slot = (lanes + 15) / 16 * 16;
+    const std::int64_t covered = (lanes + 3) / 4 * 4;
     return lane >= 0 && lane < slot - covered;
 }
 
