@@ -123,7 +123,7 @@ TEST(RemapEntry, GivesTheSameAheadOfEntriesWithin)
             }
 }
 
-// Where the channels fill the slot, that lane is the next pixel's first one; after the last slot of
+// A lane after channels that fill the slot is the next pixel's first one; after the last slot of
 // a chunk stands no pixel.
 TEST(RemapEntry, GivesTheNextPixelsFirstSampleWhereTheSlotIsFull)
 {

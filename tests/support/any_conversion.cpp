@@ -183,7 +183,7 @@ Outcome RunInOneBlock(const AnyCase& any, const ConversionCase& oneCase)
     return outcome;
 }
 
-// Of rows that share bytes only the chain knows what comes out.
+// Only the chain knows what comes out of rows that share bytes.
 std::string CheckOverlap(const AnyCase& any, const ConversionCase& oneCase)
 {
     const Outcome outcome = RunInOneBlock<ImageRow>(any, oneCase);
