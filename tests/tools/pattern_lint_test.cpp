@@ -213,6 +213,12 @@ TEST_F(PatternLints, SayOneFaultOnce)
          {"entry-missing"}},
         {"2 1:3 1-128 0-40", "2 1:3 1-128 16-40", {"position-range"}},
         {"2 1:3 1-128 0-40", "2 1:-3 1-128 0-40", {"weight-sum"}},
+        {"1 1 1-64", "1 2 0-5\n1 1 1-64", {"step-repeated"}},
+        {"1 1 1-64", "1 1\n1 1 1-64", {"entry-missing"}},
+        {"1 1 1-64", "1 1 1-64\n1 1", {"entry-missing"}},
+        {"1 1 0-255\nEND_VALUES\nEND_IN_COLOR\n",
+         "1 1\nEND_VALUES\nEND_IN_COLOR\n",
+         {"entry-missing"}},
         {"VERSION 2\n", "VERSION 1\n", {"version-low"}}};
     for (const auto& [from, to, kinds] : faults) {
         std::string text = smallPattern;

@@ -70,7 +70,7 @@ public:
     void SelectInColor(std::int32_t inColor, const PatternToken& name) override
     {
         InColourPlaces& places = Places(inColor);
-        if (UpperCase(name.text) != UpperCase(places.name)) {
+        if (outline.inColourNames.count(UpperCase(name.text)) == 0) {
             guessedInColours.insert(inColor);
         } else if (guessedInColours.erase(inColor) != 0) {
             // The block of this very name counts more.
@@ -105,14 +105,20 @@ public:
     void TakeValueLine(std::int32_t inColor, const ValueLine& line) override
     {
         LintValueLine(line, outline.version, findings);
-        Keep(inColor, line);
+        const StepPlaces& step = StepOf(inColor, line);
+        if (step.listed && !step.broken)
+            Warn("step-repeated", *line.stepToken,
+                 "step " + std::to_string(line.step) + " of " + Quoted(Places(inColor).name) +
+                     " has a line already, which this one is stored over",
+                 "keep one line for each step");
+        OutlineHandler::TakeValueLine(inColor, line);
     }
 
     // Kept too, so that nobody says that its step has no line.
     void TakeBrokenLine(std::int32_t inColor, const ValueLine& line) override
     {
         LintValueLine(line, outline.version, findings);
-        if (line.step < 0 || line.step >= stepsOfInColor)
+        if (line.step < 0 || line.step >= stepsOfInColor || StepOf(inColor, line).listed)
             return;
         ValueLine kept = line;
         for (std::size_t i = 0; i < kept.entryTokens.size(); ++i) {
@@ -125,7 +131,8 @@ public:
             kept.count = 0;
         if (kept.ratioToken == nullptr)
             kept.ratioToken = kept.stepToken;
-        Keep(inColor, kept);
+        OutlineHandler::TakeValueLine(inColor, kept);
+        StepOf(inColor, line).broken = true;
     }
 
     void Refuse(PatternRefusal refusal, const PatternToken& at) override
@@ -278,14 +285,9 @@ public:
     }
 
 private:
-    void Keep(std::int32_t inColor, const ValueLine& line)
+    StepPlaces& StepOf(std::int32_t inColor, const ValueLine& line) const
     {
-        if (Places(inColor).steps[static_cast<std::size_t>(line.step)].listed)
-            Warn("step-repeated", *line.stepToken,
-                 "step " + std::to_string(line.step) + " of " + Quoted(Places(inColor).name) +
-                     " has a line already, which this one is stored over",
-                 "keep one line for each step");
-        OutlineHandler::TakeValueLine(inColor, line);
+        return Places(inColor).steps[static_cast<std::size_t>(line.step)];
     }
 
     SectionEnd EndAtKeyword(const PatternToken& token, const PatternToken& opening,

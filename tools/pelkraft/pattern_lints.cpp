@@ -114,10 +114,13 @@ private:
     void LintPositions(const InColourPlaces& places, const InColorRecord& record)
     {
         const auto inks = static_cast<std::size_t>(record.numInks);
+        const bool isWhole =
+            record.numSteps > 0 && std::none_of(places.steps.begin(), places.steps.end(),
+                                                [](const StepPlaces& step) { return step.broken; });
         for (std::size_t position = 0; position < positionsOfInColor; ++position) {
             std::size_t more = 0;
             const TextSpan* entry = FirstEntry(places, record, position, more);
-            if (entry == nullptr && position < inks && record.numSteps > 0)
+            if (entry == nullptr && position < inks && isWhole)
                 Add(Severity::Warning, "position-unused", places.inks[position],
                     "no value line of " + Quoted(places.name) + " uses this ink, position " +
                         std::to_string(position),

@@ -84,7 +84,7 @@ void OutlineHandler::TakeValueLine(std::int32_t inColor, const ValueLine& line)
 {
     outline.records.Select(inColor).Store(line);
     StepPlaces& places = Places(inColor).steps[static_cast<std::size_t>(line.step)];
-    places = {true, line.stepToken->place, line.ratioToken->place, {}};
+    places = {true, false, line.stepToken->place, line.ratioToken->place, {}};
     for (std::size_t i = 0; i < static_cast<std::size_t>(line.count); ++i)
         places.entries.push_back(line.entryTokens[i] != nullptr ? line.entryTokens[i]->place
                                                                 : places.ratio);

@@ -18,6 +18,8 @@ struct StepPlaces
 {
     // There is a value line for it.
     bool listed = false;
+    // The line is refused or lacks an entry.
+    bool broken = false;
     TextSpan step;
     TextSpan ratio;
     // By alternative.
