@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <random>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -271,30 +270,6 @@ TEST(ReferenceClass, HasNoLimitOnCombinationsAndNoNeedForEveryStep)
     std::string values = "2 1:2:3 0-1 0-2 0-3 4 1:2:4 0-1 0-2 0-3 5 2:2:3 0-1 0-2 0-3 "
                          "6 1:1:1:1 0-1 0-1 0-1 0-1";
     EXPECT_EQ(Refusal(Values("2", values)), "nothing");
-}
-
-TEST(ReferenceClass, ForgetsTheTextBefore)
-{
-    const std::string seed = "DotWeavePattern RANDOM_SEED ";
-    std::string first = seed + "7 " + Values("2", "1 1:1 0-5 1-6");
-    std::string second = seed + "8 " + Values("2", "1 1:1 0-10 0-20");
-    Testonly::CDotWeavePattern<RandomField> used;
-    Testonly::CDotWeavePattern<RandomField> fresh;
-    used.InitFromText(first.data());
-    used.InitFromText(second.data());
-    fresh.InitFromText(second.data());
-    Bytes source(100, 1);
-    Bytes again(200);
-    Bytes expected(200);
-    used.ApplyPattern(source.data(), again.data(), 100);
-    fresh.ApplyPattern(source.data(), expected.data(), 100);
-    EXPECT_EQ(again, expected);
-
-    // No list of in-colours comes, and the records of the last one are gone.
-    std::string nothing = "DotWeavePattern";
-    used.InitFromText(nothing.data());
-    used.ApplyPattern(source.data(), again.data(), 100);
-    EXPECT_EQ(again, Bytes(200, 0));
 }
 
 TEST(ReferenceClass, StaysEmptyWithoutTheHeaderWord)
