@@ -27,8 +27,8 @@ class Pelkraft(ConanFile):
         self.version = re.search(r"project\(pelkraft VERSION ([0-9.]+)", text).group(1)
 
     def export_sources(self):
-        for pattern in ("*CMakeLists.txt", "*.cpp", "*.h", "*.cmake", "*.map", "*.pc.in", "cmake/rooms.txt",
-                        "LICENSE", "NOTICE"):
+        for pattern in ("*CMakeLists.txt", "*.cpp", "*.h", "*.cmake", "*.map", "*.pc.in",
+                        "cmake/rooms.txt", "LICENSE", "NOTICE"):
             copy(self, pattern, self._project, self.export_sources_folder,
                  excludes=("build/*", "tests/*", "benchmarks/*", "fuzz/*", "tools/*"))
 
