@@ -38,10 +38,10 @@ inline std::int32_t WrappedRowSize(const RowGeometry& geometry)
                           WrappedRoundToBytes(geometry.bits));
 }
 
-// Whether the wrapped size is the true one.
+// True if the wrapped size is the true one.
 bool IsTrueRowSize(const RowGeometry& geometry);
 
-// Whether the true size fits 32 bits, for a geometry without negative numbers and of at most 16
+// True if the true size fits 32 bits, for a geometry without negative numbers and of at most 16
 // bits: its products fit 64 bits as they stand.
 inline bool RowSizeFits(const RowGeometry& geometry)
 {
@@ -56,7 +56,7 @@ inline bool RowSizeFits(const RowGeometry& geometry)
     return samples <= largestSize && samples * ((bits + 7) / 8) <= largestSize;
 }
 
-// Whether a conversion can serve the geometry, since its true size fits, although the 32-bit size
+// True if a conversion can serve the geometry, since its true size fits, although the 32-bit size
 // has wrapped: the bits of a plane may wrap where its bytes don't.
 bool HidesTrueRowSize(const RowGeometry& geometry);
 
