@@ -1,4 +1,4 @@
-// What can't be served is refused with a constant text before the first pixel moves.
+// A conversion that can't be served is refused with a constant text before the first pixel moves.
 #include <pelkraft/image_row.h>
 #include <zvk/diagnostics.h>
 

@@ -9,8 +9,8 @@ namespace Pelkraft {
 class DotWeavePatternEngine;
 
 // A dot pattern reads its text once, then turns rows of step numbers into rows of ink values.
-// Which of the pattern's alternatives a pixel gets is drawn from a field that is built with the
-// pattern: in the long run each as often as its weight says, and the same for the same text.
+// A pixel's alternative is drawn from a field that is built with the pattern: in the long run each
+// as often as its weight says, and the same for the same text.
 //
 // Shape      A source pixel is one byte for each in-colour, its step number; a destination pixel
 //            one byte for each out-ink. Pixels are packed. One call of ApplyPattern is one row.
