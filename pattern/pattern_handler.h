@@ -31,7 +31,7 @@ enum class NameList
     InColors,
 };
 
-// Whether a section ends at a token that is not its closing word.
+// Says whether a section ends at a token that is not its closing word.
 enum class SectionEnd
 {
     None,
@@ -79,7 +79,7 @@ public:
     // The text ends within a section.
     virtual void TakeOpenSection(const PatternToken&, std::string_view) {}
 
-    // Whether a token stands for a keyword that it is not.
+    // True if a token stands for a keyword that it is not.
     virtual bool Means(const PatternToken&, std::string_view) { return false; }
     // The index of the name that stands in no list and may mean one of it.
     virtual std::int32_t FindMeantName(NameList, const PatternToken&) { return noIndex; }
@@ -88,9 +88,9 @@ public:
     {
         return SectionEnd::None;
     }
-    // Whether the token after a keyword is its number; null at the end of the text.
+    // True if the token after a keyword is its number; it is null at the end of the text.
     virtual bool IsNumberOf(const PatternToken& /* keyword */, const PatternToken*) { return true; }
-    // Whether a line breaks off ahead of a token, which then begins the next one.
+    // True if a line breaks off ahead of a token, which then begins the next one.
     virtual bool BreaksLine(const PatternToken&, const ValueLine&) { return false; }
 
 protected:

@@ -80,7 +80,7 @@ private:
     const std::vector<PatternToken>* tokens = nullptr;
     std::size_t cursor = 0;
     std::int32_t version = 1;
-    // Whether the last section that was left had an end.
+    // True if the last section that was left had an end.
     bool closed = false;
 };
 
