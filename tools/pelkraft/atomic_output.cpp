@@ -21,7 +21,7 @@ namespace {
     throw Failure(ExitCode::ReadWrite, path, "cannot be written: " + text);
 }
 
-// Whether something was there to look at. What can't be told is a failure, since whatever it is
+// True if something was there to look at. Not to know it is a failure, since whatever is there
 // would be replaced.
 bool IsThere(int lookResult, const std::string& shownPath)
 {

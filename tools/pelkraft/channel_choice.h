@@ -7,7 +7,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// Which channel of a page gives the bytes of each in-colour.
+// Names the channel of a page that gives the bytes of each in-colour.
 struct ChannelChoice
 {
     std::vector<int> map;

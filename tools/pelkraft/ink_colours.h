@@ -13,8 +13,8 @@ using ScreenColour = std::array<std::uint8_t, 3>;
 // Colours that the command line gives to inks, by the name in upper case.
 using InkColours = std::map<std::string, ScreenColour>;
 
-// Of a full layer of the ink on white paper: as given, else as usual for the name in any case and
-// with any blanks or dashes, else one that hangs on the name alone.
+// Returns the colour of a full layer of the ink on white paper: as given, else as usual for the
+// name in any case and with any blanks or dashes, else one that depends on the name alone.
 ScreenColour ColourOfInk(const std::string& name, const InkColours& given);
 
 // Reads "NAME=#RRGGBB"; anything else is wrong usage.

@@ -19,7 +19,7 @@ public:
     void* Data() const { return data; }
     std::uint64_t Size() const { return size; }
 
-    // Whether something could not be read so far.
+    // True if something could not be read so far.
     bool Failed() const;
     // Gives the pages back that were read; they come again when they are needed.
     void Release() const;

@@ -16,7 +16,8 @@ namespace {
 
 std::terminate_handler usualEnd = nullptr;
 
-// Whether what nobody caught is missing memory. Even for the exception itself there may be none.
+// True if the exception that nobody caught reports missing memory. There may be none even for the
+// exception itself.
 bool RanOutOfMemory()
 {
     const std::exception_ptr uncaught = std::current_exception();

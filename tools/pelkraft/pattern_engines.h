@@ -15,7 +15,7 @@ namespace zvk::Pelkraft::Client {
 std::unique_ptr<DotWeavePattern> TryPattern(const PatternText& text, DotWeavePattern::Engine engine,
                                             std::string& refusal);
 
-// Whether this processor runs the sse engine; without it a pattern loads there, and that is all.
+// True if this processor runs the sse engine; without it a pattern loads there, and that is all.
 bool SseEngineRuns();
 
 // auto, reference, x86 or sse.

@@ -32,7 +32,7 @@ public:
     // fileRow is room to work in as well: steps in place change it.
     void Run(unsigned char* fileRow, unsigned char* newRow);
 
-    // Whether a sample so far exceeded the levels it was cut to.
+    // True if a sample so far exceeded the levels that it was cut to.
     bool CutSamples() const { return cutSamples; }
 
 private:

@@ -15,7 +15,7 @@ public:
     virtual ~ISubcommand() = default;
     // Adds the verb with its options and remembers it.
     virtual void Register(CLI::App& program) = 0;
-    // Whether the command line named this verb.
+    // True if the command line named this verb.
     virtual bool Chosen() const = 0;
     // Does the work. Failures are thrown.
     virtual ExitCode Run() = 0;

@@ -66,7 +66,7 @@ private:
     std::unique_ptr<TIFF, Close> handle;
 };
 
-// Whether a file with so many bytes of samples needs the form for more than 4 GB.
+// True if a file with so many bytes of samples needs the form for more than 4 GB.
 bool NeedsBigForm(std::uint64_t sampleBytes);
 
 } // namespace zvk::Pelkraft::Client
