@@ -240,7 +240,7 @@ for line in "${chosen[@]}"; do
     printf '%3d s  %s: %s: %s\n' "$SECONDS" "$room" "$name" "$result"
 done
 
-# A defect that stayed in the tree would have caught the ones behind it.
+# A defect that stayed in the tree would have caught the ones after it.
 run_all
 
 took=$((EPOCHSECONDS - start))
