@@ -40,7 +40,7 @@ values() {
     local wanted=$1
     shift
     if [ "$(bash_offers "$@" '' | paste -sd ' ')" != "$wanted" ]; then
-        echo "bash doesn't offer '$wanted' behind: $*" >&2
+        echo "bash doesn't offer '$wanted' after: $*" >&2
         status=1
     fi
 }

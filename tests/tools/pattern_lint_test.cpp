@@ -123,7 +123,7 @@ TEST_P(PatternLint, FindsTheFaultAtItsPlace)
                              std::to_string(broken.column) + ": " + broken.severity + ": ";
     const std::string shown =
         "\n    " + LineOf(Text(), broken.line) + "\n    " + broken.caret + "\n    hint: ";
-    // Of all that is said at this place one thing is the fault.
+    // Only one of the findings at this place is the fault.
     bool found = false;
     for (std::size_t at = outcome.output.find(head); at != std::string::npos;
          at = outcome.output.find(head, at + 1)) {

@@ -124,7 +124,7 @@ TEST(PatternModel, MeasuresTheSharesThatItExpects)
     for (std::uint32_t seed = 1; seed <= 120; ++seed) {
         const PatternText text("random", RandomPattern(seed));
         const PatternReport report(text);
-        // What the field itself can't keep is told by a finding, and is no measure.
+        // A finding reports what the field itself can't keep, so that it is no measure.
         if (report.verdicts[1].refusal || report.model.fieldSkew > 1e-9 ||
             report.outline.Generation() == 1)
             continue;

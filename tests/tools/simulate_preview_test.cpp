@@ -104,7 +104,7 @@ TEST_F(SimulatePreview, LaysInksOverEachOther)
     TiffImage image = BlankImage(1, 1, 2, 8);
     image.samples = {255, 255};
     WriteInput(image);
-    // What is left of red and of green passes the other ink; half the light of 188 is 138.
+    // The rest of red and of green passes the other ink; half the light of 188 is 138.
     EXPECT_EQ((std::array<int, 3>{0, 188, 138}),
               Show({"--ink", "A=#00FFBC", "--ink", "B=#FFBCBC"}).At(0, 0));
 }

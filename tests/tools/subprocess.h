@@ -27,7 +27,7 @@ public:
                const std::function<void()>& prepare = {});
 
     pid_t Id() const { return id; }
-    // Whether there is nothing left to wait for.
+    // True if there is nothing left to wait for.
     [[nodiscard]] bool HasEnded() const;
     [[nodiscard]] Outcome Wait();
 

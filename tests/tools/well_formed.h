@@ -6,7 +6,7 @@
 
 namespace zvk::Pelkraft::TestSupport {
 
-// Whether a text is one XML element, all others closed inside it, in printable ASCII.
+// Succeeds if a text is one XML element, all others closed inside it, in printable ASCII.
 ::testing::AssertionResult IsWellFormed(const std::string& xml);
 
 } // namespace zvk::Pelkraft::TestSupport
