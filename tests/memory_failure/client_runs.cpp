@@ -55,7 +55,7 @@ void Prepare()
     alarm(secondsToHang);
 }
 
-// Behind env, so that the checker itself goes without the variables.
+// They come after env, so that the checker itself goes without the variables.
 std::vector<std::string> Watched(const std::vector<std::string>& variables,
                                  const std::vector<std::string>& command)
 {

@@ -71,7 +71,7 @@ bool Allows()
     return !fails;
 }
 
-// The function behind this one's own: that of the C library, or of a checker below it.
+// Finds the function that this one hides: that of the C library, or of a checker below it.
 template <typename Function>
 Function* Next(std::atomic<Function*>& known, const char* name)
 {

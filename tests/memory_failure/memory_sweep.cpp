@@ -129,7 +129,7 @@ std::string Sweep(const Operation& operation, std::size_t& failedAllocations)
             if (result.fault != nullptr)
                 return operation.name + " " + result.fault + " without allocation " +
                        std::to_string(number) +
-                       (fails == Fails::ForEver ? " and all behind it" : "") + " (held " +
+                       (fails == Fails::ForEver ? " and all after it" : "") + " (held " +
                        std::to_string(result.held) + ") " + result.end.text;
             failedAllocations += result.failed;
             // It was done before this allocation's turn came.

@@ -34,7 +34,7 @@ struct Operation
 {
     std::string name;
     std::function<std::unique_ptr<Trial>()> prepare;
-    // Where memory is missing it may throw this text instead of std::bad_alloc.
+    // The operation may throw this text instead of std::bad_alloc.
     std::string otherText;
     // It throws otherText with all memory too.
     bool refuses = false;
