@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # usage: check_straight_lines.sh OBJDUMP METHOD_COUNT OBJECT...
 #
-# A method of a known size holds no jump at all, nor a call, behind which a jump could hide. The
+# A method of a known size holds no jump at all, nor a call, which could hide a jump. The
 # number of methods is given so that a renamed one can't slip through unread.
 set -euo pipefail
 

@@ -66,7 +66,7 @@ GuardedBuffer MakeChunk(std::size_t pixelBytes, const HeaderFields& header, unsi
 GuardedBuffer MakeFilledChunk(const Bytes& pixels, std::size_t pixelBytes,
                               const HeaderFields& header, unsigned char pad, Flush flush);
 
-// The pixels of the slots side by side, and the bytes behind them.
+// The pixels of the slots side by side, and the bytes after them.
 Bytes PixelsOf(const GuardedBuffer& chunk, std::size_t pixelBytes);
 Bytes PadsOf(const GuardedBuffer& chunk, std::size_t pixelBytes);
 Bytes HeaderOf(const GuardedBuffer& chunk);

@@ -25,7 +25,7 @@ struct CopyShape
 std::string Describe(const CopyShape& shape);
 // Bytes that the call reads and writes, from the first one on.
 std::size_t ReachOf(const CopyShape& shape);
-// Whether it is promised for any address.
+// True if the copy is promised for any address.
 bool ServesAnyAddress(const CopyShape& shape);
 void RunCopy(const CopyShape& shape, unsigned char* source, unsigned char* destination);
 

@@ -29,7 +29,7 @@ std::string Refusal(const char* text)
     return WhatIsThrown([text] { Check(text); });
 }
 
-// Where addresses have 32 bits no object is as long as these.
+// No object is as long as these if addresses have 32 bits.
 #if SIZE_MAX > UINT32_MAX
 
 // A text of any length that begins with a version, whose memory is two megabytes that are mapped

@@ -448,7 +448,7 @@ TEST(Parser, FreesTheRecordsAtASecondListOfInColors)
     converter.Load((Values("1 1 0-1") + "BEGIN_IN_COLORS A END_IN_COLORS").c_str());
     EXPECT_EQ(converter.GetInColors().Find(0), nullptr);
     EXPECT_EQ(converter.GetMaxStepOfInColor()[0], 255);
-    // What was said of the inks stays.
+    // The inks stay as they were.
     EXPECT_EQ(converter.GetInColorOfOutInk()[0], 0);
 }
 

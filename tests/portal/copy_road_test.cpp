@@ -14,7 +14,7 @@ void ExpectCopied(const Bytes& expected, const PortalCase& portalCase, const Byt
     ExpectEverywhere(expected, portalCase, source, [](std::int32_t) { return Records(2); });
 }
 
-// The active pixels of a row of 0xEE become those of the source; the bits behind the last one,
+// The active pixels of a row of 0xEE become those of the source; the bits after the last one,
 // up to the byte's end, are 0.
 Bytes NaivePackedCopy(const PortalCase& portalCase, const Bytes& source, std::int64_t pixels)
 {

@@ -141,7 +141,7 @@ TEST(RemapEntry, GivesTheNextPixelsFirstSampleWhereTheSlotIsFull)
                 EXPECT_EQ(samplesBefore[At(pixel + 1, channels, 0)], samples[At(pixel, 2, 1)])
                     << pixel;
             }
-            // Behind the last pixel the chunk is filled up with zeros.
+            // After the last pixel the chunk is filled up with zeros.
             EXPECT_EQ(0U, samples[At(width - 1, 2, 1)]);
         }
     }

@@ -25,11 +25,11 @@ void RunConversion(const ConversionCase& oneCase, const ImageRow& source, ImageR
 void RunConversion(const ConversionCase& oneCase, unsigned char* source,
                    unsigned char* destination);
 
-// Whether the direct road has to serve it, for rows that do not overlap and whose map names no
+// True if the direct road has to serve it, for rows that do not overlap and whose map names no
 // channel beyond the source's.
 bool IsServedDirectly(const ConversionCase& oneCase);
 
-// Whether the portable unpacker leaves this channel as it is. Such channels are not compared: all
+// True if the portable unpacker leaves this channel as it is. Such channels are not compared: all
 // others of the destination are.
 bool IsLeftPacked(const ConversionCase& oneCase, int destinationChannel);
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-// What a conversion has to do, sample by sample from the definition, in plain loops. Includes
-// nothing of the library, so that it is a second opinion.
+// These plain loops do what a conversion has to do, sample by sample from the definition. They
+// include nothing of the library, so that they are a second opinion.
 namespace zvk::Pelkraft::TestSupport {
 
 using Bytes = std::vector<unsigned char>;
@@ -63,7 +63,7 @@ void ClearSamples(const NaiveGeometry& geometry, Bytes& row, int channel, int co
 // The number of destination pixels that a conversion sets.
 int CountSetPixels(const NaiveGeometry& source, const NaiveGeometry& destination, int factor);
 
-// Whether a way leads from one kind of row to the other.
+// True if a way leads from one kind of row to the other.
 bool IsServed(const NaiveGeometry& source, const NaiveGeometry& destination,
               const NaiveOperation& operation);
 
