@@ -31,7 +31,7 @@ struct Plan
     std::int32_t factor;
     // The caller's own, which MapOf replaces by the plan's copy.
     ChannelMap map;
-    // It has passes only where the road is Direct.
+    // The direct plan has passes only where the road is Direct.
     DirectPlan direct;
 };
 

@@ -8,10 +8,10 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-class WholeLint
+class PatternLint
 {
 public:
-    WholeLint(const PatternText& newText, const PatternOutline& newOutline, Findings& newFindings)
+    PatternLint(const PatternText& newText, const PatternOutline& newOutline, Findings& newFindings)
         : text(newText), outline(newOutline), findings(newFindings)
     {}
 
@@ -163,7 +163,7 @@ private:
 void LintPattern(const PatternText& text, const PatternOutline& outline,
                  const CombinationModel& model, Findings& findings)
 {
-    WholeLint(text, outline, findings).Run();
+    PatternLint(text, outline, findings).Run();
     LintDraws(outline, model, findings);
 }
 
