@@ -76,7 +76,8 @@ struct LoadMove
 
 const ChunkMethod* VectorRoad::GetInterleavedLoads(int leadingUnits)
 {
-    return byLeadingUnits<LoadMove>[leadingUnits];
+    const auto& methods = byLeadingUnits<LoadMove>;
+    return methods[leadingUnits];
 }
 
 } // namespace zvk::Pelkraft

@@ -92,7 +92,8 @@ struct SaveMove
 
 const ChunkMethod* VectorRoad::GetInterleavedSaves(int leadingUnits)
 {
-    return byLeadingUnits<SaveMove>[leadingUnits];
+    const auto& methods = byLeadingUnits<SaveMove>;
+    return methods[leadingUnits];
 }
 
 } // namespace zvk::Pelkraft

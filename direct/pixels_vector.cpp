@@ -51,11 +51,11 @@ constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
         for (int pixels = 1; pixels * sourceBytes <= 16 * loads && pixels * outputBytes <= 16;
              ++pixels)
             consider(pixels, 1, loads, false, 20 + 12 * loads);
-    for (const auto& [vectors, loads] : ownBlocks) {
-        const int pixels = 16 * vectors / outputBytes;
-        if (pixels * outputBytes == 16 * vectors &&
-            VectorsFit(sourceBytes, outputBytes, pixels, 16 * loads))
-            consider(pixels, vectors, loads, true, vectors * (20 + 14 * loads));
+    for (const OwnBlock& own : ownBlocks) {
+        const int pixels = 16 * own.vectors / outputBytes;
+        if (pixels * outputBytes == 16 * own.vectors &&
+            VectorsFit(sourceBytes, outputBytes, pixels, 16 * own.loads))
+            consider(pixels, own.vectors, own.loads, true, own.vectors * (20 + 14 * own.loads));
     }
     return best.shape;
 }

@@ -206,10 +206,11 @@ bool PatternReader::ReadWeights(ValueLine& line) const
             token.remove_prefix(separator + 1);
     }
     isSound = isSound && sum > 0 && sum <= static_cast<std::int64_t>(rules.highestWeightSum);
-    if (!isSound)
-        handler.Refuse(PatternRefusal::WeightSumOutOfRange, *line.ratioToken);
     line.weightSum = isSound ? static_cast<std::uint32_t>(sum) : 0;
-    return isSound;
+    if (isSound)
+        return true;
+    handler.Refuse(PatternRefusal::WeightSumOutOfRange, *line.ratioToken);
+    return false;
 }
 
 bool PatternReader::ReadEntry(std::int32_t alternative, ValueLine& line) const
@@ -230,9 +231,10 @@ bool PatternReader::ReadEntry(std::int32_t alternative, ValueLine& line) const
     }
     line.positions[index] = position;
     line.values[index] = ReadNumber(token);
-    if (position >= rules.positions)
-        handler.Refuse(PatternRefusal::PositionOutOfRange, *line.entryTokens[index]);
-    return position < rules.positions;
+    if (position < rules.positions)
+        return true;
+    handler.Refuse(PatternRefusal::PositionOutOfRange, *line.entryTokens[index]);
+    return false;
 }
 
 bool PatternReader::Is(const PatternToken& token, std::string_view keyword) const

@@ -27,7 +27,7 @@ std::vector<std::string> ListOf(const std::map<std::string, NamedIndex>& names,
 
 const InColorRecord& PatternOutline::Record(std::size_t inColour) const
 {
-    static const InColorRecord empty;
+    static const InColorRecord empty{};
     const InColorRecord* record = records.Find(static_cast<std::int32_t>(inColour));
     return record != nullptr ? *record : empty;
 }

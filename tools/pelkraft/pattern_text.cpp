@@ -51,10 +51,10 @@ PatternText PatternText::Load(const std::string& path)
         ThrowReadFailure(path, ErrorText(error));
     if (got < bytes.size())
         ThrowReadFailure(path, "it has become shorter meanwhile");
-    return PatternText(path, std::move(bytes));
+    return PatternText(path, bytes);
 }
 
-PatternText::PatternText(std::string newPath, std::string newBytes)
+PatternText::PatternText(std::string newPath, const std::string& newBytes)
     : path(std::move(newPath)), bytes(newBytes.substr(0, newBytes.find('\0'))),
       endsAtZero(bytes.size() < newBytes.size()), lines(bytes)
 {}

@@ -13,7 +13,7 @@ class PatternText
 public:
     // Reads a regular file of up to 1 MiB.
     static PatternText Load(const std::string& path);
-    PatternText(std::string newPath, std::string newBytes);
+    PatternText(std::string newPath, const std::string& newBytes);
 
     const std::string& Path() const { return path; }
     // Up to the first zero byte, where a text ends for the library.
