@@ -3,8 +3,9 @@
 # date, machine and command into its row of docs/reliability.md.
 #   evidence.sh [LINE...]            runs these lines whole, or all of them, which takes half a day
 #   evidence.sh --sample [LINE...]   runs a short fixed sample and writes nothing
-# A line has a script in scripts/evidence/, which gets "whole" or "sample" and the name of the line,
-# exits with 0 if all holds, and prints its figure on a line that begins with "figure: ".
+# A line has a script in scripts/evidence/, which gets "whole" or "sample", exits with 0 if all holds,
+# and prints its figure on a line that begins with "figure: ". A script of two lines gets the name
+# of the line too.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
@@ -20,11 +21,10 @@ all_lines() {
     sed -n 's/^| `\([a-z_]*\)` |.*/\1/p' "$report"
 }
 
-# Two lines are one script.
-script_of() {
+run_script() {
     case $1 in
-    guard_pages | outside_bytes) echo scripts/evidence/bounds.sh ;;
-    *) echo "scripts/evidence/$1.sh" ;;
+    guard_pages | outside_bytes) bash scripts/evidence/bounds.sh "$extent" "$1" ;;
+    *) bash "scripts/evidence/$1.sh" "$extent" ;;
     esac
 }
 
@@ -45,7 +45,7 @@ record() {
 run_line() {
     local line=$1 log=build/evidence/$1.log verdict="" figure
     echo "== $line, $extent"
-    bash "$(script_of "$line")" "$extent" "$line" 2>&1 | tee "$log"
+    run_script "$line" 2>&1 | tee "$log"
     [ "${PIPESTATUS[0]}" -eq 0 ] || verdict="FAILED: "
     figure=$(sed -n 's/^figure: //p' "$log" | tail -1)
     [ -n "$figure" ] || verdict="FAILED: "

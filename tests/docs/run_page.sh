@@ -88,7 +88,7 @@ has_word() { grep -qE -- "(^|[ |\"])$1([ )|\"]|\$)"; }
 # A line of the evidence has a script of its own name, or evidence.sh names another one.
 takes_line() {
     [ -f "$source_dir/scripts/evidence/$1.sh" ] ||
-        grep -qE "[ |]$1[ )].* echo scripts/evidence/" "$source_dir/scripts/evidence.sh"
+        grep -qE "[ |]$1[ )].* bash scripts/evidence/" "$source_dir/scripts/evidence.sh"
 }
 
 # Runs a command in the copy as a reader's shell would.
