@@ -9,6 +9,9 @@
 #   setup.sh peers    to run them beside public libraries
 #   setup.sh coverage to count the lines and branches that the tests reach
 #   setup.sh analysis to read all sources with clang-tidy and cppcheck
+#   setup.sh windows  to build for Windows and to run the tests under Wine
+#   setup.sh arm      to build for Arm and RISC-V and to run the tests under qemu
+#   setup.sh wasm     to build for WebAssembly and to run the tests in Node.js and Chromium
 # Without a name it takes what the tests need, which is the most.
 set -euo pipefail
 
@@ -18,6 +21,7 @@ picture_packages=(ghostscript libtiff-tools)
 test_packages=(perl clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind
     abigail-tools groff-base fish zsh doxygen libc++-14-dev libc++abi-14-dev g++-multilib python3)
 bench_packages=(libbenchmark-dev python3 util-linux)
+cross_packages=(g++ cmake ninja-build pkg-config googletest)
 peer_packages=(libopencv-dev libyuv-dev libswscale-dev python3-dev python3-numpy)
 
 case "${1:-test}" in
@@ -33,6 +37,9 @@ analysis)
     wanted=("${build_packages[@]}" "${bench_packages[@]}" "${peer_packages[@]}" clang clang-tidy
         cppcheck libgtest-dev)
     ;;
+windows) wanted=("${cross_packages[@]}" g++-mingw-w64-x86-64-posix clang lld llvm wine64) ;;
+arm) wanted=("${cross_packages[@]}" g++-aarch64-linux-gnu g++-riscv64-linux-gnu qemu-user libsimde-dev) ;;
+wasm) wanted=("${cross_packages[@]}" emscripten chromium) ;;
 *)
     echo "usage: bash scripts/setup.sh [GROUP]" >&2
     sed -n 's/^#   setup.sh/   /p' "$0" >&2
