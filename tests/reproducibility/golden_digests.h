@@ -41,6 +41,7 @@ std::string DigestOfRows(const std::vector<Bytes>& picture,
                          const std::function<Bytes(const Bytes& row)>& apply);
 
 // By the naive references alone.
+Bytes NaiveConversionRow(int number);
 std::string NaiveConversionDigest(int number);
 PatternDigests NaivePatternDigests(int number, int seedNumber);
 

@@ -14,11 +14,16 @@ ConversionCase CaseOf(const GoldenConversion& made, bool forcePortable)
 
 } // namespace
 
-std::string LibraryConversionDigest(int number, bool forcePortable)
+Bytes LibraryConversionRow(int number, bool forcePortable)
 {
     GoldenConversion made = MakeGoldenConversion(number);
     RunConversion(CaseOf(made, forcePortable), made.sourceRow.data(), made.before.data());
-    return Digest().Add(made.before).Hex();
+    return made.before;
+}
+
+std::string LibraryConversionDigest(int number, bool forcePortable)
+{
+    return Digest().Add(LibraryConversionRow(number, forcePortable)).Hex();
 }
 
 bool IsLeftPackedSomewhere(int number)

@@ -10,6 +10,8 @@
 // The library's own digests of the golden cases.
 namespace zvk::Pelkraft::TestSupport {
 
+// The destination row of a golden conversion, and its digest.
+Bytes LibraryConversionRow(int number, bool forcePortable);
 std::string LibraryConversionDigest(int number, bool forcePortable);
 
 // True if the portable road leaves channels of it packed, so that it has no golden bytes there.

@@ -4,13 +4,16 @@
 #include "tests/reproducibility/golden_digests.h"
 
 namespace zvk::Pelkraft::TestSupport {
-std::string NaiveConversionDigest(int number)
+
+Bytes NaiveConversionRow(int number)
 {
     const GoldenConversion made = MakeGoldenConversion(number);
-    return Digest()
-        .Add(NaiveConvert(made.source, made.sourceRow, made.destination, made.before,
-                          made.operation))
-        .Hex();
+    return NaiveConvert(made.source, made.sourceRow, made.destination, made.before, made.operation);
+}
+
+std::string NaiveConversionDigest(int number)
+{
+    return Digest().Add(NaiveConversionRow(number)).Hex();
 }
 
 PatternDigests NaivePatternDigests(int number, int seedNumber)
