@@ -1,11 +1,10 @@
 #pragma once
 
+#include "common/intrinsics_vector.h"
 #include "common/lanes_vector.h"
 #include "common/size_policies.h"
 #include "common/slot_units_vector.h"
 #include "common/unroll_vector.h"
-
-#include <tmmintrin.h>
 
 #include <cstdint>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <tmmintrin.h>
+#include "common/intrinsics_vector.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <tmmintrin.h>
+#include "common/intrinsics_vector.h"
 
 // Only for files built with vector flags: all of it has internal linkage on purpose. Chunks,
 // slots and parameter blocks are 16-byte aligned.

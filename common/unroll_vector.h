@@ -2,8 +2,6 @@
 
 #include "common/units.h"
 
-#include <tmmintrin.h>
-
 #include <utility>
 
 // Only for files built with vector flags: all of it has internal linkage on purpose, so that

@@ -1,6 +1,5 @@
+#include "common/intrinsics_vector.h"
 #include "copy/group_copy.h"
-
-#include <tmmintrin.h>
 
 #include <utility>
 

@@ -1,7 +1,6 @@
+#include "common/intrinsics_vector.h"
 #include "pattern/row_rest_vector.h"
 #include "pattern/sse_row.h"
-
-#include <tmmintrin.h>
 
 #include <cstddef>
 #include <cstring>

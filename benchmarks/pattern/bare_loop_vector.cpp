@@ -1,6 +1,5 @@
 #include "benchmarks/pattern/bare_loops.h"
-
-#include <tmmintrin.h>
+#include "common/intrinsics_vector.h"
 
 namespace zvk::Pelkraft::Benchmarks {
 

@@ -5,7 +5,7 @@
 // place. Spelled out, it follows every byte to where it goes; valgrind sees the real instruction.
 #if defined(__SSSE3__)
 
-#include <tmmintrin.h>
+#include "common/intrinsics_vector.h"
 
 static inline __m128i ShuffleByteByByte(__m128i source, __m128i places)
 {

@@ -1,0 +1,12 @@
+#pragma once
+
+// The intrinsics on vectors of 16 bytes, up to the byte shuffle of SSSE3: the compiler's own where
+// it has them, and else those that SIMDe makes of what the target does have. Only for files built
+// with vector flags.
+#if defined(__SSSE3__) || defined(_M_X64) || defined(_M_IX86)
+#include <tmmintrin.h>
+#else
+// Without it the names would begin with simde_.
+#define SIMDE_ENABLE_NATIVE_ALIASES
+#include <simde/x86/ssse3.h>
+#endif
