@@ -24,13 +24,20 @@ constexpr bool hasVectorRoad = true;
 constexpr bool hasVectorRoad = false;
 #endif
 
-// The road at a level that zvk::SystemTools::GetSseVersion reports; a caller that forces the
-// portable road passes 0.
+// The same for what is built for AVX2 and for AVX-512.
+#ifdef PELKRAFT_WIDE_ROADS
+constexpr bool hasWideRoads = true;
+#else
+constexpr bool hasWideRoads = false;
+#endif
+
+// The road at a level that zvk::SystemTools::GetSseVersion reports, or the last one before it that
+// is built. A caller that forces the portable road passes 0.
 constexpr Road RoadOf(std::int32_t sseVersion)
 {
     if (!hasVectorRoad || sseVersion < 3)
         return Road::Portable;
-    if (sseVersion < 6)
+    if (!hasWideRoads || sseVersion < 6)
         return Road::Vector;
     return sseVersion < 7 ? Road::Avx2 : Road::Avx512;
 }

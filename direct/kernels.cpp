@@ -18,17 +18,18 @@ const Kernels& CollectKernels()
 
 const Kernels& KernelsOf(Road road)
 {
-    if constexpr (hasVectorRoad) {
+    if constexpr (hasWideRoads) {
         if (road == Road::Avx512)
             return CollectKernels<Avx512Road::GetSplitMergeKernels, Avx512Road::GetSampleKernels,
                                   Avx512Road::GetPixelKernels>();
         if (road == Road::Avx2)
             return CollectKernels<Avx2Road::GetSplitMergeKernels, Avx2Road::GetSampleKernels,
                                   Avx2Road::GetPixelKernels>();
+    }
+    if constexpr (hasVectorRoad)
         if (road == Road::Vector)
             return CollectKernels<VectorRoad::GetSplitMergeKernels, VectorRoad::GetSampleKernels,
                                   VectorRoad::GetPixelKernels>();
-    }
     return CollectKernels<PortableRoad::GetSplitMergeKernels, PortableRoad::GetSampleKernels,
                           PortableRoad::GetPixelKernels>();
 }

@@ -22,7 +22,7 @@ SseRowMethod GetMethodForAnySteps(Road road)
 // The pattern must be one that can look up ink values.
 SseRowMethod GetLookupMethod(Road road, std::uint32_t inColors, std::uint32_t outInks)
 {
-    if constexpr (hasVectorRoad) {
+    if constexpr (hasWideRoads) {
         if (road == Road::Avx512)
             return GetWideWordMethodAvx512();
         if (road == Road::Avx2 && SuitsShortWords(inColors, outInks))

@@ -76,7 +76,7 @@ struct SseRow
 // other.
 using SseRowMethod = void (*)(const SseRow& row);
 
-// The first three exist only where hasVectorRoad is true.
+// The first exists only where hasVectorRoad is true, the next two only where hasWideRoads is.
 SseRowMethod GetSseRowMethodVector();
 // It takes 8 pixels at once, of patterns that can look up ink values and suit it.
 SseRowMethod GetShortWordMethodAvx2();

@@ -30,8 +30,8 @@ require_reasons() {
 
 run_cppcheck() {
     cppcheck --quiet --error-exitcode=1 --inline-suppr --std=c++20 --language=c++ \
-        --platform=unix64 --library=googletest -DPELKRAFT_VECTOR_ROAD -D__x86_64__ -D__SSE2__ \
-        -I. -Iinclude -Isystem_tools/include -j "$(nproc)" "$@"
+        --platform=unix64 --library=googletest -DPELKRAFT_VECTOR_ROAD -DPELKRAFT_WIDE_ROADS \
+        -D__x86_64__ -D__SSE2__ -D__SSSE3__ -I. -Iinclude -Isystem_tools/include -j "$(nproc)" "$@"
 }
 
 run_clang_tidy() {

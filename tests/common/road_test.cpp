@@ -16,9 +16,9 @@ TEST(Road, IsThatOfTheHighestLevelWithinTheProcessors)
         EXPECT_EQ(RoadOf(level), Road::Portable) << level;
     for (const std::int32_t level : {3, 4, 5})
         EXPECT_EQ(RoadOf(level), hasVectorRoad ? Road::Vector : Road::Portable) << level;
-    EXPECT_EQ(RoadOf(6), hasVectorRoad ? Road::Avx2 : Road::Portable);
+    EXPECT_EQ(RoadOf(6), hasWideRoads ? Road::Avx2 : RoadOf(5));
     for (const std::int32_t level : {7, 8, highest})
-        EXPECT_EQ(RoadOf(level), hasVectorRoad ? Road::Avx512 : Road::Portable) << level;
+        EXPECT_EQ(RoadOf(level), hasWideRoads ? Road::Avx512 : RoadOf(5)) << level;
 }
 
 } // namespace

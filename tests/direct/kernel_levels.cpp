@@ -17,6 +17,8 @@ std::vector<KernelLevel> AvailableKernelLevels()
             std::printf("not run: the level %s, which this processor lacks\n", level.name);
     };
     add(3, {"vector", &VectorRoad::GetSplitMergeKernels()});
+#endif
+#ifdef PELKRAFT_WIDE_ROADS
     add(6, {"avx2", &Avx2Road::GetSplitMergeKernels()});
     add(7, {"avx512", &Avx512Road::GetSplitMergeKernels()});
 #endif

@@ -22,6 +22,8 @@ TEST(KernelsOfARoad, AreItsOwn)
 #ifdef PELKRAFT_VECTOR_ROAD
     ExpectKernels(Road::Vector, VectorRoad::GetSplitMergeKernels(), VectorRoad::GetSampleKernels(),
                   VectorRoad::GetPixelKernels());
+#endif
+#ifdef PELKRAFT_WIDE_ROADS
     ExpectKernels(Road::Avx2, Avx2Road::GetSplitMergeKernels(), Avx2Road::GetSampleKernels(),
                   Avx2Road::GetPixelKernels());
     ExpectKernels(Road::Avx512, Avx512Road::GetSplitMergeKernels(), Avx512Road::GetSampleKernels(),

@@ -45,6 +45,8 @@ const std::vector<Level>& AllLevels()
         {"Portable", 0, &PortableRoad::GetPixelKernels()},
 #ifdef PELKRAFT_VECTOR_ROAD
         {"Vector", 3, &VectorRoad::GetPixelKernels()},
+#endif
+#ifdef PELKRAFT_WIDE_ROADS
         {"Avx2", 6, &Avx2Road::GetPixelKernels()},
         {"Avx512", 7, &Avx512Road::GetPixelKernels()},
 #endif

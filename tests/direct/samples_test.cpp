@@ -28,17 +28,17 @@ const std::vector<Level>& Levels()
 {
     static const std::vector<Level> levels = [] {
         std::vector<Level> found{{"portable", PortableRoad::GetSampleKernels()}};
-        if constexpr (hasVectorRoad) {
-            const Level vectors[] = {{"vector", VectorRoad::GetSampleKernels()},
-                                     {"avx2", Avx2Road::GetSampleKernels()},
-                                     {"avx512", Avx512Road::GetSampleKernels()}};
-            const int needed[] = {3, 6, 7};
-            for (std::size_t i = 0; i < std::size(vectors); ++i) {
-                if (SystemTools::GetSseVersion() >= needed[i])
-                    found.push_back(vectors[i]);
-                else
-                    std::cout << "not run, the processor lacks it: " << vectors[i].name << '\n';
-            }
+        const auto add = [&](int needed, const Level& level) {
+            if (SystemTools::GetSseVersion() >= needed)
+                found.push_back(level);
+            else
+                std::cout << "not run, the processor lacks it: " << level.name << '\n';
+        };
+        if constexpr (hasVectorRoad)
+            add(3, {"vector", VectorRoad::GetSampleKernels()});
+        if constexpr (hasWideRoads) {
+            add(6, {"avx2", Avx2Road::GetSampleKernels()});
+            add(7, {"avx512", Avx512Road::GetSampleKernels()});
         }
         return found;
     }();

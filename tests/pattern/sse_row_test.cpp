@@ -107,8 +107,9 @@ bool SuitsAny(std::uint32_t, std::uint32_t)
 std::vector<Method> AllMethods()
 {
     std::vector<Method> methods = {{"portable", 0, GetSseRowMethodPortable(), false, SuitsAny}};
-    if constexpr (hasVectorRoad) {
+    if constexpr (hasVectorRoad)
         methods.push_back({"vector", 3, GetSseRowMethodVector(), false, SuitsAny});
+    if constexpr (hasWideRoads) {
         methods.push_back({"short words", 6, GetShortWordMethodAvx2(), true, SuitsShortWords});
         methods.push_back({"wide words", 7, GetWideWordMethodAvx512(), true, SuitsAny});
     }
