@@ -86,16 +86,6 @@ public:
     }
 };
 
-#else
-
-class ThisProcessor final : public IProcessorAnswers
-{
-public:
-    CpuidRegisters Cpuid(std::uint32_t, std::uint32_t) const override { return {}; }
-
-    std::uint64_t ReadXcr0() const override { return 0; }
-};
-
 #endif
 
 } // namespace
@@ -127,7 +117,15 @@ int WorkOutLevel(const IProcessorAnswers& processor)
 
 int GetProcessorLevel()
 {
+#if defined(ZVK_PROCESSOR_MICROSOFT) || defined(ZVK_PROCESSOR_GNU)
     return WorkOutLevel(ThisProcessor{});
+#elif defined(PELKRAFT_VECTOR_ROAD)
+    // No other processor has levels to ask for. It counts as one of SSSE3, so that rows and
+    // patterns get the bytes that they get on x86.
+    return 3;
+#else
+    return 0;
+#endif
 }
 
 } // namespace zvk::SystemTools

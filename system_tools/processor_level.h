@@ -29,7 +29,8 @@ protected:
 // The level, 0 to 7, that these answers amount to.
 int WorkOutLevel(const IProcessorAnswers& processor);
 
-// The level of the processor that this runs on; 0 off x86.
+// The level of the processor that this runs on. Off x86 it is 3 where the byte shuffle was built,
+// and else 0.
 int GetProcessorLevel();
 
 } // namespace zvk::SystemTools

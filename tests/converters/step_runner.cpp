@@ -1,14 +1,13 @@
 #include "tests/converters/step_runner.h"
 
+#include "common/road.h"
+#include "zvk/system_tools.h"
+
 namespace zvk::Pelkraft::TestSupport {
 
 bool HasVectorRoad()
 {
-#ifdef PELKRAFT_VECTOR_ROAD
-    return __builtin_cpu_supports("ssse3") != 0;
-#else
-    return false;
-#endif
+    return RoadOf(SystemTools::GetSseVersion()) != Pelkraft::Road::Portable;
 }
 
 std::vector<Road> AvailableRoads()

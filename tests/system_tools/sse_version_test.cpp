@@ -1,3 +1,4 @@
+#include "common/road.h"
 #include "zvk/system_tools.h"
 
 #include <gtest/gtest.h>
@@ -9,10 +10,10 @@
 namespace zvk::SystemTools {
 namespace {
 
-// The compiler's runtime asks the processor in a way of its own.
-int LevelByTheCompilersRuntime()
+int LevelOfThisProcessor()
 {
 #if defined(__x86_64__) || defined(__i386__)
+    // The compiler's runtime asks the processor in a way of its own.
     __builtin_cpu_init();
     const bool meetsLevel[] = {
         __builtin_cpu_supports("sse") != 0,
@@ -29,7 +30,7 @@ int LevelByTheCompilersRuntime()
         ++level;
     return level;
 #else
-    return 0;
+    return Pelkraft::hasVectorRoad ? 3 : 0;
 #endif
 }
 
@@ -41,13 +42,13 @@ protected:
 
 TEST_F(SseVersion, IsTheLevelOfThisProcessor)
 {
-    EXPECT_EQ(LevelByTheCompilersRuntime(), GetSseVersion());
-    EXPECT_EQ(LevelByTheCompilersRuntime(), GetSseVersion());
+    EXPECT_EQ(LevelOfThisProcessor(), GetSseVersion());
+    EXPECT_EQ(LevelOfThisProcessor(), GetSseVersion());
 }
 
 TEST_F(SseVersion, IsLoweredToTheLimitAndNeverRaised)
 {
-    const int own = LevelByTheCompilersRuntime();
+    const int own = LevelOfThisProcessor();
     for (int limit = 0; limit <= 9; ++limit) {
         LimitSseVersion(limit);
         EXPECT_EQ(limit < own ? limit : own, GetSseVersion()) << "limit " << limit;
@@ -56,7 +57,7 @@ TEST_F(SseVersion, IsLoweredToTheLimitAndNeverRaised)
 
 TEST_F(SseVersion, ObeysTheLastLimitAlone)
 {
-    const int own = LevelByTheCompilersRuntime();
+    const int own = LevelOfThisProcessor();
     LimitSseVersion(0);
     EXPECT_EQ(0, GetSseVersion());
     LimitSseVersion(7);
@@ -73,7 +74,7 @@ TEST_F(SseVersion, TakesALimitBelowZeroAsZero)
 
 TEST_F(SseVersion, IsAlwaysOneOfTheLimitsThatThreadsSet)
 {
-    const int own = LevelByTheCompilersRuntime();
+    const int own = LevelOfThisProcessor();
     LimitSseVersion(1);
     std::thread changer([] {
         for (int i = 0; i < 2000; ++i)
