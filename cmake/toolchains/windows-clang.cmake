@@ -8,8 +8,8 @@ set(CMAKE_CXX_COMPILER_TARGET x86_64-w64-windows-gnu)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 # Clang 14 does not look where Debian puts MinGW's C++ library with POSIX threads.
 set(libraries /usr/lib/gcc/x86_64-w64-mingw32/12-posix)
-set(CMAKE_CXX_FLAGS_INIT "-nostdinc++ -isystem ${libraries}/include/c++ \
--isystem ${libraries}/include/c++/x86_64-w64-mingw32")
+set(CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES
+    ${libraries}/include/c++ ${libraries}/include/c++/x86_64-w64-mingw32)
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-L${libraries}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-L${libraries}")
 include(${CMAKE_CURRENT_LIST_DIR}/windows-root.cmake)
