@@ -1,5 +1,5 @@
 # The library holds the objects of all rooms, and exports the names of one list.
-add_library(pelkraft $<TARGET_OBJECTS:pelkraft_objects>)
+add_library(pelkraft ${PELKRAFT_OBJECTS})
 add_library(pelkraft::pelkraft ALIAS pelkraft)
 target_compile_features(pelkraft PUBLIC cxx_std_11)
 target_include_directories(pelkraft PUBLIC

@@ -1,15 +1,18 @@
 #include "pelkraft/image_row.h"
 
-#if defined(_WIN32)
+#if defined(PELKRAFT_HAS_TRY)
 #include "zvk/diagnostics.h"
 
 #include <windows.h>
+
+// Headers of the C++ library have a macro of this name, which means try.
+#undef __try
 #endif
 
 namespace zvk::Pelkraft {
 namespace {
 
-#if defined(_WIN32)
+#if defined(PELKRAFT_HAS_TRY)
 
 long LogAndGoOn(EXCEPTION_POINTERS* pointers)
 {
@@ -19,7 +22,7 @@ long LogAndGoOn(EXCEPTION_POINTERS* pointers)
 }
 
 // Logs the structured exceptions that pass, and catches none. No object with a destructor may live
-// in a function that has __try.
+// in a function that has __try, and some compilers guard nothing there but calls.
 template <typename Body>
 void Guarded(Body body)
 {
