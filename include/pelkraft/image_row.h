@@ -23,7 +23,8 @@ namespace Pelkraft {
 // Threads    Many readers or one writer. Conversions of distinct rows may run at once.
 //
 // The order of the virtual operations and of the fields is a binary interface: append, never
-// reorder.
+// reorder. Microsoft's binary interface numbers the overloads of one name from the last declared
+// to the first, so each pair is declared the other way round for it.
 class PELKRAFT_EXPORT ImageRow
 {
 public:
@@ -113,26 +114,45 @@ public:
     // All of them come before the first pixel is written, and each is left as it was thrown. Each
     // is logged once; on Windows twice, since a throw is a structured exception there and is logged
     // by its number first.
+#if defined(_MSC_VER)
+    virtual void FillFrom(const ImageRow& source, bool firstFlag, bool forcePortable);
+    virtual void FillFrom(const ImageRow& source, const OptionalParameters* options);
+#else
     virtual void FillFrom(const ImageRow& source, const OptionalParameters* options);
     virtual void FillFrom(const ImageRow& source, bool firstFlag, bool forcePortable);
+#endif
 
     // As FillFrom, where channel c of this row is channel map[c] of source. map has one entry
     // for each of this row's channels and is only read during the call; a negative entry gives 0,
     // an entry beyond the source's channels an unspecified value. A null map throws
     // "zvk::Pelkraft::ImageRow::FillFromWithRemap unsupported conversion".
+#if defined(_MSC_VER)
+    virtual void FillFromWithRemap(const ImageRow& source, const int* map, bool firstFlag,
+                                   bool forcePortable);
+    virtual void FillFromWithRemap(const ImageRow& source, const int* map,
+                                   const OptionalParameters* options);
+#else
     virtual void FillFromWithRemap(const ImageRow& source, const int* map,
                                    const OptionalParameters* options);
     virtual void FillFromWithRemap(const ImageRow& source, const int* map, bool firstFlag,
                                    bool forcePortable);
+#endif
 
     // As FillFrom, where each pixel of source is written abs(factor) times. A negative factor
     // reads source from its last pixel to its first. factor is 1, 2, 4, -1, -2 or -4; any other,
     // and differing channel counts, throw
     // "zvk::Pelkraft::ImageRow::FillFromWithPixelRepeat unsupported conversion".
+#if defined(_MSC_VER)
+    virtual void FillFromWithPixelRepeat(const ImageRow& source, int factor, bool firstFlag,
+                                         bool forcePortable);
+    virtual void FillFromWithPixelRepeat(const ImageRow& source, int factor,
+                                         const OptionalParameters* options);
+#else
     virtual void FillFromWithPixelRepeat(const ImageRow& source, int factor,
                                          const OptionalParameters* options);
     virtual void FillFromWithPixelRepeat(const ImageRow& source, int factor, bool firstFlag,
                                          bool forcePortable);
+#endif
 
 protected:
     // Bytes that SetData has to find room for.
