@@ -60,8 +60,9 @@ TEST_F(PatternLevels, HaveAMethodForEachRoad)
             SCOPED_TRACE(testing::Message() << inColors << " to " << outInks);
             const std::string text = Fed(inColors, outInks, "2", "1 1 0-1\n2 1 0-2");
             EXPECT_EQ(MethodOn(Road::Portable, text), GetSseRowMethodPortable());
-            if constexpr (hasVectorRoad)
+            if constexpr (hasVectorRoad) {
                 EXPECT_EQ(MethodOn(Road::Vector, text), GetSseRowMethodVector());
+            }
             if constexpr (hasWideRoads) {
                 const bool isShort = outInks <= 4 || (outInks <= 8 && inColors <= 4);
                 EXPECT_EQ(MethodOn(Road::Avx2, text),
