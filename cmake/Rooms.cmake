@@ -23,9 +23,11 @@ built: it is slower, and it leaves channels out when it unpacks 1 or 2 bits (doc
     endif()
 endif()
 
-# The code asks by these names.
+# The code asks by these names, and so do other rules of the build.
 set(PELKRAFT_ROADS)
+set(PELKRAFT_VECTOR_ROAD OFF)
 if("vector" IN_LIST PELKRAFT_VECTOR_ENDINGS)
+    set(PELKRAFT_VECTOR_ROAD ON)
     list(APPEND PELKRAFT_ROADS PELKRAFT_VECTOR_ROAD)
 endif()
 if("avx2" IN_LIST PELKRAFT_VECTOR_ENDINGS)
