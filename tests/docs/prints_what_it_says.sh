@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
-# Runs a program and compares its output: prints_what_it_says.sh PROGRAM EXPECTED
+# Runs a program, perhaps by way of an emulator, and compares its output:
+#   prints_what_it_says.sh EXPECTED [EMULATOR...] PROGRAM
 set -euo pipefail
-diff <("$1") "$2"
+diff <("${@:2}") "$1"
