@@ -17,7 +17,7 @@ done | awk -F '\t' -v expected="$methodCount" '
         methods += reading
         name = $0
     }
-    reading && $2 ~ /(^| )(j[a-z]+|call[a-z]*|loop[a-z]*)( |$)/ {
+    reading && $2 ~ /(^| )(j[a-z]+|call[a-z]*|loop[a-z]*|bl?r?|b\.[a-z]+|[ct]bn?z)( |$)/ {
         print name, $2
         ++jumps
     }
