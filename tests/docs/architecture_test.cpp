@@ -102,7 +102,7 @@ TEST_F(PageOfArchitecture, HasThePassesOfItsJobs)
         ExpectRow("remap 20 x 8 bit, interleaved", remap);
     for (const int otherLevel : {0, 7}) {
         remap.sseVersion = otherLevel;
-        if (hasVectorRoad || otherLevel == 0) {
+        if (hasWideRoads || otherLevel == 0) {
             EXPECT_EQ("`Step`", PassesOf(remap)) << otherLevel;
         }
     }
