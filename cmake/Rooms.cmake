@@ -2,7 +2,6 @@
 # stands for. The 16-byte one needs a shuffle of bytes: x86 and WebAssembly have it in headers of
 # their own, and elsewhere SIMDe's headers make it of what the processor has. Only x86 has the wide
 # ones.
-include(CheckIncludeFileCXX)
 string(TOLOWER "${CMAKE_SYSTEM_PROCESSOR}" processor)
 if(processor MATCHES "^(x86_64|amd64|i[3-6]86)$")
     set(PELKRAFT_VECTOR_ENDINGS vector avx2 avx512)
@@ -13,9 +12,10 @@ elseif(EMSCRIPTEN)
     set(PELKRAFT_VECTOR_ENDINGS vector)
     set(PELKRAFT_FLAGS_vector -msimd128 -mssse3)
 else()
-    check_include_file_cxx(simde/x86/ssse3.h PELKRAFT_HAS_SIMDE)
-    if(PELKRAFT_HAS_SIMDE)
+    find_path(PELKRAFT_SIMDE_INCLUDE simde/x86/ssse3.h DOC "Where SIMDe's headers are")
+    if(PELKRAFT_SIMDE_INCLUDE)
         set(PELKRAFT_VECTOR_ENDINGS vector)
+        include_directories(SYSTEM ${PELKRAFT_SIMDE_INCLUDE})
     else()
         set(PELKRAFT_VECTOR_ENDINGS)
         message(NOTICE "pelkraft: no SIMDe headers (libsimde-dev), so only the portable road is \
