@@ -73,9 +73,10 @@ public:
         Reference = 1,
         // X86 is portable and runs on any processor.
         X86 = 2,
-        // Sse needs SSSE3, which the caller answers for. It gives the bytes of X86, save that the
-        // first row after ResetRandomizer starts one place earlier. It takes patterns that X86
-        // refuses, and refuses patterns that need too many values at once.
+        // Sse needs SSSE3 on x86, which the caller answers for, and runs on any other processor. It
+        // gives the bytes of X86, save that the first row after ResetRandomizer starts one place
+        // earlier. It takes patterns that X86 refuses, and refuses patterns that need too many
+        // values at once.
         Sse = 3
     };
 

@@ -39,6 +39,10 @@ public:
         // Carried along, without an effect.
         bool firstFlag;
         // True takes the portable road, without vector instructions, whatever the processor offers.
+        // Only that road leaves channels out, which stay packed: it unpacks all channels of 1 or 2
+        // bits only if they are 13 to 16, 29 to 32 and so on. Without the flag it is taken where
+        // zvk::SystemTools::GetSseVersion() is below 3: on x86 before SSSE3, under a limit, and in
+        // builds for other processors without SIMDe.
         bool forcePortable;
         // Carried along, without an effect.
         bool thirdFlag;
