@@ -36,6 +36,11 @@ class Pelkraft(ConanFile):
         self.folders.root = os.path.join("..", "..")
         cmake_layout(self)
 
+    def requirements(self):
+        # The compiler's own headers have the shuffle of bytes on these.
+        if self.settings.arch not in ("x86", "x86_64", "wasm", "wasm64"):
+            self.requires("simde/0.8.2", visible=False)
+
     def generate(self):
         CMakeToolchain(self).generate()
 

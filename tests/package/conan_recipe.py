@@ -36,6 +36,12 @@ class ConanFile:
     def __init__(self):
         self.folders, self.cpp_info = types.SimpleNamespace(), PackageInfo()
         self.options = types.SimpleNamespace(**self.default_options)
+        self.settings = types.SimpleNamespace(arch="x86_64")
+        self.required = []
+
+    def requires(self, reference, visible):
+        assert not visible, "customers need none of what the build needs"
+        self.required.append(reference.split("/")[0])
 
 
 class CMakeToolchain:
@@ -120,10 +126,18 @@ def create(recipe, work):
     recipe.recipe_folder = os.path.join(work, "export")
     recipe.source_folder = recipe.export_sources_folder
     recipe.layout()
+    recipe.requirements()
     recipe.generate()
     recipe.build()
     recipe.package()
     recipe.package_info()
+
+
+def check_requirements(recipe):
+    assert recipe.required == [], "x86 has a shuffle of bytes"
+    recipe.settings.arch = "armv8"
+    recipe.requirements()
+    assert recipe.required == ["simde"]
 
 
 def write_targets(recipe, folder):
@@ -147,6 +161,7 @@ def write_targets(recipe, folder):
 with tempfile.TemporaryDirectory() as work:
     recipe = load_recipe(os.path.join(source_dir, "packaging", "conan", "conanfile.py"))
     create(recipe, work)
+    check_requirements(recipe)
     for text in ("LICENSE", "NOTICE"):
         assert load(recipe, os.path.join(recipe.package_folder, "licenses", text)) == \
             load(recipe, os.path.join(source_dir, text)), text
