@@ -3,6 +3,12 @@
 #include "common/road.h"
 #include "zvk/system_tools.h"
 
+#if defined(_M_X64)
+#include <emmintrin.h>
+
+#include <cstdint>
+#endif
+
 namespace zvk::Pelkraft {
 namespace {
 
@@ -16,6 +22,15 @@ void CopyFirstUnit([[maybe_unused]] const GroupRun& run)
                  :
                  : "r"(run.source), "r"(run.destination)
                  : "xmm0", "memory");
+#elif defined(_M_X64)
+    // Without inline assembly only a streaming store is sure to fault: for an aligned load or store
+    // a compiler may take the unaligned instruction. One store stands for both addresses, since its
+    // own has the low bits of both.
+    const auto place = reinterpret_cast<std::uintptr_t>(run.destination) |
+                       (reinterpret_cast<std::uintptr_t>(run.source) & 15);
+    _mm_stream_si128(reinterpret_cast<__m128i*>(place),
+                     _mm_loadu_si128(reinterpret_cast<const __m128i*>(run.source)));
+    _mm_sfence();
 #endif
 }
 
