@@ -1,6 +1,7 @@
 #include "chunks/method_list_vector.h"
 #include "chunks/units_vector.h"
 #include "common/chunk_header.h"
+#include "common/inlining.h"
 
 namespace zvk::Pelkraft {
 namespace {
@@ -15,14 +16,14 @@ struct Spreading
     __m128i unit;
 };
 
-[[gnu::always_inline]] inline __m128i ReadUnit(Spreading& spreading)
+PELKRAFT_ALWAYS_INLINE inline __m128i ReadUnit(Spreading& spreading)
 {
     spreading.unit = LoadRowUnit(spreading.row);
     spreading.row += unitBytes;
     return spreading.unit;
 }
 
-[[gnu::always_inline]] inline void WriteUnit(Spreading& spreading, __m128i unit)
+PELKRAFT_ALWAYS_INLINE inline void WriteUnit(Spreading& spreading, __m128i unit)
 {
     StoreSlotUnit(spreading.slot, unit);
     spreading.slot += unitBytes;
@@ -30,7 +31,7 @@ struct Spreading
 
 // The next 16 bytes of the row, which begin shift bytes into a unit.
 template <int shift>
-[[gnu::always_inline]] inline __m128i ReadAcrossUnits(Spreading& spreading)
+PELKRAFT_ALWAYS_INLINE inline __m128i ReadAcrossUnits(Spreading& spreading)
 {
     if constexpr (shift == 0)
         return ReadUnit(spreading);
@@ -41,7 +42,7 @@ template <int shift>
 // A pixel's last unit is not read across a unit's end unless the pixel goes there, since there
 // may be no row after the last pixel.
 template <int shift, int trail>
-[[gnu::always_inline]] inline __m128i ReadTrail(Spreading& spreading)
+PELKRAFT_ALWAYS_INLINE inline __m128i ReadTrail(Spreading& spreading)
 {
     if constexpr (shift == 0 || shift + trail > unitBytes)
         return ReadAcrossUnits<shift>(spreading);
@@ -61,10 +62,10 @@ struct LoadMove
                             _mm_setzero_si128()};
 
         // Ascending: a reversed row may lie inside these same slots.
-        Unroll<slotsPerChunk>([&](auto pixel) __attribute__((always_inline)) {
+        Unroll<slotsPerChunk>([&](auto pixel) PELKRAFT_ALWAYS_INLINE {
             // Whole units before the trails don't count in a place within a unit.
             constexpr int shift = pixel * trail % unitBytes;
-            leadingUnits.ForEach([&]() __attribute__((always_inline)) {
+            leadingUnits.ForEach([&]() PELKRAFT_ALWAYS_INLINE {
                 WriteUnit(spreading, ReadAcrossUnits<shift>(spreading));
             });
             WriteUnit(spreading, ReadTrail<shift, trail>(spreading));

@@ -1,6 +1,7 @@
 #include "chunks/method_list_vector.h"
 #include "chunks/units_vector.h"
 #include "common/chunk_header.h"
+#include "common/inlining.h"
 
 #include <type_traits>
 
@@ -19,7 +20,7 @@ struct Gathering
 // Takes the low bytes of the next slot unit after the pending ones. Bytes above them in the slot
 // are never aligned into the row.
 template <int pending, int bytes>
-[[gnu::always_inline]] inline void GatherUnit(Gathering& gathering)
+PELKRAFT_ALWAYS_INLINE inline void GatherUnit(Gathering& gathering)
 {
     const __m128i unit = LoadSlotUnit(gathering.slot);
     gathering.slot += unitBytes;
@@ -34,22 +35,21 @@ template <int pending, int bytes>
 }
 
 template <typename Policy, int trail>
-[[gnu::always_inline]] inline void GatherPixels(Gathering gathering,
+PELKRAFT_ALWAYS_INLINE inline void GatherPixels(Gathering gathering,
                                                 const LeadingLoop<Policy>& leadingUnits)
 {
-    Unroll<slotsPerChunk>([&](auto pixel) __attribute__((always_inline)) {
+    Unroll<slotsPerChunk>([&](auto pixel) PELKRAFT_ALWAYS_INLINE {
         // Whole units before the trails don't count in a place within a unit.
         constexpr int pending = pixel * trail % unitBytes;
-        leadingUnits.ForEach([&]() __attribute__((always_inline)) {
-            GatherUnit<pending, unitBytes>(gathering);
-        });
+        leadingUnits.ForEach(
+            [&]() PELKRAFT_ALWAYS_INLINE { GatherUnit<pending, unitBytes>(gathering); });
         GatherUnit<pending, trail>(gathering);
     });
 }
 
 // The low bytes of so many slots side by side, then as many junk bytes.
 template <int trail, int slotCount>
-[[gnu::always_inline]] inline __m128i JoinSlots(const unsigned char* slots)
+PELKRAFT_ALWAYS_INLINE inline __m128i JoinSlots(const unsigned char* slots)
 {
     if constexpr (slotCount == 1) {
         return LoadSlotUnit(slots);
@@ -63,10 +63,10 @@ template <int trail, int slotCount>
 
 // Short pixels that never lie across two row units: each row unit is a tree of its own.
 template <int trail>
-[[gnu::always_inline]] inline void JoinPixels(const Gathering& gathering)
+PELKRAFT_ALWAYS_INLINE inline void JoinPixels(const Gathering& gathering)
 {
     constexpr int slotsPerUnit = unitBytes / trail;
-    Unroll<trail>([&](auto unit) __attribute__((always_inline)) {
+    Unroll<trail>([&](auto unit) PELKRAFT_ALWAYS_INLINE {
         const unsigned char* slots = gathering.slot + unit * slotsPerUnit * unitBytes;
         StoreRowUnit(gathering.row + unit * unitBytes, JoinSlots<trail, slotsPerUnit>(slots));
     });

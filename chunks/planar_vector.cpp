@@ -2,6 +2,7 @@
 #include "chunks/method_list_vector.h"
 #include "chunks/transpose_vector.h"
 #include "common/chunk_header.h"
+#include "common/inlining.h"
 
 #include <type_traits>
 
@@ -20,18 +21,18 @@ struct Group
 
 // One unit of each plane, which is 16 samples of a byte or 8 of two, into as many slots.
 template <int sampleBytes, int planes>
-[[gnu::always_inline]] inline void MoveUnitOfPlanes(const Group<End::Load>& group)
+PELKRAFT_ALWAYS_INLINE inline void MoveUnitOfPlanes(const Group<End::Load>& group)
 {
     constexpr int pixels = unitBytes / sampleBytes;
     constexpr int pixelBytes = TransposedBytes(sampleBytes, planes);
     constexpr int pixelsPerUnit = unitBytes / pixelBytes;
 
     Units<planes> samples;
-    Unroll<planes>([&](auto plane) __attribute__((always_inline)) {
+    Unroll<planes>([&](auto plane) PELKRAFT_ALWAYS_INLINE {
         samples.at[plane] = LoadRowUnit(group.row + plane * group.pitch);
     });
     const auto slotUnits = Transpose<sampleBytes, planes, pixels>(samples);
-    Unroll<pixels>([&](auto pixel) __attribute__((always_inline)) {
+    Unroll<pixels>([&](auto pixel) PELKRAFT_ALWAYS_INLINE {
         constexpr int shift = pixel % pixelsPerUnit * pixelBytes;
         const __m128i unit = slotUnits.at[pixel / pixelsPerUnit];
         StoreSlotUnit(group.slots + pixel * group.slotBytes, ShiftUnit<shift>(unit));
@@ -39,22 +40,22 @@ template <int sampleBytes, int planes>
 }
 
 template <int sampleBytes, int planes>
-[[gnu::always_inline]] inline void MoveUnitOfPlanes(const Group<End::Save>& group)
+PELKRAFT_ALWAYS_INLINE inline void MoveUnitOfPlanes(const Group<End::Save>& group)
 {
     constexpr int pixels = unitBytes / sampleBytes;
 
     Units<pixels> slotUnits;
-    Unroll<pixels>([&](auto pixel) __attribute__((always_inline)) {
+    Unroll<pixels>([&](auto pixel) PELKRAFT_ALWAYS_INLINE {
         slotUnits.at[pixel] = LoadSlotUnit(group.slots + pixel * group.slotBytes);
     });
     const auto samples = Transpose<sampleBytes, pixels, planes>(slotUnits);
-    Unroll<planes>([&](auto plane) __attribute__((always_inline)) {
+    Unroll<planes>([&](auto plane) PELKRAFT_ALWAYS_INLINE {
         StoreRowUnit(group.row + plane * group.pitch, samples.at[plane]);
     });
 }
 
 template <int sampleBytes, int planes, End end>
-[[gnu::always_inline]] inline void MovePlanes(Group<end> group)
+PELKRAFT_ALWAYS_INLINE inline void MovePlanes(Group<end> group)
 {
     MoveUnitOfPlanes<sampleBytes, planes>(group);
     if constexpr (sampleBytes == 2) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "chunks/units_vector.h"
+#include "common/inlining.h"
 
 // Only for files built with vector flags; like all of theirs it has internal linkage.
 namespace zvk::Pelkraft {
@@ -26,15 +27,15 @@ constexpr int CountParts(int elements, int elementsPerPart)
 //
 // A group without a neighbour is merged with itself. Parts that hold no output are left out.
 template <int elementBytes, int groups, int outputs, int parts>
-[[gnu::always_inline]] inline auto MergeGroups(const Units<groups * parts>& from)
+PELKRAFT_ALWAYS_INLINE inline auto MergeGroups(const Units<groups * parts>& from)
 {
     constexpr int mergedGroups = (groups + 1) / 2;
     constexpr int mergedParts = CountParts(outputs, unitBytes / elementBytes / 2);
     Units<mergedGroups * mergedParts> merged;
-    Unroll<mergedGroups>([&](auto group) __attribute__((always_inline)) {
+    Unroll<mergedGroups>([&](auto group) PELKRAFT_ALWAYS_INLINE {
         constexpr int first = 2 * group;
         constexpr int second = first + 1 < groups ? first + 1 : first;
-        Unroll<mergedParts>([&](auto part) __attribute__((always_inline)) {
+        Unroll<mergedParts>([&](auto part) PELKRAFT_ALWAYS_INLINE {
             const __m128i low = from.at[first * parts + part / 2];
             const __m128i high = from.at[second * parts + part / 2];
             __m128i& result = merged.at[group * mergedParts + part];
@@ -51,7 +52,7 @@ template <int elementBytes, int groups, int outputs, int parts>
 // a byte, or 4 or less of two, a register of the result holds several outputs side by side, each
 // in as many bytes as TransposedBytes says.
 template <int elementBytes, int inputs, int outputs, int parts = 1>
-[[gnu::always_inline]] inline auto Transpose(const Units<inputs * parts>& from)
+PELKRAFT_ALWAYS_INLINE inline auto Transpose(const Units<inputs * parts>& from)
 {
     if constexpr (inputs == 1) {
         return from;

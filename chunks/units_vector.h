@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "common/intrinsics_vector.h"
 #include "common/lanes_vector.h"
 #include "common/size_policies.h"
@@ -13,19 +14,19 @@ namespace zvk::Pelkraft {
 namespace {
 
 // A row may begin at any address.
-[[gnu::always_inline]] inline __m128i LoadRowUnit(const unsigned char* row)
+PELKRAFT_ALWAYS_INLINE inline __m128i LoadRowUnit(const unsigned char* row)
 {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(row));
 }
 
-[[gnu::always_inline]] inline void StoreRowUnit(unsigned char* row, __m128i unit)
+PELKRAFT_ALWAYS_INLINE inline void StoreRowUnit(unsigned char* row, __m128i unit)
 {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(row), unit);
 }
 
 // The 16 bytes from byte shift on of two units side by side.
 template <int shift>
-[[gnu::always_inline]] inline __m128i AlignUnits(__m128i low, __m128i high)
+PELKRAFT_ALWAYS_INLINE inline __m128i AlignUnits(__m128i low, __m128i high)
 {
     if constexpr (shift == 0)
         return low;
@@ -37,7 +38,7 @@ template <int shift>
 
 // The bytes from byte shift on, then zeros.
 template <int shift>
-[[gnu::always_inline]] inline __m128i ShiftUnit(__m128i unit)
+PELKRAFT_ALWAYS_INLINE inline __m128i ShiftUnit(__m128i unit)
 {
     if constexpr (shift == 0)
         return unit;
@@ -57,9 +58,9 @@ public:
     explicit LeadingLoop(const std::uint64_t&) {}
 
     template <typename Body>
-    [[gnu::always_inline]] void ForEach(Body body) const
+    PELKRAFT_ALWAYS_INLINE void ForEach(Body body) const
     {
-        Unroll<count>([&](auto) __attribute__((always_inline)) { body(); });
+        Unroll<count>([&](auto) PELKRAFT_ALWAYS_INLINE { body(); });
     }
 };
 
@@ -70,7 +71,7 @@ public:
     explicit LeadingLoop(const std::uint64_t& unitCount) : count(unitCount - 1) {}
 
     template <typename Body>
-    [[gnu::always_inline]] void ForEach(Body body) const
+    PELKRAFT_ALWAYS_INLINE void ForEach(Body body) const
     {
         for (std::uint64_t unit = 0; unit < count; ++unit)
             body();

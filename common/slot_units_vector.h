@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "common/intrinsics_vector.h"
 
 // Only for files built with vector flags: all of it has internal linkage on purpose. Chunks,
@@ -7,12 +8,12 @@
 namespace zvk::Pelkraft {
 namespace {
 
-[[gnu::always_inline]] inline __m128i LoadSlotUnit(const unsigned char* slot)
+PELKRAFT_ALWAYS_INLINE inline __m128i LoadSlotUnit(const unsigned char* slot)
 {
     return _mm_load_si128(reinterpret_cast<const __m128i*>(slot));
 }
 
-[[gnu::always_inline]] inline void StoreSlotUnit(unsigned char* slot, __m128i unit)
+PELKRAFT_ALWAYS_INLINE inline void StoreSlotUnit(unsigned char* slot, __m128i unit)
 {
     _mm_store_si128(reinterpret_cast<__m128i*>(slot), unit);
 }

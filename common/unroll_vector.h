@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "common/units.h"
 
 #include <utility>
@@ -16,7 +17,7 @@ struct Constant
 };
 
 template <typename Body, int... index>
-[[gnu::always_inline]] inline void UnrollOver([[maybe_unused]] Body body,
+PELKRAFT_ALWAYS_INLINE inline void UnrollOver([[maybe_unused]] Body body,
                                               std::integer_sequence<int, index...>)
 {
     (body(Constant<index>{}), ...);
@@ -24,7 +25,7 @@ template <typename Body, int... index>
 
 // Calls body(0) to body(count - 1), each index a constant of the build.
 template <int count, typename Body>
-[[gnu::always_inline]] inline void Unroll(Body body)
+PELKRAFT_ALWAYS_INLINE inline void Unroll(Body body)
 {
     UnrollOver(body, std::make_integer_sequence<int, count>{});
 }

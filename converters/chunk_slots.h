@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/chunk_header.h"
+#include "common/inlining.h"
 #include "common/units.h"
 
 #include <cstdint>
@@ -11,18 +12,18 @@
 namespace zvk::Pelkraft {
 namespace {
 
-[[gnu::always_inline]] inline unsigned char* SlotsOf(void* chunkHeader)
+PELKRAFT_ALWAYS_INLINE inline unsigned char* SlotsOf(void* chunkHeader)
 {
     return static_cast<unsigned char*>(chunkHeader) + headerBytes;
 }
 
-[[gnu::always_inline]] inline std::uint64_t PixelBytesOf(const void* chunkHeader)
+PELKRAFT_ALWAYS_INLINE inline std::uint64_t PixelBytesOf(const void* chunkHeader)
 {
     return static_cast<const ChunkHeader*>(chunkHeader)->pixelBytes;
 }
 
 // A step with a region of its own writes there. Chunks of the last region have none.
-[[gnu::always_inline]] inline void* NextRegionOf(void* chunkHeader)
+PELKRAFT_ALWAYS_INLINE inline void* NextRegionOf(void* chunkHeader)
 {
     return static_cast<unsigned char*>(chunkHeader) +
            static_cast<const ChunkHeader*>(chunkHeader)->nextRegionOffset;

@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/slot_units_vector.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
@@ -23,7 +24,7 @@ __m128i SampleMask()
 
 // No bit crosses the border of a byte: what is shifted out of one has not been shifted in yet.
 template <int depth>
-[[gnu::always_inline]] inline __m128i PackUnit(const unsigned char* from, std::uint64_t slotBytes)
+PELKRAFT_ALWAYS_INLINE inline __m128i PackUnit(const unsigned char* from, std::uint64_t slotBytes)
 {
     __m128i packed = _mm_setzero_si128();
     Unroll<pixelsPerByte<depth>>([&](auto pixel) {
@@ -61,7 +62,7 @@ void PackChunks(void* firstChunkHeader, const void* parameters)
 }
 
 template <int depth>
-[[gnu::always_inline]] inline void UnpackUnit(__m128i packed, unsigned char* to,
+PELKRAFT_ALWAYS_INLINE inline void UnpackUnit(__m128i packed, unsigned char* to,
                                               std::uint64_t slotBytes)
 {
     Unroll<pixelsPerByte<depth>>([&](auto step) {

@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/slot_units_vector.h"
 #include "common/units.h"
 #include "common/unroll_vector.h"
@@ -12,7 +13,7 @@ namespace {
 // One unit of each slot. Descending, so that the copies land on slots that have been read. Inlined
 // by force, so that a known slot size is a constant in every address.
 template <int factor>
-[[gnu::always_inline]] inline void RepeatColumn(unsigned char* column, std::uint64_t slotBytes,
+PELKRAFT_ALWAYS_INLINE inline void RepeatColumn(unsigned char* column, std::uint64_t slotBytes,
                                                 std::uint64_t stride)
 {
     Unroll<slotsPerChunk>([=](auto step) {

@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/intrinsics_vector.h"
 #include "copy/group_copy.h"
 
@@ -37,7 +38,7 @@ struct Passage
     __m128i joined;
 };
 
-[[gnu::always_inline]] inline __m128i ReadUnit(Passage& passage)
+PELKRAFT_ALWAYS_INLINE inline __m128i ReadUnit(Passage& passage)
 {
     passage.read = _mm_load_si128(passage.source);
     ++passage.source;
@@ -47,7 +48,7 @@ struct Passage
 // A piece's bytes and those after it. No unit is read before a piece needs it: after the last one
 // there may be none.
 template <int bytes, int shift>
-[[gnu::always_inline]] inline __m128i ReadPiece(Passage& passage)
+PELKRAFT_ALWAYS_INLINE inline __m128i ReadPiece(Passage& passage)
 {
     if constexpr (shift == 0) {
         return ReadUnit(passage);
@@ -60,7 +61,7 @@ template <int bytes, int shift>
 }
 
 template <int bytes>
-[[gnu::always_inline]] inline __m128i KeepLowBytes(__m128i unit)
+PELKRAFT_ALWAYS_INLINE inline __m128i KeepLowBytes(__m128i unit)
 {
     if constexpr (bytes == unitBytes)
         return unit;
@@ -70,7 +71,7 @@ template <int bytes>
 }
 
 template <int bytes, int shift>
-[[gnu::always_inline]] inline void JoinPiece(Passage& passage, __m128i piece)
+PELKRAFT_ALWAYS_INLINE inline void JoinPiece(Passage& passage, __m128i piece)
 {
     passage.joined = _mm_or_si128(passage.joined, _mm_slli_si128(piece, shift));
     if constexpr (shift + bytes >= unitBytes) {
@@ -82,14 +83,14 @@ template <int bytes, int shift>
 }
 
 template <int bytes, int shift>
-[[gnu::always_inline]] inline void PassPiece(Passage& passage)
+PELKRAFT_ALWAYS_INLINE inline void PassPiece(Passage& passage)
 {
     JoinPiece<bytes, shift>(passage, KeepLowBytes<bytes>(ReadPiece<bytes, shift>(passage)));
 }
 
 // Whole units in front of the trails don't count in a place within a unit.
 template <bool isOneUnit, int trail, int shift>
-[[gnu::always_inline]] inline void PassPixel(Passage& passage,
+PELKRAFT_ALWAYS_INLINE inline void PassPixel(Passage& passage,
                                              [[maybe_unused]] std::size_t leadingUnits)
 {
     if constexpr (!isOneUnit)
@@ -99,7 +100,7 @@ template <bool isOneUnit, int trail, int shift>
 }
 
 template <bool isOneUnit, int trail, int... pixel>
-[[gnu::always_inline]] inline void PassGroup(Passage& passage, std::size_t leadingUnits,
+PELKRAFT_ALWAYS_INLINE inline void PassGroup(Passage& passage, std::size_t leadingUnits,
                                              std::integer_sequence<int, pixel...>)
 {
     (PassPixel<isOneUnit, trail, pixel * trail % unitBytes>(passage, leadingUnits), ...);
