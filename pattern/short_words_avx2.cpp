@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/lanes_avx2.h"
 #include "common/unroll_vector.h"
 #include "pattern/row_rest_vector.h"
@@ -29,7 +30,7 @@ Lanes LoadValues(const SseTransformation* tables)
 }
 
 template <int vectors, int pieces>
-[[gnu::always_inline]] inline Words<vectors>
+PELKRAFT_ALWAYS_INLINE inline Words<vectors>
 LoadIndexes(const unsigned char* source, std::size_t pieceStride, const ShortWordLanes& lanes)
 {
     Words<vectors> words;
@@ -52,7 +53,7 @@ LoadIndexes(const unsigned char* source, std::size_t pieceStride, const ShortWor
 
 // Each pixel's tables fill its word of all lanes.
 template <int vectors>
-[[gnu::always_inline]] inline Words<vectors> LookUp(const Words<vectors>& indexes, Picks picks)
+PELKRAFT_ALWAYS_INLINE inline Words<vectors> LookUp(const Words<vectors>& indexes, Picks picks)
 {
     Words<vectors> values;
     Unroll<vectors>([&](auto vector) { values.byVector[vector] = Zero(); });
@@ -68,7 +69,7 @@ template <int vectors>
 
 // The combination is the same at each pixel.
 template <int vectors>
-[[gnu::always_inline]] inline Words<vectors> LookUpAlike(const Words<vectors>& indexes,
+PELKRAFT_ALWAYS_INLINE inline Words<vectors> LookUpAlike(const Words<vectors>& indexes,
                                                          const SseTransformation* tables)
 {
     Words<vectors> values;
@@ -79,7 +80,7 @@ template <int vectors>
 }
 
 // A pixel is a word of the low lane and that of the high lane.
-[[gnu::always_inline]] inline void StorePixels(unsigned char* destination, std::size_t stride,
+PELKRAFT_ALWAYS_INLINE inline void StorePixels(unsigned char* destination, std::size_t stride,
                                                const Words<1>& values, __m128i closing)
 {
     const __m128i low = GetLane<0>(values.byVector[0]);
@@ -91,7 +92,7 @@ template <int vectors>
     _mm_storeu_si128(reinterpret_cast<__m128i*>(destination + 4 * stride), second);
 }
 
-[[gnu::always_inline]] inline void StorePixels(unsigned char* destination, std::size_t stride,
+PELKRAFT_ALWAYS_INLINE inline void StorePixels(unsigned char* destination, std::size_t stride,
                                                const Words<2>& values, __m128i closing)
 {
     const Lanes even = _mm256_permute2x128_si256(values.byVector[0], values.byVector[1], 0x20);

@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/lanes_avx512.h"
 #include "common/unroll_vector.h"
 #include "pattern/sse_row.h"
@@ -65,13 +66,13 @@ Lanes LoadValues(const SseTransformation* tables)
 }
 
 // The mask has all bytes: GCC 12 warns of what its form without one leaves undefined.
-[[gnu::always_inline]] inline Lanes PermuteBytes(Lanes places, Lanes bytes)
+PELKRAFT_ALWAYS_INLINE inline Lanes PermuteBytes(Lanes places, Lanes bytes)
 {
     return _mm512_maskz_permutexvar_epi8(~__mmask64{0}, places, bytes);
 }
 
 template <int vectors, bool isLong>
-[[gnu::always_inline]] inline void LoadIndexes(const unsigned char* source, const Reach& reach,
+PELKRAFT_ALWAYS_INLINE inline void LoadIndexes(const unsigned char* source, const Reach& reach,
                                                const Block<vectors>& block, Lanes* indexes)
 {
     const Lanes first = _mm512_maskz_loadu_epi8(reach.first, source);
@@ -89,7 +90,7 @@ template <int vectors, bool isLong>
 
 // Each pixel's tables fill its word of all lanes, those of the first all words before that.
 template <int vector, bool draws>
-[[gnu::always_inline]] inline Lanes LookUp(Lanes indexes, Picks picks)
+PELKRAFT_ALWAYS_INLINE inline Lanes LookUp(Lanes indexes, Picks picks)
 {
     Lanes values = Shuffle(LoadValues<vector>(picks[0]), indexes);
     if constexpr (draws)
@@ -103,7 +104,7 @@ template <int vector, bool draws>
 }
 
 template <int vectors, bool isLong, bool draws>
-[[gnu::always_inline]] inline void
+PELKRAFT_ALWAYS_INLINE inline void
 ApplyBlock(const unsigned char* source, unsigned char* destination, const Reach& sourceReach,
            const Reach& destinationReach, const Block<vectors>& block, Picks picks)
 {
