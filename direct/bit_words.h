@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/inlining.h"
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -163,8 +165,8 @@ void MirrorLastBits(const unsigned char* plane, std::size_t end, unsigned char* 
 
 // A function of its own, as the vector kernels go on to it and should not pay for its frame.
 template <int depth>
-[[gnu::noinline]] void MirrorWords(const unsigned char* plane, std::size_t end,
-                                   unsigned char* destination, std::size_t bits)
+PELKRAFT_NEVER_INLINE void MirrorWords(const unsigned char* plane, std::size_t end,
+                                       unsigned char* destination, std::size_t bits)
 {
     if (bits == 0)
         return;

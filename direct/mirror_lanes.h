@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "direct/samples_lanes.h"
 
 // The mirror of a packed plane, over the lanes of the file that includes it. That file has
@@ -18,7 +19,7 @@ inline Lanes LoadShifted(const unsigned char* bytes, int shift, Lanes fromFirst,
 }
 
 template <int depth>
-[[gnu::always_inline]] inline void MirrorVectors(const unsigned char* plane, std::size_t end,
+PELKRAFT_ALWAYS_INLINE inline void MirrorVectors(const unsigned char* plane, std::size_t end,
                                                  unsigned char* destination, std::size_t bits)
 {
     const std::size_t whole = bits / 8;

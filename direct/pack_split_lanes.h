@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "direct/samples_lanes.h"
 
 // An interleaved row of 8-bit samples to one packed plane for each channel, over the lanes of the
@@ -59,8 +60,8 @@ void PackSplitPairs(const unsigned char* row, unsigned char* const* planes, std:
 }
 
 template <int depth, int channels>
-[[gnu::noinline]] void PackSplitShort(const unsigned char* row, unsigned char* const* planes,
-                                      std::size_t pixels)
+PELKRAFT_NEVER_INLINE void PackSplitShort(const unsigned char* row, unsigned char* const* planes,
+                                          std::size_t pixels)
 {
     NarrowerKernels().packSplit[depth - 1][channels](row, planes, pixels);
 }

@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/lanes_avx2.h"
 #include "common/unroll_vector.h"
 #include "direct/pixels_lanes.h"
@@ -82,7 +83,7 @@ inline Lanes SwapLanes(Lanes v)
 }
 
 template <int vectors, Loads loads, bool mirrored>
-[[gnu::always_inline]] inline void DoBlock(const Block<vectors>& block, const unsigned char* source,
+PELKRAFT_ALWAYS_INLINE inline void DoBlock(const Block<vectors>& block, const unsigned char* source,
                                            unsigned char* destination)
 {
     Lanes pixels = loads == Loads::Shared ? Broadcast(source) : Zero();
@@ -122,7 +123,7 @@ struct Extent
 };
 
 template <int vectors, Loads loads, bool mirrored>
-[[gnu::always_inline]] inline void RunRow(const Block<vectors>& block, const Extent& extent,
+PELKRAFT_ALWAYS_INLINE inline void RunRow(const Block<vectors>& block, const Extent& extent,
                                           const unsigned char* source, unsigned char* destination)
 {
     constexpr std::size_t outputBytes = std::size_t{vectors} * vectorBytes;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "common/unroll_vector.h"
 #include "direct/pixels_lanes.h"
 
@@ -124,7 +125,7 @@ inline Lanes MaskOfLoad(Lanes places)
 }
 
 template <int vectors, int loads, bool ownLoads>
-[[gnu::always_inline]] inline Block<vectors, loads> MakeBlock(const StepNumbers& numbers)
+PELKRAFT_ALWAYS_INLINE inline Block<vectors, loads> MakeBlock(const StepNumbers& numbers)
 {
     Block<vectors, loads> block;
     const Lanes places = LoadPlaces(numbers);
@@ -149,7 +150,7 @@ template <int vectors, int loads, bool ownLoads>
 }
 
 template <int vectors, int loads, bool ownLoads>
-[[gnu::always_inline]] inline void DoBlock(const Block<vectors, loads>& block,
+PELKRAFT_ALWAYS_INLINE inline void DoBlock(const Block<vectors, loads>& block,
                                            const unsigned char* source, unsigned char* destination)
 {
     Lanes pixels[loads];
@@ -169,8 +170,8 @@ template <int vectors, int loads, bool ownLoads>
 // source, and the last store is a part of a vector. The offsets of the next block may lie outside
 // the source where nothing is read.
 template <int vectors, int loads>
-[[gnu::noinline]] void DoRest(const Block<vectors, loads>& block, const Extent& extent,
-                              const Row& row)
+PELKRAFT_NEVER_INLINE void DoRest(const Block<vectors, loads>& block, const Extent& extent,
+                                  const Row& row)
 {
     const bool isShort = extent.sourceBytes < vectorBytes;
     const std::ptrdiff_t latest = isShort ? 0 : extent.sourceBytes - vectorBytes;
@@ -202,7 +203,7 @@ template <int vectors, int loads>
 // Full vectors of output need no more than the block's own bytes, if its loads need no more. The
 // last block that may be done in whole vectors starts at the output byte `last`.
 template <int vectors, int loads, bool ownLoads, bool isFull>
-[[gnu::always_inline]] inline void RunRow(const Block<vectors, loads>& block, const Extent& extent,
+PELKRAFT_ALWAYS_INLINE inline void RunRow(const Block<vectors, loads>& block, const Extent& extent,
                                           std::ptrdiff_t last, Row row)
 {
     const std::ptrdiff_t toStep = isFull ? vectors * vectorBytes : block.toStep;

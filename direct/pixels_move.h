@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "direct/kernels.h"
 
 #include <cstddef>
@@ -18,7 +19,7 @@ constexpr std::size_t maxInlineBytes = 512;
 // Calls copy(from, to, copies) for each source pixel, `copies` being a constant of the build but
 // for a last pixel that has fewer, if there may be one.
 template <std::size_t repeat, bool mayHaveRest = repeat != 1, typename Copy>
-[[gnu::always_inline]] inline void ForEachPixel(const PixelMove& move,
+PELKRAFT_ALWAYS_INLINE inline void ForEachPixel(const PixelMove& move,
                                                 std::size_t destinationPixels, Copy copy)
 {
     const std::size_t bytes = move.pixelBytes;

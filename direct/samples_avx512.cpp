@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/lanes_avx512.h"
 
 #include "direct/kernels.h"
@@ -69,8 +70,8 @@ inline __mmask64 FirstBytes(std::size_t count)
 // Rows of less than a vector. The row's first byte stands first in the vector, as a byte that is
 // masked off before it could lie in a page that is not there, which costs more than the whole row.
 template <int depth>
-[[gnu::noinline]] void MirrorShort(const unsigned char* plane, std::size_t end,
-                                   unsigned char* destination, std::size_t samples)
+PELKRAFT_NEVER_INLINE void MirrorShort(const unsigned char* plane, std::size_t end,
+                                       unsigned char* destination, std::size_t samples)
 {
     const std::size_t bits = samples * depth;
     const std::size_t endBit = end * depth;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "direct/bit_words.h"
 #include "direct/kernels.h"
 #include "direct/narrow_words_lanes.h"
@@ -25,7 +26,7 @@ inline const SampleKernels& NarrowerKernels()
 
 // Calls body(x) for every block of at least one, the last one overlapping the one before it.
 template <std::size_t block, typename Body>
-[[gnu::always_inline]] inline void ForBlocks(std::size_t count, Body body)
+PELKRAFT_ALWAYS_INLINE inline void ForBlocks(std::size_t count, Body body)
 {
     std::size_t x = 0;
     for (; x + block <= count; x += block)
@@ -37,7 +38,7 @@ template <std::size_t block, typename Body>
 // The same for short bodies, two blocks a turn: a loop of one cycle takes two where its code
 // happens to stand badly.
 template <std::size_t block, typename Body>
-[[gnu::always_inline]] inline void ForShortBlocks(std::size_t count, Body body)
+PELKRAFT_ALWAYS_INLINE inline void ForShortBlocks(std::size_t count, Body body)
 {
     std::size_t x = 0;
     for (; x + 2 * block <= count; x += 2 * block) {
@@ -76,8 +77,8 @@ void StoreSamples(unsigned char* samples, Lanes v)
 
 // The rows that are too short for a kernel go on from functions of their own, so that the longer
 // ones do not pay for their frames.
-[[gnu::noinline]] inline void WidenShort(const unsigned char* source, unsigned char* destination,
-                                         std::size_t samples)
+PELKRAFT_NEVER_INLINE inline void WidenShort(const unsigned char* source,
+                                             unsigned char* destination, std::size_t samples)
 {
     NarrowerKernels().widen(source, destination, samples);
 }
@@ -90,8 +91,8 @@ void Widen(const unsigned char* source, unsigned char* destination, std::size_t 
         samples, [=](std::size_t x) { StoreSamples<2>(destination + 2 * x, Load(source + x)); });
 }
 
-[[gnu::noinline]] inline void NarrowShort(const unsigned char* source, unsigned char* destination,
-                                          std::size_t samples)
+PELKRAFT_NEVER_INLINE inline void NarrowShort(const unsigned char* source,
+                                              unsigned char* destination, std::size_t samples)
 {
     NarrowerKernels().narrow(source, destination, samples);
 }
@@ -222,8 +223,8 @@ void PackTwoBits(const unsigned char* source, unsigned char* destination, std::s
 }
 
 template <int depth, int sampleBytes>
-[[gnu::noinline]] void PackShort(const unsigned char* source, unsigned char* destination,
-                                 std::size_t samples)
+PELKRAFT_NEVER_INLINE void PackShort(const unsigned char* source, unsigned char* destination,
+                                     std::size_t samples)
 {
     const SampleKernels& narrower = NarrowerKernels();
     (sampleBytes == 1 ? narrower.pack : narrower.narrowPack)[depth - 1](source, destination,

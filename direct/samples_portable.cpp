@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "direct/bit_words.h"
 #include "direct/kernels.h"
 
@@ -78,8 +79,8 @@ void UnpackBitStrip(const unsigned char* source, unsigned char* destination)
 }
 
 // This one and the next are not inlined: they would lose what __restrict says and stay scalar.
-[[gnu::noinline]] void PackPairStrip(const unsigned char* __restrict source,
-                                     unsigned char* __restrict destination)
+PELKRAFT_NEVER_INLINE void PackPairStrip(const unsigned char* __restrict source,
+                                         unsigned char* __restrict destination)
 {
     for (std::size_t i = 0; i < shortStrip; ++i) {
         unsigned packed = 0;
@@ -89,8 +90,8 @@ void UnpackBitStrip(const unsigned char* source, unsigned char* destination)
     }
 }
 
-[[gnu::noinline]] void UnpackPairStrip(const unsigned char* __restrict source,
-                                       unsigned char* __restrict destination)
+PELKRAFT_NEVER_INLINE void UnpackPairStrip(const unsigned char* __restrict source,
+                                           unsigned char* __restrict destination)
 {
     for (std::size_t i = 0; i < shortStrip; ++i) {
         destination[4 * i] = static_cast<unsigned char>(source[i] >> 6);

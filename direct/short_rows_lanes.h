@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "direct/split_merge_table.h"
 
 // The way of rows that are shorter than a block to the next narrower level, which the file that
@@ -13,15 +14,15 @@ const SplitMergeKernels& NarrowerKernels();
 // Rows shorter than a block go on from functions of their own, so that the longer ones do not pay
 // for their frames.
 template <typename Samples, int channels>
-[[gnu::noinline]] void SplitShort(const unsigned char* row, unsigned char* const* planes,
-                                  std::size_t pixels)
+PELKRAFT_NEVER_INLINE void SplitShort(const unsigned char* row, unsigned char* const* planes,
+                                      std::size_t pixels)
 {
     Samples::KernelOf(NarrowerKernels(), channels)(row, planes, pixels);
 }
 
 template <int sampleBytes, int channels>
-[[gnu::noinline]] void MergeShort(const unsigned char* const* planes, unsigned char* row,
-                                  std::size_t pixels)
+PELKRAFT_NEVER_INLINE void MergeShort(const unsigned char* const* planes, unsigned char* row,
+                                      std::size_t pixels)
 {
     MergeAt(NarrowerKernels(), sampleBytes, channels)(planes, row, pixels);
 }

@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/lanes_avx2.h"
 #include "direct/split_merge_lanes.h"
 #include "direct/wide_split_merge_lanes.h"
@@ -14,9 +15,9 @@ const SplitMergeKernels& NarrowerKernels()
 
 // In whole vectors: the runs are parts first to last of lane 0, then those of lane 1.
 template <int count>
-[[gnu::always_inline]] inline void StoreRuns(unsigned char* block, const Lanes* v)
+PELKRAFT_ALWAYS_INLINE inline void StoreRuns(unsigned char* block, const Lanes* v)
 {
-    Unroll<count>([&](auto i) __attribute__((always_inline)) {
+    Unroll<count>([&](auto i) PELKRAFT_ALWAYS_INLINE {
         constexpr int first = 2 * i, second = first + 1;
         constexpr int firstLane = first / count, secondLane = second / count;
         const Lanes joined = JoinLanes<firstLane, secondLane>(v[first % count], v[second % count]);

@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/lanes_avx512.h"
 #include "common/unroll_vector.h"
 #include "direct/colliding_planes.h"
@@ -91,7 +92,7 @@ struct UnsortPlaces
 };
 
 template <int blockPixels, typename Body>
-[[gnu::always_inline]] inline void ForBlocks(std::size_t pixels, Body body)
+PELKRAFT_ALWAYS_INLINE inline void ForBlocks(std::size_t pixels, Body body)
 {
     const std::size_t last = pixels - blockPixels;
     for (std::size_t pixel = 0; pixel < pixels; pixel += blockPixels)
@@ -100,7 +101,7 @@ template <int blockPixels, typename Body>
 
 // In every lane, `units` vectors of as many units.
 template <int units>
-[[gnu::always_inline]] inline void TransposeUnits(Lanes* v)
+PELKRAFT_ALWAYS_INLINE inline void TransposeUnits(Lanes* v)
 {
     if constexpr (units == 2) {
         const Lanes low = UnpackLow<8>(v[0], v[1]);
@@ -116,7 +117,7 @@ template <int units>
     }
 }
 
-[[gnu::always_inline]] inline void TransposeLanes(Lanes& a, Lanes& b, Lanes& c, Lanes& d)
+PELKRAFT_ALWAYS_INLINE inline void TransposeLanes(Lanes& a, Lanes& b, Lanes& c, Lanes& d)
 {
     constexpr int lowLanes = 0x44, highLanes = 0xee, evenLanes = 0x88, oddLanes = 0xdd;
     const Lanes ab01 = _mm512_shuffle_i32x4(a, b, lowLanes);
@@ -130,7 +131,7 @@ template <int units>
 }
 
 template <typename Samples, int channels>
-[[gnu::always_inline]] inline void SplitBlock(const unsigned char* block, unsigned char* const* to,
+PELKRAFT_ALWAYS_INLINE inline void SplitBlock(const unsigned char* block, unsigned char* const* to,
                                               std::size_t pixel)
 {
     using Piece = Pieces<Samples::sampleBytes, channels>;
@@ -141,17 +142,16 @@ template <typename Samples, int channels>
     constexpr int loadFactor = Samples::rowBytes / Samples::sampleBytes;
 
     Lanes v[Piece::order];
-    Unroll<Piece::order>([&](auto i) __attribute__((always_inline)) {
+    Unroll<Piece::order>([&](auto i) PELKRAFT_ALWAYS_INLINE {
         constexpr bool isLast = i + 1 == Piece::order;
         constexpr int start = isLast ? Piece::blockBytes - vectorBytes : i * Piece::bytes;
         const Lanes samples = Samples::LoadFrom(block + std::ptrdiff_t{start} * loadFactor);
         v[i] = _mm512_permutexvar_epi8(isLast ? sortAtEnd : sort, samples);
     });
-    Unroll<4>([&](auto part)
-                  __attribute__((always_inline)) { TransposeUnits<units>(v + part * units); });
-    Unroll<(channels + 3) / 4>([&](auto unit) __attribute__((always_inline)) {
+    Unroll<4>([&](auto part) PELKRAFT_ALWAYS_INLINE { TransposeUnits<units>(v + part * units); });
+    Unroll<(channels + 3) / 4>([&](auto unit) PELKRAFT_ALWAYS_INLINE {
         TransposeLanes(v[unit], v[units + unit], v[2 * units + unit], v[3 * units + unit]);
-        Unroll<4>([&](auto lane) __attribute__((always_inline)) {
+        Unroll<4>([&](auto lane) PELKRAFT_ALWAYS_INLINE {
             constexpr int channel = 4 * unit + lane;
             if constexpr (channel < channels)
                 Samples::StoreTo(to[channel] + pixel * Samples::planeBytes, v[lane * units + unit]);
@@ -161,7 +161,7 @@ template <typename Samples, int channels>
 
 // Ascending: a piece may spoil bytes of the next one, never of the one before.
 template <int sampleBytes, int channels>
-[[gnu::always_inline]] inline void MergeBlock(const unsigned char* const* from, std::size_t at,
+PELKRAFT_ALWAYS_INLINE inline void MergeBlock(const unsigned char* const* from, std::size_t at,
                                               unsigned char* block)
 {
     using Piece = Pieces<sampleBytes, channels>;
@@ -171,8 +171,8 @@ template <int sampleBytes, int channels>
     constexpr int last = Piece::order - 1;
 
     Lanes v[Piece::order];
-    Unroll<units>([&](auto unit) __attribute__((always_inline)) {
-        Unroll<4>([&](auto lane) __attribute__((always_inline)) {
+    Unroll<units>([&](auto unit) PELKRAFT_ALWAYS_INLINE {
+        Unroll<4>([&](auto lane) PELKRAFT_ALWAYS_INLINE {
             if constexpr (4 * unit + lane < channels)
                 v[lane * units + unit] = Load(from[4 * unit + lane] + at);
             else
@@ -181,9 +181,8 @@ template <int sampleBytes, int channels>
         if constexpr (4 * unit < channels)
             TransposeLanes(v[unit], v[units + unit], v[2 * units + unit], v[3 * units + unit]);
     });
-    Unroll<4>([&](auto part)
-                  __attribute__((always_inline)) { TransposeUnits<units>(v + part * units); });
-    Unroll<last>([&](auto i) __attribute__((always_inline)) {
+    Unroll<4>([&](auto part) PELKRAFT_ALWAYS_INLINE { TransposeUnits<units>(v + part * units); });
+    Unroll<last>([&](auto i) PELKRAFT_ALWAYS_INLINE {
         Store(block + i * Piece::bytes, _mm512_permutexvar_epi8(unsort, v[i]));
     });
     if constexpr (Piece::bytes == vectorBytes)
@@ -234,12 +233,12 @@ constexpr Programme<channels> MergeProgramme()
 }
 
 template <int channels>
-[[gnu::always_inline]] inline Lanes RunProgramme(const Programme<channels>& programme, int result,
+PELKRAFT_ALWAYS_INLINE inline Lanes RunProgramme(const Programme<channels>& programme, int result,
                                                  const Lanes* v)
 {
     const Lanes places = Load(programme.places[result].bytes);
     Lanes sum = _mm512_permutex2var_epi8(v[0], places, v[1]);
-    Unroll<(channels - 1) / 2>([&](auto i) __attribute__((always_inline)) {
+    Unroll<(channels - 1) / 2>([&](auto i) PELKRAFT_ALWAYS_INLINE {
         constexpr int first = 2 * i + 2;
         const __mmask64 mask = programme.fromPair[result][i + 1];
         if constexpr (first + 1 < channels)
@@ -267,24 +266,23 @@ void SplitDense(const unsigned char* row, unsigned char* const* planes, std::siz
     unsigned char* to[channels];
     for (int channel = 0; channel < channels; ++channel)
         to[channel] = planes[channel];
-    ForBlocks<blockPixels>(
-        pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
-            const unsigned char* block = row + pixel * channels * Samples::rowBytes;
-            if constexpr (IsProgrammed(channels)) {
-                static constexpr auto programme = SplitProgramme<Samples, channels>();
-                constexpr int loadBytes = vectorBytes / Samples::sampleBytes * Samples::rowBytes;
-                Lanes v[channels];
-                Unroll<channels>([&](auto i) __attribute__((always_inline)) {
-                    v[i] = Samples::LoadFrom(block + i * loadBytes);
-                });
-                Unroll<channels>([&](auto i) __attribute__((always_inline)) {
-                    Samples::StoreTo(to[i] + pixel * Samples::planeBytes,
-                                     RunProgramme<channels>(programme, i, v));
-                });
-            } else {
-                SplitBlock<Samples, channels>(block, to, pixel);
-            }
-        });
+    ForBlocks<blockPixels>(pixels, [&](std::size_t pixel) PELKRAFT_ALWAYS_INLINE {
+        const unsigned char* block = row + pixel * channels * Samples::rowBytes;
+        if constexpr (IsProgrammed(channels)) {
+            static constexpr auto programme = SplitProgramme<Samples, channels>();
+            constexpr int loadBytes = vectorBytes / Samples::sampleBytes * Samples::rowBytes;
+            Lanes v[channels];
+            Unroll<channels>([&](auto i) PELKRAFT_ALWAYS_INLINE {
+                v[i] = Samples::LoadFrom(block + i * loadBytes);
+            });
+            Unroll<channels>([&](auto i) PELKRAFT_ALWAYS_INLINE {
+                Samples::StoreTo(to[i] + pixel * Samples::planeBytes,
+                                 RunProgramme<channels>(programme, i, v));
+            });
+        } else {
+            SplitBlock<Samples, channels>(block, to, pixel);
+        }
+    });
 }
 
 template <int sampleBytes, int channels>
@@ -297,22 +295,20 @@ void Merge(const unsigned char* const* planes, unsigned char* row, std::size_t p
     const unsigned char* from[channels];
     for (int channel = 0; channel < channels; ++channel)
         from[channel] = planes[channel];
-    ForBlocks<blockPixels>(
-        pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
-            unsigned char* block = row + pixel * channels * sampleBytes;
-            const std::size_t at = pixel * sampleBytes;
-            if constexpr (IsProgrammed(channels)) {
-                static constexpr auto programme = MergeProgramme<sampleBytes, channels>();
-                Lanes v[channels];
-                Unroll<channels>([&](auto i)
-                                     __attribute__((always_inline)) { v[i] = Load(from[i] + at); });
-                Unroll<channels>([&](auto i) __attribute__((always_inline)) {
-                    Store(block + i * vectorBytes, RunProgramme<channels>(programme, i, v));
-                });
-            } else {
-                MergeBlock<sampleBytes, channels>(from, at, block);
-            }
-        });
+    ForBlocks<blockPixels>(pixels, [&](std::size_t pixel) PELKRAFT_ALWAYS_INLINE {
+        unsigned char* block = row + pixel * channels * sampleBytes;
+        const std::size_t at = pixel * sampleBytes;
+        if constexpr (IsProgrammed(channels)) {
+            static constexpr auto programme = MergeProgramme<sampleBytes, channels>();
+            Lanes v[channels];
+            Unroll<channels>([&](auto i) PELKRAFT_ALWAYS_INLINE { v[i] = Load(from[i] + at); });
+            Unroll<channels>([&](auto i) PELKRAFT_ALWAYS_INLINE {
+                Store(block + i * vectorBytes, RunProgramme<channels>(programme, i, v));
+            });
+        } else {
+            MergeBlock<sampleBytes, channels>(from, at, block);
+        }
+    });
 }
 
 template <int sampleBytes, int channels>

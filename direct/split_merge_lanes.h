@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "direct/short_rows_lanes.h"
 #include "direct/split_samples_lanes.h"
 #include "direct/transpose_lanes.h"
@@ -89,7 +90,7 @@ struct PieceMasks
 
 // Calls body(pixel) at every block's first pixel; the last block may overlap the one before.
 template <int blockPixels, typename Body>
-[[gnu::always_inline]] inline void ForBlocks(std::size_t pixels, Body body)
+PELKRAFT_ALWAYS_INLINE inline void ForBlocks(std::size_t pixels, Body body)
 {
     const std::size_t last = pixels - blockPixels;
     for (std::size_t pixel = 0; pixel < pixels; pixel += blockPixels)
@@ -117,7 +118,7 @@ struct Stretch
 
 // The last piece is loaded so that it ends with the block: no byte beyond it is read.
 template <typename Samples, int channels>
-[[gnu::always_inline]] inline void LoadPieces(const unsigned char* block, Lanes* v)
+PELKRAFT_ALWAYS_INLINE inline void LoadPieces(const unsigned char* block, Lanes* v)
 {
     using Piece = Pieces<Samples::sampleBytes, channels>;
     using Masks = PieceMasks<Samples::sampleBytes, channels>;
@@ -125,7 +126,7 @@ template <typename Samples, int channels>
     const Lanes sort = Broadcast(Masks::sort.bytes);
     const Lanes sortAtEnd = Broadcast(Masks::sortAtEnd.bytes);
 
-    Unroll<Piece::order>([&](auto i) __attribute__((always_inline)) {
+    Unroll<Piece::order>([&](auto i) PELKRAFT_ALWAYS_INLINE {
         constexpr bool isLast = i + 1 == Piece::order;
         constexpr int spareSamples = isLast ? Masks::spareBytes / Samples::sampleBytes : 0;
         constexpr int start = (Place::StartOf(i) - spareSamples) * Samples::rowBytes;
@@ -148,20 +149,19 @@ void SplitDense(const unsigned char* row, unsigned char* const* planes, std::siz
     unsigned char* to[channels];
     for (int channel = 0; channel < channels; ++channel)
         to[channel] = planes[channel];
-    ForBlocks<blockPixels>(
-        pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
-            Lanes v[Piece::order];
-            LoadPieces<Samples, channels>(row + pixel * channels * Samples::rowBytes, v);
-            Transpose<Piece::order, Piece::order, channels>(v);
-            Unroll<channels>([&](auto channel) __attribute__((always_inline)) {
-                Samples::StoreTo(to[channel] + pixel * Samples::planeBytes, v[channel]);
-            });
+    ForBlocks<blockPixels>(pixels, [&](std::size_t pixel) PELKRAFT_ALWAYS_INLINE {
+        Lanes v[Piece::order];
+        LoadPieces<Samples, channels>(row + pixel * channels * Samples::rowBytes, v);
+        Transpose<Piece::order, Piece::order, channels>(v);
+        Unroll<channels>([&](auto channel) PELKRAFT_ALWAYS_INLINE {
+            Samples::StoreTo(to[channel] + pixel * Samples::planeBytes, v[channel]);
         });
+    });
 }
 
 // Ascending: a piece may spoil bytes of the next one, never of the one before.
 template <int sampleBytes, int channels>
-[[gnu::always_inline]] inline void StorePieces(unsigned char* block, Lanes* v)
+PELKRAFT_ALWAYS_INLINE inline void StorePieces(unsigned char* block, Lanes* v)
 {
     using Piece = Pieces<sampleBytes, channels>;
     using Masks = PieceMasks<sampleBytes, channels>;
@@ -173,11 +173,11 @@ template <int sampleBytes, int channels>
     }
     if constexpr (Piece::bytes < 16 && !Piece::areSorted) {
         const Lanes squeeze = Broadcast(Masks::squeeze.bytes);
-        Unroll<last>([&](auto i) __attribute__((always_inline)) { v[i] = Shuffle(v[i], squeeze); });
+        Unroll<last>([&](auto i) PELKRAFT_ALWAYS_INLINE { v[i] = Shuffle(v[i], squeeze); });
     }
-    Unroll<laneCount>([&](auto lane) __attribute__((always_inline)) {
+    Unroll<laneCount>([&](auto lane) PELKRAFT_ALWAYS_INLINE {
         unsigned char* laneBlock = block + lane * Piece::laneBytes;
-        Unroll<last>([&](auto i) __attribute__((always_inline)) {
+        Unroll<last>([&](auto i) PELKRAFT_ALWAYS_INLINE {
             StoreLane<lane>(laneBlock + i * Piece::bytes, v[i]);
         });
         StoreLane<lane>(laneBlock + Piece::laneBytes - 16, v[last]);
@@ -185,20 +185,20 @@ template <int sampleBytes, int channels>
 }
 
 template <int sampleBytes, int channels>
-[[gnu::always_inline]] inline void MergePieces(const unsigned char* const* from, std::size_t at,
+PELKRAFT_ALWAYS_INLINE inline void MergePieces(const unsigned char* const* from, std::size_t at,
                                                unsigned char* block)
 {
     using Piece = Pieces<sampleBytes, channels>;
     Lanes v[Piece::order];
     Unroll<channels>([&](auto channel)
-                         __attribute__((always_inline)) { v[channel] = Load(from[channel] + at); });
+                         PELKRAFT_ALWAYS_INLINE { v[channel] = Load(from[channel] + at); });
     Interleave<Piece::order, sampleBytes, channels>(v);
     StorePieces<sampleBytes, channels>(block, v);
 }
 
 // Three vectors of the first, middle and last third of each pixel, 4 bytes each, to three in turn:
 //   a0 b0 c0 a1   b1 c1 a2 b2   c2 a3 b3 c3
-[[gnu::always_inline]] inline void InterleaveThirds(Lanes a, Lanes b, Lanes c, Lanes* v)
+PELKRAFT_ALWAYS_INLINE inline void InterleaveThirds(Lanes a, Lanes b, Lanes c, Lanes* v)
 {
     const Lanes a0b0a1b1 = UnpackLow<4>(a, b);
     const Lanes b0c0b1c1 = UnpackLow<4>(b, c);
@@ -211,18 +211,18 @@ template <int sampleBytes, int channels>
 
 // 12 channels of one byte: three groups of 4 need no more shuffles than one of 16, and give whole
 // vectors to store, 3 where pieces take 4.
-[[gnu::always_inline]] inline void MergeThirds(const unsigned char* const* from, std::size_t pixel,
+PELKRAFT_ALWAYS_INLINE inline void MergeThirds(const unsigned char* const* from, std::size_t pixel,
                                                unsigned char* block)
 {
     Lanes group[3][4];
-    Unroll<3>([&](auto third) __attribute__((always_inline)) {
-        Unroll<4>([&](auto i) __attribute__((always_inline)) {
+    Unroll<3>([&](auto third) PELKRAFT_ALWAYS_INLINE {
+        Unroll<4>([&](auto i) PELKRAFT_ALWAYS_INLINE {
             group[third][i] = Load(from[4 * third + i] + pixel);
         });
         Interleave<4, 1, 4>(group[third]);
     });
     Lanes v[12];
-    Unroll<4>([&](auto i) __attribute__((always_inline)) {
+    Unroll<4>([&](auto i) PELKRAFT_ALWAYS_INLINE {
         InterleaveThirds(group[0][i], group[1][i], group[2][i], v + 3 * i);
     });
     StoreRuns<12>(block, v);
@@ -239,14 +239,13 @@ void MergeDense(const unsigned char* const* planes, unsigned char* row, std::siz
     const unsigned char* from[channels];
     for (int channel = 0; channel < channels; ++channel)
         from[channel] = planes[channel];
-    ForBlocks<blockPixels>(
-        pixels, [&](std::size_t pixel) __attribute__((always_inline)) {
-            unsigned char* block = row + pixel * channels * sampleBytes;
-            if constexpr (channels == 12 && sampleBytes == 1)
-                MergeThirds(from, pixel, block);
-            else
-                MergePieces<sampleBytes, channels>(from, pixel * sampleBytes, block);
-        });
+    ForBlocks<blockPixels>(pixels, [&](std::size_t pixel) PELKRAFT_ALWAYS_INLINE {
+        unsigned char* block = row + pixel * channels * sampleBytes;
+        if constexpr (channels == 12 && sampleBytes == 1)
+            MergeThirds(from, pixel, block);
+        else
+            MergePieces<sampleBytes, channels>(from, pixel * sampleBytes, block);
+    });
 }
 
 } // namespace

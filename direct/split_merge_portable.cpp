@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "direct/kernels.h"
 
 #include <bit>
@@ -151,8 +152,8 @@ struct Loops<std::integer_sequence<int, channel...>>
     // The last channel fills the slots of those that are missing: each pixel is stored with that
     // filling, and the next pixel over it.
     template <int sampleBytes, int named>
-    [[gnu::noinline]] static void MergePadded(const unsigned char* const* planes,
-                                              unsigned char* row, std::size_t pixels)
+    PELKRAFT_NEVER_INLINE static void MergePadded(const unsigned char* const* planes,
+                                                  unsigned char* row, std::size_t pixels)
     {
         constexpr std::size_t slotBytes = std::size_t{channels} * sampleBytes;
         constexpr std::size_t pixelBytes = std::size_t{named} * sampleBytes;

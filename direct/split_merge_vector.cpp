@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/lanes_vector.h"
 #include "direct/split_merge_lanes.h"
 #include "direct/wide_split_merge_lanes.h"
@@ -13,9 +14,9 @@ const SplitMergeKernels& NarrowerKernels()
 }
 
 template <int count>
-[[gnu::always_inline]] inline void StoreRuns(unsigned char* block, const Lanes* v)
+PELKRAFT_ALWAYS_INLINE inline void StoreRuns(unsigned char* block, const Lanes* v)
 {
-    Unroll<count>([&](auto i) __attribute__((always_inline)) { Store(block + 16 * i, v[i]); });
+    Unroll<count>([&](auto i) PELKRAFT_ALWAYS_INLINE { Store(block + 16 * i, v[i]); });
 }
 
 } // namespace

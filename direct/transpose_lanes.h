@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "common/unroll_vector.h"
 
 // Included after one of the vocabularies common/lanes_*.h.
@@ -9,11 +10,11 @@ namespace {
 
 // One stage: the units of rows `step` apart are joined, so that a unit doubles.
 template <int order, int step, int unitBytes, int rows, int columns>
-[[gnu::always_inline]] inline void JoinRows(Lanes* v)
+PELKRAFT_ALWAYS_INLINE inline void JoinRows(Lanes* v)
 {
     if constexpr (step < order) {
         Lanes joined[order];
-        Unroll<order / 2>([&](auto pair) __attribute__((always_inline)) {
+        Unroll<order / 2>([&](auto pair) PELKRAFT_ALWAYS_INLINE {
             constexpr int group = pair / step;
             constexpr int place = pair % step;
             constexpr int upper = 2 * group * step + place;
@@ -27,7 +28,7 @@ template <int order, int step, int unitBytes, int rows, int columns>
                 joined[to + 1] = UnpackHigh<unitBytes>(v[upper], v[lower]);
         });
         JoinRows<order, 2 * step, 2 * unitBytes, rows, columns>(joined);
-        Unroll<order>([&](auto i) __attribute__((always_inline)) {
+        Unroll<order>([&](auto i) PELKRAFT_ALWAYS_INLINE {
             if constexpr (i < columns)
                 v[i] = joined[i];
         });
@@ -37,7 +38,7 @@ template <int order, int step, int unitBytes, int rows, int columns>
 // In every lane: row number r of v, cut into `order` units of 16 / order bytes, becomes column r.
 // Only the first `rows` rows are read and only the first `columns` results are made.
 template <int order, int rows, int columns>
-[[gnu::always_inline]] inline void Transpose(Lanes* v)
+PELKRAFT_ALWAYS_INLINE inline void Transpose(Lanes* v)
 {
     JoinRows<order, 1, 16 / order, rows, columns>(v);
 }
@@ -45,7 +46,7 @@ template <int order, int rows, int columns>
 // In every lane: the units of `order` planes in turn, the first 16 bytes in v[0]. Only the first
 // `rows` planes are read.
 template <int order, int unitBytes, int rows>
-[[gnu::always_inline]] inline void Interleave(Lanes* v)
+PELKRAFT_ALWAYS_INLINE inline void Interleave(Lanes* v)
 {
     JoinRows<order, 1, unitBytes, rows, order>(v);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "direct/samples_lanes.h"
 
 // TurnVector and MirrorShort for vectors of one or two lanes.
@@ -36,8 +37,8 @@ Lanes TurnVector(Lanes v)
 
 // A function of its own, so that the longer rows do not pay for its frame.
 template <int depth>
-[[gnu::noinline]] void MirrorShort(const unsigned char* plane, std::size_t end,
-                                   unsigned char* destination, std::size_t samples)
+PELKRAFT_NEVER_INLINE void MirrorShort(const unsigned char* plane, std::size_t end,
+                                       unsigned char* destination, std::size_t samples)
 {
     if (samples * depth < 8 * sizeof(LaneBytes))
         MirrorWords<depth>(plane, end * depth, destination, samples * depth);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "direct/samples_lanes.h"
 
 // Unpacking over the lanes of the file that includes it. That file has UnpackBlock, which gives
@@ -23,8 +24,8 @@ void UnpackLastByte(unsigned packed, unsigned char* destination, std::size_t sam
 }
 
 template <int depth, int sampleBytes>
-[[gnu::noinline]] void UnpackShort(const unsigned char* source, unsigned char* destination,
-                                   std::size_t samples)
+PELKRAFT_NEVER_INLINE void UnpackShort(const unsigned char* source, unsigned char* destination,
+                                       std::size_t samples)
 {
     const SampleKernels& narrower = NarrowerKernels();
     (sampleBytes == 1 ? narrower.unpack : narrower.unpackWiden)[depth - 1](source, destination,

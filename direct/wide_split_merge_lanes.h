@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/inlining.h"
 #include "direct/colliding_planes.h"
 #include "direct/split_merge_lanes.h"
 
@@ -27,13 +28,13 @@ struct Group
 };
 
 template <int sampleBytes, int groupBytes>
-[[gnu::always_inline]] inline void SplitGroup(const unsigned char* block, std::size_t pixelBytes,
+PELKRAFT_ALWAYS_INLINE inline void SplitGroup(const unsigned char* block, std::size_t pixelBytes,
                                               unsigned char* const* to, std::size_t at)
 {
     using Channels = Group<sampleBytes, groupBytes>;
     const auto step = static_cast<std::ptrdiff_t>(pixelBytes);
     Lanes v[Channels::channels];
-    Unroll<Channels::channels>([&](auto i) __attribute__((always_inline)) {
+    Unroll<Channels::channels>([&](auto i) PELKRAFT_ALWAYS_INLINE {
         const unsigned char* from = block + i * Channels::pixels * step;
         if constexpr (Channels::pixels == 1)
             v[i] = LoadSpread(from, step * Channels::lanePixels);
@@ -42,22 +43,20 @@ template <int sampleBytes, int groupBytes>
                            Broadcast(Channels::sort.bytes));
     });
     Transpose<Channels::channels, Channels::channels, Channels::channels>(v);
-    Unroll<Channels::channels>([&](auto i)
-                                   __attribute__((always_inline)) { Store(to[i] + at, v[i]); });
+    Unroll<Channels::channels>([&](auto i) PELKRAFT_ALWAYS_INLINE { Store(to[i] + at, v[i]); });
 }
 
 template <int sampleBytes, int groupBytes>
-[[gnu::always_inline]] inline void MergeGroup(const unsigned char* const* from, std::size_t at,
+PELKRAFT_ALWAYS_INLINE inline void MergeGroup(const unsigned char* const* from, std::size_t at,
                                               unsigned char* block, std::size_t pixelBytes)
 {
     using Channels = Group<sampleBytes, groupBytes>;
     const auto step = static_cast<std::ptrdiff_t>(pixelBytes);
     Lanes v[Channels::channels];
-    Unroll<Channels::channels>([&](auto i)
-                                   __attribute__((always_inline)) { v[i] = Load(from[i] + at); });
+    Unroll<Channels::channels>([&](auto i) PELKRAFT_ALWAYS_INLINE { v[i] = Load(from[i] + at); });
     Interleave<Channels::channels, sampleBytes, Channels::channels>(v);
-    Unroll<laneCount>([&](auto lane) __attribute__((always_inline)) {
-        Unroll<Channels::channels>([&](auto i) __attribute__((always_inline)) {
+    Unroll<laneCount>([&](auto lane) PELKRAFT_ALWAYS_INLINE {
+        Unroll<Channels::channels>([&](auto i) PELKRAFT_ALWAYS_INLINE {
             unsigned char* to = block + (lane * Channels::lanePixels + i * Channels::pixels) * step;
             if constexpr (Channels::pixels == 1)
                 StoreLane<lane>(to, v[i]);
@@ -69,30 +68,30 @@ template <int sampleBytes, int groupBytes>
 
 // One group of the pixels from `first` up to `end`; row and planes are the group's own.
 template <int sampleBytes, int groupBytes>
-[[gnu::noinline]] void SplitPiece(const unsigned char* row, unsigned char* const* planes,
-                                  std::size_t first, std::size_t end, std::size_t pixelBytes)
+PELKRAFT_NEVER_INLINE void SplitPiece(const unsigned char* row, unsigned char* const* planes,
+                                      std::size_t first, std::size_t end, std::size_t pixelBytes)
 {
     using Channels = Group<sampleBytes, groupBytes>;
     unsigned char* to[Channels::channels];
     for (int channel = 0; channel < Channels::channels; ++channel)
         to[channel] = planes[channel];
     ForBlocks<Channels::lanePixels * laneCount>(
-        end - first, [&](std::size_t pixel) __attribute__((always_inline)) {
+        end - first, [&](std::size_t pixel) PELKRAFT_ALWAYS_INLINE {
             SplitGroup<sampleBytes, groupBytes>(row + (first + pixel) * pixelBytes, pixelBytes, to,
                                                 (first + pixel) * sampleBytes);
         });
 }
 
 template <int sampleBytes, int groupBytes>
-[[gnu::noinline]] void MergePiece(const unsigned char* const* planes, unsigned char* row,
-                                  std::size_t first, std::size_t end, std::size_t pixelBytes)
+PELKRAFT_NEVER_INLINE void MergePiece(const unsigned char* const* planes, unsigned char* row,
+                                      std::size_t first, std::size_t end, std::size_t pixelBytes)
 {
     using Channels = Group<sampleBytes, groupBytes>;
     const unsigned char* from[Channels::channels];
     for (int channel = 0; channel < Channels::channels; ++channel)
         from[channel] = planes[channel];
     ForBlocks<Channels::lanePixels * laneCount>(
-        end - first, [&](std::size_t pixel) __attribute__((always_inline)) {
+        end - first, [&](std::size_t pixel) PELKRAFT_ALWAYS_INLINE {
             MergeGroup<sampleBytes, groupBytes>(from, (first + pixel) * sampleBytes,
                                                 row + (first + pixel) * pixelBytes, pixelBytes);
         });
