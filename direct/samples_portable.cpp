@@ -175,14 +175,14 @@ void Mirror(const unsigned char* plane, std::size_t end, unsigned char* destinat
 }
 
 // Samples that two steps hand over through the stack; a multiple of 8, so that whole bytes meet.
-constexpr std::size_t strip = 512;
+constexpr std::size_t stripSamples = 512;
 
 template <int depth>
 void NarrowPack(const unsigned char* source, unsigned char* destination, std::size_t samples)
 {
-    unsigned char narrowed[strip];
-    for (std::size_t x = 0; x < samples; x += strip) {
-        const std::size_t count = samples - x < strip ? samples - x : strip;
+    unsigned char narrowed[stripSamples];
+    for (std::size_t x = 0; x < samples; x += stripSamples) {
+        const std::size_t count = samples - x < stripSamples ? samples - x : stripSamples;
         Narrow(source + 2 * x, narrowed, count);
         Pack<depth>(narrowed, destination + x * depth / 8, count);
     }
@@ -191,9 +191,9 @@ void NarrowPack(const unsigned char* source, unsigned char* destination, std::si
 template <int depth>
 void UnpackWiden(const unsigned char* source, unsigned char* destination, std::size_t samples)
 {
-    unsigned char levels[strip];
-    for (std::size_t x = 0; x < samples; x += strip) {
-        const std::size_t count = samples - x < strip ? samples - x : strip;
+    unsigned char levels[stripSamples];
+    for (std::size_t x = 0; x < samples; x += stripSamples) {
+        const std::size_t count = samples - x < stripSamples ? samples - x : stripSamples;
         Unpack<depth>(source + x * depth / 8, levels, count);
         Widen(levels, destination + 2 * x, count);
     }

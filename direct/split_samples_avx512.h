@@ -28,9 +28,9 @@ struct KeptSamples
     static constexpr int PlaceOf(int byte) { return byte; }
     static Lanes LoadFrom(const unsigned char* row) { return Load(row); }
     static void StoreTo(unsigned char* plane, Lanes v) { Store(plane, v); }
-    static SplitKernel KernelOf(const SplitMergeKernels& kernels, int channels)
+    static SplitKernel KernelOf(const SplitMergeKernels& tables, int channels)
     {
-        return SplitAt(kernels, bytes, channels);
+        return SplitAt(tables, bytes, channels);
     }
 };
 
@@ -58,9 +58,9 @@ struct WidenedSamples
         Store(plane, _mm512_permutexvar_epi8(Load(twiceLow.bytes), v));
         Store(plane + vectorBytes, _mm512_permutexvar_epi8(Load(twiceHigh.bytes), v));
     }
-    static SplitKernel KernelOf(const SplitMergeKernels& kernels, int channels)
+    static SplitKernel KernelOf(const SplitMergeKernels& tables, int channels)
     {
-        return SplitWidenAt(kernels, channels);
+        return SplitWidenAt(tables, channels);
     }
 };
 
@@ -82,9 +82,9 @@ struct NarrowedSamples
         return Pack16(NarrowWords(Load(row)), NarrowWords(Load(row + vectorBytes)));
     }
     static void StoreTo(unsigned char* plane, Lanes v) { Store(plane, v); }
-    static SplitKernel KernelOf(const SplitMergeKernels& kernels, int channels)
+    static SplitKernel KernelOf(const SplitMergeKernels& tables, int channels)
     {
-        return NarrowSplitAt(kernels, channels);
+        return NarrowSplitAt(tables, channels);
     }
 };
 

@@ -26,9 +26,9 @@ struct KeptSamples
 
     static void StoreTo(unsigned char* plane, Lanes v) { Store(plane, v); }
 
-    static SplitKernel KernelOf(const SplitMergeKernels& kernels, int channels)
+    static SplitKernel KernelOf(const SplitMergeKernels& tables, int channels)
     {
-        return SplitAt(kernels, bytes, channels);
+        return SplitAt(tables, bytes, channels);
     }
 };
 
@@ -52,9 +52,9 @@ struct WidenedSamples
         Store(plane + std::ptrdiff_t{16} * laneCount, UnpackHigh<1>(v, v));
     }
 
-    static SplitKernel KernelOf(const SplitMergeKernels& kernels, int channels)
+    static SplitKernel KernelOf(const SplitMergeKernels& tables, int channels)
     {
-        return SplitWidenAt(kernels, channels);
+        return SplitWidenAt(tables, channels);
     }
 };
 
@@ -72,9 +72,9 @@ struct NarrowedSamples
 
     static void StoreTo(unsigned char* plane, Lanes v) { Store(plane, v); }
 
-    static SplitKernel KernelOf(const SplitMergeKernels& kernels, int channels)
+    static SplitKernel KernelOf(const SplitMergeKernels& tables, int channels)
     {
-        return NarrowSplitAt(kernels, channels);
+        return NarrowSplitAt(tables, channels);
     }
 };
 
