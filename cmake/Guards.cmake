@@ -20,10 +20,10 @@ set(trial "
         } __except (EXCEPTION_CONTINUE_SEARCH) {
         }
     }")
-set(tryFlags "")
+# Clang's -Wpedantic warns of __try.
+set(tryFlags $<$<CXX_COMPILER_ID:Clang>:-Wno-language-extension-token>)
 check_cxx_source_compiles("${trial}" PELKRAFT_HAS_TRY)
 if(NOT PELKRAFT_HAS_TRY)
-    # The second flag takes back a warning of -Wpedantic.
     set(tryFlags -fms-extensions -Wno-language-extension-token)
     set(CMAKE_REQUIRED_FLAGS -fms-extensions)
     check_cxx_source_compiles("${trial}" PELKRAFT_HAS_TRY_WITH_FLAG)
