@@ -1,5 +1,8 @@
-# What both compilers for Windows share: where its libraries lie, and Wine to run its programs.
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+# What both compilers for Windows share: where its libraries lie, and Wine to run its programs. The
+# second folder holds what scripts/platforms/windows_libraries.sh builds.
+get_filename_component(windowsLibraries
+    ${CMAKE_CURRENT_LIST_DIR}/../../build/windows-libraries ABSOLUTE)
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${windowsLibraries})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
