@@ -1,6 +1,6 @@
 #include "tools/pelkraft/file_calls.h"
 
-#include <unistd.h>
+#include "tools/pelkraft/system_calls.h"
 
 #include <cerrno>
 #include <cstring>
@@ -8,18 +8,18 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-// move(done) moves more bytes after those that are done, and answers as read and write do.
+// move(done) moves more bytes after those that are done, and answers as ReadAt and Write do.
 template <typename Move>
 int MoveOn(std::size_t size, std::size_t& done, Move move)
 {
     while (done < size) {
-        const ssize_t count = move(done);
+        const std::int64_t count = move(done);
         if (count == 0)
             break;
         if (count > 0)
             done += static_cast<std::size_t>(count);
-        else if (errno != EINTR)
-            return errno;
+        else if (count != -EINTR)
+            return static_cast<int>(-count);
     }
     return 0;
 }
@@ -37,7 +37,7 @@ int WriteAll(int descriptor, const void* bytes, std::size_t size)
     const char* const from = static_cast<const char*>(bytes);
     std::size_t done = 0;
     const int error =
-        MoveOn(size, done, [&](std::size_t at) { return write(descriptor, from + at, size - at); });
+        MoveOn(size, done, [&](std::size_t at) { return Write(descriptor, from + at, size - at); });
     return WholeOrFull(error, done, size);
 }
 
@@ -46,7 +46,7 @@ int WriteAllAt(int descriptor, const void* bytes, std::size_t size, std::uint64_
     const char* const from = static_cast<const char*>(bytes);
     std::size_t done = 0;
     const int error = MoveOn(size, done, [&](std::size_t at) {
-        return pwrite(descriptor, from + at, size - at, static_cast<off_t>(offset + at));
+        return WriteAt(descriptor, from + at, size - at, offset + at);
     });
     return WholeOrFull(error, done, size);
 }
@@ -56,7 +56,7 @@ int ReadUpTo(int descriptor, void* bytes, std::size_t size, std::uint64_t offset
     char* const to = static_cast<char*>(bytes);
     got = 0;
     return MoveOn(size, got, [&](std::size_t at) {
-        return pread(descriptor, to + at, size - at, static_cast<off_t>(offset + at));
+        return ReadAt(descriptor, to + at, size - at, offset + at);
     });
 }
 
@@ -64,15 +64,14 @@ int StoreAndClose(int descriptor)
 {
     int error = 0;
     do {
-        error = fsync(descriptor) == 0 ? 0 : errno;
+        error = Store(descriptor);
     } while (error == EINTR);
     // A file system that knows nothing of it is no reason to refuse.
     if (error == EINVAL || error == ENOTSUP || error == ENOSYS)
         error = 0;
     // Interrupted or not, the descriptor is gone, and what was written is stored by now.
-    if (close(descriptor) != 0 && error == 0 && errno != EINTR)
-        error = errno;
-    return error;
+    const int closeError = Close(descriptor);
+    return error == 0 && closeError != EINTR ? closeError : error;
 }
 
 std::string ErrorText(int error)

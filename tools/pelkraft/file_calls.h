@@ -9,6 +9,9 @@ namespace zvk::Pelkraft::Client {
 // Calls to the system that go on where they were cut short or interrupted. Each returns 0 or the
 // number of the error.
 
+constexpr int standardOutput = 1;
+constexpr int standardError = 2;
+
 // Writes all bytes where the file stands, or from offset on.
 int WriteAll(int descriptor, const void* bytes, std::size_t size);
 int WriteAllAt(int descriptor, const void* bytes, std::size_t size, std::uint64_t offset);

@@ -2,41 +2,24 @@
 
 #include "tools/pelkraft/failure.h"
 
-#include <csignal>
+#include <atomic>
 
 namespace zvk::Pelkraft::Client {
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
-
-extern "C" void NoteInterrupt(int)
-{
-    interrupted = 1;
-}
+std::atomic<bool> interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 } // namespace
 
-void CatchInterrupts()
+void NoteInterrupt() noexcept
 {
-    struct sigaction note = {};
-    note.sa_handler = NoteInterrupt;
-    sigemptyset(&note.sa_mask);
-    // Calls that were under way go on: the bands ask for the note themselves.
-    note.sa_flags = SA_RESTART;
-    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction present = {};
-        // A program started with nohup keeps its deafness.
-        if (sigaction(signalNumber, nullptr, &present) == 0 && present.sa_handler == SIG_IGN)
-            continue;
-        sigaction(signalNumber, &note, nullptr);
-    }
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
+    interrupted = true;
 }
 
 void StopIfInterrupted(const std::string& outputPath)
 {
-    if (interrupted != 0)
+    if (interrupted)
         throw Failure(ExitCode::Interrupted, outputPath, "interrupted; nothing was written");
 }
 

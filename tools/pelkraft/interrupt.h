@@ -4,11 +4,15 @@
 
 namespace zvk::Pelkraft::Client {
 
-// From here on SIGINT, SIGTERM and SIGHUP only leave a note, so that the command can clean up;
-// a closed pipe and a file size limit become errors of the write that met them.
+// From here on an interrupt only leaves a note, so that the command can clean up: Ctrl-C and the
+// system's other ways to ask a program to end. A closed pipe and a file size limit become errors
+// of the write that met them.
 void CatchInterrupts();
 
-// Throws the failure of an interrupted command if one of the signals came.
+// Leaves the note. Safe in a signal handler and on any thread.
+void NoteInterrupt() noexcept;
+
+// Throws the failure of an interrupted command if there is a note.
 void StopIfInterrupted(const std::string& outputPath);
 
 } // namespace zvk::Pelkraft::Client

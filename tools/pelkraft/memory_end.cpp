@@ -2,8 +2,7 @@
 
 #include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/exit_code.h"
-
-#include <unistd.h>
+#include "tools/pelkraft/file_calls.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -53,14 +52,14 @@ void PrintOutOfMemory() noexcept
 {
     constexpr std::string_view line =
         "pelkraft: out of memory; a picture needs room for a few of its rows\n";
-    [[maybe_unused]] const ssize_t ignored = write(STDERR_FILENO, line.data(), line.size());
+    [[maybe_unused]] const int ignored = WriteAll(standardError, line.data(), line.size());
 }
 
 void EndForMemory() noexcept
 {
     AtomicOutput::RemoveAll();
     PrintOutOfMemory();
-    _exit(static_cast<int>(ExitCode::Memory));
+    std::_Exit(static_cast<int>(ExitCode::Memory));
 }
 
 } // namespace zvk::Pelkraft::Client

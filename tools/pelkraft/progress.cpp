@@ -1,6 +1,7 @@
 #include "tools/pelkraft/progress.h"
 
-#include <unistd.h>
+#include "tools/pelkraft/file_calls.h"
+#include "tools/pelkraft/system_calls.h"
 
 #include <cstdio>
 #include <utility>
@@ -13,7 +14,7 @@ constexpr std::chrono::milliseconds pause(100);
 } // namespace
 
 Progress::Progress(std::string newLabel, std::uint64_t newTotal)
-    : label(std::move(newLabel)), total(newTotal), terminal(isatty(STDERR_FILENO) != 0),
+    : label(std::move(newLabel)), total(newTotal), terminal(ObeysEscapes(standardError)),
       lastTime(std::chrono::steady_clock::now() - pause)
 {}
 

@@ -5,8 +5,6 @@
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/interrupt.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 
 namespace zvk::Pelkraft::Client {
@@ -21,7 +19,7 @@ void WriteWholeFile(const std::string& path, const std::string& bytes)
 
 void PrintText(const std::string& text)
 {
-    if (const int error = WriteAll(STDOUT_FILENO, text.data(), text.size()); error != 0)
+    if (const int error = WriteAll(standardOutput, text.data(), text.size()); error != 0)
         throw Failure(ExitCode::ReadWrite, {},
                       "the standard output can't be written: " + ErrorText(error));
 }

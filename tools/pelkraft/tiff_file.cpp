@@ -1,11 +1,7 @@
 #include "tools/pelkraft/tiff_file.h"
 
 #include "tools/pelkraft/failure.h"
-#include "tools/pelkraft/file_calls.h"
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "tools/pelkraft/input_file.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -74,23 +70,8 @@ TiffFile::TiffFile(std::unique_ptr<TiffStream> newStream, const std::string& new
 
 TiffFile TiffFile::OpenForReading(const std::string& path)
 {
-    // Without O_NONBLOCK a pipe would be waited for before it can be refused.
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    struct stat status = {};
-    if (descriptor < 0 || fstat(descriptor, &status) != 0) {
-        const int error = errno;
-        if (descriptor >= 0)
-            close(descriptor);
-        throw Failure(ExitCode::ReadWrite, path, "cannot be read: " + ErrorText(error));
-    }
-    if (!S_ISREG(status.st_mode)) {
-        close(descriptor);
-        throw Failure(ExitCode::ReadWrite, path, "cannot be read: it is not a regular file");
-    }
-
-    TiffFile file(
-        std::make_unique<TiffStream>(descriptor, static_cast<std::uint64_t>(status.st_size)), path,
-        "r");
+    InputFile input(path);
+    TiffFile file(std::make_unique<TiffStream>(input.TakeDescriptor(), input.Size()), path, "r");
     if (!file.handle)
         file.Throw(ExitCode::BadInput,
                    "is not a TIFF file, or is cut off; supported are TIFF and BigTIFF");

@@ -1,8 +1,7 @@
 #include "tools/pelkraft/tiff_stream.h"
 
 #include "tools/pelkraft/file_calls.h"
-
-#include <unistd.h>
+#include "tools/pelkraft/system_calls.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -14,7 +13,7 @@ namespace zvk::Pelkraft::Client {
 TiffStream::~TiffStream()
 {
     if (owner && descriptor >= 0)
-        close(descriptor);
+        Close(descriptor);
 }
 
 TIFF* TiffStream::Open(const std::string& path, const char* mode, TIFFOpenOptions* options)

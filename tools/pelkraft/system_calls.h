@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace zvk::Pelkraft::Client {
+
+// The calls for files that each system has in its own way. Where nothing else is said they return
+// 0 or the number of the error, as errno has it. Paths are in UTF-8 on Windows.
+
+// One try each, which may move less than all: the bytes moved, or the number of the error below 0.
+std::int64_t ReadAt(int descriptor, void* bytes, std::size_t size, std::uint64_t offset);
+std::int64_t Write(int descriptor, const void* bytes, std::size_t size);
+std::int64_t WriteAt(int descriptor, const void* bytes, std::size_t size, std::uint64_t offset);
+
+// Sends what was written to the disk.
+int Store(int descriptor);
+int Close(int descriptor);
+
+struct OpenedFile
+{
+    int descriptor = -1;
+    bool regular = false;
+    std::uint64_t size = 0;
+};
+// Opens a file to be read, without waiting for a pipe. The descriptor is there even after an error
+// that came later.
+int OpenToRead(const std::string& path, OpenedFile& file);
+
+// What stands at the place of a file that is to be written.
+struct PresentFile
+{
+    bool exists = false;
+    bool regular = false;
+    // In the system's own terms.
+    unsigned mode = 0;
+};
+// Replaces a path that ends in symbolic links by what the last of them names.
+int FollowLinks(std::string& path);
+// That nothing is there is no error.
+int LookAt(const std::string& path, PresentFile& present);
+// Creates a file with a name of its own in the folder of targetPath, and gives it the rights of
+// what is present there.
+int CreateBeside(const std::string& targetPath, const PresentFile& present, int& descriptor,
+                 std::string& newPath);
+// Puts the file into the target's place in one step.
+int Replace(const std::string& path, const std::string& targetPath);
+// Needs no memory.
+void Remove(const std::string& path) noexcept;
+
+// True for a terminal that obeys escape sequences.
+bool ObeysEscapes(int descriptor);
+
+} // namespace zvk::Pelkraft::Client

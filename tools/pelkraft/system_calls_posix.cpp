@@ -1,0 +1,133 @@
+#include "tools/pelkraft/system_calls.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <utility>
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+std::int64_t Moved(ssize_t count)
+{
+    return count < 0 ? -errno : count;
+}
+
+// The mode that a plain creation of the file would have had, or that of the file it replaces.
+mode_t ModeBeside(const PresentFile& present)
+{
+    if (present.exists)
+        return present.mode;
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+} // namespace
+
+std::int64_t ReadAt(int descriptor, void* bytes, std::size_t size, std::uint64_t offset)
+{
+    return Moved(pread(descriptor, bytes, size, static_cast<off_t>(offset)));
+}
+
+std::int64_t Write(int descriptor, const void* bytes, std::size_t size)
+{
+    return Moved(write(descriptor, bytes, size));
+}
+
+std::int64_t WriteAt(int descriptor, const void* bytes, std::size_t size, std::uint64_t offset)
+{
+    return Moved(pwrite(descriptor, bytes, size, static_cast<off_t>(offset)));
+}
+
+int Store(int descriptor)
+{
+    return fsync(descriptor) == 0 ? 0 : errno;
+}
+
+int Close(int descriptor)
+{
+    return close(descriptor) == 0 ? 0 : errno;
+}
+
+int OpenToRead(const std::string& path, OpenedFile& file)
+{
+    // Without O_NONBLOCK a pipe would be waited for before it can be refused.
+    file.descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat status = {};
+    if (file.descriptor < 0 || fstat(file.descriptor, &status) != 0)
+        return errno;
+    file.regular = S_ISREG(status.st_mode);
+    file.size = static_cast<std::uint64_t>(status.st_size);
+    return 0;
+}
+
+int FollowLinks(std::string& path)
+{
+    std::filesystem::path followed = path;
+    for (int step = 0;; ++step) {
+        struct stat status = {};
+        // Not to know what is there is a failure, since it would be replaced.
+        if (lstat(followed.c_str(), &status) != 0 && errno != ENOENT)
+            return errno;
+        if (!S_ISLNK(status.st_mode))
+            break;
+        // The kernel follows as many; a longer way is a circle.
+        if (step == 40)
+            return ELOOP;
+        std::error_code error;
+        const auto next = std::filesystem::read_symlink(followed, error);
+        if (error)
+            return error.value();
+        followed = followed.parent_path() / next;
+    }
+    path = followed.string();
+    return 0;
+}
+
+int LookAt(const std::string& path, PresentFile& present)
+{
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0)
+        return errno == ENOENT ? 0 : errno;
+    present.exists = true;
+    present.regular = S_ISREG(status.st_mode);
+    present.mode = status.st_mode & 0777;
+    return 0;
+}
+
+int CreateBeside(const std::string& targetPath, const PresentFile& present, int& descriptor,
+                 std::string& newPath)
+{
+    const std::filesystem::path target = targetPath;
+    std::string pattern = (target.parent_path() / ".pelkraft-XXXXXX").string();
+    descriptor = mkostemp(pattern.data(), O_CLOEXEC);
+    if (descriptor < 0)
+        return errno;
+    newPath = std::move(pattern);
+    // A file system without modes is no reason to refuse.
+    [[maybe_unused]] const int ignored = fchmod(descriptor, ModeBeside(present));
+    return 0;
+}
+
+int Replace(const std::string& path, const std::string& targetPath)
+{
+    return std::rename(path.c_str(), targetPath.c_str()) == 0 ? 0 : errno;
+}
+
+void Remove(const std::string& path) noexcept
+{
+    unlink(path.c_str());
+}
+
+bool ObeysEscapes(int descriptor)
+{
+    return isatty(descriptor) != 0;
+}
+
+} // namespace zvk::Pelkraft::Client
