@@ -1,0 +1,22 @@
+# All that the program knows about a pattern text, in JSON too. The page in the browser knows the
+# same, and has no files and no picture libraries.
+add_library(pelkraft_pattern_report STATIC EXCLUDE_FROM_ALL)
+foreach(part IN ITEMS
+        combination_model
+        draw_lints
+        findings
+        near_names
+        pattern_engines
+        pattern_intention
+        pattern_json
+        pattern_lints
+        pattern_outline
+        pattern_report
+        pattern_text
+        value_line_lints)
+    target_sources(pelkraft_pattern_report PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${part}.cpp)
+endforeach()
+target_include_directories(pelkraft_pattern_report PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(pelkraft_pattern_report
+    PUBLIC pelkraft_grammar pelkraft::pelkraft zvk::system_tools
+    PRIVATE nlohmann_json::nlohmann_json pelkraft_warnings)
