@@ -44,7 +44,11 @@ windows_program)
         ninja-build dpkg-dev zip unzip)
     ;;
 arm) wanted=("${cross_packages[@]}" g++-aarch64-linux-gnu g++-riscv64-linux-gnu qemu-user libsimde-dev) ;;
-wasm) wanted=("${cross_packages[@]}" emscripten chromium) ;;
+wasm)
+    wanted=("${cross_packages[@]}" nlohmann-json3-dev emscripten chromium)
+    # Node.js from elsewhere brings an npm of its own, which Debian's would conflict with.
+    command -v npm >/dev/null || wanted+=(npm)
+    ;;
 *)
     echo "usage: bash scripts/setup.sh [GROUP]" >&2
     sed -n 's/^#   setup.sh/   /p' "$0" >&2
