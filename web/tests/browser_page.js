@@ -1,0 +1,7 @@
+// Runs one case after the other when the test asks for it.
+import { loadPelkraft } from "/module/pelkraft.js";
+
+import cases from "./cases.js";
+
+globalThis.caseNames = () => Object.keys(cases);
+globalThis.runCase = (words, version) => cases[words]({ load: loadPelkraft, version });

@@ -1,0 +1,9 @@
+import badInputCases from "./bad_input_cases.js";
+import memoryCases from "./memory_cases.js";
+import patternCases from "./pattern_cases.js";
+import reportCases from "./report_cases.js";
+import rowCases from "./row_cases.js";
+
+// What is promised, by its words. Each case gets { load, version }, where load() gives a library of
+// its own.
+export default { ...rowCases, ...patternCases, ...reportCases, ...badInputCases, ...memoryCases };

@@ -1,0 +1,15 @@
+// All cases in Node.js. The variable PELKRAFT_MODULE names the folder of the module that was built,
+// PELKRAFT_VERSION its version.
+import { test } from "node:test";
+import { pathToFileURL } from "node:url";
+
+import cases from "./cases.js";
+
+const { loadPelkraft } = await import(
+    pathToFileURL(`${process.env.PELKRAFT_MODULE}/pelkraft.js`).href
+);
+const version = process.env.PELKRAFT_VERSION;
+
+for (const [words, check] of Object.entries(cases)) {
+    test(words, () => check({ load: loadPelkraft, version }));
+}
