@@ -69,7 +69,8 @@ EngineDigests LibraryPatternDigests(int number, int seedNumber, DotWeavePattern:
 
 Bytes ApplyRow(DotWeavePattern& pattern, const Bytes& source)
 {
-    const std::size_t pixels = source.size() / static_cast<std::size_t>(pattern.GetInColorCount());
+    const auto pixels = static_cast<unsigned long>(
+        source.size() / static_cast<std::size_t>(pattern.GetInColorCount()));
     Bytes from = source;
     Bytes to(pixels * static_cast<std::size_t>(pattern.GetOutColorCount()), 0xA5);
     pattern.ApplyPattern(from.data(), to.data(), pixels);
