@@ -1,7 +1,6 @@
 #include "tests/support/guarded_arena.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
+#include "tests/support/page_memory.h"
 
 #include <cstdint>
 #include <new>
@@ -12,7 +11,7 @@ namespace {
 // Both ends are flush only where the content is whole pages.
 std::size_t WholePages(std::size_t bytes)
 {
-    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const std::size_t page = GetPageBytes();
     return (bytes + page - 1) / page * page;
 }
 
@@ -37,8 +36,7 @@ unsigned char* GuardedArena::PlaceAtOddAddress(std::size_t size, Flush flush) co
 
 void GuardedArena::MakeReadOnly() const
 {
-    if (mprotect(memory.data(), memory.size(), PROT_READ) != 0)
-        throw std::bad_alloc();
+    SetPageAccess(memory.data(), memory.size(), PageAccess::Read);
 }
 
 } // namespace zvk::Pelkraft::TestSupport

@@ -1,10 +1,8 @@
 #include "tests/support/guarded_buffer.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
+#include "tests/support/page_memory.h"
 
 #include <cstring>
-#include <new>
 
 namespace zvk::Pelkraft::TestSupport {
 
@@ -38,7 +36,7 @@ GuardedBuffer::GuardedBuffer(GuardedBuffer&& other) noexcept
 GuardedBuffer::~GuardedBuffer()
 {
     if (mapping != nullptr)
-        munmap(mapping, mappingSize);
+        FreePages(mapping, mappingSize);
 }
 
 std::vector<unsigned char> GuardedBuffer::bytes() const
@@ -48,16 +46,12 @@ std::vector<unsigned char> GuardedBuffer::bytes() const
 
 void GuardedBuffer::Map(Flush flush, std::size_t gap)
 {
-    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const std::size_t page = GetPageBytes();
     const std::size_t inside = (contentSize + gap + page - 1) / page * page;
     mappingSize = inside + 2 * page;
-    void* memory =
-        mmap(nullptr, mappingSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (memory == MAP_FAILED)
-        throw std::bad_alloc();
-    mapping = static_cast<unsigned char*>(memory);
-    if (inside != 0 && mprotect(mapping + page, inside, PROT_READ | PROT_WRITE) != 0)
-        throw std::bad_alloc();
+    mapping = ReservePages(mappingSize);
+    if (inside != 0)
+        SetPageAccess(mapping + page, inside, PageAccess::ReadWrite);
     content =
         flush == Flush::AtEnd ? mapping + page + inside - contentSize - gap : mapping + page + gap;
 }
