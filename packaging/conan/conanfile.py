@@ -70,7 +70,5 @@ class Pelkraft(ConanFile):
         library.set_property("cmake_target_name", "pelkraft::pelkraft")
         library.set_property("pkg_config_name", "pelkraft")
 
-        if self.options.shared:
-            tools.defines = ["ZVK_SYSTEM_TOOLS_SHARED"]
-        else:
+        if not self.options.shared:
             library.defines = ["PELKRAFT_STATIC"]
