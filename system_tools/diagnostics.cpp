@@ -30,6 +30,9 @@ public:
         bytes.End('\n');
         // One call for line and line end, so that lines of several threads don't mix.
         std::fwrite(bytes.Data(), 1, bytes.Length(), stderr);
+        // Some systems hold back what goes to a file, and a fault that is logged may end the
+        // process.
+        std::fflush(stderr);
     }
 };
 

@@ -17,6 +17,7 @@ public:
     [[nodiscard]] std::string Text() const;
 
 private:
+    std::string name;
     int file = -1;
     int before = -1;
 };
