@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
@@ -52,16 +50,6 @@ void ExpectCopies(long long bytes, const CopyCall& call)
     ExpectCopiesWithoutSpare(content, Flush::AtEnd, call);
     ExpectCopiesWithoutSpare(content, Flush::AtStart, call);
     ExpectCopiesAndLeavesTheSpare(size, call);
-}
-
-void ExpectKilledBy(int signal, const std::function<void()>& call)
-{
-    const auto callUnhandled = [&] {
-        // A sanitizer's own handler would turn the signal into an exit.
-        std::signal(signal, SIG_DFL);
-        call();
-    };
-    EXPECT_EXIT(callUnhandled(), testing::KilledBySignal(signal), "");
 }
 
 } // namespace zvk::Pelkraft::TestSupport

@@ -15,7 +15,14 @@ using CopyCall = std::function<void(unsigned char* source, unsigned char* destin
 // whose other bytes must stay. The buffers are 16-aligned if bytes is a multiple of 16.
 void ExpectCopies(long long bytes, const CopyCall& call);
 
-// Fails the test unless the call ends this program by the signal.
-void ExpectKilledBy(int signal, const std::function<void()>& call);
+// Fails the test unless the processor refuses a division of the call, or an address.
+void ExpectDivideError(const std::function<void()>& call);
+void ExpectRefusedAddress(const std::function<void()>& call);
+
+// Fails the test unless the call raises the signal, and so ends this program.
+void ExpectRaised(int signal, const std::function<void()>& call);
+
+// Whether the call raises the signal, for which there is a handler that leaves it by a jump.
+[[nodiscard]] bool IsLeftByHandler(int signal, const std::function<void()>& call);
 
 } // namespace zvk::Pelkraft::TestSupport
