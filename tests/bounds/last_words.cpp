@@ -7,6 +7,12 @@
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
+#if defined(SIGBUS)
+constexpr int faults[] = {SIGSEGV, SIGBUS};
+#else
+constexpr int faults[] = {SIGSEGV};
+#endif
+
 const std::function<std::string()>* speaker = nullptr;
 
 // Nothing is left to lose: the program is about to end.
@@ -23,14 +29,14 @@ void Speak(int signal)
 LastWords::LastWords(std::function<std::string()> newTell) : tell(std::move(newTell))
 {
     speaker = &tell;
-    std::signal(SIGSEGV, Speak);
-    std::signal(SIGBUS, Speak);
+    for (const int fault : faults)
+        std::signal(fault, Speak);
 }
 
 LastWords::~LastWords()
 {
-    std::signal(SIGSEGV, SIG_DFL);
-    std::signal(SIGBUS, SIG_DFL);
+    for (const int fault : faults)
+        std::signal(fault, SIG_DFL);
     speaker = nullptr;
 }
 

@@ -40,7 +40,8 @@ TEST(PatternEngines, TouchNoByteOutsideTheRows)
                             RandomSteps(pixels * static_cast<std::size_t>(inColors), 1), flush);
                         const GuardedBuffer destination(pixels * static_cast<std::size_t>(outInks),
                                                         flush, 0xA5);
-                        pattern.ApplyPattern(source.data(), destination.data(), pixels);
+                        pattern.ApplyPattern(source.data(), destination.data(),
+                                             static_cast<unsigned long>(pixels));
                         // All bytes are written: none of the values is the filler.
                         const Bytes inks = destination.bytes();
                         ASSERT_EQ(std::count(inks.begin(), inks.end(), 0xA5), 0)
@@ -73,7 +74,8 @@ TEST(PatternEngines, WriteNothingBehindThePixels)
                 Bytes source = RandomSteps(2 * pixels, 1);
                 const std::size_t written = pixels * static_cast<std::size_t>(outInks);
                 Bytes destination(written + 64, 0xA5);
-                pattern.ApplyPattern(source.data(), destination.data(), pixels);
+                pattern.ApplyPattern(source.data(), destination.data(),
+                                     static_cast<unsigned long>(pixels));
                 ASSERT_TRUE(std::all_of(destination.begin() + static_cast<std::ptrdiff_t>(written),
                                         destination.end(), [](auto byte) { return byte == 0xA5; }))
                     << outInks << " " << pixels;

@@ -23,7 +23,7 @@ Bytes Apply(DotWeavePattern& pattern, const Bytes& source)
     const GuardedBuffer from(source);
     const GuardedBuffer to(pixels * static_cast<std::size_t>(pattern.GetOutColorCount()),
                            Flush::AtEnd, 0xA5);
-    pattern.ApplyPattern(from.data(), to.data(), pixels);
+    pattern.ApplyPattern(from.data(), to.data(), static_cast<unsigned long>(pixels));
     return to.bytes();
 }
 

@@ -294,7 +294,7 @@ public:
     {
         const std::size_t pixels = source.size() / static_cast<std::size_t>(GetInColorCount());
         Bytes destination(pixels * static_cast<std::size_t>(GetOutColorCount()));
-        ApplyPattern(source.data(), destination.data(), pixels);
+        ApplyPattern(source.data(), destination.data(), static_cast<unsigned long>(pixels));
         return destination;
     }
 

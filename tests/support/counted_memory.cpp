@@ -5,20 +5,50 @@
 #include <cstring>
 #include <new>
 
+#if defined(_WIN32)
+#include <malloc.h>
+#endif
+
 namespace {
 
 using zvk::Pelkraft::TestSupport::CountedMemory;
 
 thread_local CountedMemory* watcher = nullptr;
 
-void* AllocateAny(std::size_t bytes, std::size_t alignment) noexcept
+#if defined(_WIN32)
+
+void* AllocateAligned(std::size_t bytes, std::size_t alignment) noexcept
 {
-    if (alignment == 0)
-        return std::malloc(std::max<std::size_t>(bytes, 1));
+    return _aligned_malloc(std::max<std::size_t>(bytes, 1), alignment);
+}
+
+void FreeAligned(void* memory) noexcept
+{
+    _aligned_free(memory);
+}
+
+#else
+
+void* AllocateAligned(std::size_t bytes, std::size_t alignment) noexcept
+{
     void* memory = nullptr;
     // Unlike aligned_alloc it takes any size, so that a sanitizer sees the row's true end.
     const int error = posix_memalign(&memory, std::max(alignment, sizeof(void*)), bytes);
     return error == 0 ? memory : nullptr;
+}
+
+void FreeAligned(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+#endif
+
+void* AllocateAny(std::size_t bytes, std::size_t alignment) noexcept
+{
+    if (alignment == 0)
+        return std::malloc(std::max<std::size_t>(bytes, 1));
+    return AllocateAligned(bytes, alignment);
 }
 
 void* Allocate(std::size_t bytes, std::size_t alignment) noexcept
@@ -48,7 +78,10 @@ void Free(void* memory, std::size_t alignment) noexcept
 {
     if (watcher != nullptr && memory != nullptr && watcher->Counted(alignment))
         watcher->NoteFreed();
-    std::free(memory);
+    if (alignment == 0)
+        std::free(memory);
+    else
+        FreeAligned(memory);
 }
 
 } // namespace
