@@ -1,5 +1,6 @@
 #include "tests/rows/refusal.h"
 
+#include "tests/support/structured_lines.h"
 #include "tests/system_tools/recording_sink.h"
 #include "zvk/diagnostics.h"
 
@@ -61,6 +62,13 @@ std::string EndOf(const std::function<void()>& operation)
 }
 
 std::vector<std::wstring> LinesOf(const std::function<void()>& operation)
+{
+    std::vector<std::wstring> lines = AllLinesOf(operation);
+    std::erase_if(lines, IsStructuredLine);
+    return lines;
+}
+
+std::vector<std::wstring> AllLinesOf(const std::function<void()>& operation)
 {
     const LogTaken log;
     (void)BareEndOf(operation);

@@ -10,8 +10,11 @@ namespace zvk::Pelkraft::TestSupport {
 // end stands in angle brackets, so that it can't pass for a text.
 [[nodiscard]] std::string EndOf(const std::function<void()>& operation);
 
-// The lines that it logged, whatever it threw.
+// The lines that it logged, whatever it threw, but for those of the guards.
 [[nodiscard]] std::vector<std::wstring> LinesOf(const std::function<void()>& operation);
+
+// All of them.
+[[nodiscard]] std::vector<std::wstring> AllLinesOf(const std::function<void()>& operation);
 
 extern const char* const returned;
 extern const char* const outOfMemory;

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "tests/support/structured_lines.h"
 #include "zvk/diagnostics.h"
 
 namespace zvk::Pelkraft::TestSupport {
 
-// Takes the log of the process while it lives, counts its lines and allocates nothing.
+// Takes the log of the process while it lives, counts the lines that no guard has written, and
+// allocates nothing.
 class CountingSink final : public Diagnostics::ILogSink
 {
 public:
@@ -12,7 +14,7 @@ public:
     ~CountingSink() { Diagnostics::Seh::SetDefaultLog(nullptr); }
     CountingSink(const CountingSink&) = delete;
     CountingSink& operator=(const CountingSink&) = delete;
-    void Write(const wchar_t*) override { ++lines; }
+    void Write(const wchar_t* line) override { lines += IsStructuredLine(line) ? 0 : 1; }
 
     int lines = 0;
 };
