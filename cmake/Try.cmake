@@ -50,16 +50,16 @@ function(pelkraft_with_try result source like)
     elseif(PELKRAFT_TRY_COMPILER)
         get_filename_component(name ${source} NAME_WE)
         set(object ${CMAKE_CURRENT_BINARY_DIR}/${name}${CMAKE_CXX_OUTPUT_EXTENSION})
-        # The other compiler brings headers of its own, but for those of the C++ library.
+        # The other compiler brings headers of its own, but for those of system and C++ library.
         set(headers ${CMAKE_CXX_IMPLICIT_INCLUDE_DIRECTORIES})
-        list(FILTER headers INCLUDE REGEX "/c\\+\\+")
+        list(FILTER headers EXCLUDE REGEX "/gcc/[^+]*/include(-fixed)?$")
         list(TRANSFORM headers PREPEND -isystem)
         set(includes $<TARGET_PROPERTY:${like},INCLUDE_DIRECTORIES>)
         set(definitions "PELKRAFT_HAS_TRY;$<TARGET_PROPERTY:${like},COMPILE_DEFINITIONS>")
         set(definitions $<REMOVE_DUPLICATES:$<FILTER:${definitions},INCLUDE,.>>)
         add_custom_command(OUTPUT ${object}
             COMMAND ${PELKRAFT_TRY_COMPILER} --target=${CMAKE_SYSTEM_PROCESSOR}-w64-windows-gnu
-                -std=c++20 -O2 -nostdinc++ ${headers}
+                -std=c++20 -O2 -nostdinc++ -nostdlibinc ${headers}
                 "-I$<JOIN:${includes},;-I>" "-D$<JOIN:${definitions},;-D>"
                 $<TARGET_PROPERTY:pelkraft_warnings,INTERFACE_COMPILE_OPTIONS> ${PELKRAFT_TRY_FLAGS}
                 -MD -MF ${object}.d -c ${source} -o ${object}
