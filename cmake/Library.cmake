@@ -6,6 +6,11 @@ target_include_directories(pelkraft PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_link_libraries(pelkraft PRIVATE zvk::system_tools)
+if(WIN32)
+    # It has the registry, also for those who link the static library.
+    target_link_libraries(pelkraft PRIVATE advapi32)
+    set(PELKRAFT_SYSTEM_LIBRARIES " -ladvapi32")
+endif()
 if(NOT BUILD_SHARED_LIBS)
     target_compile_definitions(pelkraft PUBLIC PELKRAFT_STATIC)
 endif()
