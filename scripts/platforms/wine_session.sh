@@ -1,0 +1,19 @@
+# Source this to run programs for Windows under Wine until the script exits, in a prefix of this
+# tree. Server and services start with their output elsewhere: they would inherit a test's pipe, and
+# ctest would wait for them.
+export WINEPREFIX=$PWD/build/wineprefix WINEDEBUG=-all
+export WINEDLLOVERRIDES='winedbg.exe=d;mscoree,mshtml='
+export WINEPATH='Z:/usr/lib/gcc/x86_64-w64-mingw32/12-posix;Z:/usr/x86_64-w64-mingw32/lib'
+unset DISPLAY
+wine=/usr/lib/wine/wine64
+wineserver=/usr/lib/wine/wineserver64
+
+mkdir -p "$WINEPREFIX"
+trap '"$wineserver" -k || true' EXIT
+if [ ! -e "$WINEPREFIX/system.reg" ]; then
+    "$wine" wineboot -i </dev/null >/dev/null 2>&1
+    # It writes the registry once nothing runs any more.
+    "$wineserver" -w
+fi
+"$wineserver" -p </dev/null >/dev/null 2>&1
+"$wine" cmd /c exit </dev/null >/dev/null 2>&1
