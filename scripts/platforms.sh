@@ -13,7 +13,7 @@ if [ "${1:-}" = --sample ]; then
     shift
 fi
 platforms=("$@")
-[ ${#platforms[@]} -ne 0 ] || platforms=(windows arm wasm)
+[ ${#platforms[@]} -ne 0 ] || platforms=(windows msvc arm wasm)
 for platform in "${platforms[@]}"; do
     if [ ! -f "scripts/platforms/$platform.sh" ]; then
         echo "platforms.sh: no platform is called $platform" >&2

@@ -11,6 +11,7 @@
 #   setup.sh analysis to read all sources with clang-tidy and cppcheck
 #   setup.sh windows  to build for Windows and to run the tests under Wine
 #   setup.sh windows_program  to build the program for Windows too, and its zip
+#   setup.sh msvc     to build for Windows in Microsoft's binary interface, and to run it
 #   setup.sh arm      to build for Arm and RISC-V and to run the tests under qemu
 #   setup.sh wasm     to build for WebAssembly and to run the tests in Node.js and Chromium
 # Without a name it takes what the tests need, which is the most.
@@ -42,6 +43,9 @@ windows) wanted=("${cross_packages[@]}" g++-mingw-w64-x86-64-posix clang lld llv
 windows_program)
     wanted=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev libcli11-dev nlohmann-json3-dev cmake
         ninja-build dpkg-dev zip unzip)
+    ;;
+msvc)
+    wanted=(cmake ninja-build clang-14 clang-tools-14 lld-14 llvm-14 libc++-14-dev libwine-dev wine64)
     ;;
 arm) wanted=("${cross_packages[@]}" g++-aarch64-linux-gnu g++-riscv64-linux-gnu qemu-user libsimde-dev) ;;
 wasm)
