@@ -13,7 +13,7 @@ struct MemberPointer
     std::ptrdiff_t adjustment;
 };
 
-#if defined(__aarch64__) || defined(__arm__)
+#if defined(__aarch64__) || defined(__arm__) || defined(__wasm__)
 constexpr bool marksInAdjustment = true;
 #else
 constexpr bool marksInAdjustment = false;
