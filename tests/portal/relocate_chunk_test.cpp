@@ -51,10 +51,12 @@ TEST(ChunkRelocation, ReadsNoByteBehindTheRow)
     for (const std::size_t pixelBytes : {1U, 3U, 16U, 17U, 33U}) {
         for (std::size_t offset = 1; offset != 16; ++offset) {
             const Bytes memory = RandomBytes(offset + 16 * pixelBytes, 7);
-            ASSERT_EQ(0U, reinterpret_cast<std::uintptr_t>(memory.data()) % 16);
+            const unsigned char* const row = memory.data() + offset;
+            // A heap that aligns to 8 bytes makes one of the rows an aligned one.
+            if (reinterpret_cast<std::uintptr_t>(row) % 16 == 0)
+                continue;
             ExpectStagedAtTheChunksEnd(
-                memory.data() + offset,
-                Bytes(memory.begin() + static_cast<std::ptrdiff_t>(offset), memory.end()));
+                row, Bytes(memory.begin() + static_cast<std::ptrdiff_t>(offset), memory.end()));
         }
     }
 }
