@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -391,25 +390,6 @@ TEST(VectorEngine, HoldsSixteenValuesInACombination)
     EXPECT_EQ(Refusal(text(5), DotWeavePattern::X86), "nothing");
     // Too many values are found before too many in-colours.
     EXPECT_EQ(Refusal(text(17), DotWeavePattern::Sse), "narrow: capacity exceeded in mComonTrans");
-}
-
-TEST(PatternEngines, BuildAndApplyOnSeveralThreadsAtOnce)
-{
-    const std::string text = Example(3).Text();
-    std::vector<Bytes> rows(6);
-    std::vector<std::thread> threads;
-    const Bytes source = RandomSteps(2000, 9);
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        threads.emplace_back([&, i] {
-            DotWeavePattern pattern = Load(text, bothFamilies[i % 2]);
-            rows[i] = Apply(pattern, source);
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    NaiveSimulation naive(Example(3));
-    const Bytes expected = naive.Row(source);
-    for (const Bytes& row : rows)
-        EXPECT_EQ(row, expected);
 }
 
 } // namespace

@@ -2,13 +2,13 @@
 
 #include "tests/direct/levels.h"
 #include "tests/plan/planned_case.h"
+#include "tests/plan/planned_runs.h"
 #include "tests/rows/refusal.h"
 #include "tests/support/random_bytes.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <thread>
 
 // These tests hold which road a plan takes, and that a run looks at nothing but the plan and the
 // rows' bytes. overlap_test.cpp holds the choice that the rows' addresses make.
@@ -151,27 +151,6 @@ TEST(PlanRoad, OfPortableUnpackingGoesByTheChannelsThatItMeets)
         }
 }
 
-// Runs a plan on rows of its own and gives the destination's bytes.
-Bytes RunOn(const Plan& plan, const ConversionCase& tested, const Bytes& source,
-            const Bytes& before, void (*run)(const Plan&, const unsigned char*, unsigned char*))
-{
-    const GuardedBuffer from(source);
-    const GuardedBuffer to(before);
-    run(plan, from.data(), to.data());
-    EXPECT_TRUE(source == from.bytes());
-    Bytes after = to.bytes();
-    ForgetLeftPacked(tested, after);
-    return after;
-}
-
-Bytes ExpectedOf(const ConversionCase& tested, const Bytes& source, const Bytes& before)
-{
-    Bytes expected =
-        NaiveConvert(tested.source, source, tested.destination, before, tested.operation);
-    ForgetLeftPacked(tested, expected);
-    return expected;
-}
-
 // One plan of each kind that reads its map at another place: planes chosen, pixels shuffled,
 // splits, packed planes, and maps of as many entries as a plan keeps.
 std::vector<ConversionCase> MappedCases(int level)
@@ -239,32 +218,6 @@ TEST(Plan, RefersToTheCallersMapBeyondSixtyFourEntries)
     EXPECT_EQ(tested.operation.map.data(), map.entries);
 }
 
-// One plan for each way that a pixel can take.
-std::vector<ConversionCase> PlannedCases(int level)
-{
-    return {
-        CaseOf({1000, 4, 8, false}, {1000, 4, 8, true}, level),
-        CaseOf({1000, 4, 16, true}, {1000, 4, 8, false}, level),
-        CaseOf({1000, 17, 8, true}, {1000, 17, 16, false}, level),
-        CaseOf({999, 3, 16, false}, {999, 3, 1, true}, level),
-        CaseOf({999, 16, 2, true}, {1998, 16, 16, false}, level, RepeatBy(-2)),
-        CaseOf({999, 16, 1, true}, {999, 16, 8, true}, level),
-        CaseOf({999, 3, 8, false}, {999, 3, 8, false}, level, MapTo({2, -1, 0})),
-        CaseOf({50, 3, 8, false}, {50, 65, 8, false}, level, MapTo(std::vector<int>(65, 1))),
-    };
-}
-
-Bytes RunTwice(const Plan& plan, const ConversionCase& tested, std::uint32_t seed)
-{
-    const Bytes source = RandomBytes(NaiveRowBytes(tested.source), seed);
-    const Bytes before = RandomBytes(NaiveRowBytes(tested.destination), seed + 1);
-    const Bytes expected = ExpectedOf(tested, source, before);
-    Bytes first = RunOn(plan, tested, source, before, RunPlan);
-    EXPECT_TRUE(expected == first) << Describe(tested);
-    EXPECT_TRUE(expected == RunOn(plan, tested, source, before, RunPlan)) << Describe(tested);
-    return first;
-}
-
 TEST(Plan, RunsOnAnyNumberOfRowPairs)
 {
     for (const int level : LevelsOfThisProcessor())
@@ -274,24 +227,6 @@ TEST(Plan, RunsOnAnyNumberOfRowPairs)
             EXPECT_FALSE(one == RunTwice(plan, tested, 3));
             EXPECT_TRUE(one == RunTwice(plan, tested, 1));
         }
-}
-
-TEST(Plan, IsRunByFourThreadsAtOnce)
-{
-    for (const int level : LevelsOfThisProcessor()) {
-        const std::vector<ConversionCase> cases = PlannedCases(level);
-        std::vector<Plan> plans;
-        plans.reserve(cases.size());
-        for (const ConversionCase& tested : cases)
-            plans.push_back(PlanOf(tested, level));
-        std::vector<std::jthread> threads;
-        for (std::uint32_t thread = 0; thread != 4; ++thread)
-            threads.emplace_back([&, thread] {
-                for (std::uint32_t round = 0; round != 20; ++round)
-                    for (std::size_t i = 0; i != cases.size(); ++i)
-                        (void)RunTwice(plans[i], cases[i], 100 * thread + 2 * round);
-            });
-    }
 }
 
 } // namespace
