@@ -1,2 +1,6 @@
-// A program sees the environment of the Node.js that runs it.
-Module["preRun"] = () => Object.assign(ENV, process.env);
+// A program that asks for the environment sees that of the Node.js that runs it.
+Module["preRun"] = () => {
+    if (typeof ENV !== "undefined") {
+        Object.assign(ENV, process.env);
+    }
+};
