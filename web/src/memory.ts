@@ -23,11 +23,9 @@ export type Bytes = Uint8Array | Uint8ClampedArray;
 
 const largestBlock = 0x7fffffff;
 
-// Vectors are loaded fastest from a multiple of it.
-export const blockAlignment = 16;
-
+// The address after so many bytes of a block at which a row begins, as a block does.
 export function aligned(bytes: number): number {
-    return Math.ceil(bytes / blockAlignment) * blockAlignment;
+    return Math.ceil(bytes / 16) * 16;
 }
 
 // The memory of the WebAssembly file. It may move when it grows, so that a view of it is good for
