@@ -80,7 +80,11 @@ function system(memory: () => WebAssembly.Memory, log: (line: string) => void) {
         view.setUint32(written, bytes, true);
         const lines = line.split("\n");
         line = lines.pop() ?? "";
-        lines.forEach(log);
+        try {
+            lines.forEach((each) => log(each));
+        } catch {
+            // The refusal that is being logged is the error that the caller has to see.
+        }
         return success;
     };
     return {

@@ -142,4 +142,18 @@ export default {
         refuses(() => pelkraft.convertRow({ ...row, data: new Uint8Array(1) }, row), "Error", depth);
         equal(lines, [`zvk::Pelkraft::ImageRow::FillFrom has thrown C++ exception: ${depth}`]);
     },
+    "a log that throws does not hide the refusal": async ({ load }) => {
+        const pelkraft = await load({
+            log: () => {
+                throw new Error("the log is full");
+            },
+        });
+        const row = { width: 1, channels: 1, bits: 4, planar: false };
+        const before = pelkraft.memoryInUse();
+        for (let i = 0; i < 20_000; ++i) {
+            refuses(() => pelkraft.convertRow({ ...row, data: new Uint8Array(1) }, row), "Error",
+                "zvk::Pelkraft::ImageRowFormat unsupported bit depth");
+        }
+        equal(pelkraft.memoryInUse(), before, "the memory");
+    },
 };
