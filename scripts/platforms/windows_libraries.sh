@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds what the program needs for Windows from Debian's source packages, and puts it into
-# build/windows-libraries/, where the toolchain files look: libtiff, libpng and libjpeg, static;
-# zlib is a Debian package. CLI11 and nlohmann-json are headers alone, and are copied there, since
-# a cross compiler that sees /usr/include takes other headers from it too.
+# build/windows-libraries/, where the toolchain files look: libtiff, libpng, libjpeg and libdeflate,
+# static; zlib is a Debian package. CLI11 and nlohmann-json are headers alone, and are copied there,
+# since a cross compiler that sees /usr/include takes other headers from it too.
 #
 # Static, because the program puts functions of its own in place of two of libtiff's, which it
 # can't do inside a DLL, and because nobody else shares them.
@@ -33,31 +33,42 @@ fetch() {
     while read -r version; do
         quietly apt apt-get source --download-only "$1=$version" && return
         echo "windows_libraries.sh: no $1 $version to be had" >&2
+        rm -f "$1"_*
     done < <(apt apt-cache showsrc "$1" | sed -n 's/^Version: //p' | sort -Vru)
     return 1
 }
 
-# build NAME FLAG...: from its source package, with Debian's patches.
+# A source package with Debian's patches, in the folder of its name.
+unpack() {
+    (cd "$work" && fetch "$1" && quietly dpkg-source -x "$1"_*.dsc "$1")
+    cp "$work/$1/debian/copyright" "$prefix/licences/$1"
+    echo "windows_libraries.sh: $(sed -nE '1s/^([^ ]+) \((.*)\).*/\1 \2/p' "$work/$1/debian/changelog")"
+}
+
+# build NAME FLAG...: by CMake, with the flags.
 build() {
     local name=$1
     shift
-    (cd "$work" && fetch "$name" && quietly dpkg-source -x "$name"_*.dsc "$name")
+    unpack "$name"
     quietly cmake -S "$work/$name" -B "$work/$name-build" -G Ninja \
         -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/toolchains/windows-gcc.cmake" \
         -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF "$@"
     quietly cmake --build "$work/$name-build"
     quietly cmake --install "$work/$name-build"
-    cp "$work/$name/debian/copyright" "$prefix/licences/$name"
-    echo "windows_libraries.sh: $(sed -n '1s/ .*//;1s/$//p' "$work/$name/debian/changelog")" \
-        "$(sed -n '1s/.*(\(.*\)).*/\1/p' "$work/$name/debian/changelog")"
 }
 
 quietly apt apt-get update
 # The decoder gives the same samples with and without its vector code, which wants an assembler.
 build libjpeg-turbo -DENABLE_SHARED=OFF -DWITH_SIMD=OFF -DWITH_TURBOJPEG=OFF
 build libpng1.6 -DPNG_SHARED=OFF -DPNG_TESTS=OFF
+# Debian's libtiff compresses by it, so that files come out the same with it alone.
+unpack libdeflate
+quietly make -C "$work/libdeflate" CC=x86_64-w64-mingw32-gcc-posix AR=x86_64-w64-mingw32-ar \
+    libdeflatestatic.lib
+cp "$work/libdeflate/libdeflate.h" "$prefix/include/"
+cp "$work/libdeflate/libdeflatestatic.lib" "$prefix/lib/libdeflate.a"
 build tiff -Dcxx=OFF -Dtiff-tools=OFF -Dtiff-tests=OFF -Dtiff-contrib=OFF -Dtiff-docs=OFF \
-    -Djbig=OFF -Dlerc=OFF -Dlibdeflate=OFF -Dlzma=OFF -Dwebp=OFF -Dzstd=OFF
+    -Djbig=OFF -Dlerc=OFF -Dlzma=OFF -Dwebp=OFF -Dzstd=OFF
 
 cp -r /usr/include/CLI /usr/include/nlohmann "$prefix/include/"
 cp -r /usr/share/cmake/CLI11 /usr/share/cmake/nlohmann_json "$prefix/share/cmake/"
