@@ -4,7 +4,6 @@
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/system_calls.h"
 
-#include <filesystem>
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
@@ -29,7 +28,7 @@ AtomicOutput::AtomicOutput(const std::string& newPath)
         ThrowWriteFailure(shownPath, ErrorText(error));
     if (present.exists && !present.regular)
         ThrowWriteFailure(shownPath, "it exists and is not a regular file");
-    if (!std::filesystem::path(targetPath).has_filename())
+    if (!PathOf(targetPath).has_filename())
         ThrowWriteFailure(shownPath, "it names a folder");
     if (const int error = CreateBeside(targetPath, present, descriptor, temporaryPath); error != 0)
         ThrowWriteFailure(shownPath, ErrorText(error));

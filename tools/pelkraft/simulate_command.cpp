@@ -7,6 +7,7 @@
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/simulation.h"
+#include "tools/pelkraft/system_calls.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/workers.h"
 
@@ -134,7 +135,7 @@ private:
     static std::filesystem::path Canonical(const std::string& path)
     {
         std::error_code error;
-        auto canonical = std::filesystem::weakly_canonical(path, error);
+        auto canonical = std::filesystem::weakly_canonical(PathOf(path), error);
         if (error == std::errc::not_enough_memory)
             throw std::bad_alloc();
         return canonical;

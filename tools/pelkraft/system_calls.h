@@ -2,12 +2,18 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace zvk::Pelkraft::Client {
 
 // The calls for files that each system has in its own way. Where nothing else is said they return
 // 0 or the number of the error, as errno has it. Paths are in UTF-8 on Windows.
+
+inline std::filesystem::path PathOf(const std::string& text)
+{
+    return std::u8string(text.begin(), text.end());
+}
 
 // One try each, which may move less than all: the bytes moved, or the number of the error below 0.
 std::int64_t ReadAt(int descriptor, void* bytes, std::size_t size, std::uint64_t offset);
