@@ -87,7 +87,7 @@ public:
     {
         TakeOptions();
         CatchInterrupts();
-        const TiffFile file = TiffFile::OpenForReading(options.input);
+        TiffFile file = TiffFile::OpenForReading(options.input);
         const auto start = std::chrono::steady_clock::now();
         const Total total = PlanAll(file, options);
         AtomicOutput output(options.output);
@@ -95,6 +95,7 @@ public:
         if (options.explain)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output);
+        file.Close();
         output.Commit();
         for (const std::string& warning : file.Warnings())
             PrintWarning(options.input, warning);

@@ -94,7 +94,7 @@ public:
         const PatternText text = PatternText::Load(options.pattern);
         const LoadedPattern pattern(text, options.engine);
         RefuseUnknownInks(pattern);
-        const TiffFile file = TiffFile::OpenForReading(options.input);
+        TiffFile file = TiffFile::OpenForReading(options.input);
         const Total total = PlanAll(file, pattern);
         AtomicOutput output(options.output);
         std::optional<AtomicOutput> previewOutput;
@@ -108,6 +108,7 @@ public:
         if (options.explain)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output);
+        file.Close();
         if (previewOutput)
             previewOutput->Commit();
         output.Commit();

@@ -109,6 +109,12 @@ void TiffFile::FirstPage() const
         Throw(ExitCode::BadInput, "can't be read a second time");
 }
 
+void TiffFile::Close()
+{
+    handle.reset();
+    stream.reset();
+}
+
 void TiffFile::Finish()
 {
     handle.reset();

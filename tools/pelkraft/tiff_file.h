@@ -41,6 +41,9 @@ public:
     bool NextPage(int page) const;
     void FirstPage() const;
 
+    // Ends reading, after which only the path and the warnings can be asked for: not every system
+    // replaces a file that is open.
+    void Close();
     // Ends writing: everything is stored, or that is a failure.
     void Finish();
     // Throws if something could not be read, even where libtiff did without it.
@@ -51,7 +54,7 @@ public:
     [[noreturn]] void Throw(ExitCode code, const std::string& text) const;
 
 private:
-    struct Close
+    struct CloseHandle
     {
         void operator()(TIFF* file) const { TIFFClose(file); }
     };
@@ -63,7 +66,7 @@ private:
     // At fixed addresses: libtiff keeps pointers to them.
     std::unique_ptr<TiffMessages> messages;
     std::unique_ptr<TiffStream> stream;
-    std::unique_ptr<TIFF, Close> handle;
+    std::unique_ptr<TIFF, CloseHandle> handle;
 };
 
 // True if a file with so many bytes of samples needs the form for more than 4 GB.
