@@ -51,6 +51,8 @@ int RunVerb(int argc, const char* const* argv)
     CLI::App program("Row conversion and dot patterns for print work on TIFF files", "pelkraft");
     program.footer(exitCodeHelp);
     program.require_subcommand(1);
+    // A slash begins a path on every system.
+    program.allow_windows_style_options(false);
     AddBuildInfo(program);
     std::vector<std::unique_ptr<ISubcommand>> verbs;
     verbs.push_back(MakeConvertCommand());
