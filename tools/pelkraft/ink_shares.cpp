@@ -70,7 +70,7 @@ public:
         std::fill(source.begin(), source.end(), static_cast<unsigned char>(0));
         for (std::size_t pixel = 0; pixel < pixels; ++pixel)
             source[pixel * inColours + index] = static_cast<unsigned char>(step);
-        pattern.ApplyPattern(source.data(), destination.data(), pixels);
+        pattern.ApplyPattern(source.data(), destination.data(), static_cast<unsigned long>(pixels));
 
         StepShares shares;
         shares.inColour = inColour;
