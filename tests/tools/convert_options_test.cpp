@@ -209,6 +209,30 @@ TEST_F(ConvertWork, TellsItsExitCodesInTheHelp)
         EXPECT_NE(std::string::npos, verb.output.find(option)) << option;
 }
 
+TEST_F(ConvertWork, ShowsNoProgressInAPipe)
+{
+    WriteTiff(Path("in.tif"), RandomImage(15, 25, 4, 8, 8), {});
+    const Outcome outcome = Convert();
+    EXPECT_TRUE(EndedSilently(outcome));
+    EXPECT_EQ("", outcome.output);
+}
+
+// libtiff itself opens files by name only in the letters of the machine's code page.
+TEST_F(ConvertWork, TakesNamesInAnyLetters)
+{
+    const TiffImage image = RandomImage(15, 25, 4, 8, 8);
+    WriteTiff(Path("in.tif"), image, {});
+    const std::string in = Path("Tür für Zoë.tif");
+    const std::string out = Path("größer 色 Ω.tif");
+    EXPECT_TRUE(Refused(Run({"convert", in, out}), 6, {"Tür für Zoë.tif: cannot be read: "}));
+    std::filesystem::rename(PathOf(Path("in.tif")), PathOf(in));
+    WriteBytes(out, "old");
+    ASSERT_TRUE(EndedSilently(Run({"convert", in, out})));
+    EXPECT_EQ((std::vector<std::string>{"Tür für Zoë.tif", "größer 色 Ω.tif"}), Files());
+    std::filesystem::rename(PathOf(out), PathOf(Path("out.tif")));
+    EXPECT_EQ(image.samples, Output().samples);
+}
+
 // Strips of more than 64 MiB are not held whole.
 TEST_F(ConvertWork, StreamsAPictureThatIsOneStrip)
 {

@@ -117,7 +117,7 @@ TEST_F(IoKill, LeavesOldOrWholeFilesAtRandomMoments)
                     Clock::now() + std::chrono::duration_cast<Clock::duration>(good.time * share);
                 Subprocess tool = Start(use);
                 std::this_thread::sleep_until(when);
-                kill(tool.Id(), signalNumber);
+                kill(static_cast<pid_t>(tool.Id()), signalNumber);
                 JudgeEnd(use, tool.Wait(), signalNumber, good);
             }
         }

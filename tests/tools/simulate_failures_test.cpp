@@ -1,7 +1,5 @@
 #include "tests/tools/simulate_fixture.h"
 
-#include <signal.h>
-
 #include <chrono>
 #include <thread>
 
@@ -120,7 +118,7 @@ TEST_F(SimulateFailures, LeaveNothingWhenInterrupted)
         // The temporary file shows that the work is under way.
         while (Files().size() < 3 && !tool.HasEnded())
             std::this_thread::sleep_for(std::chrono::microseconds(100));
-        kill(tool.Id(), SIGTERM);
+        tool.Interrupt(Interrupts().front());
         outcome = tool.Wait();
     }
     EXPECT_TRUE(Refused(outcome, 130, {"out.tif", "interrupted"}));

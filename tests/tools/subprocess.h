@@ -1,7 +1,6 @@
 #pragma once
 
-#include <sys/types.h>
-
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -22,23 +21,31 @@ struct Outcome
 class Subprocess
 {
 public:
-    // prepare runs in the new process before the program starts.
+    Subprocess(const std::vector<std::string>& command, const std::string& scratchFolder);
+    // prepare runs in the new process before the program starts; only where a process forks.
     Subprocess(const std::vector<std::string>& command, const std::string& scratchFolder,
-               const std::function<void()>& prepare = {});
+               const std::function<void()>& prepare);
 
-    pid_t Id() const { return id; }
+    // The system's number of the process, or its handle.
+    std::intptr_t Id() const { return id; }
     // True if there is nothing left to wait for.
     [[nodiscard]] bool HasEnded() const;
+    // One of Interrupts().
+    void Interrupt(int number) const;
     [[nodiscard]] Outcome Wait();
 
 private:
-    pid_t id;
+    std::intptr_t id;
     std::string outputPath;
     std::string errorPath;
 };
 
-// Runs pelkraft itself and waits for it. memoryBytes limits what it may allocate; 0 does not, and
-// a program built with sanitizers goes without the limit, since it needs more for itself.
+// The ways of this system to ask a program to stop: numbers of signals or of console events.
+[[nodiscard]] std::vector<int> Interrupts();
+
+// Runs pelkraft itself and waits for it. memoryBytes limits what it may allocate; 0 does not. A
+// program built with sanitizers goes without the limit, since it needs more for itself, and so
+// does one for Windows, since Wine has none.
 [[nodiscard]] Outcome RunTool(const std::string& scratchFolder,
                               const std::vector<std::string>& arguments,
                               unsigned long memoryBytes = 0);

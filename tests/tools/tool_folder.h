@@ -1,11 +1,12 @@
 #pragma once
 
+#include "tests/tools/path_text.h"
+
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -15,13 +16,16 @@ namespace zvk::Pelkraft::TestSupport {
 class ToolFolder
 {
 public:
-    ToolFolder() : folder((std::filesystem::temp_directory_path() / "pelkraft-XXXXXX").string())
+    ToolFolder()
     {
-        if (mkdtemp(folder.data()) == nullptr)
-            throw std::runtime_error("no folder to be had");
-        std::filesystem::create_directory(Streams());
+        const auto temporary = std::filesystem::temp_directory_path();
+        std::random_device random;
+        do {
+            folder = TextOf(temporary / ("pelkraft-" + std::to_string(random())));
+        } while (!std::filesystem::create_directory(PathOf(folder)));
+        std::filesystem::create_directory(PathOf(Streams()));
     }
-    ~ToolFolder() { std::filesystem::remove_all(folder); }
+    ~ToolFolder() { std::filesystem::remove_all(PathOf(folder)); }
     ToolFolder(const ToolFolder&) = delete;
     ToolFolder& operator=(const ToolFolder&) = delete;
 
@@ -30,22 +34,22 @@ public:
 
     [[nodiscard]] static std::string Bytes(const std::string& path)
     {
-        std::ifstream file(path, std::ios::binary);
+        std::ifstream file(PathOf(path), std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(file), {});
     }
 
     static void WriteBytes(const std::string& path, const std::string& bytes)
     {
-        std::ofstream(path, std::ios::binary) << bytes;
+        std::ofstream(PathOf(path), std::ios::binary) << bytes;
     }
 
     // All names in the folder but that of the streams.
     [[nodiscard]] std::vector<std::string> Files() const
     {
         std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        for (const auto& entry : std::filesystem::directory_iterator(PathOf(folder))) {
             if (!entry.is_directory())
-                names.push_back(entry.path().filename().string());
+                names.push_back(TextOf(entry.path().filename()));
         }
         std::sort(names.begin(), names.end());
         return names;

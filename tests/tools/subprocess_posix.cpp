@@ -1,6 +1,7 @@
 #include "tests/tools/subprocess.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -33,6 +34,10 @@ void Redirect(const std::string& path, int descriptor)
 
 } // namespace
 
+Subprocess::Subprocess(const std::vector<std::string>& command, const std::string& scratchFolder)
+    : Subprocess(command, scratchFolder, {})
+{}
+
 Subprocess::Subprocess(const std::vector<std::string>& command, const std::string& scratchFolder,
                        const std::function<void()>& prepare)
     : outputPath(scratchFolder + "/stdout"), errorPath(scratchFolder + "/stderr")
@@ -63,10 +68,15 @@ bool Subprocess::HasEnded() const
            information.si_pid == id;
 }
 
+void Subprocess::Interrupt(int number) const
+{
+    kill(static_cast<pid_t>(id), number);
+}
+
 Outcome Subprocess::Wait()
 {
     int status = 0;
-    if (waitpid(id, &status, 0) != id)
+    if (waitpid(static_cast<pid_t>(id), &status, 0) != id)
         throw std::runtime_error("the process is gone");
     Outcome outcome;
     outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -74,6 +84,11 @@ Outcome Subprocess::Wait()
     outcome.output = ReadWhole(outputPath);
     outcome.errors = ReadWhole(errorPath);
     return outcome;
+}
+
+std::vector<int> Interrupts()
+{
+    return {SIGINT, SIGTERM, SIGHUP};
 }
 
 Outcome RunTool(const std::string& scratchFolder, const std::vector<std::string>& arguments,
