@@ -1,9 +1,13 @@
 #!/usr/bin/env bash
 # Makes the Debian packages libpelkraft1, libpelkraft-dev and pelkraft in build/packages/.
+#   package.sh --windows    makes the zip for Windows there instead
 # DEBFULLNAME and DEBEMAIL say who builds them, as with Debian's own tools; without them it is who
 # made the last commit.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+if [ "${1:-}" = --windows ]; then
+    exec bash packaging/windows/zip.sh
+fi
 bash scripts/setup.sh package
 
 version=$(sed -nE 's/^project\(pelkraft VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Builds the program for Windows with the libraries that it needs, runs its tests under Wine, and
+# makes and tries the zip:
+#   windows_program.sh whole|sample
+# The whole holds its files against those of the program for Linux, too.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+extent=${1:-whole}
+bash scripts/setup.sh windows
+bash scripts/setup.sh windows_program
+bash scripts/platforms/windows_libraries.sh
+build=build/windows-gcc
+wine=/usr/lib/wine/wine64
+
+cmake --preset windows-gcc -DPELKRAFT_BUILD_TOOLS=ON >/dev/null
+targets=(pelkraft_tool test_tools)
+[ "$extent" = sample ] || targets+=(test_tools_pattern test_client_threads)
+cmake --build "$build" --target "${targets[@]}"
+
+# Wine's services keep the first streams they get: with those of a test it would never end.
+export WINEPREFIX=${WINEPREFIX:-$PWD/build/wineprefix} WINEDEBUG=-all
+export WINEDLLOVERRIDES='winedbg.exe=d;mscoree,mshtml='
+runtime=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.dll)")
+export WINEPATH="Z:$runtime;Z:/usr/x86_64-w64-mingw32/lib"
+unset DISPLAY
+[ -e "$WINEPREFIX" ] || "$wine" wineboot -i </dev/null >/dev/null 2>&1
+/usr/lib/wine/wineserver64 -p </dev/null >/dev/null 2>&1 || true
+"$wine" cmd /c exit </dev/null >/dev/null 2>&1
+
+tests='^(test_tools|test_tools_pattern|test_client_threads)$'
+[ "$extent" = whole ] || export GTEST_FILTER='Convert*:BuildInfo.*:ShareOut.*'
+[ "$extent" = whole ] || tests='^test_tools$'
+ctest --test-dir "$build" --output-on-failure -R "$tests"
+unset GTEST_FILTER
+
+bash scripts/package.sh --windows
+bash tests/package/windows_zip.sh build/packages/pelkraft-*-windows-x64.zip \
+    cmake/toolchains/windows-gcc.cmake "$wine"
+
+linux=build/release/tools/pelkraft/pelkraft
+if [ "$extent" = whole ]; then
+    cmake --preset release >/dev/null
+    cmake --build build/release --target pelkraft_tool
+fi
+if [ -x "$linux" ]; then
+    bash tests/tools/same_files.sh "$PWD/$linux" "$PWD/$build/bin/pelkraft.exe" "$wine"
+fi
