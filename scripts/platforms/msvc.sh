@@ -16,24 +16,17 @@ esac
 bash scripts/setup.sh msvc
 
 build=$PWD/build/windows-msvc
-cmake -S tests/platforms/windows_msvc -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-    -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/toolchains/windows-msvc.cmake" \
-    -DPELKRAFT_GOLDEN_EVERY="$every" >"$build.log" || {
-    cat "$build.log" >&2
-    exit 1
+mkdir -p "$build"
+# Says what it does only where it fails.
+quietly() {
+    "$@" >"$build/script.log" 2>&1 || { tail -n 40 "$build/script.log" >&2 && return 1; }
 }
-cmake --build "$build"
+quietly cmake -S tests/platforms/windows_msvc -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/toolchains/windows-msvc.cmake" \
+    -DPELKRAFT_GOLDEN_EVERY="$every"
+quietly cmake --build "$build"
 
-# Wine's services start with nothing to write to: with the pipe of a test they would keep it open.
-export WINEPREFIX=$PWD/build/wineprefix-msvc WINEDEBUG=-all
-export WINEDLLOVERRIDES='winedbg.exe=d;mscoree,mshtml='
-unset DISPLAY
-wine=/usr/lib/wine/wine64
-trap '/usr/lib/wine/wineserver64 -k || true' EXIT
-[ -d "$WINEPREFIX" ] || "$wine" wineboot -i </dev/null >/dev/null 2>&1
-# It says no where a server still runs, which is as good.
-/usr/lib/wine/wineserver64 -p </dev/null >/dev/null 2>&1 || true
-"$wine" cmd /c exit </dev/null >/dev/null 2>&1
-
+# shellcheck source=scripts/platforms/wine_session.sh
+source scripts/platforms/wine_session.sh
 ctest --test-dir "$build" --output-on-failure --timeout 600
 grep '^digest' "$build/Testing/Temporary/LastTest.log"
