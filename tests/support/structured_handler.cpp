@@ -11,7 +11,7 @@ namespace zvk::Pelkraft::TestSupport {
 
 namespace {
 
-// What a compiler's library throws is marked as no exception of the system's own.
+// A throw is marked as no exception of the system's own.
 constexpr unsigned long ownMark = 0x20000000;
 
 long Note(const EXCEPTION_POINTERS* pointers, StructuredException* noted)
