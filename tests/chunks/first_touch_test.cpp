@@ -1,99 +1,11 @@
 #include "tests/chunks/chunk_image.h"
+#include "tests/chunks/watched_pages.h"
 #include "tests/support/random_bytes.h"
 
 #include <gtest/gtest.h>
 
-// The processor says of a fault whether it was a write; this is known for x86 alone.
-#if defined(__x86_64__) || defined(__i386__)
-
-#include <sys/mman.h>
-#include <ucontext.h>
-#include <unistd.h>
-
-#include <csignal>
-#include <cstring>
-#include <new>
-
 namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-enum class Touch
-{
-    None,
-    Read,
-    Write,
-};
-
-enum class Side
-{
-    Before,
-    After,
-};
-
-// Two pages, of which one is closed until it is touched for the first time. One lives at a time.
-class WatchedPages
-{
-public:
-    explicit WatchedPages(Side newClosed) : closed(newClosed)
-    {
-        void* memory = mmap(nullptr, 2 * pageBytes, PROT_READ | PROT_WRITE,
-                            MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (memory == MAP_FAILED)
-            throw std::bad_alloc();
-        pages = static_cast<unsigned char*>(memory);
-        active = this;
-        struct sigaction action = {};
-        action.sa_sigaction = NoteTouch;
-        action.sa_flags = SA_SIGINFO;
-        sigaction(SIGSEGV, &action, &before);
-    }
-    ~WatchedPages()
-    {
-        sigaction(SIGSEGV, &before, nullptr);
-        munmap(pages, 2 * pageBytes);
-    }
-    WatchedPages(const WatchedPages&) = delete;
-    WatchedPages& operator=(const WatchedPages&) = delete;
-
-    unsigned char* GetBorder() const { return pages + pageBytes; }
-
-    // The first touch of the closed page while the action runs.
-    template <typename Action>
-    Touch Watch(Action action)
-    {
-        touch = Touch::None;
-        mprotect(ClosedPage(), pageBytes, PROT_NONE);
-        action();
-        mprotect(ClosedPage(), pageBytes, PROT_READ | PROT_WRITE);
-        return touch;
-    }
-
-private:
-    static void NoteTouch(int, siginfo_t* info, void* context)
-    {
-        constexpr greg_t isWrite = 2;
-        unsigned char* page = active->ClosedPage();
-        const auto* address = static_cast<const unsigned char*>(info->si_addr);
-        // Any other fault comes again, and ends the program.
-        if (address < page || address >= page + active->pageBytes || active->touch != Touch::None) {
-            std::signal(SIGSEGV, SIG_DFL);
-            return;
-        }
-        const greg_t error = static_cast<ucontext_t*>(context)->uc_mcontext.gregs[REG_ERR];
-        active->touch = (error & isWrite) != 0 ? Touch::Write : Touch::Read;
-        mprotect(page, active->pageBytes, PROT_READ | PROT_WRITE);
-    }
-
-    unsigned char* ClosedPage() const { return closed == Side::Before ? pages : pages + pageBytes; }
-
-    static inline WatchedPages* active = nullptr;
-
-    const std::size_t pageBytes = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    Side closed;
-    unsigned char* pages = nullptr;
-    struct sigaction before = {};
-    volatile Touch touch = Touch::None;
-};
 
 // All rows without a gap between planes, up to pixels of so many bytes.
 std::vector<ChunkRow> DenseRows(std::size_t largestPixel)
@@ -151,5 +63,3 @@ TEST(Method, OfAKnownSizeOrOfOnePlaneTouchesNoHeader)
 
 } // namespace
 } // namespace zvk::Pelkraft::TestSupport
-
-#endif
