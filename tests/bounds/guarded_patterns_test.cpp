@@ -43,7 +43,8 @@ protected:
         const std::size_t steps = pixels * static_cast<std::size_t>(pattern.GetInColorCount());
         const std::size_t inks = pixels * static_cast<std::size_t>(pattern.GetOutColorCount());
         pattern.ApplyPattern(PlaceIn(sourceArena, steps, at.flush, at.oddSource),
-                             PlaceIn(destinationArena, inks, at.flush, at.oddDestination), pixels);
+                             PlaceIn(destinationArena, inks, at.flush, at.oddDestination),
+                             static_cast<unsigned long>(pixels));
     }
 
     const GuardedArena sourceArena{capacity};

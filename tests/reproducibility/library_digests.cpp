@@ -73,7 +73,7 @@ Bytes ApplyRow(DotWeavePattern& pattern, const Bytes& source)
         source.size() / static_cast<std::size_t>(pattern.GetInColorCount()));
     Bytes from = source;
     Bytes to(pixels * static_cast<std::size_t>(pattern.GetOutColorCount()), 0xA5);
-    pattern.ApplyPattern(from.data(), to.data(), pixels);
+    pattern.ApplyPattern(from.data(), to.data(), static_cast<unsigned long>(pixels));
     return to;
 }
 
