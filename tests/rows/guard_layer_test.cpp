@@ -189,7 +189,7 @@ void ExpectToPassUnlogged(TaughtRow& row, const Overload& overload, const Thrown
     EXPECT_EQ(Lines{}, LinesOf([&] {
                   try {
                       overload.call(row, source);
-                  } catch (const Thrown& caught) {
+                  } catch (Thrown caught) {
                       passed = caught == thrown;
                   }
               }));
