@@ -12,7 +12,7 @@ trap 'rm -rf "$work"' EXIT
 try_customer() {
     local prefix=$1 customer=$1.customer
     cmake -S "$here/consumer" -B "$customer" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
-        -DCMAKE_FIND_ROOT_PATH="$prefix" -DCMAKE_BUILD_TYPE=Release >/dev/null
+        -Dpelkraft_DIR="$prefix/lib/cmake/pelkraft" -DCMAKE_BUILD_TYPE=Release >/dev/null
     cmake --build "$customer" >/dev/null
     [ ! -d "$prefix/bin" ] || cp "$prefix"/bin/*.dll "$customer"
     "$emulator" "$customer/consumer.exe" </dev/null
