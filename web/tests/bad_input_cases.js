@@ -106,6 +106,7 @@ export default {
         data[width - 1] = 200;
         const shape = { width, channels: 1, bits: 8, planar: false };
         const pattern = new pelkraft.Pattern(exampleText);
+        sameBytes(pelkraft.convertRow(source, row), [1, 2, 3, 4], "a small row ahead of it");
         const result = pelkraft.convertRow({ ...shape, data }, shape, { repeat: -1 });
         equal([result.length, result[0], result[1], result[width - 1]], [width, 200, 3, 3]);
         equal(pelkraft.memoryBytes() > before, true, "the memory has grown");

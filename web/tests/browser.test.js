@@ -1,4 +1,4 @@
-// All cases in headless Chromium, on a page that a server of the loopback address hands out under
+// Runs all cases in headless Chromium, on a page that a server of the loopback address hands out under
 // a policy that allows scripts and WebAssembly of its own alone. The variables are those of
 // node.test.js; PELKRAFT_CHROMIUM names the browser.
 import { readFile } from "node:fs/promises";

@@ -1,4 +1,4 @@
-// The few checks that the cases need, in Node.js and in a browser alike.
+// The cases need these few checks, in Node.js and in a browser alike.
 function shown(value) {
     const text = value instanceof Uint8Array ? `bytes ${value.slice(0, 64)}` : JSON.stringify(value);
     return text === undefined ? String(value) : text;
@@ -21,7 +21,7 @@ export function sameBytes(actual, expected, what) {
     }
 }
 
-// The work throws this kind of error with these words, whole.
+// Asks that the work throws an error of this kind with these words, whole.
 export function refuses(work, kind, message) {
     let thrown;
     try {
@@ -35,7 +35,7 @@ export function refuses(work, kind, message) {
     equal([thrown.name, thrown.message], [kind, message], "what is thrown");
 }
 
-// Numbers from 0 to 1, the same in each run.
+// Makes numbers from 0 to 1, the same in each run.
 export function randomNumbers(seed) {
     let state = seed >>> 0;
     return () => {

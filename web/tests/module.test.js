@@ -1,4 +1,4 @@
-// What a customer gets: the size of the module's files, and the example of its page. The variable
+// These tests hold what a customer gets: files of this size, and the example of the page. The variable
 // PELKRAFT_MODULE names the folder of the module.
 import { execFileSync } from "node:child_process";
 import { mkdtempSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
@@ -8,7 +8,7 @@ import { test } from "node:test";
 import { pathToFileURL } from "node:url";
 import { gzipSync } from "node:zlib";
 
-import { equal } from "./expect.js";
+import { equal, refuses } from "./expect.js";
 
 const folder = process.env.PELKRAFT_MODULE;
 
@@ -20,6 +20,16 @@ test("what a browser loads is below 400 kB, compressed", () => {
         .reduce((total, length) => total + length, 0);
     console.log(`${loaded.length} files, ${bytes} bytes`);
     equal(bytes < 400_000, true, `${bytes} bytes is below 400 kB`);
+});
+
+// In a browser there may be no array of this size.
+test("a conversion of more bytes than 32 bits count is refused", async () => {
+    const { loadPelkraft } = await import(pathToFileURL(join(folder, "pelkraft.js")).href);
+    const { convertRow } = await loadPelkraft();
+    const width = 2 ** 31 - 1;
+    const shape = { width, channels: 1, bits: 8, planar: false };
+    refuses(() => convertRow({ ...shape, data: new Uint8Array(width) }, shape), "RangeError",
+        `there is no memory for ${64 + 2 * 2 ** 31} bytes`);
 });
 
 test("the example of the page prints what the page says", () => {

@@ -1,4 +1,4 @@
-// Dot patterns pixel by pixel from the definition. Nothing of the module is used here.
+// This simulates dot patterns pixel by pixel from the definition, and uses nothing of the module.
 //
 // A pattern is { version, seed, outInks, inColors }; an in-colour is { inks, lines }, where lines
 // has by step { weights, positions, values }.

@@ -1,4 +1,4 @@
-// Conversions sample by sample from the definition. Nothing of the module is used here.
+// These loops convert sample by sample from the definition. They use nothing of the module.
 
 export function isPacked(row) {
     return row.planar && row.bits % 8 !== 0;
@@ -10,7 +10,7 @@ export function rowBytes({ width, channels, bits, planar }) {
         : channels * width * Math.ceil(bits / 8);
 }
 
-// The first bit of a sample, counted from the highest bit of the row's first byte.
+// Finds the first bit of a sample, counted from the highest bit of the row's first byte.
 function firstBit(row, pixel, channel) {
     if (!row.planar) {
         return (pixel * row.channels + channel) * Math.ceil(row.bits / 8) * 8;
@@ -79,7 +79,7 @@ export function naiveConvert(source, target, { map, repeat = 1 } = {}) {
     return result;
 }
 
-// Why no way leads from one kind of row to the other, or nothing if there is one.
+// Says why no way leads from one kind of row to the other, or nothing if there is one.
 export function refusal(source, target, { map, repeat } = {}) {
     const operation = repeat === undefined ? "FillFrom" : "FillFromWithPixelRepeat";
     if (map === undefined && source.channels !== target.channels) {

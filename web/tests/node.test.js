@@ -1,4 +1,4 @@
-// All cases in Node.js. The variable PELKRAFT_MODULE names the folder of the module that was built,
+// Runs all cases in Node.js. The variable PELKRAFT_MODULE names the folder of the module that was built,
 // PELKRAFT_VERSION its version.
 import { test } from "node:test";
 import { pathToFileURL } from "node:url";
