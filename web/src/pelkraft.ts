@@ -20,7 +20,7 @@ export interface Pelkraft {
     /** 3 for vectors of 16 bytes, 0 without them. */
     sseLevel(): number;
     limitSseLevel(level: number): void;
-    /** The bytes of its memory, which grows and never shrinks, and those of them that are in use. */
+    /** The bytes of its memory, which grows and never shrinks, and those that are in use. */
     memoryBytes(): number;
     memoryInUse(): number;
     /** Converts one row and gives the target's bytes. */

@@ -9,8 +9,9 @@ export default {
         const { convertRow } = await load();
         const wrong = [
             [NaN, "NaN"], [1.5, "1.5"], [Infinity, "Infinity"], [null, "null"],
-            [undefined, "undefined"], ["2", '"2"'], [2n, "2"], [{}, "an object of the class Object"],
-            [true, "true"], [() => 1, "a function"], [Symbol("x"), "a symbol"],
+            [undefined, "undefined"], ["2", '"2"'], [2n, "2"], [true, "true"],
+            [{}, "an object of the class Object"], [() => 1, "a function"],
+            [Symbol("x"), "a symbol"],
         ];
         for (const field of ["width", "channels", "bits"]) {
             for (const [value, words] of wrong) {
@@ -139,7 +140,8 @@ export default {
         }
         refuses(() => pattern.apply(new Uint8Array(3)), "RangeError",
             "the row has 3 bytes, which is no whole number of pixels of 2 in-colours");
-        refuses(() => pattern.topStep(0.5), "TypeError", "the in-colour must be an integer, not 0.5");
+        refuses(() => pattern.topStep(0.5), "TypeError",
+            "the in-colour must be an integer, not 0.5");
         for (const inColor of [-1, 2, 255]) {
             refuses(() => pattern.topStep(inColor), "RangeError",
                 `there is no in-colour ${inColor} among 2`);

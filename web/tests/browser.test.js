@@ -1,5 +1,5 @@
-// Runs all cases in headless Chromium, on a page that a server of the loopback address hands out under
-// a policy that allows scripts and WebAssembly of its own alone. The variables are those of
+// Runs all cases in headless Chromium, on a page that a server of the loopback address hands out
+// under a policy that allows scripts and WebAssembly of its own alone. The variables are those of
 // node.test.js; PELKRAFT_CHROMIUM names the browser.
 import { readFile } from "node:fs/promises";
 import { createServer } from "node:http";

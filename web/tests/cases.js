@@ -4,6 +4,6 @@ import patternCases from "./pattern_cases.js";
 import reportCases from "./report_cases.js";
 import rowCases from "./row_cases.js";
 
-// A case stands by the words of what it promises. Each gets { load, version }, where load() gives a library of
-// its own.
+// A case stands by the words of what it promises. Each gets { load, version }, where load() gives
+// a library of its own.
 export default { ...rowCases, ...patternCases, ...reportCases, ...badInputCases, ...memoryCases };

@@ -1,7 +1,9 @@
 // The cases need these few checks, in Node.js and in a browser alike.
 function shown(value) {
-    const text = value instanceof Uint8Array ? `bytes ${value.slice(0, 64)}` : JSON.stringify(value);
-    return text === undefined ? String(value) : text;
+    if (value instanceof Uint8Array) {
+        return `bytes ${value.slice(0, 64)}`;
+    }
+    return JSON.stringify(value) ?? String(value);
 }
 
 export function equal(actual, expected, what = "the value") {

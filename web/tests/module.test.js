@@ -1,5 +1,5 @@
-// These tests hold what a customer gets: files of this size, and the example of the page. The variable
-// PELKRAFT_MODULE names the folder of the module.
+// These tests hold what a customer gets: files of this size, and the example of the page. The
+// variable PELKRAFT_MODULE names the folder of the module.
 import { execFileSync } from "node:child_process";
 import { mkdtempSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";

@@ -1,5 +1,5 @@
-// Runs all cases in Node.js. The variable PELKRAFT_MODULE names the folder of the module that was built,
-// PELKRAFT_VERSION its version.
+// Runs all cases in Node.js. The variable PELKRAFT_MODULE names the folder of the module that was
+// built, PELKRAFT_VERSION its version.
 import { test } from "node:test";
 import { pathToFileURL } from "node:url";
 

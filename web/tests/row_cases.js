@@ -142,7 +142,8 @@ export default {
         const pelkraft = await load({ log: (line) => lines.push(line) });
         const row = { width: 1, channels: 1, bits: 4, planar: false };
         const depth = "zvk::Pelkraft::ImageRowFormat unsupported bit depth";
-        refuses(() => pelkraft.convertRow({ ...row, data: new Uint8Array(1) }, row), "Error", depth);
+        const source = { ...row, data: new Uint8Array(1) };
+        refuses(() => pelkraft.convertRow(source, row), "Error", depth);
         equal(lines, [`zvk::Pelkraft::ImageRow::FillFrom has thrown C++ exception: ${depth}`]);
     },
     "a log that throws does not hide the refusal": async ({ load }) => {
