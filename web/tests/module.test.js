@@ -9,6 +9,7 @@ import { pathToFileURL } from "node:url";
 import { gzipSync } from "node:zlib";
 
 import { equal, refuses } from "./expect.js";
+import { exampleText } from "./pattern_cases.js";
 
 const folder = process.env.PELKRAFT_MODULE;
 
@@ -30,6 +31,37 @@ test("a conversion of more bytes than 32 bits count is refused", async () => {
     const shape = { width, channels: 1, bits: 8, planar: false };
     refuses(() => convertRow({ ...shape, data: new Uint8Array(width) }, shape), "RangeError",
         `there is no memory for ${64 + 2 * 2 ** 31} bytes`);
+});
+
+// The memory is taken in blocks that nobody touches, so that the machine need not have it.
+function takeAllMemory(exports) {
+    for (let bytes = 2 ** 30; bytes > 1000; ) {
+        if (exports.allocate(bytes) === 0) {
+            bytes /= 2;
+        }
+    }
+}
+
+test("a library without memory says so", async () => {
+    const [{ Memory }, { Pattern }] = await Promise.all(["memory.js", "patterns.js"].map(
+        (name) => import(pathToFileURL(join(folder, name)).href)));
+    const nothing = () => 0;
+    const { instance } = await WebAssembly.instantiate(readFileSync(join(folder, "pelkraft.wasm")), {
+        env: { emscripten_notify_memory_growth: nothing },
+        wasi_snapshot_preview1: {
+            fd_write: nothing, fd_seek: nothing, fd_close: nothing, proc_exit: nothing,
+        },
+    });
+    instance.exports._initialize();
+    const memory = new Memory(instance.exports);
+    const pattern = new Pattern(memory, exampleText);
+    const block = instance.exports.allocate(5000);
+    takeAllMemory(instance.exports);
+    refuses(() => pattern.apply(new Uint8Array(20_000)), "RangeError",
+        "there is no memory for 50000 bytes");
+    instance.exports.release(block);
+    refuses(() => new Pattern(memory, exampleText), "Error", "std::bad_alloc");
+    equal(pattern.apply(Uint8Array.of(1, 1)).join(" "), "0 64 255", "a pattern from before");
 });
 
 test("the example of the page prints what the page says", () => {

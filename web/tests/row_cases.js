@@ -72,16 +72,18 @@ export default {
         equal(pelkraft.sseLevel(), 3, "the level");
         // Of four channels the portable road unpacks none.
         const source = { width: 64, channels: 4, bits: 1, planar: true, data: randomBytes(32, 5) };
-        const target = { width: 64, channels: 4, bits: 8, planar: true };
-        const unpacked = naiveConvert(source, target);
-        const portable = pelkraft.convertRow(source, target, { portable: true });
-        equal(String(portable) === String(unpacked), false, "the portable road unpacks");
-        sameBytes(pelkraft.convertRow(source, target), unpacked, "level 3");
-        pelkraft.limitSseLevel(0);
-        equal(pelkraft.sseLevel(), 0, "the level");
-        sameBytes(pelkraft.convertRow(source, target), portable, "level 0");
-        pelkraft.limitSseLevel(3);
-        sameBytes(pelkraft.convertRow(source, target), unpacked, "level 3 again");
+        const target = { width: 128, channels: 4, bits: 8, planar: true };
+        for (const operation of [{}, { map: [3, 2, 1, 0] }, { repeat: 2 }]) {
+            const what = JSON.stringify(operation);
+            const unpacked = naiveConvert(source, target, operation);
+            const portable = pelkraft.convertRow(source, target, { ...operation, portable: true });
+            equal(String(portable) === String(unpacked), false, `${what} unpacks, portably`);
+            sameBytes(pelkraft.convertRow(source, target, operation), unpacked, `${what}, level 3`);
+            pelkraft.limitSseLevel(0);
+            equal(pelkraft.sseLevel(), 0, "the level");
+            sameBytes(pelkraft.convertRow(source, target, operation), portable, `${what}, level 0`);
+            pelkraft.limitSseLevel(3);
+        }
     },
     "every value of 16 bits is narrowed": async ({ load }) => {
         const numbers = Uint16Array.from({ length: 65536 }, (_, i) => i);
