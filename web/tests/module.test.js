@@ -46,7 +46,8 @@ test("a library without memory says so", async () => {
     const [{ Memory }, { Pattern }] = await Promise.all(["memory.js", "patterns.js"].map(
         (name) => import(pathToFileURL(join(folder, name)).href)));
     const nothing = () => 0;
-    const { instance } = await WebAssembly.instantiate(readFileSync(join(folder, "pelkraft.wasm")), {
+    const wasm = readFileSync(join(folder, "pelkraft.wasm"));
+    const { instance } = await WebAssembly.instantiate(wasm, {
         env: { emscripten_notify_memory_growth: nothing },
         wasi_snapshot_preview1: {
             fd_write: nothing, fd_seek: nothing, fd_close: nothing, proc_exit: nothing,
