@@ -1,4 +1,8 @@
-# The libraries of the program and its tests that read and write pictures.
+# The libraries of the program and its tests that read and write pictures. For Windows they are
+# static, as far as CMake knows how.
+if(WIN32)
+    set(ZLIB_USE_STATIC_LIBS ON)
+endif()
 find_package(PNG REQUIRED)
 find_package(TIFF REQUIRED)
 if(WIN32)

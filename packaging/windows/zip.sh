@@ -22,7 +22,6 @@ mkdir -p "$stage/licences" build/packages
 for component in runtime development client; do
     cmake --install "$build" --component "$component" --prefix "$stage" >/dev/null
 done
-x86_64-w64-mingw32-strip "$stage"/bin/*
 
 # Those that the compiler has itself; all others belong to Windows.
 needed() {
@@ -39,6 +38,7 @@ while [ "$copied" = 1 ]; do
         fi
     done
 done
+x86_64-w64-mingw32-strip "$stage"/bin/*
 
 cp packaging/windows/README.txt LICENSE NOTICE "$stage/"
 cp build/windows-libraries/licences/* "$stage/licences/"
