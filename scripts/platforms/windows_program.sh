@@ -36,6 +36,7 @@ if [ "$extent" = sample ]; then
 fi
 ctest --test-dir "$build" --output-on-failure -R "$tests"
 unset GTEST_FILTER
+bash tests/tools/windows_console.sh "$build/bin/pelkraft.exe" "$wine"
 
 bash scripts/package.sh --windows
 bash tests/package/windows_zip.sh build/packages/pelkraft-*-windows-x64.zip \

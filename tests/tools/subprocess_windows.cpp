@@ -87,7 +87,7 @@ Subprocess::Subprocess(const std::vector<std::string>& command, const std::strin
     PROCESS_INFORMATION process = {};
     if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
                        &process) == 0)
-        throw std::runtime_error("no process to be had");
+        throw std::runtime_error("no process to be had: " + std::to_string(GetLastError()));
     CloseHandle(process.hThread);
     id = reinterpret_cast<std::intptr_t>(process.hProcess);
 }

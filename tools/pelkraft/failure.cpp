@@ -24,6 +24,7 @@ void PrintLine(const char* kind, const std::string& file, const std::string& tex
 {
     const std::string where = file.empty() ? std::string() : OneLine(file) + ": ";
     std::fprintf(stderr, "pelkraft: %s%s%s\n", where.c_str(), kind, OneLine(text).c_str());
+    std::fflush(stderr);
 }
 
 ExitCode ReportFailure()

@@ -8,6 +8,7 @@
 #include <io.h>
 #include <shellapi.h>
 
+#include <cstdio>
 #include <memory>
 #include <vector>
 
@@ -23,6 +24,8 @@ public:
         _setmode(standardOutput, _O_BINARY);
         _setmode(standardError, _O_BINARY);
         SetConsoleOutputCP(CP_UTF8);
+        // Byte by byte, as errors go out otherwise, a console can't read a letter of several.
+        std::setvbuf(stderr, nullptr, _IOFBF, 4096);
     }
     ~Utf8Streams() { SetConsoleOutputCP(usualCodePage); }
     Utf8Streams(const Utf8Streams&) = delete;

@@ -1,6 +1,5 @@
 #include "tools/pelkraft/progress.h"
 
-#include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/system_calls.h"
 
 #include <cstdio>
@@ -14,14 +13,14 @@ constexpr std::chrono::milliseconds pause(100);
 } // namespace
 
 Progress::Progress(std::string newLabel, std::uint64_t newTotal)
-    : label(std::move(newLabel)), total(newTotal), terminal(ObeysEscapes(standardError)),
+    : label(std::move(newLabel)), total(newTotal), terminal(ErrorsAreSeen()),
       lastTime(std::chrono::steady_clock::now() - pause)
 {}
 
 Progress::~Progress()
 {
     if (shown)
-        std::fputs("\r\033[K", stderr);
+        WipeLine();
 }
 
 void Progress::Advance(std::uint64_t amount)

@@ -55,7 +55,9 @@ int Replace(const std::string& path, const std::string& targetPath);
 // Needs no memory.
 void Remove(const std::string& path) noexcept;
 
-// True for a terminal that obeys escape sequences.
-bool ObeysEscapes(int descriptor);
+// True if somebody sees the standard error stream on a terminal.
+bool ErrorsAreSeen();
+// Empties the line of that terminal in which the cursor stands.
+void WipeLine();
 
 } // namespace zvk::Pelkraft::Client

@@ -125,9 +125,14 @@ void Remove(const std::string& path) noexcept
     unlink(path.c_str());
 }
 
-bool ObeysEscapes(int descriptor)
+bool ErrorsAreSeen()
 {
-    return isatty(descriptor) != 0;
+    return isatty(STDERR_FILENO) != 0;
+}
+
+void WipeLine()
+{
+    std::fputs("\r\033[K", stderr);
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -245,12 +245,24 @@ void Remove(const std::string& path) noexcept
         DeleteFileW(wide);
 }
 
-bool ObeysEscapes(int descriptor)
+bool ErrorsAreSeen()
 {
-    const HANDLE stream = HandleOf(descriptor);
     DWORD mode = 0;
-    return GetConsoleMode(stream, &mode) != 0 &&
-           SetConsoleMode(stream, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+    return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
+// Not every console that takes the mode for escape sequences obeys them.
+void WipeLine()
+{
+    const HANDLE console = GetStdHandle(STD_ERROR_HANDLE);
+    CONSOLE_SCREEN_BUFFER_INFO information = {};
+    if (GetConsoleScreenBufferInfo(console, &information) == 0)
+        return;
+    const COORD start = {0, information.dwCursorPosition.Y};
+    DWORD count = 0;
+    FillConsoleOutputCharacterW(console, L' ', static_cast<DWORD>(information.dwSize.X), start,
+                                &count);
+    SetConsoleCursorPosition(console, start);
 }
 
 } // namespace zvk::Pelkraft::Client
