@@ -12,7 +12,7 @@ bash scripts/platforms/windows_libraries.sh
 
 build=build/windows-gcc
 cmake --preset windows-gcc -DPELKRAFT_BUILD_TOOLS=ON >/dev/null
-cmake --build "$build" --target pelkraft zvk_system_tools pelkraft_tool
+cmake --build "$build" --target pelkraft zvk_system_tools pelkraft_tool >/dev/null
 
 version=$(sed -nE 's/^project\(pelkraft VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
 name=pelkraft-$version-windows-x64

@@ -36,9 +36,11 @@ if [ "$extent" = sample ]; then
     build gcc --target test_rows test_exchanged_verdict test_customer_guards test_copy \
         test_pattern check_goldens
     run gcc -R '^(test_(rows|exchanged_verdict|customer_guards|copy|pattern)|needed_libraries|.*_exports_its_list)$'
+    bash scripts/platforms/windows_program.sh sample
     exit 0
 fi
 for compiler in gcc clang; do
     build "$compiler"
     run "$compiler" -E '^check_goldens$'
 done
+bash scripts/platforms/windows_program.sh whole

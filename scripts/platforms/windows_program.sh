@@ -12,23 +12,15 @@ bash scripts/setup.sh windows
 bash scripts/setup.sh windows_program
 bash scripts/platforms/windows_libraries.sh
 build=build/windows-gcc
-wine=/usr/lib/wine/wine64
 
-cmake --preset windows-gcc -DPELKRAFT_BUILD_TOOLS=ON >/dev/null
+cmake --preset windows-gcc -DPELKRAFT_BUILD_TOOLS=ON >"$build.log"
 targets=(pelkraft_tool test_tools)
 [ "$extent" = sample ] || targets+=(test_tools_pattern test_client_threads)
-cmake --build "$build" --target "${targets[@]}"
+cmake --build "$build" --target "${targets[@]}" >"$build.log" ||
+    { tail -n 40 "$build.log" >&2 && exit 1; }
 
-# Wine's services keep the first streams they get: with those of a test it would never end.
-export WINEPREFIX=${WINEPREFIX:-$PWD/build/wineprefix} WINEDEBUG=-all
-export WINEDLLOVERRIDES='winedbg.exe=d;mscoree,mshtml='
-runtime=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.dll)")
-export WINEPATH="Z:$runtime;Z:/usr/x86_64-w64-mingw32/lib"
-unset DISPLAY
-[ -e "$WINEPREFIX" ] || "$wine" wineboot -i </dev/null >/dev/null 2>&1
-/usr/lib/wine/wineserver64 -p </dev/null >/dev/null 2>&1 || true
-"$wine" cmd /c exit </dev/null >/dev/null 2>&1
-
+# shellcheck source=scripts/platforms/wine_session.sh
+source scripts/platforms/wine_session.sh
 tests='^(test_tools|test_tools_pattern|test_client_threads)$'
 if [ "$extent" = sample ]; then
     tests='^test_tools$'
