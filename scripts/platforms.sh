@@ -12,9 +12,8 @@ if [ "${1:-}" = --sample ]; then
     extent=sample
     shift
 fi
-platforms=("$@")
-[ ${#platforms[@]} -ne 0 ] || platforms=(windows msvc arm wasm)
-for platform in "${platforms[@]}"; do
+[ $# -ne 0 ] || set -- windows msvc arm wasm
+for platform in "$@"; do
     if [ ! -f "scripts/platforms/$platform.sh" ]; then
         echo "platforms.sh: no platform is called $platform" >&2
         exit 2
@@ -22,7 +21,7 @@ for platform in "${platforms[@]}"; do
 done
 
 failed=()
-for platform in "${platforms[@]}"; do
+for platform in "$@"; do
     echo "== $platform, $extent"
     started=$SECONDS
     bash "scripts/platforms/$platform.sh" "$extent" || failed+=("$platform")
