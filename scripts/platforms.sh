@@ -12,7 +12,7 @@ if [ "${1:-}" = --sample ]; then
     extent=sample
     shift
 fi
-[ $# -ne 0 ] || set -- windows msvc arm wasm
+[ $# -ne 0 ] || set -- m32 windows msvc arm wasm
 for platform in "$@"; do
     if [ ! -f "scripts/platforms/$platform.sh" ]; then
         echo "platforms.sh: no platform is called $platform" >&2
