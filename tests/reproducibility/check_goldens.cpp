@@ -74,7 +74,7 @@ void CheckConversion(int number, const GoldenDigests& goldens, Outcome& outcome)
 
 using ApplyToRow = std::function<Bytes(const Bytes& row)>;
 
-ApplyToRow MakeNaiveApply(NaivePattern description, DotWeavePattern::Engine engine)
+ApplyToRow MakeNaiveApply(const NaivePattern& description, DotWeavePattern::Engine engine)
 {
     if (engine == DotWeavePattern::Reference)
         return [naive = NaiveReference(description)](const Bytes& row) mutable {
