@@ -3,6 +3,7 @@
 #include "tests/pattern/naive_reference.h"
 #include "tests/reproducibility/golden_cases.h"
 #include "tests/support/random_bytes.h"
+#include "tests/support/structured_lines.h"
 #include "tests/system_tools/recording_sink.h"
 #include "tests/system_tools/standard_error_capture.h"
 #include "tests/threads/at_once.h"
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <sstream>
 
 // Sixteen threads at once are the first to use what a process builds at its first use: an argument
 // says which thread begins with what. The program exits with 0 if everything is right.
@@ -57,11 +59,16 @@ public:
         seen.wrong += right ? 0 : 1;
     }
 
-    std::size_t LoggedLines() const
+    // The clauses' lines in the sink and, as long as it wasn't set, in the stream.
+    long LoggedLines() const
     {
-        const std::string text = capture.Text();
-        return sink.Lines().size() +
-               static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+        std::vector<std::wstring> lines = sink.Lines();
+        std::istringstream text(capture.Text());
+        for (std::string line; std::getline(text, line);)
+            lines.emplace_back(line.begin(), line.end());
+        return static_cast<long>(
+            std::count_if(lines.begin(), lines.end(),
+                          [](const std::wstring& line) { return !IsStructuredLine(line); }));
     }
 
 private:
@@ -140,7 +147,7 @@ bool AllIsRight(int number)
             uses.Do((first + i) % uses.Count(), seen);
     });
     Diagnostics::Seh::SetDefaultLog(nullptr);
-    std::printf("wrong results: %d, failures: %d, logged: %zu\n", seen.wrong.load(),
+    std::printf("wrong results: %d, failures: %d, logged: %ld\n", seen.wrong.load(),
                 seen.failures.load(), uses.LoggedLines());
     return seen.wrong == 0 && seen.failures == threadCount && uses.LoggedLines() == threadCount &&
            seen.levels[SystemTools::GetSseVersion()] == threadCount;
