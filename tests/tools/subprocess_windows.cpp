@@ -35,7 +35,7 @@ public:
     HANDLE handle;
 };
 
-// As a program takes a command line apart: backslashes count only before a quotation mark.
+// A program takes its command line apart so that backslashes count only before a quotation mark.
 std::wstring Quoted(const std::string& argument)
 {
     std::wstring quoted = L"\"";

@@ -82,7 +82,7 @@ bool MappedFile::Failed() const
 
 void MappedFile::Release() const
 {
-    // Of pages that nobody has locked it only takes the memory.
+    // Where nobody has locked the pages, this gives their memory back.
     if (data != nullptr)
         VirtualUnlock(data, static_cast<SIZE_T>(size));
 }

@@ -34,7 +34,7 @@ struct OpenedFile
 // that came later.
 int OpenToRead(const std::string& path, OpenedFile& file);
 
-// What stands at the place of a file that is to be written.
+// A look at the place of a file that is to be written.
 struct PresentFile
 {
     bool exists = false;

@@ -102,7 +102,7 @@ bool IsRegular(HANDLE file)
            (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-// Six letters, of which there are more than files in a folder.
+// Six letters make more names than a folder has files.
 std::string RandomName()
 {
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
