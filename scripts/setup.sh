@@ -20,8 +20,11 @@ set -euo pipefail
 build_packages=(g++ cmake ninja-build pkg-config libtiff-dev libpng-dev libcli11-dev
     nlohmann-json3-dev)
 picture_packages=(ghostscript libtiff-tools)
+# g++-multilib, which only adds a link to system headers, would drive out the compilers for other
+# processors.
 test_packages=(perl clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind
-    abigail-tools groff-base fish zsh doxygen libc++-14-dev libc++abi-14-dev g++-multilib python3)
+    abigail-tools groff-base fish zsh doxygen libc++-14-dev libc++abi-14-dev g++-12-multilib
+    python3)
 bench_packages=(libbenchmark-dev python3 util-linux)
 cross_packages=(g++ cmake ninja-build pkg-config googletest)
 peer_packages=(libopencv-dev libyuv-dev libswscale-dev python3-dev python3-numpy)
