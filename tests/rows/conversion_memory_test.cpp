@@ -136,6 +136,8 @@ TEST_P(ConversionMemory, IsAFewAlignedBlocksThatAreGivenBack)
     }
 }
 
+#ifdef PELKRAFT_VECTOR_ROAD
+// The portable road has the chain unpack.
 TEST_P(ConversionMemory, IsNotTakenByTheDirectRoad)
 {
     const Kind& kind = GetParam();
@@ -147,6 +149,7 @@ TEST_P(ConversionMemory, IsNotTakenByTheDirectRoad)
     EXPECT_TRUE(watched.sourceUntouched);
     EXPECT_TRUE(watched.rowsUnchanged);
 }
+#endif
 
 TEST_P(ConversionMemory, MissingForAnyBlockLeavesBothRowsAsTheyWere)
 {
