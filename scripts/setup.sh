@@ -44,8 +44,8 @@ analysis)
     ;;
 windows) wanted=("${cross_packages[@]}" g++-mingw-w64-x86-64-posix clang lld llvm wine64) ;;
 windows_program)
-    wanted=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev libcli11-dev nlohmann-json3-dev cmake
-        ninja-build dpkg-dev zip unzip)
+    wanted=("${build_packages[@]}" g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev perl zip
+        unzip)
     ;;
 msvc)
     wanted=(cmake ninja-build clang-14 clang-tools-14 lld-14 llvm-14 libc++-14-dev libwine-dev wine64)

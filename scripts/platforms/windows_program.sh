@@ -36,8 +36,9 @@ bash tests/package/windows_zip.sh build/packages/pelkraft-*-windows-x64.zip \
 
 linux=build/release/tools/pelkraft/pelkraft
 if [ "$extent" = whole ]; then
-    cmake --preset release >/dev/null
-    cmake --build build/release --target pelkraft_tool
+    linux=build/linux-program/tools/pelkraft/pelkraft
+    cmake -S . -B build/linux-program -G Ninja -DPELKRAFT_BUILD_TOOLS=ON >/dev/null
+    cmake --build build/linux-program --target pelkraft_tool >/dev/null
 fi
 if [ -x "$linux" ]; then
     bash tests/tools/same_files.sh "$PWD/$linux" "$PWD/$build/bin/pelkraft.exe" "$wine"

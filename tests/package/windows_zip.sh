@@ -38,7 +38,10 @@ cmake --build consumer >/dev/null
 cp "$bin"/*.dll consumer/
 "$wine" consumer/consumer.exe
 
-echo "nothing is missing"
+echo "nothing is missing, and no other DLL there"
+expected=$(echo ./lib{gcc_s_seh-1,pelkraft,stdc++-6,winpthread-1,zvk_system_tools}.dll)
+dlls=$(cd "$bin" && LC_ALL=C && echo ./*.dll)
+[ "$dlls" = "$expected" ] || { echo "the DLLs are $dlls" >&2 && exit 1; }
 for file in LICENSE NOTICE README.txt licences/{tiff,libpng1.6,libjpeg-turbo,libdeflate} \
     licences/{libz-mingw-w64-dev,libcli11-dev,nlohmann-json3-dev,gcc-runtime,mingw-w64} \
     lib/libpelkraft.dll.a lib/libzvk_system_tools.dll.a include/pelkraft/image_row.h; do
