@@ -15,5 +15,6 @@ if [ ! -e "$WINEPREFIX/system.reg" ]; then
     # It writes the registry once nothing runs any more.
     "$wineserver" -w
 fi
-"$wineserver" -p </dev/null >/dev/null 2>&1
+# Its answer is 2 where a script that calls this one has started it.
+"$wineserver" -p </dev/null >/dev/null 2>&1 || [ $? -eq 2 ]
 "$wine" cmd /c exit </dev/null >/dev/null 2>&1
