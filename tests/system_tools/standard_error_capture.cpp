@@ -9,10 +9,9 @@
 namespace zvk::Pelkraft::TestSupport {
 
 StandardErrorCapture::StandardErrorCapture()
+    : name(testing::TempDir() + "standard_error_XXXXXX"), file(mkstemp(name.data())),
+      before(dup(STDERR_FILENO))
 {
-    name = testing::TempDir() + "standard_error_XXXXXX";
-    file = mkstemp(name.data());
-    before = dup(STDERR_FILENO);
     if (file < 0 || before < 0 || dup2(file, STDERR_FILENO) < 0)
         std::abort();
 }

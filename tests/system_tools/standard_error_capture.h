@@ -18,8 +18,8 @@ public:
 
 private:
     std::string name;
-    int file = -1;
-    int before = -1;
+    int file;
+    int before;
 };
 
 } // namespace zvk::Pelkraft::TestSupport
