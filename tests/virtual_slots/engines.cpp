@@ -1,6 +1,7 @@
 #include "pattern/field_walk.h"
 #include "pattern/pattern_converter_sse.h"
 #include "pattern/pattern_engine_portable.h"
+#include "pattern/pattern_engine_sse.h"
 #include "pattern/reference_pattern.h"
 #include "zvk/diagnostics.h"
 
@@ -16,9 +17,11 @@ void MentionOneOfEach()
     Mention(&DotWeavePatternEngine::InitFromText,
             &DotWeavePatternEngineX86<RandomField>::GetRandomSource,
             &DotWeavePatternEngineX86<RandomFieldNG>::GetRandomSource,
+            &DotWeavePatternEngineSse<RandomPointer<SseTransformation>>::InitFromText,
+            &DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>>::InitFromText,
             &Testonly::CDotWeavePattern<RandomField>::GetRandomSource,
-            &DotWeavePatternConverter::Parse, &DotWeavePatternConverterSse::GetSseTables,
-            &Diagnostics::ILogSink::Write);
+            &DotWeavePatternConverter::Parse, &DotWeavePatternConverterX86::Parse,
+            &DotWeavePatternConverterSse::GetSseTables, &Diagnostics::ILogSink::Write);
 }
 
 } // namespace zvk::Pelkraft::TestSupport
