@@ -36,6 +36,7 @@ struct Outcome
 {
     Digest all;
     bool equal = true;
+    int leftPacked = 0;
 };
 
 std::string DescribeByte(const Bytes& is, const Bytes& wanted)
@@ -60,6 +61,7 @@ void CheckConversion(int number, const GoldenDigests& goldens, Outcome& outcome)
     // The portable road has no golden bytes for what it leaves packed.
     if (SystemTools::GetSseVersion() < 3 && IsLeftPackedSomewhere(number)) {
         outcome.all.Add(goldens.Conversion(number));
+        ++outcome.leftPacked;
         return;
     }
     const std::string digest = LibraryConversionDigest(number, false);
@@ -156,7 +158,11 @@ int Check(const std::string& path, int every)
         equal = equal && outcome.equal;
         std::cout << "digest of " << goldenConversionCount << " conversions and " << patterns
                   << " patterns at level " << level << ": " << outcome.all.Hex()
-                  << (outcome.equal ? ", as the goldens\n" : ", NOT as the goldens\n");
+                  << (outcome.equal ? ", as the goldens" : ", NOT as the goldens");
+        if (outcome.leftPacked != 0)
+            std::cout << "; " << outcome.leftPacked
+                      << " conversions are not run, whose channels stay packed, nor is Sse";
+        std::cout << '\n';
     }
     return equal ? 0 : 1;
 }
