@@ -116,8 +116,8 @@ public:
     // and, where it needs memory and there is none, std::bad_alloc or
     //   "zvk::Pelkraft::ConversionPortal memory allocation failed for relocation buffer".
     // All of them come before the first pixel is written, and each is left as it was thrown. Each
-    // is logged once; on Windows twice, since a throw is a structured exception there and is logged
-    // by its number first.
+    // is logged once; twice where the guards log structured exceptions, as on Windows, since a
+    // throw is one there and is logged by its number first.
 #if defined(_MSC_VER)
     virtual void FillFrom(const ImageRow& source, bool firstFlag, bool forcePortable);
     virtual void FillFrom(const ImageRow& source, const OptionalParameters* options);
