@@ -1,4 +1,4 @@
-import type { Bytes } from "./memory.js";
+import type { Bytes } from "./bytes.js";
 
 // Says in a few words what a value of a wrong kind is.
 function shown(value: unknown): string {

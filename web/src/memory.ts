@@ -1,3 +1,5 @@
+import { type Bytes, viewOf } from "./bytes.js";
+
 // The WebAssembly file exports these. A text is the address of bytes that a zero ends.
 export interface Exports {
     readonly memory: WebAssembly.Memory;
@@ -18,8 +20,6 @@ export interface Exports {
     apply_pattern(pattern: number, source: number, target: number, pixels: number): void;
     explain_pattern(text: number, length: number, file: number, report: number): number;
 }
-
-export type Bytes = Uint8Array | Uint8ClampedArray;
 
 const largestBlock = 0x7fffffff;
 
@@ -46,8 +46,9 @@ export class Memory {
         }
     }
 
-    write(address: number, bytes: Bytes): void {
-        new Uint8Array(this.exports.memory.buffer).set(bytes, address);
+    // Writes so many bytes and never more, however long the array is by now.
+    write(address: number, bytes: Bytes, count: number): void {
+        new Uint8Array(this.exports.memory.buffer).set(viewOf(bytes, count), address);
     }
 
     writeNumbers(address: number, numbers: ArrayLike<number>): void {

@@ -1,5 +1,6 @@
+import type { Bytes } from "./bytes.js";
 import { requireBytes, requireInteger, requireOneOf, textBytes } from "./checks.js";
-import { aligned, type Bytes, type Memory } from "./memory.js";
+import { aligned, type Memory } from "./memory.js";
 
 const engines = ["auto", "reference", "x86", "sse"] as const;
 
@@ -10,7 +11,7 @@ function createPattern(memory: Memory, text: string | Uint8Array, engine: Engine
     const bytes = textBytes(text, "the pattern text");
     requireOneOf(engine, engines, "the engine");
     return memory.withBlock(4 + bytes.length, (block) => {
-        memory.write(block + 4, bytes);
+        memory.write(block + 4, bytes, bytes.length);
         const { create_pattern } = memory.exports;
         memory.refuse(create_pattern(block + 4, engines.indexOf(engine), block));
         return memory.readNumber(block);
@@ -65,7 +66,7 @@ export class Pattern {
         const targetPlace = aligned(source.length);
         const targetBytes = pixels * this.outInks;
         return memory.withBlock(targetPlace + targetBytes, (block) => {
-            memory.write(block, source);
+            memory.write(block, source, source.length);
             memory.exports.apply_pattern(address, block, block + targetPlace, pixels);
             return memory.copy(block + targetPlace, targetBytes);
         });

@@ -4,7 +4,7 @@ import { type Engine, Pattern as AnyPattern } from "./patterns.js";
 import { explainPattern, type PatternReport } from "./reports.js";
 import { type ConversionOptions, convertRow, type SourceRow, type TargetRow } from "./rows.js";
 
-export type { Bytes } from "./memory.js";
+export type { Bytes } from "./bytes.js";
 export type { Engine } from "./patterns.js";
 export type { Alternative, Finding, InColor, PatternReport, Use } from "./reports.js";
 export type { ConversionOptions, RowGeometry, SourceRow, TargetRow } from "./rows.js";

@@ -76,8 +76,8 @@ export function explainPattern(
     const name = textBytes(file, "the file's name");
     const place = 4 + bytes.length;
     return memory.withBlock(place + name.length, (block) => {
-        memory.write(block + 4, bytes);
-        memory.write(block + place, name);
+        memory.write(block + 4, bytes, bytes.length);
+        memory.write(block + place, name, name.length);
         const { explain_pattern, release } = memory.exports;
         memory.refuse(explain_pattern(block + 4, bytes.length - 1, block + place, block));
         const report = memory.readNumber(block);

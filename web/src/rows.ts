@@ -1,5 +1,6 @@
+import type { Bytes } from "./bytes.js";
 import { requireBoolean, requireBytes, requireInteger, requireRecord } from "./checks.js";
-import { aligned, type Bytes, type Memory } from "./memory.js";
+import { aligned, type Memory } from "./memory.js";
 
 /**
  * The shape of a row. Interleaved: pixel after pixel, each sample in whole bytes. Planar: a
@@ -131,9 +132,9 @@ export function convertRow(
         memory.writeNumbers(block, [
             ...record, operation, block + mapPlace, factor, Number(portable),
         ]);
-        memory.write(block + sourcePlace, sourceData);
+        memory.write(block + sourcePlace, sourceData, sourceData.length);
         if (targetData !== undefined) {
-            memory.write(block + targetPlace, targetData);
+            memory.write(block + targetPlace, targetData, targetBytes);
         } else {
             memory.clear(block + targetPlace, targetBytes);
         }

@@ -65,6 +65,20 @@ test("a library without memory says so", async () => {
     equal(pattern.apply(Uint8Array.of(1, 1)).join(" "), "0 64 255", "a pattern from before");
 });
 
+test("the memory takes as many bytes as it is asked for", async () => {
+    const { Memory } = await import(pathToFileURL(join(folder, "memory.js")).href);
+    const memory = new Memory({ memory: new WebAssembly.Memory({ initial: 1 }) });
+    const buffer = new ArrayBuffer(4, { maxByteLength: 9 });
+    const bytes = new Uint8Array(buffer).fill(7);
+    buffer.resize(9);
+    memory.write(16, bytes, 4);
+    equal(memory.copy(16, 5).join(" "), "7 7 7 7 0", "four bytes of nine");
+    buffer.resize(3);
+    refuses(() => memory.write(32, bytes, 4), "RangeError",
+        "an array of 4 bytes has shrunk to 3");
+    equal(memory.copy(32, 4).join(" "), "0 0 0 0", "the place of the refused bytes");
+});
+
 test("the example of the page prints what the page says", () => {
     const page = readFileSync(new URL("../README.md", import.meta.url), "utf8");
     const block = (kind) => page.split(`\`\`\`${kind}\n`)[1].split("```")[0];
