@@ -1,4 +1,4 @@
-import type { Bytes } from "./bytes.js";
+import { type Bytes, lengthOf } from "./bytes.js";
 import { requireBoolean, requireBytes, requireInteger, requireRecord } from "./checks.js";
 import { aligned, type Memory } from "./memory.js";
 
@@ -65,10 +65,11 @@ function rowBytes({ width, channels, bits, planar }: RowGeometry): number {
 function checkData(data: unknown, geometry: RowGeometry, name: string): Bytes {
     requireBytes(data, `${name}.data`);
     const bytes = rowBytes(geometry);
-    if (data.length !== bytes) {
+    const length = lengthOf(data);
+    if (length !== bytes) {
         const { width, channels, bits, planar } = geometry;
         throw new RangeError(
-            `${name}.data has ${data.length} bytes, but a row of ${width} pixels of ` +
+            `${name}.data has ${length} bytes, but a row of ${width} pixels of ` +
                 `${channels} x ${bits} bits ${planar ? "planar" : "interleaved"} has ${bytes}`,
         );
     }
@@ -115,14 +116,18 @@ export function convertRow(
 ): Uint8Array {
     const from = checkGeometry(source, "source");
     const to = checkGeometry(target, "target");
-    const sourceData = checkData(source.data, from, "source");
-    const before = target.data;
-    const targetData = before === undefined ? undefined : checkData(before, to, "target");
     const { operation, map, factor, portable } = checkOptions(options, to.channels);
+    // Reading a property may run the caller's code, which may change the length of either array.
+    // From the checks on none runs.
+    const { data } = source;
+    const { data: before } = target;
+    const sourceData = checkData(data, from, "source");
+    const targetData = before === undefined ? undefined : checkData(before, to, "target");
 
-    const sourcePlace = aligned(recordBytes);
-    const targetPlace = sourcePlace + aligned(sourceData.length);
+    const sourceBytes = rowBytes(from);
     const targetBytes = rowBytes(to);
+    const sourcePlace = aligned(recordBytes);
+    const targetPlace = sourcePlace + aligned(sourceBytes);
     const mapPlace = targetPlace + aligned(targetBytes);
     return memory.withBlock(mapPlace + (map?.byteLength ?? 0), (block) => {
         const record = [from, to].flatMap((row, i) => [
@@ -132,7 +137,7 @@ export function convertRow(
         memory.writeNumbers(block, [
             ...record, operation, block + mapPlace, factor, Number(portable),
         ]);
-        memory.write(block + sourcePlace, sourceData, sourceData.length);
+        memory.write(block + sourcePlace, sourceData, sourceBytes);
         if (targetData !== undefined) {
             memory.write(block + targetPlace, targetData, targetBytes);
         } else {

@@ -1,4 +1,5 @@
 import badInputCases from "./bad_input_cases.js";
+import changingDataCases from "./changing_data_cases.js";
 import memoryCases from "./memory_cases.js";
 import patternCases from "./pattern_cases.js";
 import reportCases from "./report_cases.js";
@@ -6,4 +7,7 @@ import rowCases from "./row_cases.js";
 
 // A case stands by the words of what it promises. Each gets { load, version }, where load() gives
 // a library of its own.
-export default { ...rowCases, ...patternCases, ...reportCases, ...badInputCases, ...memoryCases };
+export default {
+    ...rowCases, ...patternCases, ...reportCases, ...badInputCases, ...memoryCases,
+    ...changingDataCases,
+};
