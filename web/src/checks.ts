@@ -1,4 +1,4 @@
-import type { Bytes } from "./bytes.js";
+import { type Bytes, lengthOf, viewOf } from "./bytes.js";
 
 // Says in a few words what a value of a wrong kind is.
 function shown(value: unknown): string {
@@ -50,8 +50,9 @@ export function textBytes(text: unknown, name: string): Uint8Array {
     if (!(text instanceof Uint8Array)) {
         throw new TypeError(`${name} must be a string or a Uint8Array, not ${shown(text)}`);
     }
-    const bytes = new Uint8Array(text.length + 1);
-    bytes.set(text);
+    const length = lengthOf(text);
+    const bytes = new Uint8Array(length + 1);
+    bytes.set(viewOf(text, length));
     return bytes;
 }
 

@@ -1,4 +1,4 @@
-import type { Bytes } from "./bytes.js";
+import { type Bytes, lengthOf } from "./bytes.js";
 import { requireBytes, requireInteger, requireOneOf, textBytes } from "./checks.js";
 import { aligned, type Memory } from "./memory.js";
 
@@ -55,18 +55,19 @@ export class Pattern {
     apply(source: Bytes): Uint8Array {
         const address = this.#live();
         requireBytes(source, "the row");
-        const pixels = source.length / this.inColors;
+        const sourceBytes = lengthOf(source);
+        const pixels = sourceBytes / this.inColors;
         if (!Number.isInteger(pixels)) {
             throw new RangeError(
-                `the row has ${source.length} bytes, which is no whole number of pixels of ` +
+                `the row has ${sourceBytes} bytes, which is no whole number of pixels of ` +
                     `${this.inColors} in-colours`,
             );
         }
         const memory = this.#memory;
-        const targetPlace = aligned(source.length);
+        const targetPlace = aligned(sourceBytes);
         const targetBytes = pixels * this.outInks;
         return memory.withBlock(targetPlace + targetBytes, (block) => {
-            memory.write(block, source, source.length);
+            memory.write(block, source, sourceBytes);
             memory.exports.apply_pattern(address, block, block + targetPlace, pixels);
             return memory.copy(block + targetPlace, targetBytes);
         });

@@ -132,4 +132,15 @@ export default {
         const wide = { ...row, width: 4, data };
         sameBytes(pelkraft.convertRow(wide, wide), bytes, "a row");
     },
+    "a pattern counts a row and a text by their true length": async ({ load }) => {
+        const pelkraft = await load();
+        const pattern = new pelkraft.Pattern(exampleText);
+        const steps = new Disguised(6).fill(1);
+        sameBytes(pattern.apply(steps), [0, 64, 255, 0, 64, 255, 0, 64, 255], "the row");
+        refusesSafely(pelkraft, () => pattern.apply(new Disguised(many + 1)),
+            `the row has ${many + 1} bytes, which is no whole number of pixels of 2 in-colours`);
+        const text = Disguised.from(new TextEncoder().encode(exampleText));
+        equal(new pelkraft.Pattern(text).outInks, 3, "the out-inks of the text");
+        equal(pelkraft.explainPattern(text).seed, 1234, "the seed of the text");
+    },
 };
