@@ -1,4 +1,4 @@
-import { type Bytes, lengthOf, viewOf } from "./bytes.js";
+import { type Bytes, isBytes, isUint8Array, lengthOf, viewOf } from "./bytes.js";
 
 // Says in a few words what a value of a wrong kind is.
 function shown(value: unknown): string {
@@ -36,7 +36,7 @@ export function requireBoolean(value: unknown, name: string): void {
 }
 
 export function requireBytes(value: unknown, name: string): asserts value is Bytes {
-    if (!(value instanceof Uint8Array) && !(value instanceof Uint8ClampedArray)) {
+    if (!isBytes(value)) {
         throw new TypeError(`${name} must be a Uint8Array, not ${shown(value)}`);
     }
 }
@@ -47,7 +47,7 @@ export function textBytes(text: unknown, name: string): Uint8Array {
     if (typeof text === "string") {
         return new TextEncoder().encode(`${text}\0`);
     }
-    if (!(text instanceof Uint8Array)) {
+    if (!isUint8Array(text)) {
         throw new TypeError(`${name} must be a string or a Uint8Array, not ${shown(text)}`);
     }
     const length = lengthOf(text);

@@ -33,7 +33,8 @@ export interface Pelkraft {
 export interface LoadOptions {
     /**
      * The WebAssembly file: its address, its bytes, or what it was compiled to. Without it, the
-     * file pelkraft.wasm beside this one.
+     * file pelkraft.wasm beside this one. An address in a text begins at this file, not at the
+     * page: "x.wasm" lies beside this file, new URL("x.wasm", document.baseURI) beside the page.
      */
     readonly wasm?: URL | string | BufferSource | WebAssembly.Module | undefined;
     /** Takes the lines of the library's log: one for each conversion that it refuses. */
@@ -52,11 +53,20 @@ async function read(address: URL): Promise<BufferSource> {
     return response.arrayBuffer();
 }
 
+// A file or an address may come from a frame, whose classes are not those of this page.
+function isModule(wasm: unknown): wasm is WebAssembly.Module {
+    return Object.prototype.toString.call(wasm) === "[object WebAssembly.Module]";
+}
+
+function isUrl(wasm: unknown): wasm is URL {
+    return Object.prototype.toString.call(wasm) === "[object URL]";
+}
+
 async function compile(wasm: LoadOptions["wasm"]): Promise<WebAssembly.Module> {
-    if (wasm instanceof WebAssembly.Module) {
+    if (isModule(wasm)) {
         return wasm;
     }
-    if (wasm === undefined || typeof wasm === "string" || wasm instanceof URL) {
+    if (wasm === undefined || typeof wasm === "string" || isUrl(wasm)) {
         const address = new URL(wasm ?? "pelkraft.wasm", import.meta.url);
         return WebAssembly.compile(await read(address));
     }

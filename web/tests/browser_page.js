@@ -4,4 +4,5 @@ import { loadPelkraft } from "/module/pelkraft.js";
 import cases from "./cases.js";
 
 globalThis.caseNames = () => Object.keys(cases);
-globalThis.runCase = (words, version) => cases[words]({ load: loadPelkraft, version });
+const address = new URL("/module/pelkraft.wasm", location).href;
+globalThis.runCase = (words, version) => cases[words]({ load: loadPelkraft, version, address });

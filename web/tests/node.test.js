@@ -5,11 +5,11 @@ import { pathToFileURL } from "node:url";
 
 import cases from "./cases.js";
 
-const { loadPelkraft } = await import(
-    pathToFileURL(`${process.env.PELKRAFT_MODULE}/pelkraft.js`).href
-);
+const folder = `${pathToFileURL(process.env.PELKRAFT_MODULE).href}/`;
+const { loadPelkraft } = await import(`${folder}pelkraft.js`);
 const version = process.env.PELKRAFT_VERSION;
+const address = `${folder}pelkraft.wasm`;
 
 for (const [words, check] of Object.entries(cases)) {
-    test(words, () => check({ load: loadPelkraft, version }));
+    test(words, () => check({ load: loadPelkraft, version, address }));
 }
