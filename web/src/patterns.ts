@@ -26,22 +26,30 @@ function createPattern(memory: Memory, text: string | Uint8Array, engine: Engine
 export class Pattern {
     readonly #memory: Memory;
     #address: number;
-    readonly inColors: number;
-    readonly outInks: number;
+    readonly #inColors: number;
+    readonly #outInks: number;
 
     constructor(memory: Memory, text: string | Uint8Array, engine: Engine = "auto") {
         this.#memory = memory;
         this.#address = createPattern(memory, text, engine);
-        this.inColors = memory.exports.in_colors(this.#address);
-        this.outInks = memory.exports.out_inks(this.#address);
+        this.#inColors = memory.exports.in_colors(this.#address);
+        this.#outInks = memory.exports.out_inks(this.#address);
+    }
+
+    get inColors(): number {
+        return this.#inColors;
+    }
+
+    get outInks(): number {
+        return this.#outInks;
     }
 
     /** The highest step of an in-colour, or 255 for one that is listed but not described. */
     topStep(inColor: number): number {
         const address = this.#live();
         requireInteger(inColor, "the in-colour");
-        if (inColor < 0 || inColor >= this.inColors) {
-            throw new RangeError(`there is no in-colour ${inColor} among ${this.inColors}`);
+        if (inColor < 0 || inColor >= this.#inColors) {
+            throw new RangeError(`there is no in-colour ${inColor} among ${this.#inColors}`);
         }
         return this.#memory.exports.top_step(address, inColor);
     }
@@ -56,16 +64,16 @@ export class Pattern {
         const address = this.#live();
         requireBytes(source, "the row");
         const sourceBytes = lengthOf(source);
-        const pixels = sourceBytes / this.inColors;
+        const pixels = sourceBytes / this.#inColors;
         if (!Number.isInteger(pixels)) {
             throw new RangeError(
                 `the row has ${sourceBytes} bytes, which is no whole number of pixels of ` +
-                    `${this.inColors} in-colours`,
+                    `${this.#inColors} in-colours`,
             );
         }
         const memory = this.#memory;
         const targetPlace = aligned(sourceBytes);
-        const targetBytes = pixels * this.outInks;
+        const targetBytes = pixels * this.#outInks;
         return memory.withBlock(targetPlace + targetBytes, (block) => {
             memory.write(block, source, sourceBytes);
             memory.exports.apply_pattern(address, block, block + targetPlace, pixels);

@@ -143,4 +143,23 @@ export default {
         equal(new pelkraft.Pattern(text).outInks, 3, "the out-inks of the text");
         equal(pelkraft.explainPattern(text).seed, 1234, "the seed of the text");
     },
+    "a pattern counts by its own colours and inks": async ({ load }) => {
+        const pelkraft = await load();
+        class Overridden extends pelkraft.Pattern {
+            get inColors() {
+                return 1;
+            }
+            get outInks() {
+                return 1;
+            }
+        }
+        const pattern = new pelkraft.Pattern(exampleText);
+        for (const name of ["inColors", "outInks"]) {
+            equal(Reflect.set(pattern, name, 1), false, `${name} is set`);
+        }
+        const steps = new Uint8Array(many).fill(1);
+        const expected = pattern.apply(steps);
+        equal(expected.length, many * 1.5, "the bytes of the row");
+        sameBytes(new Overridden(exampleText).apply(steps), expected, "the class's row");
+    },
 };
