@@ -15,10 +15,11 @@ work=$PWD/build/windows-sources
 rm -rf "$prefix" "$work"
 mkdir -p "$prefix"/{include,licences,share/cmake} "$work/lists/partial"
 
-# apt-get with the sources of this machine's packages, and a list folder that is nobody else's.
+# apt-get with the sources of this machine's packages, from Debian's own repositories alone, and a
+# list folder that is nobody else's.
 # shellcheck disable=SC2016 # apt fills it in
 apt-get indextargets --format 'deb-src $(REPO_URI) $(RELEASE) $(COMPONENT)' \
-    'Created-By: Packages' | sort -u >"$work/sources.list"
+    'Created-By: Packages' 'Origin: Debian' | sort -u >"$work/sources.list"
 apt() {
     local command=$1
     shift
