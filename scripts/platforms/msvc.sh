@@ -27,6 +27,6 @@ quietly cmake -S tests/platforms/windows_msvc -B "$build" -G Ninja -DCMAKE_BUILD
 quietly cmake --build "$build"
 
 # shellcheck source=scripts/platforms/wine_session.sh
-source scripts/platforms/wine_session.sh
+source scripts/platforms/wine_session.sh msvc
 ctest --test-dir "$build" --output-on-failure --timeout 600
 grep '^digest' "$build/Testing/Temporary/LastTest.log"

@@ -8,7 +8,7 @@ extent=${1:-whole}
 
 bash scripts/setup.sh windows
 # shellcheck source=scripts/platforms/wine_session.sh
-source scripts/platforms/wine_session.sh
+source scripts/platforms/wine_session.sh windows
 jobs=$(nproc)
 
 build() {

@@ -20,7 +20,7 @@ cmake --build "$build" --target "${targets[@]}" >"$build.log" ||
     { tail -n 40 "$build.log" >&2 && exit 1; }
 
 # shellcheck source=scripts/platforms/wine_session.sh
-source scripts/platforms/wine_session.sh
+source scripts/platforms/wine_session.sh windows
 tests='^(test_tools|test_tools_pattern|test_client_threads)$'
 if [ "$extent" = sample ]; then
     tests='^test_tools$'
