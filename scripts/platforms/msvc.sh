@@ -28,5 +28,5 @@ quietly cmake --build "$build"
 
 # shellcheck source=scripts/platforms/wine_session.sh
 source scripts/platforms/wine_session.sh msvc
-ctest --test-dir "$build" --output-on-failure --timeout 600
+ctest --test-dir "$build" --output-on-failure --no-tests=error --timeout 600
 grep '^digest' "$build/Testing/Temporary/LastTest.log"
