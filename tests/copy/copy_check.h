@@ -15,8 +15,10 @@ using CopyCall = std::function<void(unsigned char* source, unsigned char* destin
 // whose other bytes must stay. The buffers are 16-aligned if bytes is a multiple of 16.
 void ExpectCopies(long long bytes, const CopyCall& call);
 
-// Fails the test unless the processor refuses a division of the call, or an address.
+// Fails the test unless the processor refuses a division of the call, or an address. Some systems
+// tell a quotient out of range, as of the lowest number by -1, from a division by 0.
 void ExpectDivideError(const std::function<void()>& call);
+void ExpectQuotientOutOfRange(const std::function<void()>& call);
 void ExpectRefusedAddress(const std::function<void()>& call);
 
 // Fails the test unless the call raises the signal, and so ends this program.

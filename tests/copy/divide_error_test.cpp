@@ -49,12 +49,12 @@ TEST_P(DivideError, ComesBeforeAnyAccess)
 
 TEST(CopySimulationAlignedFixed, FaultsOnTheQuotientOutOfRange)
 {
-    ExpectDivideError([] { copySimulationAlignedFixed(nullptr, nullptr, lowest, -1); });
+    ExpectQuotientOutOfRange([] { copySimulationAlignedFixed(nullptr, nullptr, lowest, -1); });
 }
 
 TEST(CopySimulationAlignedVariable, FaultsOnTheQuotientOutOfRange)
 {
-    ExpectDivideError([] { copySimulationAlignedVariable(nullptr, nullptr, lowest, -1); });
+    ExpectQuotientOutOfRange([] { copySimulationAlignedVariable(nullptr, nullptr, lowest, -1); });
 }
 
 TEST(CopySimulationUnaligned, DoesNothingOnTheQuotientOutOfRange)
@@ -81,7 +81,7 @@ TEST(Division, FaultsWhereThereIsNoQuotient)
 {
     ExpectDivideError([] { DivideOrFault(5, 0); });
     ExpectDivideError([] { DivideOrFault(0, 0); });
-    ExpectDivideError([] { DivideOrFault(lowest, -1); });
+    ExpectQuotientOutOfRange([] { DivideOrFault(lowest, -1); });
     ExpectDivideError([] { DivideOrFault(5U, 0U); });
     EXPECT_EQ(0U, DivideOrFault(highestUnsigned / 2 + 1, highestUnsigned));
 }

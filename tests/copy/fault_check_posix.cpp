@@ -24,6 +24,11 @@ void ExpectDivideError(const std::function<void()>& call)
     ExpectRaised(SIGFPE, call);
 }
 
+void ExpectQuotientOutOfRange(const std::function<void()>& call)
+{
+    ExpectRaised(SIGFPE, call);
+}
+
 void ExpectRefusedAddress(const std::function<void()>& call)
 {
     ExpectRaised(SIGSEGV, call);
