@@ -3,6 +3,7 @@
 #include "tests/support/guarded_buffer.h"
 #include "tests/support/structured_handler.h"
 #include "tests/support/structured_lines.h"
+#include "tests/system_tools/recording_sink.h"
 #include "zvk/diagnostics.h"
 
 #include <gtest/gtest.h>
@@ -165,6 +166,31 @@ TEST(StructuredException, OfABodyKeepsItsCode)
                     }));
         EXPECT_EQ(STATUS_INTEGER_DIVIDE_BY_ZERO, exception.code);
     }
+}
+
+// A host may exchange the log while a conversion runs: its lines go to the log of that moment.
+TEST(StructuredException, GoesToTheLogThatTheBodyHasSet)
+{
+    const std::pair<std::function<void()>, Lines> ends[] = {
+        {[] { throw "paper jam"; }, {throwLine, L"paper jam"}},
+        {[] { RaiseException(STATUS_ACCESS_VIOLATION, 0, 0, nullptr); }, {violationLine}},
+    };
+    for (const Conversion& conversion : AllConversions())
+        for (const auto& [end, lines] : ends) {
+            SCOPED_TRACE(conversion.name);
+            Diagnostics::RecordingSink later;
+            TaughtRow row;
+            row.lesson = [&] {
+                Diagnostics::Seh::SetDefaultLog(&later);
+                end();
+            };
+            ExpectLines(
+                {}, AllLinesOf([&] { RunUnderHandler([&] { conversion.run(row, ImageRow()); }); }));
+            Lines expected = lines;
+            if (expected.size() == 2)
+                expected[1] = conversion.context + expected[1];
+            ExpectLines(expected, later.Lines());
+        }
 }
 
 TEST(StructuredException, IsLoggedByTheGuardsThemselves)
