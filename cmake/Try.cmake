@@ -3,12 +3,38 @@
 # same binary interface.
 include(CheckCXXSourceCompiles)
 
+# Sets PELKRAFT_TRY_COMMAND to a compiler with flags that makes an object of the source text for the
+# system of the other sources, or to nothing.
+function(pelkraft_other_compiler text)
+    set(PELKRAFT_TRY_COMMAND "" PARENT_SCOPE)
+    if(NOT PELKRAFT_TRY_COMPILER)
+        return()
+    endif()
+    # It brings headers of its own, but for those of system and C++ library.
+    set(headers ${CMAKE_CXX_IMPLICIT_INCLUDE_DIRECTORIES})
+    list(FILTER headers EXCLUDE REGEX "/gcc/[^+]*/include(-fixed)?$")
+    list(TRANSFORM headers PREPEND -isystem)
+    # Windows writes the processor in capitals.
+    string(TOLOWER "${CMAKE_SYSTEM_PROCESSOR}" processor)
+    set(command ${PELKRAFT_TRY_COMPILER} --target=${processor}-w64-windows-gnu
+        -std=c++20 -O2 -nostdinc++ -nostdlibinc ${headers})
+    set(source ${CMAKE_BINARY_DIR}/CMakeFiles/structured_exception.cpp)
+    file(WRITE ${source} "${text}")
+    execute_process(COMMAND ${command} ${PELKRAFT_TRY_FLAGS} -c ${source} -o ${source}.obj
+        RESULT_VARIABLE result OUTPUT_QUIET ERROR_QUIET)
+    if(result EQUAL 0)
+        set(PELKRAFT_TRY_COMMAND ${command} PARENT_SCOPE)
+    endif()
+endfunction()
+
 # Clang's -Wpedantic warns of __try.
 set(PELKRAFT_TRY_FLAGS $<$<CXX_COMPILER_ID:Clang>:-Wno-language-extension-token>)
 set(PELKRAFT_HAS_STRUCTURED_EXCEPTIONS OFF)
 if(WIN32)
     set(trial "
+        #include <functional>
         #include <windows.h>
+        #undef __try
         int main()
         {
             __try {
@@ -29,13 +55,14 @@ if(WIN32)
         if(MINGW)
             find_program(PELKRAFT_TRY_COMPILER clang++)
         endif()
-        if(PELKRAFT_TRY_COMPILER)
+        pelkraft_other_compiler("${trial}")
+        if(PELKRAFT_TRY_COMMAND)
             message(STATUS "Structured exceptions: by ${PELKRAFT_TRY_COMPILER}")
         else()
             message(STATUS "Structured exceptions: no compiler has __try, so none is logged")
         endif()
     endif()
-    if(PELKRAFT_HAS_TRY OR PELKRAFT_HAS_TRY_WITH_FLAG OR PELKRAFT_TRY_COMPILER)
+    if(PELKRAFT_HAS_TRY OR PELKRAFT_HAS_TRY_WITH_FLAG OR PELKRAFT_TRY_COMMAND)
         set(PELKRAFT_HAS_STRUCTURED_EXCEPTIONS ON)
     endif()
 endif()
@@ -47,22 +74,17 @@ function(pelkraft_with_try result source like)
     if(PELKRAFT_HAS_TRY OR PELKRAFT_HAS_TRY_WITH_FLAG)
         set_source_files_properties(${source} PROPERTIES
             COMPILE_OPTIONS "${PELKRAFT_TRY_FLAGS}" COMPILE_DEFINITIONS PELKRAFT_HAS_TRY)
-    elseif(PELKRAFT_TRY_COMPILER)
+    elseif(PELKRAFT_TRY_COMMAND)
         get_filename_component(name ${source} NAME_WE)
         set(object ${CMAKE_CURRENT_BINARY_DIR}/${name}${CMAKE_CXX_OUTPUT_EXTENSION})
-        # The other compiler brings headers of its own, but for those of system and C++ library.
-        set(headers ${CMAKE_CXX_IMPLICIT_INCLUDE_DIRECTORIES})
-        list(FILTER headers EXCLUDE REGEX "/gcc/[^+]*/include(-fixed)?$")
-        list(TRANSFORM headers PREPEND -isystem)
         set(includes $<TARGET_PROPERTY:${like},INCLUDE_DIRECTORIES>)
         set(definitions "PELKRAFT_HAS_TRY;$<TARGET_PROPERTY:${like},COMPILE_DEFINITIONS>")
         set(definitions $<REMOVE_DUPLICATES:$<FILTER:${definitions},INCLUDE,.>>)
         add_custom_command(OUTPUT ${object}
-            COMMAND ${PELKRAFT_TRY_COMPILER} --target=${CMAKE_SYSTEM_PROCESSOR}-w64-windows-gnu
-                -std=c++20 -O2 -nostdinc++ -nostdlibinc ${headers}
+            COMMAND ${PELKRAFT_TRY_COMMAND}
                 "-I$<JOIN:${includes},;-I>" "-D$<JOIN:${definitions},;-D>"
-                $<TARGET_PROPERTY:pelkraft_warnings,INTERFACE_COMPILE_OPTIONS> ${PELKRAFT_TRY_FLAGS}
-                -MD -MF ${object}.d -c ${source} -o ${object}
+                $<TARGET_PROPERTY:pelkraft_warnings,INTERFACE_COMPILE_OPTIONS>
+                ${PELKRAFT_TRY_FLAGS} -MD -MF ${object}.d -c ${source} -o ${object}
             DEPENDS ${source} DEPFILE ${object}.d
             COMMAND_EXPAND_LISTS VERBATIM)
         set(${result} ${object} PARENT_SCOPE)
