@@ -45,8 +45,8 @@ run() {
 mkdir -p build
 if [ "$extent" = sample ]; then
     build gcc --target test_rows test_exchanged_verdict test_customer_guards test_copy \
-        test_pattern check_goldens
-    run gcc -R '^(test_(rows|exchanged_verdict|customer_guards|copy|pattern)|needed_libraries|.*_exports_its_list)$'
+        test_pattern test_reference_setting check_goldens
+    run gcc -R '^(test_(rows|exchanged_verdict|customer_guards|copy|pattern|reference_setting)|needed_libraries|.*_exports_its_list)$'
     bash scripts/platforms/windows_program.sh sample
     exit 0
 fi
