@@ -1,7 +1,7 @@
 # Source this with a name to run programs for Windows under Wine until the script exits, in a prefix
-# of this tree and that name: the end of one script leaves alone what runs under another name. Server
-# and services start with their output elsewhere: they would inherit a test's pipe, and ctest would
-# wait for them.
+# of this tree and that name: the end of one script leaves alone what runs under another name.
+# Server and services start with their output elsewhere: they would inherit a test's pipe, and ctest
+# would wait for them.
 export WINEPREFIX=$PWD/build/wineprefix-$1 WINEDEBUG=-all
 export WINEDLLOVERRIDES='winedbg.exe=d;mscoree,mshtml='
 export WINEPATH='Z:/usr/lib/gcc/x86_64-w64-mingw32/12-posix;Z:/usr/x86_64-w64-mingw32/lib'
