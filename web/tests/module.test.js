@@ -65,7 +65,9 @@ test("a library without memory says so", async () => {
     equal(pattern.apply(Uint8Array.of(1, 1)).join(" "), "0 64 255", "a pattern from before");
 });
 
-test("the memory takes as many bytes as it is asked for", async () => {
+// Node.js 18 has no buffers that can be resized.
+const resizing = { skip: ArrayBuffer.prototype.resize === undefined };
+test("the memory takes as many bytes as it is asked for", resizing, async () => {
     const { Memory } = await import(pathToFileURL(join(folder, "memory.js")).href);
     const memory = new Memory({ memory: new WebAssembly.Memory({ initial: 1 }) });
     const buffer = new ArrayBuffer(4, { maxByteLength: 9 });
