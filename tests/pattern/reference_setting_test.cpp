@@ -12,7 +12,7 @@
 
 namespace {
 
-// How often the setting was asked for, and with which default the last time.
+// Counts the questions for the setting, and keeps the default of the last one.
 int questions = 0;
 bool lastDefault = false;
 
