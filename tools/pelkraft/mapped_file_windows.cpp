@@ -82,7 +82,7 @@ bool MappedFile::Failed() const
 
 void MappedFile::Release() const
 {
-    // Where nobody has locked the pages, this gives their memory back.
+    // Windows takes back the memory of pages that are unlocked without having been locked.
     if (data != nullptr)
         VirtualUnlock(data, static_cast<SIZE_T>(size));
 }
