@@ -284,8 +284,6 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const Fo
     if (destination.channels == 1 && !IsPacked(destination))
         planar = plan.sourcePlanar ||
                  plan.sourceChannels * plan.sourceBits / 8 > plan.kernels->pixels->stepBytes;
-    plan.sourcePlaneBytes = BytesOf(static_cast<std::size_t>(source.width), plan.sourceBits);
-    plan.planeBytes = BytesOf(static_cast<std::size_t>(destination.width), bits);
     plan.sourcePixels = static_cast<std::size_t>(source.activeWidth);
     plan.pixels = static_cast<std::size_t>(destination.activeWidth);
     plan.firstPixel =

@@ -63,8 +63,6 @@ struct DirectPlan
     std::array<PassOutput, 4> passes;
     std::uint32_t sourceChannels;
     std::uint32_t channels;
-    std::size_t sourcePlaneBytes;
-    std::size_t planeBytes;
     // The first source pixel that is read, of a mirrored row too.
     std::size_t firstPixel;
     std::size_t sourcePixels;
@@ -88,7 +86,16 @@ struct DirectPlan
 // the source's channels; a map of no more entries is copied even so.
 bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats);
 
+// Two rows in memory. The step leads from a plane to the next; interleaved rows have none.
+struct DirectRows
+{
+    const unsigned char* source;
+    std::ptrdiff_t sourcePlaneStep;
+    unsigned char* target;
+    std::ptrdiff_t planeStep;
+};
+
 // The rows must not overlap.
-void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* destination);
+void RunDirect(const DirectPlan& plan, const DirectRows& rows);
 
 } // namespace zvk::Pelkraft

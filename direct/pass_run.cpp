@@ -16,14 +16,14 @@ alignas(64) constexpr unsigned char zeros[maxPlaneBytesOfTile] = {};
 const unsigned char* PlaneOf(const PassInput& input, std::size_t channel)
 {
     if (input.planes == nullptr)
-        return input.bytes + channel * input.planeStep;
+        return input.bytes + static_cast<std::ptrdiff_t>(channel) * input.planeStep;
     const std::int32_t plane = input.planes[channel];
-    return plane < 0 ? nullptr : input.bytes + static_cast<std::size_t>(plane) * input.planeStep;
+    return plane < 0 ? nullptr : input.bytes + plane * input.planeStep;
 }
 
 unsigned char* PlaneOf(const PassTarget& target, std::size_t channel)
 {
-    return target.bytes + channel * target.planeStep;
+    return target.bytes + static_cast<std::ptrdiff_t>(channel) * target.planeStep;
 }
 
 // Calls sweep(source, destination) for each plane; every pass makes zeros of zeros, in so many
@@ -68,8 +68,9 @@ void RunCopy(const PassOutput& pass, const PassInput& input, const PassTarget& t
         return;
     }
     const std::size_t bytes = BytesOf(input.pixels, pass.bits);
-    const bool whole = input.planes == nullptr && bytes == input.planeStep &&
-                       bytes == target.planeStep && input.pixels % 8 * pass.bits % 8 == 0;
+    const auto step = static_cast<std::ptrdiff_t>(bytes);
+    const bool whole = input.planes == nullptr && step == input.planeStep &&
+                       step == target.planeStep && input.pixels % 8 * pass.bits % 8 == 0;
     if (whole) {
         std::memcpy(target.bytes, input.bytes, channels * bytes);
         return;

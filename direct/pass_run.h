@@ -9,7 +9,7 @@ namespace zvk::Pelkraft {
 struct PassInput
 {
     const unsigned char* bytes;
-    std::size_t planeStep;
+    std::ptrdiff_t planeStep;
     // The plane of each channel, negative for zeros, or null where channel c has plane c.
     const std::int32_t* planes;
     std::uint8_t bits;
@@ -24,7 +24,7 @@ struct PassInput
 struct PassTarget
 {
     unsigned char* bytes;
-    std::size_t planeStep;
+    std::ptrdiff_t planeStep;
     std::size_t pixelChannels;
     std::size_t pixels;
     // Room for the samples that no plane wants.

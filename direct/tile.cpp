@@ -83,18 +83,25 @@ std::size_t ChooseTileChannels(const DirectPlan& plan)
 }
 
 // So many pixels of the source, from a pixel and a channel on.
-PassInput SourceAt(const DirectPlan& plan, const unsigned char* bytes, std::size_t pixel,
+PassInput SourceAt(const DirectPlan& plan, const DirectRows& rows, std::size_t pixel,
                    std::size_t channel, std::size_t pixels)
 {
     const std::uint8_t bits = plan.sourceBits;
     if (!plan.sourcePlanar) {
         const std::size_t first = pixel * plan.sourceChannels + channel;
-        return {bytes + first * (bits / 8U), 0, nullptr, bits, false,
-                plan.sourceChannels,         0, pixels};
+        return {rows.source + first * (bits / 8U),
+                0,
+                nullptr,
+                bits,
+                false,
+                plan.sourceChannels,
+                0,
+                pixels};
     }
     const std::size_t skip = bits < 8 ? pixel % (8U / bits) : 0;
-    return {bytes + channel * plan.sourcePlaneBytes + WholeBytesOf(pixel, bits),
-            plan.sourcePlaneBytes,
+    return {rows.source + static_cast<std::ptrdiff_t>(channel) * rows.sourcePlaneStep +
+                WholeBytesOf(pixel, bits),
+            rows.sourcePlaneStep,
             plan.mapped ? plan.entries.data() : nullptr,
             bits,
             true,
@@ -105,14 +112,15 @@ PassInput SourceAt(const DirectPlan& plan, const unsigned char* bytes, std::size
 
 // So many pixels of the destination, from a pixel and a channel on. A row's packed pixels are
 // asked for from a byte's first one on.
-PassTarget TargetAt(const DirectPlan& plan, unsigned char* bytes, std::size_t pixel,
+PassTarget TargetAt(const DirectPlan& plan, const DirectRows& rows, std::size_t pixel,
                     std::size_t channel, std::size_t pixels)
 {
     const PassOutput& pass = plan.passes[plan.passCount - 1U];
-    const std::size_t offset = pass.planar
-                                   ? channel * plan.planeBytes + WholeBytesOf(pixel, pass.bits)
-                                   : (pixel * plan.channels + channel) * (pass.bits / 8U);
-    return {bytes + offset, plan.planeBytes, plan.channels, pixels, nullptr, true};
+    const std::size_t offset = pass.planar ? WholeBytesOf(pixel, pass.bits)
+                                           : (pixel * plan.channels + channel) * (pass.bits / 8U);
+    const std::ptrdiff_t planes =
+        pass.planar ? static_cast<std::ptrdiff_t>(channel) * rows.planeStep : 0;
+    return {rows.target + planes + offset, rows.planeStep, plan.channels, pixels, nullptr, true};
 }
 
 // Runs the passes tile by tile: the first from the source into one tile, the last from a tile
@@ -121,10 +129,7 @@ class TileRun
 {
 public:
     // cppcheck-suppress uninitMemberVar // each pass fills a tile before the next one reads it
-    TileRun(const DirectPlan& newPlan, const unsigned char* newSource,
-            unsigned char* newDestination)
-        : plan(newPlan), source(newSource), destination(newDestination)
-    {}
+    TileRun(const DirectPlan& newPlan, const DirectRows& newRows) : plan(newPlan), rows(newRows) {}
 
     void Run()
     {
@@ -142,14 +147,14 @@ private:
         const std::size_t targets = std::min(count * plan.repeat, plan.pixels - firstTarget);
         const std::size_t from = plan.mirrored ? plan.sourcePixels - pixel - count : pixel;
 
-        PassInput input = SourceAt(plan, source, plan.firstPixel + from, channel, count);
+        PassInput input = SourceAt(plan, rows, plan.firstPixel + from, channel, count);
         bool turned = false;
         for (std::size_t i = 0; i != plan.passCount; ++i) {
             const PassOutput& pass = plan.passes[i];
             turned = turned || IsTurn(pass);
             const bool last = i + 1U == plan.passCount;
             const std::size_t pixels = turned ? targets : count;
-            PassTarget target = last ? TargetAt(plan, destination, firstTarget, channel, pixels)
+            PassTarget target = last ? TargetAt(plan, rows, firstTarget, channel, pixels)
                                      : TileTarget(i, channels, pixels);
             target.dump = dump;
             RunPass(plan, pass, input, target, channels);
@@ -161,7 +166,7 @@ private:
     {
         const std::size_t planeBytes = WholeBytesOf(pixels, plan.passes[pass].bits) + planeSpare;
         return {tiles[pass % 2],
-                planeBytes + GapOf(channels),
+                static_cast<std::ptrdiff_t>(planeBytes + GapOf(channels)),
                 ChannelsAfter(plan, pass),
                 pixels,
                 dump,
@@ -183,8 +188,7 @@ private:
     }
 
     const DirectPlan& plan;
-    const unsigned char* source;
-    unsigned char* destination;
+    const DirectRows& rows;
     alignas(64) unsigned char tiles[2][tileBytes];
     unsigned char dump[maxPlaneBytesOfTile];
 };
@@ -214,12 +218,12 @@ void SizeTile(DirectPlan& plan)
     plan.tilePixels = RoundUp((plan.sourcePixels + tiles - 1) / tiles, tileUnit);
 }
 
-void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* destination)
+void RunDirect(const DirectPlan& plan, const DirectRows& rows)
 {
     if (plan.tilePixels != 0)
-        return TileRun(plan, source, destination).Run();
-    const PassInput input = SourceAt(plan, source, plan.firstPixel, 0, plan.sourcePixels);
-    const PassTarget target = TargetAt(plan, destination, 0, 0, plan.pixels);
+        return TileRun(plan, rows).Run();
+    const PassInput input = SourceAt(plan, rows, plan.firstPixel, 0, plan.sourcePixels);
+    const PassTarget target = TargetAt(plan, rows, 0, 0, plan.pixels);
     RunPass(plan, plan.passes[0], input, target, plan.channels);
 }
 
