@@ -21,6 +21,14 @@ public:
     const Entry* GetData() const { return mField.data(); }
     std::uint32_t GetSize() const { return mSize; }
     std::uint32_t GetPosition() const { return mPosition; }
+
+    // Rows count from the first one after construction.
+    std::uint32_t GetStartOfRow(std::uint16_t row) const
+    {
+        const std::uint32_t start = GetJumpTable()[row];
+        return start < mSize ? start : 0;
+    }
+
     Entry Current() const { return mField[mPosition]; }
 
     Entry Next()
@@ -57,8 +65,7 @@ private:
     void StartRow(std::uint16_t row)
     {
         mRow = row;
-        const std::uint32_t start = GetJumpTable()[row];
-        mPosition = start < mSize ? start : 0;
+        mPosition = GetStartOfRow(row);
     }
 
     std::vector<Entry> mField;
@@ -133,9 +140,9 @@ public:
     std::uint32_t GetWalkSize() const { return this->GetSize(); }
 };
 
-// This is the second generation for the vector engine.
+// This is the second generation for the vector engine, where no walk knows of another.
 template <typename Transformation>
-class RandomPointerNG final : public PointerWalk<Transformation>
+class ShuffledPointers : public PointerWalk<Transformation>
 {
 public:
     void Build(std::int32_t seed, const PatternCombinations& combinations, std::uint32_t count,
@@ -144,6 +151,20 @@ public:
         // The lowest is 1, so that a pattern of one combination has a field too.
         const std::uint32_t denominator = FindFieldDenominator(combinations, count, 1);
         this->BeginAt(tables, ShuffleField(seed, denominator, combinations, count));
+    }
+
+    std::uint32_t GetWalkSize() const { return this->GetSize(); }
+};
+
+// This is the second generation for the vector engine of a DotWeavePattern.
+template <typename Transformation>
+class RandomPointerNG final : public ShuffledPointers<Transformation>
+{
+public:
+    void Build(std::int32_t seed, const PatternCombinations& combinations, std::uint32_t count,
+               const Transformation* tables)
+    {
+        ShuffledPointers<Transformation>::Build(seed, combinations, count, tables);
         // This comes last: a field for which there is no memory must change no other walk.
         sFieldSize = this->GetSize();
     }

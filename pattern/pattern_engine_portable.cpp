@@ -83,22 +83,35 @@ void DotWeavePatternEngineX86<RandomSource>::ApplyPattern(unsigned char* source,
                                                           unsigned char* destination,
                                                           unsigned long pixels)
 {
-    const auto count = static_cast<std::uint32_t>(pixels);
-    if (DrawsCombinations())
-        ApplyDrawn(source, destination, count);
-    else
-        ApplySingle(source, destination, count);
+    ApplyFrom(mRandom->GetPosition(), source, destination, static_cast<std::uint32_t>(pixels));
     mRandom->StartNextRow();
 }
 
 template <typename RandomSource>
-void DotWeavePatternEngineX86<RandomSource>::ApplyDrawn(const unsigned char* source,
+void DotWeavePatternEngineX86<RandomSource>::ApplyFrom(std::uint32_t position,
+                                                       const unsigned char* source,
+                                                       unsigned char* destination,
+                                                       std::uint32_t pixels) const
+{
+    if (DrawsCombinations())
+        ApplyDrawn(position, source, destination, pixels);
+    else
+        ApplySingle(source, destination, pixels);
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineX86<RandomSource>::ApplyDrawn(std::uint32_t position,
+                                                        const unsigned char* source,
                                                         unsigned char* destination,
-                                                        std::uint32_t pixels)
+                                                        std::uint32_t pixels) const
 {
     const PatternCombinations& combinations = mConverter->GetCombinations();
+    const std::uint32_t* const field = mRandom->GetData();
+    const std::uint32_t fieldSize = mRandom->GetSize();
     for (; pixels != 0; --pixels) {
-        ApplyPixel(source, destination, combinations[mRandom->Next()]);
+        ApplyPixel(source, destination, combinations[field[position++]]);
+        if (position == fieldSize)
+            position = 0;
         source += mNumInColors;
         destination += mNumOutInks;
     }

@@ -34,8 +34,14 @@ public:
                       unsigned long pixels) override;
     virtual RandomSource* GetRandomSource() { return mRandom.get(); }
 
+    // A row that starts at this place of the field and leaves the random source alone.
+    void ApplyFrom(std::uint32_t position, const unsigned char* source, unsigned char* destination,
+                   std::uint32_t pixels) const;
+    const RandomSource& GetWalk() const { return *mRandom; }
+
 private:
-    void ApplyDrawn(const unsigned char* source, unsigned char* destination, std::uint32_t pixels);
+    void ApplyDrawn(std::uint32_t position, const unsigned char* source, unsigned char* destination,
+                    std::uint32_t pixels) const;
     void ApplySingle(const unsigned char* source, unsigned char* destination,
                      std::uint32_t pixels) const;
     void ApplyPixel(const unsigned char* source, unsigned char* destination,

@@ -108,23 +108,33 @@ void DotWeavePatternEngineSse<RandomSource>::ApplyPattern(unsigned char* source,
                                                           unsigned char* destination,
                                                           unsigned long pixels)
 {
+    ApplyFrom(mRandom.GetPosition(), source, destination, static_cast<std::uint32_t>(pixels));
+    mRandom.StartNextRow();
+}
+
+template <typename RandomSource>
+void DotWeavePatternEngineSse<RandomSource>::ApplyFrom(std::uint32_t position,
+                                                       const unsigned char* source,
+                                                       unsigned char* destination,
+                                                       std::uint32_t pixels) const
+{
     const SseRow row = {
         .source = source,
         .destination = destination,
-        .pixels = static_cast<std::uint32_t>(pixels),
+        .pixels = pixels,
         .sourceStride = static_cast<std::uint32_t>(mSourceStride),
         .destinationStride = static_cast<std::uint32_t>(mDestinationStride),
         .lanes = &mLanes,
         .field = mRandom.GetData(),
-        .position = mRandom.GetPosition(),
+        .position = position,
         .fieldSize = mRandom.GetWalkSize(),
         .single = DrawsCombinations() ? nullptr : mTransformations.data(),
     };
     mApplyRow(row);
-    mRandom.StartNextRow();
 }
 
 template class DotWeavePatternEngineSse<RandomPointer<SseTransformation>>;
 template class DotWeavePatternEngineSse<RandomPointerNG<SseTransformation>>;
+template class DotWeavePatternEngineSse<ShuffledPointers<SseTransformation>>;
 
 } // namespace zvk::Pelkraft

@@ -24,6 +24,11 @@ public:
     void ApplyPattern(unsigned char* source, unsigned char* destination,
                       unsigned long pixels) override;
 
+    // A row that starts at this place of the field and leaves the random source alone.
+    void ApplyFrom(std::uint32_t position, const unsigned char* source, unsigned char* destination,
+                   std::uint32_t pixels) const;
+    const RandomSource& GetWalk() const { return mRandom; }
+
     // The method is chosen when the text is loaded.
     SseRowMethod GetRowMethod() const { return mApplyRow; }
 
