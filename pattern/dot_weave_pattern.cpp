@@ -2,6 +2,7 @@
 
 #include "common/road.h"
 #include "pattern/early_check.h"
+#include "pattern/engine_loading.h"
 #include "pattern/field_walk.h"
 #include "pattern/pattern_engine_portable.h"
 #include "pattern/pattern_engine_sse.h"
@@ -14,11 +15,7 @@
 namespace zvk::Pelkraft {
 namespace {
 
-constexpr const wchar_t* noInColorsOrInks =
-    L"DotWeavePattern::Init invalid DotWeave pattern configuration file!";
 constexpr const char* unsupportedEngine = "DotWeavePattern::Init unsupported engine";
-
-constexpr int firstVersionOfSecondGeneration = 3;
 
 using EngineOwner = std::unique_ptr<DotWeavePatternEngine>;
 
@@ -113,9 +110,7 @@ void DotWeavePattern::ChkInPatternStr(char* text)
 void DotWeavePattern::Init(char* text, Engine engine)
 {
     EngineOwner loaded = MakeEngine(engine, mTextVersion);
-    loaded->InitFromText(text);
-    if (loaded->GetInColorCount() <= 0 || loaded->GetOutColorCount() <= 0)
-        throw noInColorsOrInks;
+    LoadEngine(*loaded, text);
     Release(mEngine);
     mEngine = loaded.release();
 }
