@@ -144,6 +144,12 @@ Bytes NaiveSimulation::Row(const Bytes& source)
     return destination;
 }
 
+void NaiveSimulation::SkipTo(std::uint64_t newRow)
+{
+    row = static_cast<std::uint32_t>(newRow % 65536);
+    position = NaiveJump(row);
+}
+
 void NaiveSimulation::Reset(bool oneLater)
 {
     row = 0;

@@ -47,6 +47,8 @@ public:
     const std::vector<std::uint32_t>& Field() const { return field; }
 
     Bytes Row(const Bytes& source);
+    // The next row is the one that follows so many others after construction.
+    void SkipTo(std::uint64_t newRow);
     // The first row after it may start one place later.
     void Reset(bool oneLater);
 
