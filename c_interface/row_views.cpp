@@ -66,11 +66,6 @@ RowView ViewOfGiven(const Record* given, const char* name)
     return ViewOfRecord(ReadRecord(given, name), name);
 }
 
-bool HasBytes(const CoveredBytes& covered)
-{
-    return covered.count != 0 && covered.planes != 0;
-}
-
 std::uint64_t Magnitude(std::int64_t stride)
 {
     const auto bits = static_cast<std::uint64_t>(stride);
@@ -184,23 +179,25 @@ void RequireSeparateRows(const RowSide& target, std::uint64_t rows)
                   " or more keeps them apart");
 }
 
+// Strides that no row or plane takes may be any number.
 bool AreSameRows(const RowSide& source, const RowSide& target, std::uint64_t rows)
 {
-    const Pieces from = PiecesOf(source, rows);
-    const Pieces to = PiecesOf(target, rows);
-    return from.start == to.start && from.rowStep == to.rowStep && from.planeStep == to.planeStep &&
-           from.planes == to.planes && from.bytes == to.bytes;
+    const auto startOf = [](const RowView& view) {
+        return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(view.base)) +
+               static_cast<std::uint64_t>(view.offset);
+    };
+    const bool hasPlanes = source.covered.planes > 1 || target.covered.planes > 1;
+    return startOf(source.view) == startOf(target.view) &&
+           (rows == 1 || source.view.rowStride == target.view.rowStride) &&
+           (!hasPlanes || source.view.planeStride == target.view.planeStride);
 }
 
 void RequireSides(const RowSide& source, const RowSide& target, std::uint64_t rows,
                   bool mayBeInPlace)
 {
-    if (AreSameRows(source, target, rows)) {
-        if (mayBeInPlace)
-            return;
-    } else if (!ShareBytes(PiecesOf(source, rows), PiecesOf(target, rows))) {
+    if ((mayBeInPlace && AreSameRows(source, target, rows)) ||
+        !ShareBytes(PiecesOf(source, rows), PiecesOf(target, rows)))
         return;
-    }
     throw Refusal(PLK_OVERLAP, FieldName("target.base"), 0, 0,
                   "target.base leads to bytes of the source; ",
                   mayBeInPlace ? "give other rows, or the source's own base, offset and strides"
@@ -222,11 +219,11 @@ RowView ViewOf(const plk_target* target)
 void RequireMemory(const RowSide& source, const RowSide& target, std::uint64_t rows,
                    bool mayBeInPlace)
 {
-    const bool reads = HasBytes(source.covered);
+    const bool reads = source.covered.HasBytes();
     Extent from = {0, 0};
     if (reads)
         from = RequireExtent(source, rows, "source");
-    if (!HasBytes(target.covered))
+    if (!target.covered.HasBytes())
         return;
     const Extent to = RequireExtent(target, rows, "target");
     if (rows > 1 || target.covered.planes > 1)

@@ -14,6 +14,8 @@ struct CoveredBytes
     std::uint64_t count = 0;
     std::uint64_t firstPlane = 0;
     std::uint64_t planes = 1;
+
+    bool HasBytes() const { return count != 0 && planes != 0; }
 };
 
 // One side's rows of a run.
