@@ -205,6 +205,11 @@ PELKRAFT_EXPORT plk_status plk_plan_run(const plk_plan* plan, const plk_source* 
 PELKRAFT_EXPORT plk_status plk_plan_needs(const plk_plan* plan, plk_needs* needs,
                                           plk_failure* failure);
 
+/* The spec that a plan was made of, in the form that equal plans share. The map is the plan's own
+ * and lives as long. */
+PELKRAFT_EXPORT plk_status plk_plan_spec(const plk_plan* plan, plk_spec* spec,
+                                         plk_failure* failure);
+
 /* Describes the plan as it runs on this machine: steps, road, level, bytes read and written for
  * each row. The text ends with a zero byte. `needed` is set to its bytes with that one; a buffer of
  * fewer bytes is left as it is, with PLK_TOO_SMALL, and may be null if it has none. */
@@ -286,6 +291,12 @@ PELKRAFT_EXPORT plk_status plk_pattern_needs(const plk_pattern* pattern, plk_pat
 /* A name of a list, owned by the pattern, or null beyond its end. */
 PELKRAFT_EXPORT const char* plk_pattern_name(const plk_pattern* pattern, int32_t list,
                                              int32_t index);
+
+/* The text and the engine that a pattern was made of. The text is the pattern's own and lives as
+ * long; it ends with a zero byte, which is not counted. */
+PELKRAFT_EXPORT plk_status plk_pattern_text(const plk_pattern* pattern, const char** text,
+                                            uint64_t* bytes, plk_pattern_spec* spec,
+                                            plk_failure* failure);
 
 /* Saves text and engine; sizes and equality are as for plk_plan_save. */
 PELKRAFT_EXPORT plk_status plk_pattern_save(const plk_pattern* pattern, void* buffer,
