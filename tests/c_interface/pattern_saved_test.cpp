@@ -1,0 +1,97 @@
+#include "tests/c_interface/pattern_calls.h"
+#include "tests/pattern/pattern_support.h"
+#include "tests/support/guarded_buffer.h"
+#include "zvk/system_tools.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+plk_failure LoadFailure(const std::string& record)
+{
+    char other = 0;
+    auto* pattern = reinterpret_cast<plk_pattern*>(&other);
+    plk_failure failure = JunkFailure();
+    EXPECT_EQ(plk_pattern_load(record.data(), record.size(), &pattern, &failure), failure.status);
+    EXPECT_EQ(pattern, nullptr);
+    return failure;
+}
+
+TEST(SavedPattern, IsTheSameForTheSameTextAndEngineAtEveryLevel)
+{
+    const std::string first = SavedBytesOf(MakeHandle(exampleText).get());
+    for (const int level : {0, 3, 6, 7}) {
+        SystemTools::LimitSseVersion(level);
+        EXPECT_EQ(SavedBytesOf(MakeHandle(exampleText).get()), first);
+        SystemTools::LimitSseVersion(INT_MAX);
+    }
+    EXPECT_NE(SavedBytesOf(MakeHandle(exampleText, PLK_ENGINE_X86).get()), first);
+    EXPECT_NE(SavedBytesOf(MakeHandle(std::string(exampleText) + " ").get()), first);
+    // Text and engine, and a frame of 20 bytes.
+    EXPECT_EQ(first.size(), std::string(exampleText).size() + 4 + 20);
+}
+
+TEST(SavedPattern, ComesBackWithItsRowsAndItsBytes)
+{
+    const Bytes steps = {2, 1, 1, 0, 3, 1, 2, 1, 2, 0, 9, 9};
+    for (const std::int32_t engine : {PLK_ENGINE_AUTOMATIC, PLK_ENGINE_X86, PLK_ENGINE_SSE}) {
+        const PatternHandle handle = MakeHandle(exampleText, engine);
+        const std::string record = SavedBytesOf(handle.get());
+        const GuardedBuffer guarded(Bytes(record.begin(), record.end()));
+        plk_pattern* loaded = nullptr;
+        ASSERT_EQ(plk_pattern_load(guarded.data(), guarded.size(), &loaded, nullptr), PLK_OK);
+        const PatternHandle owner(loaded);
+        EXPECT_EQ(SavedBytesOf(loaded), record);
+        for (const std::uint64_t row : {0U, 1U, 12345U})
+            EXPECT_EQ(RunRow(loaded, row, steps), RunRow(handle.get(), row, steps));
+    }
+}
+
+TEST(SavedPattern, IsRefusedWithAnyByteChangedAndAnyByteGone)
+{
+    const std::string record = SavedBytesOf(MakeHandle(exampleText).get());
+    for (std::size_t i = 0; i < record.size(); ++i) {
+        for (const unsigned change : {1U, 0x80U, 0xFFU}) {
+            std::string damaged = record;
+            damaged[i] = static_cast<char>(static_cast<unsigned char>(damaged[i]) ^ change);
+            ASSERT_EQ(LoadFailure(damaged).status, PLK_BAD_RECORD) << i;
+        }
+        ASSERT_EQ(LoadFailure(record.substr(0, i)).status, PLK_BAD_RECORD) << i;
+    }
+    EXPECT_EQ(LoadFailure(record + "x").status, PLK_BAD_RECORD);
+}
+
+TEST(SavedPattern, IsRefusedWithoutItsBytes)
+{
+    plk_pattern* pattern = nullptr;
+    plk_failure failure = JunkFailure();
+    EXPECT_EQ(plk_pattern_load(nullptr, 40, &pattern, &failure), PLK_INVALID);
+    EXPECT_EQ(Brief(failure), "1 record");
+    const std::string record = SavedBytesOf(MakeHandle(exampleText).get());
+    EXPECT_EQ(plk_pattern_load(record.data(), record.size(), nullptr, &failure), PLK_INVALID);
+    EXPECT_EQ(Brief(failure), "1 pattern");
+}
+
+TEST(SavedPattern, LeavesABufferAloneThatIsTooSmall)
+{
+    const PatternHandle handle = MakeHandle(exampleText);
+    const std::string record = SavedBytesOf(handle.get());
+    const GuardedBuffer buffer(record.size() - 1, Flush::AtEnd, 0xA5);
+    std::uint64_t needed = 0;
+    plk_failure failure = JunkFailure();
+    EXPECT_EQ(plk_pattern_save(handle.get(), buffer.data(), buffer.size(), &needed, &failure),
+              PLK_TOO_SMALL);
+    EXPECT_EQ(needed, record.size());
+    EXPECT_EQ(failure.needed, static_cast<std::int64_t>(record.size()));
+    EXPECT_EQ(buffer.bytes(), Bytes(record.size() - 1, 0xA5));
+    EXPECT_EQ(plk_pattern_save(nullptr, buffer.data(), buffer.size(), &needed, &failure),
+              PLK_INVALID);
+    EXPECT_EQ(Brief(failure), "1 pattern");
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport
