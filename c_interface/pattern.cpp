@@ -193,6 +193,22 @@ const char* plk_pattern_name(const plk_pattern* pattern, int32_t list, int32_t i
     return at < names.size() ? names[at].c_str() : nullptr;
 }
 
+plk_status plk_pattern_text(const plk_pattern* pattern, const char** text, uint64_t* bytes,
+                            plk_pattern_spec* spec, plk_failure* failure)
+{
+    return AtBorder(failure, [=] {
+        RequirePattern(pattern);
+        if (text == nullptr)
+            throw NullRefusal("text");
+        if (bytes == nullptr)
+            throw NullRefusal("bytes");
+        RequireKnown(spec, "spec");
+        WriteRecord(spec, {0, pattern->engine});
+        *text = pattern->text.c_str();
+        *bytes = pattern->text.size();
+    });
+}
+
 plk_status plk_pattern_save(const plk_pattern* pattern, void* buffer, uint64_t bytes,
                             uint64_t* needed, plk_failure* failure)
 {

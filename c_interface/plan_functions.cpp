@@ -96,6 +96,11 @@ plk_status plk_plan_needs(const plk_plan* plan, plk_needs* needs, plk_failure* f
     });
 }
 
+plk_status plk_plan_spec(const plk_plan* plan, plk_spec* spec, plk_failure* failure)
+{
+    return AtBorder(failure, [=] { GiveSpec(Required(plan).spec, spec); });
+}
+
 plk_status plk_plan_describe(const plk_plan* plan, int32_t form, char* buffer, uint64_t bytes,
                              uint64_t* needed, plk_failure* failure)
 {

@@ -302,6 +302,27 @@ PlanSpec CheckSpec(const plk_spec* given)
     return CanonicalOf(spec);
 }
 
+void GiveSpec(const PlanSpec& spec, plk_spec* record)
+{
+    // A map of no entries is one all the same, so it has an address.
+    static constexpr std::int32_t none = 0;
+    RequireKnown(record, "spec");
+    plk_spec given = {};
+    given.source = spec.source;
+    given.target = spec.target;
+    if (spec.maps)
+        given.map = spec.map.empty() ? &none : spec.map.data();
+    given.map_count = spec.map.size();
+    given.repeat = spec.repeat;
+    given.mirror = spec.mirror;
+    given.samples = spec.samples;
+    given.invert = spec.invert;
+    given.clip = spec.clip;
+    given.stream = spec.stream;
+    given.road = spec.road;
+    WriteRecord(record, given);
+}
+
 std::uint64_t BytesUpTo(const plk_format& format, std::uint64_t pixels)
 {
     const auto bits = static_cast<std::uint64_t>(BitsInMemory(format));
