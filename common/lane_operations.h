@@ -25,6 +25,12 @@ void StoreLane(unsigned char* bytes, Lanes v)
     _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), GetLane<lane>(v));
 }
 
+// Past the cache. The address is a multiple of the vector's bytes.
+inline void StoreStreaming(unsigned char* bytes, Lanes v)
+{
+    PELKRAFT_BITS(stream)(reinterpret_cast<Lanes*>(bytes), v);
+}
+
 inline Lanes Zero()
 {
     return PELKRAFT_BITS(setzero)();
@@ -53,6 +59,11 @@ inline Lanes And(Lanes a, Lanes b)
 inline Lanes Or(Lanes a, Lanes b)
 {
     return PELKRAFT_BITS(or)(a, b);
+}
+
+inline Lanes Xor(Lanes a, Lanes b)
+{
+    return PELKRAFT_BITS(xor)(a, b);
 }
 
 inline Lanes Add8(Lanes a, Lanes b)

@@ -78,6 +78,14 @@ struct SampleKernels
     // Interleaved pixels of 8-bit samples to packed planes. Indexed then by the channel count, from
     // 2 on; the places 0 and 1 are null.
     SplitKernel packSplit[2][maxFusedChannels + 1];
+    // 8 bits, tones to levels, each in a byte: y = x / 255 or 3 * x / 255, rounded to the nearest.
+    SampleKernel quantize[2];
+    // The way back: y = x * 255, or x * 85.
+    SampleKernel stretch[2];
+    // The low bytes of 16-bit samples.
+    SampleKernel cut;
+    // 8-bit samples as 16-bit ones of the same number.
+    SampleKernel extend;
 };
 
 // Whole pixels moved, each of them mapped, repeated and mirrored in one go.
@@ -126,35 +134,60 @@ struct PixelKernels
     MoveKernel move;
 };
 
+// A pattern is at least this long.
+constexpr std::size_t patternBytes = 64;
+
+// Turns over the bits of a row that are set in a pattern, which begins with the row, repeats after
+// so many bytes, and goes on for patternBytes more.
+using PatchKernel = void (*)(unsigned char* row, std::size_t bytes, const unsigned char* pattern,
+                             std::size_t period);
+using StoreKernel = void (*)(const unsigned char* source, unsigned char* destination,
+                             std::size_t bytes);
+
+// What is done to finished bytes.
+struct FinishKernels
+{
+    PatchKernel patch;
+    // A copy whose whole lines go past the cache, where the processor can do that.
+    StoreKernel stream;
+    // Orders such stores before all later ones.
+    void (*fence)();
+};
+
 struct Kernels
 {
     const SplitMergeKernels* splitMerge;
     const SampleKernels* samples;
     const PixelKernels* pixels;
+    const FinishKernels* finish;
 };
 
 namespace PortableRoad {
 const SplitMergeKernels& GetSplitMergeKernels();
 const SampleKernels& GetSampleKernels();
 const PixelKernels& GetPixelKernels();
+const FinishKernels& GetFinishKernels();
 } // namespace PortableRoad
 
 namespace VectorRoad {
 const SplitMergeKernels& GetSplitMergeKernels();
 const SampleKernels& GetSampleKernels();
 const PixelKernels& GetPixelKernels();
+const FinishKernels& GetFinishKernels();
 } // namespace VectorRoad
 
 namespace Avx2Road {
 const SplitMergeKernels& GetSplitMergeKernels();
 const SampleKernels& GetSampleKernels();
 const PixelKernels& GetPixelKernels();
+const FinishKernels& GetFinishKernels();
 } // namespace Avx2Road
 
 namespace Avx512Road {
 const SplitMergeKernels& GetSplitMergeKernels();
 const SampleKernels& GetSampleKernels();
 const PixelKernels& GetPixelKernels();
+const FinishKernels& GetFinishKernels();
 } // namespace Avx512Road
 
 const Kernels& KernelsOf(Road road);

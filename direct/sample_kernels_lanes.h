@@ -1,5 +1,6 @@
 #pragma once
 
+#include "direct/level_changes_lanes.h"
 #include "direct/mirror_lanes.h"
 #include "direct/pack_split_lanes.h"
 #include "direct/unpack_lanes.h"
@@ -24,6 +25,10 @@ constexpr SampleKernels MakeSampleKernels()
           PackSplit<1, Splitter<4, true>>},
          {nullptr, nullptr, PackSplit<2, Splitter<2, false>>, PackSplit<2, Splitter<3, false>>,
           PackSplit<2, Splitter<4, false>>}},
+        {ChangeBytes<ToLevels<1>>, ChangeBytes<ToLevels<2>>},
+        {ChangeBytes<ToTones<1>>, ChangeBytes<ToTones<2>>},
+        Cut,
+        Extend,
     };
 }
 

@@ -230,6 +230,41 @@ void PackSplit(const unsigned char* row, unsigned char* const* planes, std::size
         PackSplitByte<depth, channels>(row + whole * perByte * channels, own, whole, rest);
 }
 
+template <unsigned top>
+void Quantize(const unsigned char* __restrict source, unsigned char* __restrict destination,
+              std::size_t samples)
+{
+    for (std::size_t i = 0; i < samples; ++i)
+        destination[i] = static_cast<unsigned char>((source[i] * top + 127) / 255);
+}
+
+template <unsigned top>
+void Stretch(const unsigned char* __restrict source, unsigned char* __restrict destination,
+             std::size_t samples)
+{
+    for (std::size_t i = 0; i < samples; ++i)
+        destination[i] = static_cast<unsigned char>(source[i] * (255 / top));
+}
+
+void Cut(const unsigned char* __restrict source, unsigned char* __restrict destination,
+         std::size_t samples)
+{
+    for (std::size_t i = 0; i < samples; ++i) {
+        std::uint16_t wide;
+        std::memcpy(&wide, source + 2 * i, sizeof wide);
+        destination[i] = static_cast<unsigned char>(wide);
+    }
+}
+
+void Extend(const unsigned char* __restrict source, unsigned char* __restrict destination,
+            std::size_t samples)
+{
+    for (std::size_t i = 0; i < samples; ++i) {
+        const std::uint16_t wide = source[i];
+        std::memcpy(destination + 2 * i, &wide, sizeof wide);
+    }
+}
+
 constexpr SampleKernels kernels{
     Widen,
     Narrow,
@@ -240,6 +275,10 @@ constexpr SampleKernels kernels{
     {UnpackWiden<1>, UnpackWiden<2>},
     {{nullptr, nullptr, PackSplit<1, 2>, PackSplit<1, 3>, PackSplit<1, 4>},
      {nullptr, nullptr, PackSplit<2, 2>, PackSplit<2, 3>, PackSplit<2, 4>}},
+    {Quantize<1>, Quantize<3>},
+    {Stretch<1>, Stretch<3>},
+    Cut,
+    Extend,
 };
 
 } // namespace

@@ -126,6 +126,22 @@ unsigned NarrowedLowBits(unsigned value)
     return Narrowed(value) & mask;
 }
 
+unsigned ToTwoLevels(unsigned value)
+{
+    return (value + 127) / 255;
+}
+
+unsigned ToFourLevels(unsigned value)
+{
+    return (3 * value + 127) / 255;
+}
+
+template <unsigned factor>
+unsigned Times(unsigned value)
+{
+    return value * factor;
+}
+
 struct Job
 {
     const char* name;
@@ -133,6 +149,8 @@ struct Job
     std::size_t destinationBits;
     unsigned (*value)(unsigned);
     SampleKernel (*kernelOf)(const SampleKernels&);
+    // The bits that a byte of the source may have.
+    unsigned char sourceMask = 0xff;
 };
 
 const Job jobs[] = {
@@ -148,11 +166,23 @@ const Job jobs[] = {
      [](const SampleKernels& k) { return k.narrowPack[1]; }},
     {"UnpackWiden1", 1, 16, Widened, [](const SampleKernels& k) { return k.unpackWiden[0]; }},
     {"UnpackWiden2", 2, 16, Widened, [](const SampleKernels& k) { return k.unpackWiden[1]; }},
+    {"Quantize1", 8, 8, ToTwoLevels, [](const SampleKernels& k) { return k.quantize[0]; }},
+    {"Quantize2", 8, 8, ToFourLevels, [](const SampleKernels& k) { return k.quantize[1]; }},
+    {"Stretch1", 8, 8, Times<255>, [](const SampleKernels& k) { return k.stretch[0]; }, 1},
+    {"Stretch2", 8, 8, Times<85>, [](const SampleKernels& k) { return k.stretch[1]; }, 3},
+    {"Cut", 16, 8, LowBits<255>, [](const SampleKernels& k) { return k.cut; }},
+    {"Extend", 8, 16, Same, [](const SampleKernels& k) { return k.extend; }},
 };
 
 class SampleKernelOf : public testing::TestWithParam<Job>
 {
 protected:
+    static void KeepPossible(Bytes& source)
+    {
+        for (unsigned char& byte : source)
+            byte &= GetParam().sourceMask;
+    }
+
     static Bytes Naive(const Bytes& source, std::size_t samples)
     {
         const Job& job = GetParam();
@@ -163,8 +193,9 @@ protected:
         return destination;
     }
 
-    static void Check(const Bytes& content, std::size_t samples, const Place& place)
+    static void Check(Bytes content, std::size_t samples, const Place& place)
     {
+        KeepPossible(content);
         const Bytes expected = Naive(content, samples);
         const GuardedBuffer source(content, place.flush, place.gap);
         for (const Level& level : Levels()) {
@@ -198,7 +229,8 @@ TEST_P(SampleKernelOf, WritesNothingPastTheLastSample)
 {
     constexpr std::size_t margin = 64;
     for (std::size_t samples = 0; samples <= 300; ++samples) {
-        const Bytes source = RandomBytes(BytesOf(samples, GetParam().sourceBits), 12);
+        Bytes source = RandomBytes(BytesOf(samples, GetParam().sourceBits), 12);
+        KeepPossible(source);
         for (const unsigned char fill : fills) {
             Bytes expected(margin, fill);
             const Bytes middle = Naive(source, samples);
