@@ -80,12 +80,17 @@ class PassList
 public:
     PassList(DirectPlan& newPlan, std::uint8_t newBits, bool newPlanar)
         : plan(newPlan), targetBits(newBits), targetPlanar(newPlanar),
-          turns(plan.mirrored || plan.repeat != 1), maps(plan.mapped), planar(plan.sourcePlanar),
-          bits(plan.sourceBits)
+          turns(plan.mirrored || plan.repeat != 1), maps(plan.mapped),
+          changesTones(plan.extras.samples == Samples::AsTones && plan.sourceBits != newBits),
+          planar(plan.sourcePlanar), bits(plan.sourceBits)
     {}
 
     void Choose()
     {
+        if (plan.extras.clears) {
+            plan.sourcePlanar = false;
+            return Add(PassKind::Clear, targetPlanar, targetBits);
+        }
         // Planes are chosen by their addresses.
         maps = maps && !planar;
         if (!turns && bits == targetBits && planar == targetPlanar && !maps)
@@ -127,26 +132,38 @@ private:
         return WholeBytesOf(channels, bits);
     }
 
-    bool FitsTile() const { return PixelBytes() <= maxTilePixelBytes; }
+    // The channels of a long map take turns too.
+    bool FitsTile() const
+    {
+        return PixelBytes() <= maxTilePixelBytes && plan.extras.entries == nullptr;
+    }
     bool FitsStep() const { return PixelBytes() <= plan.kernels->pixels->stepBytes; }
 
     void Unpack()
     {
-        const bool widens = targetBits == 16 && targetPlanar && !turns;
-        Add(widens ? PassKind::UnpackWiden : PassKind::Unpack, true, widens ? 16 : 8);
+        if (targetBits == 16 && targetPlanar && !turns && TreatsAs(Samples::AsFill))
+            return Add(PassKind::UnpackWiden, true, 16);
+        Add(PassKind::Unpack, true, 8);
+        if (changesTones)
+            Add(PassKind::Stretch, true, 8);
     }
+
+    bool TreatsAs(Samples samples) const { return plan.extras.samples == samples; }
 
     void Narrow()
     {
-        if (planar && targetBits < 8 && !turns)
+        if (planar && targetBits < 8 && !turns && TreatsAs(Samples::AsFill))
             return Add(PassKind::NarrowPack, true, targetBits);
-        if (!planar && targetPlanar && targetBits == 8 && HasFusedSplit())
+        if (!planar && targetPlanar && targetBits == 8 && HasFusedSplit() && !KeepsNumbers())
             return Add(PassKind::NarrowSplit, true, 8);
         // Pixels that do not fit the tile are split as they are.
         if (!planar && !FitsTile())
             Split();
-        Add(PassKind::Narrow, planar, 8);
+        Add(KeepsNumbers() ? PassKind::Cut : PassKind::Narrow, planar, 8);
     }
+
+    bool KeepsNumbers() const { return TreatsAs(Samples::AsLevels); }
+    PassKind WidenKind() const { return KeepsNumbers() ? PassKind::Extend : PassKind::Widen; }
 
     // Few channels that are only split have kernels that change the depth as well.
     bool HasFusedSplit() const
@@ -156,9 +173,10 @@ private:
 
     void Split()
     {
-        if (bits == 8 && targetBits < 8 && HasFusedSplit())
+        if (bits == 8 && targetBits < 8 && HasFusedSplit()) {
+            QuantizeTones();
             Add(PassKind::PackSplit, true, targetBits);
-        else if (bits == 8 && targetBits == 16 && HasFusedSplit())
+        } else if (bits == 8 && targetBits == 16 && HasFusedSplit() && !KeepsNumbers())
             Add(PassKind::SplitWiden, true, 16);
         else
             Add(PassKind::Split, true, bits);
@@ -198,16 +216,23 @@ private:
         if (targetPlanar)
             return Split();
         if (bits != targetBits && !FitsTile())
-            Add(PassKind::Widen, true, 16);
+            Add(WidenKind(), true, 16);
         Add(PassKind::Merge, false, bits);
     }
 
     void FinishDepth()
     {
         if (targetBits == 16)
-            Add(PassKind::Widen, planar, 16);
-        else
-            Add(PassKind::Pack, true, targetBits);
+            return Add(WidenKind(), planar, 16);
+        QuantizeTones();
+        Add(PassKind::Pack, true, targetBits);
+    }
+
+    // Packing takes the low bits.
+    void QuantizeTones()
+    {
+        if (changesTones)
+            Add(PassKind::Quantize);
     }
 
     DirectPlan& plan;
@@ -216,6 +241,8 @@ private:
     // True for work that no pass has done yet.
     bool turns;
     bool maps;
+    // Levels are in between.
+    bool changesTones;
     bool planar;
     std::uint8_t bits;
 };
@@ -224,7 +251,7 @@ private:
 bool CopyMap(DirectPlan& plan, const ChannelMap& map)
 {
     if (map.entryCount > maxMapEntries)
-        return false;
+        return plan.extras.entries != nullptr;
     const auto sourceChannels = static_cast<std::int32_t>(plan.sourceChannels);
     bool inside = true;
     for (std::size_t i = 0; i != map.entryCount; ++i) {
@@ -237,12 +264,21 @@ bool CopyMap(DirectPlan& plan, const ChannelMap& map)
 // A channel that several entries name is split once, into the plane of the first of them.
 void FillFirstUses(DirectPlan& plan)
 {
+    const std::int32_t* entries = EntriesOf(plan);
+    std::int32_t* uses =
+        plan.extras.firstUses != nullptr ? plan.extras.firstUses : plan.firstUses.data();
+    const auto together = static_cast<std::uint32_t>(plan.tileChannels);
     for (std::uint32_t c = 0; c != plan.channels; ++c) {
-        const auto first =
-            std::find(plan.entries.begin(), plan.entries.begin() + c, plan.entries[c]);
-        plan.firstUses[c] =
-            plan.entries[c] < 0 ? -1 : static_cast<std::int32_t>(first - plan.entries.begin());
+        const std::int32_t* start = entries + c / together * together;
+        const std::int32_t* first = std::find(start, entries + c, entries[c]);
+        uses[c] = entries[c] < 0 ? -1 : static_cast<std::int32_t>(first - start);
     }
+}
+
+// Interleaved pixels of more channels than a tile takes are never staged.
+bool FitsStage(const DirectPlan& plan)
+{
+    return plan.passes[plan.passCount - 1U].planar || plan.channels <= maxMapEntries;
 }
 
 // One pass over the whole row needs no tile, unless it needs a plane of zeros, or one to drop
@@ -250,14 +286,17 @@ void FillFirstUses(DirectPlan& plan)
 bool NeedsTile(const DirectPlan& plan)
 {
     const PassKind kind = plan.passes[0].kind;
-    return plan.passCount != 1 || plan.splitMaps || (plan.mapped && kind == PassKind::Merge);
+    return plan.passCount != 1 || plan.splitMaps || (plan.mapped && kind == PassKind::Merge) ||
+           plan.extras.staged || plan.extras.patch != nullptr;
 }
 
 } // namespace
 
-bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats)
+bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats,
+                    const DirectExtras& extras)
 {
     const auto& [source, destination] = formats;
+    plan.extras = extras;
     plan.road = RoadOf(request.sseVersion);
     plan.kernels = &KernelsOf(plan.road);
     plan.sourceChannels = static_cast<std::uint32_t>(source.channels);
@@ -290,10 +329,11 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const Fo
         plan.mirrored ? static_cast<std::size_t>(source.width) - plan.sourcePixels : 0;
 
     PassList(plan, bits, planar).Choose();
-    if (plan.splitMaps)
-        FillFirstUses(plan);
+    plan.extras.staged = plan.extras.staged && FitsStage(plan);
     if (NeedsTile(plan))
         SizeTile(plan);
+    if (plan.splitMaps)
+        FillFirstUses(plan);
     return true;
 }
 

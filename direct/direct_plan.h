@@ -3,6 +3,7 @@
 #include "common/conversion.h"
 #include "common/road.h"
 #include "direct/kernels.h"
+#include "direct/row_patch.h"
 
 #include <array>
 #include <cstddef>
@@ -35,6 +36,25 @@ enum class PassKind : std::uint8_t
     // Narrow and Split in one.
     NarrowSplit,
     Merge,
+    // 8-bit tones to levels, and back.
+    Quantize,
+    Stretch,
+    // 16 bits to 8 and back, the numbers kept.
+    Cut,
+    Extend,
+    // Zeros for all channels, where a map names none.
+    Clear,
+};
+
+// What happens to samples where the depth changes.
+enum class Samples : std::uint8_t
+{
+    // As FillFrom treats them: 8 and 16 bits are tones, 1 and 2 bits are levels.
+    AsFill,
+    // Full scale becomes full scale.
+    AsTones,
+    // The number stays, or its low bits.
+    AsLevels,
 };
 
 // The pixels after a pass: an interleaved row, or planes.
@@ -45,7 +65,25 @@ struct PassOutput
     std::uint8_t bits;
 };
 
-// A conversion as one to four passes. The record is small, since each call makes one; what a
+// Plans of many rows go beyond a fill by these. What is pointed to outlives the plan.
+struct DirectExtras
+{
+    Samples samples = Samples::AsFill;
+    // The map names no channel of the source.
+    bool clears = false;
+    // The last pass ends in a tile, which is stored when all of its pixels have been read.
+    bool staged = false;
+    // The tiles are stored past the cache.
+    bool streamed = false;
+    // A map of more than maxMapEntries entries, none beyond the source's channels.
+    const std::int32_t* entries = nullptr;
+    // Room for as many numbers.
+    std::int32_t* firstUses = nullptr;
+    // The samples that are set or turned over at last.
+    const RowPatch* patch = nullptr;
+};
+
+// A conversion as one to five passes. The record is small, since each call makes one; what a
 // field's meaning depends on stands in the field before it.
 struct DirectPlan
 {
@@ -60,7 +98,8 @@ struct DirectPlan
     bool splitMaps;
     // 1, 2 or 4.
     std::uint8_t repeat;
-    std::array<PassOutput, 4> passes;
+    std::array<PassOutput, 5> passes;
+    DirectExtras extras;
     std::uint32_t sourceChannels;
     std::uint32_t channels;
     // The first source pixel that is read, of a mirrored row too.
@@ -76,15 +115,26 @@ struct DirectPlan
     // There is one for each channel, negative for zeros. They are left unset where the plan is not
     // mapped.
     std::array<std::int32_t, maxMapEntries> entries;
-    // Each channel has the number of the first one with the same entry, or -1 for zeros. They are
-    // left unset where no split maps.
+    // Each channel has the number of the first one with the same entry among those that go through
+    // the tile with it, or -1 for zeros. They are left unset where no split maps.
     std::array<std::int32_t, maxMapEntries> firstUses;
 };
 
 // Answers whether the direct road serves the conversion, whose rows are known to be served by
-// some road. It declines a map of more than maxMapEntries entries, and one with an entry beyond
-// the source's channels; a map of no more entries is copied even so.
-bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats);
+// some road. It declines a map of more than maxMapEntries entries that stands in no extras, and one
+// with an entry beyond the source's channels; a map of no more entries is copied even so.
+bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats,
+                    const DirectExtras& extras = {});
+
+inline const std::int32_t* EntriesOf(const DirectPlan& plan)
+{
+    return plan.extras.entries != nullptr ? plan.extras.entries : plan.entries.data();
+}
+
+inline const std::int32_t* FirstUsesOf(const DirectPlan& plan)
+{
+    return plan.extras.firstUses != nullptr ? plan.extras.firstUses : plan.firstUses.data();
+}
 
 // Two rows in memory. The step leads from a plane to the next; interleaved rows have none.
 struct DirectRows
@@ -95,7 +145,8 @@ struct DirectRows
     std::ptrdiff_t planeStep;
 };
 
-// The rows must not overlap.
+// The rows must not overlap. They may be one and the same if the plan is staged and mirrors and
+// repeats nothing.
 void RunDirect(const DirectPlan& plan, const DirectRows& rows);
 
 } // namespace zvk::Pelkraft

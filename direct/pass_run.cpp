@@ -51,14 +51,6 @@ void RunSamples(SampleKernel kernel, const PassOutput& pass, const PassInput& in
                  [&](const unsigned char* from, unsigned char* to) { kernel(from, to, samples); });
 }
 
-// The last byte of a packed plane that is written has zeros after the last pixel.
-void ClearUnusedBits(unsigned char* plane, std::size_t pixels, std::uint8_t bits)
-{
-    const unsigned used = static_cast<unsigned>(pixels % 8 * bits % 8);
-    if (used != 0)
-        plane[WholeBytesOf(pixels, bits)] &= static_cast<unsigned char>(0xFF00U >> used);
-}
-
 void RunCopy(const PassOutput& pass, const PassInput& input, const PassTarget& target,
              std::size_t channels)
 {
@@ -146,29 +138,38 @@ void ForEachBatch(std::size_t channels, Body body)
     }
 }
 
-// Each channel of the batch goes to its plane, or to the dump.
-void FillTargets(const DirectPlan& plan, const PassTarget& target, const ChannelBatch& batch,
-                 unsigned char** planes)
+// Each channel of the batch goes to its plane, or to the dump. Answers whether there is one that
+// is wanted.
+bool FillTargets(const DirectPlan& plan, const PassTarget& target, std::size_t channels,
+                 const ChannelBatch& batch, unsigned char** planes)
 {
     if (!plan.splitMaps) {
         for (std::size_t i = 0; i != batch.count; ++i)
             planes[i] = PlaneOf(target, batch.first + i);
-        return;
+        return true;
     }
+    const std::int32_t* entries = EntriesOf(plan) + target.firstChannel;
+    const std::int32_t* firstUses = FirstUsesOf(plan) + target.firstChannel;
     std::fill_n(planes, batch.count, target.dump);
-    for (std::size_t c = 0; c != plan.channels; ++c) {
-        const auto from = static_cast<std::size_t>(plan.entries[c]) - batch.first;
-        if (plan.firstUses[c] == static_cast<std::int32_t>(c) && from < batch.count)
+    bool wanted = false;
+    for (std::size_t c = 0; c != channels; ++c) {
+        const auto from = static_cast<std::size_t>(entries[c]) - batch.first;
+        if (firstUses[c] == static_cast<std::int32_t>(c) && from < batch.count) {
             planes[from] = PlaneOf(target, c);
+            wanted = true;
+        }
     }
+    return wanted;
 }
 
 // The planes that no channel was split into: repeated ones and those of zeros.
-void FillOtherPlanes(const DirectPlan& plan, const PassTarget& target, std::uint8_t bits)
+void FillOtherPlanes(const DirectPlan& plan, const PassTarget& target, std::size_t channels,
+                     std::uint8_t bits)
 {
+    const std::int32_t* firstUses = FirstUsesOf(plan) + target.firstChannel;
     const std::size_t bytes = BytesOf(target.pixels, bits);
-    for (std::size_t c = 0; c != plan.channels; ++c) {
-        const std::int32_t first = plan.firstUses[c];
+    for (std::size_t c = 0; c != channels; ++c) {
+        const std::int32_t first = firstUses[c];
         if (first < 0)
             std::memset(PlaneOf(target, c), 0, bytes);
         else if (first != static_cast<std::int32_t>(c))
@@ -184,10 +185,10 @@ void SplitWide(const DirectPlan& plan, const PassInput& input, const PassTarget&
     // Entries may name any channel of the source.
     ForEachBatch(plan.splitMaps ? input.pixelChannels : channels, [&](const ChannelBatch& batch) {
         unsigned char* planes[maxPlanes];
-        FillTargets(plan, target, batch, planes);
-        plan.kernels->splitMerge->wideSplit[sampleBytes - 1](
-            input.bytes + batch.first * sampleBytes, planes, input.pixels,
-            {input.pixelChannels * sampleBytes, batch.count});
+        if (FillTargets(plan, target, channels, batch, planes))
+            plan.kernels->splitMerge->wideSplit[sampleBytes - 1](
+                input.bytes + batch.first * sampleBytes, planes, input.pixels,
+                {input.pixelChannels * sampleBytes, batch.count});
     });
 }
 
@@ -198,13 +199,13 @@ void RunSplit(const DirectPlan& plan, const PassOutput& pass, const PassInput& i
     const std::size_t sampleBytes = input.bits / 8;
     if (input.pixelChannels <= maxDenseChannels) {
         unsigned char* planes[maxDenseChannels];
-        FillTargets(plan, target, {0, input.pixelChannels}, planes);
-        kernels.split[sampleBytes - 1][input.pixelChannels](input.bytes, planes, input.pixels);
+        if (FillTargets(plan, target, channels, {0, input.pixelChannels}, planes))
+            kernels.split[sampleBytes - 1][input.pixelChannels](input.bytes, planes, input.pixels);
     } else {
         SplitWide(plan, input, target, channels);
     }
     if (plan.splitMaps && target.last)
-        FillOtherPlanes(plan, target, pass.bits);
+        FillOtherPlanes(plan, target, channels, pass.bits);
 }
 
 // A split that changes the depth as well, of a few channels.
@@ -247,6 +248,16 @@ void RunMerge(const DirectPlan& plan, const PassInput& input, const PassTarget& 
     FillSources(input, {0, target.pixelChannels}, planes);
     plan.kernels->splitMerge->merge[input.bits / 8U - 1][target.pixelChannels](planes, target.bytes,
                                                                                input.pixels);
+}
+
+void RunClear(const PassOutput& pass, const PassTarget& target, std::size_t channels)
+{
+    if (!pass.planar) {
+        std::memset(target.bytes, 0, BytesOf(target.pixels * target.pixelChannels, pass.bits));
+        return;
+    }
+    for (std::size_t c = 0; c != channels; ++c)
+        std::memset(PlaneOf(target, c), 0, BytesOf(target.pixels, pass.bits));
 }
 
 } // namespace
@@ -292,6 +303,17 @@ void RunPass(const DirectPlan& plan, const PassOutput& pass, const PassInput& in
         return RunFused(plan.kernels->splitMerge->narrowSplit[input.pixelChannels], input, target);
     case PassKind::Merge:
         return RunMerge(plan, input, target, channels);
+    case PassKind::Quantize:
+        return RunSamples(samples.quantize[plan.passes[plan.passCount - 1U].bits - 1U], pass, input,
+                          target, channels);
+    case PassKind::Stretch:
+        return RunSamples(samples.stretch[plan.sourceBits - 1U], pass, input, target, channels);
+    case PassKind::Cut:
+        return RunSamples(samples.cut, pass, input, target, channels);
+    case PassKind::Extend:
+        return RunSamples(samples.extend, pass, input, target, channels);
+    case PassKind::Clear:
+        return RunClear(pass, target, channels);
     }
 }
 

@@ -25,6 +25,8 @@ struct PassTarget
 {
     unsigned char* bytes;
     std::ptrdiff_t planeStep;
+    // The number of the first channel, by which a split looks into the map.
+    std::size_t firstChannel;
     std::size_t pixelChannels;
     std::size_t pixels;
     // Room for the samples that no plane wants.

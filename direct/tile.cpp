@@ -4,6 +4,7 @@
 #include "direct/pass_run.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -23,9 +24,11 @@ constexpr std::size_t maxTileChannels = 64;
 // So many packed pixels fill whole bytes.
 constexpr std::size_t tileUnit = 8;
 
-bool IsTurn(const PassOutput& pass)
+// True if the pixels after the pass are as many as the target's.
+bool MakesAllPixels(const PassOutput& pass)
 {
-    return pass.kind == PassKind::Step || pass.kind == PassKind::Move;
+    return pass.kind == PassKind::Step || pass.kind == PassKind::Move ||
+           pass.kind == PassKind::Clear;
 }
 
 std::size_t RoundUp(std::size_t count, std::size_t unit)
@@ -43,7 +46,8 @@ std::size_t ChannelsAfter(const DirectPlan& plan, std::size_t pass)
 {
     const bool maps = plan.mapped && !plan.sourcePlanar;
     const auto mayMap = [](const PassOutput& one) {
-        return one.kind == PassKind::Step || one.kind == PassKind::Split;
+        return one.kind == PassKind::Step || one.kind == PassKind::Split ||
+               one.kind == PassKind::Clear;
     };
     const auto end = plan.passes.begin() + static_cast<std::ptrdiff_t>(pass) + 1;
     return maps && std::none_of(plan.passes.begin(), end, mayMap) ? plan.sourceChannels
@@ -65,18 +69,21 @@ TileShare ShareOf(const DirectPlan& plan, std::size_t pass, std::size_t repeat)
     return {channels * output.bits * repeat, planes * (planeSpare + GapOf(planes))};
 }
 
+// True if the pixels stand as planes before the last pass or after it.
 bool IsOfPlanes(const DirectPlan& plan)
 {
     const auto isPlanar = [](const PassOutput& pass) { return pass.planar; };
+    if (plan.passCount == 1 && !plan.sourcePlanar)
+        return isPlanar(plan.passes[0]);
     return std::all_of(plan.passes.begin(), plan.passes.begin() + plan.passCount - 1, isPlanar);
 }
 
 // Planes that no pass brings together take turns, one by one.
 std::size_t ChooseTileChannels(const DirectPlan& plan)
 {
-    if (!IsOfPlanes(plan) || plan.mapped)
+    if (!IsOfPlanes(plan) || (plan.mapped && plan.extras.entries == nullptr))
         return plan.channels;
-    if (plan.sourcePlanar && plan.passes[plan.passCount - 1U].planar)
+    if (plan.sourcePlanar && plan.passes[plan.passCount - 1U].planar && !plan.mapped)
         return 1;
     const std::size_t turns = (plan.channels + maxTileChannels - 1) / maxTileChannels;
     return (plan.channels + turns - 1) / turns;
@@ -87,9 +94,11 @@ PassInput SourceAt(const DirectPlan& plan, const DirectRows& rows, std::size_t p
                    std::size_t channel, std::size_t pixels)
 {
     const std::uint8_t bits = plan.sourceBits;
+    // Entries name the channels of the whole source.
+    const std::size_t first = plan.mapped ? 0 : channel;
     if (!plan.sourcePlanar) {
-        const std::size_t first = pixel * plan.sourceChannels + channel;
-        return {rows.source + first * (bits / 8U),
+        const std::size_t sample = pixel * plan.sourceChannels + first;
+        return {rows.source + sample * (bits / 8U),
                 0,
                 nullptr,
                 bits,
@@ -99,10 +108,10 @@ PassInput SourceAt(const DirectPlan& plan, const DirectRows& rows, std::size_t p
                 pixels};
     }
     const std::size_t skip = bits < 8 ? pixel % (8U / bits) : 0;
-    return {rows.source + static_cast<std::ptrdiff_t>(channel) * rows.sourcePlaneStep +
-                WholeBytesOf(pixel, bits),
+    const auto firstPlane = static_cast<std::ptrdiff_t>(first);
+    return {rows.source + firstPlane * rows.sourcePlaneStep + WholeBytesOf(pixel, bits),
             rows.sourcePlaneStep,
-            plan.mapped ? plan.entries.data() : nullptr,
+            plan.mapped ? EntriesOf(plan) + channel : nullptr,
             bits,
             true,
             plan.sourceChannels,
@@ -120,7 +129,13 @@ PassTarget TargetAt(const DirectPlan& plan, const DirectRows& rows, std::size_t 
                                            : (pixel * plan.channels + channel) * (pass.bits / 8U);
     const std::ptrdiff_t planes =
         pass.planar ? static_cast<std::ptrdiff_t>(channel) * rows.planeStep : 0;
-    return {rows.target + planes + offset, rows.planeStep, plan.channels, pixels, nullptr, true};
+    return {rows.target + planes + offset,
+            rows.planeStep,
+            channel,
+            plan.channels,
+            pixels,
+            nullptr,
+            true};
 }
 
 // Runs the passes tile by tile: the first from the source into one tile, the last from a tile
@@ -133,58 +148,111 @@ public:
 
     void Run()
     {
-        for (std::size_t pixel = 0; pixel < plan.sourcePixels; pixel += plan.tilePixels)
+        for (std::size_t pixel = 0; pixel < plan.sourcePixels; pixel += plan.tilePixels) {
             for (std::size_t c = 0; c < plan.channels; c += plan.tileChannels)
                 RunTile(pixel, c);
+            if (plan.extras.patch != nullptr && !plan.extras.staged)
+                PatchStrip(pixel);
+        }
     }
 
 private:
+    std::size_t CountTargets(std::size_t pixel, std::size_t count) const
+    {
+        return std::min(count * plan.repeat, plan.pixels - pixel * plan.repeat);
+    }
+
     void RunTile(std::size_t pixel, std::size_t channel)
     {
         const std::size_t channels = std::min(plan.tileChannels, plan.channels - channel);
         const std::size_t count = std::min(plan.tilePixels, plan.sourcePixels - pixel);
-        const std::size_t firstTarget = pixel * plan.repeat;
-        const std::size_t targets = std::min(count * plan.repeat, plan.pixels - firstTarget);
+        const std::size_t targets = CountTargets(pixel, count);
         const std::size_t from = plan.mirrored ? plan.sourcePixels - pixel - count : pixel;
 
         PassInput input = SourceAt(plan, rows, plan.firstPixel + from, channel, count);
-        bool turned = false;
+        bool complete = false;
         for (std::size_t i = 0; i != plan.passCount; ++i) {
             const PassOutput& pass = plan.passes[i];
-            turned = turned || IsTurn(pass);
+            complete = complete || MakesAllPixels(pass);
             const bool last = i + 1U == plan.passCount;
-            const std::size_t pixels = turned ? targets : count;
-            PassTarget target = last ? TargetAt(plan, rows, firstTarget, channel, pixels)
-                                     : TileTarget(i, channels, pixels);
+            PassTarget target = TargetOf(i, pixel, channel, complete ? targets : count);
             target.dump = dump;
             RunPass(plan, pass, input, target, channels);
+            if (last && plan.extras.staged)
+                StoreTile(target, pixel, channels);
             input = InputOf(input, pass, target);
         }
     }
 
-    PassTarget TileTarget(std::size_t pass, std::size_t channels, std::size_t pixels)
+    PassTarget TargetOf(std::size_t pass, std::size_t pixel, std::size_t channel,
+                        std::size_t pixels)
     {
+        const bool last = pass + 1U == plan.passCount;
+        if (last && !plan.extras.staged)
+            return TargetAt(plan, rows, pixel * plan.repeat, channel, pixels);
+        const std::size_t channels = std::min(plan.tileChannels, plan.channels - channel);
         const std::size_t planeBytes = WholeBytesOf(pixels, plan.passes[pass].bits) + planeSpare;
         return {tiles[pass % 2],
                 static_cast<std::ptrdiff_t>(planeBytes + GapOf(channels)),
+                channel,
                 ChannelsAfter(plan, pass),
                 pixels,
-                dump,
-                false};
+                nullptr,
+                last};
     }
 
     // The pixels that a pass has left in a tile, as the next one finds them.
     PassInput InputOf(const PassInput& before, const PassOutput& pass, const PassTarget& target)
     {
         const bool splitsByMap = pass.kind == PassKind::Split && plan.splitMaps;
+        const bool keepsSkip = pass.kind == PassKind::Unpack || pass.kind == PassKind::Stretch;
         return {target.bytes,
                 target.planeStep,
-                splitsByMap ? plan.firstUses.data() : nullptr,
+                splitsByMap ? FirstUsesOf(plan) + target.firstChannel : nullptr,
                 pass.bits,
                 pass.planar,
                 target.pixelChannels,
-                pass.kind == PassKind::Unpack ? before.skip : 0,
+                keepsSkip ? before.skip : 0,
                 target.pixels};
+    }
+
+    // Patches what stands in the tile, then stores it, with all its channels or by planes.
+    void StoreTile(const PassTarget& tile, std::size_t pixel, std::size_t channels)
+    {
+        Patch({tile.bytes, tile.planeStep, tile.firstChannel, channels, tile.pixels});
+        const PassOutput& pass = plan.passes[plan.passCount - 1U];
+        const PassTarget target =
+            TargetAt(plan, rows, pixel * plan.repeat, tile.firstChannel, tile.pixels);
+        if (!pass.planar)
+            return Store(tile.bytes, target.bytes,
+                         BytesOf(tile.pixels * tile.pixelChannels, pass.bits));
+        for (std::size_t c = 0; c != channels; ++c) {
+            const auto plane = static_cast<std::ptrdiff_t>(c);
+            Store(tile.bytes + plane * tile.planeStep, target.bytes + plane * target.planeStep,
+                  BytesOf(tile.pixels, pass.bits));
+        }
+    }
+
+    void Store(const unsigned char* from, unsigned char* to, std::size_t bytes)
+    {
+        if (plan.extras.streamed)
+            plan.kernels->finish->stream(from, to, bytes);
+        else
+            std::memcpy(to, from, bytes);
+    }
+
+    void PatchStrip(std::size_t pixel)
+    {
+        const std::size_t count = std::min(plan.tilePixels, plan.sourcePixels - pixel);
+        const PassTarget target =
+            TargetAt(plan, rows, pixel * plan.repeat, 0, CountTargets(pixel, count));
+        Patch({target.bytes, target.planeStep, 0, plan.channels, target.pixels});
+    }
+
+    void Patch(const PatchedRow& row)
+    {
+        if (plan.extras.patch != nullptr)
+            PatchRow(*plan.kernels->finish, *plan.extras.patch, row);
     }
 
     const DirectPlan& plan;
@@ -198,12 +266,14 @@ private:
 void SizeTile(DirectPlan& plan)
 {
     plan.tileChannels = ChooseTileChannels(plan);
-    const std::size_t room = plan.passCount > 2 ? sharedTileBytes : soleTileBytes;
+    // The staged pixels of the last pass stand in a tile as well.
+    const std::size_t outputs = plan.passCount - (plan.extras.staged ? 0U : 1U);
+    const std::size_t room = outputs > 1 ? sharedTileBytes : soleTileBytes;
     const std::size_t mostPixels = maxTilePixels / plan.repeat;
     std::size_t pixels = std::min(plan.sourcePixels, mostPixels);
     std::size_t repeat = 1;
-    for (std::size_t i = 0; i + 1U < plan.passCount; ++i) {
-        if (IsTurn(plan.passes[i]))
+    for (std::size_t i = 0; i != outputs; ++i) {
+        if (MakesAllPixels(plan.passes[i]))
             repeat = plan.repeat;
         const TileShare share = ShareOf(plan, i, repeat);
         if (share.spareBytes + pixels * share.bits / 8 > room)
