@@ -66,6 +66,17 @@ std::string PassText(const DirectPlan& plan, const PassOutput& pass)
         return "split " + channels + " and widen to 16 bits";
     case PassKind::NarrowSplit:
         return "narrow to 8 bits and split " + channels;
+    case PassKind::Quantize:
+        return std::string("round tones to ") +
+               (plan.passes[plan.passCount - 1U].bits == 1 ? "2" : "4") + " levels";
+    case PassKind::Stretch:
+        return "stretch levels to tones of 8 bits";
+    case PassKind::Cut:
+        return "keep the low 8 bits";
+    case PassKind::Extend:
+        return "extend to 16 bits";
+    case PassKind::Clear:
+        return "fill with zeros";
     case PassKind::Merge:
         break;
     }
@@ -95,19 +106,30 @@ std::string ChainText(const Plan& plan, ChainStep step)
     return {};
 }
 
-std::vector<std::string> StepsOf(const Plan& plan)
+std::vector<std::string> StepsOf(const DirectPlan& plan)
 {
     std::vector<std::string> steps;
-    if (plan.road == PlanRoad::Direct) {
-        const DirectPlan& direct = plan.direct;
-        std::transform(direct.passes.begin(), direct.passes.begin() + direct.passCount,
-                       std::back_inserter(steps),
-                       [&](const PassOutput& pass) { return PassText(direct, pass); });
-        // Planes are chosen by their addresses, ahead of all else.
-        if (direct.mapped && direct.sourcePlanar)
-            steps.insert(steps.begin(), "map the planes");
-        return steps;
-    }
+    // Planes are chosen by their addresses, ahead of all else.
+    if (plan.mapped && plan.sourcePlanar)
+        steps.emplace_back("map the planes");
+    std::transform(plan.passes.begin(), plan.passes.begin() + plan.passCount,
+                   std::back_inserter(steps),
+                   [&](const PassOutput& pass) { return PassText(plan, pass); });
+    const RowPatch* patch = plan.extras.patch;
+    if (patch != nullptr && patch->setsConstants)
+        steps.emplace_back("set constant samples");
+    if (patch != nullptr && patch->inverts)
+        steps.emplace_back("invert");
+    if (plan.extras.streamed && plan.extras.staged)
+        steps.emplace_back("store past the cache");
+    return steps;
+}
+
+std::vector<std::string> StepsOf(const Plan& plan)
+{
+    if (plan.road == PlanRoad::Direct)
+        return StepsOf(plan.direct);
+    std::vector<std::string> steps;
     steps.emplace_back("load chunks");
     for (std::uint32_t i = 0; i != plan.steps.GetLength(); ++i)
         if (std::string text = ChainText(plan, plan.steps.GetStep(i)); !text.empty())
@@ -150,6 +172,11 @@ std::uint64_t CountChannelsRead(const Plan& plan)
     return static_cast<std::uint64_t>(std::count_if(named.begin(), named.end(), isRead));
 }
 
+bool ReadsNothing(const Plan& plan)
+{
+    return plan.road == PlanRoad::Direct && plan.direct.extras.clears;
+}
+
 } // namespace
 
 PlanWords Describe(const Plan& plan)
@@ -158,7 +185,7 @@ PlanWords Describe(const Plan& plan)
         return {"none", LevelText(plan), {}, 0, 0};
     const auto channels = static_cast<std::uint64_t>(plan.formats.destination.channels);
     return {plan.road == PlanRoad::Direct ? "direct" : "chain", LevelText(plan), StepsOf(plan),
-            ActiveBytes(plan.formats.source, CountChannelsRead(plan)),
+            ReadsNothing(plan) ? 0 : ActiveBytes(plan.formats.source, CountChannelsRead(plan)),
             ActiveBytes(plan.formats.destination, channels)};
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "common/bit_sizes.h"
 #include "plan/plan_words.h"
 
 #include <cstddef>
@@ -9,17 +8,6 @@
 #include <span>
 
 namespace zvk::Pelkraft {
-
-// What happens to samples where the depth changes.
-enum class Samples : std::uint8_t
-{
-    // As FillFrom treats them: 8 and 16 bits are tones, 1 and 2 bits are levels.
-    AsFill,
-    // Full scale becomes full scale.
-    AsTones,
-    // The number stays, or its low bits.
-    AsLevels,
-};
 
 struct RowForm
 {
@@ -30,14 +18,20 @@ struct RowForm
     bool planar;
 };
 
+// The bits that a sample takes in memory.
+constexpr unsigned StorageBitsOf(const RowForm& form)
+{
+    const auto bits = static_cast<unsigned>(form.bits);
+    return form.planar ? bits : (bits + 7) / 8 * 8;
+}
+
 // Bytes of a plane, or of an interleaved row, whose samples take whole bytes.
 constexpr std::uint64_t PlaneBytesOf(const RowForm& form)
 {
     const auto width = static_cast<std::uint64_t>(form.width);
-    const auto bits = static_cast<unsigned>(form.bits);
-    if (form.planar)
-        return (width * bits + 7) / 8;
-    return width * static_cast<std::uint64_t>(form.channels) * ((bits + 7) / 8);
+    const std::uint64_t samples =
+        form.planar ? width : width * static_cast<std::uint64_t>(form.channels);
+    return (samples * StorageBitsOf(form) + 7) / 8;
 }
 
 // Bytes of all planes, one directly after the other.

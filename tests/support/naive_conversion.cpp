@@ -41,26 +41,6 @@ unsigned ReadSample(const NaiveGeometry& geometry, const Bytes& row, int pixel, 
     return value;
 }
 
-void WriteSample(const NaiveGeometry& geometry, Bytes& row, int pixel, int channel, unsigned value)
-{
-    if (IsNaivePacked(geometry)) {
-        for (int b = 0; b != geometry.bits; ++b) {
-            const int bit = pixel * geometry.bits + b;
-            unsigned char& byte = row[Index(channel * PlaneBytes(geometry) + bit / 8)];
-            const unsigned weight = 1U << (7 - bit % 8);
-            const bool set = (value >> (geometry.bits - 1 - b)) % 2 != 0;
-            byte = static_cast<unsigned char>(set ? byte | weight : byte & ~weight);
-        }
-        return;
-    }
-    const int bytes = WholeBytes(geometry);
-    const int place = geometry.planar ? channel * PlaneBytes(geometry) + pixel * bytes
-                                      : (pixel * geometry.channels + channel) * bytes;
-    row[Index(place)] = static_cast<unsigned char>(value % 256);
-    if (bytes == 2)
-        row[Index(place + 1)] = static_cast<unsigned char>(value / 256);
-}
-
 unsigned ToEightBits(unsigned value, int bits)
 {
     if (bits != 16)
@@ -73,16 +53,6 @@ unsigned FromEightBits(unsigned value, int bits)
     if (bits == 16)
         return value * 257U;
     return bits == 8 ? value : value % (1U << bits);
-}
-
-// The last byte of each plane that is written at all holds zeros after the last pixel.
-void ClearBehindLastPixel(const NaiveGeometry& destination, Bytes& row, int setPixels)
-{
-    const int perByte = 8 / destination.bits;
-    const int end = (setPixels + perByte - 1) / perByte * perByte;
-    for (int channel = 0; channel != destination.channels; ++channel)
-        for (int pixel = setPixels; pixel != end; ++pixel)
-            WriteSample(destination, row, pixel, channel, 0);
 }
 
 } // namespace
@@ -126,6 +96,26 @@ std::vector<unsigned> ReadSamples(const NaiveGeometry& geometry, const Bytes& ro
     return samples;
 }
 
+void WriteSample(const NaiveGeometry& geometry, Bytes& row, int pixel, int channel, unsigned value)
+{
+    if (IsNaivePacked(geometry)) {
+        for (int b = 0; b != geometry.bits; ++b) {
+            const int bit = pixel * geometry.bits + b;
+            unsigned char& byte = row[Index(channel * PlaneBytes(geometry) + bit / 8)];
+            const unsigned weight = 1U << (7 - bit % 8);
+            const bool set = (value >> (geometry.bits - 1 - b)) % 2 != 0;
+            byte = static_cast<unsigned char>(set ? byte | weight : byte & ~weight);
+        }
+        return;
+    }
+    const int bytes = WholeBytes(geometry);
+    const int place = geometry.planar ? channel * PlaneBytes(geometry) + pixel * bytes
+                                      : (pixel * geometry.channels + channel) * bytes;
+    row[Index(place)] = static_cast<unsigned char>(value % 256);
+    if (bytes == 2)
+        row[Index(place + 1)] = static_cast<unsigned char>(value / 256);
+}
+
 unsigned NaiveDepthChange(unsigned value, int from, int to)
 {
     return from == to ? value : FromEightBits(ToEightBits(value, from), to);
@@ -157,6 +147,15 @@ bool IsServed(const NaiveGeometry& source, const NaiveGeometry& destination,
         return row.bits == 8 || row.bits == 16 || packed;
     };
     return isOpen(source, packedSource) && isOpen(destination, packedDestination);
+}
+
+void ClearBehindLastPixel(const NaiveGeometry& destination, Bytes& row, int setPixels)
+{
+    const int perByte = 8 / destination.bits;
+    const int end = (setPixels + perByte - 1) / perByte * perByte;
+    for (int channel = 0; channel != destination.channels; ++channel)
+        for (int pixel = setPixels; pixel != end; ++pixel)
+            WriteSample(destination, row, pixel, channel, 0);
 }
 
 Bytes NaiveConvert(const NaiveGeometry& source, const Bytes& sourceRow,

@@ -54,6 +54,12 @@ std::size_t NaiveRowBytes(const NaiveGeometry& geometry);
 // All samples, pixel by pixel, and in a pixel channel by channel.
 std::vector<unsigned> ReadSamples(const NaiveGeometry& geometry, const Bytes& row);
 
+// Writes a sample of packed planes bit by bit, and any other byte by byte.
+void WriteSample(const NaiveGeometry& geometry, Bytes& row, int pixel, int channel, unsigned value);
+
+// The last byte of each packed plane that is written at all gets zeros after the last pixel.
+void ClearBehindLastPixel(const NaiveGeometry& destination, Bytes& row, int setPixels);
+
 // A sample's value in another depth.
 unsigned NaiveDepthChange(unsigned value, int from, int to);
 
