@@ -1,0 +1,100 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Makes pages on a cluster of Dask distributed."""
+
+from __future__ import annotations
+
+import uuid
+from typing import Any, Callable, Optional
+
+import dask
+import distributed
+from distributed import KilledWorker
+
+from .errors import ClusterLost
+from .runners import Runner, Verdict
+
+CONNECT_SECONDS = 30
+RESTART_SECONDS = 10
+
+
+class DaskRunner(Runner):
+    """Makes pages on the workers of a scheduler, or, without an address, on a cluster of its own
+    on this machine.
+
+    Every worker must see the files under the same paths as this process. The package must be
+    installed on each, in the same version. A cluster of its own has one thread in each worker.
+    """
+
+    retries_itself = True
+
+    def __init__(self, scheduler: Optional[str] = None, workers: Optional[int] = None) -> None:
+        self._address = scheduler
+        self._worker_count = workers
+        self._cluster: Optional[distributed.LocalCluster] = None
+        self._client: Optional[distributed.Client] = None
+        self._under_way: dict[str, distributed.Future] = {}
+        self._frozen: dict[str, str] = {}
+
+    def __enter__(self) -> DaskRunner:
+        try:
+            if self._address is None:
+                self._cluster = distributed.LocalCluster(
+                    n_workers=self._worker_count, threads_per_worker=1, processes=True,
+                    dashboard_address=None, silence_logs=50)
+            self._client = distributed.Client(self._cluster or self._address,
+                                              timeout=CONNECT_SECONDS, set_as_default=False)
+            self._client.wait_for_workers(1, timeout=CONNECT_SECONDS)
+        except (OSError, TimeoutError, dask.distributed.TimeoutError) as error:
+            self.__exit__()
+            place = self._address or "this machine"
+            raise ClusterLost(f"no scheduler with a worker at {place}: {error}") from error
+        threads = sum(self._client.nthreads().values())
+        # A worker has its next page before it asks for it.
+        self.window = 2 * threads
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        for owner in (self._client, self._cluster):
+            if owner is not None:
+                owner.close(timeout=RESTART_SECONDS)
+        self._client = self._cluster = None
+
+    def submit(self, function: Callable[[Any], Any], task: Any, retries: int) -> Any:
+        self.check()
+        # A key of its own: the scheduler would answer an old one with what it remembers.
+        key = f"page-{task.number}-{uuid.uuid4().hex}"
+        future = self._client.submit(function, task, key=key, retries=retries, pure=False)
+        self._under_way[key] = future
+        return future
+
+    def verdict(self, future: Any) -> tuple[Verdict, Any]:
+        self._under_way.pop(future.key, None)
+        if future.key in self._frozen:
+            return Verdict.WORKER_LOST, self._frozen.pop(future.key)
+        if future.cancelled() or future.status == "lost":
+            return Verdict.CLUSTER_LOST, "the scheduler went away"
+        verdict, value = super().verdict(future)
+        if isinstance(value, KilledWorker):
+            return Verdict.WORKER_LOST, "its workers ended"
+        return verdict, value
+
+    def check(self) -> None:
+        if self._client.status != "running":
+            raise ClusterLost("the scheduler went away")
+
+    def unfreeze(self, future: Any, seconds: float) -> None:
+        holders = [worker for worker, keys in self._client.processing().items()
+                   if future.key in keys]
+        self._frozen[future.key] = f"it kept its worker for {seconds:g} s, which was ended"
+        future.cancel()
+        try:
+            self._client.restart_workers(holders, timeout=RESTART_SECONDS)
+        except (KeyError, ValueError, TimeoutError, dask.distributed.TimeoutError):
+            # A worker without a nanny is the scheduler's to give up.
+            pass
+
+    def stop(self) -> None:
+        if self._client.status == "running":
+            self._client.cancel(list(self._under_way.values()))
+        if self._cluster is not None:
+            self._cluster.close(timeout=RESTART_SECONDS)

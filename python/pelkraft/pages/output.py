@@ -1,0 +1,129 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Files that appear whole or not at all."""
+
+from __future__ import annotations
+
+import hashlib
+import os
+import re
+import secrets
+from concurrent.futures import ThreadPoolExecutor
+from contextlib import contextmanager
+from typing import BinaryIO, Iterable, Iterator, Sequence
+
+import numpy
+
+from .errors import WRITE, PageError
+from .tiff_writer import Piece
+
+# A worker that was killed leaves a file of such a name.
+LEFTOVER = re.compile(r"\.(.+)\.[0-9a-f]{12}\.part", re.DOTALL)
+COMPARED_BYTES = 1 << 20
+
+
+@contextmanager
+def new_file(path: str, pieces: Sequence[Piece]) -> Iterator[str]:
+    """Writes a file beside its place, forces it to the disk and compares it with what was meant.
+    The context has the digest of its bytes; at its end the file takes its place."""
+    temporary = _temporary_name(path)
+    try:
+        with ThreadPoolExecutor(1) as other:
+            # The processor would idle while the disk works.
+            digest = other.submit(digest_of, pieces)
+            with open(temporary, "xb", buffering=0) as file:
+                for piece in pieces:
+                    _write_all(file, piece)
+                os.fsync(file.fileno())
+            _verify(temporary, path, pieces)
+        yield digest.result()
+        os.replace(temporary, path)
+        _sync_folder(path)
+    except OSError as error:
+        raise PageError(WRITE, f"{path}: cannot be written: {error.strerror}") from error
+    finally:
+        _remove(temporary)
+
+
+def write_note(path: str, text: bytes) -> None:
+    """Writes a small file that may be lost with the power, but is torn by nothing less."""
+    temporary = _temporary_name(path)
+    try:
+        with open(temporary, "xb", buffering=0) as file:
+            _write_all(file, text)
+        os.replace(temporary, path)
+    finally:
+        _remove(temporary)
+
+
+def digest_of(pieces: Iterable[Piece]) -> str:
+    digest = hashlib.sha256()
+    for piece in pieces:
+        digest.update(piece)
+    return digest.hexdigest()
+
+
+def remove_leftovers(paths: Iterable[str]) -> int:
+    """Removes what killed workers have left beside these files. Answers how many there were."""
+    wanted: dict[str, set[str]] = {}
+    for path in paths:
+        folder, name = os.path.split(path)
+        wanted.setdefault(folder or ".", set()).add(name)
+    count = 0
+    for folder, names in wanted.items():
+        try:
+            with os.scandir(folder) as entries:
+                found = [entry.path for entry in entries
+                         if (match := LEFTOVER.fullmatch(entry.name)) and match[1] in names]
+        except OSError:
+            continue
+        for leftover in found:
+            count += _remove(leftover)
+    return count
+
+
+def _temporary_name(path: str) -> str:
+    folder, name = os.path.split(path)
+    return os.path.join(folder, f".{name}.{secrets.token_hex(6)}.part")
+
+
+def _sync_folder(path: str) -> None:
+    folder = os.open(os.path.dirname(path) or ".", os.O_RDONLY | os.O_DIRECTORY)
+    try:
+        os.fsync(folder)
+    finally:
+        os.close(folder)
+
+
+def _write_all(file: BinaryIO, piece: Piece) -> None:
+    view = memoryview(piece)
+    done = 0
+    while done < len(view):
+        done += file.write(view[done:])
+
+
+def _verify(temporary: str, path: str, pieces: Sequence[Piece]) -> None:
+    with open(temporary, "rb", buffering=0) as file:
+        for piece in pieces:
+            meant = numpy.frombuffer(piece, numpy.uint8)
+            for start in range(0, len(meant), COMPARED_BYTES):
+                part = meant[start:start + COMPARED_BYTES]
+                if not numpy.array_equal(_read_exactly(file, len(part)), part):
+                    raise PageError(WRITE, f"{path}: reads back otherwise than it was written")
+        if file.read(1):
+            raise PageError(WRITE, f"{path}: reads back longer than it was written")
+
+
+def _read_exactly(file: BinaryIO, count: int) -> numpy.ndarray:
+    parts = []
+    while count and (part := file.read(count)):
+        parts.append(part)
+        count -= len(part)
+    return numpy.frombuffer(b"".join(parts), numpy.uint8)
+
+
+def _remove(path: str) -> bool:
+    try:
+        os.unlink(path)
+        return True
+    except OSError:
+        return False

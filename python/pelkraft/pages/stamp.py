@@ -1,0 +1,56 @@
+# SPDX-License-Identifier: Apache-2.0
+"""A stamp beside each output says what it was made of, so that a rerun keeps what is done."""
+
+from __future__ import annotations
+
+import hashlib
+import json
+from dataclasses import asdict, dataclass
+from typing import Optional
+
+from .output import write_note
+
+STAMP_VERSION = 1
+READ_BYTES = 1 << 20
+
+
+@dataclass(frozen=True)
+class Stamp:
+    """Digests of a page's input, of its job and of the output's bytes, and what was said of it."""
+
+    job: str
+    input: str
+    output: str
+    warnings: tuple[str, ...] = ()
+
+    def write(self, output_path: str) -> None:
+        record = {"stamp": STAMP_VERSION, **asdict(self)}
+        write_note(stamp_path(output_path), (json.dumps(record) + "\n").encode())
+
+
+def stamp_path(output_path: str) -> str:
+    return output_path + ".stamp"
+
+
+def read_stamp(output_path: str) -> Optional[Stamp]:
+    """The stamp of an output, or None where there is none that can be understood."""
+    try:
+        with open(stamp_path(output_path), "rb") as file:
+            record = json.loads(file.read())
+        if record.pop("stamp") != STAMP_VERSION:
+            return None
+        return Stamp(**{**record, "warnings": tuple(record["warnings"])})
+    except (OSError, ValueError, TypeError, KeyError, AttributeError):
+        return None
+
+
+def file_digest(path: str) -> Optional[str]:
+    """The digest of a file's bytes, or None if it cannot be read."""
+    digest = hashlib.sha256()
+    try:
+        with open(path, "rb", buffering=0) as file:
+            while part := file.read(READ_BYTES):
+                digest.update(part)
+    except OSError:
+        return None
+    return digest.hexdigest()

@@ -1,0 +1,99 @@
+# SPDX-License-Identifier: Apache-2.0
+"""One page job, done by whichever worker it comes to. One task owns one file."""
+
+from __future__ import annotations
+
+import os
+import socket
+import time
+from dataclasses import dataclass, field
+from typing import Callable, Optional
+
+from .convert import convert_page
+from .errors import MEMORY, READ, WRITE, PageError
+from .jobs import PageJob
+from .output import new_file
+from .picture import Picture
+from .stamp import Stamp, file_digest, read_stamp
+from .tiff_reader import TiffPage
+from .tiff_writer import tiff_pieces
+
+MADE = "made"
+KEPT = "kept"
+FAILED = "failed"
+LEFT = "left"
+
+# A page's pictures go through such a function; it answers the new picture and warnings.
+Converter = Callable[[PageJob, Picture], tuple[Picture, tuple[str, ...]]]
+
+
+@dataclass(frozen=True)
+class PageResult:
+    """What became of a page.
+
+    `status` is "made", "kept" (it was there already), "failed" or "left" (not tried, since the
+    cluster went away). Of a failed page `kind` and `message` say why; `attempts` counts how often
+    it was begun and `losses` how often its worker was lost.
+    """
+
+    number: int
+    job: PageJob
+    status: str
+    kind: str = ""
+    message: str = ""
+    warnings: tuple[str, ...] = ()
+    input_digest: str = ""
+    output_digest: str = ""
+    seconds: float = 0.0
+    worker: str = ""
+    attempts: int = 1
+    losses: int = 0
+
+
+@dataclass(frozen=True)
+class Task:
+    """What is sent to a worker."""
+
+    number: int
+    job: PageJob
+    redo: bool = False
+    convert: Optional[Converter] = field(default=None, compare=False)
+
+
+def make_page(task: Task) -> PageResult:
+    """Makes a page, or keeps what is there. What another attempt may cure is raised, anything else
+    is a result."""
+    start = time.monotonic()
+    facts = {"number": task.number, "job": task.job,
+             "worker": f"{socket.gethostname()}:{os.getpid()}"}
+    try:
+        status, stamp = _make_or_keep(task)
+        facts.update(warnings=stamp.warnings, input_digest=stamp.input,
+                     output_digest=stamp.output)
+    except PageError as error:
+        if error.kind in (READ, WRITE):
+            raise
+        status = FAILED
+        facts.update(kind=error.kind, message=error.message)
+    except MemoryError:
+        status = FAILED
+        facts.update(kind=MEMORY, message=f"{task.job.input}: does not fit into memory")
+    return PageResult(status=status, seconds=time.monotonic() - start, **facts)
+
+
+def _make_or_keep(task: Task) -> tuple[str, Stamp]:
+    job = task.job
+    with TiffPage(job.input, job.page) as page:
+        picture, input_digest = page.read()
+    job_digest = job.digest()
+    stamp = None if task.redo else read_stamp(job.output)
+    if stamp and (stamp.job, stamp.input) == (job_digest, input_digest) and \
+            stamp.output == file_digest(job.output):
+        return KEPT, stamp
+    result, warnings = (task.convert or convert_page)(job, picture)
+    with new_file(job.output, tiff_pieces(result)) as output_digest:
+        stamp = Stamp(job_digest, input_digest, output_digest, warnings)
+        # Before the file takes its place: a worker that is killed in between leaves a stamp that
+        # fits no file, and one that is killed later a page that need not be made again.
+        stamp.write(job.output)
+    return MADE, stamp
