@@ -169,8 +169,8 @@ TEST(PatternText, IsRefusedForTheLimitsOfItsEngine)
     const std::string single = "DotWeavePattern VERSION 3 BEGIN_OUT_INKS X END_OUT_INKS "
                                "BEGIN_IN_COLORS C END_IN_COLORS BEGIN_IN_COLOR C BEGIN_INKS X "
                                "END_INKS BEGIN_VALUES 1 1 0-1";
-    std::string full = "DotWeavePattern VERSION 2 BEGIN_OUT_INKS" + Names(" X", 6) +
-                       " END_OUT_INKS BEGIN_IN_COLORS" + Names(" C", 6) + " END_IN_COLORS";
+    // The values are looked at before the names are counted.
+    std::string full = Head("2", Names(" C", 17), Names(" X", 6));
     for (int i = 0; i < 6; ++i)
         full += InColor(Numbered("C", i), Numbered("X", i),
                         "1 1" + Numbered(" 0-", 30 + i) + "\n2 1" + Numbered(" 0-", 40 + i) +
