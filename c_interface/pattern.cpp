@@ -36,7 +36,7 @@ struct FieldEnds<plk_pattern_facts>
 
 namespace {
 
-constexpr RecordKind patternRecord = {{'P', 'L', 'K', 'D'}, 1};
+constexpr RecordKind patternRecord = {{'p', 'l', 'k', 'D'}, 1};
 // No text has more, since no object in memory does.
 constexpr std::uint64_t mostTextBytes = std::numeric_limits<std::ptrdiff_t>::max();
 // So many pixels of 16 bytes still have a number of bytes; no memory holds them.

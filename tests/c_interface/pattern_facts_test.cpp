@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
@@ -76,6 +77,44 @@ TEST(PatternFacts, AreRefusedWithoutARecord)
     facts.size = sizeof facts;
     EXPECT_EQ(plk_pattern_needs(nullptr, &facts, &failure), PLK_INVALID);
     EXPECT_EQ(Brief(failure), "1 pattern");
+}
+
+TEST(PatternSource, IsTheTextAndTheEngineThatWereGiven)
+{
+    // With the zero byte at its end.
+    const PatternHandle handle =
+        MakeHandle(std::string_view(exampleText, std::strlen(exampleText) + 1), PLK_ENGINE_X86);
+    const char* text = nullptr;
+    std::uint64_t bytes = 0;
+    plk_pattern_spec spec = {sizeof spec, 9};
+    ASSERT_EQ(plk_pattern_text(handle.get(), &text, &bytes, &spec, nullptr), PLK_OK);
+    EXPECT_STREQ(text, exampleText);
+    EXPECT_EQ(bytes, std::strlen(exampleText));
+    EXPECT_EQ(spec.engine, PLK_ENGINE_X86);
+    EXPECT_EQ(spec.size, sizeof spec);
+    // A record of its size alone has no engine.
+    spec = {4, 9};
+    ASSERT_EQ(plk_pattern_text(handle.get(), &text, &bytes, &spec, nullptr), PLK_OK);
+    EXPECT_EQ(spec.engine, 9);
+}
+
+TEST(PatternSource, NamesTheArgumentThatIsNull)
+{
+    const PatternHandle handle = MakeHandle(exampleText);
+    const char* text = nullptr;
+    std::uint64_t bytes = 0;
+    plk_pattern_spec spec = {sizeof spec, 9};
+    plk_failure failure = JunkFailure();
+    EXPECT_EQ(plk_pattern_text(nullptr, &text, &bytes, &spec, &failure), PLK_INVALID);
+    EXPECT_EQ(Brief(failure), "1 pattern");
+    EXPECT_EQ(plk_pattern_text(handle.get(), nullptr, &bytes, &spec, &failure), PLK_INVALID);
+    EXPECT_EQ(Brief(failure), "1 text");
+    EXPECT_EQ(plk_pattern_text(handle.get(), &text, nullptr, &spec, &failure), PLK_INVALID);
+    EXPECT_EQ(Brief(failure), "1 bytes");
+    EXPECT_EQ(plk_pattern_text(handle.get(), &text, &bytes, nullptr, &failure), PLK_INVALID);
+    EXPECT_EQ(Brief(failure), "1 spec");
+    EXPECT_EQ(text, nullptr);
+    EXPECT_EQ(bytes, 0U);
 }
 
 TEST(PatternNames, AreSpelledAsInTheText)
