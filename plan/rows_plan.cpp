@@ -149,7 +149,7 @@ void RowsPlan::Run(const StridedRows<const unsigned char>& source,
     const DirectPlan& direct = state->plan.direct;
     if (state->plan.road == PlanRoad::None)
         return;
-    const bool inPlace = source.bytes == target.bytes;
+    const bool inPlace = state->allowsInPlace && source.bytes == target.bytes;
     for (std::uint64_t i = 0; i != rows; ++i) {
         const auto row = static_cast<std::ptrdiff_t>(i);
         const DirectRows at = {source.bytes + row * source.rowStep, source.planeStep,

@@ -1,5 +1,6 @@
 #include "tests/direct/levels.h"
 #include "tests/plan/rows_case.h"
+#include "tests/support/random_bytes.h"
 
 #include <gtest/gtest.h>
 
@@ -83,6 +84,23 @@ TEST(RowsPlan, AllowsInPlaceOnlyWhereEachPixelStaysInItsBytes)
     EXPECT_TRUE(AllowsInPlace({{9, 4, 1, false}, {9, 4, 8, false}}));
     EXPECT_FALSE(
         AllowsInPlace({{9, 65, 8, false}, {9, 65, 8, false}, true, std::vector<int>(65, 3)}));
+}
+
+// Mirrored and clipped, so that the first half is written and the second one read.
+TEST(RowsPlan, ConvertsTheEndOfARowToItsStart)
+{
+    NaiveJoin join{{20, 4, 8, false}, {10, 4, 8, false}, false, {}, 1, true};
+    const NaivePlacement at{0, 80, 0};
+    const Bytes before = RandomBytes(240, seed);
+    for (const int level : LevelsOfThisProcessor())
+        for (const bool maps : {false, true}) {
+            join.maps = maps;
+            join.map = maps ? std::vector<int>{2, 0, -9, 1} : std::vector<int>{};
+            Bytes memory = before;
+            RowsPlan(RequestOf(join, level))
+                .Run(RowsAt<const unsigned char>(memory.data(), at), RowsAt(memory.data(), at), 3);
+            EXPECT_TRUE(ExpectedRows(join, at, before, at, before, 3) == memory);
+        }
 }
 
 TEST(RowsPlan, TouchesNothingWithoutPixels)
