@@ -107,11 +107,8 @@ std::unique_ptr<Plan> MakePlan(const py::object& /*type*/, const py::object& sou
     std::vector<std::int32_t> entries;
     if (!map.is_none()) {
         entries = ToMap(map);
-        // To the library no entries are no map.
-        if (entries.empty() && spec.target.channels != 0)
-            ThrowInvalid("map",
-                         "map has 0 entries; it must have one for each channel of the target", 0,
-                         spec.target.channels);
+        // A map of no entries is one all the same, so it needs an address.
+        entries.reserve(1);
         spec.map = entries.data();
         spec.map_count = entries.size();
     }
@@ -130,7 +127,7 @@ std::unique_ptr<Plan> MakePlan(const py::object& /*type*/, const py::object& sou
 py::object MapOf(const Plan& plan)
 {
     const plk_spec& spec = plan.Spec();
-    if (spec.map_count == 0)
+    if (!spec.map)
         return py::none();
     py::tuple entries(spec.map_count);
     for (std::uint64_t i = 0; i != spec.map_count; ++i) {
@@ -150,7 +147,7 @@ std::string Show(const Plan& plan)
 {
     const plk_spec& spec = plan.Spec();
     std::string text = "Plan(" + Repr(py::cast(spec.source)) + ", " + Repr(py::cast(spec.target));
-    if (spec.map_count != 0)
+    if (spec.map)
         text += ", map=" + Repr(MapOf(plan));
     if (spec.repeat > 1)
         text += ", repeat=" + std::to_string(spec.repeat);
