@@ -145,7 +145,7 @@ void CompareHandle(const std::string& text, std::int32_t engine, const Bytes& st
     plk_pattern_free(handle);
 }
 
-// Whatever the bytes are, zero bytes within too.
+// The bytes may be any, with zero bytes within too.
 void MakeHandle(const std::string& bytes)
 {
     plk_pattern* handle = nullptr;

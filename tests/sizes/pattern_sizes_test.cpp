@@ -1,3 +1,4 @@
+#include "pelkraft/plan.h"
 #include "tests/bounds/placements.h"
 #include "tests/pattern/pattern_grid.h"
 #include "tests/pattern/pattern_support.h"
@@ -110,6 +111,8 @@ protected:
         std::string own = text;
         std::optional<DotWeavePattern> pattern;
         const std::string end = WhatIsThrown([&] { pattern.emplace(own.data(), engine); });
+        if (engine == DotWeavePattern::X86 || engine == DotWeavePattern::Sse)
+            ExpectHandle(text, engine, end);
         if (end != "nothing") {
             EXPECT_NE(std::end(refusals), std::find(std::begin(refusals), std::end(refusals), end))
                 << end << ": " << text;
@@ -127,6 +130,20 @@ protected:
             rows.insert(rows.end(), row.begin(), row.end());
         }
         return rows;
+    }
+
+    // A handle ends as the class does.
+    static void ExpectHandle(const std::string& text, Engine engine, const std::string& end)
+    {
+        const plk_pattern_spec spec = {sizeof spec, engine};
+        plk_pattern* handle = nullptr;
+        plk_failure failure = {};
+        failure.size = sizeof failure;
+        const plk_status status =
+            plk_pattern_create(text.data(), text.size(), &spec, &handle, &failure);
+        const plk_status refusal = end == "std::bad_alloc" ? PLK_NO_MEMORY : PLK_BAD_TEXT;
+        EXPECT_EQ(end == "nothing" ? PLK_OK : refusal, status) << end << ": " << text;
+        plk_pattern_free(handle);
     }
 
     // By engine.

@@ -1,3 +1,4 @@
+#include "pelkraft/plan.h"
 #include "tests/bounds/placements.h"
 #include "tests/pattern/pattern_grid.h"
 #include "tests/sizes/naive_end.h"
@@ -147,6 +148,54 @@ TEST_F(WholeRows, ArePatternedUpToTheLargestSize)
         EXPECT_NE(Bytes(WideMemory::window, ends[0][0]), ends[0]);
     }
     std::printf("4 whole pattern rows of %d bytes\n", bytes);
+}
+
+// The last megabyte of a row with so many pixels.
+template <typename Apply>
+Bytes EndOfRow(const WideMemory& source, const WideMemory& destination, std::uint64_t pixels,
+               const Apply& apply)
+{
+    destination.FillWith(0x5A);
+    apply(source.Last(pixels), destination.Last(pixels));
+    const unsigned char* const end = destination.Last(WideMemory::window);
+    return Bytes(end, end + WideMemory::window);
+}
+
+// A shorter row of the class ends at the same place of the field.
+TEST(PatternHandle, AppliesARowOfMorePixelsThan32BitsCount)
+{
+    constexpr std::uint64_t row = 5;
+    const bool isWhole = sizeof(void*) > 4 && OneOf(2) == 1;
+    const std::uint64_t pixels = isWhole ? (std::uint64_t{1} << 32) + 3000017 : pushedBytes;
+    const WideMemory source(pixels, WideMemory::Repeated);
+    const WideMemory destination(pixels, WideMemory::Repeated);
+    source.FillWithNoise(12);
+    for (const int version : {2, 3}) {
+        std::string text = TextOf({version, 1, 1, true, DotWeavePattern::Sse});
+        plk_pattern* handle = nullptr;
+        ASSERT_EQ(plk_pattern_create(text.data(), text.size(), nullptr, &handle, nullptr), PLK_OK);
+        plk_pattern_facts facts = {};
+        facts.size = sizeof facts;
+        ASSERT_EQ(plk_pattern_needs(handle, &facts, nullptr), PLK_OK);
+        const Bytes longEnd = EndOfRow(source, destination, pixels, [&](auto* steps, auto* inks) {
+            const plk_source from = {sizeof from, 0, steps, pixels, 0, 0, 0};
+            const plk_target to = {sizeof to, 0, inks, pixels, 0, 0, 0};
+            EXPECT_EQ(plk_pattern_run(handle, row, 1, pixels, &from, &to, nullptr), PLK_OK);
+        });
+        plk_pattern_free(handle);
+
+        DotWeavePattern pattern(text.data(), DotWeavePattern::Sse);
+        for (std::uint64_t before = 0; before != row; ++before)
+            pattern.ApplyPattern(nullptr, nullptr, 0);
+        const std::uint64_t fewer =
+            (pixels - WideMemory::window) % static_cast<std::uint64_t>(facts.field_size) +
+            WideMemory::window;
+        const Bytes shortEnd = EndOfRow(source, destination, fewer, [&](auto* steps, auto* inks) {
+            pattern.ApplyPattern(steps, inks, static_cast<unsigned long>(fewer));
+        });
+        EXPECT_TRUE(longEnd == shortEnd) << version;
+    }
+    std::printf("2 whole rows of %" PRIu64 " pixels of a pattern handle\n", pixels);
 }
 
 } // namespace
