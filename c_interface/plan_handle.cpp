@@ -22,7 +22,7 @@ std::uint64_t CountRead(const PlanSpec& spec)
                     width / repeat + (width % repeat != 0 ? 1 : 0));
 }
 
-// Planes that the map names, and those between them.
+// Planes that the map names, and those between them, or none. Interleaved rows are read whole.
 void LimitPlanes(CoveredBytes& covered, const PlanSpec& spec)
 {
     std::int32_t first = spec.source.channels;
@@ -37,16 +37,8 @@ void LimitPlanes(CoveredBytes& covered, const PlanSpec& spec)
     covered.planes = last < 0 ? 0 : static_cast<std::uint64_t>(last - first + 1);
 }
 
-bool NamesChannels(const PlanSpec& spec)
-{
-    return !spec.maps ||
-           std::any_of(spec.map.begin(), spec.map.end(), [](auto entry) { return entry >= 0; });
-}
-
 CoveredBytes BytesRead(const PlanSpec& spec)
 {
-    if (!NamesChannels(spec))
-        return {};
     const std::uint64_t pixels = CountRead(spec);
     const auto width = static_cast<std::uint64_t>(spec.source.width);
     CoveredBytes covered;

@@ -1,0 +1,298 @@
+#include "tests/c_interface/plan_support.h"
+
+#include <cstring>
+#include <functional>
+#include <map>
+#include <set>
+
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+// The check at the end of a record, bit by bit from the definition of CRC-32.
+std::uint32_t NaiveCheck(const Bytes& bytes, std::size_t count)
+{
+    std::uint32_t rest = 0xFFFFFFFF;
+    for (std::size_t bit = 0; bit != 8 * count; ++bit) {
+        const std::uint32_t top = rest % 2 ^ (bytes[bit / 8] >> bit % 8) % 2U;
+        rest = rest / 2 ^ (top != 0 ? 0xEDB88320 : 0);
+    }
+    return ~rest;
+}
+
+void Append(Bytes& bytes, std::uint64_t number, int count)
+{
+    for (; count != 0; --count, number /= 256)
+        bytes.push_back(static_cast<unsigned char>(number % 256));
+}
+
+// A record with its own check, whatever it says.
+Bytes Sealed(Bytes record)
+{
+    Append(record, NaiveCheck(record, record.size()), 4);
+    return record;
+}
+
+Bytes Unsealed(const Bytes& record)
+{
+    return Bytes(record.begin(), record.end() - 4);
+}
+
+std::string LoadWords(const Bytes& record)
+{
+    auto* plan = reinterpret_cast<plk_plan*>(1);
+    plk_failure failure = Sized<plk_failure>();
+    const plk_status status = plk_plan_load(record.data(), record.size(), &plan, &failure);
+    EXPECT_EQ(plan == nullptr, status != PLK_OK);
+    plk_plan_free(plan);
+    return WordsOf(status, failure);
+}
+
+PlanHandle LoadPlan(const Bytes& record)
+{
+    plk_plan* plan = nullptr;
+    EXPECT_EQ(plk_plan_load(record.data(), record.size(), &plan, nullptr), PLK_OK);
+    return PlanHandle(plan);
+}
+
+std::string TextOf(const Bytes& bytes)
+{
+    return std::string(bytes.begin(), bytes.end());
+}
+
+const std::int32_t mapOfFour[] = {3, PLK_EMPTY, 0, PLK_CONSTANT(77)};
+
+plk_spec RichSpec()
+{
+    plk_spec spec = SpecOf(1001, 5, 8, 16);
+    spec.target.width = 2000;
+    spec.target.channels = 4;
+    spec.target.planar = 1;
+    spec.map = mapOfFour;
+    spec.map_count = 4;
+    spec.repeat = 2;
+    spec.mirror = spec.invert = spec.clip = spec.stream = spec.road = 1;
+    spec.samples = PLK_SAMPLES_AS_LEVELS;
+    return spec;
+}
+
+TEST(SavedPlan, HasAllFieldsWithTheirLowByteFirst)
+{
+    Bytes record = {'p', 'l', 'k', 'P'};
+    Append(record, 1, 4);
+    Append(record, 96, 8);
+    for (const std::uint64_t width : {1001, 2000}) {
+        Append(record, width, 8);
+        Append(record, width == 1001 ? 5 : 4, 4);
+        Append(record, width == 1001 ? 8 : 16, 4);
+        Append(record, width == 1001 ? 0 : 1, 4);
+    }
+    for (const std::uint64_t field : {2, 1, 2, 1, 1, 1, 1, 1})
+        Append(record, field, 4);
+    Append(record, 4, 8);
+    for (const std::int32_t entry : mapOfFour)
+        Append(record, static_cast<std::uint32_t>(entry), 4);
+    EXPECT_EQ(Saved(PlanOf(RichSpec()).get()), Sealed(record));
+}
+
+TEST(SavedPlan, IsTheSameAgainAfterLoading)
+{
+    for (const std::int32_t bits : {1, 2, 8, 16})
+        for (const std::int32_t samples : {0, 1, 2})
+            for (const std::int32_t flags : {0, 1}) {
+                plk_spec spec = RichSpec();
+                spec.source.bits = bits;
+                spec.source.planar = 1;
+                spec.samples = samples;
+                spec.mirror = spec.invert = spec.stream = spec.road = flags;
+                const PlanHandle plan = PlanOf(spec);
+                const Bytes record = Saved(plan.get());
+                const PlanHandle loaded = LoadPlan(record);
+                EXPECT_EQ(Saved(loaded.get()), record);
+                EXPECT_EQ(Described(loaded.get(), PLK_JSON), Described(plan.get(), PLK_JSON));
+            }
+}
+
+TEST(SavedPlan, HoldsAMapOfNoEntries)
+{
+    const std::int32_t none = 0;
+    plk_spec spec = SpecOf(5, 3, 8, 8);
+    spec.target.channels = 0;
+    spec.map = &none;
+    const Bytes record = Saved(PlanOf(spec).get());
+    EXPECT_EQ(Saved(LoadPlan(record).get()), record);
+}
+
+// The specs that mean the same share a record, and no others do.
+TEST(SavedPlan, IsTheSameForEqualPlansAlone)
+{
+    const std::int32_t same[] = {0, 1, 2};
+    const std::int32_t turned[] = {0, 2, 1};
+    const std::int32_t fewer[] = {0, 1};
+    const plk_spec plain = SpecOf(8, 3, 8, 8);
+    const auto recordOf = [&](const std::function<void(plk_spec&)>& change) {
+        plk_spec spec = plain;
+        change(spec);
+        return Saved(PlanOf(spec).get());
+    };
+    const auto mapped = [](const std::int32_t* map, std::int32_t count) {
+        return [=](plk_spec& spec) {
+            spec.map = map;
+            spec.map_count = static_cast<std::uint64_t>(count);
+            spec.target.channels = count;
+        };
+    };
+    const Bytes record = recordOf([](auto&) {});
+    EXPECT_EQ(recordOf(mapped(same, 3)), record);
+    EXPECT_EQ(recordOf([](auto& spec) { spec.repeat = 1; }), record);
+    EXPECT_EQ(recordOf([](auto& spec) { spec.clip = 1; }), record);
+    EXPECT_EQ(recordOf([](auto& spec) { spec.samples = PLK_SAMPLES_AS_TONES; }), record);
+    EXPECT_EQ(recordOf([](auto& spec) { spec.samples = PLK_SAMPLES_AS_LEVELS; }), record);
+    const std::vector<std::function<void(plk_spec&)>> others = {
+        mapped(turned, 3),
+        mapped(fewer, 2),
+        [](auto& spec) { spec.source.width = spec.target.width = 9; },
+        [](auto& spec) { spec.source.channels = spec.target.channels = 4; },
+        [](auto& spec) { spec.source.bits = 16; },
+        [](auto& spec) { spec.target.bits = 16; },
+        [](auto& spec) { spec.source.planar = 1; },
+        [](auto& spec) { spec.target.planar = 1; },
+        [](auto& spec) { spec.repeat = 2, spec.target.width = 16; },
+        [](auto& spec) { spec.repeat = 4, spec.target.width = 32; },
+        [](auto& spec) { spec.mirror = 1; },
+        [](auto& spec) { spec.invert = 1; },
+        [](auto& spec) { spec.clip = 1, spec.target.width = 7; },
+        [](auto& spec) { spec.stream = 1; },
+        [](auto& spec) { spec.road = 1; },
+    };
+    std::set<std::string> records = {TextOf(record)};
+    for (const auto& other : others)
+        EXPECT_TRUE(records.insert(TextOf(recordOf(other))).second) << records.size();
+}
+
+// Two kinds of samples give the same where no sample of the source becomes another by them.
+TEST(SavedPlan, KeepsTheKindOfSamplesOnlyWhereItCounts)
+{
+    const NaivePlacement packed = {0, 0, 0};
+    for (const NaiveGeometry& source : {NaiveGeometry{1, 1, 1, true},
+                                        {1, 1, 2, true},
+                                        {1, 1, 8, true},
+                                        {1, 1, 16, true},
+                                        {1, 1, 8, false},
+                                        {1, 1, 10, false},
+                                        {1, 1, 1, false},
+                                        {1, 1, 2, false}})
+        for (const NaiveGeometry& target : {NaiveGeometry{1, 1, 1, true},
+                                            {1, 1, 2, true},
+                                            {1, 1, 8, true},
+                                            {1, 1, 16, true},
+                                            {1, 1, 8, false},
+                                            {1, 1, 10, false},
+                                            {1, 1, 1, false},
+                                            {1, 1, 2, false}}) {
+            std::map<std::string, std::vector<std::string>> meanings;
+            for (int samples = 0; samples != 3; ++samples) {
+                NaiveJoin naive = {source, target};
+                naive.samples = static_cast<NaiveSamples>(samples);
+                const plk_spec spec = SpecOf(naive);
+                if (CreateWords(&spec) != "OK")
+                    continue;
+                Bytes meaning;
+                for (int word = 0; word != 65536; word += 7) {
+                    const Bytes in = {static_cast<unsigned char>(word),
+                                      static_cast<unsigned char>(word / 256)};
+                    const Bytes out = NaiveRun(naive, in, packed, Bytes(2), packed, 1);
+                    meaning.insert(meaning.end(), out.begin(), out.end());
+                }
+                meanings[TextOf(meaning)].push_back(TextOf(Saved(PlanOf(spec).get())));
+            }
+            std::map<std::string, int> records;
+            for (const auto& [meaning, saved] : meanings) {
+                for (const std::string& record : saved)
+                    EXPECT_EQ(record, saved[0]) << Describe(source) << " to " << Describe(target);
+                EXPECT_EQ(++records[saved[0]], 1) << Describe(source) << " to " << Describe(target);
+            }
+        }
+}
+
+TEST(SavedPlan, IsRefusedWithAnyDamage)
+{
+    const Bytes record = Saved(PlanOf(RichSpec()).get());
+    ASSERT_EQ(LoadWords(record), "OK");
+    for (std::size_t i = 0; i != record.size(); ++i)
+        for (unsigned value = 1; value != 256; ++value) {
+            Bytes damaged = record;
+            damaged[i] = static_cast<unsigned char>(damaged[i] ^ value);
+            const std::string words = LoadWords(damaged);
+            ASSERT_EQ(words.substr(0, 10), "BAD_RECORD") << "byte " << i << ": " << words;
+        }
+    for (std::size_t size = 0; size != record.size(); ++size) {
+        const std::string words =
+            LoadWords(Bytes(record.begin(), record.begin() + static_cast<long>(size)));
+        ASSERT_EQ(words.substr(0, 10), "BAD_RECORD") << words;
+    }
+    Bytes longer = record;
+    longer.push_back(0);
+    EXPECT_EQ(LoadWords(longer), Words(PLK_BAD_RECORD, "bytes", 117, 96));
+    EXPECT_EQ(LoadWords({}), Words(PLK_INVALID, "record", 0, 0));
+}
+
+// The check fits, so that the content is looked at.
+TEST(SavedPlan, GoesThroughTheChecksOfASpec)
+{
+    const Bytes record = Unsealed(Saved(PlanOf(RichSpec()).get()));
+    const auto wordsWith = [&](std::size_t place, std::uint64_t number, int count) {
+        Bytes changed = record;
+        Bytes bytes;
+        Append(bytes, number, count);
+        std::copy(bytes.begin(), bytes.end(), changed.begin() + static_cast<long>(place));
+        return LoadWords(Sealed(changed));
+    };
+    EXPECT_EQ(wordsWith(4, 2, 4), Words(PLK_TOO_NEW, "record", 2, 1));
+    EXPECT_EQ(wordsWith(4, 0, 4), Words(PLK_BAD_RECORD, "record", 0, 0));
+    EXPECT_EQ(wordsWith(0, 0x516B6C70, 4), Words(PLK_BAD_RECORD, "record", 0, 0));
+    EXPECT_EQ(wordsWith(16, ~0ULL, 8), Words(PLK_INVALID, "source.width", -1, 0));
+    EXPECT_EQ(wordsWith(28, 9, 4), Words(PLK_INVALID, "source.bits", 9, 8));
+    EXPECT_EQ(wordsWith(48, 10, 4), Words(PLK_UNSUPPORTED, "target.bits", 10, 16));
+    EXPECT_EQ(wordsWith(56, 5, 4), Words(PLK_INVALID, "repeat", 5, 1));
+    EXPECT_EQ(wordsWith(88, 3, 8), Words(PLK_BAD_RECORD, "record", 0, 0));
+    EXPECT_EQ(wordsWith(88, 5, 8), Words(PLK_BAD_RECORD, "map_count", 5, 4));
+    EXPECT_EQ(wordsWith(88, ~0ULL, 8), Words(PLK_BAD_RECORD, "map_count", 0x7FFFFFFFFFFFFFFF, 4));
+    EXPECT_EQ(wordsWith(96, 5, 4), Words(PLK_UNSUPPORTED, "map[0]", 5, 4));
+    EXPECT_EQ(LoadWords(Sealed(Bytes(record.begin(), record.begin() + 16))),
+              Words(PLK_BAD_RECORD, "bytes", 20, 96));
+    Bytes empty(record.begin(), record.begin() + 16);
+    std::fill(empty.begin() + 8, empty.end(), static_cast<unsigned char>(0));
+    EXPECT_EQ(LoadWords(Sealed(empty)), Words(PLK_BAD_RECORD, "record", 0, 0));
+}
+
+TEST(SavedPlan, IsGivenOnlyAsAWhole)
+{
+    const PlanHandle plan = PlanOf(RichSpec());
+    const Bytes record = Saved(plan.get());
+    for (std::size_t bytes = 0; bytes <= record.size() + 2; ++bytes) {
+        Bytes buffer(record.size() + 8, 0xEE);
+        const Bytes before = buffer;
+        std::uint64_t needed = 0;
+        plk_failure failure = Sized<plk_failure>();
+        const plk_status status =
+            plk_plan_save(plan.get(), buffer.data(), bytes, &needed, &failure);
+        EXPECT_EQ(needed, record.size());
+        const auto given = static_cast<std::int64_t>(bytes);
+        const auto whole = static_cast<std::int64_t>(record.size());
+        EXPECT_EQ(WordsOf(status, failure),
+                  given < whole ? Words(PLK_TOO_SMALL, "bytes", given, whole) : "OK");
+        Bytes expected = before;
+        if (given >= whole)
+            std::copy(record.begin(), record.end(), expected.begin());
+        EXPECT_EQ(buffer, expected);
+    }
+    EXPECT_EQ(plk_plan_save(plan.get(), nullptr, record.size(), nullptr, nullptr), PLK_INVALID);
+    EXPECT_EQ(plk_plan_save(nullptr, nullptr, 0, nullptr, nullptr), PLK_INVALID);
+    plk_plan* loaded = nullptr;
+    EXPECT_EQ(plk_plan_load(record.data(), record.size(), nullptr, nullptr), PLK_INVALID);
+    EXPECT_EQ(plk_plan_load(nullptr, record.size(), &loaded, nullptr), PLK_INVALID);
+    EXPECT_EQ(loaded, nullptr);
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport
