@@ -7,6 +7,12 @@
 
 namespace zvk::Pelkraft::Python {
 
+// The metaclass of pybind11 serves classes that are derived from, and these are not.
+inline pybind11::metaclass PlainMetaclass()
+{
+    return pybind11::metaclass(reinterpret_cast<PyObject*>(&PyType_Type));
+}
+
 // Gives a class its public name, so that it is found, and shown, where users import it from.
 template <typename Class>
 void ShowInPackage(Class& type)

@@ -84,7 +84,7 @@ Constant MakeConstant(const py::object& /*type*/, const py::object& sample)
 
 void AddFormat(py::module_& module)
 {
-    py::class_<plk_format> type(module, "Format", py::is_final(), formatWords);
+    py::class_<plk_format> type(module, "Format", py::is_final(), PlainMetaclass(), formatWords);
     ShowInPackage(type);
     type.attr("__match_args__") = py::make_tuple("width", "channels", "bits", "planar");
     MakeByNew(type, &MakeFormat, py::arg("width"), py::arg("channels"), py::arg("bits"),
@@ -115,7 +115,7 @@ void AddFormat(py::module_& module)
 
 void AddConstant(py::module_& module)
 {
-    py::class_<Constant> type(module, "Constant", py::is_final(), constantWords);
+    py::class_<Constant> type(module, "Constant", py::is_final(), PlainMetaclass(), constantWords);
     ShowInPackage(type);
     type.attr("__match_args__") = py::make_tuple("sample");
     MakeByNew(type, &MakeConstant, py::arg("sample"));
@@ -138,8 +138,11 @@ void AddConstant(py::module_& module)
 
 void AddNeeds(py::module_& module)
 {
-    py::class_<plk_needs> type(module, "Needs", py::is_final(), needsWords);
+    py::class_<plk_needs> type(module, "Needs", py::is_final(), PlainMetaclass(), needsWords);
     ShowInPackage(type);
+    MakeByNew(type, [](const py::object&) -> plk_needs {
+        throw py::type_error("Needs are no one's to make; a plan has them as plan.needs");
+    });
     type.def_property_readonly(
         "in_place", [](const plk_needs& needs) { return needs.in_place != 0; },
         "Whether rows and out may be the same array.");

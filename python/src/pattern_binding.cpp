@@ -26,7 +26,7 @@ PelkraftError: the text breaks a rule of its format; .line and .column tell wher
 place. TypeError: an argument is of another type.)";
 
 constexpr const char* callWords =
-    R"(__call__($self, rows, first_row=0, out=None)
+    R"(__call__(self, rows, first_row=0, out=None)
 --
 
 Apply the pattern to rows of pixels and return the ink values.
@@ -94,7 +94,7 @@ void AddFacts(py::class_<Pattern>& type)
         "The version number in the text.");
     add(
         "combinations", [](const Pattern& pattern) { return pattern.Facts().combinations; },
-        "The number of combinations of steps.");
+        "The number of ways in which one alternative can be taken of each step.");
     add(
         "field_size", [](const Pattern& pattern) { return pattern.Facts().field_size; },
         "The entries of the random field that pixels draw from, one after the other.");
@@ -108,7 +108,7 @@ void AddFacts(py::class_<Pattern>& type)
 
 void AddPattern(py::module_& module)
 {
-    py::class_<Pattern> type(module, "Pattern", py::is_final(), patternWords);
+    py::class_<Pattern> type(module, "Pattern", py::is_final(), PlainMetaclass(), patternWords);
     ShowInPackage(type);
     MakeByNew(type, &MakePattern, py::arg("text"), py::arg("engine") = "automatic");
     AddFacts(type);
@@ -123,7 +123,7 @@ The pattern whose text stands in a file.
 OSError: the file can't be read. Otherwise as for Pattern.)");
     type.def(
         "save", [](const Pattern& pattern) { return py::bytes(pattern.Record()); },
-        R"(save($self)
+        R"(save(self)
 --
 
 Text and engine as bytes, the same for equal patterns on every machine.)");

@@ -41,7 +41,7 @@ PelkraftError: an argument has a value that can't be, or nothing serves all of t
 .field names the argument, such as 'target.bits'. TypeError: an argument is of another type.)";
 
 constexpr const char* callWords =
-    R"(__call__($self, rows, out=None)
+    R"(__call__(self, rows, out=None)
 --
 
 Convert rows and return them.
@@ -204,7 +204,7 @@ void AddFields(py::class_<Plan>& type)
 
 void AddPlan(py::module_& module)
 {
-    py::class_<Plan> type(module, "Plan", py::is_final(), planWords);
+    py::class_<Plan> type(module, "Plan", py::is_final(), PlainMetaclass(), planWords);
     ShowInPackage(type);
     MakeByNew(type, &MakePlan, py::arg("source"), py::arg("target"), py::kw_only(),
               py::arg("map") = py::none(), py::arg("repeat") = 1, py::arg("mirror") = false,
@@ -216,14 +216,14 @@ void AddPlan(py::module_& module)
         "explain",
         [](const Plan& plan, const py::object& json) { return plan.Explain(ToFlag(json, "json")); },
         py::arg("json") = false,
-        R"(explain($self, json=False)
+        R"(explain(self, json=False)
 --
 
 Describe how the plan runs on this machine: steps, road, level, bytes read and written for each row.
 json=True gives a text of JSON.)");
     type.def(
         "save", [](const Plan& plan) { return py::bytes(plan.Record()); },
-        R"(save($self)
+        R"(save(self)
 --
 
 The plan as bytes, the same for equal plans on every machine.)");

@@ -1,0 +1,38 @@
+"""A program as users write it, which mypy --strict must accept, and which runs."""
+
+import numpy as np
+from numpy.typing import NDArray
+
+import pelkraft
+
+
+def split(picture: NDArray[np.uint8]) -> NDArray[np.uint8]:
+    """The planes of an interleaved picture."""
+    _, width, channels = picture.shape
+    source = pelkraft.Format(width, channels, 8)
+    target = pelkraft.Format(width, channels, 8, planar=True)
+    plan = pelkraft.Plan(source, target, map=[0, None, pelkraft.Constant(3)], samples="tones")
+    planes: NDArray[np.uint8] = plan(picture)
+    return planes
+
+
+def describe(error: pelkraft.PelkraftError) -> str:
+    """A failure in one line."""
+    return f"{error.status.name} {error.field} {error.given} {error.needed}"
+
+
+def main() -> None:
+    """Runs all of it."""
+    planes = split(np.zeros((2, 5, 3), np.uint8))
+    print(planes.shape, planes[0, 2, 0])
+    plan = pelkraft.Plan.load(pelkraft.Plan(pelkraft.Format(1, 1, 8), pelkraft.Format(1, 1, 8)).save())
+    entries: tuple[int | pelkraft.Constant | None, ...] | None = plan.map
+    print(entries, plan.needs.in_place, {plan: plan.samples})
+    try:
+        pelkraft.Pattern("", engine="sse")
+    except pelkraft.PelkraftError as error:
+        print(describe(error))
+
+
+if __name__ == "__main__":
+    main()
