@@ -44,6 +44,16 @@ const char* NameOf(PassKind kind)
         return "NarrowSplit";
     case PassKind::Merge:
         return "Merge";
+    case PassKind::Quantize:
+        return "Quantize";
+    case PassKind::Stretch:
+        return "Stretch";
+    case PassKind::Cut:
+        return "Cut";
+    case PassKind::Extend:
+        return "Extend";
+    case PassKind::Clear:
+        return "Clear";
     }
     return "no pass";
 }
