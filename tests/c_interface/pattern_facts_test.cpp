@@ -50,7 +50,7 @@ TEST(PatternFacts, FillARecordAsFarAsItGoes)
     const PatternHandle handle = MakeHandle(exampleText);
     for (std::uint32_t size = 4; size <= sizeof(plk_pattern_facts) + 8; ++size) {
         alignas(plk_pattern_facts) unsigned char bytes[sizeof(plk_pattern_facts) + 16];
-        // What a longer record has beyond this library's is 0.
+        // All that a longer record has beyond this library's is 0.
         std::memset(bytes, size > sizeof(plk_pattern_facts) ? 0 : 0x5A, sizeof bytes);
         std::memset(bytes + size, 0x5A, sizeof bytes - size);
         std::memcpy(bytes, &size, sizeof size);

@@ -1,14 +1,13 @@
 #include "tests/c_interface/pattern_calls.h"
+#include "tests/direct/levels.h"
+#include "tests/pattern/drawing_patterns.h"
 #include "tests/pattern/engine_support.h"
 #include "tests/pattern/pattern_support.h"
 #include "tests/support/guarded_buffer.h"
 #include "tests/support/random_bytes.h"
-#include "zvk/system_tools.h"
 
 #include <gtest/gtest.h>
 
-#include <climits>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -16,21 +15,6 @@ namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 constexpr std::int32_t engines[] = {PLK_ENGINE_AUTOMATIC, PLK_ENGINE_X86, PLK_ENGINE_SSE};
-
-// Patterns that both engines take, of the two generations by turns.
-std::vector<NaivePattern> SomePatterns(std::size_t count)
-{
-    std::mt19937 random(77);
-    std::vector<NaivePattern> patterns;
-    for (int round = 0; patterns.size() < count; ++round) {
-        const NaivePattern pattern = RandomPattern(random, 2 + round % 2);
-        const std::uint64_t combinations = NaiveSimulation::CountCombinations(pattern);
-        if (combinations >= 2 && combinations <= 1024 &&
-            Refusal(pattern.Text(), DotWeavePattern::Sse) == "nothing")
-            patterns.push_back(pattern);
-    }
-    return patterns;
-}
 
 // Two in-colours and three out-inks.
 const std::string example = exampleText;
@@ -59,7 +43,7 @@ TEST(PatternRun, GivesTheRowsOfABandInAnyLayout)
     constexpr std::size_t rows = 5;
     constexpr std::size_t pixels = 21;
     constexpr std::uint64_t firstRow = 65533;
-    for (const NaivePattern& pattern : SomePatterns(6))
+    for (const NaivePattern& pattern : DrawingPatterns(6, 77))
         for (const std::int32_t engine : engines)
             for (const std::ptrdiff_t extra : {0, 1, 7, -1})
                 for (const bool repeats : {false, true}) {
@@ -104,7 +88,7 @@ TEST(PatternRun, GivesTheRowsOfABandInAnyLayout)
 
 TEST(PatternRun, GivesSingleRowsInAnyOrder)
 {
-    for (const NaivePattern& pattern : SomePatterns(4))
+    for (const NaivePattern& pattern : DrawingPatterns(4, 77))
         for (const std::int32_t engine : engines) {
             const PatternHandle handle = MakeHandle(pattern.Text(), engine);
             NaiveSimulation naive(pattern);
@@ -120,14 +104,13 @@ TEST(PatternRun, GivesSingleRowsInAnyOrder)
 
 TEST(PatternRun, GivesTheSameBytesAtEveryLevel)
 {
-    for (const NaivePattern& pattern : SomePatterns(3)) {
+    for (const NaivePattern& pattern : DrawingPatterns(3, 77)) {
         const Bytes steps = RandomSteps(100 * pattern.inColors.size(), 9);
         const Bytes expected = NaiveSimulation(pattern).Row(steps);
-        for (const int level : {0, 3, 6, 7}) {
-            SystemTools::LimitSseVersion(level);
+        for (const int level : LevelsOfThisProcessor()) {
+            const LimitedLevel limited(level);
             for (const std::int32_t engine : engines)
                 EXPECT_TRUE(RunRow(MakeHandle(pattern.Text(), engine).get(), 0, steps) == expected);
-            SystemTools::LimitSseVersion(INT_MAX);
         }
     }
 }
@@ -222,7 +205,7 @@ TEST_F(RefusedRun, NamesRecordsThatAreNone)
     plk_target reserved = to;
     reserved.reserved = 1;
     EXPECT_EQ(Brief(RunFailure(handle.get(), &from, &reserved)), "3 target.reserved");
-    // Of no rows nothing else is checked.
+    // Nothing else is checked where there are no rows.
     EXPECT_EQ(Brief(RunFailure(handle.get(), &from, &reserved, 0)), "3 target.reserved");
 }
 

@@ -1,11 +1,10 @@
 #include "tests/c_interface/pattern_calls.h"
+#include "tests/direct/levels.h"
 #include "tests/pattern/pattern_support.h"
 #include "tests/support/guarded_buffer.h"
-#include "zvk/system_tools.h"
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <string>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -24,10 +23,9 @@ plk_failure LoadFailure(const std::string& record)
 TEST(SavedPattern, IsTheSameForTheSameTextAndEngineAtEveryLevel)
 {
     const std::string first = SavedBytesOf(MakeHandle(exampleText).get());
-    for (const int level : {0, 3, 6, 7}) {
-        SystemTools::LimitSseVersion(level);
+    for (const int level : LevelsOfThisProcessor()) {
+        const LimitedLevel limited(level);
         EXPECT_EQ(SavedBytesOf(MakeHandle(exampleText).get()), first);
-        SystemTools::LimitSseVersion(INT_MAX);
     }
     EXPECT_NE(SavedBytesOf(MakeHandle(exampleText, PLK_ENGINE_X86).get()), first);
     EXPECT_NE(SavedBytesOf(MakeHandle(std::string(exampleText) + " ").get()), first);

@@ -1,17 +1,16 @@
 #include "pattern/pattern_rows.h"
 
+#include "tests/direct/levels.h"
+#include "tests/pattern/drawing_patterns.h"
 #include "tests/pattern/engine_support.h"
 #include "tests/pattern/naive_pattern.h"
 #include "tests/pattern/pattern_support.h"
 #include "tests/support/guarded_buffer.h"
-#include "zvk/system_tools.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <climits>
 #include <cstdint>
-#include <iostream>
 #include <memory>
 #include <random>
 #include <string>
@@ -40,37 +39,6 @@ Bytes ApplyAt(const PatternRows& rows, std::uint64_t number, const Bytes& source
     const GuardedBuffer to(pixels * static_cast<std::size_t>(numbers.outInks), Flush::AtEnd, 0xA5);
     rows.Apply({number, from.data(), to.data(), pixels}, piece);
     return to.bytes();
-}
-
-class PatternRowsAtAnyPlace : public testing::Test
-{
-protected:
-    ~PatternRowsAtAnyPlace() override { SystemTools::LimitSseVersion(INT_MAX); }
-
-    // The result is false where the processor lacks the level.
-    static bool Limit(int level)
-    {
-        SystemTools::LimitSseVersion(level);
-        if (SystemTools::GetSseVersion() == level)
-            return true;
-        std::cout << "level " << level << ": not run, the processor lacks it\n";
-        return false;
-    }
-};
-
-// Patterns that both engines take, of the two generations by turns.
-std::vector<NaivePattern> SomePatterns(std::size_t count)
-{
-    std::mt19937 random(1914);
-    std::vector<NaivePattern> patterns;
-    for (int round = 0; patterns.size() < count; ++round) {
-        const NaivePattern pattern = RandomPattern(random, 2 + round % 2);
-        const std::uint64_t combinations = NaiveSimulation::CountCombinations(pattern);
-        if (combinations >= 2 && combinations <= 1024 &&
-            Refusal(pattern.Text(), DotWeavePattern::Sse) == "nothing")
-            patterns.push_back(pattern);
-    }
-    return patterns;
 }
 
 // One in-colour and one out-ink, which has two alternatives with these weights.
@@ -111,24 +79,25 @@ void ExpectNaiveRowsInAnyOrder(const PatternRows& rows, NaiveSimulation naive, s
     }
 }
 
-TEST_F(PatternRowsAtAnyPlace, AreTheSameInEveryOrderAtEveryLevel)
+TEST(PatternRowsAtAnyPlace, AreTheSameInEveryOrderAtEveryLevel)
 {
-    for (const NaivePattern& pattern : SomePatterns(10)) {
+    for (const NaivePattern& pattern : DrawingPatterns(10, 1914)) {
         SCOPED_TRACE(pattern.Text());
         const NaiveSimulation naive(pattern);
-        for (const int level : {0, 3, 6, 7})
-            for (const Engine engine : engines)
-                if (Limit(level)) {
-                    SCOPED_TRACE(testing::Message() << "level " << level << " engine " << engine);
-                    const Rows rows = LoadRows(pattern.Text(), engine);
-                    ExpectNaiveRowsInAnyOrder(*rows, naive, pattern.inColors.size());
-                }
+        for (const int level : LevelsOfThisProcessor()) {
+            const LimitedLevel limited(level);
+            for (const Engine engine : engines) {
+                SCOPED_TRACE(testing::Message() << "level " << level << " engine " << engine);
+                const Rows rows = LoadRows(pattern.Text(), engine);
+                ExpectNaiveRowsInAnyOrder(*rows, naive, pattern.inColors.size());
+            }
+        }
     }
 }
 
-TEST_F(PatternRowsAtAnyPlace, AreThoseOfANewPatternOneAfterAnother)
+TEST(PatternRowsAtAnyPlace, AreThoseOfANewPatternOneAfterAnother)
 {
-    for (const NaivePattern& pattern : SomePatterns(4))
+    for (const NaivePattern& pattern : DrawingPatterns(4, 1914))
         for (const Engine engine : {DotWeavePattern::X86, DotWeavePattern::Sse}) {
             const Rows rows = LoadRows(pattern.Text(), engine);
             std::vector<Bytes> backwards(40);
@@ -141,7 +110,7 @@ TEST_F(PatternRowsAtAnyPlace, AreThoseOfANewPatternOneAfterAnother)
         }
 }
 
-TEST_F(PatternRowsAtAnyPlace, RepeatAfter65536AsThoseOfAPatternDo)
+TEST(PatternRowsAtAnyPlace, RepeatAfter65536AsThoseOfAPatternDo)
 {
     const NaivePattern pattern = Weighted(1, 2);
     DotWeavePattern inOrder = Load(pattern.Text(), DotWeavePattern::Sse);
@@ -159,10 +128,10 @@ TEST_F(PatternRowsAtAnyPlace, RepeatAfter65536AsThoseOfAPatternDo)
     }
 }
 
-TEST_F(PatternRowsAtAnyPlace, ComeInPiecesOfAnySize)
+TEST(PatternRowsAtAnyPlace, ComeInPiecesOfAnySize)
 {
     // The row goes round its field more than once.
-    for (const NaivePattern& pattern : SomePatterns(4)) {
+    for (const NaivePattern& pattern : DrawingPatterns(4, 1914)) {
         NaiveSimulation naive(pattern);
         const Bytes source = RandomSteps(230000 * pattern.inColors.size(), 8);
         naive.SkipTo(12);
@@ -176,7 +145,7 @@ TEST_F(PatternRowsAtAnyPlace, ComeInPiecesOfAnySize)
     }
 }
 
-TEST_F(PatternRowsAtAnyPlace, TouchNothingWhereThereAreNoPixels)
+TEST(PatternRowsAtAnyPlace, TouchNothingWhereThereAreNoPixels)
 {
     for (const Engine engine : engines)
         LoadRows(Weighted(1, 2).Text(), engine)->Apply({7, nullptr, nullptr, 0});
@@ -184,7 +153,7 @@ TEST_F(PatternRowsAtAnyPlace, TouchNothingWhereThereAreNoPixels)
 
 // The walk of a pattern of the second generation on the vector engine wraps at the field that the
 // process built last for one.
-TEST_F(PatternRowsAtAnyPlace, KnowNoFieldButTheirOwn)
+TEST(PatternRowsAtAnyPlace, KnowNoFieldButTheirOwn)
 {
     constexpr std::size_t pixels = 300000;
     const NaivePattern longer = Weighted(1, 150000);
@@ -201,7 +170,7 @@ TEST_F(PatternRowsAtAnyPlace, KnowNoFieldButTheirOwn)
     }
 }
 
-TEST_F(PatternRowsAtAnyPlace, LeaveTheFieldOfAPatternAsItIs)
+TEST(PatternRowsAtAnyPlace, LeaveTheFieldOfAPatternAsItIs)
 {
     const NaivePattern longer = Weighted(1, 150000);
     const Bytes source(300000, 1);
@@ -211,7 +180,7 @@ TEST_F(PatternRowsAtAnyPlace, LeaveTheFieldOfAPatternAsItIs)
     EXPECT_TRUE(Apply(pattern, source) == NaiveSimulation(longer).Row(source));
 }
 
-TEST_F(PatternRowsAtAnyPlace, HaveTheLimitsOfTheVectorEngineAtEveryLevel)
+TEST(PatternRowsAtAnyPlace, HaveTheLimitsOfTheVectorEngineAtEveryLevel)
 {
     const std::string single = Head("3", "C", "X Y") + InColor("C", "X", "1 1 0-7");
     // 17 different values do not fit into its tables.
@@ -220,9 +189,8 @@ TEST_F(PatternRowsAtAnyPlace, HaveTheLimitsOfTheVectorEngineAtEveryLevel)
         crowded += InColor(Numbered("C", i), Numbered("X", i),
                            "1 1" + Numbered(" 0-", 30 + i) + "\n2 1" + Numbered(" 0-", 40 + i) +
                                "\n3 1" + Numbered(" 0-", 50 + i));
-    for (const int level : {0, 3, 6, 7}) {
-        if (!Limit(level))
-            continue;
+    for (const int level : LevelsOfThisProcessor()) {
+        const LimitedLevel limited(level);
         SCOPED_TRACE(testing::Message() << "level " << level);
         EXPECT_EQ(ApplyAt(*LoadRows(single, DotWeavePattern::Automatic), 3, {0, 1, 9}),
                   (Bytes{0, 0, 7, 0, 7, 0}));
@@ -233,7 +201,7 @@ TEST_F(PatternRowsAtAnyPlace, HaveTheLimitsOfTheVectorEngineAtEveryLevel)
     }
 }
 
-TEST_F(PatternRowsAtAnyPlace, AreRefusedInTheWordsOfAPattern)
+TEST(PatternRowsAtAnyPlace, AreRefusedInTheWordsOfAPattern)
 {
     for (const char* const text :
          {"", "VERSION", "VERSION 2", "DotWeavePattern VERSION 2",
@@ -247,7 +215,7 @@ TEST_F(PatternRowsAtAnyPlace, AreRefusedInTheWordsOfAPattern)
         }
 }
 
-TEST_F(PatternRowsAtAnyPlace, KnowTheNumbersOfTheirText)
+TEST(PatternRowsAtAnyPlace, KnowTheNumbersOfTheirText)
 {
     const std::string described = exampleText;
     const std::string third =
