@@ -59,11 +59,16 @@ done
 
 echo "every public header alone, from C++11 to C++20, and the licence"
 grep -qx 'License: Apache-2.0' "$PKG_CONFIG_PATH/pelkraft.pc"
-(cd "$prefix/include" && find pelkraft zvk -name '*.h') | while read -r header; do
-    head -n 1 "$prefix/include/$header" | grep -qx '// SPDX-License-Identifier: Apache-2.0'
+(cd "$prefix/include" && find pelkraft zvk -name '*.h*') | while read -r header; do
+    head -n 1 "$prefix/include/$header" |
+        grep -qxE '// SPDX-License-Identifier: Apache-2.0|/\* SPDX-License-Identifier: Apache-2.0 \*/'
     echo "#include \"$header\"" >"$work/alone.cpp"
-    for standard in 11 14 17 20; do
-        "$compiler" -std=c++$standard -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror \
+    case $header in
+    *.hpp) standards="17 20" ;;
+    *) standards="11 14 17 20" ;;
+    esac
+    for standard in $standards; do
+        "$compiler" -std=c++"$standard" -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror \
             -I"$prefix/include" -fsyntax-only "$work/alone.cpp"
     done
 done

@@ -1,0 +1,512 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "pelkraft/plan.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+// The functions of plan.h as classes of C++17. They say there what they do.
+namespace zvk::Pelkraft {
+
+// A refusal. The text is the record's sentence.
+class PelkraftError : public std::runtime_error
+{
+public:
+    PelkraftError(plk_status newStatus, const plk_failure& newFailure)
+        : std::runtime_error(newFailure.text), failure(newFailure)
+    {
+        failure.status = newStatus;
+    }
+
+    // What the library says of it: status, field, the numbers given and needed, place in a text.
+    const plk_failure& GetFailure() const noexcept { return failure; }
+    plk_status GetStatus() const noexcept { return failure.status; }
+    const char* GetField() const noexcept { return failure.field; }
+
+private:
+    plk_failure failure;
+};
+
+// Calls a function of plan.h with a record for its failure, and throws that as a PelkraftError.
+template <typename Call>
+void RequireOk(const Call& call)
+{
+    plk_failure failure = {};
+    failure.size = sizeof failure;
+    const plk_status status = call(&failure);
+    if (status != PLK_OK)
+        throw PelkraftError(status, failure);
+}
+
+// The form of a row.
+struct RowFormat
+{
+    // Pixels.
+    std::int64_t width = 0;
+    // Samples of a pixel.
+    std::int32_t channels = 0;
+    // 1, 2, 8, 10 or 16.
+    std::int32_t bits = 8;
+    // Planes, or interleaved samples.
+    bool planar = false;
+
+    friend bool operator==(const RowFormat& one, const RowFormat& other) noexcept
+    {
+        return one.width == other.width && one.channels == other.channels &&
+               one.bits == other.bits && one.planar == other.planar;
+    }
+    friend bool operator!=(const RowFormat& one, const RowFormat& other) noexcept
+    {
+        return !(one == other);
+    }
+};
+
+// A conversion as it is asked for. Its fields are those of plk_spec.
+struct ConversionSpec
+{
+    RowFormat source;
+    RowFormat target;
+    // An entry for each channel of the target; without a map the channels stay as they are.
+    std::optional<std::vector<std::int32_t>> map = std::nullopt;
+    std::int32_t repeat = 1;
+    bool mirror = false;
+    std::int32_t samples = PLK_SAMPLES_AS_FILL;
+    bool invert = false;
+    bool clip = false;
+    bool stream = false;
+    std::int32_t road = PLK_ROAD_AUTOMATIC;
+};
+
+// Rows that are read. Whatever they stand in must outlive the view.
+struct SourceRows : plk_source
+{
+    // So many bytes from base on.
+    SourceRows(const void* newBase, std::uint64_t newBytes, std::int64_t rowStride,
+               std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
+        : plk_source{sizeof(plk_source), 0, newBase, newBytes, newOffset, rowStride, planeStride}
+    {}
+
+    // What has data and size, such as a vector, an array or a string of samples.
+    template <typename Samples, typename = decltype(std::declval<const Samples&>().data())>
+    explicit SourceRows(const Samples& samples, std::int64_t rowStride,
+                        std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
+        : SourceRows(samples.data(), samples.size() * sizeof *samples.data(), rowStride,
+                     planeStride, newOffset)
+    {}
+};
+
+// Rows that are written. Whatever they stand in must outlive the view.
+struct TargetRows : plk_target
+{
+    // So many bytes from base on.
+    TargetRows(void* newBase, std::uint64_t newBytes, std::int64_t rowStride,
+               std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
+        : plk_target{sizeof(plk_target), 0, newBase, newBytes, newOffset, rowStride, planeStride}
+    {}
+
+    // What has data and size, such as a vector, an array or a span of samples.
+    template <typename Samples, typename = decltype(std::declval<Samples&>().data())>
+    explicit TargetRows(Samples& samples, std::int64_t rowStride, std::int64_t planeStride = 0,
+                        std::int64_t newOffset = 0) noexcept
+        : TargetRows(samples.data(), samples.size() * sizeof *samples.data(), rowStride,
+                     planeStride, newOffset)
+    {}
+};
+
+class Image;
+
+// A conversion, decided. It never changes: copies share the plan, and any number of threads may use
+// it at once. One that was moved from can only be assigned to or destroyed.
+class ConversionPlan
+{
+public:
+    // Checks the spec and makes a plan of it.
+    explicit ConversionPlan(const ConversionSpec& spec)
+    {
+        static constexpr std::int32_t none = 0;
+        plk_spec record = {};
+        record.size = sizeof record;
+        record.source = FormatOf(spec.source);
+        record.target = FormatOf(spec.target);
+        if (spec.map) {
+            // A map without entries needs an address too.
+            record.map = spec.map->empty() ? &none : spec.map->data();
+            record.map_count = spec.map->size();
+        }
+        record.repeat = spec.repeat;
+        record.mirror = spec.mirror ? 1 : 0;
+        record.samples = spec.samples;
+        record.invert = spec.invert ? 1 : 0;
+        record.clip = spec.clip ? 1 : 0;
+        record.stream = spec.stream ? 1 : 0;
+        record.road = spec.road;
+        Make([&](plk_plan** made, plk_failure* failure) {
+            return plk_plan_create(&record, made, failure);
+        });
+    }
+
+    // Makes the plan of a saved record.
+    static ConversionPlan Load(const void* record, std::uint64_t bytes)
+    {
+        ConversionPlan loaded;
+        loaded.Make([=](plk_plan** made, plk_failure* failure) {
+            return plk_plan_load(record, bytes, made, failure);
+        });
+        return loaded;
+    }
+
+    // Converts so many rows.
+    void Run(const plk_source& source, const plk_target& target, std::uint64_t rows) const
+    {
+        RequireOk([&](plk_failure* failure) {
+            return plk_plan_run(plan.get(), &source, &target, rows, failure);
+        });
+    }
+
+    // Converts all rows of a picture. Both must have the plan's formats, and as many rows.
+    void operator()(const Image& source, Image& target) const;
+
+    // What the plan needs of its rows.
+    plk_needs GetNeeds() const
+    {
+        plk_needs needs = {};
+        needs.size = sizeof needs;
+        RequireOk(
+            [&](plk_failure* failure) { return plk_plan_needs(plan.get(), &needs, failure); });
+        return needs;
+    }
+
+    // The spec that the plan was made of, in the form that equal plans share.
+    ConversionSpec GetSpec() const
+    {
+        plk_spec record = {};
+        record.size = sizeof record;
+        RequireOk(
+            [&](plk_failure* failure) { return plk_plan_spec(plan.get(), &record, failure); });
+        ConversionSpec spec;
+        spec.source = FormatOf(record.source);
+        spec.target = FormatOf(record.target);
+        if (record.map != nullptr)
+            spec.map.emplace(record.map, record.map + record.map_count);
+        spec.repeat = record.repeat;
+        spec.mirror = record.mirror != 0;
+        spec.samples = record.samples;
+        spec.invert = record.invert != 0;
+        spec.clip = record.clip != 0;
+        spec.stream = record.stream != 0;
+        spec.road = record.road;
+        return spec;
+    }
+
+    // Steps, road, level and bytes, as PLK_TEXT or PLK_JSON.
+    std::string Describe(std::int32_t form = PLK_TEXT) const
+    {
+        std::uint64_t needed = 0;
+        plk_plan_describe(plan.get(), form, nullptr, 0, &needed, nullptr);
+        std::string text(static_cast<std::size_t>(needed), '\0');
+        RequireOk([&](plk_failure* failure) {
+            return plk_plan_describe(plan.get(), form, text.data(), text.size(), nullptr, failure);
+        });
+        text.pop_back();
+        return text;
+    }
+
+    // The record of the spec.
+    std::vector<unsigned char> Save() const
+    {
+        std::uint64_t needed = 0;
+        plk_plan_save(plan.get(), nullptr, 0, &needed, nullptr);
+        std::vector<unsigned char> record(static_cast<std::size_t>(needed));
+        RequireOk([&](plk_failure* failure) {
+            return plk_plan_save(plan.get(), record.data(), record.size(), nullptr, failure);
+        });
+        return record;
+    }
+
+    // For functions of plan.h. The plan keeps it.
+    const plk_plan* Get() const noexcept { return plan.get(); }
+
+    // Equal plans do the same.
+    friend bool operator==(const ConversionPlan& one, const ConversionPlan& other)
+    {
+        return one.plan == other.plan || one.Save() == other.Save();
+    }
+    friend bool operator!=(const ConversionPlan& one, const ConversionPlan& other)
+    {
+        return !(one == other);
+    }
+
+private:
+    ConversionPlan() = default;
+
+    template <typename Maker>
+    void Make(const Maker& maker)
+    {
+        plk_plan* made = nullptr;
+        RequireOk([&](plk_failure* failure) { return maker(&made, failure); });
+        plan.reset(made, plk_plan_free);
+    }
+
+    static plk_format FormatOf(const RowFormat& format) noexcept
+    {
+        return {format.width, format.channels, format.bits, format.planar ? 1 : 0, 0};
+    }
+
+    static RowFormat FormatOf(const plk_format& format) noexcept
+    {
+        return {format.width, format.channels, format.bits, format.planar != 0};
+    }
+
+    std::shared_ptr<const plk_plan> plan;
+};
+
+// A picture that owns its rows. Each row begins at an address that is a multiple of 64, and its
+// planes follow one another. New samples are 0. Copies have pixels of their own.
+class Image
+{
+public:
+    // The multiple at which rows begin.
+    static constexpr std::size_t Alignment = 64;
+
+    // A picture without rows.
+    Image() = default;
+
+    // So many rows of this form.
+    Image(const RowFormat& newFormat, std::uint64_t newRows) : format(newFormat), rows(newRows)
+    {
+        // The library knows what a row takes, and refuses what no memory could hold.
+        const plk_needs needs = ConversionPlan(ConversionSpec{newFormat, newFormat}).GetNeeds();
+        planeBytes = needs.source_plane_bytes;
+        rowBytes = (needs.source_row_bytes + Alignment - 1) / Alignment * Alignment;
+        if (rows != 0 && rowBytes > PTRDIFF_MAX / rows)
+            throw std::bad_alloc();
+        pixels = Allocate(GetSize());
+        if (pixels)
+            std::memset(pixels.get(), 0, GetSize());
+    }
+
+    Image(const Image& other)
+        : format(other.format), rows(other.rows), rowBytes(other.rowBytes),
+          planeBytes(other.planeBytes), pixels(Allocate(other.GetSize()))
+    {
+        if (pixels)
+            std::memcpy(pixels.get(), other.pixels.get(), GetSize());
+    }
+
+    // The other one has no rows any more.
+    Image(Image&& other) noexcept { Swap(other); }
+
+    Image& operator=(Image other) noexcept
+    {
+        Swap(other);
+        return *this;
+    }
+
+    ~Image() = default;
+
+    // The form of each row.
+    const RowFormat& GetFormat() const noexcept { return format; }
+    // The number of rows.
+    std::uint64_t GetRows() const noexcept { return rows; }
+    // Bytes from one row to the next.
+    std::int64_t GetRowStride() const noexcept { return static_cast<std::int64_t>(rowBytes); }
+    // Bytes from one plane of a row to the next.
+    std::int64_t GetPlaneStride() const noexcept { return static_cast<std::int64_t>(planeBytes); }
+    // The bytes of all rows.
+    std::size_t GetSize() const noexcept { return static_cast<std::size_t>(rows * rowBytes); }
+
+    // Byte 0 of the first row, or null where there are none.
+    unsigned char* GetData() noexcept { return pixels.get(); }
+    const unsigned char* GetData() const noexcept { return pixels.get(); }
+    // Byte 0 of a row and plane.
+    unsigned char* GetRow(std::uint64_t row, std::int32_t plane = 0) noexcept
+    {
+        return pixels.get() + Distance(row, plane);
+    }
+    const unsigned char* GetRow(std::uint64_t row, std::int32_t plane = 0) const noexcept
+    {
+        return pixels.get() + Distance(row, plane);
+    }
+
+    // Its rows as those of a run.
+    SourceRows AsSource() const noexcept
+    {
+        return {GetData(), GetSize(), GetRowStride(), GetPlaneStride()};
+    }
+    TargetRows AsTarget() noexcept
+    {
+        return {GetData(), GetSize(), GetRowStride(), GetPlaneStride()};
+    }
+
+private:
+    struct Free
+    {
+        void operator()(unsigned char* bytes) const noexcept
+        {
+            ::operator delete(bytes, std::align_val_t(Alignment));
+        }
+    };
+    using Pixels = std::unique_ptr<unsigned char, Free>;
+
+    static Pixels Allocate(std::size_t bytes)
+    {
+        if (bytes == 0)
+            return nullptr;
+        return Pixels(
+            static_cast<unsigned char*>(::operator new(bytes, std::align_val_t(Alignment))));
+    }
+
+    std::size_t Distance(std::uint64_t row, std::int32_t plane) const noexcept
+    {
+        return static_cast<std::size_t>(row * rowBytes +
+                                        static_cast<std::uint64_t>(plane) * planeBytes);
+    }
+
+    void Swap(Image& other) noexcept
+    {
+        std::swap(format, other.format);
+        std::swap(rows, other.rows);
+        std::swap(rowBytes, other.rowBytes);
+        std::swap(planeBytes, other.planeBytes);
+        std::swap(pixels, other.pixels);
+    }
+
+    RowFormat format;
+    std::uint64_t rows = 0;
+    std::uint64_t rowBytes = 0;
+    std::uint64_t planeBytes = 0;
+    Pixels pixels;
+};
+
+inline void ConversionPlan::operator()(const Image& source, Image& target) const
+{
+    const auto refuse = [](const char* field, const char* text, std::int64_t given,
+                           std::int64_t needed) {
+        plk_failure failure = {};
+        failure.size = sizeof failure;
+        failure.given = given;
+        failure.needed = needed;
+        std::memcpy(failure.field, field, std::strlen(field));
+        std::memcpy(failure.text, text, std::strlen(text));
+        throw PelkraftError(PLK_INVALID, failure);
+    };
+    const ConversionSpec spec = GetSpec();
+    if (source.GetFormat() != spec.source)
+        refuse("source", "source is a picture of another format; give one of the plan's", 0, 0);
+    if (target.GetFormat() != spec.target)
+        refuse("target", "target is a picture of another format; give one of the plan's", 0, 0);
+    if (target.GetRows() != source.GetRows())
+        refuse("rows", "rows of the target are not as many as the source has; give as many",
+               static_cast<std::int64_t>(target.GetRows()),
+               static_cast<std::int64_t>(source.GetRows()));
+    Run(source.AsSource(), target.AsTarget(), source.GetRows());
+}
+
+// A dot pattern, read. It never changes: copies share the pattern, and any number of threads may
+// use it at once. One that was moved from can only be assigned to or destroyed.
+class PatternPlan
+{
+public:
+    // Reads a pattern text.
+    explicit PatternPlan(std::string_view text, std::int32_t engine = PLK_ENGINE_AUTOMATIC)
+    {
+        plk_pattern_spec spec = {};
+        spec.size = sizeof spec;
+        spec.engine = engine;
+        Make([&](plk_pattern** made, plk_failure* failure) {
+            return plk_pattern_create(text.empty() ? "" : text.data(), text.size(), &spec, made,
+                                      failure);
+        });
+    }
+
+    // Makes the pattern of a saved record.
+    static PatternPlan Load(const void* record, std::uint64_t bytes)
+    {
+        PatternPlan loaded;
+        loaded.Make([=](plk_pattern** made, plk_failure* failure) {
+            return plk_pattern_load(record, bytes, made, failure);
+        });
+        return loaded;
+    }
+
+    // Applies the pattern to rows of so many pixels.
+    void Run(std::uint64_t firstRow, std::uint64_t rows, std::uint64_t pixels,
+             const plk_source& source, const plk_target& target) const
+    {
+        RequireOk([&](plk_failure* failure) {
+            return plk_pattern_run(pattern.get(), firstRow, rows, pixels, &source, &target,
+                                   failure);
+        });
+    }
+
+    // What the pattern needs of its rows, and what it holds.
+    plk_pattern_facts GetFacts() const
+    {
+        plk_pattern_facts facts = {};
+        facts.size = sizeof facts;
+        RequireOk([&](plk_failure* failure) {
+            return plk_pattern_needs(pattern.get(), &facts, failure);
+        });
+        return facts;
+    }
+
+    // The names of a list, PLK_IN_COLOURS or PLK_OUT_INKS.
+    std::vector<std::string> GetNames(std::int32_t list) const
+    {
+        std::vector<std::string> names;
+        while (const char* name =
+                   plk_pattern_name(pattern.get(), list, static_cast<std::int32_t>(names.size())))
+            names.emplace_back(name);
+        return names;
+    }
+
+    // The record of text and engine.
+    std::vector<unsigned char> Save() const
+    {
+        std::uint64_t needed = 0;
+        plk_pattern_save(pattern.get(), nullptr, 0, &needed, nullptr);
+        std::vector<unsigned char> record(static_cast<std::size_t>(needed));
+        RequireOk([&](plk_failure* failure) {
+            return plk_pattern_save(pattern.get(), record.data(), record.size(), nullptr, failure);
+        });
+        return record;
+    }
+
+    // For functions of plan.h. The pattern keeps it.
+    const plk_pattern* Get() const noexcept { return pattern.get(); }
+
+    // Equal patterns have the same text and engine.
+    friend bool operator==(const PatternPlan& one, const PatternPlan& other)
+    {
+        return one.pattern == other.pattern || one.Save() == other.Save();
+    }
+    friend bool operator!=(const PatternPlan& one, const PatternPlan& other)
+    {
+        return !(one == other);
+    }
+
+private:
+    PatternPlan() = default;
+
+    template <typename Maker>
+    void Make(const Maker& maker)
+    {
+        plk_pattern* made = nullptr;
+        RequireOk([&](plk_failure* failure) { return maker(&made, failure); });
+        pattern.reset(made, plk_pattern_free);
+    }
+
+    std::shared_ptr<const plk_pattern> pattern;
+};
+
+} // namespace zvk::Pelkraft
