@@ -15,11 +15,12 @@ if [ "$1" = sample ]; then
     round_seconds=30
 fi
 targets=("${@:2}")
-[ ${#targets[@]} -ne 0 ] || targets=(row_conversion pattern_text tiff_file)
+[ ${#targets[@]} -ne 0 ] || targets=(row_conversion plan_run pattern_text tiff_file)
 
 options_of() {
     case $1 in
     row_conversion) echo "-max_len=128" ;;
+    plan_run) echo "-max_len=256" ;;
     tiff_file) echo "-max_len=4096 -rss_limit_mb=4096 -close_fd_mask=3" ;;
     pattern_text) echo "-max_len=2048 -dict=../../fuzz/pattern_text.dict" ;;
     esac

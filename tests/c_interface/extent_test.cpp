@@ -1,85 +1,13 @@
 #include "tests/c_interface/plan_support.h"
 #include "tests/support/random_bytes.h"
 
-#include <algorithm>
 #include <limits>
-#include <set>
 
 // The checks of a run against a map of bytes, for all strides around the smallest ones.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
-
-bool LiesIn(const std::vector<long long>& places, std::size_t size)
-{
-    return std::all_of(places.begin(), places.end(), [=](long long place) {
-        return place >= 0 && place < static_cast<long long>(size);
-    });
-}
-
-bool HasTwice(const std::vector<long long>& places)
-{
-    return std::set<long long>(places.begin(), places.end()).size() != places.size();
-}
-
-bool HaveCommon(const std::vector<long long>& one, const std::vector<long long>& other)
-{
-    const std::set<long long> places(one.begin(), one.end());
-    return std::any_of(other.begin(), other.end(),
-                       [&](long long place) { return places.count(place) != 0; });
-}
-
-// One buffer for both sides, or one for each.
-struct Trial
-{
-    NaiveJoin spec;
-    NaivePlacement from;
-    NaivePlacement to;
-    int rows;
-    bool shared;
-};
-
-// The same rows and planes; a stride that none of them takes may differ.
-bool IsSame(const Trial& trial)
-{
-    const auto placesOf = [&](const NaiveGeometry& form, const NaivePlacement& at) {
-        std::vector<long long> places;
-        for (int row = 0; row != trial.rows; ++row)
-            for (int plane = 0; plane != (form.planar ? form.channels : 1); ++plane)
-                places.push_back(at.offset + row * at.rowStep + plane * at.planeStep);
-        return places;
-    };
-    return placesOf(trial.spec.source, trial.from) == placesOf(trial.spec.target, trial.to);
-}
-
-std::string Describe(const Trial& trial)
-{
-    const auto view = [](const NaivePlacement& place) {
-        return std::to_string(place.offset) + "/" + std::to_string(place.rowStep) + "/" +
-               std::to_string(place.planeStep);
-    };
-    return Describe(trial.spec) + ", from " + view(trial.from) + " to " + view(trial.to) + ", " +
-           std::to_string(trial.rows) + " rows" + (trial.shared ? " in one buffer" : "");
-}
-
-// Status and field that the run must end with.
-std::string ExpectedEnd(const Trial& trial, bool inPlace, std::size_t size)
-{
-    const std::vector<long long> written = PlacesWritten(trial.spec, trial.to, trial.rows);
-    const std::vector<long long> read = PlacesRead(trial.spec, trial.from, trial.rows);
-    if (written.empty())
-        return "OK";
-    if (!LiesIn(read, size))
-        return "TOO_SMALL source";
-    if (!LiesIn(written, size))
-        return "TOO_SMALL target";
-    if (HasTwice(written))
-        return "OVERLAP target";
-    if (trial.shared && HaveCommon(read, written) && !(inPlace && IsSame(trial)))
-        return "OVERLAP target";
-    return "OK";
-}
 
 class ExtentTrials
 {
@@ -94,7 +22,7 @@ public:
 
     void Try(const NaivePlacement& from, const NaivePlacement& to, int rows, bool shared)
     {
-        const Trial trial = {spec, from, to, rows, shared};
+        const NaiveTrial trial = {spec, from, to, rows, shared};
         Bytes source = pixels;
         Bytes target = shared ? pixels : Bytes(size, 0xCC);
         Bytes& read = shared ? target : source;
@@ -103,7 +31,7 @@ public:
         const plk_target targetView = TargetOf(target, to);
         const std::string words =
             RunWords(plan.get(), &sourceView, &targetView, static_cast<std::uint64_t>(rows));
-        const std::string expected = ExpectedEnd(trial, inPlace, size);
+        const std::string expected = NaiveEnd(trial, inPlace, size);
         ASSERT_EQ(words.substr(0, words.find('.')), expected) << Describe(trial) << ": " << words;
         ++(expected == "OK" ? accepted : refused);
         const Bytes after =
@@ -170,8 +98,8 @@ TEST(RunExtents, AreThoseOfAByteMapInBuffersOfTheirOwn)
     for (const NaiveJoin& spec : SmallSpecs()) {
         ExtentTrials trials(spec);
         ForStrides(spec, [&](NaivePlacement from, NaivePlacement to) {
-            for (const int offset : {0, 1, 8, 12, 17, 21, 23})
-                for (const int rows : {0, 1, 2, 3}) {
+            for (const int offset : {0, 1, 12, 21})
+                for (const int rows : {0, 1, 3}) {
                     from.offset = offset;
                     to.offset = 24 - 2 * offset / 3 - 2;
                     trials.Try(from, to, rows, false);
@@ -191,8 +119,8 @@ TEST(RunExtents, AreThoseOfAByteMapInOneBuffer)
     for (const NaiveJoin& spec : SmallSpecs()) {
         ExtentTrials trials(spec);
         ForStrides(spec, [&](NaivePlacement from, NaivePlacement to) {
-            for (const int distance : {-9, -4, -3, -2, -1, 0, 1, 2, 5, 6})
-                for (const int rows : {1, 2, 3}) {
+            for (const int distance : {-4, -2, -1, 0, 1, 3})
+                for (const int rows : {1, 3}) {
                     from.offset = 11;
                     to.offset = 11 + distance;
                     trials.Try(from, to, rows, true);
@@ -221,7 +149,8 @@ TEST(RunExtents, KeepTheTargetsOwnPiecesApart)
                         Bytes inks(700);
                         const plk_source source = SourceOf(pixels, from);
                         const plk_target target = TargetOf(inks, to);
-                        const bool apart = !HasTwice(PlacesWritten(spec, to, rows));
+                        const bool apart =
+                            NaiveEnd({spec, from, to, rows, false}, false, inks.size()) == "OK";
                         plk_failure failure = Sized<plk_failure>();
                         ASSERT_EQ(plk_plan_run(plan.get(), &source, &target,
                                                static_cast<std::uint64_t>(rows), &failure),

@@ -93,6 +93,38 @@ std::vector<long long> PlacesOf(const PlaneBytes& covered, const NaivePlacement&
     return places;
 }
 
+bool LiesIn(const std::vector<long long>& places, std::size_t size)
+{
+    return std::all_of(places.begin(), places.end(), [=](long long place) {
+        return place >= 0 && place < static_cast<long long>(size);
+    });
+}
+
+bool HasTwice(const std::vector<long long>& places)
+{
+    return std::set<long long>(places.begin(), places.end()).size() != places.size();
+}
+
+bool HaveCommon(const std::vector<long long>& one, const std::vector<long long>& other)
+{
+    const std::set<long long> places(one.begin(), one.end());
+    return std::any_of(other.begin(), other.end(),
+                       [&](long long place) { return places.count(place) != 0; });
+}
+
+// The same rows and planes; a stride that none of them takes may differ.
+bool IsSame(const NaiveTrial& trial)
+{
+    const auto placesOf = [&](const NaiveGeometry& form, const NaivePlacement& at) {
+        std::vector<long long> places;
+        for (int row = 0; row != trial.rows; ++row)
+            for (int plane = 0; plane != (form.planar ? form.channels : 1); ++plane)
+                places.push_back(at.offset + row * at.rowStep + plane * at.planeStep);
+        return places;
+    };
+    return placesOf(trial.spec.source, trial.from) == placesOf(trial.spec.target, trial.to);
+}
+
 } // namespace
 
 std::vector<long long> PlacesRead(const NaiveJoin& join, const NaivePlacement& at, int rows)
@@ -120,6 +152,33 @@ Bytes NaiveRun(const NaiveJoin& join, const Bytes& source, const NaivePlacement&
                 after[DensePlace(join.target, byte)];
     }
     return result;
+}
+
+std::string Describe(const NaiveTrial& trial)
+{
+    const auto view = [](const NaivePlacement& place) {
+        return std::to_string(place.offset) + "/" + std::to_string(place.rowStep) + "/" +
+               std::to_string(place.planeStep);
+    };
+    return Describe(trial.spec) + ", from " + view(trial.from) + " to " + view(trial.to) + ", " +
+           std::to_string(trial.rows) + " rows" + (trial.shared ? " in one buffer" : "");
+}
+
+std::string NaiveEnd(const NaiveTrial& trial, bool inPlace, std::size_t size)
+{
+    const std::vector<long long> written = PlacesWritten(trial.spec, trial.to, trial.rows);
+    const std::vector<long long> read = PlacesRead(trial.spec, trial.from, trial.rows);
+    if (written.empty())
+        return "OK";
+    if (!LiesIn(read, size))
+        return "TOO_SMALL source";
+    if (!LiesIn(written, size))
+        return "TOO_SMALL target";
+    if (HasTwice(written))
+        return "OVERLAP target";
+    if (trial.shared && HaveCommon(read, written) && !(inPlace && IsSame(trial)))
+        return "OVERLAP target";
+    return "OK";
 }
 
 } // namespace zvk::Pelkraft::TestSupport

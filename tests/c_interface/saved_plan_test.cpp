@@ -1,4 +1,5 @@
 #include "tests/c_interface/plan_support.h"
+#include "tests/c_interface/sealed_record.h"
 #include "tests/support/random_bytes.h"
 
 #include <cstring>
@@ -8,30 +9,6 @@
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-// The check at the end of a record, bit by bit from the definition of CRC-32.
-std::uint32_t NaiveCheck(const Bytes& bytes, std::size_t count)
-{
-    std::uint32_t rest = 0xFFFFFFFF;
-    for (std::size_t bit = 0; bit != 8 * count; ++bit) {
-        const std::uint32_t top = rest % 2 ^ (bytes[bit / 8] >> bit % 8) % 2U;
-        rest = rest / 2 ^ (top != 0 ? 0xEDB88320 : 0);
-    }
-    return ~rest;
-}
-
-void Append(Bytes& bytes, std::uint64_t number, int count)
-{
-    for (; count != 0; --count, number /= 256)
-        bytes.push_back(static_cast<unsigned char>(number % 256));
-}
-
-// A record with its own check, whatever it says.
-Bytes Sealed(Bytes record)
-{
-    Append(record, NaiveCheck(record, record.size()), 4);
-    return record;
-}
 
 Bytes Unsealed(const Bytes& record)
 {
@@ -79,19 +56,19 @@ plk_spec RichSpec()
 TEST(SavedPlan, HasAllFieldsWithTheirLowByteFirst)
 {
     Bytes record = {'p', 'l', 'k', 'P'};
-    Append(record, 1, 4);
-    Append(record, 96, 8);
+    AppendNumber(record, 1, 4);
+    AppendNumber(record, 96, 8);
     for (const std::uint64_t width : {1001, 2000}) {
-        Append(record, width, 8);
-        Append(record, width == 1001 ? 5 : 4, 4);
-        Append(record, width == 1001 ? 8 : 16, 4);
-        Append(record, width == 1001 ? 0 : 1, 4);
+        AppendNumber(record, width, 8);
+        AppendNumber(record, width == 1001 ? 5 : 4, 4);
+        AppendNumber(record, width == 1001 ? 8 : 16, 4);
+        AppendNumber(record, width == 1001 ? 0 : 1, 4);
     }
     for (const std::uint64_t field : {2, 1, 2, 1, 1, 1, 1, 1})
-        Append(record, field, 4);
-    Append(record, 4, 8);
+        AppendNumber(record, field, 4);
+    AppendNumber(record, 4, 8);
     for (const std::int32_t entry : mapOfFour)
-        Append(record, static_cast<std::uint32_t>(entry), 4);
+        AppendNumber(record, static_cast<std::uint32_t>(entry), 4);
     EXPECT_EQ(Saved(PlanOf(RichSpec()).get()), Sealed(record));
 }
 
@@ -240,7 +217,7 @@ TEST(SavedPlan, GoesThroughTheChecksOfASpec)
     const auto wordsWith = [&](std::size_t place, std::uint64_t number, int count) {
         Bytes changed = record;
         Bytes bytes;
-        Append(bytes, number, count);
+        AppendNumber(bytes, number, count);
         std::copy(bytes.begin(), bytes.end(), changed.begin() + static_cast<long>(place));
         return LoadWords(Sealed(changed));
     };

@@ -1,0 +1,14 @@
+#include "tests/c_interface/any_plan.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+{
+    const std::string finding = zvk::Pelkraft::TestSupport::CheckAnyPlan(bytes, count);
+    if (!finding.empty()) {
+        std::fprintf(stderr, "%s\n", finding.c_str());
+        std::abort();
+    }
+    return 0;
+}
