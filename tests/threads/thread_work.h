@@ -69,6 +69,24 @@ private:
     std::vector<Work> works;
 };
 
+// Plans of the C interface, each of which all threads run at once. They read one picture and write
+// neighbouring rows of another.
+class PlanWork
+{
+public:
+    explicit PlanWork(int threads);
+    ~PlanWork();
+    PlanWork(const PlanWork&) = delete;
+    PlanWork& operator=(const PlanWork&) = delete;
+
+    void Run(int thread);
+
+private:
+    struct Work;
+
+    std::vector<Work> works;
+};
+
 // Conversions that fail, each of which logs one line.
 class FailureWork
 {

@@ -143,6 +143,12 @@ TEST(SixteenThreads, BuildAndApplyPatterns)
     AtOnceInRounds([&](int thread) { patterns.Run(thread); });
 }
 
+TEST(SixteenThreads, RunOnePlan)
+{
+    PlanWork plans(threadCount);
+    AtOnceInRounds([&](int thread) { plans.Run(thread); });
+}
+
 TEST(SixteenThreads, LogEveryFailureWhileTheLogIsSwapped)
 {
     constexpr int runs = 20;
