@@ -137,7 +137,7 @@ void GiveBytes(const char* content, std::uint64_t count, void* buffer, std::uint
                       "bytes is ", bytes, "; ", count, " are needed");
     if (buffer == nullptr)
         throw NullRefusal("buffer");
-    std::memcpy(buffer, content, count);
+    std::memcpy(buffer, content, static_cast<std::size_t>(count));
 }
 
 } // namespace zvk::Pelkraft

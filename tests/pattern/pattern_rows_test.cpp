@@ -65,7 +65,7 @@ std::vector<std::uint64_t> SomeNumbers()
         numbers.push_back(random());
     // Each standard library shuffles in its own way, so none is called.
     for (std::size_t last = numbers.size(); last > 1; --last)
-        std::swap(numbers[last - 1], numbers[random() % last]);
+        std::swap(numbers[last - 1], numbers[static_cast<std::size_t>(random() % last)]);
     return numbers;
 }
 
