@@ -25,22 +25,36 @@ picture_packages=(ghostscript libtiff-tools)
 test_packages=(perl clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binutils valgrind
     abigail-tools groff-base fish zsh doxygen libc++-14-dev libc++abi-14-dev g++-12-multilib
     python3)
+# To build the Python package, and what its tests and pages ask for.
+python_packages=(python3-dev pybind11-dev python3-numpy)
+python_test_packages=("${python_packages[@]}" python3-setuptools python3-wheel python3-pip
+    python3-venv python3-pytest python3-hypothesis python3-tifffile python3-matplotlib
+    python3-dask mypy)
 bench_packages=(libbenchmark-dev python3 util-linux)
 cross_packages=(g++ cmake ninja-build pkg-config googletest)
 peer_packages=(libopencv-dev libyuv-dev libswscale-dev python3-dev python3-numpy)
 
 case "${1:-test}" in
 demo) wanted=("${build_packages[@]}" "${picture_packages[@]}" ghostscript-doc) ;;
-test) wanted=("${build_packages[@]}" "${picture_packages[@]}" "${test_packages[@]}") ;;
-package) wanted=("${build_packages[@]}" debhelper lintian) ;;
+test)
+    wanted=("${build_packages[@]}" "${picture_packages[@]}" "${test_packages[@]}"
+        "${python_test_packages[@]}")
+    ;;
+package)
+    wanted=("${build_packages[@]}" "${python_packages[@]}" python3-setuptools dh-python debhelper
+        lintian)
+    ;;
 package_check) wanted=(debootstrap "${picture_packages[@]}") ;;
 docs) wanted=(doxygen) ;;
-bench) wanted=("${build_packages[@]}" "${bench_packages[@]}" clang libgtest-dev) ;;
+bench)
+    wanted=("${build_packages[@]}" "${bench_packages[@]}" "${python_packages[@]}" clang
+        libgtest-dev)
+    ;;
 peers) wanted=(g++ cmake ninja-build pkg-config "${bench_packages[@]}" "${peer_packages[@]}") ;;
 coverage) wanted=("${build_packages[@]}" libgtest-dev gcovr python3) ;;
 analysis)
-    wanted=("${build_packages[@]}" "${bench_packages[@]}" "${peer_packages[@]}" clang clang-tidy
-        cppcheck libgtest-dev)
+    wanted=("${build_packages[@]}" "${bench_packages[@]}" "${peer_packages[@]}"
+        "${python_packages[@]}" clang clang-tidy cppcheck libgtest-dev)
     ;;
 windows) wanted=("${cross_packages[@]}" g++-mingw-w64-x86-64-posix clang lld llvm wine64) ;;
 windows_program)
