@@ -3,6 +3,7 @@
 # SPDX-License-Identifier: Apache-2.0
 import os
 import re
+import shlex
 import shutil
 import subprocess
 import sys
@@ -20,7 +21,10 @@ def read_version():
 
 
 class BuildByCMake(build_ext):
-    """Runs CMake, which finds an installed library in CMAKE_PREFIX_PATH or the system's folders."""
+    """Runs CMake, which finds an installed library in CMAKE_PREFIX_PATH or the system's folders.
+
+    CMAKE_ARGS may hold more options.
+    """
 
     def build_extension(self, ext):
         folder = os.path.abspath(self.build_temp)
@@ -28,6 +32,7 @@ class BuildByCMake(build_ext):
         # What an earlier run found need not be what is wanted now.
         shutil.rmtree(folder, ignore_errors=True)
         options = [f"-DPython_EXECUTABLE={sys.executable}", "-DCMAKE_BUILD_TYPE=Release"]
+        options += shlex.split(os.environ.get("CMAKE_ARGS", ""))
         subprocess.check_call(["cmake", "-S", HERE, "-B", folder, *options])
         subprocess.check_call(["cmake", "--build", folder])
         subprocess.check_call(

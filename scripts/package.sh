@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Makes the Debian packages libpelkraft1, libpelkraft-dev and pelkraft in build/packages/.
+# Makes the Debian packages libpelkraft1, libpelkraft-dev, pelkraft and python3-pelkraft in
+# build/packages/.
 #   package.sh --windows    makes the zip for Windows there instead
 # DEBFULLNAME and DEBEMAIL say who builds them, as with Debian's own tools; without them it is who
 # made the last commit.
@@ -21,7 +22,7 @@ rm -rf build/debian build/packages
 mkdir -p build/debian build/packages
 cp -r packaging/debian "$debian"
 mv "$debian/libpelkraft.install" "$debian/libpelkraft${version%%.*}.install"
-sed "s|@MAINTAINER@|$maintainer|; s|@MAJOR@|${version%%.*}|" "$debian/control.in" \
+sed "s|@MAINTAINER@|$maintainer|; s|@MAJOR@|${version%%.*}|g" "$debian/control.in" \
     >"$debian/control"
 rm "$debian/control.in"
 

@@ -37,7 +37,7 @@ apt_in_root update
 say "the compilers of customers"
 apt_in_root install g++ clang cmake ninja-build pkg-config
 mkdir "$home/customers"
-cp -r README.md tests/package/customers.sh tests/package/consumer "$home/customers/"
+cp -r README.md tests/package/{python_client.py,customers.sh,consumer} "$home/customers/"
 cp build/packages/*.deb "$home/"
 gs -q -dSAFER -sDEVICE=tiff32nc -r36 -o "$home/page.tif" tests/tools/cmyk_spot_page.ps
 
@@ -70,8 +70,12 @@ client pattern "$pattern" | tail -n 1
 client simulate --preview /srv/seen.png "$pattern" /srv/page.tif /srv/dots.tif
 [ -s "$home/dots.tif" ] && [ -s "$home/seen.png" ]
 
+say "the package for Python"
+in_root /usr/bin/python3 /srv/customers/python_client.py "$pattern"
+in_root /usr/bin/python3 -m pelkraft
+
 say "purging"
-apt_in_root purge --autoremove pelkraft libpelkraft-dev libpelkraft1
+apt_in_root purge --autoremove python3-pelkraft pelkraft libpelkraft-dev libpelkraft1
 files_of_root | comm -13 "$home/before" - >"$home/left"
 if [ -s "$home/left" ]; then
     echo "left behind:" >&2
