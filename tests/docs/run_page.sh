@@ -2,6 +2,8 @@
 # Runs what a page shows: run_page.sh SOURCE_DIR BUILD_DIR PREFIX PAGE
 #   ```sh       commands, in a copy of the files that pages speak of
 #   ```console  commands after "$ ", whose output is compared with the lines below
+#   ```pycon    a session of Python with the package of the build, all blocks of a page one after the
+#               other, once the other blocks are through
 #   ```text     a dot pattern, the file that a comment above names; loads without a finding
 #   ```         what the example above prints, as in its .expected file
 #   ```cpp      an example, which docs_show_the_examples compares; README's runs in customers.sh
@@ -158,10 +160,18 @@ load_pattern() {
     fi
 }
 
+run_sessions() {
+    [ ! -f "$work/session" ] ||
+        (cd "$tree" && PYTHONPATH=$build_dir/python PYTHONDONTWRITEBYTECODE=1 \
+            MPLCONFIGDIR=$work/matplotlib /usr/bin/python3 -m doctest "$work/session") ||
+        fail "a session goes otherwise"
+}
+
 run_block() {
     case $1 in
     *.sh) run_commands "$1" ;;
     *.console) diff "$1" <(transcript "$1") || fail "output has changed" ;;
+    *.pycon) cat "$1" >>"$work/session" ;;
     *.text) load_pattern "$1" ;;
     *.cpp)
         example=$(cat "$1.name" 2>/dev/null || true)
@@ -227,6 +237,7 @@ for block in "$blocks"/*; do
     *) run_block "$block" ;;
     esac
 done
+run_sessions
 run_inline
 follow_links
 compare_files
