@@ -3,10 +3,11 @@
 
 from __future__ import annotations
 
+import asyncio
 import uuid
+from concurrent.futures import CancelledError
 from typing import Any, Callable, Optional
 
-import dask
 import distributed
 from distributed import KilledWorker
 
@@ -15,6 +16,9 @@ from .runners import Runner, Verdict
 
 CONNECT_SECONDS = 30
 RESTART_SECONDS = 10
+# A result stands on its worker until it is asked for, and is made again where that one is lost.
+RESULT_SECONDS = 60
+GONE = "the scheduler went away"
 
 
 class DaskRunner(Runner):
@@ -44,7 +48,7 @@ class DaskRunner(Runner):
             self._client = distributed.Client(self._cluster or self._address,
                                               timeout=CONNECT_SECONDS, set_as_default=False)
             self._client.wait_for_workers(1, timeout=CONNECT_SECONDS)
-        except (OSError, TimeoutError, dask.distributed.TimeoutError) as error:
+        except (OSError, asyncio.TimeoutError) as error:
             self.__exit__()
             place = self._address or "this machine"
             raise ClusterLost(f"no scheduler with a worker at {place}: {error}") from error
@@ -71,16 +75,22 @@ class DaskRunner(Runner):
         self._under_way.pop(future.key, None)
         if future.key in self._frozen:
             return Verdict.WORKER_LOST, self._frozen.pop(future.key)
-        if future.cancelled() or future.status == "lost":
-            return Verdict.CLUSTER_LOST, "the scheduler went away"
-        verdict, value = super().verdict(future)
-        if isinstance(value, KilledWorker):
+        if future.cancelled():
+            return Verdict.CLUSTER_LOST, GONE
+        try:
+            return Verdict.DONE, future.result(timeout=RESULT_SECONDS)
+        except KilledWorker:
             return Verdict.WORKER_LOST, "its workers ended"
-        return verdict, value
+        except (Exception, CancelledError) as error:
+            if future.status == "error":
+                return Verdict.FAILED, error
+            if self._client.status != "running":
+                return Verdict.CLUSTER_LOST, GONE
+            return Verdict.WORKER_LOST, "its worker did not give the result"
 
     def check(self) -> None:
         if self._client.status != "running":
-            raise ClusterLost("the scheduler went away")
+            raise ClusterLost(GONE)
 
     def unfreeze(self, future: Any, seconds: float) -> None:
         holders = [worker for worker, keys in self._client.processing().items()
@@ -89,7 +99,7 @@ class DaskRunner(Runner):
         future.cancel()
         try:
             self._client.restart_workers(holders, timeout=RESTART_SECONDS)
-        except (KeyError, ValueError, TimeoutError, dask.distributed.TimeoutError):
+        except (KeyError, ValueError, OSError, asyncio.TimeoutError):
             # A worker without a nanny is the scheduler's to give up.
             pass
 

@@ -8,6 +8,7 @@ once, and which page is to blame when a worker is lost.
 from __future__ import annotations
 
 import os
+import secrets
 import time
 from collections import deque
 from dataclasses import dataclass, replace
@@ -25,6 +26,8 @@ from .task import FAILED, LEFT, Converter, PageResult, Task, make_page
 DEFAULT_TIMEOUT = 600.0
 DEFAULT_RETRIES = 2
 LONGEST_WAIT = 1.0
+# A worker may be ended by chance, even that of a page on its own.
+LONELY_LOSSES = 2
 
 
 def run_pages(jobs: Iterable[PageJob], runner: Optional[Runner] = None, *,
@@ -51,7 +54,8 @@ def run_pages(jobs: Iterable[PageJob], runner: Optional[Runner] = None, *,
         raise JobError(f"window is {window}; 1 or more would do")
     if not timeout > 0:
         raise JobError(f"timeout is {timeout}; more than 0 seconds would do")
-    tasks = [Task(number, job, redo, convert) for number, job in enumerate(jobs, 1)]
+    run = secrets.token_hex(8)
+    tasks = [Task(number, job, run, redo, convert) for number, job in enumerate(jobs, 1)]
     return _Run(tasks, runner, retries, window or runner.window, timeout).results()
 
 
@@ -78,6 +82,7 @@ class _Page:
     task: Task
     attempts: int = 0
     losses: int = 0
+    lonely_losses: int = 0
     alone: bool = False
     future: Any = None
 
@@ -102,7 +107,7 @@ class _Run:
     def results(self) -> Iterator[PageResult]:
         if not self._runner.leads:
             return
-        remove_leftovers(task.job.output for task in self._tasks)
+        self._remove_leftovers()
         whole = False
         try:
             for number in range(1, len(self._tasks) + 1):
@@ -117,7 +122,11 @@ class _Run:
         finally:
             if not whole:
                 self._runner.stop()
-            remove_leftovers(task.job.output for task in self._tasks)
+            self._remove_leftovers()
+
+    def _remove_leftovers(self) -> None:
+        outputs = [task.job.output for task in self._tasks]
+        remove_leftovers([*outputs, *map(stamp_path, outputs)])
 
     def _submit(self) -> None:
         # A suspect gets a worker when all others are done, so that it can only blame itself.
@@ -158,9 +167,10 @@ class _Run:
             raise ClusterLost(str(value))
         elif verdict is Verdict.WORKER_LOST:
             page.losses += 1
-            if page.alone:
-                self._fail(page, LOST, f"{page.task.job.input}: {value}, while no other page was "
-                                       "under way")
+            page.lonely_losses += page.alone
+            if page.lonely_losses == LONELY_LOSSES:
+                self._fail(page, LOST, f"{page.task.job.input}: {value}, twice while no other "
+                                       "page was under way")
             else:
                 self._suspects.append(page)
         elif page.attempts <= self._retries and not self._runner.retries_itself:

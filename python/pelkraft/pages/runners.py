@@ -45,7 +45,7 @@ class Runner:
     def verdict(self, future: Any) -> tuple[Verdict, Any]:
         """What came of a future that is done, with its value, its exception or words."""
         try:
-            return Verdict.DONE, future.result(timeout=0)
+            return Verdict.DONE, future.result()
         except Exception as error:
             return Verdict.FAILED, error
 

@@ -16,12 +16,14 @@ READ_BYTES = 1 << 20
 
 @dataclass(frozen=True)
 class Stamp:
-    """Digests of a page's input, of its job and of the output's bytes, and what was said of it."""
+    """Digests of a page's input, of its job and of the output's bytes, what was said of it, and
+    the run that made it."""
 
     job: str
     input: str
     output: str
     warnings: tuple[str, ...] = ()
+    run: str = ""
 
     def write(self, output_path: str) -> None:
         record = {"stamp": STAMP_VERSION, **asdict(self)}

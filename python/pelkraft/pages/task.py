@@ -56,6 +56,7 @@ class Task:
 
     number: int
     job: PageJob
+    run: str = ""
     redo: bool = False
     convert: Optional[Converter] = field(default=None, compare=False)
 
@@ -86,13 +87,16 @@ def _make_or_keep(task: Task) -> tuple[str, Stamp]:
     with TiffPage(job.input, job.page) as page:
         picture, input_digest = page.read()
     job_digest = job.digest()
-    stamp = None if task.redo else read_stamp(job.output)
+    stamp = read_stamp(job.output)
+    if stamp and task.redo and stamp.run != task.run:
+        stamp = None
     if stamp and (stamp.job, stamp.input) == (job_digest, input_digest) and \
             stamp.output == file_digest(job.output):
-        return KEPT, stamp
+        # An earlier attempt may have made the page before its worker was lost.
+        return MADE if stamp.run == task.run else KEPT, stamp
     result, warnings = (task.convert or convert_page)(job, picture)
     with new_file(job.output, tiff_pieces(result)) as output_digest:
-        stamp = Stamp(job_digest, input_digest, output_digest, warnings)
+        stamp = Stamp(job_digest, input_digest, output_digest, warnings, task.run)
         # Before the file takes its place: a worker that is killed in between leaves a stamp that
         # fits no file, and one that is killed later a page that need not be made again.
         stamp.write(job.output)

@@ -1,0 +1,245 @@
+# SPDX-License-Identifier: Apache-2.0
+"""TIFF files read and written, beside tifffile and libtiff's programs."""
+
+import dataclasses
+import random
+import struct
+import subprocess
+
+import numpy
+import pytest
+import tifffile
+from conftest import write_cmyk
+
+from pelkraft.pages import Channel, PageError, Picture, Tags
+from pelkraft.pages.picture import pack_samples, unpack_samples
+from pelkraft.pages.tiff_reader import TiffPage
+from pelkraft.pages.tiff_writer import tiff_pieces
+
+
+def read(path, page=None):
+    with TiffPage(str(path), page) as opened:
+        return opened.read()[0]
+
+
+def levels_of(picture):
+    """A value for each sample, in rows of pixels, taken apart bit by bit."""
+    if picture.bits >= 8:
+        return picture.pixels.transpose(0, 2, 1) if picture.planar else picture.pixels
+    found = numpy.zeros((picture.height, picture.width, len(picture.channels)), numpy.uint8)
+    for row, column, channel in numpy.ndindex(found.shape):
+        first = column * picture.bits
+        byte = int(picture.pixels[row, channel, first // 8])
+        found[row, column, channel] = byte >> (8 - picture.bits - first % 8) & \
+            ((1 << picture.bits) - 1)
+    return found
+
+
+def write(path, picture):
+    path.write_bytes(b"".join(map(bytes, tiff_pieces(picture))))
+
+
+def random_picture(seed, bits, planar, width=13, height=5, channels=3, compressed=False):
+    rng = numpy.random.default_rng(seed)
+    names = tuple(Channel(f"Ink{i}") for i in range(channels))
+    tags = Tags(5, 2, tuple(channel.name for channel in names), ((300, 1), (600, 7)), 2, 1)
+    if bits < 8:
+        levels = rng.integers(0, 1 << bits, (height, channels, width), numpy.uint8)
+        pixels = pack_samples(levels, bits)
+    else:
+        shape = (height, channels, width) if planar else (height, width, channels)
+        pixels = rng.integers(0, 1 << bits, shape).astype(f"u{bits // 8}")
+    return Picture(pixels, width, bits, planar, names, tags, compressed)
+
+
+@pytest.mark.parametrize("bits", [1, 2])
+@pytest.mark.parametrize("samples", [1, 3, 4, 5, 8, 9])
+def test_samples_are_packed_from_the_top_bits(bits, samples):
+    values = numpy.random.default_rng(samples).integers(0, 1 << bits, (2, samples), numpy.uint8)
+    packed = pack_samples(values, bits)
+    for row in range(2):
+        text = "".join(f"{value:0{bits}b}" for value in values[row])
+        text += "0" * (-len(text) % 8)
+        assert packed[row].tobytes() == bytes(int(text[i:i + 8], 2)
+                                              for i in range(0, len(text), 8))
+    assert numpy.array_equal(unpack_samples(packed, samples, bits), values)
+
+
+@pytest.mark.parametrize("kind", [numpy.uint8, numpy.uint16])
+@pytest.mark.parametrize("planar", [False, True])
+@pytest.mark.parametrize("options", [
+    {}, {"rowsperstrip": 3}, {"tile": (16, 32)}, {"compression": "zlib"},
+    {"compression": "zlib", "predictor": True, "rowsperstrip": 7},
+    {"compression": "lzma", "tile": (32, 16)},
+    {"compression": "zlib", "predictor": True, "tile": (16, 16)}])
+@pytest.mark.parametrize("order", ["<", ">"])
+def test_a_page_of_tifffile_is_read(tmp_path, kind, planar, options, order):
+    pixels = numpy.random.default_rng(1).integers(
+        0, numpy.iinfo(kind).max, (37, 41, 4), kind, endpoint=True)
+    tifffile.imwrite(tmp_path / "a.tif", pixels.transpose(2, 0, 1) if planar else pixels,
+                     photometric="separated", metadata=None, byteorder=order,
+                     planarconfig="separate" if planar else "contig", **options)
+    picture = read(tmp_path / "a.tif")
+    assert (picture.width, picture.height, picture.bits, picture.planar) == \
+        (41, 37, 8 * numpy.dtype(kind).itemsize, planar)
+    assert numpy.array_equal(levels_of(picture), pixels)
+    assert picture.pixels.dtype == kind
+
+
+def test_packbits_is_read(tmp_path):
+    pixels = write_cmyk(tmp_path / "a.tif", 1, 20, 30)
+    subprocess.run(["tiffcp", "-c", "packbits", tmp_path / "a.tif", tmp_path / "b.tif"],
+                   check=True)
+    assert numpy.array_equal(levels_of(read(tmp_path / "b.tif")), pixels)
+
+
+@pytest.mark.parametrize("bits", [1, 8, 16])
+def test_reversed_bits_are_read(tmp_path, bits):
+    picture = random_picture(1, bits, False, channels=1)
+    write(tmp_path / "a.tif", picture)
+    subprocess.run(["tiffcp", "-f", "lsb2msb", tmp_path / "a.tif", tmp_path / "b.tif"],
+                   check=True)
+    assert (tmp_path / "a.tif").read_bytes() != (tmp_path / "b.tif").read_bytes()
+    assert numpy.array_equal(levels_of(read(tmp_path / "b.tif")), levels_of(picture))
+
+
+@pytest.mark.parametrize("bits", [1, 2, 8, 16])
+@pytest.mark.parametrize("planar", [False, True])
+@pytest.mark.parametrize("channels", [1, 3, 6])
+@pytest.mark.parametrize("compressed", [False, True])
+def test_a_written_page_is_read_again(tmp_path, bits, planar, channels, compressed):
+    picture = random_picture(7, bits, planar, channels=channels, compressed=compressed)
+    write(tmp_path / "a.tif", picture)
+    again = read(tmp_path / "a.tif")
+    assert numpy.array_equal(levels_of(again), levels_of(picture))
+    assert (again.channels, again.tags, again.planar, again.compressed) == \
+        (picture.channels, picture.tags, planar, compressed)
+    told = subprocess.run(["tiffinfo", "-D", tmp_path / "a.tif"], capture_output=True, text=True)
+    assert (told.returncode, told.stderr) == (0, "")
+    assert f"Bits/Sample: {bits}" in told.stdout and "Resolution: 300, 85.7143" in told.stdout
+
+
+@pytest.mark.parametrize("kind", [numpy.uint8, numpy.uint16])
+@pytest.mark.parametrize("planar", [False, True])
+@pytest.mark.parametrize("compressed", [False, True])
+def test_tifffile_reads_what_was_written(tmp_path, kind, planar, compressed):
+    picture = random_picture(3, 8 * numpy.dtype(kind).itemsize, planar, 300, 400,
+                             compressed=compressed)
+    write(tmp_path / "a.tif", picture)
+    found = tifffile.imread(tmp_path / "a.tif")
+    assert numpy.array_equal(found.transpose(1, 2, 0) if planar else found, levels_of(picture))
+
+
+@pytest.mark.parametrize("bits", [1, 2])
+@pytest.mark.parametrize("planar", [False, True])
+def test_libtiff_reads_packed_samples(tmp_path, bits, planar):
+    """tiffcp turns each layout into the other one, and that is read as it should be."""
+    picture = random_picture(5, bits, planar, channels=1)
+    write(tmp_path / "a.tif", picture)
+    subprocess.run(["tiffcp", "-c", "zip", "-r", "2", tmp_path / "a.tif", tmp_path / "b.tif"],
+                   check=True)
+    assert numpy.array_equal(levels_of(read(tmp_path / "b.tif")), levels_of(picture))
+
+
+def test_a_file_beyond_32_bits_has_the_big_form(tmp_path, monkeypatch):
+    monkeypatch.setattr("pelkraft.pages.tiff_writer.LARGEST_CLASSIC", 100)
+    picture = random_picture(9, 8, True)
+    write(tmp_path / "a.tif", picture)
+    assert (tmp_path / "a.tif").read_bytes()[2] == 43
+    assert numpy.array_equal(tifffile.imread(tmp_path / "a.tif").transpose(1, 2, 0),
+                             levels_of(picture))
+    assert numpy.array_equal(levels_of(read(tmp_path / "a.tif")), levels_of(picture))
+
+
+def test_pages_are_counted_from_1(tmp_path):
+    with tifffile.TiffWriter(tmp_path / "a.tif") as writer:
+        for value in (10, 20, 30):
+            writer.write(numpy.full((2, 3), value, numpy.uint8), photometric="minisblack",
+                         metadata=None)
+    assert [int(read(tmp_path / "a.tif", page).pixels[0, 0, 0]) for page in (1, 2, 3)] == \
+        [10, 20, 30]
+    for page, words in [(None, "has 3 pages; say which one to take"),
+                        (4, "has no page 4; its last is 3")]:
+        with pytest.raises(PageError, match=words) as caught:
+            read(tmp_path / "a.tif", page)
+        assert caught.value.kind == "input"
+
+
+def test_names_of_inks_and_extra_samples_are_read(tmp_path):
+    write_cmyk(tmp_path / "cmyk.tif", 1, channels=5)
+    picture = read(tmp_path / "cmyk.tif")
+    assert [channel.name for channel in picture.channels] == \
+        ["Cyan", "Magenta", "Yellow", "Black", ""]
+    assert [channel.extra for channel in picture.channels] == [None] * 4 + [0]
+    six = dataclasses.replace(random_picture(1, 8, False, channels=6))
+    write(tmp_path / "six.tif", six)
+    assert [channel.extra for channel in read(tmp_path / "six.tif").channels] == [None] * 6
+
+
+@pytest.mark.parametrize("options, kind, words", [
+    ({"dtype": "float32"}, "unsupported", "has samples of 32 bits; supported are 1, 2, 8 and 16"),
+    ({"dtype": "int8"}, "unsupported", "has signed, floating or complex samples"),
+    ({"dtype": "int16"}, "unsupported", "has signed, floating or complex samples")])
+def test_pages_that_are_not_served_are_refused(tmp_path, options, kind, words):
+    tifffile.imwrite(tmp_path / "a.tif", numpy.zeros((4, 4), **options), metadata=None,
+                     photometric="minisblack")
+    with pytest.raises(PageError, match=words) as caught:
+        read(tmp_path / "a.tif")
+    assert caught.value.kind == kind
+
+
+def test_lzw_is_refused_by_name(tmp_path):
+    write_cmyk(tmp_path / "a.tif", 1)
+    subprocess.run(["tiffcp", "-c", "lzw", tmp_path / "a.tif", tmp_path / "b.tif"], check=True)
+    if 5 in tifffile.TIFF.DECOMPRESSORS:
+        pytest.skip("this tifffile reads LZW")
+    with pytest.raises(PageError, match="has LZW, which this tifffile does not read"):
+        read(tmp_path / "b.tif")
+
+
+def test_a_missing_file_is_told(tmp_path):
+    with pytest.raises(PageError, match="none.tif: cannot be read: No such file") as caught:
+        read(tmp_path / "none.tif")
+    assert caught.value.kind == "read"
+
+
+@pytest.mark.parametrize("options", [{}, {"compression": "zlib", "predictor": True},
+                                     {"tile": (16, 16)}, {"rowsperstrip": 2}])
+def test_a_damaged_file_is_read_or_refused(tmp_path, options):
+    """Each cut and many changes of a byte: nothing but a picture or a PageError comes of it."""
+    path = tmp_path / "a.tif"
+    pixels = numpy.random.default_rng(2).integers(0, 255, (9, 11, 4), numpy.uint8)
+    tifffile.imwrite(path, pixels, photometric="separated", metadata=None, **options)
+    whole = path.read_bytes()
+    rng = random.Random(17)
+    refused = 0
+    cuts = [whole[:end] for end in range(0, len(whole), 7)]
+    changes = []
+    for _ in range(600):
+        changed = bytearray(whole)
+        for _ in range(rng.randint(1, 3)):
+            changed[rng.randrange(min(len(whole), 400))] = rng.randrange(256)
+        changes.append(bytes(changed))
+    for data in cuts + changes:
+        path.write_bytes(data)
+        try:
+            read(path)
+        except PageError as error:
+            refused += 1
+            assert str(path) in error.message
+    assert refused > len(cuts) // 2
+
+
+def test_a_declared_size_is_not_believed(tmp_path):
+    """A small file that claims a giant picture is refused before memory is taken for it."""
+    path = tmp_path / "a.tif"
+    tifffile.imwrite(path, numpy.zeros((8, 8), numpy.uint8), compression="zlib", metadata=None,
+                     photometric="minisblack")
+    data = bytearray(path.read_bytes())
+    count, = struct.unpack_from("<H", data, 8)
+    for entry in range(10, 10 + 12 * count, 12):
+        if struct.unpack_from("<H", data, entry)[0] in (256, 257, 278):
+            struct.pack_into("<HII", data, entry + 2, 4, 1, 1 << 20)
+    path.write_bytes(data)
+    with pytest.raises(PageError, match="can't hold|too short|damaged"):
+        read(path)
