@@ -41,7 +41,8 @@ private:
 template <typename Call>
 void RequireOk(const Call& call)
 {
-    plk_failure failure = {};
+    // The library fills it where the answer is a failure.
+    plk_failure failure;
     failure.size = sizeof failure;
     const plk_status status = call(&failure);
     if (status != PLK_OK)
