@@ -1,40 +1,15 @@
+#include "tools/pelkraft/json.h"
 #include "tools/pelkraft/pattern_report.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace zvk::Pelkraft::Client {
 namespace {
-
-// A value that finds no memory for its content follows a null pointer when it is destroyed.
-template <typename Value>
-struct AllocatorOrEnd : std::allocator<Value>
-{
-    template <typename Other>
-    struct rebind
-    {
-        using other = AllocatorOrEnd<Other>;
-    };
-
-    AllocatorOrEnd() = default;
-    template <typename Other>
-    AllocatorOrEnd(const AllocatorOrEnd<Other>&) noexcept
-    {}
-
-    // Being noexcept it ends the program where there is none.
-    Value* allocate(std::size_t count) noexcept { return std::allocator<Value>::allocate(count); }
-};
-
-// In the order of insertion.
-using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
-                                  std::int64_t, std::uint64_t, double, AllocatorOrEnd>;
 
 Json NameJson(const std::vector<std::string>& outInks, std::int32_t index)
 {
@@ -170,8 +145,7 @@ std::string PatternJson(const PatternReport& report)
     json["limits"] = LimitsJson(report.model);
     json["engines"] = EnginesJson(report);
     json["findings"] = FindingsJson(report);
-    // Names may hold bytes that are no UTF-8.
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return JsonText(json);
 }
 
 } // namespace zvk::Pelkraft::Client
