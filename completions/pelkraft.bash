@@ -24,7 +24,7 @@ _pelkraft() {
         case $verb in
         convert)
             offered='--help --layout --bits --channels --repeat --mirror --tones --portable
-                --threads --explain'
+                --threads --explain --json'
             ;;
         pattern) offered='--help --json --plot' ;;
         simulate) offered='--help --engine --levels --threads --preview --ink --explain' ;;

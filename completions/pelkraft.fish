@@ -21,6 +21,7 @@ complete -c pelkraft -n $convert -l tones -x -a 'scale raw' -d 'What samples bel
 complete -c pelkraft -n $convert -l portable -d 'Take the portable road of the library'
 complete -c pelkraft -n $convert -l threads -x -d 'Threads that share each band of rows'
 complete -c pelkraft -n $convert -l explain -d 'Print the plan, and how long it took'
+complete -c pelkraft -n $convert -l json -d 'Print the plan as JSON'
 
 complete -c pelkraft -n $pattern -l json -d 'Print one JSON object, for programs'
 complete -c pelkraft -n $pattern -l plot -r -F -d 'Draw the share of every ink value as SVG'

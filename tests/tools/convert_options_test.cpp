@@ -1,5 +1,8 @@
+#include "pelkraft/plan.hpp"
 #include "tests/tools/expected_image.h"
 #include "tests/tools/tool_fixture.h"
+
+#include <nlohmann/json.hpp>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
@@ -142,11 +145,10 @@ TEST_F(ConvertWork, ExplainsItsPlanAndDoesIt)
     ASSERT_EQ(0, outcome.exitCode) << outcome.errors;
     for (const char* words :
          {"100 x 4 pixels, 4 x 16 bits, contiguous, strips, uncompressed",
-          "interleaved, 100 pixels, 4 x 16 bits, 800 bytes", "pass 1",
-          "narrow 16 bits to 8, channels 3,2,1,0\n", "round tones 0 to 255 evenly", "pass 2",
-          "mirror, pack levels to 1 bit, split into planes\n",
-          "planar, 100 pixels, 4 x 1 bit, 52 bytes", "weave planes",
-          "contiguous bits, 100 pixels, 4 x 1 bit, 50 bytes", "road ", "tones      scale",
+          "interleaved, 100 pixels, 4 x 16 bits, 800 bytes", "library    narrow to 8 bits\n",
+          "planar, 100 pixels, 4 x 1 bit, 52 bytes", "client     weave planes",
+          "contiguous bits, 100 pixels, 4 x 1 bit, 50 bytes", "road       direct, ",
+          "traffic    reads 800 bytes, writes 52 for each row\n", "tones      scale",
           "polarity   MinIsBlack: 0 is black, kept", "bit order  highest bit first", "on 3 threads",
           "rows per second"})
         EXPECT_NE(std::string::npos, outcome.output.find(words)) << words << "\n" << outcome.output;
@@ -154,41 +156,52 @@ TEST_F(ConvertWork, ExplainsItsPlanAndDoesIt)
     EXPECT_EQ(Expected(image, wish).samples, Output().samples);
 
     const Outcome portable = Convert({"--portable", "--explain"});
-    EXPECT_NE(std::string::npos, portable.output.find("portable, as asked for"));
+    EXPECT_NE(std::string::npos, portable.output.find("road       direct, plain code (level 0)\n"));
     EXPECT_EQ("", Convert().output);
 }
 
-// The library may do the work in any order and way, so that only the samples' changes are named.
-TEST_F(ConvertWork, ExplainsWhatAPassDoesToTheSamples)
+// The library's own words for a conversion between rows of these forms.
+nlohmann::json Description(const RowFormat& source, const RowFormat& target, int repeat)
 {
-    struct Pass
-    {
-        int channels;
-        int bits;
-        std::vector<std::string> options;
-        std::string words;
-    };
-    const std::vector<Pass> passes = {
-        {3, 8, {}, "copy"},
-        {3, 8, {"--layout", "planar"}, "split into planes"},
-        {1, 8, {"--layout", "planar"}, "copy"},
-        {3, 16, {"--bits", "8"}, "narrow 16 bits to 8"},
-        {3, 8, {"--bits", "16", "--repeat", "2"}, "widen 8 bits to 16, repeat each pixel 2 times"},
-        {3, 8, {"--channels", "2,-,0", "--mirror", "--repeat", "1"}, "channels 2,-,0"},
-        {3, 8, {"--mirror", "--repeat", "4"}, "mirror, repeat each pixel 4 times"},
-        {3, 8, {"--bits", "2", "--tones", "raw"}, "pack levels to 2 bits, split into planes"},
-        {3, 1, {"--bits", "8", "--tones", "raw"}, "unpack 1 bit to levels, merge the planes"},
-    };
-    for (const Pass& pass : passes) {
-        const TiffImage image = RandomImage(20, 2, pass.channels, pass.bits, 43);
-        WriteTiff(Path("in.tif"), image, {});
-        std::vector<std::string> options = pass.options;
-        options.emplace_back("--explain");
-        const Outcome outcome = Convert(options);
-        EXPECT_NE(std::string::npos, outcome.output.find("\n  pass 1     " + pass.words + "\n"))
-            << pass.words << "\n"
-            << outcome.output;
-    }
+    ConversionSpec spec;
+    spec.source = source;
+    spec.target = target;
+    spec.repeat = repeat;
+    return nlohmann::json::parse(ConversionPlan(spec).Describe(PLK_JSON));
+}
+
+TEST_F(ConvertWork, ExplainsInTheLibrarysWords)
+{
+    WriteTiff(Path("in.tif"), RandomImage(20, 2, 3, 16, 43), {});
+    const Outcome outcome =
+        Convert({"--bits", "8", "--layout", "planar", "--repeat", "2", "--explain"});
+    const auto description = Description({20, 3, 16, false}, {40, 3, 8, true}, 2);
+    std::string steps;
+    for (const auto& step : description["steps"])
+        steps += "  library    " + step.get<std::string>() + "\n";
+    EXPECT_NE("", steps);
+    EXPECT_NE(std::string::npos, outcome.output.find(steps)) << steps << outcome.output;
+}
+
+TEST_F(ConvertWork, ExplainsEachPageInJson)
+{
+    FileForm form;
+    WriteTiff(Path("in.tif"), RandomImage(20, 2, 3, 1, 43), form);
+    const Outcome outcome =
+        Convert({"--channels", "2,1,0", "--portable", "--explain", "--json", "--threads", "3"});
+    ASSERT_EQ(0, outcome.exitCode) << outcome.errors;
+    const auto json = nlohmann::json::parse(outcome.output);
+    EXPECT_EQ(1, json["schema"]);
+    ASSERT_EQ(1U, json["pages"].size());
+    const auto& page = json["pages"][0];
+    EXPECT_EQ(1, page["page"]);
+    EXPECT_EQ(3, page["reads"]["channels"]);
+    EXPECT_EQ("interleaved", page["writes"]["layout"]);
+    EXPECT_EQ(2U, page["client"].size());
+    EXPECT_EQ((std::vector<int>{2, 1, 0}), page["library"]["map"].get<std::vector<int>>());
+    EXPECT_EQ(9, page["library"]["bytes_read"]);
+    EXPECT_EQ(3, page["threads"]);
+    EXPECT_TRUE(Refused(Convert({"--json"}), 2, {"--explain"}));
 }
 
 TEST_F(ConvertWork, TellsItsExitCodesInTheHelp)

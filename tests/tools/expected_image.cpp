@@ -8,15 +8,14 @@ int HighestLevel(int bits)
     return (1 << bits) - 1;
 }
 
-// To 8 bits: 16-bit samples by the interval of 257 that they lie in, levels stretched or as
-// numbers.
-int ToByte(int sample, int bits, bool scale)
+// To 8 bits: 16-bit samples by the interval of 257 that they lie in, levels stretched.
+int ToByte(int sample, int bits)
 {
     if (bits == 16)
         return (sample + 127) / 257;
     if (bits == 8)
         return sample;
-    return scale ? sample * 255 / HighestLevel(bits) : sample;
+    return sample * 255 / HighestLevel(bits);
 }
 
 int NearestLevel(int tone, int bits)
@@ -37,12 +36,15 @@ int ConvertSample(int sample, int from, int to, bool scale)
 {
     if (from == to)
         return sample;
-    const int byte = ToByte(sample, from, scale);
+    // Numbers stay what they are, as far as the new depth has bits for them.
+    if (!scale && (from < 8 || to < 8))
+        return sample & HighestLevel(to);
+    const int byte = ToByte(sample, from);
     if (to == 8)
         return byte;
     if (to == 16)
         return byte * 257;
-    return scale ? NearestLevel(byte, to) : byte & HighestLevel(to);
+    return NearestLevel(byte, to);
 }
 
 } // namespace

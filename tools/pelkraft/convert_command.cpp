@@ -32,6 +32,7 @@ struct Total
 Total PlanAll(const TiffFile& file, const ConvertOptions& options)
 {
     Total total;
+    Json pages = Json::array();
     int page = 1;
     do {
         const PagePlan plan = PlanPage(file, options);
@@ -40,12 +41,16 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
         const bool plain = plan.to.compression == COMPRESSION_NONE;
         total.bytes += rowBytes * plan.to.height / 2 * (plain ? 2 : 3);
         total.rows += plan.to.height;
-        if (options.explain)
+        if (options.json)
+            pages.push_back(ExplainPageJson(plan, options, page));
+        else if (options.explain)
             PrintText(ExplainPage(plan, options, page));
         for (const std::string& warning : plan.tags.warnings)
             PrintWarning(options.input, warning);
     } while (file.NextPage(page++));
     file.FirstPage();
+    if (options.json)
+        PrintText(JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
     return total;
 }
 
@@ -92,7 +97,7 @@ public:
         const Total total = PlanAll(file, options);
         AtomicOutput output(options.output);
         const bool cutSamples = ConvertAll(file, options, total, output);
-        if (options.explain)
+        if (options.explain && !options.json)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output);
         file.Close();
@@ -135,7 +140,9 @@ private:
                 "Threads that share each band of rows; the file is the same for any number")
             ->check(CLI::Range(1, mostThreads))
             ->capture_default_str();
-        verb->add_flag("--explain", options.explain, "Print the plan, and how long it took");
+        CLI::Option* const explain =
+            verb->add_flag("--explain", options.explain, "Print the plan, and how long it took");
+        verb->add_flag("--json", options.json, "Print the plan as JSON")->needs(explain);
     }
 
     void TakeOptions()

@@ -1,10 +1,12 @@
 #include "tools/pelkraft/explain.h"
 
 #include "tools/pelkraft/page_rows.h"
-#include "zvk/system_tools.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {
+
+constexpr const char* splitWords = "split contiguous bits into planes";
+constexpr const char* weaveWords = "weave planes into contiguous bits";
 
 std::string Line(const std::string& label, const std::string& text)
 {
@@ -38,14 +40,6 @@ std::string PolarityWords(std::uint16_t photometric)
     }
 }
 
-std::string RoadWords(const PagePlan& plan, const ConvertOptions& options)
-{
-    const std::string level = std::to_string(SystemTools::GetSseVersion());
-    if (!plan.request.portableRoad)
-        return "vector, processor level " + level;
-    return options.portable ? "portable, as asked for" : "portable, processor level " + level;
-}
-
 std::string TonesWords(const RowRequest& request)
 {
     if (request.from.bits == request.to.bits)
@@ -65,31 +59,83 @@ std::string BitOrderWords(const PagePlan& plan)
     return plan.to.bits < 8 ? words + " in the file, kept" : words + " in the file read";
 }
 
+std::string PolarityText(const PagePlan& plan)
+{
+    return PhotometricName(plan.tags.photometric) + PolarityWords(plan.tags.photometric) +
+           (plan.tags.photometric == plan.from.photometric ? ", kept" : "");
+}
+
+// The library's own description of the conversion.
+Json ReadDescription(const PagePlan& plan)
+{
+    return Json::parse(plan.rows.Conversion().Describe(PLK_JSON));
+}
+
+std::string BytesText(const Json& description)
+{
+    return "reads " + std::to_string(description["bytes_read"].get<std::uint64_t>()) +
+           " bytes, writes " + std::to_string(description["bytes_written"].get<std::uint64_t>());
+}
+
+Json PictureJson(const TiffPicture& picture)
+{
+    return {{"width", picture.width},
+            {"height", picture.height},
+            {"channels", picture.channels},
+            {"bits", picture.bits},
+            {"layout", picture.separate ? "planar" : "interleaved"},
+            {"tiles", picture.tiled},
+            {"compression", CompressionName(picture.compression)}};
+}
+
 } // namespace
 
 std::string ExplainPage(const PagePlan& plan, const ConvertOptions& options, int page)
 {
+    const RowRequest& request = plan.rows.Request();
+    const Json description = ReadDescription(plan);
     std::string text = "page " + std::to_string(page) + "\n";
     text += Line("reads", PictureWords(plan.from));
-    text += Line("row", plan.request.from.Words());
-    int pass = 0;
-    for (const RowStep& step : plan.steps) {
-        const bool fill = step.kind == RowStep::Kind::Fill;
-        text += Line(fill ? "pass " + std::to_string(++pass) : "client", step.Words());
-        if (step.Moves())
-            text += Line("row", step.to.Words());
-    }
+    text += Line("row", request.from.Words());
+    if (request.from.woven)
+        text += Line("client", splitWords) + Line("row", plan.rows.LibrarySource().Words());
+    for (const Json& step : description["steps"])
+        text += Line("library", step.get<std::string>());
+    if (request.to.woven)
+        text += Line("row", plan.rows.LibraryTarget().Words()) + Line("client", weaveWords);
+    text += Line("row", request.to.Words());
     text += Line("writes", PictureWords(plan.to));
-    text += Line("road", RoadWords(plan, options));
-    text += Line("tones", TonesWords(plan.request));
-    text += Line("polarity", PhotometricName(plan.tags.photometric) +
-                                 PolarityWords(plan.tags.photometric) +
-                                 (plan.tags.photometric == plan.from.photometric ? ", kept" : ""));
+    text += Line("road", description["road"].get<std::string>() + ", " +
+                             description["level"].get<std::string>());
+    text += Line("traffic", BytesText(description) + " for each row");
+    text += Line("tones", TonesWords(request));
+    text += Line("polarity", PolarityText(plan));
     text += Line("bit order", BitOrderWords(plan));
     text += Line("work", "bands of " + std::to_string(BandRows(plan.from, plan.to)) + " rows on " +
                              std::to_string(options.threads) +
                              (options.threads == 1 ? " thread" : " threads"));
     return text;
+}
+
+Json ExplainPageJson(const PagePlan& plan, const ConvertOptions& options, int page)
+{
+    const RowRequest& request = plan.rows.Request();
+    Json json;
+    json["page"] = page;
+    json["reads"] = PictureJson(plan.from);
+    json["writes"] = PictureJson(plan.to);
+    json["client"] = Json::array();
+    if (request.from.woven)
+        json["client"].push_back(splitWords);
+    if (request.to.woven)
+        json["client"].push_back(weaveWords);
+    json["library"] = ReadDescription(plan);
+    json["tones"] = TonesWords(request);
+    json["polarity"] = PolarityText(plan);
+    json["bit_order"] = BitOrderWords(plan);
+    json["band_rows"] = BandRows(plan.from, plan.to);
+    json["threads"] = options.threads;
+    return json;
 }
 
 } // namespace zvk::Pelkraft::Client

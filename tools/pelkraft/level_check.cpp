@@ -1,19 +1,11 @@
 #include "tools/pelkraft/level_check.h"
 
-#include "tools/pelkraft/tones.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 
 namespace zvk::Pelkraft::Client {
 namespace {
-
-// The highest 16-bit sample that the library narrows to level or below.
-constexpr int HighestWideSample(int level)
-{
-    return 257 * level + 129;
-}
 
 unsigned HighestByte(const unsigned char* first, std::int64_t count, std::int64_t step)
 {
@@ -52,8 +44,7 @@ bool ChannelExceeds(const unsigned char* row, const RowShape& shape, int channel
     const unsigned char* first = row + channel * (shape.planar ? planeBytes : sampleBytes);
     const std::int64_t step = shape.planar ? 1 : shape.channels;
     if (shape.bits == 16)
-        return HighestWord(first, shape.width, step) >
-               static_cast<unsigned>(HighestWideSample(level));
+        return HighestWord(first, shape.width, step) > static_cast<unsigned>(level);
     if (shape.bits == 8)
         return HighestByte(first, shape.width, step) > static_cast<unsigned>(level);
     return shape.bits == 2 && level < 3 && HasUpperBit(first, shape.width);
@@ -64,7 +55,7 @@ bool ChannelExceeds(const unsigned char* row, const RowShape& shape, int channel
 bool ExceedsLevels(const unsigned char* row, const RowShape& shape, int levelBits,
                    const std::vector<int>& map)
 {
-    const int level = MaxLevel(levelBits);
+    const int level = (1 << levelBits) - 1;
     if (map.empty()) {
         for (int channel = 0; channel < shape.channels; ++channel) {
             if (ChannelExceeds(row, shape, channel, level))

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "tools/pelkraft/plan.h"
+#include "tools/pelkraft/row_plan.h"
 
 #include <vector>
 
 namespace zvk::Pelkraft::Client {
 
-// True if a sample of the row is beyond the highest level of a depth of levelBits, once 16 bits are
-// narrowed to 8. The channels that map names are looked at, or all if it is empty.
+// True if a sample of the row is beyond the highest level of a depth of levelBits. The channels that
+// map names are looked at, or all if it is empty.
 bool ExceedsLevels(const unsigned char* row, const RowShape& shape, int levelBits,
                    const std::vector<int>& map);
 

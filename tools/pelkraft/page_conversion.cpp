@@ -5,8 +5,6 @@
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/row_pipeline.h"
 #include "tools/pelkraft/tag_writer.h"
-#include "tools/pelkraft/vector_level.h"
-#include "zvk/system_tools.h"
 
 #include <algorithm>
 #include <limits>
@@ -42,22 +40,22 @@ TiffPicture PlanPicture(const TiffPicture& from, const ConvertOptions& options,
 
 PagePlan PlanPage(const TiffFile& file, const ConvertOptions& options)
 {
-    PagePlan plan;
-    plan.from = ReadPicture(file);
-    const std::vector<Channel> channels = ReadChannels(file, plan.from);
+    const TiffPicture from = ReadPicture(file);
+    const std::vector<Channel> channels = ReadChannels(file, from);
+    RowRequest request;
     if (!options.channels.empty())
-        plan.request.map = ParseChannelList(options.channels, channels, file.Path());
-    plan.to = PlanPicture(plan.from, options, plan.request.map, file.Path());
-    plan.tags = PlanTags(file, plan.from, channels, plan.request.map, plan.to.bits);
-    plan.tags.repeat = options.repeat;
+        request.map = ParseChannelList(options.channels, channels, file.Path());
+    const TiffPicture to = PlanPicture(from, options, request.map, file.Path());
+    PageTags tags = PlanTags(file, from, channels, request.map, to.bits);
+    tags.repeat = options.repeat;
 
-    plan.request.from = ShapeOf(plan.from);
-    plan.request.to = ShapeOf(plan.to);
-    plan.request.factor = options.mirror ? -options.repeat : options.repeat;
-    plan.request.tones = options.tones.value_or(DefaultTones(plan.from.bits, plan.to.bits));
-    plan.request.portableRoad = options.portable || SystemTools::GetSseVersion() < vectorLevel;
-    plan.steps = PlanRows(file, plan.request);
-    return plan;
+    request.from = ShapeOf(from);
+    request.to = ShapeOf(to);
+    request.repeat = options.repeat;
+    request.mirror = options.mirror;
+    request.tones = options.tones.value_or(DefaultTones(from.bits, to.bits));
+    request.portableRoad = options.portable;
+    return {from, to, std::move(tags), PlanRows(file, request)};
 }
 
 bool ConvertPage(const TiffFile& file, const TiffFile& out, const PagePlan& plan,
@@ -65,7 +63,7 @@ bool ConvertPage(const TiffFile& file, const TiffFile& out, const PagePlan& plan
 {
     std::vector<RowPipeline> pipelines;
     for (int worker = 0; worker < options.threads; ++worker)
-        pipelines.emplace_back(plan.steps, options.portable);
+        pipelines.emplace_back(plan.rows);
     WriteTags(file, out, plan.to, plan.tags);
     WriteRows(
         {file, out, plan.from, plan.to, options.output, options.threads},

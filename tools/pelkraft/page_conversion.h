@@ -1,8 +1,8 @@
 #pragma once
 
 #include "tools/pelkraft/page_tags.h"
-#include "tools/pelkraft/plan.h"
 #include "tools/pelkraft/progress.h"
+#include "tools/pelkraft/row_plan.h"
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
 
@@ -26,6 +26,7 @@ struct ConvertOptions
     bool portable = false;
     int threads = 1;
     bool explain = false;
+    bool json = false;
 };
 
 // Everything that is known of a page's conversion before its first row.
@@ -34,8 +35,7 @@ struct PagePlan
     TiffPicture from;
     TiffPicture to;
     PageTags tags;
-    RowRequest request;
-    std::vector<RowStep> steps;
+    RowPlan rows;
 };
 
 // Plans the page at which the file stands, and refuses here what can't be served.

@@ -55,10 +55,10 @@ void PlanStrips(const TiffPicture& from, TiffPicture& to)
     to.compression = ChooseCompression(from, to);
 }
 
-std::vector<RowStep> PlanRows(const TiffFile& file, const RowRequest& request)
+RowPlan PlanRows(const TiffFile& file, const RowRequest& request)
 {
     try {
-        return PlanRow(request);
+        return RowPlan(request);
     } catch (const Failure& failure) {
         throw Failure(failure.Code(), file.Path(), failure.what());
     }

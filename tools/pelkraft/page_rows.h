@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tools/pelkraft/plan.h"
 #include "tools/pelkraft/progress.h"
+#include "tools/pelkraft/row_plan.h"
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
 
@@ -17,8 +17,8 @@ RowShape ShapeOf(const TiffPicture& picture);
 // Cuts the new page into strips, in a compression that can hold its samples.
 void PlanStrips(const TiffPicture& from, TiffPicture& to);
 
-// The steps of every row of a page. A refusal names the file.
-std::vector<RowStep> PlanRows(const TiffFile& file, const RowRequest& request);
+// The work on every row of a page. A refusal names the file.
+RowPlan PlanRows(const TiffFile& file, const RowRequest& request);
 
 // Rows that are held at once.
 std::uint32_t BandRows(const TiffPicture& from, const TiffPicture& to);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/pelkraft/plan.h"
+#include "tools/pelkraft/row_plan.h"
 
 #include <cstddef>
 #include <memory>
@@ -23,28 +23,23 @@ private:
     std::unique_ptr<unsigned char, Free> bytes;
 };
 
-// Takes rows through the steps of a plan. Each thread has one of its own.
+// Takes rows through a plan. Each thread has one of its own.
 class RowPipeline
 {
 public:
-    RowPipeline(const std::vector<RowStep>& newSteps, bool forcePortable);
+    explicit RowPipeline(const RowPlan& newPlan);
 
-    // fileRow is room to work in as well: steps in place change it.
-    void Run(unsigned char* fileRow, unsigned char* newRow);
+    void Run(const unsigned char* fileRow, unsigned char* newRow);
 
     // True if a sample so far exceeded the levels that it was cut to.
     bool CutSamples() const { return cutSamples; }
 
 private:
-    void Move(const RowStep& step, const unsigned char* from, unsigned char* to) const;
-    void ChangeInPlace(const RowStep& step, unsigned char* row);
-
-    const std::vector<RowStep>& steps;
-    bool portable;
+    const RowPlan& plan;
     bool cutSamples = false;
-    std::size_t lastMove = 0;
-    // Each step that moves leaves its row in one; the last leaves it in the new row.
-    std::vector<RowBuffer> buffers;
+    // The planes of woven rows; without a byte where the file has none.
+    RowBuffer sourcePlanes;
+    RowBuffer targetPlanes;
 };
 
 } // namespace zvk::Pelkraft::Client

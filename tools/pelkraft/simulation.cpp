@@ -19,7 +19,7 @@ constexpr std::int64_t largestRow = std::numeric_limits<std::int32_t>::max();
 struct Worker
 {
     Worker(const SimulationPlan& plan, const LoadedPattern& loaded)
-        : pipeline(plan.steps, false), steps(static_cast<std::size_t>(plan.request.to.Bytes())),
+        : pipeline(plan.rows), steps(static_cast<std::size_t>(plan.rows.Request().to.Bytes())),
           pattern(loaded.Make())
     {}
 
@@ -100,7 +100,6 @@ RowRequest RequestFor(const TiffPicture& from, const SimulateOptions& options,
     request.to.bits = 8;
     request.map = choice.map;
     request.tones = options.levels == Levels::Raw ? Tones::Raw : Tones::Scale;
-    request.portableRoad = !SseEngineRuns();
     return request;
 }
 
@@ -142,23 +141,22 @@ std::unique_ptr<DotWeavePattern> LoadedPattern::Make() const
 SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& options,
                               const LoadedPattern& pattern)
 {
-    SimulationPlan plan;
-    plan.from = ReadPicture(file);
-    RefuseRawWords(plan.from, options.levels, file.Path());
-    plan.channels = ReadChannels(file, plan.from);
-    plan.choice = ChooseChannels(pattern.inColours, plan.channels, file.Path());
-    plan.to = PlanPicture(plan.from, static_cast<int>(pattern.outInks.size()), file.Path());
+    const TiffPicture from = ReadPicture(file);
+    RefuseRawWords(from, options.levels, file.Path());
+    std::vector<Channel> channels = ReadChannels(file, from);
+    ChannelChoice choice = ChooseChannels(pattern.inColours, channels, file.Path());
+    const TiffPicture to = PlanPicture(from, static_cast<int>(pattern.outInks.size()), file.Path());
 
-    plan.tags.photometric = PHOTOMETRIC_SEPARATED;
-    plan.tags.keepColourTags = false;
-    plan.tags.keepValueTags = false;
-    plan.tags.inkSet = std::uint16_t{INKSET_MULTIINK};
-    plan.tags.numberOfInks = static_cast<std::uint16_t>(pattern.outInks.size());
-    plan.tags.inkNames = pattern.outInks;
+    PageTags tags;
+    tags.photometric = PHOTOMETRIC_SEPARATED;
+    tags.keepColourTags = false;
+    tags.keepValueTags = false;
+    tags.inkSet = std::uint16_t{INKSET_MULTIINK};
+    tags.numberOfInks = static_cast<std::uint16_t>(pattern.outInks.size());
+    tags.inkNames = pattern.outInks;
 
-    plan.request = RequestFor(plan.from, options, plan.choice);
-    plan.steps = PlanRows(file, plan.request);
-    return plan;
+    RowPlan rows = PlanRows(file, RequestFor(from, options, choice));
+    return {from, to, std::move(tags), std::move(channels), std::move(choice), std::move(rows)};
 }
 
 bool SimulatePage(const TiffFile& file, const TiffFile& out, const SimulationPlan& plan,

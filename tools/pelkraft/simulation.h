@@ -5,9 +5,9 @@
 #include "tools/pelkraft/ink_colours.h"
 #include "tools/pelkraft/page_tags.h"
 #include "tools/pelkraft/pattern_text.h"
-#include "tools/pelkraft/plan.h"
 #include "tools/pelkraft/preview_picture.h"
 #include "tools/pelkraft/progress.h"
+#include "tools/pelkraft/row_plan.h"
 #include "tools/pelkraft/step_levels.h"
 #include "tools/pelkraft/tiff_file.h"
 
@@ -60,8 +60,7 @@ struct SimulationPlan
     std::vector<Channel> channels;
     ChannelChoice choice;
     // From a row of the file to packed pixels, a byte for each in-colour.
-    RowRequest request;
-    std::vector<RowStep> steps;
+    RowPlan rows;
 };
 
 SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& options,

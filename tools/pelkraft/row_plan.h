@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pelkraft/plan.hpp"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -37,45 +39,32 @@ struct RowRequest
     RowShape to;
     // For each new channel an old one, or -1; empty takes all as they are.
     std::vector<int> map;
-    // 1, 2 or 4; negative mirrors the row.
-    int factor = 1;
+    // 1, 2 or 4.
+    int repeat = 1;
+    bool mirror = false;
     Tones tones = Tones::Scale;
     bool portableRoad = false;
 };
 
-// One step of the work on a row. Fill is a pass through the library; the client does the others.
-struct RowStep
+// The work on every row of a page. The library does it all but for woven rows, which the client
+// takes apart into planes before and puts together after.
+class RowPlan
 {
-    enum class Kind
-    {
-        // Takes woven samples apart into bit-packed planes, and back.
-        Split,
-        Weave,
-        // Adds planes of zeros after the row's own, and takes them away.
-        Pad,
-        Crop,
-        Fill,
-        // In place: 8-bit tones to levels, levels to 8-bit tones.
-        Quantize,
-        Stretch,
-        // Looks for samples that exceed the levels they are about to be cut to.
-        CheckLevels,
-    };
+public:
+    // Throws a Failure without a file where the rows are too long.
+    explicit RowPlan(const RowRequest& newRequest);
 
-    Kind kind = Kind::Fill;
-    RowShape from;
-    RowShape to;
-    // The map of a Fill, and for CheckLevels the channels that count.
-    std::vector<int> map;
-    int factor = 1;
-    // The depth of the levels.
-    int levelBits = 0;
+    const RowRequest& Request() const { return request; }
+    const ConversionPlan& Conversion() const { return conversion; }
+    // The rows that the library reads and writes.
+    RowShape LibrarySource() const;
+    RowShape LibraryTarget() const;
+    // The depth of the levels to which samples are cut as they are, or 0 where none is.
+    int CutBits() const;
 
-    bool Moves() const;
-    std::string Words() const;
+private:
+    RowRequest request;
+    ConversionPlan conversion;
 };
-
-// The steps in their order. Throws a Failure without a file where no way leads there.
-std::vector<RowStep> PlanRow(const RowRequest& request);
 
 } // namespace zvk::Pelkraft::Client
