@@ -116,6 +116,21 @@ struct StepRows
 using StepKernel = void (*)(const PixelStep& step, const StepRows& rows,
                             std::size_t destinationPixels);
 
+// A step made ready for many rows, which become what a step kernel makes of them.
+constexpr std::size_t preparedBytes = 704;
+struct PreparedStep
+{
+    void (*run)(const PreparedStep& prepared, const unsigned char* source,
+                unsigned char* destination, std::size_t destinationPixels);
+    // It outlives the prepared one.
+    const PixelStep* step;
+    // The level's own.
+    alignas(64) unsigned char state[preparedBytes];
+};
+// The rows have so many destination pixels or more.
+using PrepareKernel = void (*)(const PixelStep& step, std::size_t fewestPixels,
+                               PreparedStep& prepared);
+
 // Pixels of any size, mirrored and repeated but not mapped.
 struct PixelMove
 {
@@ -132,6 +147,7 @@ struct PixelKernels
     StepKernel step;
     std::size_t stepBytes;
     MoveKernel move;
+    PrepareKernel prepare;
 };
 
 // A pattern is at least this long.

@@ -163,43 +163,110 @@ void RunRest(const PixelStep& step, const StepNumbers& numbers, const Extent& ex
 }
 
 template <int vectors, Loads loads, bool mirrored>
-void RunBlocks(const PixelStep& step, int pixels, const StepRows& rows,
-               std::size_t destinationPixels)
+PELKRAFT_ALWAYS_INLINE inline void RunRows(const PixelStep& step, const Block<vectors>& block,
+                                           const StepNumbers& numbers, const StepRows& rows,
+                                           std::size_t destinationPixels)
 {
-    const StepNumbers numbers = NumbersOf(step, pixels);
     const std::size_t lastCopy = (std::size_t{1} << numbers.repeatShift) - 1;
     const std::size_t sourcePixels = (destinationPixels + lastCopy) >> numbers.repeatShift;
     const bool endsWhole = (destinationPixels & lastCopy) == 0;
     const Extent extent = {sourcePixels * step.sourceBytes,
                            static_cast<std::size_t>(numbers.pixels * numbers.sourceBytes),
                            (destinationPixels & ~lastCopy) * step.destinationBytes, endsWhole};
-    const Block<vectors> block = MakeBlock<vectors, loads>(numbers);
     for (std::size_t row = 0; row < rows.count; ++row)
         RunRow<vectors, loads, mirrored>(block, extent, rows.sources[row], rows.destinations[row]);
     if (!endsWhole)
         RunRest(step, numbers, extent, std::size_t{vectors} * vectorBytes, rows, destinationPixels);
 }
 
-using BlocksMethod = void (*)(const PixelStep& step, int pixels, const StepRows& rows,
-                              std::size_t destinationPixels);
+template <int vectors, Loads loads, bool mirrored>
+void RunBlocks(const PixelStep& step, int pixels, const StepRows& rows,
+               std::size_t destinationPixels)
+{
+    const StepNumbers numbers = NumbersOf(step, pixels);
+    const Block<vectors> block = MakeBlock<vectors, loads>(numbers);
+    RunRows<vectors, loads, mirrored>(step, block, numbers, rows, destinationPixels);
+}
+
+// A block with all that its rows ask for but their number of pixels.
+template <int vectors>
+struct ReadyBlock
+{
+    Block<vectors> block;
+    StepNumbers numbers;
+};
+
+template <int vectors, Loads loads, bool mirrored>
+void RunPrepared(const PreparedStep& prepared, const unsigned char* source,
+                 unsigned char* destination, std::size_t destinationPixels)
+{
+    const void* state = prepared.state;
+    // A copy, which the stores cannot change.
+    const auto ready = *static_cast<const ReadyBlock<vectors>*>(state);
+    RunRows<vectors, loads, mirrored>(*prepared.step, ready.block, ready.numbers,
+                                      {&source, &destination, 1}, destinationPixels);
+}
+
+template <int vectors, Loads loads, bool mirrored>
+void PrepareBlocks(const PixelStep& step, int pixels, PreparedStep& prepared)
+{
+    const StepNumbers numbers = NumbersOf(step, pixels);
+    const ReadyBlock<vectors> ready = {MakeBlock<vectors, loads>(numbers), numbers};
+    static_assert(sizeof ready <= sizeof prepared.state);
+    prepared.run = RunPrepared<vectors, loads, mirrored>;
+    prepared.step = &step;
+    std::memcpy(prepared.state, &ready, sizeof ready);
+}
+
+struct BlocksMethod
+{
+    void (*run)(const PixelStep& step, int pixels, const StepRows& rows,
+                std::size_t destinationPixels);
+    void (*prepare)(const PixelStep& step, int pixels, PreparedStep& prepared);
+};
+
+template <int vectors, Loads loads, bool mirrored>
+constexpr BlocksMethod methodOf = {RunBlocks<vectors, loads, mirrored>,
+                                   PrepareBlocks<vectors, loads, mirrored>};
 
 template <bool mirrored>
-BlocksMethod MethodOf(const BlockShape& shape)
+const BlocksMethod& MethodOf(const BlockShape& shape)
 {
     if (shape.loads == Loads::Shared)
-        return shape.vectors == 1 ? RunBlocks<1, Loads::Shared, mirrored>
-                                  : RunBlocks<2, Loads::Shared, mirrored>;
-    return RunBlocks<1, Loads::Straight, mirrored>;
+        return shape.vectors == 1 ? methodOf<1, Loads::Shared, mirrored>
+                                  : methodOf<2, Loads::Shared, mirrored>;
+    return methodOf<1, Loads::Straight, mirrored>;
+}
+
+const BlocksMethod& MethodOf(const PixelStep& step, const BlockShape& shape)
+{
+    return step.mirrored ? MethodOf<true>(shape) : MethodOf<false>(shape);
+}
+
+const BlockShape& ShapeOf(const PixelStep& step)
+{
+    return shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][step.repeat >> 1];
+}
+
+bool IsServed(const PixelStep& step, const BlockShape& shape, std::size_t destinationPixels)
+{
+    return shape.loads != Loads::None && (destinationPixels >> (step.repeat >> 1)) >= shape.pixels;
 }
 
 void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPixels)
 {
-    const int shift = step.repeat >> 1;
-    const BlockShape& shape = shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][shift];
-    if (shape.loads == Loads::None || (destinationPixels >> shift) < shape.pixels)
+    const BlockShape& shape = ShapeOf(step);
+    if (!IsServed(step, shape, destinationPixels))
         return VectorRoad::GetPixelKernels().step(step, rows, destinationPixels);
-    const BlocksMethod method = step.mirrored ? MethodOf<true>(shape) : MethodOf<false>(shape);
-    method(step, shape.pixels, rows, destinationPixels);
+    MethodOf(step, shape).run(step, shape.pixels, rows, destinationPixels);
+}
+
+void Prepare(const PixelStep& step, std::size_t fewestPixels, PreparedStep& prepared)
+{
+    const BlockShape& shape = ShapeOf(step);
+    if (!IsServed(step, shape, fewestPixels))
+        return VectorRoad::GetPixelKernels().prepare(step, fewestPixels, prepared);
+    MethodOf(step, shape).prepare(step, shape.pixels, prepared);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,
@@ -212,7 +279,7 @@ void Move(const PixelMove& move, const unsigned char* source, unsigned char* des
                                                               destinationPixels);
 }
 
-constexpr PixelKernels kernels = {Step, maxPixelBytes, Move};
+constexpr PixelKernels kernels = {Step, maxPixelBytes, Move, Prepare};
 
 } // namespace
 

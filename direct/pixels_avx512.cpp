@@ -1,3 +1,4 @@
+#include "common/inlining.h"
 #include "common/lanes_avx512.h"
 #include "direct/pixels_parts_avx512.h"
 
@@ -9,7 +10,7 @@ namespace {
 constexpr int maxShared = 4;
 
 // The fullest vectors win, then the fewest loads.
-constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
+PELKRAFT_ALWAYS_INLINE constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
 {
     const int loaded = vectorBytes / sourceBytes;
     const int stored = maxShared * vectorBytes / outputBytes;
@@ -31,12 +32,15 @@ constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
 
 constexpr BlockShapes shapes = MakeShapes(FindShape);
 
+const BlocksMethod& MethodOf(const BlockShape& shape)
+{
+    return shape.ownLoads ? methodOf<3, 1, true, true> : SharedMethodOf(shape);
+}
+
 void Run(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
          std::size_t destinationPixels)
 {
-    const BlocksMethod method =
-        shape.ownLoads ? RunBlocks<3, 1, true, true> : SharedMethodOf(shape);
-    method(step, shape, rows, destinationPixels);
+    MethodOf(shape).run(step, shape, rows, destinationPixels);
 }
 
 void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPixels)
@@ -50,6 +54,14 @@ void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPi
             destinationPixels);
 }
 
+void Prepare(const PixelStep& step, std::size_t, PreparedStep& prepared)
+{
+    const int shift = step.repeat >> 1;
+    const BlockShape shape = FindShape(step.sourceBytes, step.destinationBytes << shift);
+    prepared.step = &step;
+    MethodOf(shape).prepare(step, shape, prepared);
+}
+
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,
           std::size_t destinationPixels)
 {
@@ -60,7 +72,7 @@ void Move(const PixelMove& move, const unsigned char* source, unsigned char* des
         Avx2Road::GetPixelKernels().move(move, source, destination, destinationPixels);
 }
 
-constexpr PixelKernels kernels = {Step, maxStepBytes, Move};
+constexpr PixelKernels kernels = {Step, maxStepBytes, Move, Prepare};
 
 } // namespace
 

@@ -98,15 +98,21 @@ struct Row
 
 // The masks of a block, where each vector loads from in it, and the way from block to block.
 template <int vectors, int loads>
-struct Block
+struct BlockMoves
 {
     // Each vector has a mask for each of its loads.
     Lanes masks[vectors * loads];
-    // The places of each vector count from its first load.
-    Lanes places[vectors];
     std::ptrdiff_t loadAt[vectors];
     // Negative where the step mirrors.
     std::ptrdiff_t fromStep;
+};
+
+template <int vectors, int loads>
+struct Block
+{
+    BlockMoves<vectors, loads> moves;
+    // The places of each vector count from its first load.
+    Lanes places[vectors];
     std::ptrdiff_t toStep;
 };
 
@@ -138,19 +144,19 @@ PELKRAFT_ALWAYS_INLINE inline Block<vectors, loads> MakeBlock(const StepNumbers&
         const int at = ownLoads ? LoadStart(numbers, vectorBytes * vector, loadedBytes) : sameLoads;
         const Lanes placed = PlacesOf(numbers, places, vector, at);
         Unroll<loads>([&](auto load) {
-            block.masks[vector * loads + load] =
+            block.moves.masks[vector * loads + load] =
                 loads == 1 ? placed : MaskOfLoad(Subtract8(placed, Set8(load * vectorBytes)));
         });
         block.places[vector] = placed;
-        block.loadAt[vector] = at;
+        block.moves.loadAt[vector] = at;
     });
-    block.fromStep = numbers.mirrored ? -blockBytes : blockBytes;
+    block.moves.fromStep = numbers.mirrored ? -blockBytes : blockBytes;
     block.toStep = numbers.pixels * (numbers.destinationBytes << numbers.repeatShift);
     return block;
 }
 
 template <int vectors, int loads, bool ownLoads>
-PELKRAFT_ALWAYS_INLINE inline void DoBlock(const Block<vectors, loads>& block,
+PELKRAFT_ALWAYS_INLINE inline void DoBlock(const BlockMoves<vectors, loads>& moves,
                                            const unsigned char* source, unsigned char* destination)
 {
     Lanes pixels[loads];
@@ -158,8 +164,8 @@ PELKRAFT_ALWAYS_INLINE inline void DoBlock(const Block<vectors, loads>& block,
         Lanes moved = Zero();
         Unroll<loads>([&](auto load) {
             if constexpr (ownLoads || vector == 0)
-                pixels[load] = Load(source + block.loadAt[vector] + load * vectorBytes);
-            const Lanes part = Permute(pixels[load], block.masks[vector * loads + load]);
+                pixels[load] = Load(source + moves.loadAt[vector] + load * vectorBytes);
+            const Lanes part = Permute(pixels[load], moves.masks[vector * loads + load]);
             moved = load == 0 ? part : Or(moved, part);
         });
         Store(destination + vectorBytes * vector, moved);
@@ -181,7 +187,7 @@ PELKRAFT_NEVER_INLINE void DoRest(const Block<vectors, loads>& block, const Exte
         const std::ptrdiff_t left = extent.destinationBytes - to;
         // NOLINTNEXTLINE(bugprone-implicit-widening-of-multiplication-result): it is a few vectors.
         for (int vector = 0; vector < vectors && vectorBytes * vector < left; ++vector) {
-            const std::ptrdiff_t first = from + block.loadAt[vector];
+            const std::ptrdiff_t first = from + block.moves.loadAt[vector];
             Lanes moved = Zero();
             for (int load = 0; load < loads; ++load) {
                 const std::ptrdiff_t wanted =
@@ -196,7 +202,7 @@ PELKRAFT_NEVER_INLINE void DoRest(const Block<vectors, loads>& block, const Exte
             const int start = vectorBytes * vector;
             StorePart(row.destination + to + start, moved, left - start);
         }
-        from += block.fromStep;
+        from += block.moves.fromStep;
     }
 }
 
@@ -207,19 +213,21 @@ PELKRAFT_ALWAYS_INLINE inline void RunRow(const Block<vectors, loads>& block, co
                                           std::ptrdiff_t last, Row row)
 {
     const std::ptrdiff_t toStep = isFull ? vectors * vectorBytes : block.toStep;
-    const std::ptrdiff_t fromStep = block.fromStep;
+    // Stores might change a block that stands in memory, as far as a compiler knows.
+    const BlockMoves<vectors, loads> moves = block.moves;
+    const std::ptrdiff_t fromStep = moves.fromStep;
     // Loops of fewer full 16-byte vectors take twice as long at some addresses of their code.
     constexpr int most = laneCount == 1 && isFull ? 8 : 4;
     constexpr int together = vectors <= 2 ? most / vectors : vectors <= 4 ? 2 : 1;
     for (; row.to + (together - 1) * toStep <= last; row.to += together * toStep) {
         Unroll<together>([&](auto number) {
-            DoBlock<vectors, loads, ownLoads>(block, row.source + (row.from + number * fromStep),
+            DoBlock<vectors, loads, ownLoads>(moves, row.source + (row.from + number * fromStep),
                                               row.destination + (row.to + number * toStep));
         });
         row.from += together * fromStep;
     }
     for (; together != 1 && row.to <= last; row.to += toStep, row.from += fromStep)
-        DoBlock<vectors, loads, ownLoads>(block, row.source + row.from, row.destination + row.to);
+        DoBlock<vectors, loads, ownLoads>(moves, row.source + row.from, row.destination + row.to);
     if (row.to >= extent.destinationBytes)
         return;
     // The last whole block once more, so that the row ends with it.
@@ -228,10 +236,23 @@ PELKRAFT_ALWAYS_INLINE inline void RunRow(const Block<vectors, loads>& block, co
     if (isFull && row.to != 0 && extent.endsWhole &&
         (mirrored ? -fromStep : fromStep) >= loadedBytes)
         DoBlock<vectors, loads, ownLoads>(
-            block, row.source + (mirrored ? 0 : extent.sourceBytes - fromStep),
+            moves, row.source + (mirrored ? 0 : extent.sourceBytes - fromStep),
             row.destination + (extent.destinationBytes - toStep));
     else
         DoRest(block, extent, row);
+}
+
+template <int vectors, int loads, bool ownLoads, bool isFull>
+PELKRAFT_ALWAYS_INLINE inline void RunRows(const Block<vectors, loads>& block,
+                                           const StepNumbers& numbers, std::ptrdiff_t neededBytes,
+                                           const StepRows& rows, std::size_t destinationPixels)
+{
+    const Extent extent = ExtentOf(numbers, destinationPixels);
+    const std::ptrdiff_t last = extent.destinationBytes - neededBytes;
+    const std::ptrdiff_t first = numbers.mirrored ? extent.sourceBytes + block.moves.fromStep : 0;
+    for (std::size_t row = 0; row < rows.count; ++row)
+        RunRow<vectors, loads, ownLoads, isFull>(
+            block, extent, last, {rows.sources[row], rows.destinations[row], first, 0});
 }
 
 template <int vectors, int loads, bool ownLoads, bool isFull>
@@ -239,17 +260,51 @@ void RunBlocks(const PixelStep& step, const BlockShape& shape, const StepRows& r
                std::size_t destinationPixels)
 {
     const StepNumbers numbers = NumbersOf(step, shape.pixels);
-    const Extent extent = ExtentOf(numbers, destinationPixels);
     const Block<vectors, loads> block = MakeBlock<vectors, loads, ownLoads>(numbers);
-    const std::ptrdiff_t last = extent.destinationBytes - shape.neededBytes;
-    const std::ptrdiff_t first = numbers.mirrored ? extent.sourceBytes + block.fromStep : 0;
-    for (std::size_t row = 0; row < rows.count; ++row)
-        RunRow<vectors, loads, ownLoads, isFull>(
-            block, extent, last, {rows.sources[row], rows.destinations[row], first, 0});
+    RunRows<vectors, loads, ownLoads, isFull>(block, numbers, shape.neededBytes, rows,
+                                              destinationPixels);
 }
 
-using BlocksMethod = void (*)(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
-                              std::size_t destinationPixels);
+// A block with all that its rows ask for but their number of pixels.
+template <int vectors, int loads>
+struct ReadyBlock
+{
+    Block<vectors, loads> block;
+    StepNumbers numbers;
+    std::ptrdiff_t neededBytes;
+};
+
+template <int vectors, int loads, bool ownLoads, bool isFull>
+void RunPrepared(const PreparedStep& prepared, const unsigned char* source,
+                 unsigned char* destination, std::size_t destinationPixels)
+{
+    const void* state = prepared.state;
+    const auto& ready = *static_cast<const ReadyBlock<vectors, loads>*>(state);
+    RunRows<vectors, loads, ownLoads, isFull>(ready.block, ready.numbers, ready.neededBytes,
+                                              {&source, &destination, 1}, destinationPixels);
+}
+
+template <int vectors, int loads, bool ownLoads, bool isFull>
+void PrepareBlocks(const PixelStep& step, const BlockShape& shape, PreparedStep& prepared)
+{
+    const StepNumbers numbers = NumbersOf(step, shape.pixels);
+    const ReadyBlock<vectors, loads> ready = {MakeBlock<vectors, loads, ownLoads>(numbers), numbers,
+                                              shape.neededBytes};
+    static_assert(sizeof ready <= sizeof prepared.state);
+    prepared.run = RunPrepared<vectors, loads, ownLoads, isFull>;
+    std::memcpy(prepared.state, &ready, sizeof ready);
+}
+
+struct BlocksMethod
+{
+    void (*run)(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
+                std::size_t destinationPixels);
+    void (*prepare)(const PixelStep& step, const BlockShape& shape, PreparedStep& prepared);
+};
+
+template <int vectors, int loads, bool ownLoads, bool isFull>
+constexpr BlocksMethod methodOf = {RunBlocks<vectors, loads, ownLoads, isFull>,
+                                   PrepareBlocks<vectors, loads, ownLoads, isFull>};
 
 template <int... index>
 struct BlocksMethods
@@ -260,14 +315,14 @@ struct BlocksMethods
 template <bool isFull, int... index>
 constexpr BlocksMethods<index...> MakeMethods(std::integer_sequence<int, index...>)
 {
-    return {{RunBlocks<index + 1, 1, false, isFull>...}};
+    return {{methodOf<index + 1, 1, false, isFull>...}};
 }
 
 // The methods with one load, by the number of vectors less 1.
 constexpr auto fullMethods = MakeMethods<true>(std::make_integer_sequence<int, 4>{});
 constexpr auto looseMethods = MakeMethods<false>(std::make_integer_sequence<int, 4>{});
 
-inline BlocksMethod SharedMethodOf(const BlockShape& shape)
+inline const BlocksMethod& SharedMethodOf(const BlockShape& shape)
 {
     return (shape.isFull ? fullMethods.of : looseMethods.of)[shape.vectors - 1];
 }

@@ -152,7 +152,19 @@ void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPi
             StepRow(step, rows.sources[row], rows.destinations[row], destinationPixels);
 }
 
-constexpr PixelKernels kernels = {Step, maxStepBytes, Move};
+void RunPrepared(const PreparedStep& prepared, const unsigned char* source,
+                 unsigned char* destination, std::size_t destinationPixels)
+{
+    StepRow(*prepared.step, source, destination, destinationPixels);
+}
+
+void Prepare(const PixelStep& step, std::size_t, PreparedStep& prepared)
+{
+    prepared.run = RunPrepared;
+    prepared.step = &step;
+}
+
+constexpr PixelKernels kernels = {Step, maxStepBytes, Move, Prepare};
 
 } // namespace
 

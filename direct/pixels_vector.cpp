@@ -62,23 +62,34 @@ constexpr BlockShape FindShape(int sourceBytes, int outputBytes)
 
 constexpr BlockShapes shapes = MakeShapes(FindShape);
 
-BlocksMethod MethodOf(const BlockShape& shape)
+const BlocksMethod& MethodOf(const BlockShape& shape)
 {
     if (shape.ownLoads)
-        return shape.loads == 2     ? RunBlocks<9, 2, true, true>
-               : shape.vectors == 3 ? RunBlocks<3, 1, true, true>
-               : shape.vectors == 9 ? RunBlocks<9, 1, true, true>
-                                    : RunBlocks<11, 1, true, true>;
+        return shape.loads == 2     ? methodOf<9, 2, true, true>
+               : shape.vectors == 3 ? methodOf<3, 1, true, true>
+               : shape.vectors == 9 ? methodOf<9, 1, true, true>
+                                    : methodOf<11, 1, true, true>;
     if (shape.loads == 1)
         return SharedMethodOf(shape);
-    return shape.loads == 2 ? RunBlocks<1, 2, false, false> : RunBlocks<1, 4, false, false>;
+    return shape.loads == 2 ? methodOf<1, 2, false, false> : methodOf<1, 4, false, false>;
+}
+
+const BlockShape& ShapeOf(const PixelStep& step)
+{
+    return shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][step.repeat >> 1];
 }
 
 void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPixels)
 {
-    const BlockShape& shape =
-        shapes.of[step.sourceBytes - 1][step.destinationBytes - 1][step.repeat >> 1];
-    MethodOf(shape)(step, shape, rows, destinationPixels);
+    const BlockShape& shape = ShapeOf(step);
+    MethodOf(shape).run(step, shape, rows, destinationPixels);
+}
+
+void Prepare(const PixelStep& step, std::size_t, PreparedStep& prepared)
+{
+    const BlockShape& shape = ShapeOf(step);
+    prepared.step = &step;
+    MethodOf(shape).prepare(step, shape, prepared);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,
@@ -91,7 +102,7 @@ void Move(const PixelMove& move, const unsigned char* source, unsigned char* des
                                                               destinationPixels);
 }
 
-constexpr PixelKernels kernels = {Step, maxPixelBytes, Move};
+constexpr PixelKernels kernels = {Step, maxPixelBytes, Move, Prepare};
 
 } // namespace
 

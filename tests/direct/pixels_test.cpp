@@ -135,10 +135,16 @@ void CheckStep(const Level& level, const Shape& shape, const Bytes& places, std:
     const PixelStep step = MakeStep(shape, places);
     const Bytes source =
         RandomBytes(SourcePixels(shape, pixels) * shape.sourceBytes, seed + std::uint32_t(pixels));
-    CheckRow(source, NaiveRow(shape, step.places.data(), source, pixels),
-             [&](const unsigned char* from, unsigned char* to) {
-                 level.kernels->step(step, {&from, &to, 1}, pixels);
-             });
+    const Bytes expected = NaiveRow(shape, step.places.data(), source, pixels);
+    CheckRow(source, expected, [&](const unsigned char* from, unsigned char* to) {
+        level.kernels->step(step, {&from, &to, 1}, pixels);
+    });
+    // It is prepared for no more pixels than the row has.
+    PreparedStep prepared;
+    level.kernels->prepare(step, pixels % 2 == 0 ? pixels : pixels / 2, prepared);
+    CheckRow(source, expected, [&](const unsigned char* from, unsigned char* to) {
+        prepared.run(prepared, from, to, pixels);
+    });
 }
 
 // Rows of one call, each between forbidden pages of its own.
