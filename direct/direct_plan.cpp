@@ -81,13 +81,13 @@ public:
     PassList(DirectPlan& newPlan, std::uint8_t newBits, bool newPlanar)
         : plan(newPlan), targetBits(newBits), targetPlanar(newPlanar),
           turns(plan.mirrored || plan.repeat != 1), maps(plan.mapped),
-          changesTones(plan.extras.samples == Samples::AsTones && plan.sourceBits != newBits),
+          changesTones(plan.extras->samples == Samples::AsTones && plan.sourceBits != newBits),
           planar(plan.sourcePlanar), bits(plan.sourceBits)
     {}
 
     void Choose()
     {
-        if (plan.extras.clears) {
+        if (plan.extras->clears) {
             plan.sourcePlanar = false;
             return Add(PassKind::Clear, targetPlanar, targetBits);
         }
@@ -135,7 +135,7 @@ private:
     // The channels of a long map take turns too.
     bool FitsTile() const
     {
-        return PixelBytes() <= maxTilePixelBytes && plan.extras.entries == nullptr;
+        return PixelBytes() <= maxTilePixelBytes && plan.extras->entries == nullptr;
     }
     bool FitsStep() const { return PixelBytes() <= plan.kernels->pixels->stepBytes; }
 
@@ -148,7 +148,7 @@ private:
             Add(PassKind::Stretch, true, 8);
     }
 
-    bool TreatsAs(Samples samples) const { return plan.extras.samples == samples; }
+    bool TreatsAs(Samples samples) const { return plan.extras->samples == samples; }
 
     void Narrow()
     {
@@ -251,7 +251,7 @@ private:
 bool CopyMap(DirectPlan& plan, const ChannelMap& map)
 {
     if (map.entryCount > maxMapEntries)
-        return plan.extras.entries != nullptr;
+        return plan.extras->entries != nullptr;
     const auto sourceChannels = static_cast<std::int32_t>(plan.sourceChannels);
     bool inside = true;
     for (std::size_t i = 0; i != map.entryCount; ++i) {
@@ -264,14 +264,16 @@ bool CopyMap(DirectPlan& plan, const ChannelMap& map)
 // A channel that several entries name is split once, into the plane of the first of them.
 void FillFirstUses(DirectPlan& plan)
 {
-    const std::int32_t* entries = EntriesOf(plan);
     std::int32_t* uses =
-        plan.extras.firstUses != nullptr ? plan.extras.firstUses : plan.firstUses.data();
+        plan.extras->firstUses != nullptr ? plan.extras->firstUses : plan.firstUses.data();
     const auto together = static_cast<std::uint32_t>(plan.tileChannels);
-    for (std::uint32_t c = 0; c != plan.channels; ++c) {
-        const std::int32_t* start = entries + c / together * together;
-        const std::int32_t* first = std::find(start, entries + c, entries[c]);
-        uses[c] = entries[c] < 0 ? -1 : static_cast<std::int32_t>(first - start);
+    for (std::uint32_t start = 0; start < plan.channels; start += together) {
+        const std::int32_t* entries = EntriesOf(plan) + start;
+        const std::uint32_t count = std::min(together, plan.channels - start);
+        for (std::uint32_t c = 0; c != count; ++c) {
+            const std::int32_t* first = std::find(entries, entries + c, entries[c]);
+            uses[start + c] = entries[c] < 0 ? -1 : static_cast<std::int32_t>(first - entries);
+        }
     }
 }
 
@@ -287,7 +289,7 @@ bool NeedsTile(const DirectPlan& plan)
 {
     const PassKind kind = plan.passes[0].kind;
     return plan.passCount != 1 || plan.splitMaps || (plan.mapped && kind == PassKind::Merge) ||
-           plan.extras.staged || plan.extras.patch != nullptr;
+           plan.staged || plan.patchesRows;
 }
 
 } // namespace
@@ -296,7 +298,7 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const Fo
                     const DirectExtras& extras)
 {
     const auto& [source, destination] = formats;
-    plan.extras = extras;
+    plan.extras = &extras;
     plan.road = RoadOf(request.sseVersion);
     plan.kernels = &KernelsOf(plan.road);
     plan.sourceChannels = static_cast<std::uint32_t>(source.channels);
@@ -323,13 +325,16 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const Fo
     if (destination.channels == 1 && !IsPacked(destination))
         planar = plan.sourcePlanar ||
                  plan.sourceChannels * plan.sourceBits / 8 > plan.kernels->pixels->stepBytes;
+    plan.sourcePlaneBytes = BytesOf(static_cast<std::size_t>(source.width), plan.sourceBits);
+    plan.planeBytes = BytesOf(static_cast<std::size_t>(destination.width), bits);
     plan.sourcePixels = static_cast<std::size_t>(source.activeWidth);
     plan.pixels = static_cast<std::size_t>(destination.activeWidth);
     plan.firstPixel =
         plan.mirrored ? static_cast<std::size_t>(source.width) - plan.sourcePixels : 0;
 
     PassList(plan, bits, planar).Choose();
-    plan.extras.staged = plan.extras.staged && FitsStage(plan);
+    plan.staged = extras.staged && FitsStage(plan);
+    plan.patchesRows = extras.patch != nullptr && !plan.staged;
     if (NeedsTile(plan))
         SizeTile(plan);
     if (plan.splitMaps)

@@ -65,13 +65,15 @@ struct PassOutput
     std::uint8_t bits;
 };
 
-// Plans of many rows go beyond a fill by these. What is pointed to outlives the plan.
+// Plans of many rows go beyond a fill by these. They outlive the plan, and so does what they point
+// to.
 struct DirectExtras
 {
     Samples samples = Samples::AsFill;
     // The map names no channel of the source.
     bool clears = false;
-    // The last pass ends in a tile, which is stored when all of its pixels have been read.
+    // Asks for a last pass that ends in a tile, which is stored when all of its pixels have been
+    // read.
     bool staged = false;
     // The tiles are stored past the cache.
     bool streamed = false;
@@ -82,6 +84,8 @@ struct DirectExtras
     // The samples that are set or turned over at last.
     const RowPatch* patch = nullptr;
 };
+
+inline constexpr DirectExtras noExtras = {};
 
 // A conversion as one to five passes. The record is small, since each call makes one; what a
 // field's meaning depends on stands in the field before it.
@@ -99,9 +103,16 @@ struct DirectPlan
     // 1, 2 or 4.
     std::uint8_t repeat;
     std::array<PassOutput, 5> passes;
-    DirectExtras extras;
+    const DirectExtras* extras;
+    // The last pass ends in a tile as well.
+    bool staged;
+    // The pixels are patched where they stand in the row.
+    bool patchesRows;
     std::uint32_t sourceChannels;
     std::uint32_t channels;
+    // Bytes of a plane, with the pixels that take no part.
+    std::size_t sourcePlaneBytes;
+    std::size_t planeBytes;
     // The first source pixel that is read, of a mirrored row too.
     std::size_t firstPixel;
     std::size_t sourcePixels;
@@ -124,17 +135,28 @@ struct DirectPlan
 // some road. It declines a map of more than maxMapEntries entries that stands in no extras, and one
 // with an entry beyond the source's channels; a map of no more entries is copied even so.
 bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats,
-                    const DirectExtras& extras = {});
+                    const DirectExtras& extras = noExtras);
 
 inline const std::int32_t* EntriesOf(const DirectPlan& plan)
 {
-    return plan.extras.entries != nullptr ? plan.extras.entries : plan.entries.data();
+    return plan.extras->entries != nullptr ? plan.extras->entries : plan.entries.data();
 }
 
 inline const std::int32_t* FirstUsesOf(const DirectPlan& plan)
 {
-    return plan.extras.firstUses != nullptr ? plan.extras.firstUses : plan.firstUses.data();
+    return plan.extras->firstUses != nullptr ? plan.extras->firstUses : plan.firstUses.data();
 }
+
+// Rows in memory. The steps may have either sign.
+template <typename Byte>
+struct StridedRows
+{
+    // Byte 0 of the first row, in its first plane.
+    Byte* bytes;
+    std::ptrdiff_t rowStep;
+    // Interleaved rows do without it.
+    std::ptrdiff_t planeStep;
+};
 
 // Two rows in memory. The step leads from a plane to the next; interleaved rows have none.
 struct DirectRows
@@ -148,5 +170,8 @@ struct DirectRows
 // The rows must not overlap. They may be one and the same if the plan is staged and mirrors and
 // repeats nothing.
 void RunDirect(const DirectPlan& plan, const DirectRows& rows);
+
+// The same for rows whose planes stand one directly after the other.
+void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* target);
 
 } // namespace zvk::Pelkraft

@@ -3,7 +3,9 @@
 #include "common/bit_sizes.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <utility>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -41,9 +43,41 @@ void ForEachPlane(const PassInput& input, const PassTarget& target, std::size_t 
     }
 }
 
-void RunSamples(SampleKernel kernel, const PassOutput& pass, const PassInput& input,
+SampleKernel KernelOf(const DirectPlan& plan, PassKind kind, std::uint8_t bits,
+                      std::uint8_t newBits)
+{
+    const SampleKernels& kernels = *plan.kernels->samples;
+    switch (kind) {
+    case PassKind::Widen:
+        return kernels.widen;
+    case PassKind::Narrow:
+        return kernels.narrow;
+    case PassKind::Pack:
+        return kernels.pack[newBits - 1U];
+    case PassKind::NarrowPack:
+        return kernels.narrowPack[newBits - 1U];
+    case PassKind::Unpack:
+        return kernels.unpack[bits - 1U];
+    case PassKind::UnpackWiden:
+        return kernels.unpackWiden[bits - 1U];
+    case PassKind::Quantize:
+        return kernels.quantize[plan.passes[plan.passCount - 1U].bits - 1U];
+    case PassKind::Stretch:
+        return kernels.stretch[plan.sourceBits - 1U];
+    case PassKind::Cut:
+        return kernels.cut;
+    case PassKind::Extend:
+        return kernels.extend;
+    default:
+        return nullptr;
+    }
+}
+
+template <PassKind kind>
+void RunSamples(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
                 const PassTarget& target, std::size_t channels)
 {
+    const SampleKernel kernel = KernelOf(plan, kind, input.bits, pass.bits);
     if (!input.planar)
         return kernel(input.bytes, target.bytes, input.pixels * input.pixelChannels);
     const std::size_t samples = input.pixels + input.skip;
@@ -51,8 +85,8 @@ void RunSamples(SampleKernel kernel, const PassOutput& pass, const PassInput& in
                  [&](const unsigned char* from, unsigned char* to) { kernel(from, to, samples); });
 }
 
-void RunCopy(const PassOutput& pass, const PassInput& input, const PassTarget& target,
-             std::size_t channels)
+void RunCopy(const DirectPlan&, const PassOutput& pass, const PassInput& input,
+             const PassTarget& target, std::size_t channels)
 {
     if (!input.planar) {
         std::memcpy(target.bytes, input.bytes,
@@ -208,13 +242,31 @@ void RunSplit(const DirectPlan& plan, const PassOutput& pass, const PassInput& i
         FillOtherPlanes(plan, target, channels, pass.bits);
 }
 
+SplitKernel KernelOf(const DirectPlan& plan, const PassOutput& pass, std::size_t channels)
+{
+    const SplitMergeKernels& kernels = *plan.kernels->splitMerge;
+    switch (pass.kind) {
+    case PassKind::Split:
+        return kernels.split[pass.bits / 8U - 1][channels];
+    case PassKind::PackSplit:
+        return plan.kernels->samples->packSplit[pass.bits - 1U][channels];
+    case PassKind::SplitWiden:
+        return kernels.splitWiden[channels];
+    case PassKind::NarrowSplit:
+        return kernels.narrowSplit[channels];
+    default:
+        return nullptr;
+    }
+}
+
 // A split that changes the depth as well, of a few channels.
-void RunFused(SplitKernel kernel, const PassInput& input, const PassTarget& target)
+void RunFused(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
+              const PassTarget& target, std::size_t)
 {
     unsigned char* planes[maxFusedChannels];
     for (std::size_t c = 0; c != input.pixelChannels; ++c)
         planes[c] = PlaneOf(target, c);
-    kernel(input.bytes, planes, input.pixels);
+    KernelOf(plan, pass, input.pixelChannels)(input.bytes, planes, input.pixels);
 }
 
 void FillSources(const PassInput& input, const ChannelBatch& batch, const unsigned char** planes)
@@ -239,8 +291,8 @@ void MergeWide(const DirectPlan& plan, const PassInput& input, const PassTarget&
     });
 }
 
-void RunMerge(const DirectPlan& plan, const PassInput& input, const PassTarget& target,
-              std::size_t channels)
+void RunMerge(const DirectPlan& plan, const PassOutput&, const PassInput& input,
+              const PassTarget& target, std::size_t channels)
 {
     if (target.pixelChannels > maxDenseChannels)
         return MergeWide(plan, input, target, channels);
@@ -250,7 +302,8 @@ void RunMerge(const DirectPlan& plan, const PassInput& input, const PassTarget& 
                                                                                input.pixels);
 }
 
-void RunClear(const PassOutput& pass, const PassTarget& target, std::size_t channels)
+void RunClear(const DirectPlan&, const PassOutput& pass, const PassInput&, const PassTarget& target,
+              std::size_t channels)
 {
     if (!pass.planar) {
         std::memset(target.bytes, 0, BytesOf(target.pixels * target.pixelChannels, pass.bits));
@@ -260,61 +313,87 @@ void RunClear(const PassOutput& pass, const PassTarget& target, std::size_t chan
         std::memset(PlaneOf(target, c), 0, BytesOf(target.pixels, pass.bits));
 }
 
+void RunMirrorBits(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
+                   const PassTarget& target, std::size_t channels)
+{
+    const BitMirrorKernel mirror = plan.kernels->samples->mirror[pass.bits - 1U];
+    ForEachPlane(input, target, channels, BytesOf(target.pixels, pass.bits),
+                 [&](const unsigned char* from, unsigned char* to) {
+                     mirror(from, input.skip + input.pixels, to, input.pixels);
+                 });
+}
+
+void RunMove(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
+             const PassTarget& target, std::size_t)
+{
+    plan.kernels->pixels->move(
+        {target.pixelChannels * (pass.bits / 8U), plan.repeat, plan.mirrored}, input.bytes,
+        target.bytes, target.pixels);
+}
+
+using PassMethod = void (*)(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
+                            const PassTarget& target, std::size_t channels);
+
+template <PassKind kind>
+constexpr PassMethod MethodOf()
+{
+    switch (kind) {
+    case PassKind::Copy:
+        return RunCopy;
+    case PassKind::MirrorBits:
+        return RunMirrorBits;
+    case PassKind::Step:
+        return RunStep;
+    case PassKind::Move:
+        return RunMove;
+    case PassKind::Split:
+        return RunSplit;
+    case PassKind::PackSplit:
+    case PassKind::SplitWiden:
+    case PassKind::NarrowSplit:
+        return RunFused;
+    case PassKind::Merge:
+        return RunMerge;
+    case PassKind::Clear:
+        return RunClear;
+    default:
+        return RunSamples<kind>;
+    }
+}
+
+constexpr std::size_t kindCount = static_cast<std::size_t>(PassKind::Clear) + 1;
+
+template <std::size_t... kind>
+constexpr std::array<PassMethod, kindCount> MakeMethods(std::index_sequence<kind...>)
+{
+    return {MethodOf<static_cast<PassKind>(kind)>()...};
+}
+
+constexpr auto methods = MakeMethods(std::make_index_sequence<kindCount>{});
+
 } // namespace
+
+SampleKernel SampleKernelOf(const DirectPlan& plan, const PassOutput& pass)
+{
+    return KernelOf(plan, pass.kind, plan.sourceBits, pass.bits);
+}
+
+SplitKernel SplitKernelOf(const DirectPlan& plan, const PassOutput& pass)
+{
+    return KernelOf(plan, pass, plan.sourceChannels);
+}
+
+MergeKernel MergeKernelOf(const DirectPlan& plan, const PassOutput& pass)
+{
+    return pass.kind == PassKind::Merge
+               ? plan.kernels->splitMerge->merge[pass.bits / 8U - 1][plan.channels]
+               : nullptr;
+}
 
 void RunPass(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
              const PassTarget& target, std::size_t channels)
 {
-    const SampleKernels& samples = *plan.kernels->samples;
-    switch (pass.kind) {
-    case PassKind::Copy:
-        return RunCopy(pass, input, target, channels);
-    case PassKind::Widen:
-        return RunSamples(samples.widen, pass, input, target, channels);
-    case PassKind::Narrow:
-        return RunSamples(samples.narrow, pass, input, target, channels);
-    case PassKind::Pack:
-        return RunSamples(samples.pack[pass.bits - 1U], pass, input, target, channels);
-    case PassKind::NarrowPack:
-        return RunSamples(samples.narrowPack[pass.bits - 1U], pass, input, target, channels);
-    case PassKind::Unpack:
-        return RunSamples(samples.unpack[input.bits - 1U], pass, input, target, channels);
-    case PassKind::UnpackWiden:
-        return RunSamples(samples.unpackWiden[input.bits - 1U], pass, input, target, channels);
-    case PassKind::MirrorBits:
-        return ForEachPlane(input, target, channels, BytesOf(target.pixels, pass.bits),
-                            [&](const unsigned char* from, unsigned char* to) {
-                                samples.mirror[pass.bits - 1U](from, input.skip + input.pixels, to,
-                                                               input.pixels);
-                            });
-    case PassKind::Step:
-        return RunStep(plan, pass, input, target, channels);
-    case PassKind::Move:
-        return plan.kernels->pixels->move(
-            {target.pixelChannels * (pass.bits / 8U), plan.repeat, plan.mirrored}, input.bytes,
-            target.bytes, target.pixels);
-    case PassKind::Split:
-        return RunSplit(plan, pass, input, target, channels);
-    case PassKind::PackSplit:
-        return RunFused(samples.packSplit[pass.bits - 1U][input.pixelChannels], input, target);
-    case PassKind::SplitWiden:
-        return RunFused(plan.kernels->splitMerge->splitWiden[input.pixelChannels], input, target);
-    case PassKind::NarrowSplit:
-        return RunFused(plan.kernels->splitMerge->narrowSplit[input.pixelChannels], input, target);
-    case PassKind::Merge:
-        return RunMerge(plan, input, target, channels);
-    case PassKind::Quantize:
-        return RunSamples(samples.quantize[plan.passes[plan.passCount - 1U].bits - 1U], pass, input,
-                          target, channels);
-    case PassKind::Stretch:
-        return RunSamples(samples.stretch[plan.sourceBits - 1U], pass, input, target, channels);
-    case PassKind::Cut:
-        return RunSamples(samples.cut, pass, input, target, channels);
-    case PassKind::Extend:
-        return RunSamples(samples.extend, pass, input, target, channels);
-    case PassKind::Clear:
-        return RunClear(pass, target, channels);
-    }
+    methods[static_cast<std::size_t>(pass.kind)](plan, pass, input, target, channels);
 }
 
 } // namespace zvk::Pelkraft

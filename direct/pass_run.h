@@ -39,6 +39,12 @@ struct PassTarget
 void RunPass(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
              const PassTarget& target, std::size_t channels);
 
+// The kernel of a plan's only pass, or null where it is of another type. Pixels that are split or
+// merged have at most maxDenseChannels.
+SampleKernel SampleKernelOf(const DirectPlan& plan, const PassOutput& pass);
+SplitKernel SplitKernelOf(const DirectPlan& plan, const PassOutput& pass);
+MergeKernel MergeKernelOf(const DirectPlan& plan, const PassOutput& pass);
+
 // A plane of zeros has as many bytes as a tile's plane can have.
 constexpr std::size_t maxPlaneBytesOfTile = 2048;
 

@@ -1,10 +1,10 @@
 #include "direct/tile.h"
 
 #include "common/bit_sizes.h"
+#include "direct/finished_pixels.h"
 #include "direct/pass_run.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace zvk::Pelkraft {
 namespace {
@@ -81,7 +81,7 @@ bool IsOfPlanes(const DirectPlan& plan)
 // Planes that no pass brings together take turns, one by one.
 std::size_t ChooseTileChannels(const DirectPlan& plan)
 {
-    if (!IsOfPlanes(plan) || (plan.mapped && plan.extras.entries == nullptr))
+    if (!IsOfPlanes(plan) || (plan.mapped && plan.extras->entries == nullptr))
         return plan.channels;
     if (plan.sourcePlanar && plan.passes[plan.passCount - 1U].planar && !plan.mapped)
         return 1;
@@ -149,10 +149,13 @@ public:
     void Run()
     {
         for (std::size_t pixel = 0; pixel < plan.sourcePixels; pixel += plan.tilePixels) {
+            const std::size_t count = std::min(plan.tilePixels, plan.sourcePixels - pixel);
             for (std::size_t c = 0; c < plan.channels; c += plan.tileChannels)
-                RunTile(pixel, c);
-            if (plan.extras.patch != nullptr && !plan.extras.staged)
-                PatchStrip(pixel);
+                RunTile(pixel, count, c);
+            if (plan.patchesRows)
+                PatchPixels(
+                    plan, TargetAt(plan, rows, pixel * plan.repeat, 0, CountTargets(pixel, count)),
+                    plan.channels);
         }
     }
 
@@ -162,10 +165,10 @@ private:
         return std::min(count * plan.repeat, plan.pixels - pixel * plan.repeat);
     }
 
-    void RunTile(std::size_t pixel, std::size_t channel)
+    void RunTile(std::size_t pixel, std::size_t count, std::size_t channel)
     {
         const std::size_t channels = std::min(plan.tileChannels, plan.channels - channel);
-        const std::size_t count = std::min(plan.tilePixels, plan.sourcePixels - pixel);
+        const std::size_t firstTarget = pixel * plan.repeat;
         const std::size_t targets = CountTargets(pixel, count);
         const std::size_t from = plan.mirrored ? plan.sourcePixels - pixel - count : pixel;
 
@@ -175,30 +178,31 @@ private:
             const PassOutput& pass = plan.passes[i];
             complete = complete || MakesAllPixels(pass);
             const bool last = i + 1U == plan.passCount;
-            PassTarget target = TargetOf(i, pixel, channel, complete ? targets : count);
+            const std::size_t pixels = complete ? targets : count;
+            PassTarget target = last && !plan.staged
+                                    ? TargetAt(plan, rows, firstTarget, channel, pixels)
+                                    : TileTarget(i, channel, channels, pixels);
             target.dump = dump;
+            target.last = last;
             RunPass(plan, pass, input, target, channels);
-            if (last && plan.extras.staged)
-                StoreTile(target, pixel, channels);
+            if (last && plan.staged)
+                StorePixels(plan, target, TargetAt(plan, rows, firstTarget, channel, pixels),
+                            channels);
             input = InputOf(input, pass, target);
         }
     }
 
-    PassTarget TargetOf(std::size_t pass, std::size_t pixel, std::size_t channel,
-                        std::size_t pixels)
+    PassTarget TileTarget(std::size_t pass, std::size_t channel, std::size_t channels,
+                          std::size_t pixels)
     {
-        const bool last = pass + 1U == plan.passCount;
-        if (last && !plan.extras.staged)
-            return TargetAt(plan, rows, pixel * plan.repeat, channel, pixels);
-        const std::size_t channels = std::min(plan.tileChannels, plan.channels - channel);
         const std::size_t planeBytes = WholeBytesOf(pixels, plan.passes[pass].bits) + planeSpare;
         return {tiles[pass % 2],
                 static_cast<std::ptrdiff_t>(planeBytes + GapOf(channels)),
                 channel,
                 ChannelsAfter(plan, pass),
                 pixels,
-                nullptr,
-                last};
+                dump,
+                false};
     }
 
     // The pixels that a pass has left in a tile, as the next one finds them.
@@ -216,45 +220,6 @@ private:
                 target.pixels};
     }
 
-    // Patches what stands in the tile, then stores it, with all its channels or by planes.
-    void StoreTile(const PassTarget& tile, std::size_t pixel, std::size_t channels)
-    {
-        Patch({tile.bytes, tile.planeStep, tile.firstChannel, channels, tile.pixels});
-        const PassOutput& pass = plan.passes[plan.passCount - 1U];
-        const PassTarget target =
-            TargetAt(plan, rows, pixel * plan.repeat, tile.firstChannel, tile.pixels);
-        if (!pass.planar)
-            return Store(tile.bytes, target.bytes,
-                         BytesOf(tile.pixels * tile.pixelChannels, pass.bits));
-        for (std::size_t c = 0; c != channels; ++c) {
-            const auto plane = static_cast<std::ptrdiff_t>(c);
-            Store(tile.bytes + plane * tile.planeStep, target.bytes + plane * target.planeStep,
-                  BytesOf(tile.pixels, pass.bits));
-        }
-    }
-
-    void Store(const unsigned char* from, unsigned char* to, std::size_t bytes)
-    {
-        if (plan.extras.streamed)
-            plan.kernels->finish->stream(from, to, bytes);
-        else
-            std::memcpy(to, from, bytes);
-    }
-
-    void PatchStrip(std::size_t pixel)
-    {
-        const std::size_t count = std::min(plan.tilePixels, plan.sourcePixels - pixel);
-        const PassTarget target =
-            TargetAt(plan, rows, pixel * plan.repeat, 0, CountTargets(pixel, count));
-        Patch({target.bytes, target.planeStep, 0, plan.channels, target.pixels});
-    }
-
-    void Patch(const PatchedRow& row)
-    {
-        if (plan.extras.patch != nullptr)
-            PatchRow(*plan.kernels->finish, *plan.extras.patch, row);
-    }
-
     const DirectPlan& plan;
     const DirectRows& rows;
     alignas(64) unsigned char tiles[2][tileBytes];
@@ -267,7 +232,7 @@ void SizeTile(DirectPlan& plan)
 {
     plan.tileChannels = ChooseTileChannels(plan);
     // The staged pixels of the last pass stand in a tile as well.
-    const std::size_t outputs = plan.passCount - (plan.extras.staged ? 0U : 1U);
+    const std::size_t outputs = plan.passCount - (plan.staged ? 0U : 1U);
     const std::size_t room = outputs > 1 ? sharedTileBytes : soleTileBytes;
     const std::size_t mostPixels = maxTilePixels / plan.repeat;
     std::size_t pixels = std::min(plan.sourcePixels, mostPixels);
@@ -295,6 +260,12 @@ void RunDirect(const DirectPlan& plan, const DirectRows& rows)
     const PassInput input = SourceAt(plan, rows, plan.firstPixel, 0, plan.sourcePixels);
     const PassTarget target = TargetAt(plan, rows, 0, 0, plan.pixels);
     RunPass(plan, plan.passes[0], input, target, plan.channels);
+}
+
+void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
+{
+    RunDirect(plan, {source, static_cast<std::ptrdiff_t>(plan.sourcePlaneBytes), target,
+                     static_cast<std::ptrdiff_t>(plan.planeBytes)});
 }
 
 } // namespace zvk::Pelkraft

@@ -38,13 +38,6 @@ std::size_t RowBytes(const ImageRowFormat& format)
     return channels * BytesOf(width, bits);
 }
 
-// The planes of a row stand one directly after the other. Interleaved rows need no step.
-std::ptrdiff_t PlaneStep(const ImageRowFormat& format)
-{
-    return static_cast<std::ptrdiff_t>(
-        BytesOf(static_cast<std::size_t>(format.width), static_cast<unsigned>(format.bits)));
-}
-
 // Rows without data are the chain's, whose first access faults.
 bool StandApart(const Plan& plan, const unsigned char* sourceData,
                 const unsigned char* destinationData)
@@ -85,8 +78,7 @@ ChannelMap MapOf(const Plan& plan)
 void RunPlan(const Plan& plan, const unsigned char* source, unsigned char* destination)
 {
     if (plan.road == PlanRoad::Direct && StandApart(plan, source, destination))
-        RunDirect(plan.direct, {source, PlaneStep(plan.formats.source), destination,
-                                PlaneStep(plan.formats.destination)});
+        RunDirect(plan.direct, source, destination);
     else if (plan.road != PlanRoad::None)
         RunChain(plan, source, destination);
 }

@@ -115,12 +115,12 @@ std::vector<std::string> StepsOf(const DirectPlan& plan)
     std::transform(plan.passes.begin(), plan.passes.begin() + plan.passCount,
                    std::back_inserter(steps),
                    [&](const PassOutput& pass) { return PassText(plan, pass); });
-    const RowPatch* patch = plan.extras.patch;
+    const RowPatch* patch = plan.extras->patch;
     if (patch != nullptr && patch->setsConstants)
         steps.emplace_back("set constant samples");
     if (patch != nullptr && patch->inverts)
         steps.emplace_back("invert");
-    if (plan.extras.streamed && plan.extras.staged)
+    if (plan.extras->streamed && plan.staged)
         steps.emplace_back("store past the cache");
     return steps;
 }
@@ -174,7 +174,7 @@ std::uint64_t CountChannelsRead(const Plan& plan)
 
 bool ReadsNothing(const Plan& plan)
 {
-    return plan.road == PlanRoad::Direct && plan.direct.extras.clears;
+    return plan.road == PlanRoad::Direct && plan.direct.extras->clears;
 }
 
 } // namespace

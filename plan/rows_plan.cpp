@@ -69,32 +69,32 @@ bool AllowsRowsInPlace(const RowsRequest& request)
            !request.mirrored && request.repeat == 1 && request.entries.size() <= maxMapEntries;
 }
 
-// One sweep over a row in place that no map changes.
-void PatchInPlace(const DirectPlan& plan, unsigned char* bytes, std::ptrdiff_t planeStep)
-{
-    if (plan.extras.patch != nullptr)
-        PatchRow(*plan.kernels->finish, *plan.extras.patch,
-                 {bytes, planeStep, 0, plan.channels, plan.pixels});
-    if (plan.sourceBits < 8)
-        for (std::size_t c = 0; c != plan.channels; ++c)
-            ClearUnusedBits(bytes + static_cast<std::ptrdiff_t>(c) * planeStep, plan.pixels,
-                            plan.sourceBits);
-}
-
 } // namespace
 
 struct RowsPlan::State
 {
     explicit State(const RowsRequest& request);
 
+    // For plans that have no pixels, may run in place or write past the cache.
+    void RunSpecial(const SourceRows& source, const TargetRows& target, std::uint64_t rows) const;
+
     // Those of a short map stand in the plans too.
     std::vector<std::int32_t> entries;
     std::vector<std::int32_t> firstUses;
     PatchPattern pattern;
+    DirectExtras extras;
+    DirectExtras stagedExtras;
     Plan plan = {};
+    RowRun run;
     bool allowsInPlace;
+    // Nothing but the rows is left to look at.
+    bool isPlain = false;
     // For rows in place that a map changes.
     DirectPlan staged = {};
+    RowRun runInPlace;
+
+private:
+    void PatchInPlace(const TargetRows& target, std::uint64_t rows) const;
 };
 
 RowsPlan::State::State(const RowsRequest& request)
@@ -115,7 +115,6 @@ RowsPlan::State::State(const RowsRequest& request)
     conversion.factor = plan.factor;
     conversion.maps = request.maps;
     conversion.map = plan.map;
-    DirectExtras extras;
     extras.samples = request.samples;
     extras.clears = request.maps && *std::max_element(entries.begin(), entries.end()) < 0;
     extras.staged = extras.streamed = request.streamed;
@@ -125,9 +124,45 @@ RowsPlan::State::State(const RowsRequest& request)
     }
     extras.patch = pattern.GetPatch();
     MakeDirectPlan(plan.direct, conversion, plan.formats, extras);
-    extras.staged = true;
-    if (allowsInPlace && request.maps)
-        MakeDirectPlan(staged, conversion, plan.formats, extras);
+    run = RowRun(plan.direct);
+    isPlain = !allowsInPlace && !request.streamed;
+    if (!allowsInPlace || !request.maps)
+        return;
+    stagedExtras = extras;
+    stagedExtras.staged = true;
+    MakeDirectPlan(staged, conversion, plan.formats, stagedExtras);
+    runInPlace = RowRun(staged);
+}
+
+void RowsPlan::State::RunSpecial(const SourceRows& source, const TargetRows& target,
+                                 std::uint64_t rows) const
+{
+    if (plan.road == PlanRoad::None)
+        return;
+    if (!allowsInPlace || source.bytes != target.bytes)
+        run(source, target, rows);
+    else if (plan.direct.mapped)
+        runInPlace(source, target, rows);
+    else
+        PatchInPlace(target, rows);
+    if (extras.streamed)
+        plan.direct.kernels->finish->fence();
+}
+
+// Pixels that no map moves only have bits turned over, and unused ones cleared.
+void RowsPlan::State::PatchInPlace(const TargetRows& target, std::uint64_t rows) const
+{
+    const DirectPlan& direct = plan.direct;
+    const RowPatch* patch = extras.patch;
+    for (std::uint64_t i = 0; i != rows; ++i) {
+        unsigned char* row = target.bytes + static_cast<std::ptrdiff_t>(i) * target.rowStep;
+        if (patch != nullptr)
+            PatchRow(*direct.kernels->finish, *patch,
+                     {row, target.planeStep, 0, direct.channels, direct.pixels});
+        for (std::size_t c = 0; direct.sourceBits < 8 && c != direct.channels; ++c)
+            ClearUnusedBits(row + static_cast<std::ptrdiff_t>(c) * target.planeStep, direct.pixels,
+                            direct.sourceBits);
+    }
 }
 
 RowsPlan::RowsPlan(const RowsRequest& request)
@@ -143,26 +178,13 @@ bool RowsPlan::AllowsInPlace() const noexcept
     return state->allowsInPlace;
 }
 
-void RowsPlan::Run(const StridedRows<const unsigned char>& source,
-                   const StridedRows<unsigned char>& target, std::uint64_t rows) const noexcept
+void RowsPlan::Run(const SourceRows& source, const TargetRows& target,
+                   std::uint64_t rows) const noexcept
 {
-    const DirectPlan& direct = state->plan.direct;
-    if (state->plan.road == PlanRoad::None)
-        return;
-    const bool inPlace = state->allowsInPlace && source.bytes == target.bytes;
-    for (std::uint64_t i = 0; i != rows; ++i) {
-        const auto row = static_cast<std::ptrdiff_t>(i);
-        const DirectRows at = {source.bytes + row * source.rowStep, source.planeStep,
-                               target.bytes + row * target.rowStep, target.planeStep};
-        if (!inPlace)
-            RunDirect(direct, at);
-        else if (direct.mapped)
-            RunDirect(state->staged, at);
-        else
-            PatchInPlace(direct, at.target, at.planeStep);
-    }
-    if (direct.extras.streamed)
-        direct.kernels->finish->fence();
+    if (state->isPlain)
+        state->run(source, target, rows);
+    else
+        state->RunSpecial(source, target, rows);
 }
 
 PlanWords Describe(const RowsPlan& plan)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "direct/row_run.h"
 #include "plan/plan_words.h"
 
 #include <cstddef>
@@ -64,17 +65,6 @@ struct RowsRequest
     std::int32_t level = 0;
 };
 
-// Rows in memory. The steps may have either sign.
-template <typename Byte>
-struct StridedRows
-{
-    // Byte 0 of the first row, in its first plane.
-    Byte* bytes;
-    std::ptrdiff_t rowStep;
-    // Interleaved rows do without it.
-    std::ptrdiff_t planeStep;
-};
-
 // A conversion of many rows, decided. It owns what it needs and does not change, so that any number
 // of threads may run it.
 class RowsPlan
@@ -90,8 +80,7 @@ public:
     bool AllowsInPlace() const noexcept;
 
     // The rows must not overlap, but for rows in place where that is allowed. It allocates nothing.
-    void Run(const StridedRows<const unsigned char>& source,
-             const StridedRows<unsigned char>& target, std::uint64_t rows) const noexcept;
+    void Run(const SourceRows& source, const TargetRows& target, std::uint64_t rows) const noexcept;
 
 private:
     friend PlanWords Describe(const RowsPlan& plan);

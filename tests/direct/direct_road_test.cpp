@@ -191,11 +191,7 @@ void CheckMixture(const ConversionCase& tested, int level, std::uint32_t caseSee
         return;
     DirectPlan plan;
     ASSERT_TRUE(MakeDirectPlan(plan, request, formats));
-    const auto planeStep = [](const NaiveGeometry& row) {
-        return static_cast<std::ptrdiff_t>(row.width * row.bits + 7) / 8;
-    };
-    RunDirect(plan,
-              {buffers.source.data(), planeStep(from), buffers.destination.data(), planeStep(to)});
+    RunDirect(plan, buffers.source.data(), buffers.destination.data());
     EXPECT_TRUE(NaiveConvert(from, buffers.sourceContent, to, buffers.before, operation) ==
                 buffers.destination.bytes());
 }
