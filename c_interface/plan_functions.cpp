@@ -50,6 +50,21 @@ StridedRows<Byte> RowsOf(Byte* base, const RowSide& side, std::uint64_t rows)
             hasPlanes ? static_cast<std::ptrdiff_t>(view.planeStride) : 0};
 }
 
+// Runs one row if it is a plain one, and answers whether it was.
+bool RunPlainRow(const plk_plan* plan, const plk_source* source, const plk_target* target,
+                 std::uint64_t rows) noexcept
+{
+    if (rows != 1 || plan == nullptr || source == nullptr || target == nullptr ||
+        !plan->plainRead.isServed || !plan->plainWritten.isServed ||
+        !ArePlain(*source, plan->plainRead, *target, plan->plainWritten))
+        return false;
+    const auto* from = static_cast<const unsigned char*>(source->base) + source->offset;
+    auto* to = static_cast<unsigned char*>(target->base) + target->offset;
+    plan->rows.Run({from, 0, static_cast<std::ptrdiff_t>(source->plane_stride)},
+                   {to, 0, static_cast<std::ptrdiff_t>(target->plane_stride)}, 1);
+    return true;
+}
+
 void Run(const plk_plan& plan, const plk_source* source, const plk_target* target,
          std::uint64_t rows)
 {
@@ -78,6 +93,8 @@ plk_status plk_plan_create(const plk_spec* spec, plk_plan** plan, plk_failure* f
 plk_status plk_plan_run(const plk_plan* plan, const plk_source* source, const plk_target* target,
                         uint64_t rows, plk_failure* failure)
 {
+    if (RunPlainRow(plan, source, target, rows))
+        return PLK_OK;
     return AtBorder(failure, [=] { Run(Required(plan), source, target, rows); });
 }
 

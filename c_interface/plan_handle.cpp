@@ -73,5 +73,5 @@ CoveredBytes BytesWritten(const PlanSpec& spec)
 plk_plan::plk_plan(zvk::Pelkraft::PlanSpec newSpec)
     : spec(std::move(newSpec)), rows(RequestOf(spec, zvk::Pelkraft::LevelOf(spec))),
       read(zvk::Pelkraft::BytesRead(spec)), written(zvk::Pelkraft::BytesWritten(spec)),
-      allowsInPlace(rows.AllowsInPlace())
+      allowsInPlace(rows.AllowsInPlace()), plainRead(read), plainWritten(written)
 {}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "c_interface/plain_rows.h"
 #include "c_interface/plan_spec.h"
 #include "c_interface/row_views.h"
 
@@ -17,6 +18,8 @@ struct plk_plan
     const zvk::Pelkraft::CoveredBytes read;
     const zvk::Pelkraft::CoveredBytes written;
     const bool allowsInPlace;
+    const zvk::Pelkraft::PlainBytes plainRead;
+    const zvk::Pelkraft::PlainBytes plainWritten;
 };
 
 namespace zvk::Pelkraft {
