@@ -32,4 +32,4 @@ install(FILES ${PROJECT_BINARY_DIR}/pelkraft.pc DESTINATION ${CMAKE_INSTALL_LIBD
 # A component of its own: Debian's packages say the same in a file of Debian's form.
 install(FILES LICENSE NOTICE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT licence)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
-    FILES_MATCHING PATTERN "*.cpp" PATTERN patterns EXCLUDE)
+    FILES_MATCHING PATTERN "*.c" PATTERN "*.cpp" PATTERN patterns EXCLUDE)

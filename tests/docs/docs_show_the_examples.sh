@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Every C++ block of the pages stands below a line that names its program, and is that program to
+# Every block in C or C++ of the pages stands below a line that names its program, and is that program to
 # the letter; every program is shown, every pattern and picture spoken of, and every text that the
 # header of patterns promises to throw. The README's figures are the measured ones:
 #   docs_show_the_examples.sh SOURCE_DIR
@@ -11,15 +11,15 @@ status=0
 
 for page in docs/*.md; do
     awk -v work="$work" -v page="$page" '
-        /^<!-- examples\/[a-z_]+\.cpp -->$/ { name = $2; sub(/.*\//, "", name); next }
-        /^```cpp$/ { inside = 1; file = work "/" (name == "" ? "nameless-" NR : name); next }
+        /^<!-- examples\/[a-z_]+\.c(pp)? -->$/ { name = $2; sub(/.*\//, "", name); next }
+        /^```c(pp)?$/ { inside = 1; file = work "/" (name == "" ? "nameless-" NR : name); next }
         /^```$/ && inside { inside = 0; name = ""; next }
         inside { print >file }' "$page"
 done
 for shown in "$work"/*; do
     diff "examples/$(basename "$shown")" "$shown" || status=1
 done
-for program in examples/*.cpp; do
+for program in examples/*.c*; do
     if [ ! -f "$work/$(basename "$program")" ]; then
         echo "$program is shown on no page" >&2
         status=1

@@ -7,6 +7,7 @@
 #   ```text     a dot pattern, the file that a comment above names; loads without a finding
 #   ```         what the example above prints, as in its .expected file
 #   ```cpp      an example, which docs_show_the_examples compares; README's runs in customers.sh
+#   ```c        an example in C
 #   ```cmake    README's, which runs in customers.sh
 # Any other block fails. Commands within the text run too, by the first words that run_inline knows,
 # and a source that it names with its folder must be there.
@@ -56,7 +57,7 @@ make_tree() {
     mkdir -p "$tree/docs" "$tree/examples" "$tree/build"
     ln -s "$build_dir" "$tree/build/release"
     (cd "$source_dir" && find tests -type d -print0) | (cd "$tree" && xargs -0 mkdir -p)
-    cp "$source_dir"/examples/*.cpp "$tree"
+    cp "$source_dir"/examples/*.c* "$tree"
     cp -r "$source_dir/examples/patterns" "$tree/examples"
     cp -r "$source_dir/docs/pictures" "$tree/docs"
     rm -f "$tree"/docs/pictures/*.png "$tree"/docs/pictures/*.svg
@@ -173,12 +174,12 @@ run_block() {
     *.console) diff "$1" <(transcript "$1") || fail "output has changed" ;;
     *.pycon) cat "$1" >>"$work/session" ;;
     *.text) load_pattern "$1" ;;
-    *.cpp)
+    *.cpp | *.c)
         example=$(cat "$1.name" 2>/dev/null || true)
         [ -n "$example" ] || [ "$page" = README.md ] || fail "a program without a name"
         ;;
     *.cmake) [ "$page" = README.md ] || fail "nothing runs a cmake block" ;;
-    *.) diff "$source_dir/${example%.cpp}.expected" "$1" || fail "output of $example has changed" ;;
+    *.) diff "$source_dir/${example%.*}.expected" "$1" || fail "output of $example has changed" ;;
     *) fail "nothing runs a block of ${1##*.}" ;;
     esac
 }
@@ -198,7 +199,7 @@ run_inline() {
         bash\ * | pelkraft\ * | cmake\ * | ctest\ * | gs\ * | g++\ *) run "$line" ;;
         man\ *) [ -f "$source_dir/man/${line##* }.${line:4:1}" ] || fail "no page for $line" ;;
         *\ *) ;;
-        [a-z]*/*.cpp | [a-z]*/*.h) [ -f "$source_dir/$line" ] || fail "no source $line" ;;
+        [a-z]*/*.cpp | [a-z]*/*.h | [a-z]*/*.hpp) [ -f "$source_dir/$line" ] || fail "no source $line" ;;
         esac
     done < <(inline_code)
 }
