@@ -3,6 +3,8 @@
 #   lines that are indented are kept as they stand.
 # - A comment stands for all declarations up to the next blank line or comment.
 # - A comment before the outermost namespace is about the inner one.
+# - A comment of C, from its first line to its last, is one of plain lines; at the top of a header it
+#   is about the header.
 
 function print_comment(    i, text, label, labelled, verbatim) {
     for (i = 1; i <= comment_lines; ++i) {
@@ -53,6 +55,29 @@ function print_run(    i, shared) {
 # The licence is no description.
 /^\/\/ SPDX-/ { next }
 
+/^\/\* SPDX-/ { next }
+
+/^ *\/\*/ || in_comment_of_c {
+    if (run_lines)
+        print_run()
+    ends_here = sub(/ *\*\/$/, "")
+    if (in_comment_of_c)
+        sub(/^ *\* ?/, "")
+    else
+        sub(/^ *\/\* ?/, "")
+    in_comment_of_c = !ends_here
+    comment[++comment_lines] = $0
+    ends_comment_of_c = NR
+    next
+}
+
+/^ *$/ && ends_comment_of_c == NR - 1 && comment_lines {
+    print "/// \\file"
+    print_comment()
+    print
+    next
+}
+
 /^ *\/\// {
     if (run_lines)
         print_run()
@@ -61,7 +86,7 @@ function print_run(    i, shared) {
     next
 }
 
-/^ *$/ || /^ *};?$/ || /^[a-z]+:$/ {
+/^ *$/ || /^ *}( [a-z_]+)?;?$/ || /^[a-z]+:$/ {
     print_run()
     print
     next

@@ -13,7 +13,7 @@ rm -rf "${PELKRAFT_REFERENCE:?}/xml"
 doxygen docs/Doxyfile
 
 # Doxygen itself doesn't warn of constants, nor of what is in a namespace without a comment.
-find "$PELKRAFT_REFERENCE/xml" -name '*zvk*.xml' -print0 |
+find "$PELKRAFT_REFERENCE/xml" '(' -name '*zvk*.xml' -o -name '*plk*.xml' -o -name 'plan_8h.xml' ')' -print0 |
     xargs -0 awk '
         /<(compound|member)def / {hidden = /prot="private"/}
         /<(compound)?name>/ {name = $0; gsub(/ *<[^>]*>/, "", name)}

@@ -16,8 +16,8 @@ extern "C" {
  *
  * Shape      An interleaved row has the samples of a pixel side by side, each in whole bytes. A
  *            planar row has one plane for each channel; the samples of 1 and 2 bits are packed, the
- *            first in the top bits, and the unused low bits of a plane's last byte are written as 0.
- *            Samples of 16 bits have the byte order of the processor.
+ *            first in the top bits, and the unused low bits of a plane's last byte are written as
+ *            zeros. Samples of 16 bits have the byte order of the processor.
  * Units      Widths in pixels, depths in bits, sizes, offsets and strides in bytes. Counts have 64
  *            bits.
  * Errors     Each function that can fail answers a status, and describes the failure in a record
@@ -29,14 +29,18 @@ extern "C" {
  *            none does. A run allocates nothing.
  * Records    Each begins with its size in bytes, set by the caller to sizeof. A record that is
  *            shorter than this header's is one of an older header: the fields that it lacks are 0.
- *            A longer one is accepted where all that this library does not know is 0. The library
- *            writes no byte beyond the size.
+ *            A longer one is accepted where all that this library does not know is 0; of a
+ *            failure's record that rest is left as it is. The library writes no byte beyond the
+ *            size.
  */
 
 /* The answer of a function. */
 typedef int32_t plk_status;
+
+/* The answers. */
 enum
 {
+    /* All is done. */
     PLK_OK = 0,
     /* A field has a value that none may have. */
     PLK_INVALID = 1,
@@ -48,6 +52,7 @@ enum
     PLK_TOO_SMALL = 4,
     /* Rows share bytes that are to be written. */
     PLK_OVERLAP = 5,
+    /* There is not enough memory. */
     PLK_NO_MEMORY = 6,
     /* A pattern text breaks a rule of its format. */
     PLK_BAD_TEXT = 7,
@@ -58,15 +63,19 @@ enum
 /* What went wrong. */
 typedef struct plk_failure
 {
+    /* sizeof this record. */
     uint32_t size;
+    /* The answer of the function. */
     plk_status status;
     /* The field or argument as the program's text names it, such as "target.bits", or empty. */
     char field[32];
-    /* The value that it had, and one that would do; both are 0 where there is no number to name. */
+    /* The value that it had, or 0 where there is no number to name. */
     int64_t given;
+    /* A value that would do, or 0. */
     int64_t needed;
-    /* The place in a text, both counted from 1, or 0 where there is none. */
+    /* The place in a text, counted from 1, or 0 where there is none. */
     uint32_t line;
+    /* The place in that line, counted in the same way. */
     uint32_t column;
     /* A sentence in English that names the field, what it was and what would do. */
     char text[256];
@@ -75,9 +84,9 @@ typedef struct plk_failure
 /* The form of a row. */
 typedef struct plk_format
 {
-    /* 0 or more. */
+    /* Pixels, 0 or more. */
     int64_t width;
-    /* 0 or more. */
+    /* Samples of a pixel, 0 or more. */
     int32_t channels;
     /* 1, 2, 8, 10 or 16. Interleaved rows of 1 and 2 bits hold bytes and those of 10 bits hold
      * samples of 16 bits, whose values are not limited to the depth. Planes of 10 bits are
@@ -85,6 +94,7 @@ typedef struct plk_format
     int32_t bits;
     /* 1 for planes, 0 for interleaved samples. */
     int32_t planar;
+    /* 0. */
     int32_t reserved;
 } plk_format;
 
@@ -99,13 +109,16 @@ enum
     PLK_SAMPLES_AS_LEVELS = 2
 };
 
-/* Entries of a map that name no channel: zeros, and a constant sample as it stands in the target,
- * from 0 to the largest that a target's sample can be. */
+/* The entry of a map for zeros. */
 #define PLK_EMPTY ((int32_t)-1)
+/* The entry of a map for a constant sample as it stands in the target, from 0 to the largest that a
+ * target's sample can be. */
 #define PLK_CONSTANT(sample) ((int32_t)(-2 - (int32_t)(sample)))
 
+/* The code that runs. */
 enum
 {
+    /* The best that the processor has. */
     PLK_ROAD_AUTOMATIC = 0,
     /* Plain code without vectors, with the same bytes. */
     PLK_ROAD_PORTABLE = 1
@@ -114,18 +127,24 @@ enum
 /* A conversion as it is asked for. The bytes of the target depend on nothing else. */
 typedef struct plk_spec
 {
+    /* sizeof this record. */
     uint32_t size;
+    /* 0. */
     int32_t reserved;
+    /* The rows that are read. */
     plk_format source;
+    /* The rows that are written. */
     plk_format target;
     /* An entry for each channel of the target: a channel of the source, PLK_EMPTY or
      * PLK_CONSTANT. Null, with a count of 0, takes the channels as they are. */
     const int32_t* map;
+    /* The number of entries. */
     uint64_t map_count;
     /* Each pixel stands 1, 2 or 4 times in the target; 0 is taken for 1. */
     int32_t repeat;
     /* 1 reads the source from its last pixel to its first. */
     int32_t mirror;
+    /* PLK_SAMPLES_AS_FILL, _TONES or _LEVELS. */
     int32_t samples;
     /* 1 turns each sample into the target's full scale less the sample, after all else. Entries
      * that name no channel stay as they are. */
@@ -135,13 +154,16 @@ typedef struct plk_spec
     int32_t clip;
     /* 1 writes past the cache, for targets that are not read again soon. */
     int32_t stream;
+    /* PLK_ROAD_AUTOMATIC or PLK_ROAD_PORTABLE. */
     int32_t road;
+    /* 0. */
     int32_t reserved2;
 } plk_spec;
 
 /* What a plan needs of the rows that it is run on. */
 typedef struct plk_needs
 {
+    /* sizeof this record. */
     uint32_t size;
     /* 1 if source and target may be the same rows at the same strides. */
     int32_t in_place;
@@ -150,7 +172,9 @@ typedef struct plk_needs
     uint64_t source_row_bytes;
     /* Bytes of one plane, or of the row where it is interleaved. */
     uint64_t source_plane_bytes;
+    /* The same of the target. */
     uint64_t target_row_bytes;
+    /* The same of the target. */
     uint64_t target_plane_bytes;
 } plk_needs;
 
@@ -159,32 +183,48 @@ typedef struct plk_needs
  * Any address will do. Strides may be negative, and those of a source 0. */
 typedef struct plk_source
 {
+    /* sizeof this record. */
     uint32_t size;
+    /* 0. */
     int32_t reserved;
+    /* The place that offset and bytes are counted from. */
     const void* base;
-    /* So many bytes from base on may be read. */
+    /* So many bytes from base on may be read. Of planes a map needs those that it names, and those
+     * between them. */
     uint64_t bytes;
+    /* Bytes from base to the first row. */
     int64_t offset;
+    /* Bytes from a row to the next; of one row it may be any number. */
     int64_t row_stride;
-    /* Interleaved rows do without it. */
+    /* Bytes from a plane to the next. Interleaved rows do without it. */
     int64_t plane_stride;
 } plk_source;
 
+/* Rows in memory that are written, which stand as those of a source do. */
 typedef struct plk_target
 {
+    /* sizeof this record. */
     uint32_t size;
+    /* 0. */
     int32_t reserved;
+    /* The place that offset and bytes are counted from. */
     void* base;
+    /* So many bytes from base on may be written. */
     uint64_t bytes;
+    /* Bytes from base to the first row. */
     int64_t offset;
+    /* Bytes from a row to the next; of one row it may be any number. */
     int64_t row_stride;
+    /* Bytes from a plane to the next. Interleaved rows do without it. */
     int64_t plane_stride;
 } plk_target;
 
 /* The form of a description. */
 enum
 {
+    /* Lines for people. */
     PLK_TEXT = 0,
+    /* An object whose "schema" is 1. */
     PLK_JSON = 1
 };
 
@@ -202,6 +242,7 @@ PELKRAFT_EXPORT plk_status plk_plan_run(const plk_plan* plan, const plk_source* 
                                         const plk_target* target, uint64_t rows,
                                         plk_failure* failure);
 
+/* Tells what the rows of a run take. */
 PELKRAFT_EXPORT plk_status plk_plan_needs(const plk_plan* plan, plk_needs* needs,
                                           plk_failure* failure);
 
@@ -222,10 +263,11 @@ PELKRAFT_EXPORT plk_status plk_plan_describe(const plk_plan* plan, int32_t form,
 PELKRAFT_EXPORT plk_status plk_plan_save(const plk_plan* plan, void* buffer, uint64_t bytes,
                                          uint64_t* needed, plk_failure* failure);
 
+/* Makes a plan of a saved record, which goes through the checks of a spec. */
 PELKRAFT_EXPORT plk_status plk_plan_load(const void* record, uint64_t bytes, plk_plan** plan,
                                          plk_failure* failure);
 
-/* Null is accepted. */
+/* Frees a plan. Null is accepted. */
 PELKRAFT_EXPORT void plk_plan_free(plk_plan* plan);
 
 /* The engine of a pattern. */
@@ -236,18 +278,23 @@ enum
     /* The limits of DotWeavePattern::X86. PLK_INVALID is the answer to 1, which runs on across
      * rows. */
     PLK_ENGINE_X86 = 2,
+    /* The same as automatic, by name. */
     PLK_ENGINE_SSE = 3
 };
 
+/* The choices that a pattern is made with. */
 typedef struct plk_pattern_spec
 {
+    /* sizeof this record. */
     uint32_t size;
+    /* PLK_ENGINE_AUTOMATIC, _X86 or _SSE. */
     int32_t engine;
 } plk_pattern_spec;
 
 /* What a pattern needs of the rows that it is run on, and what it holds. */
 typedef struct plk_pattern_facts
 {
+    /* sizeof this record. */
     uint32_t size;
     /* Bytes of a source pixel, one step for each in-colour. */
     int32_t in_colours;
@@ -255,6 +302,7 @@ typedef struct plk_pattern_facts
     int32_t out_inks;
     /* The number that stands in the text. */
     int32_t version;
+    /* Combinations of in-colours' alternatives. */
     int64_t combinations;
     /* Entries of the field that pixels draw from, one after the other. */
     int64_t field_size;
@@ -265,7 +313,9 @@ typedef struct plk_pattern_facts
 /* The two lists of names. */
 enum
 {
+    /* The names of in-colours. */
     PLK_IN_COLOURS = 0,
+    /* The names of out-inks. */
     PLK_OUT_INKS = 1
 };
 
@@ -281,10 +331,10 @@ PELKRAFT_EXPORT plk_status plk_pattern_create(const char* text, uint64_t bytes,
  * out-ink. What row r becomes depends on text, engine and r alone: its pixels begin at entry
  * r mod 65536 of the jump table, as after construction. Rows must not overlap. */
 PELKRAFT_EXPORT plk_status plk_pattern_run(const plk_pattern* pattern, uint64_t first_row,
-                                           uint64_t rows, uint64_t pixels,
-                                           const plk_source* source, const plk_target* target,
-                                           plk_failure* failure);
+                                           uint64_t rows, uint64_t pixels, const plk_source* source,
+                                           const plk_target* target, plk_failure* failure);
 
+/* Tells what the rows of a run take, and what the pattern holds. */
 PELKRAFT_EXPORT plk_status plk_pattern_needs(const plk_pattern* pattern, plk_pattern_facts* facts,
                                              plk_failure* failure);
 
@@ -300,13 +350,13 @@ PELKRAFT_EXPORT plk_status plk_pattern_text(const plk_pattern* pattern, const ch
 
 /* Saves text and engine; sizes and equality are as for plk_plan_save. */
 PELKRAFT_EXPORT plk_status plk_pattern_save(const plk_pattern* pattern, void* buffer,
-                                            uint64_t bytes, uint64_t* needed,
-                                            plk_failure* failure);
+                                            uint64_t bytes, uint64_t* needed, plk_failure* failure);
 
+/* Makes a pattern of a saved record, which goes through the checks of a text. */
 PELKRAFT_EXPORT plk_status plk_pattern_load(const void* record, uint64_t bytes,
                                             plk_pattern** pattern, plk_failure* failure);
 
-/* Null is accepted. */
+/* Frees a pattern. Null is accepted. */
 PELKRAFT_EXPORT void plk_pattern_free(plk_pattern* pattern);
 
 #ifdef __cplusplus

@@ -22,6 +22,7 @@ namespace zvk::Pelkraft {
 class PelkraftError : public std::runtime_error
 {
 public:
+    // The record of a refusal with this status.
     PelkraftError(plk_status newStatus, const plk_failure& newFailure)
         : std::runtime_error(newFailure.text), failure(newFailure)
     {
@@ -30,7 +31,9 @@ public:
 
     // What the library says of it: status, field, the numbers given and needed, place in a text.
     const plk_failure& GetFailure() const noexcept { return failure; }
+    // The status.
     plk_status GetStatus() const noexcept { return failure.status; }
+    // The field or argument, or an empty text.
     const char* GetField() const noexcept { return failure.field; }
 
 private:
@@ -61,11 +64,13 @@ struct RowFormat
     // Planes, or interleaved samples.
     bool planar = false;
 
+    // True for the same form.
     friend bool operator==(const RowFormat& one, const RowFormat& other) noexcept
     {
         return one.width == other.width && one.channels == other.channels &&
                one.bits == other.bits && one.planar == other.planar;
     }
+    // The opposite.
     friend bool operator!=(const RowFormat& one, const RowFormat& other) noexcept
     {
         return !(one == other);
@@ -75,7 +80,9 @@ struct RowFormat
 // A conversion as it is asked for. Its fields are those of plk_spec.
 struct ConversionSpec
 {
+    // The rows that are read.
     RowFormat source;
+    // The rows that are written.
     RowFormat target;
     // An entry for each channel of the target; without a map the channels stay as they are.
     std::optional<std::vector<std::int32_t>> map = std::nullopt;
@@ -242,6 +249,7 @@ public:
     {
         return one.plan == other.plan || one.Save() == other.Save();
     }
+    // The opposite.
     friend bool operator!=(const ConversionPlan& one, const ConversionPlan& other)
     {
         return !(one == other);
@@ -296,6 +304,7 @@ public:
             std::memset(pixels.get(), 0, GetSize());
     }
 
+    // A copy with pixels of its own.
     Image(const Image& other)
         : format(other.format), rows(other.rows), rowBytes(other.rowBytes),
           planeBytes(other.planeBytes), pixels(Allocate(other.GetSize()))
@@ -307,13 +316,12 @@ public:
     // The other one has no rows any more.
     Image(Image&& other) noexcept { Swap(other); }
 
+    // Takes the place of another one, a copy or one that is moved.
     Image& operator=(Image other) noexcept
     {
         Swap(other);
         return *this;
     }
-
-    ~Image() = default;
 
     // The form of each row.
     const RowFormat& GetFormat() const noexcept { return format; }
@@ -328,22 +336,25 @@ public:
 
     // Byte 0 of the first row, or null where there are none.
     unsigned char* GetData() noexcept { return pixels.get(); }
+    // The same for reading.
     const unsigned char* GetData() const noexcept { return pixels.get(); }
     // Byte 0 of a row and plane.
     unsigned char* GetRow(std::uint64_t row, std::int32_t plane = 0) noexcept
     {
         return pixels.get() + Distance(row, plane);
     }
+    // The same for reading.
     const unsigned char* GetRow(std::uint64_t row, std::int32_t plane = 0) const noexcept
     {
         return pixels.get() + Distance(row, plane);
     }
 
-    // Its rows as those of a run.
+    // Its rows as those that a run reads.
     SourceRows AsSource() const noexcept
     {
         return {GetData(), GetSize(), GetRowStride(), GetPlaneStride()};
     }
+    // Its rows as those that a run writes.
     TargetRows AsTarget() noexcept
     {
         return {GetData(), GetSize(), GetRowStride(), GetPlaneStride()};
@@ -352,6 +363,7 @@ public:
 private:
     struct Free
     {
+        // Memory of this alignment has an operator of its own.
         void operator()(unsigned char* bytes) const noexcept
         {
             ::operator delete(bytes, std::align_val_t(Alignment));
@@ -491,6 +503,7 @@ public:
     {
         return one.pattern == other.pattern || one.Save() == other.Save();
     }
+    // The opposite.
     friend bool operator!=(const PatternPlan& one, const PatternPlan& other)
     {
         return !(one == other);
