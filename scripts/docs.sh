@@ -15,7 +15,8 @@ doxygen docs/Doxyfile
 # Doxygen itself doesn't warn of constants, nor of what is in a namespace without a comment.
 find "$PELKRAFT_REFERENCE/xml" '(' -name '*zvk*.xml' -o -name '*plk*.xml' -o -name 'plan_8h.xml' ')' -print0 |
     xargs -0 awk '
-        /<(compound|member)def / {hidden = /prot="private"/}
+        /<compounddef / {within = hidden = /prot="private"/}
+        /<memberdef / {hidden = within || /prot="private"/}
         /<(compound)?name>/ {name = $0; gsub(/ *<[^>]*>/, "", name)}
         /<briefdescription>/ {lines = 1; next}
         lines && !/^ *<\/?(brief|detailed)description>$/ {lines = 0}
