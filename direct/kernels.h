@@ -116,20 +116,20 @@ struct StepRows
 using StepKernel = void (*)(const PixelStep& step, const StepRows& rows,
                             std::size_t destinationPixels);
 
-// A step made ready for many rows, which become what a step kernel makes of them.
+// A step made ready for many rows of one length, which become what a step kernel makes of them.
 constexpr std::size_t preparedBytes = 704;
 struct PreparedStep
 {
     void (*run)(const PreparedStep& prepared, const unsigned char* source,
-                unsigned char* destination, std::size_t destinationPixels);
+                unsigned char* destination);
     // It outlives the prepared one.
     const PixelStep* step;
+    std::size_t destinationPixels;
     // The level's own.
     alignas(64) unsigned char state[preparedBytes];
 };
-// The rows have so many destination pixels or more.
-using PrepareKernel = void (*)(const PixelStep& step, std::size_t fewestPixels,
-                               PreparedStep& prepared);
+// Fills all but step and destinationPixels, which are set.
+using PrepareKernel = void (*)(PreparedStep& prepared);
 
 // Pixels of any size, mirrored and repeated but not mapped.
 struct PixelMove

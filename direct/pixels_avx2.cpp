@@ -162,21 +162,15 @@ void RunRest(const PixelStep& step, const StepNumbers& numbers, const Extent& ex
     }
 }
 
-template <int vectors, Loads loads, bool mirrored>
-PELKRAFT_ALWAYS_INLINE inline void RunRows(const PixelStep& step, const Block<vectors>& block,
-                                           const StepNumbers& numbers, const StepRows& rows,
-                                           std::size_t destinationPixels)
+PELKRAFT_ALWAYS_INLINE inline Extent ExtentOf(const StepNumbers& numbers,
+                                              std::size_t destinationPixels)
 {
     const std::size_t lastCopy = (std::size_t{1} << numbers.repeatShift) - 1;
     const std::size_t sourcePixels = (destinationPixels + lastCopy) >> numbers.repeatShift;
-    const bool endsWhole = (destinationPixels & lastCopy) == 0;
-    const Extent extent = {sourcePixels * step.sourceBytes,
-                           static_cast<std::size_t>(numbers.pixels * numbers.sourceBytes),
-                           (destinationPixels & ~lastCopy) * step.destinationBytes, endsWhole};
-    for (std::size_t row = 0; row < rows.count; ++row)
-        RunRow<vectors, loads, mirrored>(block, extent, rows.sources[row], rows.destinations[row]);
-    if (!endsWhole)
-        RunRest(step, numbers, extent, std::size_t{vectors} * vectorBytes, rows, destinationPixels);
+    return {sourcePixels * static_cast<std::size_t>(numbers.sourceBytes),
+            static_cast<std::size_t>(numbers.pixels * numbers.sourceBytes),
+            (destinationPixels & ~lastCopy) * static_cast<std::size_t>(numbers.destinationBytes),
+            (destinationPixels & lastCopy) == 0};
 }
 
 template <int vectors, Loads loads, bool mirrored>
@@ -184,37 +178,44 @@ void RunBlocks(const PixelStep& step, int pixels, const StepRows& rows,
                std::size_t destinationPixels)
 {
     const StepNumbers numbers = NumbersOf(step, pixels);
+    const Extent extent = ExtentOf(numbers, destinationPixels);
     const Block<vectors> block = MakeBlock<vectors, loads>(numbers);
-    RunRows<vectors, loads, mirrored>(step, block, numbers, rows, destinationPixels);
+    for (std::size_t row = 0; row < rows.count; ++row)
+        RunRow<vectors, loads, mirrored>(block, extent, rows.sources[row], rows.destinations[row]);
+    if (!extent.endsWhole)
+        RunRest(step, numbers, extent, std::size_t{vectors} * vectorBytes, rows, destinationPixels);
 }
 
-// A block with all that its rows ask for but their number of pixels.
 template <int vectors>
-struct ReadyBlock
+struct ReadyRow
 {
     Block<vectors> block;
     StepNumbers numbers;
+    Extent extent;
 };
 
 template <int vectors, Loads loads, bool mirrored>
 void RunPrepared(const PreparedStep& prepared, const unsigned char* source,
-                 unsigned char* destination, std::size_t destinationPixels)
+                 unsigned char* destination)
 {
     const void* state = prepared.state;
+    const auto& ready = *static_cast<const ReadyRow<vectors>*>(state);
     // A copy, which the stores cannot change.
-    const auto ready = *static_cast<const ReadyBlock<vectors>*>(state);
-    RunRows<vectors, loads, mirrored>(*prepared.step, ready.block, ready.numbers,
-                                      {&source, &destination, 1}, destinationPixels);
+    const Block<vectors> block = ready.block;
+    RunRow<vectors, loads, mirrored>(block, ready.extent, source, destination);
+    if (!ready.extent.endsWhole)
+        RunRest(*prepared.step, ready.numbers, ready.extent, std::size_t{vectors} * vectorBytes,
+                {&source, &destination, 1}, prepared.destinationPixels);
 }
 
 template <int vectors, Loads loads, bool mirrored>
-void PrepareBlocks(const PixelStep& step, int pixels, PreparedStep& prepared)
+void PrepareBlocks(int pixels, PreparedStep& prepared)
 {
-    const StepNumbers numbers = NumbersOf(step, pixels);
-    const ReadyBlock<vectors> ready = {MakeBlock<vectors, loads>(numbers), numbers};
+    const StepNumbers numbers = NumbersOf(*prepared.step, pixels);
+    const ReadyRow<vectors> ready = {MakeBlock<vectors, loads>(numbers), numbers,
+                                     ExtentOf(numbers, prepared.destinationPixels)};
     static_assert(sizeof ready <= sizeof prepared.state);
     prepared.run = RunPrepared<vectors, loads, mirrored>;
-    prepared.step = &step;
     std::memcpy(prepared.state, &ready, sizeof ready);
 }
 
@@ -222,7 +223,7 @@ struct BlocksMethod
 {
     void (*run)(const PixelStep& step, int pixels, const StepRows& rows,
                 std::size_t destinationPixels);
-    void (*prepare)(const PixelStep& step, int pixels, PreparedStep& prepared);
+    void (*prepare)(int pixels, PreparedStep& prepared);
 };
 
 template <int vectors, Loads loads, bool mirrored>
@@ -261,12 +262,14 @@ void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPi
     MethodOf(step, shape).run(step, shape.pixels, rows, destinationPixels);
 }
 
-void Prepare(const PixelStep& step, std::size_t fewestPixels, PreparedStep& prepared)
+void Prepare(PreparedStep& prepared)
 {
+    const PixelStep& step = *prepared.step;
     const BlockShape& shape = ShapeOf(step);
-    if (!IsServed(step, shape, fewestPixels))
-        return VectorRoad::GetPixelKernels().prepare(step, fewestPixels, prepared);
-    MethodOf(step, shape).prepare(step, shape.pixels, prepared);
+    if (IsServed(step, shape, prepared.destinationPixels))
+        MethodOf(step, shape).prepare(shape.pixels, prepared);
+    else
+        VectorRoad::GetPixelKernels().prepare(prepared);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,

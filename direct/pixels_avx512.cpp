@@ -54,12 +54,12 @@ void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPi
             destinationPixels);
 }
 
-void Prepare(const PixelStep& step, std::size_t, PreparedStep& prepared)
+void Prepare(PreparedStep& prepared)
 {
+    const PixelStep& step = *prepared.step;
     const int shift = step.repeat >> 1;
     const BlockShape shape = FindShape(step.sourceBytes, step.destinationBytes << shift);
-    prepared.step = &step;
-    MethodOf(shape).prepare(step, shape, prepared);
+    MethodOf(shape).prepare(shape, prepared);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,

@@ -243,53 +243,48 @@ PELKRAFT_ALWAYS_INLINE inline void RunRow(const Block<vectors, loads>& block, co
 }
 
 template <int vectors, int loads, bool ownLoads, bool isFull>
-PELKRAFT_ALWAYS_INLINE inline void RunRows(const Block<vectors, loads>& block,
-                                           const StepNumbers& numbers, std::ptrdiff_t neededBytes,
-                                           const StepRows& rows, std::size_t destinationPixels)
+void RunBlocks(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
+               std::size_t destinationPixels)
 {
+    const StepNumbers numbers = NumbersOf(step, shape.pixels);
     const Extent extent = ExtentOf(numbers, destinationPixels);
-    const std::ptrdiff_t last = extent.destinationBytes - neededBytes;
+    const Block<vectors, loads> block = MakeBlock<vectors, loads, ownLoads>(numbers);
+    const std::ptrdiff_t last = extent.destinationBytes - shape.neededBytes;
     const std::ptrdiff_t first = numbers.mirrored ? extent.sourceBytes + block.moves.fromStep : 0;
     for (std::size_t row = 0; row < rows.count; ++row)
         RunRow<vectors, loads, ownLoads, isFull>(
             block, extent, last, {rows.sources[row], rows.destinations[row], first, 0});
 }
 
-template <int vectors, int loads, bool ownLoads, bool isFull>
-void RunBlocks(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
-               std::size_t destinationPixels)
-{
-    const StepNumbers numbers = NumbersOf(step, shape.pixels);
-    const Block<vectors, loads> block = MakeBlock<vectors, loads, ownLoads>(numbers);
-    RunRows<vectors, loads, ownLoads, isFull>(block, numbers, shape.neededBytes, rows,
-                                              destinationPixels);
-}
-
-// A block with all that its rows ask for but their number of pixels.
+// RunBlocks makes as much for its rows.
 template <int vectors, int loads>
-struct ReadyBlock
+struct ReadyRow
 {
     Block<vectors, loads> block;
-    StepNumbers numbers;
-    std::ptrdiff_t neededBytes;
+    Extent extent;
+    std::ptrdiff_t last;
+    std::ptrdiff_t first;
 };
 
 template <int vectors, int loads, bool ownLoads, bool isFull>
 void RunPrepared(const PreparedStep& prepared, const unsigned char* source,
-                 unsigned char* destination, std::size_t destinationPixels)
+                 unsigned char* destination)
 {
     const void* state = prepared.state;
-    const auto& ready = *static_cast<const ReadyBlock<vectors, loads>*>(state);
-    RunRows<vectors, loads, ownLoads, isFull>(ready.block, ready.numbers, ready.neededBytes,
-                                              {&source, &destination, 1}, destinationPixels);
+    const auto& ready = *static_cast<const ReadyRow<vectors, loads>*>(state);
+    RunRow<vectors, loads, ownLoads, isFull>(ready.block, ready.extent, ready.last,
+                                             {source, destination, ready.first, 0});
 }
 
 template <int vectors, int loads, bool ownLoads, bool isFull>
-void PrepareBlocks(const PixelStep& step, const BlockShape& shape, PreparedStep& prepared)
+void PrepareBlocks(const BlockShape& shape, PreparedStep& prepared)
 {
-    const StepNumbers numbers = NumbersOf(step, shape.pixels);
-    const ReadyBlock<vectors, loads> ready = {MakeBlock<vectors, loads, ownLoads>(numbers), numbers,
-                                              shape.neededBytes};
+    const StepNumbers numbers = NumbersOf(*prepared.step, shape.pixels);
+    const Extent extent = ExtentOf(numbers, prepared.destinationPixels);
+    const Block<vectors, loads> block = MakeBlock<vectors, loads, ownLoads>(numbers);
+    const ReadyRow<vectors, loads> ready = {
+        block, extent, extent.destinationBytes - shape.neededBytes,
+        numbers.mirrored ? extent.sourceBytes + block.moves.fromStep : 0};
     static_assert(sizeof ready <= sizeof prepared.state);
     prepared.run = RunPrepared<vectors, loads, ownLoads, isFull>;
     std::memcpy(prepared.state, &ready, sizeof ready);
@@ -299,7 +294,7 @@ struct BlocksMethod
 {
     void (*run)(const PixelStep& step, const BlockShape& shape, const StepRows& rows,
                 std::size_t destinationPixels);
-    void (*prepare)(const PixelStep& step, const BlockShape& shape, PreparedStep& prepared);
+    void (*prepare)(const BlockShape& shape, PreparedStep& prepared);
 };
 
 template <int vectors, int loads, bool ownLoads, bool isFull>

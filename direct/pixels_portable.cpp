@@ -153,15 +153,14 @@ void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPi
 }
 
 void RunPrepared(const PreparedStep& prepared, const unsigned char* source,
-                 unsigned char* destination, std::size_t destinationPixels)
+                 unsigned char* destination)
 {
-    StepRow(*prepared.step, source, destination, destinationPixels);
+    StepRow(*prepared.step, source, destination, prepared.destinationPixels);
 }
 
-void Prepare(const PixelStep& step, std::size_t, PreparedStep& prepared)
+void Prepare(PreparedStep& prepared)
 {
     prepared.run = RunPrepared;
-    prepared.step = &step;
 }
 
 constexpr PixelKernels kernels = {Step, maxStepBytes, Move, Prepare};

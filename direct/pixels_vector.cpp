@@ -85,11 +85,10 @@ void Step(const PixelStep& step, const StepRows& rows, std::size_t destinationPi
     MethodOf(shape).run(step, shape, rows, destinationPixels);
 }
 
-void Prepare(const PixelStep& step, std::size_t, PreparedStep& prepared)
+void Prepare(PreparedStep& prepared)
 {
-    const BlockShape& shape = ShapeOf(step);
-    prepared.step = &step;
-    MethodOf(shape).prepare(step, shape, prepared);
+    const BlockShape& shape = ShapeOf(*prepared.step);
+    MethodOf(shape).prepare(shape, prepared);
 }
 
 void Move(const PixelMove& move, const unsigned char* source, unsigned char* destination,

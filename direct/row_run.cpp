@@ -64,13 +64,18 @@ struct RowMethods
         });
     }
 
+    static bool AreJoined(Run run, Source source, Target target)
+    {
+        return run.joins && source.planeStep == run.joinedSourceStep &&
+               target.planeStep == run.joinedStep;
+    }
+
     // Calls body(source, target, count) for each row of samples: a plane, or all planes of a row
     // where they touch.
     template <typename Body>
     static void ForEachPlane(Run run, Source source, Target target, std::uint64_t rows, Body body)
     {
-        const bool joined = run.joins && source.planeStep == run.joinedSourceStep &&
-                            target.planeStep == run.joinedStep;
+        const bool joined = AreJoined(run, source, target);
         const std::size_t planes = joined ? 1 : run.planes;
         const std::size_t count = joined ? run.planes * run.count : run.count;
         if (planes == 1)
@@ -93,16 +98,22 @@ struct RowMethods
 
     static void StepPlanes(Run run, Source source, Target target, std::uint64_t rows)
     {
+        const PreparedStep& joined = run.joinedPlanes;
+        if (AreJoined(run, source, target))
+            return ForEachRow(source, target, rows,
+                              [&](const unsigned char* from, unsigned char* to) {
+                                  joined.run(joined, from, to);
+                              });
         ForEachPlane(run, source, target, rows,
-                     [&](const unsigned char* from, unsigned char* to, std::size_t count) {
-                         run.step.run(run.step, from, to, count);
+                     [&](const unsigned char* from, unsigned char* to, std::size_t) {
+                         run.step.run(run.step, from, to);
                      });
     }
 
     static void StepPixels(Run run, Source source, Target target, std::uint64_t rows)
     {
         ForEachRow(source, target, rows, [&](const unsigned char* from, unsigned char* to) {
-            run.step.run(run.step, from, to, run.count);
+            run.step.run(run.step, from, to);
         });
     }
 
@@ -227,9 +238,17 @@ RowRun::Method RowRun::ChooseMethod()
     }
 }
 
+void RowRun::Prepare(PreparedStep& prepared, std::size_t pixels) const
+{
+    prepared.step = &plan->step;
+    prepared.destinationPixels = pixels;
+    plan->kernels->pixels->prepare(prepared);
+}
+
 RowRun::Method RowRun::ChooseStep()
 {
-    plan->kernels->pixels->prepare(plan->step, count, step);
+    Prepare(step, count);
+    Prepare(joinedPlanes, planes * count);
     return plan->sourcePlanar ? RowMethods::StepPlanes : RowMethods::StepPixels;
 }
 

@@ -31,6 +31,7 @@ private:
 
     Method ChooseMethod();
     Method ChooseStep();
+    void Prepare(PreparedStep& prepared, std::size_t pixels) const;
 
     const DirectPlan* plan = nullptr;
     Method method = nullptr;
@@ -48,6 +49,8 @@ private:
     std::ptrdiff_t joinedSourceStep = 0;
     std::ptrdiff_t joinedStep = 0;
     PreparedStep step;
+    // The same for planes that are one row.
+    PreparedStep joinedPlanes;
 };
 
 } // namespace zvk::Pelkraft

@@ -139,11 +139,12 @@ void CheckStep(const Level& level, const Shape& shape, const Bytes& places, std:
     CheckRow(source, expected, [&](const unsigned char* from, unsigned char* to) {
         level.kernels->step(step, {&from, &to, 1}, pixels);
     });
-    // It is prepared for no more pixels than the row has.
     PreparedStep prepared;
-    level.kernels->prepare(step, pixels % 2 == 0 ? pixels : pixels / 2, prepared);
+    prepared.step = &step;
+    prepared.destinationPixels = pixels;
+    level.kernels->prepare(prepared);
     CheckRow(source, expected, [&](const unsigned char* from, unsigned char* to) {
-        prepared.run(prepared, from, to, pixels);
+        prepared.run(prepared, from, to);
     });
 }
 
