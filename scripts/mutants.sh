@@ -66,7 +66,8 @@ configure() {
     cmake -S "$tree" -B "$binaries" -G Ninja -DCMAKE_CXX_COMPILER=g++ \
         -DCMAKE_BUILD_TYPE=Mutants -DCMAKE_CXX_FLAGS_MUTANTS=-O1 \
         -DCMAKE_LINK_DEPENDS_NO_SHARED=ON \
-        -DPELKRAFT_BUILD_TESTS=ON -DPELKRAFT_BUILD_TOOLS=ON -DPELKRAFT_BUILD_BENCHMARKS=OFF
+        -DPELKRAFT_BUILD_TESTS=ON -DPELKRAFT_BUILD_TOOLS=ON -DPELKRAFT_BUILD_BENCHMARKS=OFF \
+        -DPELKRAFT_BUILD_PYTHON=ON
 }
 
 build() {
@@ -99,7 +100,8 @@ run_all() {
 # Prints the name of a failed test's first failed case, or that it hung or crashed.
 failure_of() {
     local failed
-    failed=$(sed -n 's/^\(.*: \)\?\[ *FAILED *\] \([^ ,]*\).*/\2/p' "$work/test.log" | head -1)
+    failed=$(sed -n -e 's/^\(.*: \)\?\[ *FAILED *\] \([^ ,]*\).*/\2/p' \
+        -e 's/^FAILED .*\.py::\(\w*\).*/\1/p' "$work/test.log" | head -1)
     if grep -q '\*\*\*Timeout' "$work/test.log"; then
         failed=hang
     elif [ -z "$failed" ]; then

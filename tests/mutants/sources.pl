@@ -23,11 +23,11 @@ sub WriteAll
     close($file) or die "$path: $!\n";
 }
 
-# The paths of all sources of the library and the program.
+# The paths of all sources of the library, the program and the Python package.
 sub SourcesOf
 {
     my ($tree) = @_;
-    my @folders = (split(/\n/, ReadAll("$tree/cmake/rooms.txt")), 'include', 'tools');
+    my @folders = (split(/\n/, ReadAll("$tree/cmake/rooms.txt")), 'include', 'tools', 'python/src');
     my @paths;
     find({no_chdir => 1, wanted => sub { push(@paths, $_) if /\.(cpp|h|hpp)$/ }},
          map { "$tree/$_" } @folders);
