@@ -101,6 +101,8 @@ def _runner(options: argparse.Namespace) -> Runner:
     kind = options.runner or ("dask" if options.scheduler else "processes")
     if options.scheduler and kind != "dask":
         raise JobError("--scheduler goes with --runner dask alone")
+    if options.workers is not None and options.workers < 1:
+        raise JobError(f"--workers is {options.workers}; 1 or more would do")
     if options.workers and (options.scheduler or kind in ("serial", "mpi")):
         raise JobError("--workers goes with processes, and with dask without --scheduler")
     if kind == "serial":
@@ -121,7 +123,7 @@ def _runner(options: argparse.Namespace) -> Runner:
 def _jobs(options: argparse.Namespace) -> list[PageJob]:
     steps = _steps(options)
     if options.list:
-        if options.files or options.to or options.page:
+        if options.files or options.to or options.page is not None:
             raise JobError("--list names all files and pages, so that no others go with it")
         return read_job_list(options.list, steps)
     if not options.files or not options.to:

@@ -43,8 +43,9 @@ def _convert(step: Conversion, picture: Picture, path: str, warnings: list[str])
     levels_meet_tones = (picture.bits < 8) != (bits < 8)
     samples = step.samples or ("tones" if levels_meet_tones else "fill")
     if bits < min(picture.bits, 8) and samples != "tones" and _exceeds(picture, entries, bits):
-        warnings.append(f"samples exceed the levels of {bits} bits, and only their lowest bits "
-                        "were kept; tones would be rounded to levels")
+        depth = "1 bit" if bits == 1 else f"{bits} bits"
+        warnings.append(f"samples exceed the levels of {depth}, and only their lowest bits were "
+                        "kept; tones would be rounded to levels")
     plan = Plan(_format_of(picture), Format(width, len(channels), bits, bits < 8 or planar),
                 map=entries, repeat=step.repeat, mirror=step.mirror, samples=samples,
                 invert=step.invert)

@@ -8,13 +8,14 @@ import uuid
 from concurrent.futures import CancelledError
 from typing import Any, Callable, Optional
 
+import dask
 import distributed
+from dask.utils import parse_timedelta
 from distributed import KilledWorker
 
 from .errors import ClusterLost
 from .runners import Runner, Verdict
 
-CONNECT_SECONDS = 30
 RESTART_SECONDS = 10
 # A result stands on its worker until it is asked for, and is made again where that one is lost.
 RESULT_SECONDS = 60
@@ -46,9 +47,10 @@ class DaskRunner(Runner):
                     n_workers=self._worker_count, threads_per_worker=1, processes=True,
                     dashboard_address=None, silence_logs=50)
             self._client = distributed.Client(self._cluster or self._address,
-                                              timeout=CONNECT_SECONDS, set_as_default=False)
-            self._client.wait_for_workers(1, timeout=CONNECT_SECONDS)
-        except (OSError, asyncio.TimeoutError) as error:
+                                              set_as_default=False)
+            patience = dask.config.get("distributed.comm.timeouts.connect")
+            self._client.wait_for_workers(1, timeout=parse_timedelta(patience))
+        except (OSError, ValueError, asyncio.TimeoutError) as error:
             self.__exit__()
             place = self._address or "this machine"
             raise ClusterLost(f"no scheduler with a worker at {place}: {error}") from error
@@ -107,4 +109,4 @@ class DaskRunner(Runner):
         if self._client.status == "running":
             self._client.cancel(list(self._under_way.values()))
         if self._cluster is not None:
-            self._cluster.close(timeout=RESTART_SECONDS)
+            self.__exit__()

@@ -3,6 +3,7 @@
 
 from __future__ import annotations
 
+import math
 import sys
 import time
 from typing import Callable, TextIO
@@ -20,7 +21,7 @@ class Progress:
         self._clock = clock
         self._shown = wanted == "always" or (wanted == "auto" and stream.isatty())
         self._start = clock()
-        self._last = self._start - PAUSE
+        self._last = -math.inf
         self._width = 0
 
     def show(self, done: int, kept: int, failed: int) -> None:

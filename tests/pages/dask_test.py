@@ -13,8 +13,8 @@ from converters import Frozen, Killed, Raising, Segfaulting, attempts
 
 from pelkraft.pages import ClusterLost, run_pages
 
-dask_runner = pytest.importorskip("pelkraft.pages.dask_runner")
-DaskRunner = dask_runner.DaskRunner
+dask = pytest.importorskip("dask")
+DaskRunner = pytest.importorskip("pelkraft.pages.dask_runner").DaskRunner
 
 
 @pytest.fixture
@@ -144,8 +144,16 @@ def test_a_scheduler_that_goes_away_leaves_pages_that_a_rerun_makes(make_jobs, n
     check_mirrored(jobs)
 
 
-def test_no_scheduler_is_told(monkeypatch):
-    monkeypatch.setattr(dask_runner, "CONNECT_SECONDS", 1)
-    with pytest.raises(ClusterLost, match="no scheduler with a worker at tcp://127.0.0.1:9"):
-        with DaskRunner("tcp://127.0.0.1:9"):
+def test_no_scheduler_is_told():
+    with dask.config.set({"distributed.comm.timeouts.connect": "1s"}):
+        with pytest.raises(ClusterLost, match="no scheduler with a worker at tcp://127.0.0.1:9"):
+            with DaskRunner("tcp://127.0.0.1:9"):
+                pass
+
+
+def test_a_scheduler_without_a_worker_is_told(tmp_path):
+    with Cluster(0, tmp_path) as cluster, \
+            dask.config.set({"distributed.comm.timeouts.connect": "2s"}), \
+            pytest.raises(ClusterLost, match="no scheduler with a worker at tcp"):
+        with DaskRunner(cluster.address):
             pass

@@ -8,7 +8,7 @@ import numpy
 import pytest
 import tifffile
 from conftest import write_cmyk
-from test_tiff import levels_of, random_picture, read, write
+from pictures import levels_of, random_picture, read, write
 
 import pelkraft
 from pelkraft.pages import Conversion, PageJob, Simulation, run_pages
