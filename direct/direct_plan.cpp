@@ -132,11 +132,7 @@ private:
         return WholeBytesOf(channels, bits);
     }
 
-    // The channels of a long map take turns too.
-    bool FitsTile() const
-    {
-        return PixelBytes() <= maxTilePixelBytes && plan.extras->entries == nullptr;
-    }
+    bool FitsTile() const { return PixelBytes() <= maxTilePixelBytes; }
     bool FitsStep() const { return PixelBytes() <= plan.kernels->pixels->stepBytes; }
 
     void Unpack()

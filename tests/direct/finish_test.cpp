@@ -100,7 +100,8 @@ TEST(Stream, WritesNothingBesideTheRow)
             Bytes destination(bytes + 2 * margin, 0xee);
             Bytes expected = destination;
             std::copy(content.begin(), content.end(), expected.begin() + margin);
-            level.kernels.stream(content.data(), destination.data() + margin, bytes);
+            const GuardedBuffer source(content);
+            level.kernels.stream(source.data(), destination.data() + margin, bytes);
             level.kernels.fence();
             ASSERT_EQ(expected, destination) << level.name << ", " << bytes << " bytes";
         }
