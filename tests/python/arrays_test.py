@@ -182,6 +182,12 @@ def test_pixels_that_do_not_stand_side_by_side_are_refused(rows, strides):
     )
 
 
+def test_the_second_sample_of_a_pixel_stands_beside_the_first():
+    plan = Plan(Format(5, 2, 8), Format(5, 2, 8, planar=True))
+    error = refused("rows", plan, as_strided(np.zeros(80, np.uint8), (4, 5, 2), (20, 2, 7)))
+    assert "the last two must be 2 and 1" in str(error)
+
+
 def test_samples_of_a_plane_that_do_not_stand_side_by_side_are_refused():
     rows = np.zeros((4, 3, 10), np.uint16)[:, :, ::2]
     error = refused("rows", MERGE, rows)
