@@ -113,6 +113,9 @@ std::string CheckSpecOf(Numbers& numbers)
     // No buffer holds the description of a map that is longer than the real one.
     if (spec.map != nullptr && spec.map_count > map.size())
         spec.map_count = map.size();
+    // A plan that inverts keeps some bytes for each channel, which may be more than there are.
+    if (spec.target.channels > 1 << 20)
+        spec.invert = 0;
     plk_plan* plan = nullptr;
     plk_failure failure = Sized<plk_failure>();
     const plk_status status = plk_plan_create(&spec, &plan, &failure);

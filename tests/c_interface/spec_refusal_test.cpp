@@ -198,6 +198,10 @@ TEST(PlanSpec, ServesTheWidestRowsOfPlanes)
     EXPECT_EQ(CreateWords(&spec), "OK");
     spec.repeat = 4;
     EXPECT_EQ(CreateWords(&spec), Words(PLK_UNSUPPORTED, "source.width", widest, widest / 4));
+    // Four times this width is 0 in 64 bits.
+    spec.source.width = std::int64_t{1} << 62;
+    spec.target.width = 0;
+    EXPECT_EQ(CreateWords(&spec), Words(PLK_UNSUPPORTED, "source.width", spec.source.width, 0));
 }
 
 TEST(PlanSpec, RefusesTonesAndInversionWithoutAFullScale)
