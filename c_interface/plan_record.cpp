@@ -33,7 +33,7 @@ std::vector<std::int32_t> GetMap(RecordReader& reader)
         throw Refusal(PLK_BAD_RECORD, FieldName("map_count"), Limited(count),
                       Limited(reader.CountLeft() / 4), "map_count is ", count,
                       "; the record has room for ", reader.CountLeft() / 4, " entries at most");
-    std::vector<std::int32_t> map(count);
+    std::vector<std::int32_t> map(static_cast<std::size_t>(count));
     for (std::int32_t& entry : map)
         entry = reader.GetSigned32();
     return map;

@@ -48,7 +48,7 @@ Bytes SavedBytes(const plk_plan* plan)
 {
     std::uint64_t needed = 0;
     plk_plan_save(plan, nullptr, 0, &needed, nullptr);
-    Bytes record(needed);
+    Bytes record(static_cast<std::size_t>(needed));
     plk_plan_save(plan, record.data(), record.size(), nullptr, nullptr);
     return record;
 }

@@ -221,9 +221,11 @@ TEST(RunExtents, AreNotWrappedByAnyNumber)
     for (const NumberCase& number : cases) {
         const Bytes pixels(16, 1);
         Bytes inks(16);
-        const NaivePlacement view = {number.offset, number.rowStride, number.planeStride};
-        const plk_source source = SourceOf(pixels, view);
-        const plk_target target = TargetOf(inks, view);
+        plk_source source = SourceOf(pixels, {0, 0, 0});
+        plk_target target = TargetOf(inks, {0, 0, 0});
+        source.offset = target.offset = number.offset;
+        source.row_stride = target.row_stride = number.rowStride;
+        source.plane_stride = target.plane_stride = number.planeStride;
         EXPECT_EQ(RunWords(plan.get(), &source, &target, number.rows), number.words);
         const bool isTarget = number.words.find("target") != std::string::npos;
         if (number.words == "OK" || isTarget)

@@ -18,9 +18,9 @@ struct Arenas
 // The view of rows one directly after the other, or from the last one back to the first.
 NaivePlacement DenseView(const NaiveGeometry& geometry, int rows, bool backwards)
 {
-    const auto plane = static_cast<long long>(NaiveRowBytes(
+    const auto plane = static_cast<std::ptrdiff_t>(NaiveRowBytes(
         geometry.planar ? NaiveGeometry{geometry.width, 1, geometry.bits, true} : geometry));
-    const auto row = static_cast<long long>(NaiveRowBytes(geometry));
+    const auto row = static_cast<std::ptrdiff_t>(NaiveRowBytes(geometry));
     if (!backwards)
         return {0, row, plane};
     return {rows * row - plane, -row, -plane};

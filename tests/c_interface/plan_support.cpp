@@ -57,7 +57,7 @@ Bytes Saved(const plk_plan* plan)
 {
     std::uint64_t needed = 0;
     EXPECT_EQ(plk_plan_save(plan, nullptr, 0, &needed, nullptr), PLK_TOO_SMALL);
-    Bytes record(needed);
+    Bytes record(static_cast<std::size_t>(needed));
     EXPECT_EQ(plk_plan_save(plan, record.data(), record.size(), nullptr, nullptr), PLK_OK);
     return record;
 }
@@ -66,7 +66,7 @@ std::string Described(const plk_plan* plan, std::int32_t form)
 {
     std::uint64_t needed = 0;
     EXPECT_EQ(plk_plan_describe(plan, form, nullptr, 0, &needed, nullptr), PLK_TOO_SMALL);
-    std::string text(needed, 'x');
+    std::string text(static_cast<std::size_t>(needed), 'x');
     EXPECT_EQ(plk_plan_describe(plan, form, text.data(), needed, &needed, nullptr), PLK_OK);
     EXPECT_EQ(needed, text.size());
     EXPECT_EQ(text.find('\0'), text.size() - 1);

@@ -155,9 +155,12 @@ TEST(Images, AreConvertedRowByRow)
     const Bytes pixels = RandomBytes(source.GetSize(), 6);
     std::copy(pixels.begin(), pixels.end(), source.GetData());
     plan(source, target);
-    const Bytes expected =
-        NaiveRun(join, pixels, {0, source.GetRowStride(), 0}, Bytes(target.GetSize()),
-                 {0, target.GetRowStride(), target.GetPlaneStride()}, 3);
+    const auto rowStep = [](const Image& image) {
+        return static_cast<std::ptrdiff_t>(image.GetRowStride());
+    };
+    const auto planeStep = static_cast<std::ptrdiff_t>(target.GetPlaneStride());
+    const Bytes expected = NaiveRun(join, pixels, {0, rowStep(source), 0}, Bytes(target.GetSize()),
+                                    {0, rowStep(target), planeStep}, 3);
     EXPECT_EQ(Bytes(target.GetData(), target.GetData() + target.GetSize()), expected);
 }
 
