@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -225,7 +224,7 @@ TEST(PatternText, IsReadWhereItStandsAndNoFurther)
     for (const std::string& written : {text, crlf}) {
         const GuardedArena arena(written.size());
         unsigned char* const place = arena.Place(written.size(), Flush::AtEnd);
-        std::memcpy(place, written.data(), written.size());
+        std::copy(written.begin(), written.end(), place);
         arena.MakeReadOnly();
         const PatternHandle handle =
             MakeHandle({reinterpret_cast<const char*>(place), written.size()});

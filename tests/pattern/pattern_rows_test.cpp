@@ -203,11 +203,10 @@ TEST(PatternRowsAtAnyPlace, HaveTheLimitsOfTheVectorEngineAtEveryLevel)
 
 TEST(PatternRowsAtAnyPlace, AreRefusedInTheWordsOfAPattern)
 {
-    for (const char* const text :
-         {"", "VERSION", "VERSION 2", "DotWeavePattern VERSION 2",
-          "DotWeavePattern VERSION 3 BEGIN_OUT_INKS X END_OUT_INKS",
-          "DotWeavePattern VERSION 2 BEGIN_IN_COLORS C END_IN_COLORS BEGIN_IN_COLOR C "
-          "BEGIN_VALUES 9 1 0-1"})
+    const std::string noStep = Head("2", "C", "X") + InColor("C", "X", "9 1 0-1");
+    for (const std::string& text :
+         {std::string(), std::string("VERSION"), std::string("VERSION 2"),
+          std::string("DotWeavePattern VERSION 2"), Head("3", "", "X"), noStep})
         for (const Engine engine : {DotWeavePattern::X86, DotWeavePattern::Sse}) {
             const std::string refusal = WhatIsThrown([&] { LoadRows(text, engine); });
             EXPECT_EQ(refusal, Refusal(text, engine));
