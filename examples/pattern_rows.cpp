@@ -48,7 +48,7 @@ int main()
     target.size = sizeof target;
     target.base = inks;
     target.bytes = sizeof inks;
-    for (int row = rows - 1; row >= 0; --row) {
+    for (int64_t row = rows - 1; row >= 0; --row) {
         source.offset = target.offset = row * pixels;
         plk_pattern_run(pattern, static_cast<uint64_t>(row), 1, pixels, &source, &target, nullptr);
     }

@@ -130,8 +130,9 @@ TEST(PatternHandlesWithoutMemory, HaveNoFieldBeyondALimit)
 TEST(PatternHandlesWithoutMemory, ApplyTheirRows)
 {
     plk_pattern* const pattern = MakeOnce(exampleText);
-    const std::vector<unsigned char> steps(2 * 500, 2);
-    std::vector<unsigned char> inks(3 * 500);
+    // Two in-colours and three out-inks.
+    const std::vector<unsigned char> steps(1000, 2);
+    std::vector<unsigned char> inks(1500);
     const plk_source from = {sizeof from, 0, steps.data(), steps.size(), 0, 0, 0};
     const plk_target to = {sizeof to, 0, inks.data(), inks.size(), 0, 3 * 50, 0};
     plk_pattern_facts facts = {};
