@@ -62,7 +62,7 @@ private:
         return false;
     }
 
-    // What the first in-colours break, more of them break too.
+    // A rule that the first in-colours break is broken by any more of them too.
     bool FindInAll()
     {
         std::int32_t sound = 0;

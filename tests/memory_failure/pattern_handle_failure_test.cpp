@@ -134,7 +134,7 @@ TEST(PatternHandlesWithoutMemory, ApplyTheirRows)
     const std::vector<unsigned char> steps(1000, 2);
     std::vector<unsigned char> inks(1500);
     const plk_source from = {sizeof from, 0, steps.data(), steps.size(), 0, 0, 0};
-    const plk_target to = {sizeof to, 0, inks.data(), inks.size(), 0, 3 * 50, 0};
+    const plk_target to = {sizeof to, 0, inks.data(), inks.size(), 0, 150, 0};
     plk_pattern_facts facts = {};
     facts.size = sizeof facts;
     CountedMemory memory;
