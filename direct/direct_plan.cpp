@@ -279,13 +279,21 @@ bool FitsStage(const DirectPlan& plan)
     return plan.passes[plan.passCount - 1U].planar || plan.channels <= maxMapEntries;
 }
 
+// True if the row's first pixels are no longer near when the last ones are done, so that they had
+// better be patched before.
+bool LeavesCache(const DirectPlan& plan)
+{
+    constexpr std::size_t nearBytes = 16384;
+    return plan.pixels > nearBytes * 8 / plan.passes[plan.passCount - 1U].bits / plan.channels;
+}
+
 // One pass over the whole row needs no tile, unless it needs a plane of zeros, or one to drop
 // samples into.
 bool NeedsTile(const DirectPlan& plan)
 {
     const PassKind kind = plan.passes[0].kind;
     return plan.passCount != 1 || plan.splitMaps || (plan.mapped && kind == PassKind::Merge) ||
-           plan.staged || plan.patchesRows;
+           plan.staged || (plan.patchesRows && LeavesCache(plan));
 }
 
 } // namespace

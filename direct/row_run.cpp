@@ -144,6 +144,16 @@ struct RowMethods
                          ClearUnusedBits(to, count, bits);
                      });
     }
+
+    static void Patched(Run run, Source source, Target target, std::uint64_t rows)
+    {
+        const DirectPlan& plan = *run.plan;
+        ForEachRow(source, target, rows, [&](const unsigned char* from, unsigned char* to) {
+            run.unpatched(run, {from, 0, source.planeStep}, {to, 0, target.planeStep}, 1);
+            PatchRow(*plan.kernels->finish, *plan.extras->patch,
+                     {to, target.planeStep, 0, plan.channels, plan.pixels});
+        });
+    }
 };
 
 namespace {
@@ -206,6 +216,10 @@ RowRun::RowRun(const DirectPlan& newPlan)
     joinedSourceStep = static_cast<std::ptrdiff_t>(BytesOf(plan->sourcePixels, plan->sourceBits));
     joinedStep = static_cast<std::ptrdiff_t>(BytesOf(plan->pixels, bits));
     method = ChooseMethod();
+    if (plan->patchesRows && method != RowMethods::ByPasses) {
+        unpatched = method;
+        method = RowMethods::Patched;
+    }
 }
 
 RowRun::Method RowRun::ChooseMethod()

@@ -35,6 +35,8 @@ private:
 
     const DirectPlan* plan = nullptr;
     Method method = nullptr;
+    // Does what is to be done before the patch.
+    Method unpatched = nullptr;
     // The kernel, if it is one of these.
     SplitKernel split = nullptr;
     MergeKernel merge = nullptr;

@@ -260,6 +260,8 @@ void RunDirect(const DirectPlan& plan, const DirectRows& rows)
     const PassInput input = SourceAt(plan, rows, plan.firstPixel, 0, plan.sourcePixels);
     const PassTarget target = TargetAt(plan, rows, 0, 0, plan.pixels);
     RunPass(plan, plan.passes[0], input, target, plan.channels);
+    if (plan.patchesRows)
+        PatchPixels(plan, target, plan.channels);
 }
 
 void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* target)

@@ -96,10 +96,14 @@ TEST(RowsPlan, ConvertsTheEndOfARowToItsStart)
         for (const bool maps : {false, true}) {
             join.maps = maps;
             join.map = maps ? std::vector<int>{2, 0, -9, 1} : std::vector<int>{};
-            Bytes memory = before;
-            RowsPlan(RequestOf(join, level))
-                .Run(RowsAt<const unsigned char>(memory.data(), at), RowsAt(memory.data(), at), 3);
-            EXPECT_TRUE(ExpectedRows(join, at, before, at, before, 3) == memory);
+            for (const bool streamed : {false, true}) {
+                Bytes memory = before;
+                RowsRequest request = RequestOf(join, level);
+                request.streamed = streamed;
+                RowsPlan(request).Run(RowsAt<const unsigned char>(memory.data(), at),
+                                      RowsAt(memory.data(), at), 3);
+                EXPECT_TRUE(ExpectedRows(join, at, before, at, before, 3) == memory);
+            }
         }
 }
 
