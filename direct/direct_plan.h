@@ -167,8 +167,8 @@ struct DirectRows
     std::ptrdiff_t planeStep;
 };
 
-// The rows must not overlap. They may be one and the same if the plan is staged and mirrors and
-// repeats nothing.
+// Runs the passes, and the patch where they go tile by tile. The rows must not overlap. They may be
+// one and the same if the plan is staged and mirrors and repeats nothing.
 void RunDirect(const DirectPlan& plan, const DirectRows& rows);
 
 // The same for rows whose planes stand one directly after the other.

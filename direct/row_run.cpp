@@ -205,24 +205,28 @@ bool FillsBytes(std::size_t pixels, std::uint8_t bits)
 } // namespace
 
 RowRun::RowRun(const DirectPlan& newPlan)
-    : plan(&newPlan), method(RowMethods::ByPasses),
-      planes(newPlan.sourcePlanar ? newPlan.channels : 1), count(newPlan.pixels)
+    : plan(&newPlan), planes(newPlan.sourcePlanar ? newPlan.channels : 1), count(newPlan.pixels)
 {
-    if (!HasOneKernel(*plan))
-        return;
-    const std::uint8_t bits = plan->passes[0].bits;
-    joins = plan->sourcePlanar && !plan->mirrored && plan->pixels % plan->repeat == 0 &&
-            FillsBytes(plan->sourcePixels, plan->sourceBits) && FillsBytes(plan->pixels, bits);
-    joinedSourceStep = static_cast<std::ptrdiff_t>(BytesOf(plan->sourcePixels, plan->sourceBits));
-    joinedStep = static_cast<std::ptrdiff_t>(BytesOf(plan->pixels, bits));
     method = ChooseMethod();
-    if (plan->patchesRows && method != RowMethods::ByPasses) {
+    if (plan->patchesRows && plan->tilePixels == 0) {
         unpatched = method;
         method = RowMethods::Patched;
     }
 }
 
 RowRun::Method RowRun::ChooseMethod()
+{
+    if (!HasOneKernel(*plan))
+        return RowMethods::ByPasses;
+    const std::uint8_t bits = plan->passes[0].bits;
+    joins = plan->sourcePlanar && !plan->mirrored && plan->pixels % plan->repeat == 0 &&
+            FillsBytes(plan->sourcePixels, plan->sourceBits) && FillsBytes(plan->pixels, bits);
+    joinedSourceStep = static_cast<std::ptrdiff_t>(BytesOf(plan->sourcePixels, plan->sourceBits));
+    joinedStep = static_cast<std::ptrdiff_t>(BytesOf(plan->pixels, bits));
+    return ChooseKernel();
+}
+
+RowRun::Method RowRun::ChooseKernel()
 {
     const PassOutput& pass = plan->passes[0];
     const bool dense = plan->channels <= maxDenseChannels;

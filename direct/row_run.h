@@ -30,6 +30,7 @@ private:
                             std::uint64_t rows);
 
     Method ChooseMethod();
+    Method ChooseKernel();
     Method ChooseStep();
     void Prepare(PreparedStep& prepared, std::size_t pixels) const;
 

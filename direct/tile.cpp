@@ -81,7 +81,7 @@ bool IsOfPlanes(const DirectPlan& plan)
 // Planes that no pass brings together take turns, one by one.
 std::size_t ChooseTileChannels(const DirectPlan& plan)
 {
-    if (!IsOfPlanes(plan) || (plan.mapped && plan.extras->entries == nullptr))
+    if (!IsOfPlanes(plan))
         return plan.channels;
     if (plan.sourcePlanar && plan.passes[plan.passCount - 1U].planar && !plan.mapped)
         return 1;
@@ -260,8 +260,6 @@ void RunDirect(const DirectPlan& plan, const DirectRows& rows)
     const PassInput input = SourceAt(plan, rows, plan.firstPixel, 0, plan.sourcePixels);
     const PassTarget target = TargetAt(plan, rows, 0, 0, plan.pixels);
     RunPass(plan, plan.passes[0], input, target, plan.channels);
-    if (plan.patchesRows)
-        PatchPixels(plan, target, plan.channels);
 }
 
 void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
