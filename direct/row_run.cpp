@@ -18,7 +18,7 @@ Byte* PlaneOf(Byte* row, std::ptrdiff_t step, std::size_t plane)
 
 // Calls body(source, target) with the first bytes of each pair of rows.
 template <typename Body>
-void ForEachRow(const SourceRows& source, const TargetRows& target, std::uint64_t rows, Body body)
+void ForEachRow(const ReadRows& source, const WrittenRows& target, std::uint64_t rows, Body body)
 {
     // A single row is the end of the method, and goes on without a frame of it.
     if (rows == 1)
@@ -36,8 +36,8 @@ void ForEachRow(const SourceRows& source, const TargetRows& target, std::uint64_
 struct RowMethods
 {
     using Run = const RowRun&;
-    using Source = const SourceRows&;
-    using Target = const TargetRows&;
+    using Source = const ReadRows&;
+    using Target = const WrittenRows&;
 
     static void ByPasses(Run run, Source source, Target target, std::uint64_t rows)
     {
@@ -159,7 +159,7 @@ struct RowMethods
 namespace {
 
 using DenseMethods =
-    std::array<void (*)(const RowRun&, const SourceRows&, const TargetRows&, std::uint64_t),
+    std::array<void (*)(const RowRun&, const ReadRows&, const WrittenRows&, std::uint64_t),
                maxDenseChannels>;
 
 template <std::size_t... channel>

@@ -4,8 +4,8 @@
 
 namespace zvk::Pelkraft {
 
-using SourceRows = StridedRows<const unsigned char>;
-using TargetRows = StridedRows<unsigned char>;
+using ReadRows = StridedRows<const unsigned char>;
+using WrittenRows = StridedRows<unsigned char>;
 
 // The way of a plan's rows to their kernel, chosen once for many rows. Most plans of one pass go
 // straight to it, the others through RunDirect.
@@ -18,7 +18,7 @@ public:
     explicit RowRun(const DirectPlan& newPlan);
 
     // The rows must not overlap.
-    void operator()(const SourceRows& source, const TargetRows& target, std::uint64_t rows) const
+    void operator()(const ReadRows& source, const WrittenRows& target, std::uint64_t rows) const
     {
         method(*this, source, target, rows);
     }
@@ -26,7 +26,7 @@ public:
 private:
     friend struct RowMethods;
 
-    using Method = void (*)(const RowRun& run, const SourceRows& source, const TargetRows& target,
+    using Method = void (*)(const RowRun& run, const ReadRows& source, const WrittenRows& target,
                             std::uint64_t rows);
 
     Method ChooseMethod();

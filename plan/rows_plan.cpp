@@ -76,7 +76,7 @@ struct RowsPlan::State
     explicit State(const RowsRequest& request);
 
     // For plans that have no pixels, may run in place or write past the cache.
-    void RunSpecial(const SourceRows& source, const TargetRows& target, std::uint64_t rows) const;
+    void RunSpecial(const ReadRows& source, const WrittenRows& target, std::uint64_t rows) const;
 
     // Those of a short map stand in the plans too.
     std::vector<std::int32_t> entries;
@@ -94,7 +94,7 @@ struct RowsPlan::State
     RowRun runInPlace;
 
 private:
-    void PatchInPlace(const TargetRows& target, std::uint64_t rows) const;
+    void PatchInPlace(const WrittenRows& target, std::uint64_t rows) const;
 };
 
 RowsPlan::State::State(const RowsRequest& request)
@@ -134,7 +134,7 @@ RowsPlan::State::State(const RowsRequest& request)
     runInPlace = RowRun(staged);
 }
 
-void RowsPlan::State::RunSpecial(const SourceRows& source, const TargetRows& target,
+void RowsPlan::State::RunSpecial(const ReadRows& source, const WrittenRows& target,
                                  std::uint64_t rows) const
 {
     if (plan.road == PlanRoad::None)
@@ -150,7 +150,7 @@ void RowsPlan::State::RunSpecial(const SourceRows& source, const TargetRows& tar
 }
 
 // Pixels that no map moves only have bits turned over, and unused ones cleared.
-void RowsPlan::State::PatchInPlace(const TargetRows& target, std::uint64_t rows) const
+void RowsPlan::State::PatchInPlace(const WrittenRows& target, std::uint64_t rows) const
 {
     const DirectPlan& direct = plan.direct;
     const RowPatch* patch = extras.patch;
@@ -178,7 +178,7 @@ bool RowsPlan::AllowsInPlace() const noexcept
     return state->allowsInPlace;
 }
 
-void RowsPlan::Run(const SourceRows& source, const TargetRows& target,
+void RowsPlan::Run(const ReadRows& source, const WrittenRows& target,
                    std::uint64_t rows) const noexcept
 {
     if (state->isPlain)

@@ -80,7 +80,7 @@ public:
     bool AllowsInPlace() const noexcept;
 
     // The rows must not overlap, but for rows in place where that is allowed. It allocates nothing.
-    void Run(const SourceRows& source, const TargetRows& target, std::uint64_t rows) const noexcept;
+    void Run(const ReadRows& source, const WrittenRows& target, std::uint64_t rows) const noexcept;
 
 private:
     friend PlanWords Describe(const RowsPlan& plan);
