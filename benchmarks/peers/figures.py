@@ -4,7 +4,7 @@ import json
 import statistics
 from collections import defaultdict
 
-OURS, PLAIN, MEMCPY = "pelkraft", "plain_loop", "memcpy"
+OURS, PLAN, PLAIN, MEMCPY = "pelkraft", "pelkraft_plan", "plain_loop", "memcpy"
 LARGEST_LOSS = 0.15
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
@@ -42,7 +42,7 @@ class Report:
     def fastest_peer(self, job, width):
         """Time and name of the fastest that is neither ours nor a loop, or nothing."""
         entries = [key[2] for key in self.times if key[:2] == (job, width)]
-        peers = [e for e in entries if e not in (OURS, PLAIN, MEMCPY)]
+        peers = [e for e in entries if e not in (OURS, PLAN, PLAIN, MEMCPY)]
         return min(((self.time(job, width, e), e) for e in peers), default=(None, None))
 
 
