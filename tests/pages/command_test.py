@@ -153,7 +153,10 @@ def test_a_list_has_steps_of_its_own(make_jobs, tmp_path):
     (["in/1.tif", "--to", "in", "--mirror"], "is an input of the list"),
     (["--list", "jobs.json", "in/1.tif"], "--list names all files"),
     (["--list", "jobs.json"], "jobs.json: cannot be read: No such file"),
-    (["in", "--to", "out", "--mirror", "--scheduler", "a", "--runner", "mpi"], "--scheduler goes"),
+    (["in", "--to", "out", "--mirror", "--scheduler", "a", "--runner", "mpi"],
+     "--scheduler and --scheduler-file go with"),
+    (["in", "--to", "out", "--mirror", "--scheduler", "a", "--scheduler-file", "b"],
+     "--scheduler and --scheduler-file say the same thing; one would do"),
     (["in", "--to", "out", "--mirror", "--workers", "2", "--runner", "serial"], "--workers goes"),
     (["in", "--to", "out", "--mirror", "--workers", "-2"], "--workers is -2; 1 or more"),
     (["in", "--to", "out", "--mirror", "--window", "0"], "window is 0; 1 or more would do"),
@@ -176,6 +179,12 @@ def test_no_cluster_has_an_exit_code(make_jobs, tmp_path, monkeypatch):
                 "--scheduler", "tcp://127.0.0.1:9")
     assert ended.returncode == exit_codes.CLUSTER_LOST
     assert "no scheduler with a worker at tcp://127.0.0.1:9" in ended.stderr
+    for text in ("", "[]", "{}", '{"address": 7}'):
+        (tmp_path / "cluster.json").write_text(text)
+        ended = run(tmp_path / "in", "--to", tmp_path / "out", "--mirror",
+                    "--scheduler-file", tmp_path / "cluster.json")
+        assert ended.returncode == exit_codes.CLUSTER_LOST
+        assert f"no scheduler with a worker at {tmp_path / 'cluster.json'}: " in ended.stderr
 
 
 def test_a_report_that_cannot_be_written_has_an_exit_code(make_jobs, tmp_path):

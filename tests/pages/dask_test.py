@@ -3,6 +3,7 @@
 
 import json
 import os
+import signal
 import subprocess
 import sys
 import time
@@ -90,7 +91,7 @@ class Cluster:
     def __init__(self, workers, folder):
         self._folder = folder
         self.processes = []
-        address_file = folder / "scheduler.json"
+        self.file = address_file = folder / "scheduler.json"
         address_file.unlink(missing_ok=True)
         self._start("scheduler", "--host", "127.0.0.1", "--port", "0", "--no-dashboard",
                     "--scheduler-file", address_file)
@@ -137,11 +138,29 @@ def test_a_scheduler_that_goes_away_leaves_pages_that_a_rerun_makes(make_jobs, n
     first_left = found.index("left")
     assert found[first_left:] == ["left"] * (30 - first_left)
     assert results[-1].message == "the scheduler went away"
-    with Cluster(2, tmp_path) as cluster, DaskRunner(cluster.address) as runner:
+    with Cluster(2, tmp_path) as cluster, DaskRunner(scheduler_file=cluster.file) as runner:
         results = list(run_pages(jobs, runner))
     assert statuses(results[:3]) == ["kept"] * 3
     assert set(statuses(results)) == {"kept", "made"}
     check_mirrored(jobs)
+
+
+def test_a_cluster_that_loses_all_workers_leaves_pages(make_jobs, notes, tmp_path, monkeypatch):
+    monkeypatch.setattr("pelkraft.pages.dask_runner.WORKERLESS_SECONDS", 1)
+    jobs = make_jobs(20)
+    convert = Killed(notes, frozenset(), seconds=0.2)
+    results = []
+    with Cluster(1, tmp_path) as cluster, DaskRunner(cluster.address) as runner:
+        for result in run_pages(jobs, runner, convert=convert):
+            results.append(result)
+            if len(results) == 2:
+                # The process that would start the worker again, and the worker.
+                cluster.processes[1].kill()
+                os.kill(int(result.worker.split(":")[1]), signal.SIGKILL)
+    found = statuses(results)
+    first_left = found.index("left")
+    assert found == ["made"] * first_left + ["left"] * (20 - first_left)
+    assert results[-1].message == "the cluster has lost all its workers"
 
 
 def test_no_scheduler_is_told():

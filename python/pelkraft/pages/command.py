@@ -98,13 +98,16 @@ def _interrupt(*_: object) -> None:
 
 
 def _runner(options: argparse.Namespace) -> Runner:
-    kind = options.runner or ("dask" if options.scheduler else "processes")
-    if options.scheduler and kind != "dask":
-        raise JobError("--scheduler goes with --runner dask alone")
+    scheduler = options.scheduler or options.scheduler_file
+    kind = options.runner or ("dask" if scheduler else "processes")
+    if scheduler and kind != "dask":
+        raise JobError("--scheduler and --scheduler-file go with --runner dask alone")
+    if options.scheduler and options.scheduler_file:
+        raise JobError("--scheduler and --scheduler-file say the same thing; one would do")
     if options.workers is not None and options.workers < 1:
         raise JobError(f"--workers is {options.workers}; 1 or more would do")
-    if options.workers and (options.scheduler or kind in ("serial", "mpi")):
-        raise JobError("--workers goes with processes, and with dask without --scheduler")
+    if options.workers and (scheduler or kind in ("serial", "mpi")):
+        raise JobError("--workers goes with processes, and with dask without a scheduler")
     if kind == "serial":
         return SerialRunner()
     if kind == "processes":
@@ -112,7 +115,7 @@ def _runner(options: argparse.Namespace) -> Runner:
     try:
         if kind == "dask":
             from .dask_runner import DaskRunner
-            return DaskRunner(options.scheduler, options.workers)
+            return DaskRunner(options.scheduler, options.workers, options.scheduler_file)
         from .mpi_runner import MpiRunner
         return MpiRunner()
     except ImportError as error:
@@ -198,10 +201,12 @@ def _add_steps(parser: argparse.ArgumentParser) -> None:
 def _add_work(parser: argparse.ArgumentParser) -> None:
     group = parser.add_argument_group("work")
     group.add_argument("--runner", choices=("serial", "processes", "dask", "mpi"),
-                       help="where pages are made; processes by default, dask with --scheduler")
+                       help="where pages are made; processes by default, dask with a scheduler")
     group.add_argument("--workers", type=int, metavar="COUNT",
                        help="processes, or workers of a Dask cluster of its own")
     group.add_argument("--scheduler", metavar="ADDRESS", help="the scheduler of a Dask cluster")
+    group.add_argument("--scheduler-file", metavar="FILE",
+                       help="the file that the scheduler of a Dask cluster writes")
     group.add_argument("--retries", type=int, default=DEFAULT_RETRIES, metavar="COUNT",
                        help="how often a page is begun anew after a failure that may pass; "
                             "%(default)s by default")

@@ -4,6 +4,8 @@
 from __future__ import annotations
 
 import asyncio
+import json
+import time
 import uuid
 from concurrent.futures import CancelledError
 from typing import Any, Callable, Optional
@@ -19,12 +21,14 @@ from .runners import Runner, Verdict
 RESTART_SECONDS = 10
 # A result stands on its worker until it is asked for, and is made again where that one is lost.
 RESULT_SECONDS = 60
+# So long may all workers be away: they start again, or a cluster that grows has none yet.
+WORKERLESS_SECONDS = 60
 GONE = "the scheduler went away"
 
 
 class DaskRunner(Runner):
-    """Makes pages on the workers of a scheduler, or, without an address, on a cluster of its own
-    on this machine.
+    """Makes pages on the workers of a scheduler, given by its address or by the file that it
+    writes, or, without either, on a cluster of its own on this machine.
 
     Every worker must see the files under the same paths as this process. The package must be
     installed on each, in the same version. A cluster of its own has one thread in each worker.
@@ -32,9 +36,13 @@ class DaskRunner(Runner):
 
     retries_itself = True
 
-    def __init__(self, scheduler: Optional[str] = None, workers: Optional[int] = None) -> None:
+    def __init__(self, scheduler: Optional[str] = None, workers: Optional[int] = None,
+                 scheduler_file: Optional[str] = None) -> None:
         self._address = scheduler
+        self._file = scheduler_file
         self._worker_count = workers
+        self._settings: Any = None
+        self._workerless_since: Optional[float] = None
         self._cluster: Optional[distributed.LocalCluster] = None
         self._client: Optional[distributed.Client] = None
         self._under_way: dict[str, distributed.Future] = {}
@@ -42,21 +50,24 @@ class DaskRunner(Runner):
 
     def __enter__(self) -> DaskRunner:
         try:
+            if self._file is not None:
+                with open(self._file, encoding="utf-8") as file:
+                    self._address = json.load(file)["address"]
             if self._address is None:
+                # A cluster gives up a worker that is away some seconds after it was lost, although
+                # it may have come back in between and be starting once more.
+                self._settings = dask.config.set({"distributed.deploy.lost-worker-timeout": "1d"})
                 self._cluster = distributed.LocalCluster(
                     n_workers=self._worker_count, threads_per_worker=1, processes=True,
-                    dashboard_address=None, silence_logs=50)
+                    dashboard_address=":0", silence_logs=50)
             self._client = distributed.Client(self._cluster or self._address,
                                               set_as_default=False)
             patience = dask.config.get("distributed.comm.timeouts.connect")
             self._client.wait_for_workers(1, timeout=parse_timedelta(patience))
-        except (OSError, ValueError, asyncio.TimeoutError) as error:
+        except (OSError, ValueError, KeyError, TypeError, asyncio.TimeoutError) as error:
             self.__exit__()
-            place = self._address or "this machine"
+            place = self._file or self._address or "this machine"
             raise ClusterLost(f"no scheduler with a worker at {place}: {error}") from error
-        threads = sum(self._client.nthreads().values())
-        # A worker has its next page before it asks for it.
-        self.window = 2 * threads
         return self
 
     def __exit__(self, *_: object) -> None:
@@ -64,6 +75,15 @@ class DaskRunner(Runner):
             if owner is not None:
                 owner.close(timeout=RESTART_SECONDS)
         self._client = self._cluster = None
+        if self._settings is not None:
+            self._settings.__exit__(None, None, None)
+            self._settings = None
+
+    @property
+    def window(self) -> int:
+        # A worker has its next page before it asks for it. Workers come and go.
+        workers = self._client.scheduler_info()["workers"].values()
+        return 2 * max(sum(worker["nthreads"] for worker in workers), 1)
 
     def submit(self, function: Callable[[Any], Any], task: Any, retries: int) -> Any:
         self.check()
@@ -93,6 +113,12 @@ class DaskRunner(Runner):
     def check(self) -> None:
         if self._client.status != "running":
             raise ClusterLost(GONE)
+        if self._client.scheduler_info()["workers"]:
+            self._workerless_since = None
+        elif self._workerless_since is None:
+            self._workerless_since = time.monotonic()
+        elif time.monotonic() - self._workerless_since > WORKERLESS_SECONDS:
+            raise ClusterLost("the cluster has lost all its workers")
 
     def unfreeze(self, future: Any, seconds: float) -> None:
         holders = [worker for worker, keys in self._client.processing().items()

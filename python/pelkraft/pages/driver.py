@@ -56,7 +56,7 @@ def run_pages(jobs: Iterable[PageJob], runner: Optional[Runner] = None, *,
         raise JobError(f"timeout is {timeout}; more than 0 seconds would do")
     run = secrets.token_hex(8)
     tasks = [Task(number, job, run, redo, convert) for number, job in enumerate(jobs, 1)]
-    return _Run(tasks, runner, retries, window or runner.window, timeout).results()
+    return _Run(tasks, runner, retries, window, timeout).results()
 
 
 def check_jobs(jobs: Iterable[PageJob]) -> None:
@@ -88,8 +88,8 @@ class _Page:
 
 
 class _Run:
-    def __init__(self, tasks: list[Task], runner: Runner, retries: int, window: int,
-                 timeout: float) -> None:
+    def __init__(self, tasks: list[Task], runner: Runner, retries: int,
+                 window: Optional[int], timeout: float) -> None:
         self._tasks = tasks
         self._waiting = deque(map(_Page, tasks))
         self._runner = runner
@@ -136,7 +136,8 @@ class _Run:
                 page.alone = True
                 self._send(page)
             return
-        while self._waiting and len(self._under_way) + len(self._finished) < self._window:
+        window = self._window or self._runner.window
+        while self._waiting and len(self._under_way) + len(self._finished) < window:
             self._send(self._waiting.popleft())
 
     def _send(self, page: _Page) -> None:
