@@ -27,9 +27,9 @@ sub WriteAll
 sub SourcesOf
 {
     my ($tree) = @_;
-    my @folders = (split(/\n/, ReadAll("$tree/cmake/rooms.txt")), 'include', 'tools', 'python/src');
+    my @folders = (split(/\n/, ReadAll("$tree/cmake/rooms.txt")), 'include', 'tools', 'python');
     my @paths;
-    find({no_chdir => 1, wanted => sub { push(@paths, $_) if /\.(cpp|h|hpp)$/ }},
+    find({no_chdir => 1, wanted => sub { push(@paths, $_) if /\.(cpp|h|hpp|py)$/ }},
          map { "$tree/$_" } @folders);
     return map { s{^\Q$tree\E/}{}r } sort @paths;
 }

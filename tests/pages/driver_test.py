@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """The order of results, the window, retries and blame, with a runner that does as it is told."""
 
+import os
+
 import pytest
 from conftest import check_mirrored
 from fake_runner import FakeRunner, Gone, Lost
@@ -77,17 +79,40 @@ def test_nothing_is_submitted_beside_a_page_on_its_own(make_jobs):
     company = []
 
     def behave(runner):
-        if len(runner.submitted) == 3 and 1 in runner.under_way:
-            runner.end(1, Lost())
-        elif runner.submitted[-1][0] == 1 and len(runner.submitted) > 3:
+        if len(runner.submitted) == 3:
+            runner.end(3, Lost())
+            runner.make(1)
+            runner.make(2)
+        elif runner.submitted[3:] == [(3, {3})] and len(company) < 3:
             company.append(set(runner.under_way))
-            if len(company) > 2 and 1 in runner.under_way:
-                runner.make(1)
         else:
             runner.make(min(runner.under_way))
 
-    assert statuses(run_pages(make_jobs(5), FakeRunner(3, behave))) == ["made"] * 5
-    assert company[:3] == [{1}, {1}, {1}]
+    results = list(run_pages(make_jobs(6), FakeRunner(3, behave)))
+    assert statuses(results) == ["made"] * 6
+    # There was room for two more all the while.
+    assert company == [{3}, {3}, {3}]
+
+
+def test_a_page_that_was_made_before_its_worker_was_lost_is_made_once(make_jobs):
+    jobs = make_jobs(2)
+    files = []
+
+    def behave(runner):
+        if 1 in runner.under_way and not files:
+            function, task, _ = runner.under_way[1]
+            assert function(task).status == "made"
+            files.append(os.stat(jobs[0].output).st_ino)
+            runner.end(1, Lost())
+        else:
+            runner.make(min(runner.under_way))
+
+    for redo in (False, True):
+        files.clear()
+        results = list(run_pages(jobs, FakeRunner(2, behave), redo=redo))
+        assert [(result.status, result.losses) for result in results] == \
+            [("made", 1), ("made", 0)]
+        assert os.stat(jobs[0].output).st_ino == files[0]
 
 
 def test_a_page_that_is_lost_alone_twice_is_blamed(make_jobs):

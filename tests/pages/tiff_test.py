@@ -165,6 +165,19 @@ def test_a_missing_file_is_told(tmp_path):
     assert caught.value.kind == "read"
 
 
+@pytest.mark.parametrize("compression", [None, "zlib"])
+def test_a_file_that_ends_before_its_pixels_says_so(tmp_path, compression):
+    path = tmp_path / "a.tif"
+    pixels = numpy.random.default_rng(2).integers(0, 255, (90, 11, 4), numpy.uint8)
+    tifffile.imwrite(path, pixels, photometric="separated", metadata=None, rowsperstrip=45,
+                     compression=compression)
+    whole = path.read_bytes()
+    for missing, block in ((1, 2), (len(pixels.tobytes()) // 2 + 500, 1)):
+        path.write_bytes(whole[:-missing])
+        with pytest.raises(PageError, match=f"ends before its block {block} of 2"):
+            read(path)
+
+
 @pytest.mark.parametrize("options", [{}, {"compression": "zlib", "predictor": True},
                                      {"tile": (16, 16)}, {"rowsperstrip": 2}])
 def test_a_damaged_file_is_read_or_refused(tmp_path, options):

@@ -129,7 +129,10 @@ class _Run:
         remove_leftovers([*outputs, *map(stamp_path, outputs)])
 
     def _submit(self) -> None:
-        # A suspect gets a worker when all others are done, so that it can only blame itself.
+        # A suspect gets a worker when all others are done, and none is begun before it is done, so
+        # that it can only blame itself.
+        if any(page.alone for page in self._under_way.values()):
+            return
         if self._suspects:
             if not self._under_way:
                 page = self._suspects.popleft()
