@@ -51,14 +51,17 @@ inline_code() {
 
 # Puts the installed program and package beside what the pages' commands read.
 make_tree() {
-    PATH=$prefix/bin:$PATH
+    # Debian's Python, for which the build's package is, whichever one comes first elsewhere.
+    mkdir "$work/bin"
+    ln -s /usr/bin/python3 "$work/bin/python3"
+    PATH=$prefix/bin:$work/bin:$PATH
     PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name pelkraft.pc)")
-    export PATH PKG_CONFIG_PATH
+    export PATH PKG_CONFIG_PATH PYTHONPATH=$build_dir/python PYTHONDONTWRITEBYTECODE=1
     mkdir -p "$tree/docs" "$tree/examples" "$tree/build"
     ln -s "$build_dir" "$tree/build/release"
     (cd "$source_dir" && find tests -type d -print0) | (cd "$tree" && xargs -0 mkdir -p)
     cp "$source_dir"/examples/*.c* "$tree"
-    cp -r "$source_dir/examples/patterns" "$tree/examples"
+    cp -r "$source_dir/examples/pages" "$source_dir/examples/patterns" "$tree/examples"
     cp -r "$source_dir/docs/pictures" "$tree/docs"
     rm -f "$tree"/docs/pictures/*.png "$tree"/docs/pictures/*.svg
     # Usage lines call their files by these names.
@@ -163,8 +166,7 @@ load_pattern() {
 
 run_sessions() {
     [ ! -f "$work/session" ] ||
-        (cd "$tree" && PYTHONPATH=$build_dir/python PYTHONDONTWRITEBYTECODE=1 \
-            MPLCONFIGDIR=$work/matplotlib /usr/bin/python3 -m doctest "$work/session") ||
+        (cd "$tree" && MPLCONFIGDIR=$work/matplotlib python3 -m doctest "$work/session") ||
         fail "a session goes otherwise"
 }
 
@@ -189,6 +191,7 @@ run_inline() {
     options=$(for verb in "" convert pattern simulate; do
         bash "$source_dir/tests/tools/options_of.sh" pelkraft $verb
     done
+    ! grep -q pelkraft.pages "$source_dir/$page" || python3 -m pelkraft.pages --help
     code_of "$source_dir"/scripts/*.sh)
     while IFS= read -r line; do
         case $line in
