@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds the program and sends a real CMYK page through the library: interleaved to planar, 8 to
 # 16 bits and back, with a proof that the picture is still the same; then through a dot pattern of
-# six inks, with a preview. Leaves its files in demo-out/.
+# six inks, with a preview; and the same page once more from Python, alone and on two workers of
+# Dask, with the same pixels. Leaves its files in demo-out/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 out=demo-out
@@ -11,10 +12,12 @@ say() { printf '\n== %s\n' "$*"; }
 
 bash scripts/setup.sh demo
 
-say "Building the library and the program (Release) in $build"
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DPELKRAFT_BUILD_TOOLS=ON >/dev/null
-cmake --build "$build" --target pelkraft_tool
+say "Building the library, the program and the Python package (Release) in $build"
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DPELKRAFT_BUILD_TOOLS=ON \
+    -DPELKRAFT_BUILD_PYTHON=ON >/dev/null
+cmake --build "$build" --target pelkraft_tool pelkraft_python
 pelkraft=$build/tools/pelkraft/pelkraft
+export PYTHONPATH=$build/python PYTHONDONTWRITEBYTECODE=1
 
 # Rasters one page of a document to $out/page.tif as CMYK.
 raster() {
@@ -98,6 +101,31 @@ simulate inks_x86.tif --engine x86 --threads 1
 cmp "$out/inks.tif" "$out/inks_x86.tif"
 rm "$out/inks_x86.tif"
 echo "the portable engine on one thread gives the same file"
+
+# Applies the pattern to pages from Python; $1 names the new folder. back.tif is page.tif once more,
+# so that each of two workers has one.
+pages() {
+    local to=$1
+    shift
+    mkdir "$out/$to"
+    say "python3 -m pelkraft.pages $out/page.tif $out/back.tif --to $out/$to --pattern $pattern $*"
+    /usr/bin/python3 -m pelkraft.pages "$out/page.tif" "$out/back.tif" --to "$out/$to" \
+        --pattern "$pattern" --report "$out/report.jsonl" "$@"
+    grep -o '"output": "[^"]*"\|"worker": "[^"]*"' "$out/report.jsonl" | paste -d ' ' - -
+    rm "$out/report.jsonl"
+}
+pages python --runner serial
+pages dask --runner dask --workers 2
+
+say "Digests of the pixels"
+/usr/bin/python3 -m pelkraft.pages.digest "$out"/{inks,{python,dask}/{page,back}}.tif |
+    tee "$out/digests"
+if [ "$(cut -d ' ' -f 1 "$out/digests" | sort -u | wc -l)" -ne 1 ]; then
+    echo "the pages differ" >&2
+    exit 1
+fi
+rm "$out/digests"
+echo "the program, Python and two workers of Dask give the same pixels"
 
 say "Done: rows, and rows per second with reading and writing"
 printf '%s\n' "${rates[@]}"
