@@ -24,7 +24,7 @@ CONVERSIONS = [
     (["--bits", "2", "--layout", "planar"], {"bits": 2, "layout": "planar"}),
     (["--bits", "8", "--repeat", "2"], {"bits": 8, "repeat": 2}),
     (["--bits", "16"], {"bits": 16}),
-    (["--tones", "raw", "--bits", "2"], {"samples": "fill", "bits": 2}),
+    (["--tones", "raw", "--bits", "2"], {"samples": "levels", "bits": 2}),
     (["--channels", "2,-,Ink0", "--repeat", "4"], {"channels": (2, "-", "ink0"), "repeat": 4}),
     (["--channels", "2,2", "--bits", "8", "--layout", "interleaved", "--mirror"],
      {"channels": (2, 2), "bits": 8, "layout": "interleaved", "mirror": True})]
