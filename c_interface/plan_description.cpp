@@ -5,15 +5,10 @@
 namespace zvk::Pelkraft {
 namespace {
 
+// The words of a plan need no escapes.
 std::string Quoted(const std::string& text)
 {
-    std::string quoted = "\"";
-    for (const char character : text) {
-        if (character == '"' || character == '\\')
-            quoted += '\\';
-        quoted += character;
-    }
-    return quoted + '"';
+    return '"' + text + '"';
 }
 
 std::string Truth(bool value)

@@ -239,6 +239,30 @@ TEST(SavedPlan, GoesThroughTheChecksOfASpec)
     EXPECT_EQ(LoadWords(Sealed(empty)), Words(PLK_BAD_RECORD, "record", 0, 0));
 }
 
+// Making a plan of the spec that it gives back makes the same plan.
+TEST(SavedPlan, GivesItsSpecBack)
+{
+    const std::int32_t none = 0;
+    plk_spec withoutChannels = SpecOf(5, 3, 8, 8);
+    withoutChannels.target.channels = 0;
+    withoutChannels.map = &none;
+    for (const plk_spec& spec : {RichSpec(), SpecOf(5, 3, 8, 16), withoutChannels}) {
+        const PlanHandle plan = PlanOf(spec);
+        plk_spec given = Sized<plk_spec>();
+        ASSERT_EQ(plk_plan_spec(plan.get(), &given, nullptr), PLK_OK);
+        EXPECT_EQ(Saved(PlanOf(given).get()), Saved(plan.get()));
+        EXPECT_EQ(given.map == nullptr, spec.map == nullptr);
+        EXPECT_NE(given.map, mapOfFour);
+    }
+    plk_spec given = Sized<plk_spec>();
+    const PlanHandle plan = PlanOf(RichSpec());
+    plk_failure failure = Sized<plk_failure>();
+    EXPECT_EQ(WordsOf(plk_plan_spec(nullptr, &given, &failure), failure),
+              Words(PLK_INVALID, "plan", 0, 0));
+    EXPECT_EQ(WordsOf(plk_plan_spec(plan.get(), nullptr, &failure), failure),
+              Words(PLK_INVALID, "spec", 0, 0));
+}
+
 TEST(SavedPlan, IsGivenOnlyAsAWhole)
 {
     const PlanHandle plan = PlanOf(RichSpec());
