@@ -35,7 +35,7 @@ struct PlanSpec
 // go together. Of each of these the source's comes first.
 PlanSpec CheckSpec(const plk_spec* given);
 
-// Fills the caller's record. Its map is the spec's.
+// Fills the caller's record, whose map is then this one's.
 void GiveSpec(const PlanSpec& spec, plk_spec* record);
 
 // Bytes of a plane, or of the row where it is interleaved, up to pixel number `pixels`.

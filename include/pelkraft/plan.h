@@ -246,8 +246,8 @@ PELKRAFT_EXPORT plk_status plk_plan_run(const plk_plan* plan, const plk_source* 
 PELKRAFT_EXPORT plk_status plk_plan_needs(const plk_plan* plan, plk_needs* needs,
                                           plk_failure* failure);
 
-/* The spec that a plan was made of, in the form that equal plans share. The map is the plan's own
- * and lives as long. */
+/* The plk_spec that a plan was made of, in the form that equal plans share. The map is the plan's
+ * own and lives as long. */
 PELKRAFT_EXPORT plk_status plk_plan_spec(const plk_plan* plan, plk_spec* spec,
                                          plk_failure* failure);
 
