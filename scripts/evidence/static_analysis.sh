@@ -10,7 +10,7 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 
 mapfile -t library < <(cat cmake/rooms.txt && echo include)
-others=(tests benchmarks fuzz examples)
+others=(tests benchmarks fuzz examples python)
 mapfile -t sample < <(for room in "${library[@]}"; do git ls-files "$room/*.cpp" | head -n 1; done)
 # They belong to builds of their own, and need no more than these flags.
 apart=(tests/copy/divide_error_probe.cpp tests/package/consumer/main.cpp tests/rows/stack_test.cpp
@@ -43,7 +43,7 @@ run_clang_tidy() {
     cmake -S . -B build/analysis -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ \
         -DPELKRAFT_BUILD_TESTS=ON -DPELKRAFT_BUILD_TOOLS=ON -DPELKRAFT_BUILD_BENCHMARKS=ON \
         -DPELKRAFT_BUILD_FUZZERS=ON -DPELKRAFT_BUILD_PEER_BENCHMARKS=ON \
-        -DPython3_EXECUTABLE=/usr/bin/python3 >/dev/null
+        -DPELKRAFT_BUILD_PYTHON=ON -DPython3_EXECUTABLE=/usr/bin/python3 >/dev/null
     run-clang-tidy -p build/analysis -j "$(nproc)" -quiet "${@/#/^$PWD/}" 2>build/evidence/tidy.log
 }
 
