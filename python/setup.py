@@ -29,7 +29,7 @@ class BuildByCMake(build_ext):
     def build_extension(self, ext):
         folder = os.path.abspath(self.build_temp)
         target = os.path.dirname(os.path.abspath(self.get_ext_fullpath(ext.name)))
-        # What an earlier run found need not be what is wanted now.
+        # An earlier run may have found another library.
         shutil.rmtree(folder, ignore_errors=True)
         options = [f"-DPython_EXECUTABLE={sys.executable}", "-DCMAKE_BUILD_TYPE=Release"]
         options += shlex.split(os.environ.get("CMAKE_ARGS", ""))

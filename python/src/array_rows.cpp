@@ -78,15 +78,11 @@ struct ArrayRows::Axes
 };
 
 ArrayRows::ArrayRows(const plk_format& format, std::uint64_t planeBytes)
-{
-    const bool wide = format.bits > 8;
-    type = wide ? NPY_UINT16 : NPY_UINT8;
-    itemBytes = wide ? 2 : 1;
-    planar = format.planar != 0;
-    oneChannel = format.channels == 1;
-    outer = planar ? format.channels : format.width;
-    inner = planar ? static_cast<std::int64_t>(planeBytes) / itemBytes : format.channels;
-}
+    : type(format.bits > 8 ? NPY_UINT16 : NPY_UINT8), itemBytes(format.bits > 8 ? 2 : 1),
+      planar(format.planar != 0), oneChannel(format.channels == 1),
+      outer(planar ? format.channels : format.width),
+      inner(planar ? static_cast<std::int64_t>(planeBytes) / itemBytes : format.channels)
+{}
 
 ArrayRows ArrayRows::OfBytes(npy_intp channels)
 {

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "arguments.h"
+
 #include <pybind11/pybind11.h>
 
-#include <string>
+#include <memory>
 
 namespace zvk::Pelkraft::Python {
 
@@ -38,12 +40,27 @@ void CopyAsItself(pybind11::class_<Class>& type)
              [](const pybind11::object& self, const pybind11::object&) { return self; });
 }
 
-// Makes a class whose objects are known by their saved record comparable and hashable, and lets
-// pickle and dask know them by that record. The class has a static method "load".
+// Lets the objects of a class, which is made from a record and has it, be saved, loaded, compared,
+// hashed, pickled and known to dask by that record.
 template <typename Class>
 void KnowByRecord(pybind11::class_<Class>& type, const char* name)
 {
     namespace py = pybind11;
+    type.def(
+        "save", [](const Class& one) { return py::bytes(one.Record()); },
+        R"(save(self)
+--
+
+Return a record of this as bytes, the same for equal ones on every machine.)");
+    type.def_static(
+        "load",
+        [](const py::object& record) { return std::make_unique<Class>(ToBytes(record, "record")); },
+        py::arg("record"), R"(load(record)
+--
+
+Make it again from the bytes that save gave, in this version of the library or an older one.
+
+PelkraftError: the record is damaged or is none, or a later version made it.)");
     type.def(
         "__eq__",
         [](const Class& one, const Class& other) { return one.Record() == other.Record(); },

@@ -10,6 +10,17 @@ namespace zvk::Pelkraft::Python {
 // have given it back.
 constexpr std::uint64_t bytesToUnlock = 32768;
 
+// The handle that make(handle, failure) makes.
+template <typename Handle, typename Make>
+Handle* MakeHandle(const Make& make)
+{
+    plk_failure failure = EmptyFailure();
+    Handle* handle = nullptr;
+    if (make(&handle, &failure) != PLK_OK)
+        ThrowFailure(failure);
+    return handle;
+}
+
 // Calls run(failure), which answers a status, and throws where it fails.
 template <typename Body>
 void RunUnlocked(const SourceView& source, const TargetView& target, const Body& run)

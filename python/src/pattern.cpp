@@ -3,7 +3,7 @@
 
 #include "arguments.h"
 #include "failure.h"
-#include "run.h"
+#include "library_calls.h"
 
 namespace py = pybind11;
 
@@ -29,20 +29,10 @@ std::uint64_t ToRowNumber(py::handle value)
     return static_cast<std::uint64_t>(number);
 }
 
-template <typename Make>
-plk_pattern* MakeHandle(const Make& make)
-{
-    plk_failure failure = EmptyFailure();
-    plk_pattern* pattern = nullptr;
-    if (make(&pattern, &failure) != PLK_OK)
-        ThrowFailure(failure);
-    return pattern;
-}
-
 } // namespace
 
 Pattern::Pattern(const std::string& newText, std::int32_t newEngine)
-    : handle(MakeHandle([&](plk_pattern** pattern, plk_failure* failure) {
+    : handle(MakeHandle<plk_pattern>([&](plk_pattern** pattern, plk_failure* failure) {
           const plk_pattern_spec spec = {sizeof spec, newEngine};
           return plk_pattern_create(newText.data(), newText.size(), &spec, pattern, failure);
       }))
@@ -51,7 +41,7 @@ Pattern::Pattern(const std::string& newText, std::int32_t newEngine)
 }
 
 Pattern::Pattern(const std::string& newRecord)
-    : handle(MakeHandle([&](plk_pattern** pattern, plk_failure* failure) {
+    : handle(MakeHandle<plk_pattern>([&](plk_pattern** pattern, plk_failure* failure) {
           return plk_pattern_load(newRecord.data(), newRecord.size(), pattern, failure);
       }))
 {

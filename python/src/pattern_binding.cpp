@@ -121,24 +121,6 @@ void AddPattern(py::module_& module)
 The pattern whose text stands in a file.
 
 OSError: the file can't be read. Otherwise as for Pattern.)");
-    type.def(
-        "save", [](const Pattern& pattern) { return py::bytes(pattern.Record()); },
-        R"(save(self)
---
-
-Text and engine as bytes, the same for equal patterns on every machine.)");
-    type.def_static(
-        "load",
-        [](const py::object& record) {
-            return std::make_unique<Pattern>(ToBytes(record, "record"));
-        },
-        py::arg("record"),
-        R"(load(record)
---
-
-The pattern that was saved in these bytes, by this version of the library or an older one.
-
-PelkraftError: the record is damaged or is none, or a later version made it.)");
     KnowByRecord(type, "pelkraft.Pattern");
     type.def("__repr__", &Show);
 }

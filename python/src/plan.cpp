@@ -3,27 +3,13 @@
 
 #include "arguments.h"
 #include "failure.h"
-#include "run.h"
+#include "library_calls.h"
 
 namespace py = pybind11;
 
 namespace zvk::Pelkraft::Python {
-namespace {
-
-template <typename Make>
-plk_plan* MakeHandle(const Make& make)
-{
-    plk_failure failure = EmptyFailure();
-    plk_plan* plan = nullptr;
-    if (make(&plan, &failure) != PLK_OK)
-        ThrowFailure(failure);
-    return plan;
-}
-
-} // namespace
-
 Plan::Plan(const plk_spec& asked)
-    : handle(MakeHandle([&](plk_plan** plan, plk_failure* failure) {
+    : handle(MakeHandle<plk_plan>([&](plk_plan** plan, plk_failure* failure) {
           return plk_plan_create(&asked, plan, failure);
       }))
 {
@@ -31,7 +17,7 @@ Plan::Plan(const plk_spec& asked)
 }
 
 Plan::Plan(const std::string& newRecord)
-    : handle(MakeHandle([&](plk_plan** plan, plk_failure* failure) {
+    : handle(MakeHandle<plk_plan>([&](plk_plan** plan, plk_failure* failure) {
           return plk_plan_load(newRecord.data(), newRecord.size(), plan, failure);
       }))
 {

@@ -221,22 +221,6 @@ void AddPlan(py::module_& module)
 
 Describe how the plan runs on this machine: steps, road, level, bytes read and written for each row.
 json=True gives a text of JSON.)");
-    type.def(
-        "save", [](const Plan& plan) { return py::bytes(plan.Record()); },
-        R"(save(self)
---
-
-The plan as bytes, the same for equal plans on every machine.)");
-    type.def_static(
-        "load",
-        [](const py::object& record) { return std::make_unique<Plan>(ToBytes(record, "record")); },
-        py::arg("record"),
-        R"(load(record)
---
-
-The plan that was saved in these bytes, by this version of the library or an older one.
-
-PelkraftError: the record is damaged or is none, or a later version made it.)");
     KnowByRecord(type, "pelkraft.Plan");
     type.def("__repr__", &Show);
 }
