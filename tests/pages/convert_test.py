@@ -58,12 +58,12 @@ def test_a_conversion_gives_the_pixels_of_the_program(tmp_path, tool, bits, plan
         sorted(line for line in described[1] if line.strip().startswith(kept))
 
 
-@pytest.mark.parametrize("bits, planar", FORMS)
-@pytest.mark.parametrize("levels", ["quantize", "raw"])
+# Neither side takes samples of 16 bits for steps.
+@pytest.mark.parametrize("bits, planar, levels", [
+    (*form, levels) for form in FORMS for levels in ("quantize", "raw")
+    if (form[0], levels) != (16, "raw")])
 def test_a_simulation_gives_the_pixels_of_the_program(tmp_path, tool, pattern_path, bits, planar,
                                                       levels):
-    if (bits, levels) == (16, "raw"):
-        pytest.skip("neither side takes samples of 16 bits for steps")
     write(tmp_path / "in.tif", random_picture(4, bits, planar, 203, 301, channels=4))
     ended = subprocess.run([tool, "simulate", pattern_path, tmp_path / "in.tif",
                             tmp_path / "tool.tif", "--levels", levels],
@@ -105,6 +105,20 @@ def test_all_of_a_conversion_is_done_together(tmp_path, old, new, planar):
     assert numpy.array_equal(levels_of(found), expected)
     assert [channel.name for channel in found.channels] == \
         ["Ink2", "Empty", f"Constant {constant}", "Ink0"]
+
+
+@pytest.mark.parametrize("value, samples, warned", [
+    (3, "levels", False), (4, "levels", True), (771, "levels", True),
+    # Full scale of 16 bits becomes that of 8 first.
+    (771, "fill", False), (4 * 257, "fill", True)])
+def test_a_warning_tells_of_samples_beyond_the_levels(tmp_path, value, samples, warned):
+    pixels = numpy.zeros((3, 5, 4), numpy.uint16)
+    pixels[1, 2, 3] = value
+    tifffile.imwrite(tmp_path / "in.tif", pixels, photometric="separated", metadata=None)
+    for channels, seen in (((0, 3), warned), ((0, 1), False)):
+        result = make(PageJob(str(tmp_path / "in.tif"), str(tmp_path / "out.tif"),
+                              (Conversion(bits=2, samples=samples, channels=channels),)))
+        assert bool(result.warnings) == seen
 
 
 def test_rows_of_a_page_are_rows_of_the_pattern(tmp_path, pattern_path):

@@ -5,6 +5,7 @@ import ctypes
 import hashlib
 import os
 import resource
+from concurrent.futures import ThreadPoolExecutor
 
 import numpy
 import pytest
@@ -18,20 +19,26 @@ PIECES = [b"head", memoryview(numpy.arange(100000, dtype=numpy.uint8)), b"tail"]
 BYTES = b"".join(map(bytes, PIECES))
 
 
-def test_a_file_appears_at_the_end_of_its_context(tmp_path):
+@pytest.fixture(scope="module")
+def helper():
+    with ThreadPoolExecutor(1) as helper:
+        yield helper
+
+
+def test_a_file_appears_at_the_end_of_its_context(tmp_path, helper):
     path = tmp_path / "a.tif"
-    with new_file(str(path), PIECES) as digest:
+    with new_file(str(path), PIECES, helper) as digest:
         assert not path.exists()
         assert digest == hashlib.sha256(BYTES).hexdigest()
     assert path.read_bytes() == BYTES
     assert os.listdir(tmp_path) == ["a.tif"]
 
 
-def test_an_earlier_file_stays_where_the_new_one_fails(tmp_path):
+def test_an_earlier_file_stays_where_the_new_one_fails(tmp_path, helper):
     path = tmp_path / "a.tif"
     path.write_bytes(b"earlier")
     with pytest.raises(RuntimeError):
-        with new_file(str(path), PIECES):
+        with new_file(str(path), PIECES, helper):
             raise RuntimeError
     assert path.read_bytes() == b"earlier"
     assert os.listdir(tmp_path) == ["a.tif"]
@@ -41,7 +48,7 @@ def test_an_earlier_file_stays_where_the_new_one_fails(tmp_path):
     (lambda file: os.pwrite(file, b"!", 50000), "reads back otherwise than it was written"),
     (lambda file: os.truncate(file, 90000), "reads back otherwise than it was written"),
     (lambda file: os.pwrite(file, b"!", len(BYTES)), "reads back longer than it was written")])
-def test_a_file_that_reads_back_otherwise_is_refused(tmp_path, monkeypatch, damage, words):
+def test_a_file_that_reads_back_otherwise_is_refused(tmp_path, monkeypatch, helper, damage, words):
     forced = os.fsync
 
     def damaging(file):
@@ -50,20 +57,20 @@ def test_a_file_that_reads_back_otherwise_is_refused(tmp_path, monkeypatch, dama
 
     monkeypatch.setattr(os, "fsync", damaging)
     with pytest.raises(PageError, match=words) as caught:
-        with new_file(str(tmp_path / "a.tif"), PIECES):
+        with new_file(str(tmp_path / "a.tif"), PIECES, helper):
             raise AssertionError("the damage was not seen")
     assert caught.value.kind == "write"
     assert os.listdir(tmp_path) == []
 
 
-def test_the_file_and_its_folder_are_forced_to_the_disk(tmp_path, monkeypatch):
+def test_the_file_and_its_folder_are_forced_to_the_disk(tmp_path, monkeypatch, helper):
     forced, path = [], tmp_path / "a.tif"
 
     def noting(file):
         forced.append((os.readlink(f"/proc/self/fd/{file}"), path.exists()))
 
     monkeypatch.setattr(os, "fsync", noting)
-    with new_file(str(path), PIECES):
+    with new_file(str(path), PIECES, helper):
         pass
     (file, was_there), (folder, is_there) = forced
     assert file.startswith(str(tmp_path / ".a.tif.")) and not was_there

@@ -42,7 +42,8 @@ def _convert(step: Conversion, picture: Picture, path: str, warnings: list[str])
     width = picture.width * step.repeat
     levels_meet_tones = (picture.bits < 8) != (bits < 8)
     samples = step.samples or ("tones" if levels_meet_tones else "fill")
-    if bits < min(picture.bits, 8) and samples != "tones" and _exceeds(picture, entries, bits):
+    if bits < min(picture.bits, 8) and samples != "tones" and \
+            _exceeds(picture, entries, bits, samples):
         depth = "1 bit" if bits == 1 else f"{bits} bits"
         warnings.append(f"samples exceed the levels of {depth}, and only their lowest bits were "
                         "kept; tones would be rounded to levels")
@@ -68,12 +69,17 @@ def _empty_rows(height: int, width: int, channels: int, bits: int, planar: bool)
     return numpy.empty((channels, height, samples), kind).transpose(1, 0, 2)
 
 
-def _exceeds(picture: Picture, entries: Optional[Sequence[Entry]], bits: int) -> bool:
+def _exceeds(picture: Picture, entries: Optional[Sequence[Entry]], bits: int,
+             samples: str) -> bool:
     used = range(len(picture.channels)) if entries is None else \
         {entry for entry in entries if isinstance(entry, int)}
     pixels = picture.pixels
     if picture.bits < 8:
         pixels = unpack_samples(pixels, picture.width, picture.bits)
+    elif picture.bits == 16 and samples == "fill":
+        # These are narrowed to 8 bits before their low bits are taken.
+        form = _format_of(picture)
+        pixels = Plan(form, Format(form.width, form.channels, 8, form.planar))(pixels)
     axis = 1 if picture.planar or picture.bits < 8 else 2
     return any(pixels.take(channel, axis).max() >= 1 << bits for channel in used)
 

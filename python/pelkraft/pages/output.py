@@ -7,7 +7,7 @@ import hashlib
 import os
 import re
 import secrets
-from concurrent.futures import ThreadPoolExecutor
+from concurrent.futures import Executor
 from contextlib import contextmanager
 from typing import BinaryIO, Iterable, Iterator, Sequence
 
@@ -22,19 +22,18 @@ COMPARED_BYTES = 1 << 20
 
 
 @contextmanager
-def new_file(path: str, pieces: Sequence[Piece]) -> Iterator[str]:
+def new_file(path: str, pieces: Sequence[Piece], helper: Executor) -> Iterator[str]:
     """Writes a file beside its place, forces it to the disk and compares it with what was meant.
-    The context has the digest of its bytes; at its end the file takes its place."""
+    The context has the digest of its bytes, which the helper works out while the disk works; at
+    its end the file takes its place."""
     temporary = _temporary_name(path)
     try:
-        with ThreadPoolExecutor(1) as other:
-            # The processor would idle while the disk works.
-            digest = other.submit(digest_of, pieces)
-            with open(temporary, "xb", buffering=0) as file:
-                for piece in pieces:
-                    _write_all(file, piece)
-                os.fsync(file.fileno())
-            _verify(temporary, path, pieces)
+        digest = helper.submit(digest_of, pieces)
+        with open(temporary, "xb", buffering=0) as file:
+            for piece in pieces:
+                _write_all(file, piece)
+            os.fsync(file.fileno())
+        _verify(temporary, path, pieces)
         yield digest.result()
         os.replace(temporary, path)
         _sync_folder(path)
@@ -102,23 +101,32 @@ def _write_all(file: BinaryIO, piece: Piece) -> None:
 
 
 def _verify(temporary: str, path: str, pieces: Sequence[Piece]) -> None:
+    found = numpy.empty(COMPARED_BYTES, numpy.uint8)
     with open(temporary, "rb", buffering=0) as file:
         for piece in pieces:
             meant = numpy.frombuffer(piece, numpy.uint8)
             for start in range(0, len(meant), COMPARED_BYTES):
                 part = meant[start:start + COMPARED_BYTES]
-                if not numpy.array_equal(_read_exactly(file, len(part)), part):
+                read = _read_exactly(file, found[:len(part)])
+                if not _equal(read, part):
                     raise PageError(WRITE, f"{path}: reads back otherwise than it was written")
         if file.read(1):
             raise PageError(WRITE, f"{path}: reads back longer than it was written")
 
 
-def _read_exactly(file: BinaryIO, count: int) -> numpy.ndarray:
-    parts = []
-    while count and (part := file.read(count)):
-        parts.append(part)
-        count -= len(part)
-    return numpy.frombuffer(b"".join(parts), numpy.uint8)
+def _read_exactly(file: BinaryIO, target: numpy.ndarray) -> numpy.ndarray:
+    """The part of the target that the file still fills."""
+    done = 0
+    while done < len(target) and (count := file.readinto(memoryview(target)[done:])):
+        done += count
+    return target[:done]
+
+
+def _equal(left: numpy.ndarray, right: numpy.ndarray) -> bool:
+    # Eight bytes at once take a third of the time.
+    if len(left) == len(right) and len(left) % 8 == 0:
+        left, right = left.view(numpy.uint64), right.view(numpy.uint64)
+    return numpy.array_equal(left, right)
 
 
 def _remove(path: str) -> bool:

@@ -6,6 +6,7 @@ from __future__ import annotations
 import os
 import socket
 import time
+from concurrent.futures import Executor, ThreadPoolExecutor
 from dataclasses import dataclass, field
 from typing import Callable, Optional
 
@@ -23,7 +24,8 @@ KEPT = "kept"
 FAILED = "failed"
 LEFT = "left"
 
-# A page's pictures go through such a function; it answers the new picture and warnings.
+# A page's picture goes through such a function, which leaves it as it is and answers a new one,
+# and warnings.
 Converter = Callable[[PageJob, Picture], tuple[Picture, tuple[str, ...]]]
 
 
@@ -68,7 +70,8 @@ def make_page(task: Task) -> PageResult:
     facts = {"number": task.number, "job": task.job,
              "worker": f"{socket.gethostname()}:{os.getpid()}"}
     try:
-        status, stamp = _make_or_keep(task)
+        with ThreadPoolExecutor(1) as helper:
+            status, stamp = _make_or_keep(task, helper)
         facts.update(warnings=stamp.warnings, input_digest=stamp.input,
                      output_digest=stamp.output)
     except PageError as error:
@@ -82,21 +85,19 @@ def make_page(task: Task) -> PageResult:
     return PageResult(status=status, seconds=time.monotonic() - start, **facts)
 
 
-def _make_or_keep(task: Task) -> tuple[str, Stamp]:
+def _make_or_keep(task: Task, helper: Executor) -> tuple[str, Stamp]:
     job = task.job
     with TiffPage(job.input, job.page) as page:
-        picture, input_digest = page.read()
+        picture, input_digest = page.read(helper)
     job_digest = job.digest()
     stamp = read_stamp(job.output)
-    if stamp and task.redo and stamp.run != task.run:
-        stamp = None
-    if stamp and (stamp.job, stamp.input) == (job_digest, input_digest) and \
-            stamp.output == file_digest(job.output):
+    if stamp and (stamp.run == task.run or not task.redo) and stamp.job == job_digest and \
+            stamp.input == input_digest.result() and stamp.output == file_digest(job.output):
         # An earlier attempt may have made the page before its worker was lost.
         return MADE if stamp.run == task.run else KEPT, stamp
     result, warnings = (task.convert or convert_page)(job, picture)
-    with new_file(job.output, tiff_pieces(result)) as output_digest:
-        stamp = Stamp(job_digest, input_digest, output_digest, warnings, task.run)
+    with new_file(job.output, tiff_pieces(result), helper) as output_digest:
+        stamp = Stamp(job_digest, input_digest.result(), output_digest, warnings, task.run)
         # Before the file takes its place: a worker that is killed in between leaves a stamp that
         # fits no file, and one that is killed later a page that need not be made again.
         stamp.write(job.output)

@@ -4,21 +4,23 @@ from the strips and tiles as they stand, packed samples included."""
 
 from __future__ import annotations
 
-import hashlib
 import json
 import logging
 import lzma
 import os
 import zlib
+from concurrent.futures import Executor, Future
 from typing import Any, BinaryIO, Optional
 
 import numpy
 import tifffile
 
 from .errors import INPUT, READ, UNSUPPORTED, PageError
+from .output import digest_of
 from .picture import (INK_SET_CMYK, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, RGB, SEPARATED,
                       UNSPECIFIED_EXTRA, Channel, Picture, Tags, pack_samples, row_bytes,
                       unpack_samples)
+from .tiff_writer import Piece
 
 NONE = 1
 LZW = 5
@@ -65,13 +67,14 @@ class TiffPage:
     def __exit__(self, *_: object) -> None:
         self._file.close()
 
-    def read(self) -> tuple[Picture, str]:
-        """The page, and a digest of all that it was made of."""
+    def read(self, helper: Executor) -> tuple[Picture, Future[str]]:
+        """The page, whose pixels are read-only, and a digest of all that it was made of, which the
+        helper works out meanwhile."""
         try:
             raw = numpy.empty((self._planes, self.height, self._row_bytes), numpy.uint8)
-            digest = hashlib.sha256(self._description())
-            self._fill(raw, digest)
-            return self._picture(raw), digest.hexdigest()
+            pieces = [self._description(), *self._fill(raw)]
+            raw.flags.writeable = False
+            return self._picture(raw), helper.submit(digest_of, pieces)
         except Exception as error:
             raise _told(error, self.path) from error
 
@@ -209,14 +212,14 @@ class TiffPage:
                  repr(self.tags)]
         return json.dumps(facts).encode()
 
-    def _fill(self, raw: numpy.ndarray, digest: Any) -> None:
-        if self.compression == NONE and not self._tiled and not self._reversed and \
-                self._lies_in_one_piece(raw.nbytes):
-            self._file.seek(self._offsets[0])
-            self._read_into(memoryview(raw).cast("B"))
-            digest.update(raw)
-        else:
-            self._fill_by_segments(raw, digest)
+    def _fill(self, raw: numpy.ndarray) -> list[Piece]:
+        """Answers the bytes of the file that the pixels came from."""
+        if self.compression != NONE or self._tiled or self._reversed or \
+                not self._lies_in_one_piece(raw.nbytes):
+            return self._fill_by_segments(raw)
+        self._file.seek(self._offsets[0])
+        self._read_into(memoryview(raw).cast("B"))
+        return [memoryview(raw).cast("B")]
 
     def _lies_in_one_piece(self, total: int) -> bool:
         count = self._down * self._planes
@@ -232,7 +235,8 @@ class TiffPage:
                 raise PageError(INPUT, f"{self.path}: ends inside its pixels")
             done += count
 
-    def _fill_by_segments(self, raw: numpy.ndarray, digest: Any) -> None:
+    def _fill_by_segments(self, raw: numpy.ndarray) -> list[Piece]:
+        pieces: list[Piece] = []
         pixel_samples = 1 if self.separate else self.count
         sample_bytes = max(self.bits // 8, 1)
         for number in range(self._across * self._down * self._planes):
@@ -242,16 +246,16 @@ class TiffPage:
             rows = min(self._segment_rows, self.height - top)
             # A tile is whole beyond the picture's edges, a strip ends with it.
             held = self._segment_rows if self._tiled else rows
-            segment = self._segment(number, held, row_bytes(
-                self._segment_width * pixel_samples, self.bits), digest)
+            self._file.seek(self._offsets[number])
+            pieces.append(self._file.read(self._counts[number]))
+            segment = self._segment(pieces[-1], number, held, row_bytes(
+                self._segment_width * pixel_samples, self.bits))
             left = across * self._segment_width * pixel_samples * sample_bytes
             taken = min(segment.shape[1], self._row_bytes - left)
             raw[plane, top:top + rows, left:left + taken] = segment[:rows, :taken]
+        return pieces
 
-    def _segment(self, number: int, rows: int, width: int, digest: Any) -> numpy.ndarray:
-        self._file.seek(self._offsets[number])
-        data = self._file.read(self._counts[number])
-        digest.update(data)
+    def _segment(self, data: bytes, number: int, rows: int, width: int) -> numpy.ndarray:
         if self._reversed:
             data = data.translate(REVERSED_BITS)
         data = _decompress(self.compression, data, rows * width)
@@ -279,8 +283,7 @@ class TiffPage:
                 pixels = raw.transpose(1, 0, 2)
         else:
             samples = raw.view(self._sample_type())
-            if not samples.dtype.isnative:
-                samples = samples.byteswap(inplace=True).newbyteorder()
+            samples = samples.astype(samples.dtype.newbyteorder("="), copy=False)
             pixels = samples.transpose(1, 0, 2) if self.separate else \
                 samples.reshape(self.height, self.width, self.count)
         return Picture(pixels, self.width, self.bits, self.separate, self.channels, self.tags,
