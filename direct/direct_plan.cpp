@@ -81,7 +81,7 @@ public:
     PassList(DirectPlan& newPlan, std::uint8_t newBits, bool newPlanar)
         : plan(newPlan), targetBits(newBits), targetPlanar(newPlanar),
           turns(plan.mirrored || plan.repeat != 1), maps(plan.mapped),
-          changesTones(plan.extras->samples == Samples::AsTones && plan.sourceBits != newBits),
+          samples(plan.sourceBits == newBits ? Samples::AsFill : plan.extras->samples),
           planar(plan.sourcePlanar), bits(plan.sourceBits)
     {}
 
@@ -137,18 +137,16 @@ private:
 
     void Unpack()
     {
-        if (targetBits == 16 && targetPlanar && !turns && TreatsAs(Samples::AsFill))
+        if (targetBits == 16 && targetPlanar && !turns && samples == Samples::AsFill)
             return Add(PassKind::UnpackWiden, true, 16);
         Add(PassKind::Unpack, true, 8);
-        if (changesTones)
+        if (samples == Samples::AsTones)
             Add(PassKind::Stretch, true, 8);
     }
 
-    bool TreatsAs(Samples samples) const { return plan.extras->samples == samples; }
-
     void Narrow()
     {
-        if (planar && targetBits < 8 && !turns && TreatsAs(Samples::AsFill))
+        if (planar && targetBits < 8 && !turns && samples == Samples::AsFill)
             return Add(PassKind::NarrowPack, true, targetBits);
         if (!planar && targetPlanar && targetBits == 8 && HasFusedSplit() && !KeepsNumbers())
             return Add(PassKind::NarrowSplit, true, 8);
@@ -158,7 +156,7 @@ private:
         Add(KeepsNumbers() ? PassKind::Cut : PassKind::Narrow, planar, 8);
     }
 
-    bool KeepsNumbers() const { return TreatsAs(Samples::AsLevels); }
+    bool KeepsNumbers() const { return samples == Samples::AsLevels; }
     PassKind WidenKind() const { return KeepsNumbers() ? PassKind::Extend : PassKind::Widen; }
 
     // Few channels that are only split have kernels that change the depth as well.
@@ -227,7 +225,7 @@ private:
     // Packing takes the low bits.
     void QuantizeTones()
     {
-        if (changesTones)
+        if (samples == Samples::AsTones)
             Add(PassKind::Quantize);
     }
 
@@ -237,8 +235,8 @@ private:
     // True for work that no pass has done yet.
     bool turns;
     bool maps;
-    // Levels are in between.
-    bool changesTones;
+    // Where the depth stays all are alike.
+    Samples samples;
     bool planar;
     std::uint8_t bits;
 };

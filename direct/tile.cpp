@@ -1,6 +1,7 @@
 #include "direct/tile.h"
 
 #include "common/bit_sizes.h"
+#include "common/inlining.h"
 #include "direct/finished_pixels.h"
 #include "direct/pass_run.h"
 
@@ -253,19 +254,34 @@ void SizeTile(DirectPlan& plan)
     plan.tilePixels = RoundUp((plan.sourcePixels + tiles - 1) / tiles, tileUnit);
 }
 
-void RunDirect(const DirectPlan& plan, const DirectRows& rows)
+namespace {
+
+// Neither of the two ways to a row carries the frame of the tiles.
+PELKRAFT_NEVER_INLINE void RunTiles(const DirectPlan& plan, const DirectRows& rows)
+{
+    TileRun(plan, rows).Run();
+}
+
+PELKRAFT_ALWAYS_INLINE inline void RunRow(const DirectPlan& plan, const DirectRows& rows)
 {
     if (plan.tilePixels != 0)
-        return TileRun(plan, rows).Run();
+        return RunTiles(plan, rows);
     const PassInput input = SourceAt(plan, rows, plan.firstPixel, 0, plan.sourcePixels);
     const PassTarget target = TargetAt(plan, rows, 0, 0, plan.pixels);
     RunPass(plan, plan.passes[0], input, target, plan.channels);
 }
 
+} // namespace
+
+void RunDirect(const DirectPlan& plan, const DirectRows& rows)
+{
+    RunRow(plan, rows);
+}
+
 void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
 {
-    RunDirect(plan, {source, static_cast<std::ptrdiff_t>(plan.sourcePlaneBytes), target,
-                     static_cast<std::ptrdiff_t>(plan.planeBytes)});
+    RunRow(plan, {source, static_cast<std::ptrdiff_t>(plan.sourcePlaneBytes), target,
+                  static_cast<std::ptrdiff_t>(plan.planeBytes)});
 }
 
 } // namespace zvk::Pelkraft

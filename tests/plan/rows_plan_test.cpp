@@ -16,7 +16,7 @@ constexpr unsigned seed = 20261122;
 std::size_t CountCases()
 {
     const char* cases = std::getenv("PELKRAFT_TEST_CASES");
-    return cases != nullptr ? std::strtoul(cases, nullptr, 10) : 4000;
+    return cases != nullptr ? std::strtoul(cases, nullptr, 10) : 1500;
 }
 
 using PickCase = NaiveJoin (*)(std::mt19937&);
