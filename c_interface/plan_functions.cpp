@@ -2,6 +2,7 @@
 #include "c_interface/plan_handle.h"
 #include "c_interface/record_size.h"
 #include "c_interface/saved_record.h"
+#include "common/inlining.h"
 
 namespace zvk::Pelkraft {
 
@@ -50,19 +51,11 @@ StridedRows<Byte> RowsOf(Byte* base, const RowSide& side, std::uint64_t rows)
             hasPlanes ? static_cast<std::ptrdiff_t>(view.planeStride) : 0};
 }
 
-// Runs one row if it is a plain one, and answers whether it was.
-bool RunPlainRow(const plk_plan* plan, const plk_source* source, const plk_target* target,
-                 std::uint64_t rows) noexcept
+bool IsPlain(const plk_plan* plan, const plk_source* source, const plk_target* target)
 {
-    if (rows != 1 || plan == nullptr || source == nullptr || target == nullptr ||
-        !plan->plainRead.isServed || !plan->plainWritten.isServed ||
-        !ArePlain(*source, plan->plainRead, *target, plan->plainWritten))
-        return false;
-    const auto* from = static_cast<const unsigned char*>(source->base) + source->offset;
-    auto* to = static_cast<unsigned char*>(target->base) + target->offset;
-    plan->rows.Run({from, 0, static_cast<std::ptrdiff_t>(source->plane_stride)},
-                   {to, 0, static_cast<std::ptrdiff_t>(target->plane_stride)}, 1);
-    return true;
+    return plan != nullptr && source != nullptr && target != nullptr && plan->plainRead.isServed &&
+           plan->plainWritten.isServed &&
+           ArePlain(*source, plan->plainRead, *target, plan->plainWritten);
 }
 
 void Run(const plk_plan& plan, const plk_source* source, const plk_target* target,
@@ -79,6 +72,14 @@ void Run(const plk_plan& plan, const plk_source* source, const plk_target* targe
                   RowsOf(written, to, rows), rows);
 }
 
+// A plain row does not carry the frame of the checks.
+PELKRAFT_NEVER_INLINE plk_status RunChecked(const plk_plan* plan, const plk_source* source,
+                                            const plk_target* target, std::uint64_t rows,
+                                            plk_failure* failure)
+{
+    return AtBorder(failure, [=] { Run(Required(plan), source, target, rows); });
+}
+
 } // namespace
 } // namespace zvk::Pelkraft
 
@@ -93,9 +94,13 @@ plk_status plk_plan_create(const plk_spec* spec, plk_plan** plan, plk_failure* f
 plk_status plk_plan_run(const plk_plan* plan, const plk_source* source, const plk_target* target,
                         uint64_t rows, plk_failure* failure)
 {
-    if (RunPlainRow(plan, source, target, rows))
-        return PLK_OK;
-    return AtBorder(failure, [=] { Run(Required(plan), source, target, rows); });
+    if (rows != 1 || !IsPlain(plan, source, target))
+        return RunChecked(plan, source, target, rows, failure);
+    const auto* from = static_cast<const unsigned char*>(source->base) + source->offset;
+    auto* to = static_cast<unsigned char*>(target->base) + target->offset;
+    plan->rows.Run({from, 0, static_cast<std::ptrdiff_t>(source->plane_stride)},
+                   {to, 0, static_cast<std::ptrdiff_t>(target->plane_stride)}, 1);
+    return PLK_OK;
 }
 
 plk_status plk_plan_needs(const plk_plan* plan, plk_needs* needs, plk_failure* failure)

@@ -1,5 +1,6 @@
 #include "plan/rows_plan.h"
 
+#include "common/inlining.h"
 #include "plan/patch_pattern.h"
 
 #include <algorithm>
@@ -134,8 +135,10 @@ RowsPlan::State::State(const RowsRequest& request)
     runInPlace = RowRun(staged);
 }
 
-void RowsPlan::State::RunSpecial(const ReadRows& source, const WrittenRows& target,
-                                 std::uint64_t rows) const
+// A row that needs nothing of it does not carry its frame.
+PELKRAFT_NEVER_INLINE void RowsPlan::State::RunSpecial(const ReadRows& source,
+                                                       const WrittenRows& target,
+                                                       std::uint64_t rows) const
 {
     if (plan.road == PlanRoad::None)
         return;
