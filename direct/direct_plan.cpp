@@ -235,7 +235,7 @@ private:
     // True for work that no pass has done yet.
     bool turns;
     bool maps;
-    // Where the depth stays all are alike.
+    // All are alike if the depth stays.
     Samples samples;
     bool planar;
     std::uint8_t bits;

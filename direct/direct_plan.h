@@ -46,7 +46,7 @@ enum class PassKind : std::uint8_t
     Clear,
 };
 
-// What happens to samples where the depth changes.
+// A change of the depth treats samples in one of these ways.
 enum class Samples : std::uint8_t
 {
     // As FillFrom treats them: 8 and 16 bits are tones, 1 and 2 bits are levels.

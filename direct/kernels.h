@@ -160,7 +160,7 @@ using PatchKernel = void (*)(unsigned char* row, std::size_t bytes, const unsign
 using StoreKernel = void (*)(const unsigned char* source, unsigned char* destination,
                              std::size_t bytes);
 
-// What is done to finished bytes.
+// These change finished bytes, or move them.
 struct FinishKernels
 {
     PatchKernel patch;
