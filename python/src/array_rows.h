@@ -36,7 +36,7 @@ struct RowsView
 using SourceView = RowsView<plk_source>;
 using TargetView = RowsView<plk_target>;
 
-// What an array must be to hold rows. For a row of pixels the outer axis counts pixels and the
+// An array must be this to hold rows. For a row of pixels the outer axis counts pixels and the
 // inner one samples; for planes they count planes, and samples or bytes of a plane.
 class ArrayRows
 {

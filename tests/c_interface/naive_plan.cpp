@@ -66,7 +66,7 @@ long long PlaceOf(const NaivePlacement& at, int row, const PlaneByte& byte)
     return at.offset + row * at.rowStep + byte.plane * at.planeStep + byte.byte;
 }
 
-// Where a byte stands in a row whose planes follow one another.
+// The place of a byte in a row whose planes follow one another.
 std::size_t DensePlace(const NaiveGeometry& form, const PlaneByte& byte)
 {
     const std::size_t row = NaiveRowBytes(form);
