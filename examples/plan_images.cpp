@@ -17,8 +17,8 @@ int main()
     const ConversionPlan plan(spec);
 
     std::vector<Image> pages(2, Image(spec.source, 1));
-    for (int page = 0; page != 2; ++page)
-        for (int i = 0; i != 9; ++i)
+    for (unsigned page = 0; page != 2; ++page)
+        for (unsigned i = 0; i != 9; ++i)
             pages[page].GetRow(0)[i] = static_cast<unsigned char>(100 * page + i);
     std::vector<Image> planes(2, Image(spec.target, 1));
     std::thread other([&] { plan(pages[1], planes[1]); });

@@ -216,7 +216,7 @@ TEST(RecordSizes, OfShorterAndLongerViewsAreServedAlike)
     Bytes inks(200);
     const plk_source source = SourceOf(pixels, {3, 20, 5});
     const plk_target target = TargetOf(inks, {3, 20, 5});
-    for (const std::uint64_t rows : {0, 3}) {
+    for (const std::uint64_t rows : {0U, 3U}) {
         ExpectShortenedViews<plk_source>(
             plan.get(), source,
             [&](const plk_source* from) { return RunWords(plan.get(), from, &target, rows); },

@@ -162,7 +162,9 @@ TEST(PiecesOfTwoSides, CountAsSharingWhereTheyAreTooManyToCompare)
     EXPECT_TRUE(ShareBytes({1000, 0, 4, 1, 1100, 1}, {1001, 0, 4, 1, 1100, 1}));
     EXPECT_FALSE(ShareBytes({1000, 0, 4, 1, 1000, 1}, {1001, 0, 4, 1, 1000, 1}));
     if (sizeof(void*) == 8) {
-        EXPECT_TRUE(ShareBytes({0, 0, 0, 1, 1, 1}, {std::uintptr_t{1} << 61, 0, 0, 1, 1, 1}));
+        EXPECT_TRUE(
+            ShareBytes({0, 0, 0, 1, 1, 1},
+                       {static_cast<std::uintptr_t>(std::uint64_t{1} << 61), 0, 0, 1, 1, 1}));
     }
 }
 

@@ -58,13 +58,13 @@ TEST(SavedPlan, HasAllFieldsWithTheirLowByteFirst)
     Bytes record = {'p', 'l', 'k', 'P'};
     AppendNumber(record, 1, 4);
     AppendNumber(record, 96, 8);
-    for (const std::uint64_t width : {1001, 2000}) {
+    for (const std::uint64_t width : {1001U, 2000U}) {
         AppendNumber(record, width, 8);
         AppendNumber(record, width == 1001 ? 5 : 4, 4);
         AppendNumber(record, width == 1001 ? 8 : 16, 4);
         AppendNumber(record, width == 1001 ? 0 : 1, 4);
     }
-    for (const std::uint64_t field : {2, 1, 2, 1, 1, 1, 1, 1})
+    for (const std::uint64_t field : {2U, 1U, 2U, 1U, 1U, 1U, 1U, 1U})
         AppendNumber(record, field, 4);
     AppendNumber(record, 4, 8);
     for (const std::int32_t entry : mapOfFour)

@@ -88,7 +88,7 @@ TEST(PlanSpec, RefusesChannelsThatDoNotMeet)
     EXPECT_EQ(CreateWords(&spec), Words(PLK_UNSUPPORTED, "target.channels", 3, 4));
     const std::int32_t map[] = {3, PLK_EMPTY, 0, 4};
     spec.map = map;
-    for (const std::uint64_t count : {0, 2, 4}) {
+    for (const std::uint64_t count : {0U, 2U, 4U}) {
         spec.map_count = count;
         EXPECT_EQ(CreateWords(&spec),
                   Words(PLK_UNSUPPORTED, "map_count", static_cast<std::int64_t>(count), 3));

@@ -190,7 +190,7 @@ TEST(Images, MustHaveThePlansFormats)
 TEST(Images, MayBeEmpty)
 {
     for (const RowFormat& format : {RowFormat{0, 4, 8, false}, {5, 0, 8, true}, {5, 4, 8, true}})
-        for (const std::uint64_t rows : {0, 2}) {
+        for (const std::uint64_t rows : {0U, 2U}) {
             const Image source(format, rows);
             Image target(format, rows);
             ConversionPlan({format, format})(source, target);
@@ -254,7 +254,7 @@ TEST(PatternPlans, ThrowWithThePlaceInTheText)
         EXPECT_EQ(error.GetFailure().column, 16U);
     }
     EXPECT_THROW(PatternPlan(""), PelkraftError);
-    EXPECT_THROW(PatternPlan(std::string_view()), PelkraftError);
+    EXPECT_THROW(PatternPlan{std::string_view()}, PelkraftError);
     EXPECT_THROW(PatternPlan::Load("x", 1), PelkraftError);
 }
 
