@@ -120,8 +120,8 @@ struct RowMethods
     static void Move(Run run, Source source, Target target, std::uint64_t rows)
     {
         const DirectPlan& plan = *run.plan;
-        const PixelMove move = {plan.channels * (plan.passes[0].bits / 8U), plan.repeat,
-                                plan.mirrored};
+        const PixelMove move = {std::size_t{plan.channels} * (plan.passes[0].bits / 8U),
+                                plan.repeat, plan.mirrored};
         ForEachRow(source, target, rows, [&](const unsigned char* from, unsigned char* to) {
             plan.kernels->pixels->move(move, from, to, run.count);
         });
@@ -142,6 +142,16 @@ struct RowMethods
                      [&](const unsigned char* from, unsigned char* to, std::size_t count) {
                          std::memcpy(to, from, BytesOf(count, bits));
                          ClearUnusedBits(to, count, bits);
+                     });
+    }
+
+    static void Stream(Run run, Source source, Target target, std::uint64_t rows)
+    {
+        const StoreKernel stream = run.plan->kernels->finish->stream;
+        const std::uint8_t bits = run.plan->sourceBits;
+        ForEachPlane(run, source, target, rows,
+                     [&](const unsigned char* from, unsigned char* to, std::size_t count) {
+                         stream(from, to, BytesOf(count, bits));
                      });
     }
 
@@ -197,6 +207,13 @@ bool HasOneKernel(const DirectPlan& plan)
            !(plan.sourcePlanar && plan.mapped);
 }
 
+// True for a copy of whole bytes, which needs no tile on its way past the cache.
+bool IsStreamed(const DirectPlan& plan)
+{
+    return plan.passCount == 1 && plan.passes[0].kind == PassKind::Copy && plan.sourceBits >= 8 &&
+           !plan.mapped && plan.extras->streamed && plan.extras->patch == nullptr;
+}
+
 bool FillsBytes(std::size_t pixels, std::uint8_t bits)
 {
     return pixels % 8 * bits % 8 == 0;
@@ -216,14 +233,16 @@ RowRun::RowRun(const DirectPlan& newPlan)
 
 RowRun::Method RowRun::ChooseMethod()
 {
-    if (!HasOneKernel(*plan))
+    const bool streams = IsStreamed(*plan);
+    if (!streams && !HasOneKernel(*plan))
         return RowMethods::ByPasses;
     const std::uint8_t bits = plan->passes[0].bits;
     joins = plan->sourcePlanar && !plan->mirrored && plan->pixels % plan->repeat == 0 &&
             FillsBytes(plan->sourcePixels, plan->sourceBits) && FillsBytes(plan->pixels, bits);
     joinedSourceStep = static_cast<std::ptrdiff_t>(BytesOf(plan->sourcePixels, plan->sourceBits));
     joinedStep = static_cast<std::ptrdiff_t>(BytesOf(plan->pixels, bits));
-    return ChooseKernel();
+    const Method kernelMethod = ChooseKernel();
+    return streams ? RowMethods::Stream : kernelMethod;
 }
 
 RowRun::Method RowRun::ChooseKernel()
