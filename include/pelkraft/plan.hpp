@@ -29,7 +29,8 @@ public:
         failure.status = newStatus;
     }
 
-    // What the library says of it: status, field, the numbers given and needed, place in a text.
+    // All that the library says of it: status, field, the numbers given and needed, place in a
+    // text.
     const plk_failure& GetFailure() const noexcept { return failure; }
     // The status.
     plk_status GetStatus() const noexcept { return failure.status; }
@@ -104,7 +105,7 @@ struct SourceRows : plk_source
         : plk_source{sizeof(plk_source), 0, newBase, newBytes, newOffset, rowStride, planeStride}
     {}
 
-    // What has data and size, such as a vector, an array or a string of samples.
+    // The samples of anything with data and size, such as a vector, an array or a string.
     template <typename Samples, typename = decltype(std::declval<const Samples&>().data())>
     explicit SourceRows(const Samples& samples, std::int64_t rowStride,
                         std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
@@ -122,7 +123,7 @@ struct TargetRows : plk_target
         : plk_target{sizeof(plk_target), 0, newBase, newBytes, newOffset, rowStride, planeStride}
     {}
 
-    // What has data and size, such as a vector, an array or a span of samples.
+    // The samples of anything with data and size, such as a vector, an array or a span.
     template <typename Samples, typename = decltype(std::declval<Samples&>().data())>
     explicit TargetRows(Samples& samples, std::int64_t rowStride, std::int64_t planeStride = 0,
                         std::int64_t newOffset = 0) noexcept
@@ -131,11 +132,61 @@ struct TargetRows : plk_target
     {}
 };
 
+// A handle that its copies share and never change, so that any number of threads may use it at
+// once. One that was moved from can only be assigned to or destroyed.
+template <typename Handle,
+          plk_status (*save)(const Handle*, void*, uint64_t, uint64_t*, plk_failure*),
+          void (*release)(Handle*)>
+class SharedHandle
+{
+public:
+    // The saved record, the same for equal ones.
+    std::vector<unsigned char> Save() const
+    {
+        std::uint64_t needed = 0;
+        save(handle.get(), nullptr, 0, &needed, nullptr);
+        std::vector<unsigned char> record(static_cast<std::size_t>(needed));
+        RequireOk([&](plk_failure* failure) {
+            return save(handle.get(), record.data(), record.size(), nullptr, failure);
+        });
+        return record;
+    }
+
+    // For functions of plan.h. It stays this object's.
+    const Handle* Get() const noexcept { return handle.get(); }
+
+    // Equal ones do the same.
+    friend bool operator==(const SharedHandle& one, const SharedHandle& other)
+    {
+        return one.handle == other.handle || one.Save() == other.Save();
+    }
+    // The opposite.
+    friend bool operator!=(const SharedHandle& one, const SharedHandle& other)
+    {
+        return !(one == other);
+    }
+
+protected:
+    // Without a handle, until Make is called.
+    SharedHandle() = default;
+
+    // Keeps what a function of plan.h makes.
+    template <typename Maker>
+    void Make(const Maker& maker)
+    {
+        Handle* made = nullptr;
+        RequireOk([&](plk_failure* failure) { return maker(&made, failure); });
+        handle.reset(made, release);
+    }
+
+private:
+    std::shared_ptr<const Handle> handle;
+};
+
 class Image;
 
-// A conversion, decided. It never changes: copies share the plan, and any number of threads may use
-// it at once. One that was moved from can only be assigned to or destroyed.
-class ConversionPlan
+// A conversion, decided.
+class ConversionPlan : public SharedHandle<plk_plan, plk_plan_save, plk_plan_free>
 {
 public:
     // Checks the spec and makes a plan of it.
@@ -177,20 +228,19 @@ public:
     void Run(const plk_source& source, const plk_target& target, std::uint64_t rows) const
     {
         RequireOk([&](plk_failure* failure) {
-            return plk_plan_run(plan.get(), &source, &target, rows, failure);
+            return plk_plan_run(Get(), &source, &target, rows, failure);
         });
     }
 
     // Converts all rows of a picture. Both must have the plan's formats, and as many rows.
     void operator()(const Image& source, Image& target) const;
 
-    // What the plan needs of its rows.
+    // The bytes that its rows take, and whether they may be converted in place.
     plk_needs GetNeeds() const
     {
         plk_needs needs = {};
         needs.size = sizeof needs;
-        RequireOk(
-            [&](plk_failure* failure) { return plk_plan_needs(plan.get(), &needs, failure); });
+        RequireOk([&](plk_failure* failure) { return plk_plan_needs(Get(), &needs, failure); });
         return needs;
     }
 
@@ -199,8 +249,7 @@ public:
     {
         plk_spec record = {};
         record.size = sizeof record;
-        RequireOk(
-            [&](plk_failure* failure) { return plk_plan_spec(plan.get(), &record, failure); });
+        RequireOk([&](plk_failure* failure) { return plk_plan_spec(Get(), &record, failure); });
         ConversionSpec spec;
         spec.source = FormatOf(record.source);
         spec.target = FormatOf(record.target);
@@ -220,51 +269,17 @@ public:
     std::string Describe(std::int32_t form = PLK_TEXT) const
     {
         std::uint64_t needed = 0;
-        plk_plan_describe(plan.get(), form, nullptr, 0, &needed, nullptr);
+        plk_plan_describe(Get(), form, nullptr, 0, &needed, nullptr);
         std::string text(static_cast<std::size_t>(needed), '\0');
         RequireOk([&](plk_failure* failure) {
-            return plk_plan_describe(plan.get(), form, text.data(), text.size(), nullptr, failure);
+            return plk_plan_describe(Get(), form, text.data(), text.size(), nullptr, failure);
         });
         text.pop_back();
         return text;
     }
 
-    // The record of the spec.
-    std::vector<unsigned char> Save() const
-    {
-        std::uint64_t needed = 0;
-        plk_plan_save(plan.get(), nullptr, 0, &needed, nullptr);
-        std::vector<unsigned char> record(static_cast<std::size_t>(needed));
-        RequireOk([&](plk_failure* failure) {
-            return plk_plan_save(plan.get(), record.data(), record.size(), nullptr, failure);
-        });
-        return record;
-    }
-
-    // For functions of plan.h. The plan keeps it.
-    const plk_plan* Get() const noexcept { return plan.get(); }
-
-    // Equal plans do the same.
-    friend bool operator==(const ConversionPlan& one, const ConversionPlan& other)
-    {
-        return one.plan == other.plan || one.Save() == other.Save();
-    }
-    // The opposite.
-    friend bool operator!=(const ConversionPlan& one, const ConversionPlan& other)
-    {
-        return !(one == other);
-    }
-
 private:
     ConversionPlan() = default;
-
-    template <typename Maker>
-    void Make(const Maker& maker)
-    {
-        plk_plan* made = nullptr;
-        RequireOk([&](plk_failure* failure) { return maker(&made, failure); });
-        plan.reset(made, plk_plan_free);
-    }
 
     static plk_format FormatOf(const RowFormat& format) noexcept
     {
@@ -275,8 +290,6 @@ private:
     {
         return {format.width, format.channels, format.bits, format.planar != 0};
     }
-
-    std::shared_ptr<const plk_plan> plan;
 };
 
 // A picture that owns its rows. Each row begins at an address that is a multiple of 64, and its
@@ -425,9 +438,8 @@ inline void ConversionPlan::operator()(const Image& source, Image& target) const
     Run(source.AsSource(), target.AsTarget(), source.GetRows());
 }
 
-// A dot pattern, read. It never changes: copies share the pattern, and any number of threads may
-// use it at once. One that was moved from can only be assigned to or destroyed.
-class PatternPlan
+// A dot pattern, read.
+class PatternPlan : public SharedHandle<plk_pattern, plk_pattern_save, plk_pattern_free>
 {
 public:
     // Reads a pattern text.
@@ -457,19 +469,16 @@ public:
              const plk_source& source, const plk_target& target) const
     {
         RequireOk([&](plk_failure* failure) {
-            return plk_pattern_run(pattern.get(), firstRow, rows, pixels, &source, &target,
-                                   failure);
+            return plk_pattern_run(Get(), firstRow, rows, pixels, &source, &target, failure);
         });
     }
 
-    // What the pattern needs of its rows, and what it holds.
+    // The bytes that its pixels take, and the numbers of the pattern.
     plk_pattern_facts GetFacts() const
     {
         plk_pattern_facts facts = {};
         facts.size = sizeof facts;
-        RequireOk([&](plk_failure* failure) {
-            return plk_pattern_needs(pattern.get(), &facts, failure);
-        });
+        RequireOk([&](plk_failure* failure) { return plk_pattern_needs(Get(), &facts, failure); });
         return facts;
     }
 
@@ -478,49 +487,13 @@ public:
     {
         std::vector<std::string> names;
         while (const char* name =
-                   plk_pattern_name(pattern.get(), list, static_cast<std::int32_t>(names.size())))
+                   plk_pattern_name(Get(), list, static_cast<std::int32_t>(names.size())))
             names.emplace_back(name);
         return names;
     }
 
-    // The record of text and engine.
-    std::vector<unsigned char> Save() const
-    {
-        std::uint64_t needed = 0;
-        plk_pattern_save(pattern.get(), nullptr, 0, &needed, nullptr);
-        std::vector<unsigned char> record(static_cast<std::size_t>(needed));
-        RequireOk([&](plk_failure* failure) {
-            return plk_pattern_save(pattern.get(), record.data(), record.size(), nullptr, failure);
-        });
-        return record;
-    }
-
-    // For functions of plan.h. The pattern keeps it.
-    const plk_pattern* Get() const noexcept { return pattern.get(); }
-
-    // Equal patterns have the same text and engine.
-    friend bool operator==(const PatternPlan& one, const PatternPlan& other)
-    {
-        return one.pattern == other.pattern || one.Save() == other.Save();
-    }
-    // The opposite.
-    friend bool operator!=(const PatternPlan& one, const PatternPlan& other)
-    {
-        return !(one == other);
-    }
-
 private:
     PatternPlan() = default;
-
-    template <typename Maker>
-    void Make(const Maker& maker)
-    {
-        plk_pattern* made = nullptr;
-        RequireOk([&](plk_failure* failure) { return maker(&made, failure); });
-        pattern.reset(made, plk_pattern_free);
-    }
-
-    std::shared_ptr<const plk_pattern> pattern;
 };
 
 } // namespace zvk::Pelkraft

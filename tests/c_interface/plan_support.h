@@ -12,7 +12,7 @@ namespace zvk::Pelkraft::TestSupport {
 // The plan that must be made of it.
 PlanHandle PlanOf(const plk_spec& spec);
 
-// As Words has them. The record must be whole.
+// The words of a status and its record, which must be whole.
 std::string WordsOf(plk_status status, const plk_failure& failure);
 
 std::string CreateWords(const plk_spec* spec);
