@@ -39,13 +39,14 @@ std::uint64_t RowBytes(const plk_format& format)
     return format.planar != 0 ? bytes * static_cast<std::uint64_t>(format.channels) : bytes;
 }
 
-// A stride that no row or plane takes may be any number, and so may all of a side without bytes.
+// An address for the rows of a source that is not read: steps along a row begin somewhere.
+constexpr unsigned char nowhere = 0;
+
+// A stride that no row or plane takes may be any number.
 template <typename Byte>
 StridedRows<Byte> RowsOf(Byte* base, const RowSide& side, std::uint64_t rows)
 {
     const RowView& view = side.view;
-    if (!side.covered.HasBytes())
-        return {nullptr, 0, 0};
     const bool hasPlanes = side.covered.firstPlane + side.covered.planes > 1;
     return {base + view.offset, rows > 1 ? static_cast<std::ptrdiff_t>(view.rowStride) : 0,
             hasPlanes ? static_cast<std::ptrdiff_t>(view.planeStride) : 0};
@@ -68,7 +69,10 @@ void Run(const plk_plan& plan, const plk_source* source, const plk_target* targe
     RequireMemory(from, to, rows, plan.allowsInPlace);
     // The base of a target's record is not const.
     auto* const written = static_cast<unsigned char*>(const_cast<void*>(to.view.base));
-    plan.rows.Run(RowsOf(static_cast<const unsigned char*>(from.view.base), from, rows),
+    const StridedRows<const unsigned char> unread = {&nowhere, 0, 0};
+    plan.rows.Run(plan.read.HasBytes()
+                      ? RowsOf(static_cast<const unsigned char*>(from.view.base), from, rows)
+                      : unread,
                   RowsOf(written, to, rows), rows);
 }
 
