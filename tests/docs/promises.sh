@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Every promise of docs/promises.md names tests that exist, of GoogleTest by suite and name, others
-# as ctest knows them: promises.sh SOURCE_DIR BUILD_DIR
+# Every promise of docs/promises.md names tests that exist, of GoogleTest by suite and name, of
+# pytest by their function, others as ctest knows them: promises.sh SOURCE_DIR BUILD_DIR
 set -euo pipefail
 source_dir=$1 build_dir=$2
 tests=$(
     find "$source_dir/tests" -name '*.cpp' -exec cat {} + | tr '\n' ' ' |
         grep -oE 'TEST(_F|_P)?\( *\w+, *\w+ *\)' | sed -E 's/.*\( *(\w+), *(\w+) *\)/\1.\2/'
+    find "$source_dir/tests" -name '*_test.py' -exec sed -nE 's/^def (test_\w+).*/\1/p' {} +
     # Another ctest would take the log of the one that runs this.
     find "$build_dir" -name CTestTestfile.cmake -exec sed -nE 's/^add_test\((\[=*\[)?([^] "]+).*/\2/p' {} +
 )
