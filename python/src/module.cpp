@@ -60,6 +60,7 @@ int Execute(PyObject* object)
 } // namespace zvk::Pelkraft::Python
 
 // The macro of pybind11 would run once for all interpreters and leave the others unrefused.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): Python looks for the module _core by this name.
 extern "C" PYBIND11_EXPORT PyObject* PyInit__core()
 {
     static PyModuleDef_Slot slots[] = {
