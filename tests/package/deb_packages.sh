@@ -28,7 +28,7 @@ PYTHONPATH=$root/usr/lib/python3/dist-packages PYTHONDONTWRITEBYTECODE=1 \
     LD_LIBRARY_PATH=$(dirname "$(find "$root/usr/lib" -name 'libpelkraft.so.*' -print -quit)") \
     /usr/bin/python3 "$here/python_client.py" \
     "$root/usr/share/doc/pelkraft/examples/patterns/six_ink.txt"
-for program in "$source_dir"/examples/*.cpp; do
+for program in "$source_dir"/examples/*.c*; do
     cmp "$program" "$root/usr/share/doc/libpelkraft-dev/examples/$(basename "$program")"
 done
 
