@@ -131,12 +131,34 @@ Lanes LoadPackedWords(const unsigned char* source)
 template <int depth>
 constexpr std::size_t unpackBlock = 64;
 
-template <int depth, int sampleBytes>
-void UnpackBlock(const unsigned char* source, unsigned char* destination)
+template <int depth>
+Lanes UnpackVector(const unsigned char* source)
 {
     const Lanes spread = _mm512_maskz_multishift_epi64_epi8(all64, Load(bitPlaces<depth>.bytes),
                                                             LoadPackedWords<depth>(source));
-    StoreSamples<sampleBytes>(destination, And(spread, Set8((1 << depth) - 1)));
+    return And(spread, Set8((1 << depth) - 1));
+}
+
+template <int depth, int sampleBytes>
+void UnpackBlock(const unsigned char* source, unsigned char* destination)
+{
+    StoreSamples<sampleBytes>(destination, UnpackVector<depth>(source));
+}
+
+// The last block ends with the last byte, of which some samples may be no more of the row.
+template <int depth>
+void UnpackInParts(const unsigned char* source, unsigned char* destination, std::size_t samples)
+{
+    constexpr std::size_t perByte = 8 / depth;
+    const std::size_t whole = samples / unpackBlock<depth> * unpackBlock<depth>;
+    ForShortBlocks<unpackBlock<depth>>(whole, [=](std::size_t x) {
+        Store(destination + x, UnpackVector<depth>(source + x / perByte));
+    });
+    if (whole == samples)
+        return;
+    const std::size_t last = (samples + perByte - 1) / perByte * perByte - unpackBlock<depth>;
+    _mm512_mask_storeu_epi8(destination + last, FirstBytes(samples - last),
+                            UnpackVector<depth>(source + last / perByte));
 }
 
 // Channel c of pixel k of 16 pixels at 16 * c + k.

@@ -32,19 +32,28 @@ PELKRAFT_NEVER_INLINE void UnpackShort(const unsigned char* source, unsigned cha
                                                                            samples);
 }
 
+// Unpacks a block or more to bytes, on the level that can store a part of a vector.
+template <int depth>
+void UnpackInParts(const unsigned char* source, unsigned char* destination, std::size_t samples);
+
 template <int depth, int sampleBytes>
 void Unpack(const unsigned char* source, unsigned char* destination, std::size_t samples)
 {
-    constexpr std::size_t perByte = 8 / depth;
-    const std::size_t whole = samples / perByte * perByte;
-    if (whole < unpackBlock<depth>)
+    constexpr std::size_t block = unpackBlock<depth>;
+    if (samples < block)
         return UnpackShort<depth, sampleBytes>(source, destination, samples);
-    ForBlocks<unpackBlock<depth>>(whole, [=](std::size_t x) {
-        UnpackBlock<depth, sampleBytes>(source + x / perByte, destination + x * sampleBytes);
-    });
-    if (whole < samples)
-        UnpackLastByte<depth, sampleBytes>(source[whole / perByte],
-                                           destination + whole * sampleBytes, samples - whole);
+    if constexpr (laneCount == 4 && sampleBytes == 1) {
+        UnpackInParts<depth>(source, destination, samples);
+    } else {
+        constexpr std::size_t perByte = 8 / depth;
+        const std::size_t whole = samples / perByte * perByte;
+        ForBlocks<block>(whole, [=](std::size_t x) {
+            UnpackBlock<depth, sampleBytes>(source + x / perByte, destination + x * sampleBytes);
+        });
+        if (whole < samples)
+            UnpackLastByte<depth, sampleBytes>(source[whole / perByte],
+                                               destination + whole * sampleBytes, samples - whole);
+    }
 }
 
 } // namespace
