@@ -21,16 +21,16 @@ std::uint64_t DivideUp(std::uint64_t dividend, std::uint64_t divisor)
     return dividend / divisor + (dividend % divisor != 0 ? 1 : 0);
 }
 
-// The smallest count for which low <= count * step mod modulus <= high. Both ends and the step are
-// below the modulus. There is none either where count * step would be beyond 63 bits.
+// The smallest count for which low <= count * step mod modulus <= high, or none where count * step
+// would be beyond 63 bits. Both ends and the step are below the modulus, and there is such a count:
+// steps of planes come back to where they began, which is as near to a row as can be.
 std::optional<std::uint64_t> FirstBetween(std::uint64_t step, std::uint64_t modulus,
                                           std::uint64_t low, std::uint64_t high)
 {
     constexpr auto limit = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    // A step of 0 ends here, too.
     if (low == 0)
         return 0;
-    if (step == 0)
-        return std::nullopt;
     if (const std::uint64_t count = DivideUp(low, step); count * step <= high)
         return count;
     // A multiple of the step lies between the ends after some turns round the modulus. How many is

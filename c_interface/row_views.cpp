@@ -132,11 +132,12 @@ Extent RequireExtent(const RowSide& side, std::uint64_t rows, const char* name)
                       std::numeric_limits<std::int64_t>::max(), name, ".bytes is ", view.bytes,
                       "; no memory holds ", rows, " rows with row_stride ", view.rowStride,
                       ", plane_stride ", view.planeStride, " and offset ", view.offset);
-    if (distances.low < 0)
-        throw Refusal(PLK_TOO_SMALL, FieldName(name, ".offset"), view.offset,
-                      view.offset - distances.low, name, ".offset is ", view.offset,
-                      "; the rows begin ", -distances.low, " bytes before the base, so it must be ",
-                      view.offset - distances.low, " or more");
+    const std::int64_t before = -distances.low;
+    const std::int64_t needed = view.offset + before;
+    if (before > 0)
+        throw Refusal(PLK_TOO_SMALL, FieldName(name, ".offset"), view.offset, needed, name,
+                      ".offset is ", view.offset, "; the rows begin ", before,
+                      " bytes before the base, so it must be ", needed, " or more");
     if (static_cast<std::uint64_t>(distances.high) > BytesFrom(view))
         throw Refusal(PLK_TOO_SMALL, FieldName(name, ".bytes"), Limited(view.bytes), distances.high,
                       name, ".bytes is ", view.bytes, "; the rows end ", distances.high,
