@@ -7,15 +7,6 @@ namespace zvk::Pelkraft {
 namespace {
 
 constexpr std::uint64_t mostComparisons = std::uint64_t{1} << 20;
-// No memory has so many bytes. Sums of a few numbers below this one fit 64 bits with a sign.
-constexpr std::int64_t beyondMemory = std::int64_t{1} << 60;
-
-std::uint64_t Magnitude(std::int64_t step)
-{
-    const auto bits = static_cast<std::uint64_t>(step);
-    return step < 0 ? 0 - bits : bits;
-}
-
 std::uint64_t DivideUp(std::uint64_t dividend, std::uint64_t divisor)
 {
     return dividend / divisor + (dividend % divisor != 0 ? 1 : 0);

@@ -32,9 +32,6 @@ struct FieldEnds<plk_target>
 
 namespace {
 
-// No memory has so many bytes. Sums of a few numbers up to this one fit 63 bits.
-constexpr std::uint64_t beyondMemory = std::uint64_t{1} << 60;
-
 struct Extent
 {
     std::uintptr_t begin;
@@ -66,27 +63,22 @@ RowView ViewOfGiven(const Record* given, const char* name)
     return ViewOfRecord(ReadRecord(given, name), name);
 }
 
-std::uint64_t Magnitude(std::int64_t stride)
-{
-    const auto bits = static_cast<std::uint64_t>(stride);
-    return stride < 0 ? 0 - bits : bits;
-}
-
 // So many strides, or beyondMemory where they are more than that.
 std::int64_t Span(std::uint64_t count, std::int64_t stride)
 {
     constexpr std::uint64_t common = std::uint64_t{1} << 30;
+    constexpr auto most = static_cast<std::uint64_t>(beyondMemory);
     const std::uint64_t magnitude = Magnitude(stride);
     // A division takes longer than all else here.
-    const bool fits = (count < common && magnitude < common) || magnitude == 0 ||
-                      count <= beyondMemory / magnitude;
-    const auto span = static_cast<std::int64_t>(fits ? count * magnitude : beyondMemory);
+    const bool fits =
+        (count < common && magnitude < common) || magnitude == 0 || count <= most / magnitude;
+    const auto span = static_cast<std::int64_t>(fits ? count * magnitude : most);
     return stride < 0 ? -span : span;
 }
 
-bool IsBeyondMemory(std::int64_t span)
+bool IsBeyondMemory(std::uint64_t bytes)
 {
-    return Magnitude(span) >= beyondMemory;
+    return bytes >= static_cast<std::uint64_t>(beyondMemory);
 }
 
 std::uint64_t BytesFrom(const RowView& view)
@@ -109,10 +101,11 @@ Distances DistancesOf(const RowView& view, const CoveredBytes& covered, std::uin
     const std::int64_t rowSpan = Span(rows - 1, view.rowStride);
     const std::int64_t planeSpan = Span(covered.planes - 1, view.planeStride);
     const std::int64_t firstPlane = Span(covered.firstPlane, view.planeStride);
-    if (IsBeyondMemory(rowSpan) || IsBeyondMemory(planeSpan) || IsBeyondMemory(firstPlane) ||
-        IsBeyondMemory(view.offset) || covered.first >= beyondMemory ||
-        covered.count >= beyondMemory)
-        return {0, 0, false};
+    for (const std::uint64_t bytes :
+         {Magnitude(rowSpan), Magnitude(planeSpan), Magnitude(firstPlane), Magnitude(view.offset),
+          covered.first, covered.count})
+        if (IsBeyondMemory(bytes))
+            return {0, 0, false};
     const std::int64_t start = view.offset + firstPlane + static_cast<std::int64_t>(covered.first);
     const std::int64_t zero = 0;
     return {start + std::min(rowSpan, zero) + std::min(planeSpan, zero),

@@ -28,7 +28,8 @@ struct RowView
     std::int64_t planeStride;
 };
 
-// The caller's records. Refuse sizes that are none, what this library does not know, and null.
+// The caller's records, without sizes that are none, null, and all that this library does not know,
+// which they refuse.
 RowView ViewOf(const plk_source* source);
 RowView ViewOf(const plk_target* target);
 
