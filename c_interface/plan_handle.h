@@ -1,7 +1,7 @@
 #pragma once
 
 #include "c_interface/plain_rows.h"
-#include "c_interface/plan_spec.h"
+#include "c_interface/plan_request.h"
 #include "c_interface/row_views.h"
 
 #include <memory>

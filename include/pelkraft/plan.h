@@ -258,7 +258,7 @@ PELKRAFT_EXPORT plk_status plk_plan_describe(const plk_plan* plan, int32_t form,
                                              uint64_t bytes, uint64_t* needed,
                                              plk_failure* failure);
 
-/* Saves the spec that the plan was made of, in bytes that are the same for equal plans, on every
+/* Saves the record that the plan was made of, in bytes that are the same for equal plans, on every
  * machine. The sizes are as for a description, without a zero byte. */
 PELKRAFT_EXPORT plk_status plk_plan_save(const plk_plan* plan, void* buffer, uint64_t bytes,
                                          uint64_t* needed, plk_failure* failure);

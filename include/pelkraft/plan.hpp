@@ -189,7 +189,7 @@ class Image;
 class ConversionPlan : public SharedHandle<plk_plan, plk_plan_save, plk_plan_free>
 {
 public:
-    // Checks the spec and makes a plan of it.
+    // Checks all of it and makes a plan.
     explicit ConversionPlan(const ConversionSpec& spec)
     {
         static constexpr std::int32_t none = 0;
@@ -244,7 +244,7 @@ public:
         return needs;
     }
 
-    // The spec that the plan was made of, in the form that equal plans share.
+    // The fields that the plan was made of, in the form that equal plans share.
     ConversionSpec GetSpec() const
     {
         plk_spec record = {};

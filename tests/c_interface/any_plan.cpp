@@ -212,7 +212,8 @@ std::string CheckSmallPlan(Numbers& numbers)
     const PlanHandle owner(plan);
     // A constant 1 fits every depth.
     if ((status == PLK_OK) != IsServedJoin(trial.spec))
-        return "the spec ends with status " + std::to_string(status) + ": " + Describe(trial.spec);
+        return "making the plan ends with status " + std::to_string(status) + ": " +
+               Describe(trial.spec);
     if (status != PLK_OK)
         return CheckRefused(status, failure);
     const std::string finding = CheckRun(trial, plan, size);

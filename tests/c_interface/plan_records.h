@@ -29,7 +29,7 @@ Record Sized()
 plk_spec SpecOf(std::int64_t width, std::int32_t channels, std::int32_t bits,
                 std::int32_t targetBits);
 
-// The spec refers to the map of the naive one. Widths that do not meet are clipped.
+// The record refers to the map of the argument. Widths that do not meet are clipped.
 plk_spec SpecOf(const NaiveJoin& spec);
 
 plk_source SourceOf(const Bytes& bytes, const NaivePlacement& view);

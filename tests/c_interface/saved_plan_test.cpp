@@ -239,7 +239,7 @@ TEST(SavedPlan, GoesThroughTheChecksOfASpec)
     EXPECT_EQ(LoadWords(Sealed(empty)), Words(PLK_BAD_RECORD, "record", 0, 0));
 }
 
-// Making a plan of the spec that it gives back makes the same plan.
+// A plan of the record that it gives back is the same plan.
 TEST(SavedPlan, GivesItsSpecBack)
 {
     const std::int32_t none = 0;

@@ -1,4 +1,4 @@
-#include "c_interface/plan_spec.h"
+#include "c_interface/plan_request.h"
 
 #include "c_interface/record_size.h"
 

@@ -41,7 +41,7 @@ void GiveSpec(const PlanSpec& spec, plk_spec* record);
 // Bytes of a plane, or of the row where it is interleaved, up to pixel number `pixels`.
 std::uint64_t BytesUpTo(const plk_format& format, std::uint64_t pixels);
 
-// The same for the plan of many rows, at this level. Its map is the spec's.
+// The same for the plan of many rows, at this level. Its map is that of the argument.
 RowsRequest RequestOf(const PlanSpec& spec, std::int32_t level);
 
 } // namespace zvk::Pelkraft
