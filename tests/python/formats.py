@@ -30,6 +30,7 @@ class Job(NamedTuple):
     samples: str
     invert: bool
     clip: bool
+    stream: bool
     road: str
     seed: int
 
@@ -43,6 +44,7 @@ class Job(NamedTuple):
             samples=self.samples,
             invert=self.invert,
             clip=self.clip,
+            stream=self.stream,
             road=self.road,
         )
 
@@ -106,6 +108,7 @@ def jobs(draw, clip=False):
         samples=samples,
         invert=invert,
         clip=clip,
+        stream=draw(st.booleans()),
         road=draw(st.sampled_from(["automatic", "portable"])),
         seed=draw(st.integers(0, 2**32 - 1)),
     )
