@@ -88,7 +88,9 @@ public:
     void Choose()
     {
         if (plan.extras->clears) {
+            // No place is sought in a source that may be null.
             plan.sourcePlanar = false;
+            plan.sourceChannels = 0;
             return Add(PassKind::Clear, targetPlanar, targetBits);
         }
         // Planes are chosen by their addresses.

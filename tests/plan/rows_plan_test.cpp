@@ -123,6 +123,25 @@ TEST(RowsPlan, TouchesNothingWithoutPixels)
             }
 }
 
+// The sanitizers see a place that is sought from null on.
+TEST(RowsPlan, SeeksNoPlaceInASourceThatIsNotRead)
+{
+    NaiveJoin join{{9000, 3, 8, false}, {5000, 4, 16, true}, true, {-1, -2 - 9, -1, -1}, 1, true};
+    const NaivePlacement at{0, 40000, 10000};
+    for (const int level : LevelsOfThisProcessor())
+        for (const bool streamed : {false, true})
+            for (const bool planar : {false, true}) {
+                join.target.planar = planar;
+                RowsRequest request = RequestOf(join, level);
+                request.streamed = streamed;
+                const Bytes before = RandomBytes(40000, seed);
+                Bytes target = before;
+                RowsPlan(request).Run({nullptr, 0, 0}, RowsAt(target.data(), at), 1);
+                EXPECT_TRUE(ExpectedRows(join, {0, 27000, 0}, Bytes(27000), at, before, 1) ==
+                            target);
+            }
+}
+
 TEST(RowsPlan, OwnsItsMapAndMoves)
 {
     NaiveJoin join{{50, 3, 8, false}, {50, 130, 8, true}, true, std::vector<int>(130, 2)};
