@@ -28,7 +28,7 @@ void PatchRow(const FinishKernels& kernels, const RowPatch& patch, const Patched
         return kernels.patch(row.bytes, BytesOf(row.pixels * row.channels, patch.bits),
                              patch.pixels, patch.period);
     for (std::size_t c = 0; c != row.channels; ++c) {
-        const std::uint16_t unit = patch.planes[row.firstChannel + c];
+        const std::uint16_t unit = patch.planes[patch.uniform ? 0 : row.firstChannel + c];
         if (unit == 0)
             continue;
         unsigned char* plane = row.bytes + static_cast<std::ptrdiff_t>(c) * row.planeStep;

@@ -16,6 +16,8 @@ struct RowPatch
     std::size_t period;
     // For each plane 16 bits of it, or null.
     const std::uint16_t* planes;
+    // All planes share the first one's bits.
+    bool uniform;
     std::uint8_t bits;
     // For people alone.
     bool inverts;

@@ -53,7 +53,8 @@ PatchPattern::PatchPattern(const RowsRequest& request)
     if (!request.inverted && !setsConstants)
         return;
     const unsigned bits = StorageBitsOf(request.target);
-    planes.resize(static_cast<std::size_t>(request.target.channels));
+    // Without a map all channels are turned over alike, however many there are.
+    planes.resize(request.maps ? static_cast<std::size_t>(request.target.channels) : 1);
     for (std::size_t c = 0; c != planes.size(); ++c)
         planes[c] = Repeated(TurnedBits(request, c), bits);
     const bool planar = request.target.planar;
@@ -62,6 +63,7 @@ PatchPattern::PatchPattern(const RowsRequest& request)
     patch = {planar ? nullptr : pixels.data(),
              planar ? 0 : pixels.size() - patternBytes,
              planar ? planes.data() : nullptr,
+             !request.maps,
              static_cast<std::uint8_t>(bits),
              request.inverted,
              setsConstants};

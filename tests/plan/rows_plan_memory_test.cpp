@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <new>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -32,6 +33,32 @@ TEST(RowsPlan, AllocatesNothingInARun)
             memory.Stop();
             EXPECT_EQ(0U, memory.CountAsked());
         }
+    }
+}
+
+std::size_t LargestOf(const CountedMemory& memory)
+{
+    std::size_t largest = 0;
+    for (std::size_t i = 0; i != std::min(memory.CountAsked(), CountedMemory::kept); ++i)
+        largest = std::max(largest, memory.GetAllocation(i).bytes);
+    return largest;
+}
+
+TEST(RowsPlan, TakesNoMoreMemoryForMoreChannelsWithoutAMap)
+{
+    for (const bool planar : {false, true}) {
+        const auto bytesFor = [&](int channels) {
+            const NaiveGeometry form{1, channels, 8, planar};
+            NaiveJoin join{form, form};
+            join.inverted = true;
+            const RowsRequest request = RequestOf(join, 0);
+            CountedMemory memory;
+            memory.Start();
+            const RowsPlan plan(request);
+            memory.Stop();
+            return LargestOf(memory);
+        };
+        EXPECT_EQ(bytesFor(2), bytesFor(1 << 20)) << planar;
     }
 }
 
