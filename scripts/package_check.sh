@@ -35,7 +35,8 @@ done
 apt_in_root update
 
 say "the compilers of customers"
-apt_in_root install g++ clang cmake ninja-build pkg-config
+# clang recommends python3, so apt would keep it at the end; NumPy belongs to customers as well.
+apt_in_root install g++ clang cmake ninja-build pkg-config python3-numpy
 mkdir "$home/customers"
 cp -r README.md tests/package/{python_client.py,customers.sh,consumer} "$home/customers/"
 cp build/packages/*.deb "$home/"
