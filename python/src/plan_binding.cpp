@@ -58,7 +58,8 @@ share no byte with rows, unless it is the same array and needs.in_place says so.
 lock is given back during a run of 32 KiB or more, of both sides together.
 
 PelkraftError: dtype, shape, strides or the number of rows is another than the plan's, out is
-read-only, or the two overlap; nothing has been written then. TypeError: no array, or a masked one.)";
+read-only, or the two overlap; nothing has been written then. TypeError: no array, or a masked
+one.)";
 
 std::vector<std::int32_t> ToMap(py::handle value)
 {

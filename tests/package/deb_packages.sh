@@ -13,7 +13,9 @@ mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
 # Python's packages call these two when they come and go, which look for files outside the root.
 ln -s /bin/true "$stand_ins/py3compile"
 ln -s /bin/true "$stand_ins/py3clean"
-dpkg_in_root() { PATH=$stand_ins:$PATH dpkg --root="$root" --force-depends --force-script-chrootless "$@" >/dev/null; }
+dpkg_in_root() {
+    PATH=$stand_ins:$PATH dpkg --root="$root" --force-depends --force-script-chrootless "$@" >/dev/null
+}
 
 echo "lintian"
 lintian --allow-root --fail-on error,warning "$source_dir"/build/packages/*.deb

@@ -16,9 +16,10 @@ ln -s /usr/bin/python3 "$work/bin/python3"
 PATH=$work/bin:$PATH
 
 # Root has installed what the first command names.
-commands=$(awk '/^```sh$/ {inside = 1; next} /^```$/ {inside = 0} inside' "$source_dir/python/README.md" |
+readme=$source_dir/python/README.md
+commands=$(awk '/^```sh$/ {inside = 1; next} /^```$/ {inside = 0} inside' "$readme" |
     sed -e ':join' -e '/\\$/ { N; s/\\\n//; b join }' | sed '1d')
-grep -q '^apt-get install ' "$source_dir/python/README.md"
+grep -q '^apt-get install ' "$readme"
 # Without optimisation it builds in half the time.
 export CMAKE_ARGS=-DCMAKE_CXX_FLAGS_RELEASE=-O0
 (cd "$work/tree" && eval "${commands//\/opt\/pelkraft/$work/prefix}") >"$work/log" 2>&1 ||

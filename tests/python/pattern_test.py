@@ -132,7 +132,8 @@ def test_names_of_any_encoding_come_through():
     text = CERTAIN.replace("LightCyan", '"Hell Türkis"')
     assert Pattern(text).out_inks[1] == "Hell Türkis"
     pattern = Pattern(text.encode("latin-1"))
-    assert pattern.out_inks[1].encode("utf-8", "surrogateescape") == "Hell Türkis".encode("latin-1")
+    name = pattern.out_inks[1].encode("utf-8", "surrogateescape")
+    assert name == "Hell Türkis".encode("latin-1")
     assert eval(repr(pattern), vars(pelkraft)) == pattern
 
 

@@ -25,7 +25,8 @@ def main() -> None:
     """Runs all of it."""
     planes = split(np.zeros((2, 5, 3), np.uint8))
     print(planes.shape, planes[0, 2, 0])
-    plan = pelkraft.Plan.load(pelkraft.Plan(pelkraft.Format(1, 1, 8), pelkraft.Format(1, 1, 8)).save())
+    form = pelkraft.Format(1, 1, 8)
+    plan = pelkraft.Plan.load(pelkraft.Plan(form, form).save())
     entries: tuple[int | pelkraft.Constant | None, ...] | None = plan.map
     print(entries, plan.needs.in_place, {plan: plan.samples})
     try:
