@@ -81,11 +81,10 @@ bool IsBeyondMemory(std::uint64_t bytes)
     return bytes >= static_cast<std::uint64_t>(beyondMemory);
 }
 
-std::uint64_t BytesFrom(const RowView& view)
+// From base to the last of all addresses.
+std::uint64_t BytesUntilEnd(const RowView& view)
 {
-    const std::uint64_t address = reinterpret_cast<std::uintptr_t>(view.base);
-    const std::uint64_t untilEnd = std::numeric_limits<std::uintptr_t>::max() - address;
-    return std::min(view.bytes, untilEnd);
+    return std::numeric_limits<std::uintptr_t>::max() - reinterpret_cast<std::uintptr_t>(view.base);
 }
 
 // The two ends of all that a side covers, as distances from its base.
@@ -120,18 +119,19 @@ Extent RequireExtent(const RowSide& side, std::uint64_t rows, const char* name)
     if (view.base == nullptr)
         throw NullRefusal(FieldName(name, ".base").GetChars().data());
     const Distances distances = DistancesOf(view, side.covered, rows);
-    if (!distances.fit)
-        throw Refusal(PLK_TOO_SMALL, FieldName(name, ".bytes"), Limited(view.bytes),
-                      std::numeric_limits<std::int64_t>::max(), name, ".bytes is ", view.bytes,
-                      "; no memory holds ", rows, " rows with row_stride ", view.rowStride,
-                      ", plane_stride ", view.planeStride, " and offset ", view.offset);
+    const auto high = static_cast<std::uint64_t>(distances.high);
+    if (!distances.fit || (distances.high > 0 && high > BytesUntilEnd(view)))
+        throw Refusal(PLK_TOO_SMALL, FieldName(name, ".bytes"), Limited(view.bytes), 0, name,
+                      ".bytes is ", view.bytes, "; no memory holds ", rows,
+                      " rows with row_stride ", view.rowStride, ", plane_stride ", view.planeStride,
+                      " and offset ", view.offset);
     const std::int64_t before = -distances.low;
     const std::int64_t needed = view.offset + before;
     if (before > 0)
         throw Refusal(PLK_TOO_SMALL, FieldName(name, ".offset"), view.offset, needed, name,
                       ".offset is ", view.offset, "; the rows begin ", before,
                       " bytes before the base, so it must be ", needed, " or more");
-    if (static_cast<std::uint64_t>(distances.high) > BytesFrom(view))
+    if (high > view.bytes)
         throw Refusal(PLK_TOO_SMALL, FieldName(name, ".bytes"), Limited(view.bytes), distances.high,
                       name, ".bytes is ", view.bytes, "; the rows end ", distances.high,
                       " bytes after the base, so it must be that or more");

@@ -195,7 +195,7 @@ TEST(RunExtents, AreNotWrappedByAnyNumber)
     const PlanHandle plan = PlanOf(SpecOf(spec));
     const std::int64_t wide = std::int64_t{1} << 62;
     const std::uint64_t many = std::numeric_limits<std::uint64_t>::max();
-    const auto beyond = [](const char* field) { return Words(PLK_TOO_SMALL, field, 16, largest); };
+    const auto beyond = [](const char* field) { return Words(PLK_TOO_SMALL, field, 16, 0); };
     const std::vector<NumberCase> cases = {
         {0, 4, 2, many, beyond("source.bytes")},
         {0, 0, 2, many, Words(PLK_OVERLAP, "target.row_stride", 0, 4)},
@@ -250,7 +250,7 @@ TEST(RunExtents, EndWithTheAddresses)
     // The rows would go on at address 0.
     source.base = reinterpret_cast<const void*>(std::numeric_limits<std::uintptr_t>::max() - 2);
     EXPECT_EQ(RunWords(plan.get(), &source, &target, 1),
-              Words(PLK_TOO_SMALL, "source.bytes", largest, 4));
+              Words(PLK_TOO_SMALL, "source.bytes", largest, 0));
 }
 
 TEST(RunExtents, RefuseNullWhereThereAreBytes)
