@@ -48,6 +48,13 @@ void AppendNumber(std::string& text, std::uint64_t number, int bytes)
         text.push_back(static_cast<char>(number & 0xFFU));
 }
 
+// The bytes of a record with such a content. A damaged one may name any number.
+std::int64_t WholeBytes(std::uint64_t contentBytes)
+{
+    const std::uint64_t limited = static_cast<std::uint64_t>(Limited(contentBytes));
+    return Limited(limited + headBytes + checkBytes);
+}
+
 Refusal Damaged(const char* why)
 {
     return {PLK_BAD_RECORD,
@@ -89,9 +96,9 @@ RecordReader::RecordReader(const RecordKind& kind, const void* record, std::uint
         throw Damaged("does not begin with the letters of its kind");
     const std::uint64_t contentBytes = NumberAt(begin + 8, 8);
     if (contentBytes != bytes - headBytes - checkBytes)
-        throw Refusal(PLK_BAD_RECORD, FieldName("bytes"), Limited(bytes), Limited(contentBytes),
-                      "bytes is ", bytes, "; the content of the record says that it has ",
-                      contentBytes, ", beside ", headBytes + checkBytes, " around it");
+        throw Refusal(PLK_BAD_RECORD, FieldName("bytes"), Limited(bytes), WholeBytes(contentBytes),
+                      "bytes is ", bytes, "; the record says that it has ",
+                      WholeBytes(contentBytes));
     if (NumberAt(begin + headBytes + contentBytes, checkBytes) !=
         CheckOf(begin, bytes - checkBytes))
         throw Damaged("is damaged");

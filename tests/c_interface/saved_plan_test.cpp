@@ -206,7 +206,7 @@ TEST(SavedPlan, IsRefusedWithAnyDamage)
     }
     Bytes longer = record;
     longer.push_back(0);
-    EXPECT_EQ(LoadWords(longer), Words(PLK_BAD_RECORD, "bytes", 117, 96));
+    EXPECT_EQ(LoadWords(longer), Words(PLK_BAD_RECORD, "bytes", 117, 116));
     EXPECT_EQ(LoadWords({}), Words(PLK_INVALID, "record", 0, 0));
 }
 
@@ -233,7 +233,7 @@ TEST(SavedPlan, GoesThroughTheChecksOfASpec)
     EXPECT_EQ(wordsWith(88, ~0ULL, 8), Words(PLK_BAD_RECORD, "map_count", 0x7FFFFFFFFFFFFFFF, 4));
     EXPECT_EQ(wordsWith(96, 5, 4), Words(PLK_UNSUPPORTED, "map[0]", 5, 4));
     EXPECT_EQ(LoadWords(Sealed(Bytes(record.begin(), record.begin() + 16))),
-              Words(PLK_BAD_RECORD, "bytes", 20, 96));
+              Words(PLK_BAD_RECORD, "bytes", 20, 116));
     Bytes empty(record.begin(), record.begin() + 16);
     std::fill(empty.begin() + 8, empty.end(), static_cast<unsigned char>(0));
     EXPECT_EQ(LoadWords(Sealed(empty)), Words(PLK_BAD_RECORD, "record", 0, 0));
