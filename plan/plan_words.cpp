@@ -150,11 +150,22 @@ std::string LevelText(const Plan& plan)
     return std::string(name) + " (level " + std::to_string(plan.sseVersion) + ")";
 }
 
-std::uint64_t ActiveBytes(const ImageRowFormat& format, std::uint64_t channels)
+// Bytes of so many samples, of which there may be nearly as many as 64 bits can count.
+std::uint64_t SampleBytes(std::uint64_t samples, std::uint64_t bits)
+{
+    return samples / 8 * bits + (samples % 8 * bits + 7) / 8;
+}
+
+// The bytes that hold the pixels that take part; those of a mirrored row are its last ones.
+std::uint64_t ActiveBytes(const ImageRowFormat& format, std::uint64_t channels, bool mirrored)
 {
     const auto pixels = static_cast<std::uint64_t>(format.activeWidth);
     const auto bits = static_cast<std::uint64_t>(format.bits);
-    return channels * (IsPacked(format) ? (pixels * bits + 7) / 8 : pixels * ((bits + 7) / 8));
+    if (!IsPacked(format))
+        return channels * pixels * ((bits + 7) / 8);
+    const auto end = mirrored ? static_cast<std::uint64_t>(format.width) : pixels;
+    const std::uint64_t wholeBytesBefore = (end - pixels) / (8 / bits);
+    return channels * (SampleBytes(end, bits) - wholeBytesBefore);
 }
 
 std::uint64_t CountChannelsRead(const Plan& plan)
@@ -185,8 +196,10 @@ PlanWords Describe(const Plan& plan)
         return {"none", LevelText(plan), {}, 0, 0};
     const auto channels = static_cast<std::uint64_t>(plan.formats.destination.channels);
     return {plan.road == PlanRoad::Direct ? "direct" : "chain", LevelText(plan), StepsOf(plan),
-            ReadsNothing(plan) ? 0 : ActiveBytes(plan.formats.source, CountChannelsRead(plan)),
-            ActiveBytes(plan.formats.destination, channels)};
+            ReadsNothing(plan)
+                ? 0
+                : ActiveBytes(plan.formats.source, CountChannelsRead(plan), plan.factor < 0),
+            ActiveBytes(plan.formats.destination, channels, false)};
 }
 
 std::string ToText(const PlanWords& words)

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
+
 // The words of a plan of many rows are held against what each conversion is, written out by hand.
 namespace zvk::Pelkraft::TestSupport {
 namespace {
@@ -49,6 +52,28 @@ TEST(RowsPlan, NamesConstantsInversionAndStores)
     RowsRequest request = RequestOf(join, 0);
     request.streamed = true;
     EXPECT_EQ("split 3 channels of 8 bits; store past the cache: 30 to 30", StepsOf(request));
+}
+
+// The last 8 of 10 pixels stand in two bytes.
+TEST(RowsPlan, CountsTheBytesOfAllPixelsThatItReads)
+{
+    NaiveJoin join{{10, 2, 1, true}, {8, 2, 1, true}};
+    ExpectSteps("copy the planes: 2 to 2", join);
+    join.mirrored = true;
+    ExpectSteps("mirror the packed planes: 4 to 2", join);
+    join.source.bits = join.target.bits = 2;
+    ExpectSteps("mirror the packed planes: 6 to 4", join);
+    join.source.width = 12;
+    ExpectSteps("mirror the packed planes: 4 to 4", join);
+}
+
+TEST(RowsPlan, CountsTheBytesOfTheWidestRow)
+{
+    constexpr std::int64_t width = std::numeric_limits<std::int64_t>::max();
+    RowsRequest request;
+    request.source = request.target = {width, 1, 2, true};
+    const std::string bytes = std::to_string(std::int64_t{1} << 61);
+    EXPECT_EQ("copy the planes: " + bytes + " to " + bytes, StepsOf(request));
 }
 
 TEST(RowsPlan, NamesNoStepWithoutPixels)
