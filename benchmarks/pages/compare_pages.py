@@ -76,7 +76,8 @@ def report(name, pages, times):
     print(f"{name}, {pages} pages:")
     for way, seconds in times.items():
         c = times["C, 2 processes" if "2" in way else "C"]
-        print(f"  {way:<24}{1000 * seconds / pages:8.1f} ms a page{100 * seconds / c - 100:+8.1f} %")
+        print(f"  {way:<24}{1000 * seconds / pages:8.1f} ms a page"
+              f"{100 * seconds / c - 100:+8.1f} %")
     for one, two in (("C", "C, 2 processes"), ("Dask, 1 worker", "Dask, 2 workers"),
                      ("processes, 1 worker", "processes, 2 workers")):
         print(f"  {two:<24}{times[one] / times[two]:8.2f} times as fast as one")

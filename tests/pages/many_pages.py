@@ -118,7 +118,7 @@ def runner_of(kind):
 
 
 def try_many(pages, every, kind):
-    """What is wrong, how many workers were killed and how many pages were begun anew."""
+    """Answers what is wrong, how many workers were killed, and how many pages were begun anew."""
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         (folder / "in").mkdir()

@@ -101,10 +101,10 @@ def _simulate(step: Simulation, picture: Picture, path: str, warnings: list[str]
     warnings += [f"channel {shown(picture.channels, channel)} is not used: no in-colour of the "
                  "pattern takes it" for channel in unused]
     tops = [0 if top == NO_STEPS else top for top in pattern.top_steps]
-    rows = _InkRows(picture, entries, tops, step.levels)
     inks = tuple(pattern.out_inks)
     pixels = numpy.empty((picture.height, picture.width, len(inks)), numpy.uint8)
     band = max(BAND_SAMPLES // (picture.width * max(len(entries), 1)), 1)
+    rows = _InkRows(picture, entries, tops, step.levels, min(band, picture.height))
     for first in range(0, picture.height, band):
         steps = rows.steps(first, min(first + band, picture.height))
         pattern(steps, first_row=first, out=pixels[first:first + len(steps)])
@@ -119,15 +119,20 @@ def _simulate(step: Simulation, picture: Picture, path: str, warnings: list[str]
 
 
 class _InkRows:
-    """Rows of a picture as steps of a pattern's in-colours."""
+    """Rows of a picture as steps of a pattern's in-colours, a band at a time. A band's memory is
+    that of the one before: new pages of memory would cost more than the work."""
 
-    def __init__(self, picture: Picture, entries: list[int], tops: list[int],
-                 levels: str) -> None:
+    def __init__(self, picture: Picture, entries: list[int], tops: list[int], levels: str,
+                 band: int) -> None:
         self.saw_high_step = False
         self._picture = picture
         self._quantizes = levels == "quantize"
         self._tops = numpy.array(tops, numpy.uint8)
         self._factors = numpy.tile(numpy.array(tops, numpy.uint16) + 1, picture.width)
+        shape = (band, picture.width, len(entries))
+        self._tones = numpy.empty(shape, numpy.uint8)
+        self._wide = numpy.empty((band, picture.width * len(entries)), numpy.uint16)
+        self._steps = numpy.empty(shape, numpy.uint8)
         in_place = not picture.planar and picture.bits == 8 and \
             entries == list(range(len(picture.channels)))
         # A level counts as a tone where tones are divided over steps.
@@ -136,13 +141,14 @@ class _InkRows:
             samples="tones" if self._quantizes else "fill")
 
     def steps(self, first: int, end: int) -> numpy.ndarray:
-        rows = self._picture.pixels[first:end]
+        rows, count = self._picture.pixels[first:end], end - first
         if self._plan is not None:
-            rows = self._plan(rows)
+            rows = self._plan(rows, out=self._tones[:count])
         if not self._quantizes:
             self.saw_high_step = self.saw_high_step or bool((rows > self._tops).any())
             return rows
         # 0 to 255 is divided evenly over the steps.
-        wide = numpy.multiply(rows.reshape(len(rows), -1), self._factors, dtype=numpy.uint16)
-        wide >>= 8
-        return wide.astype(numpy.uint8).reshape(rows.shape)
+        wide = numpy.multiply(rows.reshape(count, -1), self._factors, out=self._wide[:count])
+        steps = self._steps[:count]
+        numpy.right_shift(wide, 8, out=steps.reshape(count, -1), casting="unsafe")
+        return steps

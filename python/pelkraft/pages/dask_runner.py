@@ -23,6 +23,13 @@ RESTART_SECONDS = 10
 RESULT_SECONDS = 60
 # So long may all workers be away: they start again, or a cluster that grows has none yet.
 WORKERLESS_SECONDS = 60
+OWN_CLUSTER = {
+    # A cluster gives up a worker that is away some seconds after it was lost, although it may have
+    # come back in between and be starting once more.
+    "distributed.deploy.lost-worker-timeout": "1d",
+    # It looks at what a page's thread is doing a hundred times a second, which nobody asks for.
+    "distributed.worker.profile.enabled": False,
+}
 GONE = "the scheduler went away"
 
 
@@ -54,9 +61,7 @@ class DaskRunner(Runner):
                 with open(self._file, encoding="utf-8") as file:
                     self._address = json.load(file)["address"]
             if self._address is None:
-                # A cluster gives up a worker that is away some seconds after it was lost, although
-                # it may have come back in between and be starting once more.
-                self._settings = dask.config.set({"distributed.deploy.lost-worker-timeout": "1d"})
+                self._settings = dask.config.set(OWN_CLUSTER)
                 self._cluster = distributed.LocalCluster(
                     n_workers=self._worker_count, threads_per_worker=1, processes=True,
                     dashboard_address=":0", silence_logs=50)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""What goes wrong with a job list, a page or a cluster."""
+"""The exceptions of page jobs, and the kinds of failed pages."""
 
 # The kinds of failed pages, as a report names them.
 INPUT = "input"

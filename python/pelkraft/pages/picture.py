@@ -29,7 +29,7 @@ class Channel:
 
 @dataclass(frozen=True)
 class Tags:
-    """What a page says of its pixels beside their form."""
+    """Tags tell more of the pixels than their form."""
 
     photometric: int = MIN_IS_BLACK
     ink_set: Optional[int] = None

@@ -29,7 +29,7 @@ class Progress:
         if not self._shown or (now - self._last < PAUSE and done < self._total):
             return
         self._last = now
-        # What was kept took no time worth counting on.
+        # Kept pages took no time worth counting on.
         worked = done - kept
         line = f"pelkraft.pages: {done} of {self._total} pages"
         if worked and now > self._start:

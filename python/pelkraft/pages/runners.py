@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Where pages are made: in this process, or in others on this machine. The runners for Dask and
-MPI stand in files of their own, since their packages may be missing."""
+"""Runners make pages in this process or in others on this machine. Those for Dask and MPI stand in
+files of their own, since their packages may be missing."""
 
 from __future__ import annotations
 
@@ -14,7 +14,7 @@ from typing import Any, Callable, Optional
 
 
 class Verdict(enum.Enum):
-    """What a future's end means."""
+    """The meanings of a future's end."""
 
     DONE = 1
     FAILED = 2
@@ -43,7 +43,7 @@ class Runner:
         raise NotImplementedError
 
     def verdict(self, future: Any) -> tuple[Verdict, Any]:
-        """What came of a future that is done, with its value, its exception or words."""
+        """The verdict on a future that is done, with its value, its exception or a reason."""
         try:
             return Verdict.DONE, future.result()
         except Exception as error:

@@ -31,7 +31,7 @@ Converter = Callable[[PageJob, Picture], tuple[Picture, tuple[str, ...]]]
 
 @dataclass(frozen=True)
 class PageResult:
-    """What became of a page.
+    """The fate of a page.
 
     `status` is "made", "kept" (it was there already), "failed" or "left" (not tried, since the
     cluster went away). Of a failed page `kind` and `message` say why; `attempts` counts how often
@@ -54,7 +54,7 @@ class PageResult:
 
 @dataclass(frozen=True)
 class Task:
-    """What is sent to a worker."""
+    """A job as it is sent to a worker."""
 
     number: int
     job: PageJob
