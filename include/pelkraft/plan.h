@@ -103,7 +103,8 @@ enum
 {
     /* As ImageRow::FillFrom treats them: 8 and 16 bits are tones, 1 and 2 bits are levels. */
     PLK_SAMPLES_AS_FILL = 0,
-    /* Full scale becomes full scale, rounded to the nearest. */
+    /* Full scale becomes full scale. 8 and 16 bits become one another as FillFrom has it; tones of
+     * 8 bits are rounded to the nearest level, and those of 16 bits become 8 bits before. */
     PLK_SAMPLES_AS_TONES = 1,
     /* A number stays what it is, and keeps its low bits where it does not fit. */
     PLK_SAMPLES_AS_LEVELS = 2

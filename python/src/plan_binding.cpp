@@ -26,7 +26,7 @@ repeat  how often each pixel stands in the target: 1, 2 or 4
 mirror  True reads the source from its last pixel to its first
 samples what happens where the depth changes:
         'fill'    as ImageRow::FillFrom does: 8 and 16 bits are tones, 1 and 2 bits are levels
-        'tones'   full scale becomes full scale, rounded to the nearest
+        'tones'   full scale becomes full scale, and tones the nearest level
         'levels'  a number stays what it is, and keeps its low bits where it doesn't fit
 invert  True turns each sample into the target's full scale less the sample, after all else, but
         not those of entries that name no channel
