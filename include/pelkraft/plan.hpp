@@ -416,25 +416,31 @@ private:
 
 inline void ConversionPlan::operator()(const Image& source, Image& target) const
 {
-    const auto refuse = [](const char* field, const char* text, std::int64_t given,
-                           std::int64_t needed) {
+    const auto require = [](const std::string& field, std::int64_t given, std::int64_t needed) {
+        if (given == needed)
+            return;
         plk_failure failure = {};
         failure.size = sizeof failure;
         failure.given = given;
         failure.needed = needed;
-        std::memcpy(failure.field, field, std::strlen(field));
-        std::memcpy(failure.text, text, std::strlen(text));
+        const std::string text =
+            field + " is " + std::to_string(given) + "; it must be " + std::to_string(needed);
+        field.copy(failure.field, sizeof failure.field - 1);
+        text.copy(failure.text, sizeof failure.text - 1);
         throw PelkraftError(PLK_INVALID, failure);
     };
+    const auto requireFormat = [&](const std::string& side, const RowFormat& given,
+                                   const RowFormat& needed) {
+        require(side + ".width", given.width, needed.width);
+        require(side + ".channels", given.channels, needed.channels);
+        require(side + ".bits", given.bits, needed.bits);
+        require(side + ".planar", given.planar ? 1 : 0, needed.planar ? 1 : 0);
+    };
     const ConversionSpec spec = GetSpec();
-    if (source.GetFormat() != spec.source)
-        refuse("source", "source is a picture of another format; give one of the plan's", 0, 0);
-    if (target.GetFormat() != spec.target)
-        refuse("target", "target is a picture of another format; give one of the plan's", 0, 0);
-    if (target.GetRows() != source.GetRows())
-        refuse("rows", "rows of the target are not as many as the source has; give as many",
-               static_cast<std::int64_t>(target.GetRows()),
-               static_cast<std::int64_t>(source.GetRows()));
+    requireFormat("source", source.GetFormat(), spec.source);
+    requireFormat("target", target.GetFormat(), spec.target);
+    require("target.rows", static_cast<std::int64_t>(target.GetRows()),
+            static_cast<std::int64_t>(source.GetRows()));
     Run(source.AsSource(), target.AsTarget(), source.GetRows());
 }
 

@@ -164,13 +164,15 @@ TEST(Images, AreConvertedRowByRow)
     EXPECT_EQ(Bytes(target.GetData(), target.GetData() + target.GetSize()), expected);
 }
 
-std::string FieldOfRefusal(const ConversionPlan& plan, const Image& source, Image& target)
+std::string TextOfRefusal(const ConversionPlan& plan, const Image& source, Image& target)
 {
     try {
         plan(source, target);
     } catch (const PelkraftError& error) {
         EXPECT_EQ(error.GetStatus(), PLK_INVALID);
-        return error.GetField();
+        const std::string text = error.what();
+        EXPECT_EQ(text.find(std::string(error.GetField()) + " is "), 0U);
+        return text;
     }
     return "";
 }
@@ -180,11 +182,26 @@ TEST(Images, MustHaveThePlansFormats)
     const ConversionSpec spec = SplitSpec();
     const ConversionPlan plan(spec);
     Image target(spec.target, 3);
-    EXPECT_EQ(FieldOfRefusal(plan, Image(spec.source, 3), target), "");
-    EXPECT_EQ(FieldOfRefusal(plan, Image(spec.target, 3), target), "source");
-    EXPECT_EQ(FieldOfRefusal(plan, Image(spec.source, 2), target), "rows");
+    const auto refusalOf = [&](const RowFormat& format, std::uint64_t rows) {
+        return TextOfRefusal(plan, Image(format, rows), target);
+    };
+    EXPECT_EQ(refusalOf(spec.source, 3), "");
+    RowFormat format = spec.source;
+    format.width += 1;
+    EXPECT_EQ(refusalOf(format, 3), "source.width is 6; it must be 5");
+    format = spec.source;
+    format.channels += 1;
+    EXPECT_EQ(refusalOf(format, 3), "source.channels is 5; it must be 4");
+    format = spec.source;
+    format.bits = 1;
+    EXPECT_EQ(refusalOf(format, 3), "source.bits is 1; it must be 8");
+    format = spec.source;
+    format.planar = true;
+    EXPECT_EQ(refusalOf(format, 3), "source.planar is 1; it must be 0");
+    EXPECT_EQ(refusalOf(spec.source, 2), "target.rows is 3; it must be 2");
     Image other(spec.source, 3);
-    EXPECT_EQ(FieldOfRefusal(plan, Image(spec.source, 3), other), "target");
+    EXPECT_EQ(TextOfRefusal(plan, Image(spec.source, 3), other),
+              "target.planar is 0; it must be 1");
 }
 
 TEST(Images, MayBeEmpty)
