@@ -40,7 +40,10 @@ def test_a_folder_of_pages_is_made_and_kept(make_jobs, tmp_path, runner):
     options = (tmp_path / "in", "--to", tmp_path / "out", "--mirror", "--runner", runner,
                "--report", report, *(["--workers", 2] if runner != "serial" else []))
     ended = run(*options)
-    assert (ended.returncode, ended.stdout, ended.stderr) == (0, "", "")
+    # Dask itself may tell of folders that killed workers have left.
+    assert (ended.returncode, ended.stdout) == (0, "")
+    assert "pelkraft.pages:" not in ended.stderr
+    assert ended.stderr == "" or runner == "dask"
     pages, summary = pages_of(report)
     assert [(page["number"], page["status"], page["input"], page["output"]) for page in pages] == \
         [(number, "made", job.input, job.output) for number, job in enumerate(jobs, 1)]
@@ -224,7 +227,8 @@ def test_an_interrupt_leaves_no_half_file(make_jobs, tmp_path, sent, runner):
         running.send_signal(sent)
         told = running.stderr.read()
     assert running.returncode == exit_codes.INTERRUPTED, told
-    assert told.splitlines()[-1] == "pelkraft.pages: interrupted; a rerun keeps what is done"
+    # Dask's workers may say something after it.
+    assert "pelkraft.pages: interrupted; a rerun keeps what is done" in told.splitlines()
     there = [job for job in jobs if os.path.exists(job.output)]
     assert 0 < len(there) < 400
     assert not [name for name in os.listdir(tmp_path / "out") if name.startswith(".")]
