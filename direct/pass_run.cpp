@@ -158,18 +158,25 @@ struct ChannelBatch
     std::size_t count;
 };
 
+std::size_t CountBatches(std::size_t channels)
+{
+    return (channels + maxPlanes - 1) / maxPlanes;
+}
+
+ChannelBatch BatchAt(std::size_t channels, std::size_t batch)
+{
+    // The products of a row of millions of channels do not fit 32 bits.
+    const auto firstOf = [=](std::size_t number) {
+        return static_cast<std::size_t>(std::uint64_t{channels} * number / CountBatches(channels));
+    };
+    return {firstOf(batch), firstOf(batch + 1) - firstOf(batch)};
+}
+
 template <typename Body>
 void ForEachBatch(std::size_t channels, Body body)
 {
-    const std::size_t batches = (channels + maxPlanes - 1) / maxPlanes;
-    // The products of a row of millions of channels do not fit 32 bits.
-    const auto firstOf = [&](std::size_t batch) {
-        return static_cast<std::size_t>(std::uint64_t{channels} * batch / batches);
-    };
-    for (std::size_t i = 0; i != batches; ++i) {
-        const std::size_t first = firstOf(i);
-        body(ChannelBatch{first, firstOf(i + 1) - first});
-    }
+    for (std::size_t i = 0; i != CountBatches(channels); ++i)
+        body(BatchAt(channels, i));
 }
 
 // Each channel of the batch goes to its plane, or to the dump. Answers whether there is one that
@@ -212,18 +219,41 @@ void FillOtherPlanes(const DirectPlan& plan, const PassTarget& target, std::size
     }
 }
 
+// The batches of a source of very many channels that a tile's entries name, each once.
+template <typename Body>
+void ForEachNamedBatch(const DirectPlan& plan, const PassInput& input, const PassTarget& target,
+                       std::size_t channels, Body body)
+{
+    const std::int32_t* entries = EntriesOf(plan) + target.firstChannel;
+    const std::uint64_t batches = CountBatches(input.pixelChannels);
+    // Split pixels of so many channels stand in the tile by as many at most.
+    std::size_t named[maxPlanes];
+    std::size_t count = 0;
+    for (std::size_t c = 0; c != channels; ++c)
+        if (entries[c] >= 0)
+            named[count++] = static_cast<std::size_t>(
+                ((static_cast<std::uint64_t>(entries[c]) + 1) * batches - 1) / input.pixelChannels);
+    std::sort(named, named + count);
+    std::for_each(named, std::unique(named, named + count),
+                  [&](std::size_t batch) { body(BatchAt(input.pixelChannels, batch)); });
+}
+
 void SplitWide(const DirectPlan& plan, const PassInput& input, const PassTarget& target,
                std::size_t channels)
 {
     const std::size_t sampleBytes = input.bits / 8;
-    // Entries may name any channel of the source.
-    ForEachBatch(plan.splitMaps ? input.pixelChannels : channels, [&](const ChannelBatch& batch) {
+    const auto split = [&](const ChannelBatch& batch) {
         unsigned char* planes[maxPlanes];
         if (FillTargets(plan, target, channels, batch, planes))
             plan.kernels->splitMerge->wideSplit[sampleBytes - 1](
                 input.bytes + batch.first * sampleBytes, planes, input.pixels,
                 {input.pixelChannels * sampleBytes, batch.count});
-    });
+    };
+    // Entries may name any channel of the source. To ask each of very many batches takes long.
+    if (plan.splitMaps && CountBatches(input.pixelChannels) > maxPlanes)
+        ForEachNamedBatch(plan, input, target, channels, split);
+    else
+        ForEachBatch(plan.splitMaps ? input.pixelChannels : channels, split);
 }
 
 void RunSplit(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,

@@ -123,6 +123,22 @@ TEST(RowsPlan, TouchesNothingWithoutPixels)
             }
 }
 
+// Some 80 batches of channels, of which each tile needs others.
+TEST(RowsPlan, MapsThousandsOfChannels)
+{
+    constexpr int channels = 5003;
+    for (const int bits : {8, 16})
+        for (const bool planar : {false, true}) {
+            NaiveJoin join{{3, channels, bits, false}, {3, channels, 8, planar}, true};
+            for (int c = 0; c != channels; ++c)
+                join.map.push_back(c % 97 == 0 ? -1 - c % 3 : c * 1009 / 2 * 2 % channels);
+            for (const int level : LevelsOfThisProcessor()) {
+                SCOPED_TRACE(level);
+                CheckRows(join, RowsPlan(RequestOf(join, level)), 2, seed);
+            }
+        }
+}
+
 // The sanitizers see a place that is sought from null on.
 TEST(RowsPlan, SeeksNoPlaceInASourceThatIsNotRead)
 {
