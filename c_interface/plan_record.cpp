@@ -68,9 +68,14 @@ std::unique_ptr<plk_plan> LoadPlan(const void* record, std::uint64_t bytes)
         *field = reader.GetSigned32();
     const std::vector<std::int32_t> map = GetMap(reader);
     reader.RequireEnd();
+    // A record of any other number would not be the one that its plan is saved in.
+    if (maps != 1 && (maps != 0 || !map.empty()))
+        throw Refusal(PLK_BAD_RECORD, FieldName("map"), maps, map.empty() ? 0 : 1, "map is marked ",
+                      maps, " and has ", std::uint64_t{map.size()},
+                      " entries; the mark must be 1 where there is a map, else 0");
     // A map of no entries needs an address too.
     constexpr std::int32_t none = 0;
-    if (maps != 0 || !map.empty())
+    if (maps != 0)
         spec.map = map.empty() ? &none : map.data();
     spec.map_count = map.size();
     return std::make_unique<plk_plan>(CheckSpec(&spec));

@@ -230,6 +230,8 @@ TEST(SavedPlan, GoesThroughTheChecksOfASpec)
     EXPECT_EQ(wordsWith(56, 5, 4), Words(PLK_INVALID, "repeat", 5, 1));
     EXPECT_EQ(wordsWith(88, 3, 8), Words(PLK_BAD_RECORD, "record", 0, 0));
     EXPECT_EQ(wordsWith(88, 5, 8), Words(PLK_BAD_RECORD, "map_count", 5, 4));
+    EXPECT_EQ(wordsWith(84, 2, 4), Words(PLK_BAD_RECORD, "map", 2, 1));
+    EXPECT_EQ(wordsWith(84, 0, 4), Words(PLK_BAD_RECORD, "map", 0, 1));
     EXPECT_EQ(wordsWith(88, ~0ULL, 8), Words(PLK_BAD_RECORD, "map_count", 0x7FFFFFFFFFFFFFFF, 4));
     EXPECT_EQ(wordsWith(96, 5, 4), Words(PLK_UNSUPPORTED, "map[0]", 5, 4));
     EXPECT_EQ(LoadWords(Sealed(Bytes(record.begin(), record.begin() + 16))),
