@@ -130,8 +130,8 @@ TEST(Images, StandInAVector)
         EXPECT_TRUE(IsAligned(page));
         *page.GetRow(1, 2) = number;
         pages.push_back(std::move(page));
-        EXPECT_EQ(page.GetData(), nullptr); // NOLINT: a moved-from picture is one without rows
-        EXPECT_EQ(page.GetRows(), 0U);      // NOLINT
+        // NOLINTNEXTLINE(bugprone-use-after-move): a picture that was moved from has no rows.
+        EXPECT_TRUE(page.GetData() == nullptr && page.GetRows() == 0);
     }
     std::vector<Image> copies = pages;
     *copies[3].GetRow(1, 2) = 99;
