@@ -18,8 +18,7 @@ plk_status AtBorder(plk_failure* failure, const Body& body) noexcept
 
 // The same for a function that makes a handle of what the body returns, a std::unique_ptr.
 template <typename Handle, typename Body>
-plk_status MakeAtBorder(const char* name, Handle** handle, plk_failure* failure,
-                        const Body& body) noexcept
+plk_status MakeAtBorder(const char* name, Handle** handle, plk_failure* failure, const Body& body)
 {
     return AtBorder(failure, [&] {
         if (handle == nullptr)

@@ -62,10 +62,10 @@ std::unique_ptr<plk_plan> LoadPlan(const void* record, std::uint64_t bytes)
     spec.size = sizeof spec;
     spec.source = GetFormat(reader);
     spec.target = GetFormat(reader);
-    std::int32_t maps = 0;
     for (std::int32_t* field : {&spec.repeat, &spec.mirror, &spec.samples, &spec.invert, &spec.clip,
-                                &spec.stream, &spec.road, &maps})
+                                &spec.stream, &spec.road})
         *field = reader.GetSigned32();
+    const std::int32_t maps = reader.GetSigned32();
     const std::vector<std::int32_t> map = GetMap(reader);
     reader.RequireEnd();
     // A record of any other number would not be the one that its plan is saved in.

@@ -14,14 +14,14 @@ constexpr std::uint64_t checkBytes = 4;
 // The remainders of the polynomial of CRC-32, which finds every change of up to 32 bits in a row.
 constexpr std::array<std::uint32_t, 256> MakeRemainders()
 {
-    std::array<std::uint32_t, 256> remainders = {};
+    std::array<std::uint32_t, 256> made = {};
     for (std::uint32_t byte = 0; byte != 256; ++byte) {
         std::uint32_t remainder = byte;
         for (int bit = 0; bit != 8; ++bit)
             remainder = remainder >> 1 ^ ((remainder & 1U) != 0 ? 0xEDB88320U : 0U);
-        remainders[byte] = remainder;
+        made[byte] = remainder;
     }
-    return remainders;
+    return made;
 }
 
 constexpr std::array<std::uint32_t, 256> remainders = MakeRemainders();

@@ -190,7 +190,9 @@ template <int vectors>
 struct ReadyRow
 {
     Block<vectors> block;
+    // cppcheck-suppress unusedStructMember // templates alone use it
     StepNumbers numbers;
+    // cppcheck-suppress unusedStructMember // templates alone use it
     Extent extent;
 };
 
@@ -221,8 +223,10 @@ void PrepareBlocks(int pixels, PreparedStep& prepared)
 
 struct BlocksMethod
 {
+    // cppcheck-suppress unusedStructMember // the choice of a method reads it
     void (*run)(const PixelStep& step, int pixels, const StepRows& rows,
                 std::size_t destinationPixels);
+    // cppcheck-suppress unusedStructMember // the choice of a method reads it
     void (*prepare)(int pixels, PreparedStep& prepared);
 };
 

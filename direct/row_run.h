@@ -51,9 +51,9 @@ private:
     bool joins = false;
     std::ptrdiff_t joinedSourceStep = 0;
     std::ptrdiff_t joinedStep = 0;
-    PreparedStep step;
+    PreparedStep step = {};
     // The same for planes that are one row.
-    PreparedStep joinedPlanes;
+    PreparedStep joinedPlanes = {};
 };
 
 } // namespace zvk::Pelkraft

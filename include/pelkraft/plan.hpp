@@ -102,8 +102,10 @@ struct SourceRows : plk_source
     // So many bytes from base on.
     SourceRows(const void* newBase, std::uint64_t newBytes, std::int64_t rowStride,
                std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
-        : plk_source{sizeof(plk_source), 0, newBase, newBytes, newOffset, rowStride, planeStride}
-    {}
+    {
+        static_cast<plk_source&>(*this) = {sizeof(plk_source), 0,         newBase,    newBytes,
+                                           newOffset,          rowStride, planeStride};
+    }
 
     // The samples of anything with data and size, such as a vector, an array or a string.
     template <typename Samples, typename = decltype(std::declval<const Samples&>().data())>
@@ -120,8 +122,10 @@ struct TargetRows : plk_target
     // So many bytes from base on.
     TargetRows(void* newBase, std::uint64_t newBytes, std::int64_t rowStride,
                std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
-        : plk_target{sizeof(plk_target), 0, newBase, newBytes, newOffset, rowStride, planeStride}
-    {}
+    {
+        static_cast<plk_target&>(*this) = {sizeof(plk_target), 0,         newBase,    newBytes,
+                                           newOffset,          rowStride, planeStride};
+    }
 
     // The samples of anything with data and size, such as a vector, an array or a span.
     template <typename Samples, typename = decltype(std::declval<Samples&>().data())>

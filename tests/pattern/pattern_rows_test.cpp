@@ -25,9 +25,10 @@ using Rows = std::unique_ptr<const PatternRows>;
 constexpr Engine engines[] = {DotWeavePattern::Automatic, DotWeavePattern::X86,
                               DotWeavePattern::Sse};
 
-Rows LoadRows(std::string text, Engine engine)
+Rows LoadRows(const std::string& text, Engine engine)
 {
-    return LoadPatternRows(text.data(), engine);
+    std::string read = text;
+    return LoadPatternRows(read.data(), engine);
 }
 
 Bytes ApplyAt(const PatternRows& rows, std::uint64_t number, const Bytes& source,
