@@ -48,11 +48,13 @@ class Report:
 
 def figures_of_row(report, job, width):
     ours = report.time(job, width, OURS)
+    planned = report.time(job, width, PLAN)
     peer_time, peer = report.fastest_peer(job, width)
     return {
         "pixels": width,
         "row_bytes": report.row_bytes[job, width],
         "ours": round(ours, 1),
+        "planned": round(planned, 1) if planned else None,
         "peer": peer,
         "peer_rule": report.rules.get((job, width, peer), ""),
         "peer_time": round(peer_time, 1) if peer else None,

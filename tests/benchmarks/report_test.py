@@ -87,6 +87,18 @@ class Figures(unittest.TestCase):
         self.assertIsNone(row["peer"])
         self.assertIn("| none | - | - |", table.line("split it", row))
 
+    def test_hold_the_plan_beside_the_rows(self):
+        times = dict(TIMES, pelkraft_plan=30.0)
+        report = figures.Report([run_of(measured(times))])
+        row = figures.figures_of_row(report, "split", 100)
+        self.assertEqual((row["ours"], row["planned"], row["peer"]), (40.0, 30.0, "fast_peer"))
+        self.assertTrue(table.line("split it", row).startswith("| split it | 100 | 40.0 | 30.0 |"))
+        stored_with_plan = figures.figures_to_store(report, "a command")
+        self.assertIn("in 1 of 1 rows, as a plan in 1\nof 1.", table.section(stored_with_plan))
+
+    def test_leave_the_plan_out_where_there_is_none(self):
+        self.assertIn("| split it | 100 | 40.0 | - |", table.section(stored()))
+
     def test_are_the_same_when_read_back(self):
         self.assertEqual(json.loads(figures.text_to_store(stored())), stored())
 
