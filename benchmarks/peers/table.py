@@ -17,8 +17,8 @@ words in brackets after a peer say by which rule its values differ.
 
 ![Speed of the common jobs beside the fastest peer and memcpy](pictures/benchmarks.svg)
 
-Ours is as fast as the fastest peer or faster in {ahead} of {compared} rows, as a plan in {planned}
-of {compared_plans}.
+Ours is as fast as the fastest peer or faster in {ahead} of {compared} rows.
+As a plan it is in {planned} of {compared_plans} rows.
 
 Nanoseconds for a row, medians:
 

@@ -94,7 +94,7 @@ class Figures(unittest.TestCase):
         self.assertEqual((row["ours"], row["planned"], row["peer"]), (40.0, 30.0, "fast_peer"))
         self.assertTrue(table.line("split it", row).startswith("| split it | 100 | 40.0 | 30.0 |"))
         stored_with_plan = figures.figures_to_store(report, "a command")
-        self.assertIn("in 1 of 1 rows, as a plan in 1\nof 1.", table.section(stored_with_plan))
+        self.assertIn("in 1 of 1 rows.\nAs a plan it is in 1 of 1 rows.", table.section(stored_with_plan))
 
     def test_leave_the_plan_out_where_there_is_none(self):
         self.assertIn("| split it | 100 | 40.0 | - |", table.section(stored()))
