@@ -8,27 +8,24 @@
 
 namespace zvk::Pelkraft {
 
-template <>
-struct FieldEnds<plk_source>
+template <typename Record>
+struct EndsOfRows
 {
     static constexpr std::array ends = {
-        PELKRAFT_FIELD_END(plk_source, size),         PELKRAFT_FIELD_END(plk_source, reserved),
-        PELKRAFT_FIELD_END(plk_source, base),         PELKRAFT_FIELD_END(plk_source, bytes),
-        PELKRAFT_FIELD_END(plk_source, offset),       PELKRAFT_FIELD_END(plk_source, row_stride),
-        PELKRAFT_FIELD_END(plk_source, plane_stride),
+        PELKRAFT_FIELD_END(Record, size),         PELKRAFT_FIELD_END(Record, reserved),
+        PELKRAFT_FIELD_END(Record, base),         PELKRAFT_FIELD_END(Record, bytes),
+        PELKRAFT_FIELD_END(Record, offset),       PELKRAFT_FIELD_END(Record, row_stride),
+        PELKRAFT_FIELD_END(Record, plane_stride),
     };
 };
 
 template <>
-struct FieldEnds<plk_target>
-{
-    static constexpr std::array ends = {
-        PELKRAFT_FIELD_END(plk_target, size),         PELKRAFT_FIELD_END(plk_target, reserved),
-        PELKRAFT_FIELD_END(plk_target, base),         PELKRAFT_FIELD_END(plk_target, bytes),
-        PELKRAFT_FIELD_END(plk_target, offset),       PELKRAFT_FIELD_END(plk_target, row_stride),
-        PELKRAFT_FIELD_END(plk_target, plane_stride),
-    };
-};
+struct FieldEnds<plk_source> : EndsOfRows<plk_source>
+{};
+
+template <>
+struct FieldEnds<plk_target> : EndsOfRows<plk_target>
+{};
 
 namespace {
 

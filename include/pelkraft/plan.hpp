@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -96,45 +97,31 @@ struct ConversionSpec
     std::int32_t road = PLK_ROAD_AUTOMATIC;
 };
 
-// Rows that are read. Whatever they stand in must outlive the view.
-struct SourceRows : plk_source
+// Rows in memory, as a record of plan.h. Whatever they stand in must outlive the view.
+template <typename Record, typename Base>
+struct RowsView : Record
 {
     // So many bytes from base on.
-    SourceRows(const void* newBase, std::uint64_t newBytes, std::int64_t rowStride,
-               std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
+    RowsView(Base* newBase, std::uint64_t newBytes, std::int64_t rowStride,
+             std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
     {
-        static_cast<plk_source&>(*this) = {sizeof(plk_source), 0,         newBase,    newBytes,
-                                           newOffset,          rowStride, planeStride};
-    }
-
-    // The samples of anything with data and size, such as a vector, an array or a string.
-    template <typename Samples, typename = decltype(std::declval<const Samples&>().data())>
-    explicit SourceRows(const Samples& samples, std::int64_t rowStride,
-                        std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
-        : SourceRows(samples.data(), samples.size() * sizeof *samples.data(), rowStride,
-                     planeStride, newOffset)
-    {}
-};
-
-// Rows that are written. Whatever they stand in must outlive the view.
-struct TargetRows : plk_target
-{
-    // So many bytes from base on.
-    TargetRows(void* newBase, std::uint64_t newBytes, std::int64_t rowStride,
-               std::int64_t planeStride = 0, std::int64_t newOffset = 0) noexcept
-    {
-        static_cast<plk_target&>(*this) = {sizeof(plk_target), 0,         newBase,    newBytes,
-                                           newOffset,          rowStride, planeStride};
+        static_cast<Record&>(*this) = {sizeof(Record), 0,         newBase,    newBytes,
+                                       newOffset,      rowStride, planeStride};
     }
 
     // The samples of anything with data and size, such as a vector, an array or a span.
-    template <typename Samples, typename = decltype(std::declval<Samples&>().data())>
-    explicit TargetRows(Samples& samples, std::int64_t rowStride, std::int64_t planeStride = 0,
-                        std::int64_t newOffset = 0) noexcept
-        : TargetRows(samples.data(), samples.size() * sizeof *samples.data(), rowStride,
-                     planeStride, newOffset)
+    template <typename Samples, typename = std::enable_if_t<std::is_convertible_v<
+                                    decltype(std::declval<Samples>().data()), Base*>>>
+    explicit RowsView(Samples&& samples, std::int64_t rowStride, std::int64_t planeStride = 0,
+                      std::int64_t newOffset = 0) noexcept
+        : RowsView(samples.data(), samples.size() * sizeof *samples.data(), rowStride, planeStride,
+                   newOffset)
     {}
 };
+
+// Rows that are read, and rows that are written.
+using SourceRows = RowsView<plk_source, const void>;
+using TargetRows = RowsView<plk_target, void>;
 
 // A handle that its copies share and never change, so that any number of threads may use it at
 // once. One that was moved from can only be assigned to or destroyed.
