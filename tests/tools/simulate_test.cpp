@@ -91,7 +91,7 @@ TEST_F(Simulation, GivesAColourWithoutABlockItsOnlyStep)
                  "END_IN_COLORS BEGIN_IN_COLOR A BEGIN_INKS A END_INKS BEGIN_VALUES 1 1 0-7 "
                  "END_VALUES END_IN_COLOR");
     WriteInput(Ramps());
-    ASSERT_TRUE(EndedSilently(Simulate()));
+    ASSERT_TRUE(Refused(Simulate(), 1, {"\"B\" is listed, but no block describes it"}));
     EXPECT_EQ(0, Output().At(127, 0, 0));
     EXPECT_EQ(7, Output().At(128, 0, 0));
     // All 256 tones are that step, so that none exceeds it but as a raw number.

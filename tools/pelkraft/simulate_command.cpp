@@ -5,6 +5,7 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/lint_first.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/simulation.h"
 #include "tools/pelkraft/system_calls.h"
@@ -92,7 +93,10 @@ public:
         CatchInterrupts();
         const auto start = std::chrono::steady_clock::now();
         const PatternText text = PatternText::Load(options.pattern);
+        const PatternReport report(text);
+        const ShownFindings findings(report, options.engine);
         const LoadedPattern pattern(text, options.engine);
+        findings.StopAtErrors();
         RefuseUnknownInks(pattern);
         TiffFile file = TiffFile::OpenForReading(options.input);
         const Total total = PlanAll(file, pattern);
@@ -117,7 +121,8 @@ public:
         if (sawHighStep)
             PrintWarning(options.input, "samples are above the top step of their in-colour; "
                                         "--levels quantize divides tones over the steps");
-        return sawHighStep || total.warned ? ExitCode::Warnings : ExitCode::Done;
+        return sawHighStep || total.warned || findings.HasWarnings() ? ExitCode::Warnings
+                                                                     : ExitCode::Done;
     }
 
 private:
