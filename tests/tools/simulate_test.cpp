@@ -356,5 +356,44 @@ TEST_F(Simulation, DescribesTheInksThatItWrites)
     EXPECT_EQ(0, std::count(tags.begin(), tags.end(), TIFFTAG_ICCPROFILE));
 }
 
+// Other programs take it from there what a full drop is.
+TEST_F(Simulation, WritesTheHighestInkValueAsFullInk)
+{
+    WriteInput(Ramps(), "Cyan Black");
+    const struct
+    {
+        const char* from;
+        const char* to;
+        int full;
+    } patterns[] = {{"0-200", "0-200", 200},
+                    {"0-200", "0-3", 30},
+                    // The low 8 bits.
+                    {"0-200", "0-384", 128},
+                    // At a position without an ink.
+                    {"0-200", "3-255", 30}};
+    for (const auto& [from, to, full] : patterns) {
+        std::string text = fixedPattern;
+        WritePattern(text.replace(text.find(from), 5, to));
+        ASSERT_LE(Simulate().exitCode, 1);
+        const std::unique_ptr<TIFF, decltype(&TIFFClose)> tiff(
+            TIFFOpen(Path("out.tif").c_str(), "r"), TIFFClose);
+        std::uint16_t none = 9;
+        std::uint16_t highest = 0;
+        ASSERT_EQ(1, TIFFGetField(tiff.get(), TIFFTAG_DOTRANGE, &none, &highest));
+        EXPECT_EQ(0, none);
+        EXPECT_EQ(full, highest) << to;
+    }
+    WritePattern("DotWeavePattern VERSION 2 BEGIN_OUT_INKS A END_OUT_INKS BEGIN_IN_COLORS A "
+                 "END_IN_COLORS BEGIN_IN_COLOR A BEGIN_INKS A END_INKS BEGIN_VALUES 1 1 0-0 "
+                 "END_VALUES END_IN_COLOR");
+    ASSERT_EQ(1, Simulate().exitCode);
+    const std::unique_ptr<TIFF, decltype(&TIFFClose)> tiff(TIFFOpen(Path("out.tif").c_str(), "r"),
+                                                           TIFFClose);
+    std::uint16_t none = 9;
+    std::uint16_t highest = 0;
+    ASSERT_EQ(1, TIFFGetField(tiff.get(), TIFFTAG_DOTRANGE, &none, &highest));
+    EXPECT_EQ(255, highest);
+}
+
 } // namespace
 } // namespace zvk::Pelkraft::TestSupport

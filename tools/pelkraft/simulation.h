@@ -49,6 +49,9 @@ struct LoadedPattern
     std::vector<std::string> outInks;
     // The top step of each in-colour; 0 for one without steps.
     std::vector<int> topSteps;
+    // The highest value that the pattern gives to an ink, which stands for full ink; 255 where it
+    // gives none.
+    int fullInk = 255;
 };
 
 // Everything that is known of a page's simulation before its first row.
