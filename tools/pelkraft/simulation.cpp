@@ -191,7 +191,7 @@ bool SimulatePage(const TiffFile& file, const TiffFile& out, const SimulationPla
                   PreviewPicture* preview, Progress& progress)
 {
     // More threads than rows would have none to start at.
-    const auto mostThreads = std::min<std::int64_t>(options.threads, plan.from.height);
+    const auto mostThreads = std::min<std::int64_t>(options.common.threads, plan.from.height);
     const int threads = pattern.RunsOnOneThread() ? 1 : static_cast<int>(mostThreads);
     RowSimulation simulation(plan, options, pattern, threads);
     WriteTags(file, out, plan.to, plan.tags);
