@@ -126,7 +126,7 @@ TEST_F(SimulateFailures, NameWrongUsage)
         EXPECT_TRUE(Refused(Simulate({"--ink", ink}), 2, {ink, "NAME=#RRGGBB"}));
     EXPECT_TRUE(
         Refused(Simulate({"--ink", "Gold=#00FF00"}), 2, {"GOLD", "Cyan, LightCyan, Black"}));
-    EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt")}), 2, {"required"}));
+    EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt")}), 2, {"IN.tif is missing"}));
     EXPECT_TRUE(LeftNothing());
 }
 
