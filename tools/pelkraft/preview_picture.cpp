@@ -42,9 +42,10 @@ PreviewPicture::PreviewPicture(const PreviewFrame& newFrame, InkLayers newLayers
       pixels(frame.shownWidth * colours)
 {}
 
-const std::uint8_t* PreviewPicture::AddRow(const unsigned char* row)
+const std::uint8_t* PreviewPicture::AddLight(const double* light)
 {
-    SumRow(row);
+    for (double& sum : sums)
+        sum += *light++;
     ++rowsSummed;
     ++nextRow;
     if (nextRow != PartStart(shownRow + 1, frame.shownHeight, frame.height))
@@ -57,7 +58,7 @@ const std::uint8_t* PreviewPicture::AddRow(const unsigned char* row)
     return pixels.data();
 }
 
-void PreviewPicture::SumRow(const unsigned char* row)
+void PreviewPicture::MixRow(const unsigned char* row, double* light) const
 {
     const std::size_t pixelBytes = layers.PixelBytes();
     for (std::uint32_t part = 0; part < frame.shownWidth; ++part) {
@@ -65,12 +66,12 @@ void PreviewPicture::SumRow(const unsigned char* row)
         const std::uint32_t end = PartStart(part + 1, frame.shownWidth, frame.width);
         Light sum = {};
         for (std::uint32_t pixel = start; pixel < end; ++pixel) {
-            const Light light = layers.LightOfPixel(row + pixelBytes * pixel);
+            const Light one = layers.LightOfPixel(row + pixelBytes * pixel);
             for (std::size_t c = 0; c < colours; ++c)
-                sum[c] += light[c];
+                sum[c] += one[c];
         }
         for (std::size_t c = 0; c < colours; ++c)
-            sums[part * colours + c] += sum[c] / (end - start);
+            light[part * colours + c] = sum[c] / (end - start);
     }
 }
 

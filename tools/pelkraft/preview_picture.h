@@ -29,13 +29,16 @@ public:
 
     const PreviewFrame& Frame() const { return frame; }
 
-    // Takes the next row of the frame. Answers a row of the picture, three bytes for each pixel, if
-    // this was the last one of it, else null.
-    const std::uint8_t* AddRow(const unsigned char* row);
+    // Numbers in the light of one row.
+    std::size_t LightSize() const { return sums.size(); }
+    // Mixes a row of the frame to the light of the picture's pixels. Threads may share this.
+    void MixRow(const unsigned char* row, double* light) const;
+
+    // Takes the light of the next row of the frame. Answers a row of the picture, three bytes for
+    // each pixel, if this was the last one of it, else null.
+    const std::uint8_t* AddLight(const double* light);
 
 private:
-    void SumRow(const unsigned char* row);
-
     PreviewFrame frame;
     InkLayers layers;
     std::uint32_t nextRow = 0;

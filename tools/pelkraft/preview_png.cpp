@@ -22,12 +22,19 @@ PngShape ShapeOf(const PreviewFrame& frame, const PageResolution& resolution)
 
 PreviewPng::PreviewPng(const std::string& path, const PreviewFrame& frame, InkLayers layers,
                        const PageResolution& resolution, PngWriter::Sink sink)
-    : picture(frame, std::move(layers)), png(path, ShapeOf(frame, resolution), std::move(sink))
+    : picture(frame, std::move(layers)), png(path, ShapeOf(frame, resolution), std::move(sink)),
+      lightOfRow(picture.LightSize())
 {}
 
 void PreviewPng::AddRow(const unsigned char* row)
 {
-    if (const std::uint8_t* const shown = picture.AddRow(row); shown != nullptr)
+    picture.MixRow(row, lightOfRow.data());
+    AddLight(lightOfRow.data());
+}
+
+void PreviewPng::AddLight(const double* light)
+{
+    if (const std::uint8_t* const shown = picture.AddLight(light); shown != nullptr)
         png.AddRow(shown);
 }
 

@@ -5,6 +5,7 @@
 #include "tools/pelkraft/preview_picture.h"
 
 #include <string>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 
@@ -16,13 +17,16 @@ public:
     PreviewPng(const std::string& path, const PreviewFrame& frame, InkLayers layers,
                const PageResolution& resolution, PngWriter::Sink sink);
 
-    // The next row of the frame.
+    // The next row of the frame, or the light of it that the picture has mixed.
     void AddRow(const unsigned char* row);
+    void AddLight(const double* light);
+    const PreviewPicture& Picture() const { return picture; }
     void Finish() { png.Finish(); }
 
 private:
     PreviewPicture picture;
     PngWriter png;
+    std::vector<double> lightOfRow;
 };
 
 } // namespace zvk::Pelkraft::Client

@@ -6,6 +6,7 @@
 #include "tools/pelkraft/help_format.h"
 #include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/pattern_command.h"
+#include "tools/pelkraft/preview_command.h"
 #include "tools/pelkraft/simulate_command.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/usage_errors.h"
@@ -81,6 +82,7 @@ int RunVerb(int argc, const char* const* argv)
     Verbs verbs;
     verbs.push_back(MakeConvertCommand());
     verbs.push_back(MakePatternCommand());
+    verbs.push_back(MakePreviewCommand());
     verbs.push_back(MakeSimulateCommand());
     for (const auto& verb : verbs)
         verb->Register(program);
