@@ -4,10 +4,11 @@
 _pelkraft_offers() {
     local common='--help --quiet --verbose --progress --color --threads --explain --json --dry-run'
     case $1 in
-    '') echo 'convert pattern preview simulate --help --version --buildinfo' ;;
+    '') echo 'convert info pattern preview simulate --help --version --buildinfo' ;;
     convert)
         echo "--layout --bits --channels --repeat --mirror --tones --portable --no-clobber $common"
         ;;
+    info) echo "--page --polarity --dot-range --spool-limit --stats $common" ;;
     pattern) echo "--plot --no-clobber $common" ;;
     preview)
         echo "--inks --print-order --gain --crop --page --polarity --dot-range --spool-limit $common"

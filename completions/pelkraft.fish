@@ -1,8 +1,9 @@
 # Completion of pelkraft for fish.
-set -l verbs convert pattern preview simulate
+set -l verbs convert info pattern preview simulate
 set -l none "not __fish_seen_subcommand_from $verbs"
 set -l any "__fish_seen_subcommand_from $verbs"
 set -l convert '__fish_seen_subcommand_from convert'
+set -l info '__fish_seen_subcommand_from info'
 set -l pattern '__fish_seen_subcommand_from pattern'
 set -l preview '__fish_seen_subcommand_from preview'
 set -l simulate '__fish_seen_subcommand_from simulate'
@@ -11,6 +12,7 @@ complete -c pelkraft -s h -l help -d 'Print the help and exit'
 complete -c pelkraft -n $none -l version -d 'Print the version and exit'
 complete -c pelkraft -n $none -l buildinfo -d 'Print how the program was built and exit'
 complete -c pelkraft -n $none -f -a convert -d 'Convert the rows of a TIFF file'
+complete -c pelkraft -n $none -f -a info -d 'Show what TIFF files hold'
 complete -c pelkraft -n $none -f -a pattern -d 'Explain and check a dot-pattern text'
 complete -c pelkraft -n $none -f -a preview -d 'Show the inks of a TIFF file as a PNG'
 complete -c pelkraft -n $none -f -a simulate -d 'Apply a dot pattern to a TIFF file'
@@ -32,6 +34,12 @@ complete -c pelkraft -n $convert -l mirror -d 'Write each row from its last pixe
 complete -c pelkraft -n $convert -l tones -x -a 'scale raw' -d 'What samples below 8 bits mean'
 complete -c pelkraft -n $convert -l portable -d 'Take the portable road of the library'
 complete -c pelkraft -n $convert -l no-clobber -d 'Refuse to overwrite a file'
+
+complete -c pelkraft -n $info -l page -x -d 'Pages to take, as in 1,3-5'
+complete -c pelkraft -n $info -l polarity -x -a 'auto ink-high ink-low' -d 'Whether high samples are much ink'
+complete -c pelkraft -n $info -l dot-range -x -d 'Samples of no and of full ink, LO,HI or keep'
+complete -c pelkraft -n $info -l spool-limit -x -d 'Bytes of a pipe that may be kept'
+complete -c pelkraft -n $info -l stats -d 'Count the samples of each channel'
 
 complete -c pelkraft -n $pattern -l plot -r -F -d 'Draw the share of every ink value as SVG'
 complete -c pelkraft -n $pattern -l no-clobber -d 'Refuse to overwrite a file'

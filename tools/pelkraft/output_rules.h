@@ -12,7 +12,7 @@ enum class FileKind
     Tiff,
     Png,
     Svg,
-    Json,
+    JsonFile,
     Csv,
     Text,
 };

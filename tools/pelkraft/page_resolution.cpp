@@ -1,51 +1,81 @@
 #include "tools/pelkraft/page_resolution.h"
 
-#include <cstdint>
+#include <cmath>
+#include <cstdio>
 
 namespace zvk::Pelkraft::Client {
 namespace {
 
-constexpr double inchesPerMetre = 1 / 0.0254;
-constexpr double centimetresPerMetre = 100;
-// No device has more.
-constexpr double highest = 1e8;
+constexpr double mmPerInch = 25.4;
+constexpr double mmPerCentimetre = 10;
 
-bool ReadPair(const TiffFile& file, float& across, float& down)
+double MmPerUnit(std::uint16_t unit)
 {
-    return TIFFGetField(file.Get(), TIFFTAG_XRESOLUTION, &across) == 1 &&
-           TIFFGetField(file.Get(), TIFFTAG_YRESOLUTION, &down) == 1;
+    return unit == RESUNIT_CENTIMETER ? mmPerCentimetre : mmPerInch;
 }
 
-double Scaled(float resolution, double factor)
+// Neither damaged numbers nor missing ones.
+bool IsLength(double pixels)
 {
-    const double scaled = static_cast<double>(resolution) * factor;
-    return scaled > 0 && scaled < highest ? scaled : 0;
+    return std::isfinite(pixels) && pixels > 0;
 }
 
 } // namespace
 
-PageResolution ReadResolution(const TiffFile& file)
+bool PageResolution::HasLength() const
 {
-    float across = 0;
-    float down = 0;
-    std::uint16_t unit = RESUNIT_NONE;
-    if (!ReadPair(file, across, down) ||
-        TIFFGetFieldDefaulted(file.Get(), TIFFTAG_RESOLUTIONUNIT, &unit) != 1 ||
-        (unit != RESUNIT_INCH && unit != RESUNIT_CENTIMETER))
-        return {};
-    const double factor = unit == RESUNIT_INCH ? inchesPerMetre : centimetresPerMetre;
-    return {Scaled(across, factor), Scaled(down, factor)};
+    return IsLength(horizontal) && IsLength(vertical) &&
+           (unit == RESUNIT_INCH || unit == RESUNIT_CENTIMETER);
 }
 
-double PixelHeight(const TiffFile& file)
+double PageResolution::PixelsPerMmAcross() const
 {
-    float across = 0;
-    float down = 0;
-    if (!ReadPair(file, across, down))
+    return horizontal / MmPerUnit(unit);
+}
+
+double PageResolution::PixelsPerMmDown() const
+{
+    return vertical / MmPerUnit(unit);
+}
+
+double PageResolution::PixelHeight() const
+{
+    if (!IsLength(horizontal) || !IsLength(vertical))
         return 1;
-    const double ratio = static_cast<double>(across) / static_cast<double>(down);
+    const double ratio = horizontal / vertical;
     // A ratio that no device has is no resolution.
     return ratio > 0.01 && ratio < 100 ? ratio : 1;
+}
+
+std::string PageResolution::Words() const
+{
+    if (horizontal == 0 && vertical == 0)
+        return "no resolution";
+    const std::string numbers = NumberWords(horizontal) + " x " + NumberWords(vertical);
+    if (unit == RESUNIT_INCH)
+        return numbers + " dpi";
+    if (unit == RESUNIT_CENTIMETER)
+        return numbers + " pixels per cm";
+    return numbers + " without a unit";
+}
+
+PageResolution ReadResolution(const TiffFile& file)
+{
+    PageResolution resolution;
+    float number = 0;
+    if (TIFFGetField(file.Get(), TIFFTAG_XRESOLUTION, &number) == 1)
+        resolution.horizontal = static_cast<double>(number);
+    if (TIFFGetField(file.Get(), TIFFTAG_YRESOLUTION, &number) == 1)
+        resolution.vertical = static_cast<double>(number);
+    TIFFGetFieldDefaulted(file.Get(), TIFFTAG_RESOLUTIONUNIT, &resolution.unit);
+    return resolution;
+}
+
+std::string NumberWords(double number)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.6g", number);
+    return text;
 }
 
 } // namespace zvk::Pelkraft::Client

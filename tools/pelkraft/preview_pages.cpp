@@ -71,8 +71,9 @@ PagePlan PlanPage(const TiffFile& file, const PreviewOptions& options, std::set<
     SortByPrintOrder(inks, options.printOrder, options.input.path);
     const InkCodes codes = ReadInkCodes(file, picture, options.input);
     const Crop part = CropOf(options, picture);
-    const PreviewFrame frame = options.crop ? PlainFrame(part.width, part.height)
-                                            : FitFrame(part.width, part.height, PixelHeight(file));
+    const PreviewFrame frame =
+        options.crop ? PlainFrame(part.width, part.height)
+                     : FitFrame(part.width, part.height, ReadResolution(file).PixelHeight());
     return {picture,
             part,
             frame,

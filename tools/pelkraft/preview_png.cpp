@@ -6,16 +6,23 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-std::uint32_t PerMetre(double pixelsPerMetre, std::uint32_t shown, std::uint32_t pixels)
+// No device has more.
+constexpr double highestPerMetre = 1e8;
+
+std::uint32_t PerMetre(double pixelsPerMm, std::uint32_t shown, std::uint32_t pixels)
 {
-    return static_cast<std::uint32_t>(std::lround(pixelsPerMetre * shown / pixels));
+    const double perMetre = pixelsPerMm * 1000 * shown / pixels;
+    return perMetre < highestPerMetre ? static_cast<std::uint32_t>(std::lround(perMetre)) : 0;
 }
 
 PngShape ShapeOf(const PreviewFrame& frame, const PageResolution& resolution)
 {
-    return {frame.shownWidth, frame.shownHeight,
-            PerMetre(resolution.across, frame.shownWidth, frame.width),
-            PerMetre(resolution.down, frame.shownHeight, frame.height)};
+    PngShape shape = {frame.shownWidth, frame.shownHeight, 0, 0};
+    if (!resolution.HasLength())
+        return shape;
+    shape.pixelsPerMetre = PerMetre(resolution.PixelsPerMmAcross(), frame.shownWidth, frame.width);
+    shape.rowsPerMetre = PerMetre(resolution.PixelsPerMmDown(), frame.shownHeight, frame.height);
+    return shape;
 }
 
 } // namespace

@@ -259,7 +259,8 @@ private:
             pageInks.push_back({ink, pageInks.size()});
         std::set<std::string> told;
         const LayerCodes codes = {8, pageInks.size(), 0, pattern.fullInk, 0};
-        preview.emplace(options.preview, FitFrame(plan.to.width, plan.to.height, PixelHeight(file)),
+        preview.emplace(options.preview,
+                        FitFrame(plan.to.width, plan.to.height, ReadResolution(file).PixelHeight()),
                         InkLayers(codes, LayersOf(pageInks, options.inks, options.preview, told)),
                         ReadResolution(file), [&shown](const void* bytes, std::size_t size) {
                             shown.append(static_cast<const char*>(bytes), size);

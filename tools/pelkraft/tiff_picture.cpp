@@ -137,9 +137,8 @@ std::int64_t TiffPicture::PlaneBytes() const
     return BytesOfSamples(std::int64_t{width} * (separate ? 1 : channels), bits);
 }
 
-TiffPicture ReadPicture(const TiffFile& file)
+TiffPicture DescribePicture(const TiffFile& file)
 {
-    TIFF* tiff = file.Get();
     TiffPicture picture;
     picture.width = LongTag(file, TIFFTAG_IMAGEWIDTH);
     picture.height = LongTag(file, TIFFTAG_IMAGELENGTH);
@@ -150,13 +149,19 @@ TiffPicture ReadPicture(const TiffFile& file)
     picture.compression = ShortTag(file, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
     picture.photometric = ShortTag(file, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
     picture.fillOrder = ShortTag(file, TIFFTAG_FILLORDER, FILLORDER_MSB2LSB);
-    picture.tiled = TIFFIsTiled(tiff) != 0;
+    picture.tiled = TIFFIsTiled(file.Get()) != 0;
     if (picture.tiled) {
         picture.tileWidth = LongTag(file, TIFFTAG_TILEWIDTH);
         picture.tileLength = LongTag(file, TIFFTAG_TILELENGTH);
     } else {
         picture.rowsPerStrip = std::max(LongTag(file, TIFFTAG_ROWSPERSTRIP), std::uint32_t{1});
     }
+    return picture;
+}
+
+TiffPicture ReadPicture(const TiffFile& file)
+{
+    TiffPicture picture = DescribePicture(file);
     if (TIFFIsCODECConfigured(picture.compression) == 0)
         throw Failure(ExitCode::Unsupported, file.Path(),
                       "is compressed by scheme " + std::to_string(picture.compression) +
@@ -165,7 +170,7 @@ TiffPicture ReadPicture(const TiffFile& file)
     // libtiff turns subsampled JPEG into pixels when it is asked for RGB.
     if (picture.compression == COMPRESSION_JPEG && picture.photometric == PHOTOMETRIC_YCBCR &&
         !picture.separate) {
-        TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+        TIFFSetField(file.Get(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
         picture.photometric = PHOTOMETRIC_RGB;
     }
     RefuseFormat(file, picture);

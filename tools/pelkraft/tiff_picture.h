@@ -35,6 +35,9 @@ struct TiffPicture
 // Bytes of so many samples that follow each other, the last byte filled up.
 std::int64_t BytesOfSamples(std::int64_t samples, int bits);
 
+// The page at which the file stands, whether it can be served or not.
+TiffPicture DescribePicture(const TiffFile& file);
+
 // Reads the page at which the file stands, and refuses what can't be served and what is damaged
 // before anything of its size is allocated.
 TiffPicture ReadPicture(const TiffFile& file);

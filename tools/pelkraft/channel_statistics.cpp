@@ -1,0 +1,82 @@
+#include "tools/pelkraft/channel_statistics.h"
+
+#include "tools/pelkraft/band_reader.h"
+#include "tools/pelkraft/sample_planes.h"
+#include "tools/pelkraft/workers.h"
+
+#include <algorithm>
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+// Sums of so many samples of 16 bits stay within 32.
+constexpr std::int64_t blockSamples = 4096;
+
+template <typename Sample>
+void AddSamples(const Sample* samples, std::int64_t count, Sample unused, ChannelStatistics& total)
+{
+    for (std::int64_t start = 0; start < count; start += blockSamples) {
+        const Sample* const block = samples + start;
+        const std::int64_t size = std::min(blockSamples, count - start);
+        std::uint32_t sum = 0;
+        std::uint32_t used = 0;
+        Sample lowest = block[0];
+        Sample highest = block[0];
+        for (std::int64_t i = 0; i < size; ++i) {
+            sum += block[i];
+            used += block[i] != unused ? 1 : 0;
+            lowest = std::min(lowest, block[i]);
+            highest = std::max(highest, block[i]);
+        }
+        total.Add({static_cast<std::uint64_t>(size), sum, lowest, highest, used});
+    }
+}
+
+template <typename Sample>
+void AddRow(const SamplePlanes& planes, const SamplePlanes::Row& row, int unused,
+            std::vector<ChannelStatistics>& totals)
+{
+    for (int channel = 0; channel < planes.Channels(); ++channel)
+        AddSamples(row.Channel<Sample>(channel), planes.Width(), static_cast<Sample>(unused),
+                   totals[static_cast<std::size_t>(channel)]);
+}
+
+} // namespace
+
+void ChannelStatistics::Add(const ChannelStatistics& other)
+{
+    samples += other.samples;
+    sum += other.sum;
+    lowest = std::min(lowest, other.lowest);
+    highest = std::max(highest, other.highest);
+    used += other.used;
+}
+
+std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPicture& picture,
+                                            int unused, int threads)
+{
+    const SamplePlanes planes(file, picture, {});
+    const std::vector<ChannelStatistics> none(static_cast<std::size_t>(picture.channels));
+    std::vector<std::vector<ChannelStatistics>> totals(static_cast<std::size_t>(threads), none);
+    ForEachBand(file, picture, [&](const RowBand& band) {
+        ShareOut(threads, band.count, [&](int worker, std::int64_t begin, std::int64_t end) {
+            SamplePlanes::Row row(planes);
+            auto& mine = totals[static_cast<std::size_t>(worker)];
+            for (std::int64_t i = begin; i < end; ++i) {
+                row.Take(band.rows + picture.RowBytes() * i);
+                if (planes.SampleBytes() == 1)
+                    AddRow<std::uint8_t>(planes, row, unused, mine);
+                else
+                    AddRow<std::uint16_t>(planes, row, unused, mine);
+            }
+        });
+    });
+    std::vector<ChannelStatistics> sums = none;
+    for (const auto& part : totals) {
+        for (std::size_t channel = 0; channel < sums.size(); ++channel)
+            sums[channel].Add(part[channel]);
+    }
+    return sums;
+}
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "tools/pelkraft/tiff_file.h"
+#include "tools/pelkraft/tiff_picture.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace zvk::Pelkraft::Client {
+
+// The samples of one channel of a page, counted exactly.
+struct ChannelStatistics
+{
+    std::uint64_t samples = 0;
+    std::uint64_t sum = 0;
+    std::uint32_t lowest = UINT32_MAX;
+    std::uint32_t highest = 0;
+    // Samples other than that of no ink.
+    std::uint64_t used = 0;
+
+    void Add(const ChannelStatistics& other);
+    double Mean() const { return static_cast<double>(sum) / static_cast<double>(samples); }
+    double UsedShare() const { return static_cast<double>(used) / static_cast<double>(samples); }
+};
+
+// Counts the page at which the file stands. unused is the sample of no ink.
+std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPicture& picture,
+                                            int unused, int threads);
+
+} // namespace zvk::Pelkraft::Client
