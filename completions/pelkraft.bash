@@ -4,7 +4,15 @@
 _pelkraft_offers() {
     local common='--help --quiet --verbose --progress --color --threads --explain --json --dry-run'
     case $1 in
-    '') echo 'convert info pattern preview simulate --help --version --buildinfo' ;;
+    '')
+        echo \
+            convert \
+            info \
+            pattern \
+            preview \
+            simulate \
+            --help --version --buildinfo
+        ;;
     convert)
         echo "--layout --bits --channels --repeat --mirror --tones --portable --no-clobber $common"
         ;;

@@ -1,5 +1,9 @@
 # Completion of pelkraft for fish.
-set -l verbs convert info pattern preview simulate
+set -la verbs convert
+set -la verbs info
+set -la verbs pattern
+set -la verbs preview
+set -la verbs simulate
 set -l none "not __fish_seen_subcommand_from $verbs"
 set -l any "__fish_seen_subcommand_from $verbs"
 set -l convert '__fish_seen_subcommand_from convert'
