@@ -19,7 +19,8 @@ _pelkraft_offers() {
     info) echo "--page --polarity --dot-range --spool-limit --stats $common" ;;
     pattern) echo "--plot --no-clobber $common" ;;
     preview)
-        echo "--inks --print-order --gain --crop --page --polarity --dot-range --spool-limit $common"
+        echo "--inks --print-order --gain --crop --page --polarity --dot-range --spool-limit
+            --no-clobber $common"
         ;;
     simulate) echo "--engine --levels --preview --ink --no-clobber $common" ;;
     esac

@@ -56,6 +56,7 @@ complete -c pelkraft -n $preview -l page -x -a all -d 'Pages to take'
 complete -c pelkraft -n $preview -l polarity -x -a 'auto ink-high ink-low' -d 'Which samples are ink'
 complete -c pelkraft -n $preview -l dot-range -x -d 'Samples of no ink and of full ink'
 complete -c pelkraft -n $preview -l spool-limit -x -d 'Bytes of a pipe kept in a file'
+complete -c pelkraft -n $preview -l no-clobber -d 'Refuse to overwrite a file'
 
 complete -c pelkraft -n $simulate -l engine -x -a 'auto reference x86 sse' -d 'Engine of the library'
 complete -c pelkraft -n $simulate -l levels -x -a 'quantize raw' -d 'What a sample means'

@@ -271,6 +271,18 @@ TEST_F(PreviewOfInks, RefusesWhatItCantShow)
     EXPECT_EQ((std::vector<std::string>{"in.tif", "inks.txt", "pattern.txt"}), Files());
 }
 
+TEST_F(PreviewOfInks, KeepsFilesThatItShouldNotOverwrite)
+{
+    WriteTiffPages(Path("in.tif"), {BlankImage(4, 4, 4, 8), BlankImage(4, 4, 4, 8)}, FourInks());
+    WriteBytes(Path("seen-2.png"), "old");
+    EXPECT_EQ(6, Preview({"--no-clobber"}).exitCode);
+    EXPECT_EQ("old", Bytes(Path("seen-2.png")));
+    EXPECT_FALSE(std::filesystem::exists(Path("seen.png")));
+    EXPECT_EQ(2, Run({"preview", Path("in.tif"), Path("seen.tif")}).exitCode);
+    EXPECT_EQ(0, Preview().exitCode);
+    EXPECT_NE("old", Bytes(Path("seen-2.png")));
+}
+
 TEST_F(PreviewOfInks, LeavesNothingOfAnyPageWhereOneIsCutOff)
 {
     WriteTiffPages(Path("in.tif"), {RandomImage(30, 30, 4, 8, 1), RandomImage(30, 30, 4, 8, 2)},

@@ -44,6 +44,7 @@ public:
             ->capture_default_str();
         verb->add_option("--crop", crop, "The part to show, pixel by pixel")->type_name("X,Y,W,H");
         AddInputOptions(*verb, options.input, RangeWords::ReadingAlone);
+        verb->add_flag("--no-clobber", options.rules.noClobber, "Refuse to overwrite a file");
         AddCommonOptions(*verb, options.common);
         verb->footer(std::string(previewHelp) + exitCodeHelp);
     }
@@ -52,6 +53,7 @@ public:
 
     ExitCode Run() override
     {
+        RefuseOtherEnding(options.output, options.rules.kind);
         options.gain = gainPercent / 100;
         if (crop)
             options.crop = ReadCrop(*crop);

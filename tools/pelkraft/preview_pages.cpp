@@ -231,7 +231,10 @@ public:
     Outputs(const Outputs&) = delete;
     Outputs& operator=(const Outputs&) = delete;
 
-    AtomicOutput& Add(const std::string& path) { return outputs.emplace_back(path); }
+    AtomicOutput& Add(const std::string& path, const OutputRules& rules)
+    {
+        return outputs.emplace_back(path, rules);
+    }
     void Commit()
     {
         for (AtomicOutput& output : outputs)
@@ -286,7 +289,7 @@ void PreviewPages(const PreviewOptions& options)
         PrintText(options.common.json ? JsonText({{"pages", plans}}) : words);
     if (options.common.dryRun) {
         for (const std::string& path : paths)
-            AtomicOutput::Check(path);
+            AtomicOutput::Check(path, options.rules);
         return;
     }
 
@@ -295,8 +298,8 @@ void PreviewPages(const PreviewOptions& options)
     std::size_t shown = 0;
     VisitPages(file, options.input.pages, [&](int) {
         const std::string& path = paths[shown++];
-        ShowPage(file, PlanPage(file, options, told), options.common.threads, outputs.Add(path),
-                 path, progress);
+        ShowPage(file, PlanPage(file, options, told), options.common.threads,
+                 outputs.Add(path, options.rules), path, progress);
     });
     file.RequireSound();
     file.Close();

@@ -3,6 +3,7 @@
 #include "tools/pelkraft/common_options.h"
 #include "tools/pelkraft/image_options.h"
 #include "tools/pelkraft/ink_file.h"
+#include "tools/pelkraft/output_rules.h"
 
 #include <cstdint>
 #include <optional>
@@ -33,6 +34,7 @@ struct PreviewOptions
     // The share by which half a tone grows in print.
     double gain = 0;
     std::optional<Crop> crop;
+    OutputRules rules = {FileKind::Png};
     CommonOptions common;
 };
 

@@ -79,7 +79,8 @@ public:
         findings.StopAtErrors();
         RefuseUnknownInks(pattern);
         TiffFile file = TiffFile::OpenForReading(options.input);
-        const Total total = PlanAll(file, pattern);
+        Total total = PlanAll(file, pattern);
+        total.warned = total.warned || findings.HasWarnings();
         if (options.common.dryRun)
             return CheckOutputs(total);
         AtomicOutput output(options.output, rules);
@@ -100,8 +101,7 @@ public:
         if (sawHighStep)
             PrintWarning(options.input, "samples are above the top step of their in-colour; "
                                         "--levels quantize divides tones over the steps");
-        return sawHighStep || total.warned || findings.HasWarnings() ? ExitCode::Warnings
-                                                                     : ExitCode::Done;
+        return sawHighStep || total.warned ? ExitCode::Warnings : ExitCode::Done;
     }
 
 private:
