@@ -13,9 +13,12 @@ foreach(part IN ITEMS
         pattern_outline
         pattern_report
         pattern_text
+        sarif
         value_line_lints)
     target_sources(pelkraft_pattern_report PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${part}.cpp)
 endforeach()
+set_source_files_properties(${CMAKE_CURRENT_LIST_DIR}/sarif.cpp PROPERTIES
+    COMPILE_DEFINITIONS PELKRAFT_VERSION="${PROJECT_VERSION}")
 target_include_directories(pelkraft_pattern_report PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(pelkraft_pattern_report
     PUBLIC pelkraft_grammar pelkraft::pelkraft zvk::system_tools
