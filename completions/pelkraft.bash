@@ -17,17 +17,27 @@ _pelkraft() {
     --bits) offered='1 2 8 16' ;;
     --repeat) offered='1 2 4' ;;
     --tones) offered='scale raw' ;;
+    --polarity) offered='auto ink-high ink-low' ;;
+    --compress) offered='none lzw zip' ;;
+    --dot-range)
+        offered=keep
+        [[ $verb == convert ]] && offered='keep scale full'
+        ;;
     --engine) offered='auto reference x86 sse' ;;
     --levels) offered='quantize raw' ;;
-    --channels | --threads | --ink | --plot | --preview) return ;;
+    --channels | --page | --spool-limit | --threads | --ink | --plot | --preview) return ;;
     *)
         case $verb in
         convert)
-            offered='--help --layout --bits --channels --repeat --mirror --tones --portable
-                --threads --explain --json'
+            offered='--help --layout --bits --channels --repeat --mirror --tones --page
+                --polarity --dot-range --spool-limit --compress --no-clobber --portable --threads --explain
+                --json'
             ;;
         pattern) offered='--help --json --plot' ;;
-        simulate) offered='--help --engine --levels --threads --preview --ink --explain' ;;
+        simulate)
+            offered='--help --engine --levels --page --polarity --dot-range --spool-limit
+                --compress --no-clobber --threads --preview --ink --explain'
+            ;;
         *) offered='convert pattern simulate --help --version --buildinfo' ;;
         esac
         # Files follow a verb, unless an option is begun.

@@ -26,14 +26,14 @@ in_fish() {
     local line="pelkraft $1 --"
     fish --no-config -c "source '$source_dir/completions/pelkraft.fish'
         complete -C '$line'
-        test -n '$1'; or complete -C 'pelkraft '" | cut -f1 | grep -E '^(--)?[a-z]+$'
+        test -n '$1'; or complete -C 'pelkraft '" | cut -f1 | grep -E '^(--)?[a-z-]+$'
 }
 in_zsh() {
     local file=$source_dir/completions/_pelkraft
     if command -v zsh >/dev/null; then zsh -n "$file"; fi
     sed -n "/^_pelkraft${1:+_$1}()/,/^}/p" "$file" |
-        grep -oE "^ *'\*?--[a-z]+|--help|^ *('1:verb:\(\()?[a-z]+\\\\:" |
-        grep -oE '(--)?[a-z]+(\\:)?$' | sed 's/\\:$//'
+        grep -oE "^ *'\*?--[a-z-]+|--help|^ *('1:verb:\(\()?[a-z]+\\\\:" |
+        grep -oE '(--)?[a-z-]+(\\:)?$' | sed 's/\\:$//'
 }
 
 values() {
@@ -56,6 +56,6 @@ done
 for verb in convert simulate; do
     while read -r option choice; do
         values "${choice//,/ }" "$verb" "$option"
-    done < <("$tool" "$verb" --help | sed -nE 's/^  (--[a-z]+) [A-Z]+:\{(.*)\}.*/\1 \2/p')
+    done < <("$tool" "$verb" --help | sed -nE 's/^  (--[a-z-]+) [A-Z]+:\{(.*)\}.*/\1 \2/p')
 done
 exit $status

@@ -24,7 +24,7 @@ section() {
         inside' "$work/pelkraft.1"
 }
 described() {
-    section "$1" | sed -nE 's/^       (-h, )?(--[a-z]+).*/\2/p' | sort
+    section "$1" | sed -nE 's/^       (-h, )?(--[a-z-]+).*/\2/p' | sort
 }
 diff <(bash "$here/options_of.sh" "$tool" | grep -e '^--') <(described OPTIONS)
 for verb in convert pattern simulate; do

@@ -3,5 +3,5 @@
 #   options_of.sh PELKRAFT [VERB]
 set -euo pipefail
 "$1" ${2:+"$2"} --help | sed -nE '
-    /^Options:/,/^$/ s/^  (-.,)?(--[a-z]+).*/\2/p
+    /^Options:/,/^$/ s/^  (-.,)?(--[a-z-]+).*/\2/p
     /^Subcommands:/,/^$/ s/^  ([a-z]+) .*/\1/p' | sort

@@ -1,11 +1,11 @@
 #include "tools/pelkraft/convert_command.h"
 
-#include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/explain.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/page_conversion.h"
 #include "tools/pelkraft/text_output.h"
+#include "tools/pelkraft/tiff_output.h"
 #include "tools/pelkraft/workers.h"
 
 #include <CLI/CLI.hpp>
@@ -33,8 +33,7 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
 {
     Total total;
     Json pages = Json::array();
-    int page = 1;
-    do {
+    VisitPages(file, options.input.pages, [&](int page) {
         const PagePlan plan = PlanPage(file, options);
         const auto rowBytes = static_cast<std::uint64_t>(plan.to.RowBytes());
         // Samples that don't compress may grow by a half.
@@ -46,9 +45,8 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
         else if (options.explain)
             PrintText(ExplainPage(plan, options, page));
         for (const std::string& warning : plan.tags.warnings)
-            PrintWarning(options.input, warning);
-    } while (file.NextPage(page++));
-    file.FirstPage();
+            PrintWarning(options.input.path, warning);
+    });
     if (options.json)
         PrintText(JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
     return total;
@@ -56,19 +54,16 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
 
 // Writes all pages, and answers whether samples exceeded the levels that they were cut to.
 bool ConvertAll(const TiffFile& file, const ConvertOptions& options, const Total& total,
-                AtomicOutput& output)
+                TiffOutput& output)
 {
     bool cutSamples = false;
-    TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
-                                            NeedsBigForm(total.bytes));
-    Progress progress("convert " + options.output, total.rows);
-    int page = 1;
-    do {
+    Progress progress("convert " + options.output.path, total.rows);
+    VisitPages(file, options.input.pages, [&](int) {
         const PagePlan plan = PlanPage(file, options);
-        cutSamples = ConvertPage(file, out, plan, options, progress) || cutSamples;
-    } while (file.NextPage(page++));
+        cutSamples = ConvertPage(file, output.File(), plan, options, progress) || cutSamples;
+    });
     file.RequireSound();
-    out.Finish();
+    output.Finish();
     return cutSamples;
 }
 
@@ -79,9 +74,11 @@ public:
     {
         options.threads = DefaultThreads();
         verb = program.add_subcommand("convert", "Convert the rows of a TIFF file");
-        verb->add_option("IN.tif", options.input, "The file to read")->required();
-        verb->add_option("OUT.tif", options.output, "The file to write")->required();
+        verb->add_option("IN.tif", options.input.path, "The file to read")->required();
+        verb->add_option("OUT.tif", options.output.path, "The file to write")->required();
         AddFormatOptions();
+        AddInputOptions(*verb, options.input);
+        AddOutputOptions(*verb, options.output);
         AddWorkOptions();
         verb->footer(std::string(convertHelp) + exitCodeHelp);
     }
@@ -92,22 +89,23 @@ public:
     {
         TakeOptions();
         CatchInterrupts();
-        TiffFile file = TiffFile::OpenForReading(options.input);
+        TiffFile file = TiffFile::OpenForReading(options.input.path);
         const auto start = std::chrono::steady_clock::now();
         const Total total = PlanAll(file, options);
-        AtomicOutput output(options.output);
+        TiffOutput output(options.output, total.bytes);
         const bool cutSamples = ConvertAll(file, options, total, output);
         if (options.explain && !options.json)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
-        StopIfInterrupted(options.output);
+        StopIfInterrupted(options.output.path);
         file.Close();
         output.Commit();
         for (const std::string& warning : file.Warnings())
-            PrintWarning(options.input, warning);
+            PrintWarning(options.input.path, warning);
         if (!cutSamples)
             return ExitCode::Done;
-        PrintWarning(options.input, "samples exceed the levels of the new depth, and only their "
-                                    "lowest bits were kept; --tones scale rounds them to levels");
+        PrintWarning(options.input.path,
+                     "samples exceed the levels of the new depth, and only their "
+                     "lowest bits were kept; --tones scale rounds them to levels");
         return ExitCode::Warnings;
     }
 

@@ -48,11 +48,11 @@ RowShape ShapeOf(const TiffPicture& picture)
     return shape;
 }
 
-void PlanStrips(const TiffPicture& from, TiffPicture& to)
+void PlanStrips(const TiffPicture& from, TiffPicture& to, const OutputOptions& options)
 {
     to.rowsPerStrip = ChooseRowsPerStrip(to);
     to.tiled = false;
-    to.compression = ChooseCompression(from, to);
+    to.compression = options.compression ? *options.compression : ChooseCompression(from, to);
 }
 
 RowPlan PlanRows(const TiffFile& file, const RowRequest& request)

@@ -9,6 +9,7 @@
 #include "tools/pelkraft/simulation.h"
 #include "tools/pelkraft/system_calls.h"
 #include "tools/pelkraft/text_output.h"
+#include "tools/pelkraft/tiff_output.h"
 #include "tools/pelkraft/workers.h"
 
 #include <CLI/CLI.hpp>
@@ -60,8 +61,8 @@ public:
         options.threads = DefaultThreads();
         verb = program.add_subcommand("simulate", "Apply a dot pattern to a TIFF file");
         verb->add_option("PATTERN", options.pattern, "The pattern text")->required();
-        verb->add_option("IN.tif", options.input, "The file to read")->required();
-        verb->add_option("OUT.tif", options.output, "The file to write")->required();
+        verb->add_option("IN.tif", options.input.path, "The file to read")->required();
+        verb->add_option("OUT.tif", options.output.path, "The file to write")->required();
         verb->add_option("--engine", engine, "Engine of the library; auto is sse or x86")
             ->check(CLI::IsMember({"auto", "reference", "x86", "sse"}))
             ->capture_default_str();
@@ -70,6 +71,8 @@ public:
                          "takes samples as steps")
             ->check(CLI::IsMember({"quantize", "raw"}))
             ->capture_default_str();
+        AddInputOptions(*verb, options.input, RangeWords::ReadingAlone);
+        AddOutputOptions(*verb, options.output);
         verb->add_option("--threads", options.threads,
                          "Threads that share each band of rows; the file is the same for any "
                          "number")
@@ -94,9 +97,10 @@ public:
         const PatternText text = PatternText::Load(options.pattern);
         const LoadedPattern pattern(text, options.engine);
         RefuseUnknownInks(pattern);
-        TiffFile file = TiffFile::OpenForReading(options.input);
+        TiffFile file = TiffFile::OpenForReading(options.input.path);
         const Total total = PlanAll(file, pattern);
-        AtomicOutput output(options.output);
+        // Samples that don't compress may grow by a half.
+        TiffOutput output(options.output, total.bytes / 2 * 3);
         std::optional<AtomicOutput> previewOutput;
         if (!options.preview.empty())
             previewOutput.emplace(options.preview);
@@ -107,16 +111,16 @@ public:
             previewOutput->Write(preview->Png());
         if (options.explain)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
-        StopIfInterrupted(options.output);
+        StopIfInterrupted(options.output.path);
         file.Close();
         if (previewOutput)
             previewOutput->Commit();
         output.Commit();
         for (const std::string& warning : file.Warnings())
-            PrintWarning(options.input, warning);
+            PrintWarning(options.input.path, warning);
         if (sawHighStep)
-            PrintWarning(options.input, "samples are above the top step of their in-colour; "
-                                        "--levels quantize divides tones over the steps");
+            PrintWarning(options.input.path, "samples are above the top step of their in-colour; "
+                                             "--levels quantize divides tones over the steps");
         return sawHighStep || total.warned ? ExitCode::Warnings : ExitCode::Done;
     }
 
@@ -127,7 +131,8 @@ private:
         options.levels = levels == "raw" ? Levels::Raw : Levels::Quantize;
         for (const std::string& ink : inks)
             AddInkColour(ink, options.inkColours);
-        if (!options.preview.empty() && Canonical(options.preview) == Canonical(options.output))
+        if (!options.preview.empty() &&
+            Canonical(options.preview) == Canonical(options.output.path))
             throw Failure(ExitCode::Usage, options.preview,
                           "can't be both OUT.tif and the preview");
     }
@@ -167,8 +172,7 @@ private:
     Total PlanAll(const TiffFile& file, const LoadedPattern& pattern) const
     {
         Total total;
-        int page = 1;
-        do {
+        VisitPages(file, options.input.pages, [&](int page) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern);
             total.rows += plan.to.height;
             total.bytes += static_cast<std::uint64_t>(plan.to.width) * plan.to.height *
@@ -177,8 +181,7 @@ private:
                 Explain(plan, pattern, page);
             total.warned = WarnOfUnused(plan) || total.warned;
             WarnOfPolarity(plan);
-        } while (file.NextPage(page++));
-        file.FirstPage();
+        });
         return total;
     }
 
@@ -198,8 +201,9 @@ private:
     bool WarnOfUnused(const SimulationPlan& plan) const
     {
         for (const int channel : plan.choice.unused)
-            PrintWarning(options.input, "channel " + ChannelWords(plan.channels, channel) +
-                                            " is not used: no in-colour of the pattern takes it");
+            PrintWarning(options.input.path,
+                         "channel " + ChannelWords(plan.channels, channel) +
+                             " is not used: no in-colour of the pattern takes it");
         return !plan.choice.unused.empty();
     }
 
@@ -208,32 +212,29 @@ private:
         const bool lightIsHigh = plan.from.photometric == PHOTOMETRIC_MINISBLACK ||
                                  plan.from.photometric == PHOTOMETRIC_RGB;
         if (lightIsHigh && options.levels == Levels::Quantize)
-            PrintWarning(options.input, "says that its lowest samples are black; here they stand "
-                                        "for no ink");
+            PrintWarning(options.input.path,
+                         "says that its lowest samples are black; here they stand "
+                         "for no ink");
     }
 
     // Answers whether raw samples were above the top steps. preview may be null.
     bool SimulateAll(const TiffFile& file, const LoadedPattern& pattern, const Total& total,
-                     AtomicOutput& output, std::optional<PreviewPicture>* preview) const
+                     TiffOutput& output, std::optional<PreviewPicture>* preview) const
     {
         bool sawHighStep = false;
-        TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
-                                                // Samples that don't compress may grow by a half.
-                                                NeedsBigForm(total.bytes / 2 * 3));
-        Progress progress("simulate " + options.output, total.rows);
-        int page = 1;
-        do {
+        Progress progress("simulate " + options.output.path, total.rows);
+        VisitPages(file, options.input.pages, [&](int) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern);
-            const bool seen = page == 1 && preview != nullptr;
+            const bool seen = preview != nullptr && !*preview;
             if (seen)
                 preview->emplace(plan.to.width, plan.to.height, PixelHeight(file),
                                  ColoursOf(pattern));
-            sawHighStep = SimulatePage(file, out, plan, options, pattern,
+            sawHighStep = SimulatePage(file, output.File(), plan, options, pattern,
                                        seen ? &**preview : nullptr, progress) ||
                           sawHighStep;
-        } while (file.NextPage(page++));
+        });
         file.RequireSound();
-        out.Finish();
+        output.Finish();
         return sawHighStep;
     }
 
