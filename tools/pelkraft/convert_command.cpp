@@ -24,6 +24,7 @@ constexpr const char* convertHelp =
 // The sum of all pages.
 struct Total
 {
+    int pages = 0;
     std::uint64_t rows = 0;
     std::uint64_t bytes = 0;
 };
@@ -39,16 +40,17 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
         // Samples that don't compress may grow by a half.
         const bool plain = plan.to.compression == COMPRESSION_NONE;
         total.bytes += rowBytes * plan.to.height / 2 * (plain ? 2 : 3);
+        ++total.pages;
         total.rows += plan.to.height;
         if (options.json)
             pages.push_back(ExplainPageJson(plan, options, page));
         else if (options.explain)
-            PrintText(ExplainPage(plan, options, page));
+            PrintBeside(options.output.path, ExplainPage(plan, options, page));
         for (const std::string& warning : plan.tags.warnings)
             PrintWarning(options.input.path, warning);
     });
     if (options.json)
-        PrintText(JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
+        PrintBeside(options.output.path, JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
     return total;
 }
 
@@ -89,13 +91,13 @@ public:
     {
         TakeOptions();
         CatchInterrupts();
-        TiffFile file = TiffFile::OpenForReading(options.input.path);
+        TiffFile file = OpenInput(options.input, options.output.path);
         const auto start = std::chrono::steady_clock::now();
         const Total total = PlanAll(file, options);
-        TiffOutput output(options.output, total.bytes);
+        TiffOutput output(options.output, total.bytes, total.pages);
         const bool cutSamples = ConvertAll(file, options, total, output);
         if (options.explain && !options.json)
-            PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
+            PrintSpeed(options.output.path, total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output.path);
         file.Close();
         output.Commit();

@@ -13,7 +13,7 @@ constexpr std::uint64_t largestText = std::uint64_t{1} << 20;
 
 PatternText PatternText::Load(const std::string& path)
 {
-    const InputFile file(path);
+    const InputFile file(path, {{}, largestText});
     if (file.Size() > largestText)
         throw Failure(ExitCode::BadInput, path,
                       "is too large for a pattern text; supported are up to 1 MiB");

@@ -48,6 +48,7 @@ double PixelHeight(const TiffFile& file)
 // The sum of all pages.
 struct Total
 {
+    int pages = 0;
     std::uint64_t rows = 0;
     std::uint64_t bytes = 0;
     bool warned = false;
@@ -97,10 +98,10 @@ public:
         const PatternText text = PatternText::Load(options.pattern);
         const LoadedPattern pattern(text, options.engine);
         RefuseUnknownInks(pattern);
-        TiffFile file = TiffFile::OpenForReading(options.input.path);
+        TiffFile file = OpenInput(options.input, options.output.path);
         const Total total = PlanAll(file, pattern);
         // Samples that don't compress may grow by a half.
-        TiffOutput output(options.output, total.bytes / 2 * 3);
+        TiffOutput output(options.output, total.bytes / 2 * 3, total.pages);
         std::optional<AtomicOutput> previewOutput;
         if (!options.preview.empty())
             previewOutput.emplace(options.preview);
@@ -110,7 +111,7 @@ public:
         if (previewOutput)
             previewOutput->Write(preview->Png());
         if (options.explain)
-            PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
+            PrintSpeed(options.output.path, total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output.path);
         file.Close();
         if (previewOutput)
@@ -174,6 +175,7 @@ private:
         Total total;
         VisitPages(file, options.input.pages, [&](int page) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern);
+            ++total.pages;
             total.rows += plan.to.height;
             total.bytes += static_cast<std::uint64_t>(plan.to.width) * plan.to.height *
                            static_cast<std::uint64_t>(plan.to.channels);
@@ -195,7 +197,8 @@ private:
                     Shown(ChannelWords(plan.channels, plan.choice.map[i])) + " by " +
                     (plan.choice.byName[i] ? "name" : "order") + ", steps 0 to " +
                     std::to_string(pattern.topSteps[i]) + '\n';
-        PrintText(text + "  out-inks " + Shown(Names(pattern.outInks)) + '\n');
+        PrintBeside(options.output.path,
+                    text + "  out-inks " + Shown(Names(pattern.outInks)) + '\n');
     }
 
     bool WarnOfUnused(const SimulationPlan& plan) const
