@@ -4,10 +4,14 @@
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/system_calls.h"
 
+#include <cerrno>
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {
+
+constexpr const char* keptByNoClobber =
+    "it exists, and --no-clobber keeps what exists; name another file, or leave the option out";
 
 [[noreturn]] void ThrowWriteFailure(const std::string& path, const std::string& text)
 {
@@ -18,21 +22,39 @@ namespace {
 
 AtomicOutput* AtomicOutput::latest = nullptr;
 
-AtomicOutput::AtomicOutput(const std::string& newPath)
-    : earlier(latest), shownPath(newPath), targetPath(newPath)
+AtomicOutput::AtomicOutput(const std::string& newPath, const OutputRules& newRules)
+    : earlier(latest), rules(newRules), shownPath(newPath)
 {
-    PresentFile present;
-    if (const int error = FollowLinks(targetPath); error != 0)
-        ThrowWriteFailure(shownPath, ErrorText(error));
-    if (const int error = LookAt(targetPath, present); error != 0)
-        ThrowWriteFailure(shownPath, ErrorText(error));
-    if (present.exists && !present.regular)
-        ThrowWriteFailure(shownPath, "it exists and is not a regular file");
-    if (!PathOf(targetPath).has_filename())
-        ThrowWriteFailure(shownPath, "it names a folder");
-    if (const int error = CreateBeside(targetPath, present, descriptor, temporaryPath); error != 0)
+    Target target = Find(newPath, rules);
+    targetPath = std::move(target.path);
+    if (const int error = CreateBeside(targetPath, target.present, descriptor, temporaryPath);
+        error != 0)
         ThrowWriteFailure(shownPath, ErrorText(error));
     latest = this;
+}
+
+AtomicOutput::Target AtomicOutput::Find(const std::string& path, const OutputRules& rules)
+{
+    RefuseOtherEnding(path, rules.kind);
+    Target target = {path, {}};
+    if (const int error = FollowLinks(target.path); error != 0)
+        ThrowWriteFailure(path, ErrorText(error));
+    if (const int error = LookAt(target.path, target.present); error != 0)
+        ThrowWriteFailure(path, ErrorText(error));
+    if (target.present.exists && !target.present.regular)
+        ThrowWriteFailure(path, "it exists and is not a regular file");
+    if (!PathOf(target.path).has_filename())
+        ThrowWriteFailure(path, "it names a folder");
+    if (target.present.exists && rules.noClobber)
+        ThrowWriteFailure(path, keptByNoClobber);
+    return target;
+}
+
+void AtomicOutput::Check(const std::string& path, const OutputRules& rules)
+{
+    const Target target = Find(path, rules);
+    if (const int error = TryBeside(target.path); error != 0)
+        ThrowWriteFailure(path, ErrorText(error));
 }
 
 AtomicOutput::~AtomicOutput()
@@ -60,7 +82,11 @@ void AtomicOutput::Write(const std::string& bytes)
 
 void AtomicOutput::Commit()
 {
-    if (const int error = Replace(temporaryPath, targetPath); error != 0)
+    const int error =
+        rules.noClobber ? PlaceNew(temporaryPath, targetPath) : Replace(temporaryPath, targetPath);
+    if (rules.noClobber && error == EEXIST)
+        ThrowWriteFailure(shownPath, keptByNoClobber);
+    if (error != 0)
         ThrowWriteFailure(shownPath, ErrorText(error));
     temporaryPath.clear();
 }

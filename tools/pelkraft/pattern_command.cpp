@@ -1,5 +1,7 @@
 #include "tools/pelkraft/pattern_command.h"
 
+#include "tools/pelkraft/atomic_output.h"
+#include "tools/pelkraft/common_options.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/pattern_report.h"
@@ -23,9 +25,10 @@ public:
     {
         verb = program.add_subcommand("pattern", "Explain and check a dot-pattern text");
         verb->add_option("FILE", input, "The pattern text")->required();
-        verb->add_flag("--json", json, "Print one JSON object, for programs");
         verb->add_option("--plot", plot,
                          "Draw the share of every ink value as SVG, expected beside measured");
+        verb->add_flag("--no-clobber", rules.noClobber, "Refuse to overwrite a file");
+        AddCommonOptions(*verb, common, JsonUse::Result);
         verb->footer(std::string(patternHelp) + exitCodeHelp);
     }
 
@@ -33,13 +36,16 @@ public:
 
     ExitCode Run() override
     {
+        RefuseOtherEnding(plot, rules.kind);
         CatchInterrupts();
         const PatternText text = PatternText::Load(input);
         const PatternReport report(text);
         StopIfInterrupted(plot);
-        PrintText(json ? PatternJson(report) : ExplainPattern(report));
+        PrintText(common.json ? PatternJson(report) : ExplainPattern(report));
         if (report.LoadingEngines().empty())
             PrintError(input, "no engine loads it: \"" + report.Refusal() + "\"");
+        else if (!plot.empty() && common.dryRun)
+            AtomicOutput::Check(plot, rules);
         else if (!plot.empty())
             DrawPlot(text, report);
         return report.Code();
@@ -57,14 +63,17 @@ private:
                           "can't be drawn: \"" + refusal +
                               "\"; supported are patterns that the x86 or the sse engine loads");
         StopIfInterrupted(plot);
-        WriteWholeFile(plot, DrawShares(input, report.outline,
-                                        MeasureShares(report.outline, report.model, *pattern)));
+        WriteWholeFile(plot,
+                       DrawShares(input, report.outline,
+                                  MeasureShares(report.outline, report.model, *pattern)),
+                       rules);
     }
 
     CLI::App* verb = nullptr;
     std::string input;
     std::string plot;
-    bool json = false;
+    OutputRules rules = {FileKind::Svg};
+    CommonOptions common;
 };
 
 } // namespace

@@ -7,7 +7,7 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-TiffFile OpenPipe(const OutputOptions& options, bool big, int pages)
+void CheckPipe(const OutputOptions& options)
 {
     if (options.compression.value_or(COMPRESSION_NONE) != COMPRESSION_NONE)
         throw Failure(ExitCode::Usage, options.path,
@@ -16,6 +16,11 @@ TiffFile OpenPipe(const OutputOptions& options, bool big, int pages)
     if (OutputIsSeen())
         throw Failure(ExitCode::Usage, options.path,
                       "is a terminal; a picture goes to a file or into a pipe");
+}
+
+TiffFile OpenPipe(const OutputOptions& options, bool big, int pages)
+{
+    CheckPipe(options);
     const int descriptor = DuplicateOutput();
     if (descriptor < 0)
         throw Failure(ExitCode::ReadWrite, options.path,
@@ -23,9 +28,14 @@ TiffFile OpenPipe(const OutputOptions& options, bool big, int pages)
     return TiffFile::OpenForSending(descriptor, options.path, big, pages);
 }
 
+OutputRules RulesFor(const OutputOptions& options)
+{
+    return {FileKind::Tiff, options.noClobber};
+}
+
 TiffFile OpenFile(const OutputOptions& options, std::optional<AtomicOutput>& output, bool big)
 {
-    output.emplace(options.path);
+    output.emplace(options.path, RulesFor(options));
     return TiffFile::OpenForWriting(output->TakeDescriptor(), options.path, big);
 }
 
@@ -35,6 +45,14 @@ TiffOutput::TiffOutput(const OutputOptions& options, std::uint64_t sampleBytes, 
     : file(options.IsPipe() ? OpenPipe(options, NeedsBigForm(sampleBytes), pages)
                             : OpenFile(options, output, NeedsBigForm(sampleBytes)))
 {}
+
+void TiffOutput::Check(const OutputOptions& options)
+{
+    if (options.IsPipe())
+        CheckPipe(options);
+    else
+        AtomicOutput::Check(options.path, RulesFor(options));
+}
 
 void TiffOutput::Commit()
 {

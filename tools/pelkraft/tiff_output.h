@@ -17,6 +17,9 @@ public:
     // So many pages are to come, with so many bytes of samples in all.
     TiffOutput(const OutputOptions& options, std::uint64_t sampleBytes, int pages = 1);
 
+    // Throws what would keep the constructor from its work, without creating anything.
+    static void Check(const OutputOptions& options);
+
     const TiffFile& File() const { return file; }
 
     // Stores all that was written, or fails.
