@@ -5,12 +5,13 @@ _pelkraft_offers() {
     local input='--page --polarity --dot-range --spool-limit' output='--compress --no-clobber'
     local common='--help --quiet --verbose --progress --color --threads --explain --json --dry-run'
     case $1 in
-    '') echo 'convert pattern simulate --help --version --buildinfo' ;;
+    '') echo 'convert pattern preview simulate --help --version --buildinfo' ;;
     convert)
         echo "--layout --bits --channels --repeat --mirror --tones --portable $input $output
             $common"
         ;;
     pattern) echo "--plot --no-clobber $common" ;;
+    preview) echo "--inks --print-order --gain --crop $input $common" ;;
     simulate) echo "--engine --levels --preview --ink $input $output $common" ;;
     esac
 }
@@ -53,6 +54,7 @@ _pelkraft() {
         --channels | --page | --dot-range | --spool-limit | --threads | --ink | --plot | --preview)
             return
             ;;
+        --inks | --print-order | --gain | --crop) return ;;
         esac
         # Files follow a verb, and verbs below it, unless an option is begun.
         if [[ -n $verb && $current != -* ]]; then
