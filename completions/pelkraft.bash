@@ -2,6 +2,7 @@
 
 # Prints the options of a verb and the verbs below it.
 _pelkraft_offers() {
+    local input='--page --polarity --dot-range --spool-limit' output='--compress --no-clobber'
     local common='--help --quiet --verbose --progress --color --threads --explain --json --dry-run'
     case $1 in
     '')
@@ -14,15 +15,13 @@ _pelkraft_offers() {
             --help --version --buildinfo
         ;;
     convert)
-        echo "--layout --bits --channels --repeat --mirror --tones --portable --no-clobber $common"
+        echo "--layout --bits --channels --repeat --mirror --tones --portable $input $output
+            $common"
         ;;
-    info) echo "--page --polarity --dot-range --spool-limit --stats $common" ;;
+    info) echo "--stats $input $common" ;;
     pattern) echo "--plot --no-clobber $common" ;;
-    preview)
-        echo "--inks --print-order --gain --crop --page --polarity --dot-range --spool-limit
-            --no-clobber $common"
-        ;;
-    simulate) echo "--engine --levels --preview --ink --no-clobber $common" ;;
+    preview) echo "--inks --print-order --gain --crop --no-clobber $input $common" ;;
+    simulate) echo "--engine --levels --preview --ink $input $output $common" ;;
     esac
 }
 
@@ -33,9 +32,10 @@ _pelkraft_values() {
     --bits) echo '1 2 8 16' ;;
     --repeat) echo '1 2 4' ;;
     --tones) echo 'scale raw' ;;
+    --polarity) echo 'auto ink-high ink-low' ;;
+    --compress) echo 'none lzw zip' ;;
     --engine) echo 'auto reference x86 sse' ;;
     --levels) echo 'quantize raw' ;;
-    --polarity) echo 'auto ink-high ink-low' ;;
     --progress) echo 'auto never json' ;;
     --color) echo 'auto never' ;;
     *) return 1 ;;
@@ -60,8 +60,10 @@ _pelkraft() {
         offered=$values
     else
         case $previous in
-        --channels | --threads | --ink | --plot | --preview) return ;;
-        --inks | --print-order | --gain | --crop | --page | --dot-range | --spool-limit) return ;;
+        --channels | --page | --dot-range | --spool-limit | --threads | --ink | --plot | --preview)
+            return
+            ;;
+        --inks | --print-order | --gain | --crop) return ;;
         esac
         # Files follow a verb, and verbs below it, unless an option is begun.
         if [[ -n $verb && $current != -* ]]; then

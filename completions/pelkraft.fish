@@ -37,7 +37,14 @@ complete -c pelkraft -n $convert -l repeat -x -a '1 2 4' -d 'Write each pixel th
 complete -c pelkraft -n $convert -l mirror -d 'Write each row from its last pixel to its first'
 complete -c pelkraft -n $convert -l tones -x -a 'scale raw' -d 'What samples below 8 bits mean'
 complete -c pelkraft -n $convert -l portable -d 'Take the portable road of the library'
-complete -c pelkraft -n $convert -l no-clobber -d 'Refuse to overwrite a file'
+complete -c pelkraft -n $convert -l dot-range -x -a 'keep scale full' -d 'Samples of no and full ink'
+for verb in $convert $simulate
+    complete -c pelkraft -n $verb -l page -x -d 'Pages to take: 1,3-5'
+    complete -c pelkraft -n $verb -l polarity -x -a 'auto ink-high ink-low' -d 'Which samples are ink'
+    complete -c pelkraft -n $verb -l spool-limit -x -d 'Bytes of a pipe to keep in a file'
+    complete -c pelkraft -n $verb -l compress -x -a 'none lzw zip' -d 'Compression of the new file'
+    complete -c pelkraft -n $verb -l no-clobber -d 'Refuse to overwrite a file'
+end
 
 complete -c pelkraft -n $info -l page -x -d 'Pages to take, as in 1,3-5'
 complete -c pelkraft -n $info -l polarity -x -a 'auto ink-high ink-low' -d 'Whether high samples are much ink'
@@ -62,4 +69,4 @@ complete -c pelkraft -n $simulate -l engine -x -a 'auto reference x86 sse' -d 'E
 complete -c pelkraft -n $simulate -l levels -x -a 'quantize raw' -d 'What a sample means'
 complete -c pelkraft -n $simulate -l preview -r -F -d 'Also write a PNG of the first page'
 complete -c pelkraft -n $simulate -l ink -x -d 'Colour of an out-ink, NAME=#RRGGBB'
-complete -c pelkraft -n $simulate -l no-clobber -d 'Refuse to overwrite a file'
+complete -c pelkraft -n $simulate -l dot-range -x -a keep -d 'Samples of no and full ink'

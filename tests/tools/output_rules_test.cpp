@@ -29,7 +29,7 @@ TEST(OutputRules, RefuseEndingsOfOtherKinds)
         {FileKind::Tiff, {"a.tif", "a.TIFF", "b.png/a.tif", "a.png.tif"}},
         {FileKind::Png, {"a.png", "a.PNG"}},
         {FileKind::Svg, {"a.svg"}},
-        {FileKind::JsonFile, {"a.json", "a.sarif"}},
+        {FileKind::JsonText, {"a.json", "a.sarif"}},
         {FileKind::Csv, {"a.csv"}},
         {FileKind::Text, {"a.txt"}}};
     for (const auto& [kind, names] : own) {

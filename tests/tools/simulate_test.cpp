@@ -283,7 +283,7 @@ TEST_F(Simulation, WarnsOfChannelsThatGoNowhere)
     EXPECT_EQ(3, Output().channels);
 }
 
-TEST_F(Simulation, StartsEachPageAtThePatternsFirstRow)
+TEST_F(Simulation, StartsEachPageThatItTakesAtThePatternsFirstRow)
 {
     const std::vector<TiffImage> pages = {RandomImage(90, 30, 2, 8, 1),
                                           RandomImage(70, 40, 2, 8, 2)};
@@ -291,6 +291,9 @@ TEST_F(Simulation, StartsEachPageAtThePatternsFirstRow)
     ASSERT_TRUE(EndedSilently(Simulate({"--preview", Path("seen.png")})));
     FileForm form;
     const TiffImage second = ReadTiff(Path("out.tif"), form, 1);
+    ASSERT_TRUE(EndedSilently(Simulate({"--page", "2", "--preview", Path("seen.png")})));
+    EXPECT_EQ(Output().samples, second.samples);
+    EXPECT_TRUE(Refused(Simulate({"--page", "3"}), 2, {"no page 3"}));
     WriteInput(pages[1], "Cyan Black");
     ASSERT_TRUE(EndedSilently(Simulate()));
     EXPECT_EQ(Output().samples, second.samples);

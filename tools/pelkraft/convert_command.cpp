@@ -1,11 +1,11 @@
 #include "tools/pelkraft/convert_command.h"
 
-#include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/explain.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/page_conversion.h"
 #include "tools/pelkraft/text_output.h"
+#include "tools/pelkraft/tiff_output.h"
 
 #include <CLI/CLI.hpp>
 
@@ -23,6 +23,7 @@ constexpr const char* convertHelp =
 // The sum of all pages.
 struct Total
 {
+    int pages = 0;
     std::uint64_t rows = 0;
     std::uint64_t bytes = 0;
 };
@@ -32,42 +33,38 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
 {
     Total total;
     Json pages = Json::array();
-    int page = 1;
-    do {
+    VisitPages(file, options.input.pages, [&](int page) {
         const PagePlan plan = PlanPage(file, options);
         const auto rowBytes = static_cast<std::uint64_t>(plan.to.RowBytes());
         // Samples that don't compress may grow by a half.
         const bool plain = plan.to.compression == COMPRESSION_NONE;
         total.bytes += rowBytes * plan.to.height / 2 * (plain ? 2 : 3);
+        ++total.pages;
         total.rows += plan.to.height;
         if (options.common.json)
             pages.push_back(ExplainPageJson(plan, options, page));
         else if (options.common.explain)
-            PrintText(ExplainPage(plan, options, page));
+            PrintBeside(options.output.path, ExplainPage(plan, options, page));
         for (const std::string& warning : plan.tags.warnings)
-            PrintWarning(options.input, warning);
-    } while (file.NextPage(page++));
-    file.FirstPage();
+            PrintWarning(options.input.path, warning);
+    });
     if (options.common.json)
-        PrintText(JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
+        PrintBeside(options.output.path, JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
     return total;
 }
 
 // Writes all pages, and answers whether samples exceeded the levels that they were cut to.
 bool ConvertAll(const TiffFile& file, const ConvertOptions& options, const Total& total,
-                AtomicOutput& output)
+                TiffOutput& output)
 {
     bool cutSamples = false;
-    TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
-                                            NeedsBigForm(total.bytes));
-    Progress progress("convert " + options.output, total.rows);
-    int page = 1;
-    do {
+    Progress progress("convert " + options.output.path, total.rows);
+    VisitPages(file, options.input.pages, [&](int) {
         const PagePlan plan = PlanPage(file, options);
-        cutSamples = ConvertPage(file, out, plan, options, progress) || cutSamples;
-    } while (file.NextPage(page++));
+        cutSamples = ConvertPage(file, output.File(), plan, options, progress) || cutSamples;
+    });
     file.RequireSound();
-    out.Finish();
+    output.Finish();
     return cutSamples;
 }
 
@@ -77,9 +74,11 @@ public:
     void Register(CLI::App& program) override
     {
         verb = program.add_subcommand("convert", "Convert the rows of a TIFF file");
-        verb->add_option("IN.tif", options.input, "The file to read")->required();
-        verb->add_option("OUT.tif", options.output, "The file to write")->required();
+        verb->add_option("IN.tif", options.input.path, "The file to read")->required();
+        verb->add_option("OUT.tif", options.output.path, "The file to write")->required();
         AddFormatOptions();
+        AddInputOptions(*verb, options.input);
+        AddOutputOptions(*verb, options.output);
         AddWorkOptions();
         verb->footer(std::string(convertHelp) + exitCodeHelp);
     }
@@ -90,26 +89,27 @@ public:
     {
         TakeOptions();
         CatchInterrupts();
-        TiffFile file = TiffFile::OpenForReading(options.input);
+        TiffFile file = OpenInput(options.input, options.output.path);
         const auto start = std::chrono::steady_clock::now();
         const Total total = PlanAll(file, options);
         if (options.common.dryRun) {
-            AtomicOutput::Check(options.output, rules);
+            TiffOutput::Check(options.output);
             return ExitCode::Done;
         }
-        AtomicOutput output(options.output, rules);
+        TiffOutput output(options.output, total.bytes, total.pages);
         const bool cutSamples = ConvertAll(file, options, total, output);
         if (options.common.explain && !options.common.json)
-            PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
-        StopIfInterrupted(options.output);
+            PrintSpeed(options.output.path, total.rows, std::chrono::steady_clock::now() - start);
+        StopIfInterrupted(options.output.path);
         file.Close();
         output.Commit();
         for (const std::string& warning : file.Warnings())
-            PrintWarning(options.input, warning);
+            PrintWarning(options.input.path, warning);
         if (!cutSamples)
             return ExitCode::Done;
-        PrintWarning(options.input, "samples exceed the levels of the new depth, and only their "
-                                    "lowest bits were kept; --tones scale rounds them to levels");
+        PrintWarning(options.input.path,
+                     "samples exceed the levels of the new depth, and only their "
+                     "lowest bits were kept; --tones scale rounds them to levels");
         return ExitCode::Warnings;
     }
 
@@ -137,13 +137,12 @@ private:
     void AddWorkOptions()
     {
         verb->add_flag("--portable", options.portable, "Take the portable road of the library");
-        verb->add_flag("--no-clobber", rules.noClobber, "Refuse to overwrite a file");
         AddCommonOptions(*verb, options.common);
     }
 
     void TakeOptions()
     {
-        RefuseOtherEnding(options.output, rules.kind);
+        RefuseOtherEnding(options.output.path, FileKind::Tiff);
         if (!layout.empty())
             options.separate = layout == "planar";
         if (bits != 0)
@@ -153,7 +152,6 @@ private:
     }
 
     ConvertOptions options;
-    OutputRules rules = {FileKind::Tiff};
     CLI::App* verb = nullptr;
     std::string layout;
     std::string tones;

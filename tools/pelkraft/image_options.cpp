@@ -130,6 +130,11 @@ int PageChoice::Last() const
     return last;
 }
 
+TiffFile OpenInput(const InputOptions& input, const std::string& outputPath)
+{
+    return TiffFile::OpenForReading(input.path, {outputPath, input.spoolLimit});
+}
+
 void VisitPages(const TiffFile& file, const PageChoice& pages,
                 const std::function<void(int page)>& visit)
 {

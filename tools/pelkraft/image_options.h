@@ -72,8 +72,11 @@ struct InputOptions
     std::optional<DotRange> dotRange;
     RangeWork rangeWork = RangeWork::Keep;
     // Bytes of a pipe that may be kept in a file.
-    std::uint64_t spoolLimit = std::uint64_t{16} << 30;
+    std::uint64_t spoolLimit = Spool().limit;
 };
+
+// Opens the file; a pipe is kept in the folder of what is to be written, if a path of it is given.
+TiffFile OpenInput(const InputOptions& input, const std::string& outputPath = {});
 
 // Tells how a picture is to be written.
 struct OutputOptions
@@ -83,6 +86,8 @@ struct OutputOptions
     std::optional<std::uint16_t> compression;
     // A file that exists is refused.
     bool noClobber = false;
+
+    bool IsPipe() const { return path == standardStream; }
 };
 
 // A verb that writes no samples of the kind that it reads has no work on their range.

@@ -2,24 +2,82 @@
 
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/file_calls.h"
+#include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/system_calls.h"
 
+#include <cerrno>
 #include <utility>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
+namespace {
 
-InputFile::InputFile(const std::string& path)
+constexpr std::size_t pieceBytes = std::size_t{1} << 20;
+
+// A descriptor that is closed at the end of the scope.
+struct OpenDescriptor
+{
+    explicit OpenDescriptor(int newDescriptor) : descriptor(newDescriptor) {}
+    ~OpenDescriptor()
+    {
+        if (descriptor >= 0)
+            Close(descriptor);
+    }
+    OpenDescriptor(const OpenDescriptor&) = delete;
+    OpenDescriptor& operator=(const OpenDescriptor&) = delete;
+
+    int descriptor;
+};
+
+// The next bytes of a pipe; none at its end.
+std::size_t ReadPiece(int pipe, std::vector<char>& piece, const std::string& path)
+{
+    for (;;) {
+        const std::int64_t count = ReadNext(pipe, piece.data(), piece.size());
+        StopIfInterrupted(path);
+        if (count >= 0)
+            return static_cast<std::size_t>(count);
+        if (count != -EINTR && count != -EAGAIN)
+            ThrowReadFailure(path, ErrorText(static_cast<int>(-count)));
+    }
+}
+
+// Copies a pipe into a file, and answers its size.
+std::uint64_t CopyPipe(int pipe, int file, const std::string& path, std::uint64_t limit)
+{
+    std::vector<char> piece(pieceBytes);
+    std::uint64_t size = 0;
+    while (const std::size_t count = ReadPiece(pipe, piece, path)) {
+        if (count > limit - size)
+            throw Failure(ExitCode::Unsupported, path,
+                          "gives more than the " + std::to_string(limit) +
+                              " bytes that a pipe may; --spool-limit allows more");
+        if (const int error = WriteAllAt(file, piece.data(), count, size); error != 0)
+            ThrowReadFailure(path,
+                             "what comes through the pipe can't be kept: " + ErrorText(error));
+        size += count;
+    }
+    return size;
+}
+
+} // namespace
+
+InputFile::InputFile(const std::string& path, const Spool& spool)
 {
     OpenedFile file;
-    const int error = OpenToRead(path, file);
-    if (error == 0 && file.regular) {
-        descriptor = file.descriptor;
-        size = file.size;
-        return;
+    const int error = path == standardStream ? OpenStandardInput(file) : OpenToRead(path, file);
+    OpenDescriptor opened(file.descriptor);
+    if (error != 0)
+        ThrowReadFailure(path, ErrorText(error));
+    if (!file.regular && !file.pipe)
+        ThrowReadFailure(path, "it is not a regular file or a pipe");
+    size = file.size;
+    if (file.pipe) {
+        OpenDescriptor kept(OpenSpool(path, spool));
+        size = CopyPipe(opened.descriptor, kept.descriptor, path, spool.limit);
+        std::swap(opened.descriptor, kept.descriptor);
     }
-    if (file.descriptor >= 0)
-        Close(file.descriptor);
-    ThrowReadFailure(path, error != 0 ? ErrorText(error) : "it is not a regular file");
+    descriptor = std::exchange(opened.descriptor, -1);
 }
 
 InputFile::~InputFile()
@@ -31,6 +89,21 @@ InputFile::~InputFile()
 int InputFile::TakeDescriptor()
 {
     return std::exchange(descriptor, -1);
+}
+
+int OpenSpool(const std::string& path, const Spool& spool)
+{
+    std::string folder;
+    if (!spool.besides.empty() && spool.besides != standardStream) {
+        const std::filesystem::path parent = PathOf(spool.besides).parent_path();
+        const std::u8string text = parent.empty() ? u8"." : parent.u8string();
+        folder.assign(text.begin(), text.end());
+    }
+    int descriptor = -1;
+    if (const int error = CreateSpool(folder, descriptor); error != 0)
+        ThrowReadFailure(path, "no file can be made to keep what comes through the pipe: " +
+                                   ErrorText(error));
+    return descriptor;
 }
 
 void ThrowReadFailure(const std::string& path, const std::string& text)

@@ -5,13 +5,25 @@
 
 namespace zvk::Pelkraft::Client {
 
-// A regular file that is open to be read, closed at the end of the scope unless somebody takes its
-// descriptor.
+// The standard input stream as a path that is read, the standard output stream as one that is
+// written.
+inline constexpr const char* standardStream = "-";
+
+// Tells where a pipe may be kept, and how much of it.
+struct Spool
+{
+    // The file lies in the folder of this path; without a path, in that for temporary files.
+    std::string besides;
+    std::uint64_t limit = std::uint64_t{16} << 30;
+};
+
+// A file that is open to be read, closed at the end of the scope unless somebody takes its
+// descriptor. What comes through a pipe is kept in a file without a name first.
 class InputFile
 {
 public:
     // Throws the reason if it can't be read.
-    explicit InputFile(const std::string& path);
+    explicit InputFile(const std::string& path, const Spool& spool = {});
     ~InputFile();
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
@@ -25,6 +37,9 @@ private:
     int descriptor = -1;
     std::uint64_t size = 0;
 };
+
+// Creates a file without a name for the bytes of a path, and answers its descriptor.
+int OpenSpool(const std::string& path, const Spool& spool);
 
 // The failure to read a file.
 [[noreturn]] void ThrowReadFailure(const std::string& path, const std::string& text);

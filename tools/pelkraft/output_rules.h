@@ -12,7 +12,7 @@ enum class FileKind
     Tiff,
     Png,
     Svg,
-    JsonFile,
+    JsonText,
     Csv,
     Text,
 };

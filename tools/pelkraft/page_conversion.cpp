@@ -32,7 +32,7 @@ TiffPicture PlanPicture(const TiffPicture& from, const ConvertOptions& options,
                       "would be " + std::to_string(width) +
                           " pixels wide; supported are up to 2147483647");
     to.width = static_cast<std::uint32_t>(width);
-    PlanStrips(from, to);
+    PlanStrips(from, to, options.output);
     return to;
 }
 
@@ -66,7 +66,7 @@ bool ConvertPage(const TiffFile& file, const TiffFile& out, const PagePlan& plan
         pipelines.emplace_back(plan.rows);
     WriteTags(file, out, plan.to, plan.tags);
     WriteRows(
-        {file, out, plan.from, plan.to, options.output, options.common.threads},
+        {file, out, plan.from, plan.to, options.output.path, options.common.threads},
         [&](int worker, std::int64_t, unsigned char* oldRow, unsigned char* newRow) {
             pipelines[static_cast<std::size_t>(worker)].Run(oldRow, newRow);
         },

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/pelkraft/common_options.h"
+#include "tools/pelkraft/image_options.h"
 #include "tools/pelkraft/page_tags.h"
 #include "tools/pelkraft/progress.h"
 #include "tools/pelkraft/row_plan.h"
@@ -16,8 +17,8 @@ namespace zvk::Pelkraft::Client {
 // The options of the command line; one that is left out is as in the file.
 struct ConvertOptions
 {
-    std::string input;
-    std::string output;
+    InputOptions input;
+    OutputOptions output;
     std::optional<bool> separate;
     std::optional<int> bits;
     std::string channels;

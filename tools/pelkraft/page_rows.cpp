@@ -48,11 +48,14 @@ RowShape ShapeOf(const TiffPicture& picture)
     return shape;
 }
 
-void PlanStrips(const TiffPicture& from, TiffPicture& to)
+void PlanStrips(const TiffPicture& from, TiffPicture& to, const OutputOptions& options)
 {
     to.rowsPerStrip = ChooseRowsPerStrip(to);
     to.tiled = false;
-    to.compression = ChooseCompression(from, to);
+    if (options.IsPipe())
+        to.compression = COMPRESSION_NONE;
+    else
+        to.compression = options.compression.value_or(ChooseCompression(from, to));
 }
 
 RowPlan PlanRows(const TiffFile& file, const RowRequest& request)
@@ -101,8 +104,7 @@ void WriteRows(const PageRows& page, const RowWork& work,
             show(newRows.Row(row));
         progress.Advance(rows);
     }
-    if (TIFFWriteDirectory(page.out.Get()) != 1)
-        page.out.Throw(ExitCode::ReadWrite, "cannot be written");
+    writer.EndPage();
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/pelkraft/image_options.h"
 #include "tools/pelkraft/progress.h"
 #include "tools/pelkraft/row_plan.h"
 #include "tools/pelkraft/tiff_file.h"
@@ -14,8 +15,9 @@ namespace zvk::Pelkraft::Client {
 // The shape of a row as readers give it and writers take it.
 RowShape ShapeOf(const TiffPicture& picture);
 
-// Cuts the new page into strips, in a compression that can hold its samples.
-void PlanStrips(const TiffPicture& from, TiffPicture& to);
+// Cuts the new page into strips, in the compression that was chosen, or else in one that can hold
+// its samples.
+void PlanStrips(const TiffPicture& from, TiffPicture& to, const OutputOptions& options);
 
 // The work on every row of a page. A refusal names the file.
 RowPlan PlanRows(const TiffFile& file, const RowRequest& request);

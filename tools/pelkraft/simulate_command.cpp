@@ -10,6 +10,7 @@
 #include "tools/pelkraft/simulation.h"
 #include "tools/pelkraft/system_calls.h"
 #include "tools/pelkraft/text_output.h"
+#include "tools/pelkraft/tiff_output.h"
 
 #include <CLI/CLI.hpp>
 
@@ -34,6 +35,7 @@ constexpr const char* simulateHelp =
 // The sum of all pages.
 struct Total
 {
+    int pages = 0;
     std::uint64_t rows = 0;
     std::uint64_t bytes = 0;
     bool warned = false;
@@ -46,8 +48,8 @@ public:
     {
         verb = program.add_subcommand("simulate", "Apply a dot pattern to a TIFF file");
         verb->add_option("PATTERN", options.pattern, "The pattern text")->required();
-        verb->add_option("IN.tif", options.input, "The file to read")->required();
-        verb->add_option("OUT.tif", options.output, "The file to write")->required();
+        verb->add_option("IN.tif", options.input.path, "The file to read")->required();
+        verb->add_option("OUT.tif", options.output.path, "The file to write")->required();
         verb->add_option("--engine", engine, "Engine of the library; auto is sse or x86")
             ->check(CLI::IsMember({"auto", "reference", "x86", "sse"}))
             ->capture_default_str();
@@ -60,7 +62,8 @@ public:
                          "Also write a PNG that shows the first page as a person sees it");
         verb->add_option("--ink", inks,
                          "Colour of an out-ink in the preview, NAME=#RRGGBB; may be repeated");
-        verb->add_flag("--no-clobber", rules.noClobber, "Refuse to overwrite a file");
+        AddInputOptions(*verb, options.input, RangeWords::ReadingAlone);
+        AddOutputOptions(*verb, options.output);
         AddCommonOptions(*verb, options.common);
         verb->footer(std::string(simulateHelp) + exitCodeHelp);
     }
@@ -78,51 +81,53 @@ public:
         const LoadedPattern pattern(text, options.engine);
         findings.StopAtErrors();
         RefuseUnknownInks(pattern);
-        TiffFile file = TiffFile::OpenForReading(options.input);
+        TiffFile file = OpenInput(options.input, options.output.path);
         Total total = PlanAll(file, pattern);
         total.warned = total.warned || findings.HasWarnings();
         if (options.common.dryRun)
             return CheckOutputs(total);
-        AtomicOutput output(options.output, rules);
+        // Samples that don't compress may grow by a half.
+        TiffOutput output(options.output, total.bytes / 2 * 3, total.pages);
         std::optional<AtomicOutput> previewOutput;
         if (!options.preview.empty())
             previewOutput.emplace(options.preview, PreviewRules());
         const bool sawHighStep =
             SimulateAll(file, pattern, total, output, previewOutput ? &*previewOutput : nullptr);
         if (options.common.explain)
-            PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
-        StopIfInterrupted(options.output);
+            PrintSpeed(options.output.path, total.rows, std::chrono::steady_clock::now() - start);
+        StopIfInterrupted(options.output.path);
         file.Close();
         if (previewOutput)
             previewOutput->Commit();
         output.Commit();
         for (const std::string& warning : file.Warnings())
-            PrintWarning(options.input, warning);
+            PrintWarning(options.input.path, warning);
         if (sawHighStep)
-            PrintWarning(options.input, "samples are above the top step of their in-colour; "
-                                        "--levels quantize divides tones over the steps");
+            PrintWarning(options.input.path, "samples are above the top step of their in-colour; "
+                                             "--levels quantize divides tones over the steps");
         return sawHighStep || total.warned ? ExitCode::Warnings : ExitCode::Done;
     }
 
 private:
-    OutputRules PreviewRules() const { return {FileKind::Png, rules.noClobber}; }
+    OutputRules PreviewRules() const { return {FileKind::Png, options.output.noClobber}; }
 
     void TakeOptions()
     {
-        RefuseOtherEnding(options.output, FileKind::Tiff);
+        RefuseOtherEnding(options.output.path, FileKind::Tiff);
         RefuseOtherEnding(options.preview, FileKind::Png);
         options.engine = EngineOf(engine);
         options.levels = levels == "raw" ? Levels::Raw : Levels::Quantize;
         for (const std::string& ink : inks)
             AddInkColour(ink);
-        if (!options.preview.empty() && Canonical(options.preview) == Canonical(options.output))
+        if (!options.preview.empty() &&
+            Canonical(options.preview) == Canonical(options.output.path))
             throw Failure(ExitCode::Usage, options.preview,
                           "can't be both OUT.tif and the preview");
     }
 
     ExitCode CheckOutputs(const Total& total) const
     {
-        AtomicOutput::Check(options.output, rules);
+        TiffOutput::Check(options.output);
         if (!options.preview.empty())
             AtomicOutput::Check(options.preview, PreviewRules());
         return total.warned ? ExitCode::Warnings : ExitCode::Done;
@@ -176,9 +181,9 @@ private:
     Total PlanAll(const TiffFile& file, const LoadedPattern& pattern) const
     {
         Total total;
-        int page = 1;
-        do {
+        VisitPages(file, options.input.pages, [&](int page) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern);
+            ++total.pages;
             total.rows += plan.to.height;
             total.bytes += static_cast<std::uint64_t>(plan.to.width) * plan.to.height *
                            static_cast<std::uint64_t>(plan.to.channels);
@@ -186,8 +191,7 @@ private:
                 Explain(plan, pattern, page);
             total.warned = WarnOfUnused(plan) || total.warned;
             WarnOfPolarity(plan);
-        } while (file.NextPage(page++));
-        file.FirstPage();
+        });
         return total;
     }
 
@@ -201,14 +205,16 @@ private:
                     Shown(ChannelWords(plan.channels, plan.choice.map[i])) + " by " +
                     (plan.choice.byName[i] ? "name" : "order") + ", steps 0 to " +
                     std::to_string(pattern.topSteps[i]) + '\n';
-        PrintText(text + "  out-inks " + Shown(Names(pattern.outInks)) + '\n');
+        PrintBeside(options.output.path,
+                    text + "  out-inks " + Shown(Names(pattern.outInks)) + '\n');
     }
 
     bool WarnOfUnused(const SimulationPlan& plan) const
     {
         for (const int channel : plan.choice.unused)
-            PrintWarning(options.input, "channel " + ChannelWords(plan.channels, channel) +
-                                            " is not used: no in-colour of the pattern takes it");
+            PrintWarning(options.input.path,
+                         "channel " + ChannelWords(plan.channels, channel) +
+                             " is not used: no in-colour of the pattern takes it");
         return !plan.choice.unused.empty();
     }
 
@@ -217,36 +223,35 @@ private:
         const bool lightIsHigh = plan.from.photometric == PHOTOMETRIC_MINISBLACK ||
                                  plan.from.photometric == PHOTOMETRIC_RGB;
         if (lightIsHigh && options.levels == Levels::Quantize)
-            PrintWarning(options.input, "says that its lowest samples are black; here they stand "
-                                        "for no ink");
+            PrintWarning(options.input.path,
+                         "says that its lowest samples are black; here they stand "
+                         "for no ink");
     }
 
     // Answers whether raw samples were above the top steps. previewOutput may be null.
     bool SimulateAll(const TiffFile& file, const LoadedPattern& pattern, const Total& total,
-                     AtomicOutput& output, AtomicOutput* previewOutput) const
+                     TiffOutput& output, AtomicOutput* previewOutput) const
     {
         bool sawHighStep = false;
-        TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
-                                                // Samples that don't compress may grow by a half.
-                                                NeedsBigForm(total.bytes / 2 * 3));
-        Progress progress("simulate " + options.output, total.rows);
-        int page = 1;
-        do {
+        bool first = true;
+        Progress progress("simulate " + options.output.path, total.rows);
+        VisitPages(file, options.input.pages, [&](int) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern);
             std::string shown;
             std::optional<PreviewPng> preview;
-            if (page == 1 && previewOutput != nullptr)
+            if (first && previewOutput != nullptr)
                 OpenPreview(file, plan, pattern, shown, preview);
-            sawHighStep = SimulatePage(file, out, plan, options, pattern,
+            first = false;
+            sawHighStep = SimulatePage(file, output.File(), plan, options, pattern,
                                        preview ? &*preview : nullptr, progress) ||
                           sawHighStep;
             if (preview) {
                 preview->Finish();
                 previewOutput->Write(shown);
             }
-        } while (file.NextPage(page++));
+        });
         file.RequireSound();
-        out.Finish();
+        output.Finish();
         return sawHighStep;
     }
 

@@ -67,7 +67,7 @@ private:
     std::vector<Worker> workers;
 };
 
-TiffPicture PlanPicture(const TiffPicture& from, int outInks, const std::string& path)
+TiffPicture PlanPicture(const TiffPicture& from, int outInks, const SimulateOptions& options)
 {
     TiffPicture to = from;
     to.separate = false;
@@ -76,10 +76,10 @@ TiffPicture PlanPicture(const TiffPicture& from, int outInks, const std::string&
     to.photometric = PHOTOMETRIC_SEPARATED;
     const std::int64_t bytes = to.RowBytes();
     if (bytes > largestRow)
-        throw Failure(ExitCode::Unsupported, path,
+        throw Failure(ExitCode::Unsupported, options.input.path,
                       "would need rows of " + std::to_string(bytes) +
                           " bytes; supported are up to 2147483647");
-    PlanStrips(from, to);
+    PlanStrips(from, to, options.output);
     return to;
 }
 
@@ -171,7 +171,7 @@ SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& optio
     RefuseRawWords(from, options.levels, file.Path());
     std::vector<Channel> channels = ReadChannels(file, from);
     ChannelChoice choice = ChooseChannels(pattern.inColours, channels, file.Path());
-    const TiffPicture to = PlanPicture(from, static_cast<int>(pattern.outInks.size()), file.Path());
+    const TiffPicture to = PlanPicture(from, static_cast<int>(pattern.outInks.size()), options);
 
     PageTags tags;
     tags.photometric = PHOTOMETRIC_SEPARATED;
@@ -196,7 +196,7 @@ bool SimulatePage(const TiffFile& file, const TiffFile& out, const SimulationPla
     RowSimulation simulation(plan, options, pattern, threads);
     WriteTags(file, out, plan.to, plan.tags);
     WriteRows(
-        {file, out, plan.from, plan.to, options.output, threads},
+        {file, out, plan.from, plan.to, options.output.path, threads},
         [&](int worker, std::int64_t row, unsigned char* oldRow, unsigned char* newRow) {
             simulation.Simulate(worker, row, oldRow, newRow);
         },

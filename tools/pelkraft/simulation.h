@@ -3,6 +3,7 @@
 #include "pelkraft/dot_weave_pattern.h"
 #include "tools/pelkraft/channel_choice.h"
 #include "tools/pelkraft/common_options.h"
+#include "tools/pelkraft/image_options.h"
 #include "tools/pelkraft/ink_colours.h"
 #include "tools/pelkraft/page_tags.h"
 #include "tools/pelkraft/pattern_text.h"
@@ -23,8 +24,8 @@ namespace zvk::Pelkraft::Client {
 struct SimulateOptions
 {
     std::string pattern;
-    std::string input;
-    std::string output;
+    InputOptions input;
+    OutputOptions output;
     DotWeavePattern::Engine engine = DotWeavePattern::Automatic;
     Levels levels = Levels::Quantize;
     std::string preview;

@@ -13,7 +13,7 @@ constexpr std::uint64_t largestFile = std::uint64_t{1} << 20;
 
 std::string ReadSmallFile(const std::string& path, const std::string& kind)
 {
-    const InputFile file(path);
+    const InputFile file(path, {{}, largestFile});
     if (file.Size() > largestFile)
         throw Failure(ExitCode::BadInput, path,
                       "is too large for " + kind + "; supported are up to 1 MiB");

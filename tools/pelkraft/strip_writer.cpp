@@ -29,7 +29,15 @@ StripWriter::StripWriter(const TiffFile& newFile, const TiffPicture& newPicture)
     : file(newFile), picture(newPicture),
       planeBytes(static_cast<std::size_t>(picture.PlaneBytes())), planes(picture.CountPlanes()),
       strip(planeBytes * picture.rowsPerStrip)
-{}
+{
+    if (!file.IsPipe())
+        return;
+    std::uint16_t fillOrder = FILLORDER_MSB2LSB;
+    TIFFGetField(file.Get(), TIFFTAG_FILLORDER, &fillOrder);
+    lowestBitFirst = fillOrder == FILLORDER_LSB2MSB;
+    file.SendDirectory(
+        {planeBytes, picture.height, picture.rowsPerStrip, static_cast<std::uint32_t>(planes)});
+}
 
 void StripWriter::WriteRows(const unsigned char* rows, std::int64_t rowStride,
                             std::uint32_t rowCount)
@@ -50,11 +58,34 @@ void StripWriter::WriteStrip(const unsigned char* rows, std::int64_t rowStride,
         const unsigned char* from = rows + planeBytes * static_cast<std::size_t>(plane);
         for (std::uint32_t row = 0; row < rowCount; ++row)
             std::memcpy(strip.data() + planeBytes * row, from + rowStride * row, planeBytes);
-        const std::uint32_t number =
-            TIFFComputeStrip(file.Get(), nextRow, static_cast<std::uint16_t>(plane));
-        const auto bytes = static_cast<tmsize_t>(planeBytes * rowCount);
-        if (TIFFWriteEncodedStrip(file.Get(), number, strip.data(), bytes) != bytes)
-            file.Throw(ExitCode::ReadWrite, "cannot be written");
+        PutStrip(plane, planeBytes * rowCount);
+    }
+}
+
+void StripWriter::PutStrip(int plane, std::size_t bytes)
+{
+    if (file.IsPipe()) {
+        // libtiff, which is not asked here, turns the bits too.
+        if (lowestBitFirst)
+            TIFFReverseBits(strip.data(), static_cast<tmsize_t>(bytes));
+        file.SendBytes(strip.data(), bytes);
+        return;
+    }
+    const std::uint32_t number =
+        TIFFComputeStrip(file.Get(), nextRow, static_cast<std::uint16_t>(plane));
+    const auto count = static_cast<tmsize_t>(bytes);
+    if (TIFFWriteEncodedStrip(file.Get(), number, strip.data(), count) != count)
+        file.Throw(ExitCode::ReadWrite, "cannot be written");
+}
+
+void StripWriter::EndPage()
+{
+    if (file.IsPipe()) {
+        // The next directory begins at an even offset.
+        if (planeBytes * picture.height * static_cast<std::size_t>(planes) % 2 != 0)
+            file.SendBytes("", 1);
+    } else if (TIFFWriteDirectory(file.Get()) != 1) {
+        file.Throw(ExitCode::ReadWrite, "cannot be written");
     }
 }
 

@@ -22,14 +22,18 @@ public:
     // Takes rows that follow those of the last call; rowStride bytes lie between their starts.
     // Every call but the last of a page brings whole strips.
     void WriteRows(const unsigned char* rows, std::int64_t rowStride, std::uint32_t rowCount);
+    // Ends the page, all rows of which are written.
+    void EndPage();
 
 private:
     void WriteStrip(const unsigned char* rows, std::int64_t rowStride, std::uint32_t rowCount);
+    void PutStrip(int plane, std::size_t bytes);
 
     const TiffFile& file;
     TiffPicture picture;
     std::size_t planeBytes;
     int planes;
+    bool lowestBitFirst = false;
     std::uint32_t nextRow = 0;
     std::vector<unsigned char> strip;
 };

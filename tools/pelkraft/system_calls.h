@@ -28,11 +28,23 @@ struct OpenedFile
 {
     int descriptor = -1;
     bool regular = false;
+    bool pipe = false;
     std::uint64_t size = 0;
 };
-// Opens a file to be read, without waiting for a pipe. The descriptor is there even after an error
-// that came later.
+// Opens a file to be read, without waiting for whoever writes to a pipe. The descriptor is there
+// even after an error that came later.
 int OpenToRead(const std::string& path, OpenedFile& file);
+// The standard input stream. A file counts as regular if nothing of it was read yet.
+int OpenStandardInput(OpenedFile& file);
+// One try to read what follows in a pipe, which an interrupt ends: as Read and Write answer.
+std::int64_t ReadNext(int descriptor, void* bytes, std::size_t size);
+// A second descriptor of the standard output stream, or an error below 0.
+int DuplicateOutput();
+// True if somebody sees the standard output stream on a terminal.
+bool OutputIsSeen();
+// Creates a file in a folder, or in that for temporary files if it is empty, which is gone when its
+// descriptor is closed.
+int CreateSpool(const std::string& folder, int& descriptor);
 
 // A look at the place of a file that is to be written.
 struct PresentFile

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/system_calls.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,6 +17,17 @@ namespace {
 std::int64_t Moved(ssize_t count)
 {
     return count < 0 ? -errno : count;
+}
+
+int Describe(OpenedFile& file)
+{
+    struct stat status = {};
+    if (file.descriptor < 0 || fstat(file.descriptor, &status) != 0)
+        return errno;
+    file.regular = S_ISREG(status.st_mode);
+    file.pipe = S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode);
+    file.size = static_cast<std::uint64_t>(status.st_size);
+    return 0;
 }
 
 // The mode that a plain creation of the file would have had, or that of the file it replaces.
@@ -57,13 +69,56 @@ int Close(int descriptor)
 
 int OpenToRead(const std::string& path, OpenedFile& file)
 {
-    // Without O_NONBLOCK a pipe would be waited for before it can be refused.
+    // Without O_NONBLOCK the wait for whoever writes to a pipe could not be interrupted.
     file.descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    struct stat status = {};
-    if (file.descriptor < 0 || fstat(file.descriptor, &status) != 0)
+    return Describe(file);
+}
+
+int OpenStandardInput(OpenedFile& file)
+{
+    file.descriptor = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (const int error = Describe(file); error != 0)
+        return error;
+    if (file.regular && lseek(file.descriptor, 0, SEEK_CUR) != 0) {
+        file.regular = false;
+        file.pipe = true;
+    }
+    return 0;
+}
+
+std::int64_t ReadNext(int descriptor, void* bytes, std::size_t size)
+{
+    pollfd wait = {descriptor, POLLIN, 0};
+    // Other than a read, a wait is never begun again after a signal.
+    if (poll(&wait, 1, -1) < 0)
+        return -errno;
+    return Moved(read(descriptor, bytes, size));
+}
+
+int DuplicateOutput()
+{
+    const int descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    return descriptor < 0 ? -errno : descriptor;
+}
+
+bool OutputIsSeen()
+{
+    return isatty(STDOUT_FILENO) != 0;
+}
+
+int CreateSpool(const std::string& folder, int& descriptor)
+{
+    std::error_code error;
+    std::filesystem::path place = folder;
+    if (folder.empty())
+        place = std::filesystem::temp_directory_path(error);
+    if (error)
+        return error.value();
+    std::string pattern = (place / ".pelkraft-XXXXXX").string();
+    descriptor = mkostemp(pattern.data(), O_CLOEXEC);
+    if (descriptor < 0)
         return errno;
-    file.regular = S_ISREG(status.st_mode);
-    file.size = static_cast<std::uint64_t>(status.st_size);
+    unlink(pattern.c_str());
     return 0;
 }
 

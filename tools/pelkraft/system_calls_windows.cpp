@@ -102,6 +102,17 @@ bool IsRegular(HANDLE file)
            (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
+int Describe(HANDLE handle, OpenedFile& file)
+{
+    file.regular = IsRegular(handle);
+    file.pipe = GetFileType(handle) == FILE_TYPE_PIPE;
+    LARGE_INTEGER size = {};
+    if (file.regular && GetFileSizeEx(handle, &size) == 0)
+        return LastError();
+    file.size = static_cast<std::uint64_t>(size.QuadPart);
+    return 0;
+}
+
 // Six letters make more names than a folder has files.
 std::string RandomName()
 {
@@ -155,18 +166,73 @@ int OpenToRead(const std::string& path, OpenedFile& file)
     const HANDLE handle = Open(path, GENERIC_READ);
     if (handle == INVALID_HANDLE_VALUE)
         return LastError();
-    file.regular = IsRegular(handle);
-    LARGE_INTEGER size = {};
-    if (file.regular && GetFileSizeEx(handle, &size) == 0) {
-        const int error = LastError();
+    if (const int error = Describe(handle, file); error != 0) {
         CloseHandle(handle);
         return error;
     }
-    file.size = static_cast<std::uint64_t>(size.QuadPart);
     file.descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_BINARY);
     if (file.descriptor >= 0)
         return 0;
     CloseHandle(handle);
+    return EMFILE;
+}
+
+int OpenStandardInput(OpenedFile& file)
+{
+    file.descriptor = _dup(0);
+    if (file.descriptor < 0)
+        return errno;
+    const HANDLE handle = HandleOf(file.descriptor);
+    if (const int error = Describe(handle, file); error != 0)
+        return error;
+    LARGE_INTEGER place = {};
+    if (file.regular &&
+        (SetFilePointerEx(handle, {}, &place, FILE_CURRENT) == 0 || place.QuadPart != 0)) {
+        file.regular = false;
+        file.pipe = true;
+    }
+    return 0;
+}
+
+std::int64_t ReadNext(int descriptor, void* bytes, std::size_t size)
+{
+    DWORD count = 0;
+    const BOOL done = ReadFile(HandleOf(descriptor), bytes, AtMost(size), &count, nullptr);
+    // A pipe whose writer has ended.
+    if (done == 0 && GetLastError() == ERROR_BROKEN_PIPE)
+        return 0;
+    return Moved(done, count);
+}
+
+int DuplicateOutput()
+{
+    const int descriptor = _dup(1);
+    return descriptor < 0 ? -errno : descriptor;
+}
+
+bool OutputIsSeen()
+{
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
+}
+
+int CreateSpool(const std::string& folder, int& descriptor)
+{
+    std::error_code error;
+    std::filesystem::path place = PathOf(folder);
+    if (folder.empty())
+        place = std::filesystem::temp_directory_path(error);
+    if (error)
+        return ENOENT;
+    const HANDLE file =
+        CreateFileW((place / RandomName()).c_str(), GENERIC_READ | GENERIC_WRITE, shareAll, nullptr,
+                    CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return LastError();
+    descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(file), _O_BINARY);
+    if (descriptor >= 0)
+        return 0;
+    CloseHandle(file);
     return EMFILE;
 }
 

@@ -3,6 +3,7 @@
 #include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/file_calls.h"
+#include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/interrupt.h"
 
 #include <cstdio>
@@ -24,14 +25,24 @@ void PrintText(const std::string& text)
                       "the standard output can't be written: " + ErrorText(error));
 }
 
-void PrintSpeed(std::uint64_t rows, std::chrono::steady_clock::duration time)
+void PrintBeside(const std::string& outputPath, const std::string& text)
+{
+    if (outputPath != standardStream) {
+        PrintText(text);
+        return;
+    }
+    [[maybe_unused]] const int ignored = WriteAll(standardError, text.data(), text.size());
+}
+
+void PrintSpeed(const std::string& outputPath, std::uint64_t rows,
+                std::chrono::steady_clock::duration time)
 {
     const double seconds = std::chrono::duration<double>(time).count();
     const double rate = seconds > 0 ? static_cast<double>(rows) / seconds : 0;
     char line[128];
     std::snprintf(line, sizeof line, "%llu rows in %.3f s, %.0f rows per second\n",
                   static_cast<unsigned long long>(rows), seconds, rate);
-    PrintText(line);
+    PrintBeside(outputPath, line);
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -15,7 +15,11 @@ void WriteWholeFile(const std::string& path, const std::string& bytes,
 // To the standard output stream; a stream that takes no more is a failure to write.
 void PrintText(const std::string& text);
 
+// The same, but to the standard error stream where a picture goes to the other.
+void PrintBeside(const std::string& outputPath, const std::string& text);
+
 // The line that ends an explained run.
-void PrintSpeed(std::uint64_t rows, std::chrono::steady_clock::duration time);
+void PrintSpeed(const std::string& outputPath, std::uint64_t rows,
+                std::chrono::steady_clock::duration time);
 
 } // namespace zvk::Pelkraft::Client

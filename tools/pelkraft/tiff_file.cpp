@@ -1,7 +1,6 @@
 #include "tools/pelkraft/tiff_file.h"
 
 #include "tools/pelkraft/failure.h"
-#include "tools/pelkraft/input_file.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -68,9 +67,9 @@ TiffFile::TiffFile(std::unique_ptr<TiffStream> newStream, const std::string& new
     handle.reset(stream->Open(path, mode, options.get()));
 }
 
-TiffFile TiffFile::OpenForReading(const std::string& path)
+TiffFile TiffFile::OpenForReading(const std::string& path, const Spool& spool)
 {
-    InputFile input(path);
+    InputFile input(path, spool);
     TiffFile file(std::make_unique<TiffStream>(input.TakeDescriptor(), input.Size()), path, "r");
     if (!file.handle)
         file.Throw(ExitCode::BadInput,
@@ -81,6 +80,15 @@ TiffFile TiffFile::OpenForReading(const std::string& path)
 TiffFile TiffFile::OpenForWriting(int descriptor, const std::string& shownPath, bool big)
 {
     TiffFile file(std::make_unique<TiffStream>(descriptor, 0), shownPath, big ? "w8" : "w");
+    if (!file.handle)
+        file.Throw(ExitCode::ReadWrite, "cannot be written");
+    return file;
+}
+
+TiffFile TiffFile::OpenForSending(int descriptor, const std::string& shownPath, bool big, int pages)
+{
+    auto stream = std::make_unique<TiffStream>(descriptor, HeldDirectory(big, pages));
+    TiffFile file(std::move(stream), shownPath, big ? "w8" : "w");
     if (!file.handle)
         file.Throw(ExitCode::ReadWrite, "cannot be written");
     return file;
@@ -107,6 +115,22 @@ void TiffFile::FirstPage() const
 {
     if (TIFFSetDirectory(Get(), 0) != 1)
         Throw(ExitCode::BadInput, "can't be read a second time");
+}
+
+void TiffFile::SendDirectory(const StripRun& strips) const
+{
+    stream->StartDirectory();
+    // The check makes room for the strips' offsets, which nobody writes.
+    if (TIFFWriteCheck(Get(), 0, "pelkraft") != 1 || TIFFWriteDirectory(Get()) != 1)
+        Throw(ExitCode::ReadWrite, "cannot be written");
+    stream->SendDirectory(strips);
+    RequireSound();
+}
+
+void TiffFile::SendBytes(const void* bytes, std::size_t count) const
+{
+    stream->Send(bytes, count);
+    RequireSound();
 }
 
 void TiffFile::Close()

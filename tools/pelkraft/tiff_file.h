@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/pelkraft/exit_code.h"
+#include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/tiff_stream.h"
 
 #include <tiffio.h>
@@ -23,10 +24,14 @@ struct TiffMessages
 class TiffFile
 {
 public:
-    // Opens a regular file at its first page.
-    static TiffFile OpenForReading(const std::string& path);
+    // Opens a file at its first page. What comes through a pipe is kept in a file first.
+    static TiffFile OpenForReading(const std::string& path, const Spool& spool = {});
     // Writes to an open file, which it closes; big takes the form for more than 4 GB.
     static TiffFile OpenForWriting(int descriptor, const std::string& shownPath, bool big);
+    // Writes so many pages into a pipe, which it closes. Each page's tags are set, then its
+    // directory is sent, and then its strips.
+    static TiffFile OpenForSending(int descriptor, const std::string& shownPath, bool big,
+                                   int pages);
     // A second handle of the same file, at the same page. It reads in place where mapping can.
     TiffFile OpenAgain(const MappedFile& mapping) const;
 
@@ -40,6 +45,10 @@ public:
     // Goes on to the page after this one, counted from 1. False after the last one.
     bool NextPage(int page) const;
     void FirstPage() const;
+
+    bool IsPipe() const { return stream->IsPipe(); }
+    void SendDirectory(const StripRun& strips) const;
+    void SendBytes(const void* bytes, std::size_t count) const;
 
     // Ends reading, after which only the path and the warnings can be asked for: not every system
     // replaces a file that is open.

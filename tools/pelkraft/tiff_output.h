@@ -5,25 +5,30 @@
 #include "tools/pelkraft/tiff_file.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace zvk::Pelkraft::Client {
 
-// A TIFF file that is being written, and appears whole or not at all.
+// A TIFF file that is being written: one that appears whole or not at all, or the standard output
+// stream, which takes each page's directory before its strips and nothing compressed.
 class TiffOutput
 {
 public:
-    // Pages of so many bytes of samples are to come.
-    TiffOutput(const OutputOptions& options, std::uint64_t sampleBytes);
+    // So many pages are to come, with so many bytes of samples in all.
+    TiffOutput(const OutputOptions& options, std::uint64_t sampleBytes, int pages = 1);
+
+    // Throws what would keep the constructor from its work, without creating anything.
+    static void Check(const OutputOptions& options);
 
     const TiffFile& File() const { return file; }
 
     // Stores all that was written, or fails.
     void Finish() { file.Finish(); }
     // Shows the file under its name.
-    void Commit() { output.Commit(); }
+    void Commit();
 
 private:
-    AtomicOutput output;
+    std::optional<AtomicOutput> output;
     TiffFile file;
 };
 

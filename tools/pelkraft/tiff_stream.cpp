@@ -25,14 +25,32 @@ TIFF* TiffStream::Open(const std::string& path, const char* mode, TIFFOpenOption
                              unmap, options);
 }
 
+void TiffStream::SendDirectory(const StripRun& strips)
+{
+    held->Complete(strips);
+    Send(held->Bytes().data(), held->Bytes().size());
+    size = held->NextOffset();
+}
+
+void TiffStream::Send(const void* bytes, std::size_t count)
+{
+    // After a failure nothing that follows would stand at its place.
+    if (firstError == 0)
+        Note(WriteAll(descriptor, bytes, count));
+}
+
 void TiffStream::Store()
 {
-    if (owner && descriptor >= 0)
-        Note(StoreAndClose(std::exchange(descriptor, -1)));
+    if (!owner || descriptor < 0)
+        return;
+    const int written = std::exchange(descriptor, -1);
+    Note(IsPipe() ? Close(written) : StoreAndClose(written));
 }
 
 std::string TiffStream::Failure() const
 {
+    if (firstError == EPIPE && IsPipe())
+        return "whoever read the pipe has closed it";
     if (firstError != 0)
         return ErrorText(firstError);
     if (cutShort)
@@ -43,6 +61,12 @@ std::string TiffStream::Failure() const
 tmsize_t TiffStream::Read(thandle_t handle, void* bytes, tmsize_t count)
 {
     TiffStream& stream = From(handle);
+    if (stream.IsPipe()) {
+        const auto asked = static_cast<std::size_t>(count);
+        const std::size_t recalled = stream.held->Read(stream.position, bytes, asked);
+        stream.position += recalled;
+        return static_cast<tmsize_t>(recalled);
+    }
     // Bytes wanted after the end are the fault of the file; bytes missing before it are not.
     const std::uint64_t left = stream.size - std::min(stream.size, stream.position);
     const auto wanted = static_cast<std::size_t>(std::min(left, static_cast<std::uint64_t>(count)));
@@ -59,10 +83,13 @@ tmsize_t TiffStream::Write(thandle_t handle, void* bytes, tmsize_t count)
 {
     TiffStream& stream = From(handle);
     const auto wanted = static_cast<std::size_t>(count);
-    const int error = WriteAllAt(stream.descriptor, bytes, wanted, stream.position);
-    stream.Note(error);
-    if (error != 0)
+    if (stream.IsPipe()) {
+        stream.held->Write(stream.position, bytes, wanted);
+    } else if (const int error = WriteAllAt(stream.descriptor, bytes, wanted, stream.position);
+               error != 0) {
+        stream.Note(error);
         return -1;
+    }
     stream.position += wanted;
     stream.size = std::max(stream.size, stream.position);
     return count;

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "tools/pelkraft/held_directory.h"
 #include "tools/pelkraft/mapped_file.h"
 
 #include <tiffio.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace zvk::Pelkraft::Client {
@@ -21,6 +23,11 @@ public:
     TiffStream(const TiffStream& other, const MappedFile& newMapping)
         : descriptor(other.descriptor), size(other.size), mapping(&newMapping), owner(false)
     {}
+    // Writes into a pipe: what libtiff writes is held, and sent when it is complete. It closes the
+    // descriptor.
+    TiffStream(int newDescriptor, const HeldDirectory& newHeld)
+        : descriptor(newDescriptor), size(0), held(newHeld)
+    {}
     ~TiffStream();
     TiffStream(const TiffStream&) = delete;
     TiffStream& operator=(const TiffStream&) = delete;
@@ -30,6 +37,12 @@ public:
 
     int Descriptor() const { return descriptor; }
     std::uint64_t Size() const { return size; }
+
+    // A pipe takes each directory before its strips, and these from Send.
+    bool IsPipe() const { return held.has_value(); }
+    void StartDirectory() { held->Start(size); }
+    void SendDirectory(const StripRun& strips);
+    void Send(const void* bytes, std::size_t count);
 
     // Stores what was written, once the handle is closed.
     void Store();
@@ -51,6 +64,7 @@ private:
     std::uint64_t position = 0;
     const MappedFile* mapping = nullptr;
     bool owner = true;
+    std::optional<HeldDirectory> held;
     int firstError = 0;
     bool cutShort = false;
 };
