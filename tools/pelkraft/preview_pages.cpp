@@ -272,7 +272,7 @@ Crop ReadCrop(const std::string& words)
 
 void PreviewPages(const PreviewOptions& options)
 {
-    TiffFile file = TiffFile::OpenForReading(options.input.path);
+    TiffFile file = OpenInput(options.input, options.output);
     std::set<std::string> told;
     std::uint64_t rows = 0;
     Json plans = Json::array();
