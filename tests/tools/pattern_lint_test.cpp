@@ -206,6 +206,10 @@ TEST_F(PatternLints, SayOneFaultOnce)
         std::vector<std::string> kinds;
     } faults[] = {
         {"Cyan LightCyan\nEND_INKS", "Cyam LightCyan\nEND_INKS", {"ink-unknown"}},
+        // Two letters have changed places, and the word is short.
+        {"Cyan LightCyan\nEND_INKS", "Cyna LightCyan\nEND_INKS", {"ink-unknown"}},
+        {"1 1 1-64\n", "1 1 1-64\n0-3 1-7\n", {"entry-surplus", "entry-surplus"}},
+        {"DotWeavePattern\nVERSION 2", "DotWeavePattern", {"version-missing"}},
         {"BEGIN_IN_COLOR\nBlack", "BEGIN_IN_COLOR\nBlock", {"in-colour-unknown", "refused"}},
         {"LightCyan\nEND_INKS", "END_INKS", {"ink-unfed", "position-empty"}},
         {"1 1 0-255\nEND_VALUES\nEND_IN_COLOR\n",
@@ -252,6 +256,36 @@ TEST_F(PatternLints, NameTheCodeOfATextAndKeepItFromTheTerminal)
     WriteBytes(Path("odd.txt"), odd);
     EXPECT_NE(std::string::npos,
               Run({"pattern", Path("odd.txt")}).output.find("\n    ??\xC3\xA9?? ?\n"));
+}
+
+// Whatever the width and the order of the bytes, and whether a mark tells it or not.
+TEST_F(PatternLints, SayNothingMoreOfATextInWideCharacters)
+{
+    const struct
+    {
+        const char* code;
+        std::size_t before;
+        std::size_t after;
+        std::string mark;
+    } codes[] = {{"UTF-16", 0, 1, ""},
+                 {"UTF-16", 1, 0, ""},
+                 {"UTF-16", 0, 1, "\xFF\xFE"},
+                 {"UTF-16", 1, 0, "\xFE\xFF"},
+                 {"UTF-32", 0, 3, ""},
+                 {"UTF-32", 3, 0, ""},
+                 {"UTF-32", 0, 3, std::string("\xFF\xFE\0\0", 4)},
+                 {"UTF-32", 3, 0, std::string("\0\0\xFE\xFF", 4)}};
+    for (const auto& [code, before, after, mark] : codes) {
+        std::string text = mark;
+        for (const char letter : std::string(smallPattern))
+            text += std::string(before, '\0') + letter + std::string(after, '\0');
+        const Json findings = FindingsOf(text);
+        ASSERT_EQ(1U, findings.size()) << findings;
+        EXPECT_EQ("header-missing", findings[0]["kind"]);
+        EXPECT_EQ(std::string("the text is in ") + code, findings[0]["message"]);
+    }
+    EXPECT_EQ(std::vector<std::string>{"header-missing"},
+              Kinds(FindingsOf("II*" + std::string(5, '\0') + "picture")));
 }
 
 // A block or a list of this very name counts more than one that was taken for it.

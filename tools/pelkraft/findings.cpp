@@ -96,10 +96,11 @@ const char* SeverityName(Severity severity)
 }
 
 void AddFinding(Findings& findings, Severity severity, const char* kind, TextSpan place,
-                std::string message, std::string hint)
+                std::string message, std::string hint, std::optional<std::string> replacement)
 {
     if (findings.size() < mostFindings)
-        findings.push_back({severity, kind, place, std::move(message), std::move(hint)});
+        findings.push_back(
+            {severity, kind, place, std::move(message), std::move(hint), std::move(replacement)});
 }
 
 void SortFindings(Findings& findings)

@@ -3,6 +3,7 @@
 #include "tools/pelkraft/pattern_text.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,8 @@ struct Finding
     TextSpan place;
     std::string message;
     std::string hint;
+    // Takes the place of the piece, where that is certainly what the author meant.
+    std::optional<std::string> replacement;
 };
 
 using Findings = std::vector<Finding>;
@@ -35,7 +38,7 @@ using Findings = std::vector<Finding>;
 // A text that is no pattern has something wrong in every word: more than this are left out.
 constexpr std::size_t mostFindings = 1000;
 void AddFinding(Findings& findings, Severity severity, const char* kind, TextSpan place,
-                std::string message, std::string hint);
+                std::string message, std::string hint, std::optional<std::string> replacement = {});
 
 const char* SeverityName(Severity severity);
 

@@ -17,19 +17,24 @@ constexpr const char* keywords[] = {
 // Longer words are no names that a slip of the hand made.
 constexpr std::size_t longestCompared = 64;
 
-// Letters to insert, drop or replace.
+// Letters to insert, drop or replace, and neighbours to swap.
 std::size_t Distance(std::string_view left, std::string_view right)
 {
+    std::vector<std::size_t> before(right.size() + 1);
     std::vector<std::size_t> row(right.size() + 1);
-    for (std::size_t i = 0; i < row.size(); ++i)
-        row[i] = i;
+    for (std::size_t k = 0; k < row.size(); ++k)
+        row[k] = k;
     for (std::size_t i = 0; i < left.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
+        std::vector<std::size_t> next(right.size() + 1, i + 1);
         for (std::size_t k = 0; k < right.size(); ++k) {
-            const std::size_t replaced = diagonal + (left[i] == right[k] ? 0 : 1);
-            diagonal = row[k + 1];
-            row[k + 1] = std::min({replaced, row[k] + 1, diagonal + 1});
+            const std::size_t replaced = row[k] + (left[i] == right[k] ? 0 : 1);
+            next[k + 1] = std::min({replaced, next[k] + 1, row[k + 1] + 1});
+            const bool swapped =
+                i > 0 && k > 0 && left[i] == right[k - 1] && left[i - 1] == right[k];
+            if (swapped)
+                next[k + 1] = std::min(next[k + 1], before[k - 1] + 1);
         }
+        before = std::exchange(row, std::move(next));
     }
     return row.back();
 }
@@ -50,23 +55,32 @@ bool IsKeyword(std::string_view word)
     return std::find(std::begin(keywords), std::end(keywords), word) != std::end(keywords);
 }
 
-std::string NearestName(const std::string& word, const std::vector<std::string>& candidates)
+std::vector<std::string> NearestNames(const std::string& word,
+                                      const std::vector<std::string>& candidates)
 {
     const std::string upper = UpperCase(word);
     if (upper.size() < 3 || upper.size() > longestCompared)
         return {};
-    std::string nearest;
-    std::size_t best = upper.size() < 6 ? 2 : 3;
+    std::vector<std::string> nearest;
+    std::size_t best = upper.size() < 6 ? 1 : 2;
     for (const std::string& candidate : candidates) {
         if (candidate.size() > longestCompared)
             continue;
         const std::size_t distance = Distance(upper, UpperCase(candidate));
-        if (distance < best) {
-            best = distance;
-            nearest = candidate;
-        }
+        if (distance > best)
+            continue;
+        if (distance < best)
+            nearest.clear();
+        best = distance;
+        nearest.push_back(candidate);
     }
     return nearest;
+}
+
+std::string NearestName(const std::string& word, const std::vector<std::string>& candidates)
+{
+    const std::vector<std::string> nearest = NearestNames(word, candidates);
+    return nearest.empty() ? std::string() : nearest.front();
 }
 
 std::string NearestKeyword(const std::string& word)

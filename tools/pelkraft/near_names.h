@@ -10,8 +10,11 @@ namespace zvk::Pelkraft::Client {
 const char* KeywordInAnyCase(std::string_view word);
 bool IsKeyword(std::string_view word);
 
-// Out of candidates the one that a slip of the hand or two turns into this word, in any case;
-// empty if there is none.
+// Out of candidates those that the fewest slips of the hand, two at most, turn into this word, in
+// any case: a letter too many, too few or wrong, or two swapped. Then the first of them; empty if
+// there is none.
+std::vector<std::string> NearestNames(const std::string& word,
+                                      const std::vector<std::string>& candidates);
 std::string NearestName(const std::string& word, const std::vector<std::string>& candidates);
 std::string NearestKeyword(const std::string& word);
 

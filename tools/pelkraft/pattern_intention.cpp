@@ -7,6 +7,7 @@
 #include "zvk/split.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -38,6 +39,13 @@ public:
     void LintHeader()
     {
         const std::string hint = "begin the text with the word DotWeavePattern";
+        if (!text.WideCode().empty()) {
+            const TextSpan place = tokens.empty() ? TextSpan() : tokens.front().place;
+            AddFinding(findings, Severity::Error, "header-missing", place,
+                       "the text is in " + text.WideCode(),
+                       "save it as UTF-8 without a byte order mark");
+            return;
+        }
         if (tokens.empty()) {
             AddFinding(findings, Severity::Error, "header-missing", {}, "the text holds no word",
                        hint);
@@ -47,12 +55,9 @@ public:
         outline.hasHeader = first.text == patternHeader;
         if (outline.hasHeader)
             return;
-        if (StartsWith(first.text, "\xFF\xFE") || StartsWith(first.text, "\xFE\xFF"))
-            Error("header-missing", first, "the text is in UTF-16",
-                  "save it as UTF-8 without a byte order mark");
-        else if (first.text == byteOrderMark + std::string(patternHeader))
+        if (first.text == byteOrderMark + std::string(patternHeader))
             Error("header-missing", first, "a byte order mark stands ahead of the header word",
-                  "save the text as UTF-8 without a byte order mark");
+                  "save the text as UTF-8 without a byte order mark", patternHeader);
         else if (!Means(first, patternHeader))
             Error("header-missing", first,
                   Quoted(first.text) + " stands where the header word must", hint);
@@ -139,7 +144,8 @@ public:
     {
         switch (refusal) {
         case PatternRefusal::UnsupportedVersion:
-            if (!std::exchange(toldOfVersion, true))
+            // A text without a version is told so as a whole.
+            if (outline.earlyVersion && !std::exchange(toldOfVersion, true))
                 Error("version-low", at,
                       "values are read at version " + std::to_string(outline.version) +
                           ", which the reference engine alone takes",
@@ -209,7 +215,7 @@ public:
         if (meant == nullptr || token.text == meant || meant != keyword)
             return false;
         Error("keyword-case", token, Quoted(token.text) + " is no keyword in this case of letters",
-              "write " + std::string(keyword));
+              "write " + std::string(keyword), std::string(keyword));
         return true;
     }
 
@@ -219,14 +225,12 @@ public:
             unknownInColour = &token;
         if (findings.size() >= mostFindings)
             return noIndex;
-        const NamedIndex* nearest = FindNearest(list, token.text);
-        LintUnknownName(list, token, nearest);
-        if (nearest == nullptr)
-            return noIndex;
+        const std::vector<const NamedIndex*> nearest = FindNearest(list, token.text);
         // Whatever is in use already is hardly meant again.
-        const bool inUse = list == NameList::OutInks ? outline.feeders.count(nearest->index) != 0
-                                                     : Places(nearest->index).described.has_value();
-        return inUse ? noIndex : nearest->index;
+        const bool isMeant = !nearest.empty() && !IsInUse(list, nearest.front()->index);
+        LintUnknownName(list, token, nearest.empty() ? nullptr : nearest.front(),
+                        isMeant && nearest.size() == 1);
+        return isMeant ? nearest.front()->index : noIndex;
     }
 
     SectionEnd FindEnd(const PatternToken& token, const PatternToken& opening,
@@ -245,7 +249,7 @@ public:
                 return SectionEnd::None;
         }
         const bool holdsLines = closing == "END_VALUES" && &opening != skippedValues;
-        if (holdsLines && !StartsLine(token) && IsEntryWord(token.text)) {
+        if (holdsLines && IsEntryWord(token.text)) {
             Error("entry-surplus", token,
                   Quoted(token.text) + " is one entry too many, and is read as a step number",
                   "give the ratio a weight for it, or leave it out");
@@ -315,19 +319,36 @@ private:
                    .find_first_of("\r\n") != std::string_view::npos;
     }
 
-    // Null where no name is near.
-    const NamedIndex* FindNearest(NameList list, const std::string& word) const
+    bool IsInUse(NameList list, std::int32_t index) const
+    {
+        return list == NameList::OutInks ? outline.feeders.count(index) != 0
+                                         : Places(index).described.has_value();
+    }
+
+    // Those that are equally near; none where no name is.
+    std::vector<const NamedIndex*> FindNearest(NameList list, const std::string& word) const
     {
         const auto& names = Names(list);
         std::vector<std::string> spellings;
         for (auto name = names.begin(); name != names.end() && spellings.size() < mostCompared;
              ++name)
             spellings.push_back(name->second.spelling);
-        const std::string nearest = NearestName(word, spellings);
-        return nearest.empty() ? nullptr : &names.at(UpperCase(nearest));
+        std::vector<const NamedIndex*> nearest;
+        for (const std::string& name : NearestNames(word, spellings))
+            nearest.push_back(&names.at(UpperCase(name)));
+        return nearest;
     }
 
-    void LintUnknownName(NameList list, const PatternToken& token, const NamedIndex* nearest)
+    static std::string AsWord(const std::string& name)
+    {
+        const bool isPlain =
+            name.find_first_of(" \t\r\n") == std::string::npos && name.front() != patternComment;
+        return isPlain ? name : '"' + name + '"';
+    }
+
+    // What is certainly meant can be put in place of the name.
+    void LintUnknownName(NameList list, const PatternToken& token, const NamedIndex* nearest,
+                         bool isCertain)
     {
         const bool isInk = list == NameList::OutInks;
         const std::string listed = isInk ? "BEGIN_OUT_INKS" : "BEGIN_IN_COLORS";
@@ -338,7 +359,8 @@ private:
                  (isInk ? " and takes no position, which moves the names after it"
                         : " and selects no in-colour"),
              name.empty() ? "list it in " + listed
-                          : "did you mean " + name + "? Otherwise list it in " + listed);
+                          : "did you mean " + name + "? Otherwise list it in " + listed,
+             isCertain ? std::optional<std::string>(AsWord(name)) : std::nullopt);
     }
 
     void LintStray(const PatternToken& word, std::ptrdiff_t more)
@@ -354,16 +376,18 @@ private:
                              : "did you mean " + nearest + "?");
     }
 
-    void Error(const char* kind, const PatternToken& token, std::string message, std::string hint)
+    void Error(const char* kind, const PatternToken& token, std::string message, std::string hint,
+               std::optional<std::string> replacement = {})
     {
         AddFinding(findings, Severity::Error, kind, token.place, std::move(message),
-                   std::move(hint));
+                   std::move(hint), std::move(replacement));
     }
 
-    void Warn(const char* kind, const PatternToken& token, std::string message, std::string hint)
+    void Warn(const char* kind, const PatternToken& token, std::string message, std::string hint,
+              std::optional<std::string> replacement = {})
     {
         AddFinding(findings, Severity::Warning, kind, token.place, std::move(message),
-                   std::move(hint));
+                   std::move(hint), std::move(replacement));
     }
 
     const PatternText& text;

@@ -17,6 +17,11 @@ public:
 
     void Run()
     {
+        // The header has been told of, and what else there is to say comes of it.
+        const bool isNoPattern =
+            !outline.hasHeader && !outline.earlyVersion && outline.InColourCount() == 0;
+        if (isNoPattern || !text.WideCode().empty())
+            return;
         if (text.EndsAtZero())
             Add(Severity::Warning, "text-cut", {text.Bytes().size(), 0},
                 "a zero byte ends the text here; the rest of the file is not read",

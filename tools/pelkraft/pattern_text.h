@@ -19,6 +19,8 @@ public:
     // Up to the first zero byte, where a text ends for the library.
     const std::string& Bytes() const { return bytes; }
     bool EndsAtZero() const { return endsAtZero; }
+    // "UTF-16" or "UTF-32" where the file is of wide characters, else empty.
+    const std::string& WideCode() const { return wideCode; }
 
     TextPlace PlaceOf(std::size_t offset) const { return lines.PlaceOf(offset, bytes); }
     // Without its end; the line of a place that PlaceOf gave.
@@ -28,6 +30,7 @@ private:
     std::string path;
     std::string bytes;
     bool endsAtZero;
+    std::string wideCode;
     TextLines lines;
 };
 
