@@ -3,7 +3,9 @@
 #include "common/image_row_format.h"
 #include "common/row_size.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 
 namespace zvk::Pelkraft {
 
@@ -28,6 +30,28 @@ struct ConversionRequest
     bool maps = false;
     ChannelMap map = {};
 };
+
+// The pixels of each row that have a counterpart in the other.
+struct ActiveWidths
+{
+    std::int64_t source;
+    std::int64_t destination;
+};
+
+inline ActiveWidths ActiveWidthsOf(const ConversionRequest& request)
+{
+    const std::int64_t sourceWidth = request.source.width;
+    const std::int64_t destinationWidth = request.destination.width;
+    std::int64_t sourceActive = std::min(sourceWidth, destinationWidth);
+    std::int64_t destinationActive = sourceActive;
+    // Most calls have the factor 1, and a division takes longer than all else here.
+    if (request.factor != 1) {
+        const std::int64_t repeats = std::abs(std::int64_t{request.factor});
+        sourceActive = std::min(sourceWidth, (destinationWidth + repeats - 1) / repeats);
+        destinationActive = std::min(sourceWidth * repeats, destinationWidth);
+    }
+    return {sourceActive, destinationActive};
+}
 
 struct FormatPair
 {

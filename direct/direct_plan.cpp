@@ -1,6 +1,7 @@
 #include "direct/direct_plan.h"
 
 #include "common/bit_sizes.h"
+#include "common/inlining.h"
 #include "direct/tile.h"
 
 #include <algorithm>
@@ -12,12 +13,42 @@ namespace {
 // Pixels of more bytes than this never stand whole in the tile; their channels take turns there.
 constexpr std::size_t maxTilePixelBytes = 256;
 
-// Interleaved samples take whole bytes, whatever their depth.
-std::uint8_t StorageBits(const ImageRowFormat& format)
+// The samples of a row in memory.
+struct Form
 {
-    if (IsPacked(format))
-        return static_cast<std::uint8_t>(format.bits);
-    return format.bits > 8 ? 16 : 8;
+    std::uint8_t bits;
+    bool planar;
+};
+
+// Interleaved samples take whole bytes, whatever their depth.
+Form FormOf(std::int32_t bits, bool planar)
+{
+    if (planar)
+        return {static_cast<std::uint8_t>(bits), true};
+    return {static_cast<std::uint8_t>(bits > 8 ? 16 : 8), false};
+}
+
+// One side of a conversion.
+struct Side
+{
+    std::uint32_t channels;
+    Form form;
+    std::size_t width;
+    // So many of them take part.
+    std::size_t pixels;
+};
+
+Side SideOf(const RowGeometry& row, std::int64_t activeWidth)
+{
+    return {static_cast<std::uint32_t>(row.channels), FormOf(row.bits, row.planar),
+            static_cast<std::size_t>(row.width), static_cast<std::size_t>(activeWidth)};
+}
+
+Side SideOf(const ImageRowFormat& format)
+{
+    return {static_cast<std::uint32_t>(format.channels),
+            FormOf(format.bits, format.layout != LayoutInterleaved),
+            static_cast<std::size_t>(format.width), static_cast<std::size_t>(format.activeWidth)};
 }
 
 constexpr std::size_t wordBytes = sizeof(std::uint64_t);
@@ -58,10 +89,12 @@ constexpr std::array<unsigned char, maxStepBytes> CountPlaces()
 
 constexpr std::array<unsigned char, maxStepBytes> unmappedPlaces = CountPlaces();
 
-// Pixels of so many channels, mapped by the plan's entries or not at all. A step over planes takes
-// samples for pixels.
-void FillStep(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes, bool maps)
+// Makes ready the step of a pass of that kind. A step over planes takes samples for pixels.
+void FillStep(DirectPlan& plan, const PassOutput& pass)
 {
+    const std::uint32_t channels = pass.planar ? 1 : plan.channels;
+    const bool maps = plan.mapped && !plan.sourcePlanar && !plan.splitMaps;
+    const std::size_t sampleBytes = pass.bits / 8U;
     PixelStep& step = plan.step;
     step.sourceBytes =
         static_cast<std::uint8_t>(sampleBytes * (maps ? plan.sourceChannels : channels));
@@ -78,14 +111,14 @@ void FillStep(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes,
 class PassList
 {
 public:
-    PassList(DirectPlan& newPlan, std::uint8_t newBits, bool newPlanar)
+    constexpr PassList(DirectPlan& newPlan, std::uint8_t newBits, bool newPlanar)
         : plan(newPlan), targetBits(newBits), targetPlanar(newPlanar),
           turns(plan.mirrored || plan.repeat != 1), maps(plan.mapped),
           samples(plan.sourceBits == newBits ? Samples::AsFill : plan.extras->samples),
           planar(plan.sourcePlanar), bits(plan.sourceBits)
     {}
 
-    void Choose()
+    constexpr void Choose()
     {
         if (plan.extras->clears) {
             // No place is sought in a source that may be null.
@@ -112,32 +145,26 @@ public:
     }
 
 private:
-    void Add(PassKind kind) { Add(kind, planar, bits); }
+    constexpr void Add(PassKind kind) { Add(kind, planar, bits); }
 
-    void Add(PassKind kind, bool newPlanar, std::uint8_t newBits)
+    constexpr void Add(PassKind kind, bool newPlanar, std::uint8_t newBits)
     {
         plan.passes[plan.passCount++] = {kind, newPlanar, newBits};
         planar = newPlanar;
         bits = newBits;
     }
 
-    void AddStep(std::uint32_t channels)
-    {
-        FillStep(plan, channels, bits / 8U, maps);
-        Add(PassKind::Step);
-    }
-
     // If a map is still to come, the larger one of both pixels counts.
-    std::size_t PixelBytes() const
+    constexpr std::size_t PixelBytes() const
     {
         const std::size_t channels = std::max(maps ? plan.sourceChannels : 0, plan.channels);
         return WholeBytesOf(channels, bits);
     }
 
-    bool FitsTile() const { return PixelBytes() <= maxTilePixelBytes; }
-    bool FitsStep() const { return PixelBytes() <= plan.kernels->pixels->stepBytes; }
+    constexpr bool FitsTile() const { return PixelBytes() <= maxTilePixelBytes; }
+    constexpr bool FitsStep() const { return PixelBytes() <= plan.kernels->pixels->stepBytes; }
 
-    void Unpack()
+    constexpr void Unpack()
     {
         if (targetBits == 16 && targetPlanar && !turns && samples == Samples::AsFill)
             return Add(PassKind::UnpackWiden, true, 16);
@@ -146,7 +173,7 @@ private:
             Add(PassKind::Stretch, true, 8);
     }
 
-    void Narrow()
+    constexpr void Narrow()
     {
         if (planar && targetBits < 8 && !turns && samples == Samples::AsFill)
             return Add(PassKind::NarrowPack, true, targetBits);
@@ -158,16 +185,19 @@ private:
         Add(KeepsNumbers() ? PassKind::Cut : PassKind::Narrow, planar, 8);
     }
 
-    bool KeepsNumbers() const { return samples == Samples::AsLevels; }
-    PassKind WidenKind() const { return KeepsNumbers() ? PassKind::Extend : PassKind::Widen; }
+    constexpr bool KeepsNumbers() const { return samples == Samples::AsLevels; }
+    constexpr PassKind WidenKind() const
+    {
+        return KeepsNumbers() ? PassKind::Extend : PassKind::Widen;
+    }
 
     // Few channels that are only split have kernels that change the depth as well.
-    bool HasFusedSplit() const
+    constexpr bool HasFusedSplit() const
     {
         return !maps && !turns && plan.channels > 1 && plan.channels <= maxFusedChannels;
     }
 
-    void Split()
+    constexpr void Split()
     {
         if (bits == 8 && targetBits < 8 && HasFusedSplit()) {
             QuantizeTones();
@@ -182,12 +212,12 @@ private:
 
     // Mirrors and repeats where the pixels have the fewest bytes, and maps with it where that is
     // the same work.
-    void Turn()
+    constexpr void Turn()
     {
         if (planar && !targetPlanar && FitsTile())
             Add(PassKind::Merge, false, bits);
         if (!planar && FitsStep()) {
-            AddStep(plan.channels);
+            Add(PassKind::Step);
             maps = turns = false;
         } else if (!planar && !maps && !targetPlanar && (FitsTile() || bits == targetBits)) {
             Add(PassKind::Move);
@@ -196,13 +226,13 @@ private:
             if (!planar)
                 Split();
             if (turns)
-                AddStep(1);
+                Add(PassKind::Step);
             turns = false;
         }
     }
 
     // Samples are widened last, so that few bytes travel, where the pixels fit the tile.
-    void ChangeLayout()
+    constexpr void ChangeLayout()
     {
         // One channel stands the same in both.
         if (plan.channels == 1 && !maps) {
@@ -216,7 +246,7 @@ private:
         Add(PassKind::Merge, false, bits);
     }
 
-    void FinishDepth()
+    constexpr void FinishDepth()
     {
         if (targetBits == 16)
             return Add(WidenKind(), planar, 16);
@@ -225,7 +255,7 @@ private:
     }
 
     // Packing takes the low bits.
-    void QuantizeTones()
+    constexpr void QuantizeTones()
     {
         if (samples == Samples::AsTones)
             Add(PassKind::Quantize);
@@ -296,17 +326,77 @@ bool NeedsTile(const DirectPlan& plan)
            plan.staged || (plan.patchesRows && LeavesCache(plan));
 }
 
-} // namespace
-
-bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats,
-                    const DirectExtras& extras)
+// A row of one channel is a plane as well, and is taken for what asks for less.
+constexpr void ChoosePasses(DirectPlan& plan, Form target)
 {
-    const auto& [source, destination] = formats;
-    plan.extras = &extras;
-    plan.road = RoadOf(request.sseVersion);
-    plan.kernels = &KernelsOf(plan.road);
-    plan.sourceChannels = static_cast<std::uint32_t>(source.channels);
-    plan.channels = static_cast<std::uint32_t>(destination.channels);
+    bool planar = target.planar;
+    if (plan.sourceChannels == 1 && plan.sourceBits >= 8)
+        plan.sourcePlanar = plan.mapped || planar;
+    if (plan.channels == 1 && target.bits >= 8)
+        planar = plan.sourcePlanar || (plan.mapped && plan.sourceChannels * plan.sourceBits / 8 >
+                                                          plan.kernels->pixels->stepBytes);
+    PassList(plan, target.bits, planar).Choose();
+}
+
+// The passes of conversions that neither map nor turn have a table, for up to so many channels:
+// pixels of them fit the tile at any depth.
+constexpr std::uint32_t maxTabledChannels = maxTilePixelBytes / 2;
+// The least channels of those that have the same passes.
+constexpr std::array<std::uint32_t, 3> leastChannels = {1, 2, maxFusedChannels + 1};
+
+constexpr std::size_t IndexOf(std::uint32_t channels)
+{
+    return (channels >= leastChannels[1] ? 1U : 0U) + (channels >= leastChannels[2] ? 1U : 0U);
+}
+
+// Each has the place that IndexOf gives it, which is found by arithmetic.
+constexpr std::array<Form, 6> forms = {
+    {{1, true}, {2, true}, {8, true}, {8, false}, {16, true}, {16, false}}};
+
+constexpr std::size_t IndexOf(Form form)
+{
+    return (form.bits >> 2 | (form.bits >> 1 & 1U)) + (form.planar ? 0U : 1U);
+}
+
+using PassTable = std::array<std::array<std::array<ChosenPasses, forms.size()>, forms.size()>,
+                             leastChannels.size()>;
+
+constexpr PassTable MakePassTable()
+{
+    PassTable table{};
+    for (const std::uint32_t channels : leastChannels)
+        for (const Form source : forms)
+            for (const Form target : forms) {
+                DirectPlan plan{};
+                plan.extras = &noExtras;
+                plan.sourceChannels = plan.channels = channels;
+                plan.sourceBits = source.bits;
+                plan.sourcePlanar = source.planar;
+                plan.repeat = 1;
+                ChoosePasses(plan, target);
+                table[IndexOf(channels)][IndexOf(source)][IndexOf(target)] = plan;
+            }
+    return table;
+}
+
+constexpr PassTable passTable = MakePassTable();
+
+// Sets what passes don't depend on.
+void SetSizes(DirectPlan& plan, const Side& source, const Side& target, bool mirrored)
+{
+    plan.sourceChannels = source.channels;
+    plan.channels = target.channels;
+    plan.sourcePlaneBytes = BytesOf(source.width, source.form.bits);
+    plan.planeBytes = BytesOf(target.width, target.form.bits);
+    plan.firstPixel = mirrored ? source.width - source.pixels : 0;
+    plan.sourcePixels = source.pixels;
+    plan.pixels = target.pixels;
+    plan.tilePixels = 0;
+}
+
+PELKRAFT_NEVER_INLINE bool ChooseOneByOne(DirectPlan& plan, const ConversionRequest& request,
+                                          Form source, Form target)
+{
     plan.mapped = request.maps;
     if (plan.mapped && !CopyMap(plan, request.map))
         return false;
@@ -318,25 +408,13 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const Fo
     plan.mirrored = request.factor < 0;
     plan.passCount = 0;
     plan.splitMaps = false;
-    plan.tilePixels = 0;
-    plan.sourceBits = StorageBits(source);
-    const std::uint8_t bits = StorageBits(destination);
-    plan.sourcePlanar = source.layout != LayoutInterleaved;
-    bool planar = destination.layout != LayoutInterleaved;
-    // A row of one channel is a plane as well, and is taken for what asks for less.
-    if (source.channels == 1 && !IsPacked(source))
-        plan.sourcePlanar = plan.mapped || planar;
-    if (destination.channels == 1 && !IsPacked(destination))
-        planar = plan.sourcePlanar ||
-                 plan.sourceChannels * plan.sourceBits / 8 > plan.kernels->pixels->stepBytes;
-    plan.sourcePlaneBytes = BytesOf(static_cast<std::size_t>(source.width), plan.sourceBits);
-    plan.planeBytes = BytesOf(static_cast<std::size_t>(destination.width), bits);
-    plan.sourcePixels = static_cast<std::size_t>(source.activeWidth);
-    plan.pixels = static_cast<std::size_t>(destination.activeWidth);
-    plan.firstPixel =
-        plan.mirrored ? static_cast<std::size_t>(source.width) - plan.sourcePixels : 0;
-
-    PassList(plan, bits, planar).Choose();
+    plan.sourceBits = source.bits;
+    plan.sourcePlanar = source.planar;
+    ChoosePasses(plan, target);
+    for (std::size_t i = 0; i != plan.passCount; ++i)
+        if (plan.passes[i].kind == PassKind::Step)
+            FillStep(plan, plan.passes[i]);
+    const DirectExtras& extras = *plan.extras;
     plan.staged = extras.staged && FitsStage(plan);
     plan.patchesRows = extras.patch != nullptr && !plan.staged;
     if (NeedsTile(plan))
@@ -344,6 +422,36 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const Fo
     if (plan.splitMaps)
         FillFirstUses(plan);
     return true;
+}
+
+} // namespace
+
+bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request)
+{
+    plan.kernels = &KernelsOf(RoadOf(request.sseVersion));
+    plan.extras = &noExtras;
+    const ActiveWidths active = ActiveWidthsOf(request);
+    const Side source = SideOf(request.source, active.source);
+    const Side target = SideOf(request.destination, active.destination);
+    SetSizes(plan, source, target, request.factor < 0);
+    if (request.factor != 1 || request.maps || source.channels > maxTabledChannels)
+        return ChooseOneByOne(plan, request, source.form, target.form);
+    static_cast<ChosenPasses&>(plan) =
+        passTable[IndexOf(source.channels)][IndexOf(source.form)][IndexOf(target.form)];
+    if (plan.passCount != 1)
+        SizeTile(plan);
+    return true;
+}
+
+bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats,
+                    const DirectExtras& extras)
+{
+    plan.kernels = &KernelsOf(RoadOf(request.sseVersion));
+    plan.extras = &extras;
+    const Side source = SideOf(formats.source);
+    const Side target = SideOf(formats.destination);
+    SetSizes(plan, source, target, request.factor < 0);
+    return ChooseOneByOne(plan, request, source.form, target.form);
 }
 
 } // namespace zvk::Pelkraft

@@ -89,12 +89,9 @@ struct DirectExtras
 
 inline constexpr DirectExtras noExtras = {};
 
-// A conversion as one to five passes. The record is small, since each call makes one; what a
-// field's meaning depends on stands in the field before it.
-struct DirectPlan
+// One to five passes, and which rows they take. The usual ones are copied from a table in one go.
+struct ChosenPasses
 {
-    const Kernels* kernels;
-    Road road;
     std::uint8_t passCount;
     std::uint8_t sourceBits;
     bool sourcePlanar;
@@ -104,12 +101,19 @@ struct DirectPlan
     bool splitMaps;
     // 1, 2 or 4.
     std::uint8_t repeat;
-    std::array<PassOutput, 5> passes;
-    const DirectExtras* extras;
     // The last pass ends in a tile as well.
     bool staged;
     // The pixels are patched where they stand in the row.
     bool patchesRows;
+    std::array<PassOutput, 5> passes;
+};
+
+// A conversion on the direct road. The record is small, since each call makes one; what a field's
+// meaning depends on stands in a field before it.
+struct DirectPlan : ChosenPasses
+{
+    const Kernels* kernels;
+    const DirectExtras* extras;
     std::uint32_t sourceChannels;
     std::uint32_t channels;
     // Bytes of a plane, with the pixels that take no part.
@@ -136,8 +140,11 @@ struct DirectPlan
 // Answers whether the direct road serves the conversion, whose rows are known to be served by
 // some road. It declines a map of more than maxMapEntries entries that stands in no extras, and one
 // with an entry beyond the source's channels; a map of no more entries is copied even so.
+bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request);
+
+// The same for a plan of many rows, whose formats say more than the request has room for.
 bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const FormatPair& formats,
-                    const DirectExtras& extras = noExtras);
+                    const DirectExtras& extras);
 
 inline const std::int32_t* EntriesOf(const DirectPlan& plan)
 {

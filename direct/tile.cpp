@@ -1,10 +1,8 @@
 #include "direct/tile.h"
 
 #include "common/bit_sizes.h"
-#include "common/inlining.h"
 #include "direct/finished_pixels.h"
 #include "direct/pass_run.h"
-#include "direct/whole_row.h"
 
 #include <algorithm>
 
@@ -206,28 +204,9 @@ void SizeTile(DirectPlan& plan)
     plan.tilePixels = RoundUp((plan.sourcePixels + tiles - 1) / tiles, tileUnit);
 }
 
-namespace {
-
-// Neither of the two ways to a row carries the frame of the tiles.
-PELKRAFT_NEVER_INLINE void RunTiles(const DirectPlan& plan, const DirectRows& rows)
+void RunTiles(const DirectPlan& plan, const DirectRows& rows)
 {
     TileRun(plan, rows).Run();
-}
-
-} // namespace
-
-void RunDirect(const DirectPlan& plan, const DirectRows& rows)
-{
-    if (plan.tilePixels != 0)
-        RunTiles(plan, rows);
-    else
-        RunRow(plan, rows);
-}
-
-void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
-{
-    RunDirect(plan, {source, static_cast<std::ptrdiff_t>(plan.sourcePlaneBytes), target,
-                     static_cast<std::ptrdiff_t>(plan.planeBytes)});
 }
 
 } // namespace zvk::Pelkraft

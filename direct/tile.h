@@ -8,4 +8,7 @@ namespace zvk::Pelkraft {
 // two passes stays in the first-level cache.
 void SizeTile(DirectPlan& plan);
 
+// Runs a plan that has a tile.
+void RunTiles(const DirectPlan& plan, const DirectRows& rows);
+
 } // namespace zvk::Pelkraft

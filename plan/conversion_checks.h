@@ -2,11 +2,9 @@
 
 #include "common/conversion.h"
 
-#include <algorithm>
-#include <cstdlib>
+#include <cstdint>
 
-// The checks of a conversion. They stand here with their bodies, since each call of a row makes
-// them and they are less work than the calls of them.
+// The checks of a conversion, whose order is always the same.
 namespace zvk::Pelkraft {
 
 inline constexpr const char* invalidWidth = "zvk::Pelkraft::ImageRowFormat invalid width";
@@ -62,18 +60,9 @@ inline bool LayoutsMeet(const FormatPair& formats)
 // for the source, then for the destination.
 inline void BuildFormats(FormatPair& formats, const ConversionRequest& request)
 {
-    const std::int64_t sourceWidth = request.source.width;
-    const std::int64_t destinationWidth = request.destination.width;
-    std::int64_t sourceActive = std::min(sourceWidth, destinationWidth);
-    std::int64_t destinationActive = sourceActive;
-    // Most calls have the factor 1, and a division takes longer than all else here.
-    if (request.factor != 1) {
-        const std::int64_t repeats = std::abs(std::int64_t{request.factor});
-        sourceActive = std::min(sourceWidth, (destinationWidth + repeats - 1) / repeats);
-        destinationActive = std::min(sourceWidth * repeats, destinationWidth);
-    }
-    BuildFormat(formats.source, request.source, request.factor < 0, sourceActive);
-    BuildFormat(formats.destination, request.destination, false, destinationActive);
+    const ActiveWidths active = ActiveWidthsOf(request);
+    BuildFormat(formats.source, request.source, request.factor < 0, active.source);
+    BuildFormat(formats.destination, request.destination, false, active.destination);
 }
 
 // Refuses what no road serves, once there is a chain for it, and answers whether there is a pixel
@@ -93,6 +82,32 @@ inline bool MovesPixels(const ConversionRequest& request, const FormatPair& form
         throw unsupportedMap;
     // Both sides' active widths are 0, or neither.
     return formats.source.activeWidth != 0;
+}
+
+// True only where no check finds anything and there are pixels to move. Most requests are such and
+// need no more than this; the others go through the checks one by one.
+inline bool IsFaultless(const ConversionRequest& request)
+{
+    // Planes of 1, 2, 8 and 16 bits and interleaved samples of 8 and 16 have a way to each other.
+    const auto isCommon = [](const RowGeometry& row) {
+        constexpr std::uint32_t interleaved = 1U << 8 | 1U << 16;
+        constexpr std::uint32_t planar = interleaved | 1U << 1 | 1U << 2;
+        const auto depth = static_cast<std::uint32_t>(row.bits);
+        return depth <= 16 && ((row.planar ? planar : interleaved) >> depth & 1U) != 0;
+    };
+    // Negative numbers become large ones, and so does a sample count of 0 less 1.
+    const auto countLessOne = [](const RowGeometry& row) {
+        return std::uint64_t{static_cast<std::uint32_t>(row.channels)} *
+                   static_cast<std::uint32_t>(row.width) -
+               1;
+    };
+    // So many samples of 2 bytes fit a size of 32 bits.
+    constexpr std::uint64_t mostSamples = std::uint64_t{1} << 30;
+    return isCommon(request.source) && isCommon(request.destination) &&
+           countLessOne(request.source) < mostSamples - 1 &&
+           countLessOne(request.destination) < mostSamples - 1 &&
+           !(request.repeats && request.maps) &&
+           (request.map.entryCount == 0 || request.map.entries != nullptr);
 }
 
 } // namespace zvk::Pelkraft

@@ -1,6 +1,6 @@
 #include "plan/plan.h"
 
-#include "common/bit_sizes.h"
+#include "common/inlining.h"
 #include "plan/conversion_checks.h"
 #include "portal/conversion_portal.h"
 
@@ -20,64 +20,70 @@ bool CoversAllChannels(std::int32_t channels)
 // The samples that the portable unpacking leaves packed are part of its results.
 bool LeavesSamplesPacked(const Plan& plan)
 {
-    if (RoadOf(plan.sseVersion) != Road::Portable || !HasStep(plan.steps, ChainStep::Unpack))
+    if (RoadOf(plan.request.sseVersion) != Road::Portable)
         return false;
+    const ChainSteps steps = StepsOf(plan);
     // A map runs on packed bytes: ahead of the unpacking, but after it where packing follows.
-    return !CoversAllChannels(HasStep(plan.steps, ChainStep::Pack)
-                                  ? plan.formats.source.channels
-                                  : plan.formats.destination.channels);
-}
-
-std::size_t RowBytes(const ImageRowFormat& format)
-{
-    const auto channels = static_cast<std::size_t>(format.channels);
-    const auto width = static_cast<std::size_t>(format.width);
-    const auto bits = static_cast<unsigned>(format.bits);
-    if (format.layout == LayoutInterleaved)
-        return channels * width * ((bits + 7) / 8);
-    return channels * BytesOf(width, bits);
+    return HasStep(steps, ChainStep::Unpack) &&
+           !CoversAllChannels(HasStep(steps, ChainStep::Pack) ? plan.request.source.channels
+                                                              : plan.request.destination.channels);
 }
 
 // Rows without data are the chain's, whose first access faults.
-bool StandApart(const Plan& plan, const unsigned char* sourceData,
+bool StandApart(const DirectPlan& plan, const unsigned char* sourceData,
                 const unsigned char* destinationData)
 {
     const auto source = reinterpret_cast<std::uintptr_t>(sourceData);
     const auto destination = reinterpret_cast<std::uintptr_t>(destinationData);
     if (source == 0 || destination == 0)
         return false;
-    return source < destination ? destination - source >= RowBytes(plan.formats.source)
-                                : source - destination >= RowBytes(plan.formats.destination);
+    return source < destination
+               ? destination - source >= plan.sourceChannels * plan.sourcePlaneBytes
+               : source - destination >= plan.channels * plan.planeBytes;
+}
+
+// Refuses what no road serves, and answers whether there is a pixel to move.
+PELKRAFT_NEVER_INLINE bool PassesChecks(const ConversionRequest& request)
+{
+    FormatPair formats;
+    BuildFormats(formats, request);
+    (void)ChooseChain(formats, request);
+    return MovesPixels(request, formats);
 }
 
 } // namespace
 
-void MakePlan(Plan& plan, const ConversionRequest& request)
+void MakePlan(Plan& plan)
 {
-    BuildFormats(plan.formats, request);
-    plan.steps = ChooseChain(plan.formats, request);
     plan.road = PlanRoad::None;
-    plan.sseVersion = request.sseVersion;
-    plan.factor = request.factor;
-    plan.map.entryCount = request.map.entryCount;
-    plan.map.entries = request.map.entries;
-    if (!MovesPixels(request, plan.formats))
+    if (!IsFaultless(plan.request) && !PassesChecks(plan.request))
         return;
-    const bool direct =
-        MakeDirectPlan(plan.direct, request, plan.formats) && !LeavesSamplesPacked(plan);
+    const bool direct = MakeDirectPlan(plan.direct, plan.request) && !LeavesSamplesPacked(plan);
     plan.road = direct ? PlanRoad::Direct : PlanRoad::Chain;
+}
+
+FormatPair FormatsOf(const Plan& plan)
+{
+    FormatPair formats;
+    BuildFormats(formats, plan.request);
+    return formats;
+}
+
+ChainSteps StepsOf(const Plan& plan)
+{
+    return ChooseChain(FormatsOf(plan), plan.request);
 }
 
 ChannelMap MapOf(const Plan& plan)
 {
-    if (plan.map.entryCount > maxMapEntries)
-        return plan.map;
-    return {plan.map.entryCount, plan.direct.entries.data()};
+    const ChannelMap& map = plan.request.map;
+    return map.entryCount > maxMapEntries ? map
+                                          : ChannelMap{map.entryCount, plan.direct.entries.data()};
 }
 
 void RunPlan(const Plan& plan, const unsigned char* source, unsigned char* destination)
 {
-    if (plan.road == PlanRoad::Direct && StandApart(plan, source, destination))
+    if (plan.road == PlanRoad::Direct && StandApart(plan.direct, source, destination))
         RunDirect(plan.direct, source, destination);
     else if (plan.road != PlanRoad::None)
         RunChain(plan, source, destination);
@@ -85,11 +91,12 @@ void RunPlan(const Plan& plan, const unsigned char* source, unsigned char* desti
 
 void RunChain(const Plan& plan, const unsigned char* source, unsigned char* destination)
 {
+    const std::int32_t level = plan.request.sseVersion;
+    const FormatPair formats = FormatsOf(plan);
     const ChainFacilities chain =
-        FacilitiesOf(plan.steps, plan.formats, {plan.sseVersion, plan.factor, MapOf(plan)});
-    ConversionPortal(
-        {plan.sseVersion, source, destination, plan.formats.source, plan.formats.destination},
-        chain.length, chain.facilities.data());
+        FacilitiesOf(StepsOf(plan), formats, {level, plan.request.factor, MapOf(plan)});
+    ConversionPortal({level, source, destination, formats.source, formats.destination},
+                     chain.length, chain.facilities.data());
 }
 
 } // namespace zvk::Pelkraft

@@ -23,21 +23,21 @@ enum class PlanRoad : std::uint8_t
 // soon as it is filled costs more than all the checks.
 struct Plan
 {
-    FormatPair formats;
-    // The steps of the chain. The direct road gives the same bytes.
-    ChainSteps steps;
+    // Set by the caller. MapOf replaces its map by the plan's copy.
+    ConversionRequest request;
     PlanRoad road;
-    std::int32_t sseVersion;
-    std::int32_t factor;
-    // The caller's own, which MapOf replaces by the plan's copy.
-    ChannelMap map;
-    // The direct plan has passes only where the road is Direct.
+    // It has passes only where the road is Direct.
     DirectPlan direct;
 };
 
-// Refuses what no road serves, in an order that is always the same, then chooses the road. Throws
-// what BuildFormats, ChooseChain and MovesPixels throw, in this order.
-void MakePlan(Plan& plan, const ConversionRequest& request);
+// Refuses a request that no road serves, in an order that is always the same, then chooses the
+// road. Throws what BuildFormats, ChooseChain and MovesPixels throw, in this order.
+void MakePlan(Plan& plan);
+
+// The formats and the steps of a plan that has been made. The direct road gives the same bytes as
+// the steps.
+FormatPair FormatsOf(const Plan& plan);
+ChainSteps StepsOf(const Plan& plan);
 
 // The plan's own copy of the map, or the caller's where it has more than maxMapEntries entries.
 ChannelMap MapOf(const Plan& plan);

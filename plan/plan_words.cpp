@@ -83,7 +83,7 @@ std::string PassText(const DirectPlan& plan, const PassOutput& pass)
     return "merge " + channels + " of " + BitsOf(pass.bits);
 }
 
-std::string ChainText(const Plan& plan, ChainStep step)
+std::string ChainText(const DescribedPlan& plan, ChainStep step)
 {
     switch (step) {
     case ChainStep::None:
@@ -125,7 +125,7 @@ std::vector<std::string> StepsOf(const DirectPlan& plan)
     return steps;
 }
 
-std::vector<std::string> StepsOf(const Plan& plan)
+std::vector<std::string> StepsOf(const DescribedPlan& plan)
 {
     if (plan.road == PlanRoad::Direct)
         return StepsOf(plan.direct);
@@ -138,7 +138,7 @@ std::vector<std::string> StepsOf(const Plan& plan)
     return steps;
 }
 
-std::string LevelText(const Plan& plan)
+std::string LevelText(const DescribedPlan& plan)
 {
     // The chain has no kernels beyond those of 16-byte vectors.
     const Road road = RoadOf(plan.sseVersion);
@@ -168,10 +168,10 @@ std::uint64_t ActiveBytes(const ImageRowFormat& format, std::uint64_t channels, 
     return channels * (SampleBytes(end, bits) - wholeBytesBefore);
 }
 
-std::uint64_t CountChannelsRead(const Plan& plan)
+std::uint64_t CountChannelsRead(const DescribedPlan& plan)
 {
     const auto channels = static_cast<std::uint64_t>(plan.formats.source.channels);
-    const ChannelMap map = MapOf(plan);
+    const ChannelMap& map = plan.map;
     if (map.entryCount == 0 || plan.formats.source.layout == LayoutInterleaved)
         return channels;
     std::vector<std::int32_t> named(map.entries, map.entries + map.entryCount);
@@ -183,14 +183,14 @@ std::uint64_t CountChannelsRead(const Plan& plan)
     return static_cast<std::uint64_t>(std::count_if(named.begin(), named.end(), isRead));
 }
 
-bool ReadsNothing(const Plan& plan)
+bool ReadsNothing(const DescribedPlan& plan)
 {
     return plan.road == PlanRoad::Direct && plan.direct.extras->clears;
 }
 
 } // namespace
 
-PlanWords Describe(const Plan& plan)
+PlanWords Describe(const DescribedPlan& plan)
 {
     if (plan.road == PlanRoad::None)
         return {"none", LevelText(plan), {}, 0, 0};
@@ -200,6 +200,13 @@ PlanWords Describe(const Plan& plan)
                 ? 0
                 : ActiveBytes(plan.formats.source, CountChannelsRead(plan), plan.factor < 0),
             ActiveBytes(plan.formats.destination, channels, false)};
+}
+
+PlanWords Describe(const Plan& plan)
+{
+    const ConversionRequest& request = plan.request;
+    return Describe({plan.road, request.sseVersion, request.factor, FormatsOf(plan), MapOf(plan),
+                     StepsOf(plan), plan.direct});
 }
 
 std::string ToText(const PlanWords& words)

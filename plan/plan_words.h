@@ -24,6 +24,19 @@ struct PlanWords
     std::uint64_t bytesWritten;
 };
 
+// What the words of a plan are made of.
+struct DescribedPlan
+{
+    PlanRoad road;
+    std::int32_t sseVersion;
+    std::int32_t factor;
+    FormatPair formats;
+    ChannelMap map;
+    ChainSteps steps;
+    const DirectPlan& direct;
+};
+
+PlanWords Describe(const DescribedPlan& plan);
 PlanWords Describe(const Plan& plan);
 
 // The same as one text, a line for each statement.

@@ -85,7 +85,10 @@ struct RowsPlan::State
     PatchPattern pattern;
     DirectExtras extras;
     DirectExtras stagedExtras;
-    Plan plan = {};
+    FormatPair formats;
+    ConversionRequest conversion{};
+    bool movesPixels;
+    DirectPlan direct = {};
     RowRun run;
     bool allowsInPlace;
     // Nothing but the rows is left to look at.
@@ -101,21 +104,15 @@ private:
 RowsPlan::State::State(const RowsRequest& request)
     : entries(ZeroedEntries(request)),
       firstUses(entries.size() > maxMapEntries ? entries.size() : 0), pattern(request),
+      formats(FormatsOf(request)), movesPixels(MovesPixels(request)),
       allowsInPlace(AllowsRowsInPlace(request))
 {
-    plan.formats = FormatsOf(request);
-    plan.road = PlanRoad::None;
-    plan.sseVersion = request.level;
-    plan.factor = request.mirrored ? -request.repeat : request.repeat;
-    plan.map = {entries.size(), entries.data()};
-    if (!MovesPixels(request))
-        return;
-    plan.road = PlanRoad::Direct;
-    ConversionRequest conversion{};
-    conversion.sseVersion = plan.sseVersion;
-    conversion.factor = plan.factor;
+    conversion.sseVersion = request.level;
+    conversion.factor = request.mirrored ? -request.repeat : request.repeat;
     conversion.maps = request.maps;
-    conversion.map = plan.map;
+    conversion.map = {entries.size(), entries.data()};
+    if (!movesPixels)
+        return;
     extras.samples = request.samples;
     extras.clears = request.maps && *std::max_element(entries.begin(), entries.end()) < 0;
     extras.staged = extras.streamed = request.streamed;
@@ -124,14 +121,14 @@ RowsPlan::State::State(const RowsRequest& request)
         extras.firstUses = firstUses.data();
     }
     extras.patch = pattern.GetPatch();
-    MakeDirectPlan(plan.direct, conversion, plan.formats, extras);
-    run = RowRun(plan.direct);
+    MakeDirectPlan(direct, conversion, formats, extras);
+    run = RowRun(direct);
     isPlain = !allowsInPlace && !request.streamed;
     if (!allowsInPlace || !request.maps)
         return;
     stagedExtras = extras;
     stagedExtras.staged = true;
-    MakeDirectPlan(staged, conversion, plan.formats, stagedExtras);
+    MakeDirectPlan(staged, conversion, formats, stagedExtras);
     runInPlace = RowRun(staged);
 }
 
@@ -140,22 +137,21 @@ PELKRAFT_NEVER_INLINE void RowsPlan::State::RunSpecial(const ReadRows& source,
                                                        const WrittenRows& target,
                                                        std::uint64_t rows) const
 {
-    if (plan.road == PlanRoad::None)
+    if (!movesPixels)
         return;
     if (!allowsInPlace || source.bytes != target.bytes)
         run(source, target, rows);
-    else if (plan.direct.mapped)
+    else if (direct.mapped)
         runInPlace(source, target, rows);
     else
         PatchInPlace(target, rows);
     if (extras.streamed)
-        plan.direct.kernels->finish->fence();
+        direct.kernels->finish->fence();
 }
 
 // Pixels that no map moves only have bits turned over, and unused ones cleared.
 void RowsPlan::State::PatchInPlace(const WrittenRows& target, std::uint64_t rows) const
 {
-    const DirectPlan& direct = plan.direct;
     const RowPatch* patch = extras.patch;
     for (std::uint64_t i = 0; i != rows; ++i) {
         unsigned char* row = target.bytes + static_cast<std::ptrdiff_t>(i) * target.rowStep;
@@ -192,7 +188,15 @@ void RowsPlan::Run(const ReadRows& source, const WrittenRows& target,
 
 PlanWords Describe(const RowsPlan& plan)
 {
-    return Describe(plan.state->plan);
+    const RowsPlan::State& state = *plan.state;
+    const ConversionRequest& conversion = state.conversion;
+    return Describe({state.movesPixels ? PlanRoad::Direct : PlanRoad::None,
+                     conversion.sseVersion,
+                     conversion.factor,
+                     state.formats,
+                     conversion.map,
+                     {},
+                     state.direct});
 }
 
 } // namespace zvk::Pelkraft

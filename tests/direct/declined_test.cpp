@@ -1,5 +1,4 @@
 #include "direct/direct_plan.h"
-#include "plan/conversion_checks.h"
 
 #include <gtest/gtest.h>
 
@@ -13,10 +12,8 @@ bool IsServed(int factor)
 {
     ConversionRequest request{{40, 3, 8, false}, {40, 3, 8, false}, 0, factor};
     request.repeats = true;
-    FormatPair formats;
-    BuildFormats(formats, request);
     DirectPlan plan;
-    return MakeDirectPlan(plan, request, formats);
+    return MakeDirectPlan(plan, request);
 }
 
 TEST(DirectPlan, DeclinesRepeatsThatNoKernelHas)

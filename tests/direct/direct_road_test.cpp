@@ -190,7 +190,7 @@ void CheckMixture(const ConversionCase& tested, int level, std::uint32_t caseSee
     if (!MovesPixels(request, formats))
         return;
     DirectPlan plan;
-    ASSERT_TRUE(MakeDirectPlan(plan, request, formats));
+    ASSERT_TRUE(MakeDirectPlan(plan, request));
     RunDirect(plan, buffers.source.data(), buffers.destination.data());
     EXPECT_TRUE(NaiveConvert(from, buffers.sourceContent, to, buffers.before, operation) ==
                 buffers.destination.bytes());

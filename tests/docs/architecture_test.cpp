@@ -61,7 +61,8 @@ const char* NameOf(PassKind kind)
 std::string PassesOf(const ConversionRequest& request)
 {
     Plan plan;
-    MakePlan(plan, request);
+    plan.request = request;
+    MakePlan(plan);
     if (plan.road != PlanRoad::Direct)
         return "not direct";
     std::string names;

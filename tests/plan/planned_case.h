@@ -31,7 +31,8 @@ inline ConversionCase CaseOf(const NaiveGeometry& from, const NaiveGeometry& to,
 inline Plan PlanOf(const ConversionCase& tested, int level)
 {
     Plan plan;
-    MakePlan(plan, RequestOf(tested, level));
+    plan.request = RequestOf(tested, level);
+    MakePlan(plan);
     return plan;
 }
 

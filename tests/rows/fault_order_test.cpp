@@ -42,11 +42,11 @@ public:
     {
         const int map[] = {0, 0, 0, 0};
         return Ended([&] {
-            ConversionRequest request{GeometryOf(source), GeometryOf(row), 0, factor};
-            request.repeats = request.maps = true;
-            request.map = {2, map};
             Plan plan;
-            MakePlan(plan, request);
+            plan.request = {GeometryOf(source), GeometryOf(row), 0, factor};
+            plan.request.repeats = plan.request.maps = true;
+            plan.request.map = {2, map};
+            MakePlan(plan);
         });
     }
 

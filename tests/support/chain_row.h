@@ -52,7 +52,8 @@ private:
     void Run(const ConversionRequest& request, const ImageRow& source)
     {
         Plan plan;
-        MakePlan(plan, request);
+        plan.request = request;
+        MakePlan(plan);
         if (plan.road != PlanRoad::None)
             RunChain(plan, source.GetData(), GetData());
     }

@@ -1,0 +1,156 @@
+#include "common/bit_sizes.h"
+#include "common/inlining.h"
+#include "direct/pass_kernels.h"
+#include "direct/pass_run.h"
+#include "direct/tile.h"
+
+#include <array>
+#include <cstring>
+#include <utility>
+
+namespace zvk::Pelkraft {
+namespace {
+
+// Short rows are done as soon as the records of a pass are filled, so that most passes go without.
+using RowMethod = void (*)(const DirectPlan& plan, const unsigned char* source,
+                           unsigned char* target);
+
+DirectRows RowsOf(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
+{
+    return {source, static_cast<std::ptrdiff_t>(plan.sourcePlaneBytes), target,
+            static_cast<std::ptrdiff_t>(plan.planeBytes)};
+}
+
+PELKRAFT_NEVER_INLINE void RunByPass(const DirectPlan& plan, const unsigned char* source,
+                                     unsigned char* target)
+{
+    RunOnlyPass(plan, RowsOf(plan, source, target));
+}
+
+// Goes by four planes at a time, and past the last one: a loop over single ones takes longer than
+// a short row.
+template <typename Byte>
+PELKRAFT_ALWAYS_INLINE inline void FillPlanes(Byte** planes, std::size_t channels, Byte* first,
+                                              std::size_t planeBytes)
+{
+    auto plane = reinterpret_cast<std::uintptr_t>(first);
+    for (std::size_t c = 0; c < channels; c += 4) {
+        for (std::size_t i = 0; i != 4; ++i, plane += planeBytes)
+            planes[c + i] = reinterpret_cast<Byte*>(plane);
+    }
+}
+
+// No map is left here: what splits or merges by one has a tile.
+template <PassKind kind>
+void SplitRow(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
+{
+    const std::size_t channels = plan.channels;
+    if (channels > maxDenseChannels)
+        return RunByPass(plan, source, target);
+    unsigned char* planes[maxDenseChannels];
+    FillPlanes(planes, channels, target, plan.planeBytes);
+    SplitKernelOf(plan, kind, plan.passes[0].bits, channels)(source, planes, plan.pixels);
+}
+
+void MergeRow(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
+{
+    const std::size_t channels = plan.channels;
+    if (channels > maxDenseChannels)
+        return RunByPass(plan, source, target);
+    const unsigned char* planes[maxDenseChannels];
+    FillPlanes(planes, channels, source, plan.sourcePlaneBytes);
+    MergeKernelOf(plan, PassKind::Merge, plan.passes[0].bits, channels)(planes, target,
+                                                                        plan.pixels);
+}
+
+void CopyRow(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
+{
+    if (plan.sourcePlanar)
+        return RunByPass(plan, source, target);
+    std::memcpy(target, source, plan.channels * BytesOf(plan.pixels, plan.sourceBits));
+}
+
+template <PassKind kind>
+void SampleRow(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
+{
+    if (plan.sourcePlanar && plan.mapped)
+        return RunByPass(plan, source, target);
+    const SampleKernel kernel = SampleKernelOf(plan, kind, plan.sourceBits, plan.passes[0].bits);
+    if (!plan.sourcePlanar)
+        return kernel(source, target, plan.pixels * plan.channels);
+    for (std::uint32_t c = plan.channels; c != 0; --c) {
+        kernel(source, target, plan.pixels);
+        source += plan.sourcePlaneBytes;
+        target += plan.planeBytes;
+    }
+}
+
+void StepRow(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
+{
+    const std::size_t bytes = plan.passes[0].bits / 8U;
+    std::size_t pixels = plan.pixels;
+    if (plan.sourcePlanar) {
+        // Planes that touch are one row.
+        const bool joined = !plan.mapped && !plan.mirrored && pixels % plan.repeat == 0 &&
+                            plan.sourcePlaneBytes == plan.sourcePixels * bytes &&
+                            plan.planeBytes == pixels * bytes;
+        if (!joined)
+            return RunByPass(plan, source, target);
+        pixels *= plan.channels;
+    } else {
+        source += plan.firstPixel * plan.step.sourceBytes;
+    }
+    plan.kernels->pixels->step(plan.step, {&source, &target, 1}, pixels);
+}
+
+template <PassKind kind>
+constexpr RowMethod MethodOf()
+{
+    switch (kind) {
+    case PassKind::Copy:
+        return CopyRow;
+    case PassKind::MirrorBits:
+    case PassKind::Move:
+    case PassKind::Clear:
+        return RunByPass;
+    case PassKind::Step:
+        return StepRow;
+    case PassKind::Split:
+    case PassKind::PackSplit:
+    case PassKind::SplitWiden:
+    case PassKind::NarrowSplit:
+        return SplitRow<kind>;
+    case PassKind::Merge:
+        return MergeRow;
+    default:
+        return SampleRow<kind>;
+    }
+}
+
+template <std::size_t... kind>
+constexpr auto MakeMethods(std::index_sequence<kind...>)
+{
+    return std::array{MethodOf<static_cast<PassKind>(kind)>()...};
+}
+
+constexpr auto methods = MakeMethods(std::make_index_sequence<passKindCount>{});
+
+} // namespace
+
+void RunDirect(const DirectPlan& plan, const DirectRows& rows)
+{
+    if (plan.tilePixels != 0)
+        RunTiles(plan, rows);
+    else
+        RunOnlyPass(plan, rows);
+}
+
+void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
+{
+    if (plan.tilePixels != 0)
+        RunTiles(plan, RowsOf(plan, source, target));
+    else
+        methods[static_cast<std::size_t>(plan.passes[0].kind)](plan, source, target);
+}
+
+} // namespace zvk::Pelkraft
