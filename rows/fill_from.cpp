@@ -44,6 +44,14 @@ void WithLog(const wchar_t* context, Body body)
 
 } // namespace
 
+ImageRow::OptionalParameters::OptionalParameters()
+    : firstFlag(false), forcePortable(false), thirdFlag(true)
+{}
+
+ImageRow::OptionalParameters::OptionalParameters(bool newFirstFlag, bool newForcePortable)
+    : firstFlag(newFirstFlag), forcePortable(newForcePortable), thirdFlag(true)
+{}
+
 void ImageRow::FillFrom(const ImageRow& source, const OptionalParameters* options)
 {
     const OptionalParameters defaults;

@@ -1,6 +1,7 @@
 #include "pelkraft/image_row.h"
 
 #include "common/aligned_memory.h"
+#include "common/inlining.h"
 #include "common/row_size.h"
 
 #include <algorithm>
@@ -25,18 +26,18 @@ unsigned char* AllocateRow(int size)
     return memory;
 }
 
+// A function of its own, so that a row over bytes of others needs no frame.
+PELKRAFT_NEVER_INLINE unsigned char* AllocateRow(const RowGeometry& geometry)
+{
+    if (!IsTrueRowSize(geometry))
+        throw std::bad_alloc();
+    return AllocateRow(WrappedRowSize(geometry));
+}
+
 } // namespace
 
 const int ImageRow::Alignment;
 const int ImageRow::SafetyTrail;
-
-ImageRow::OptionalParameters::OptionalParameters()
-    : firstFlag(false), forcePortable(false), thirdFlag(true)
-{}
-
-ImageRow::OptionalParameters::OptionalParameters(bool newFirstFlag, bool newForcePortable)
-    : firstFlag(newFirstFlag), forcePortable(newForcePortable), thirdFlag(true)
-{}
 
 ImageRow::ImageRow()
     : width(0), channels(0), bits(0), planar(false), ownsData(false), data(nullptr),
@@ -49,11 +50,8 @@ ImageRow::ImageRow(int newWidth, int newChannels, int newBits, bool newPlanar,
       ownsData(newData == nullptr), data(newData),
       dataCapacity(CalcBufferSize(newWidth, newChannels, newBits, newPlanar))
 {
-    if (!ownsData)
-        return;
-    if (!IsTrueRowSize({width, channels, bits, planar}))
-        throw std::bad_alloc();
-    data = AllocateRow(dataCapacity);
+    if (ownsData)
+        data = AllocateRow({newWidth, newChannels, newBits, newPlanar});
 }
 
 ImageRow::ImageRow(const ImageRow& other) = default;
