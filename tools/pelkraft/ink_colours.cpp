@@ -12,10 +12,13 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
+constexpr double lightStrength = 0.4;
+
 struct UsualInk
 {
     const char* name;
     ScreenColour colour;
+    double strength = 1;
 };
 
 // Names in capitals without blanks; the abbreviations that charts use.
@@ -27,19 +30,19 @@ constexpr UsualInk usualInks[] = {{"CYAN", {0, 158, 224}},
                                   {"Y", {255, 237, 0}},
                                   {"BLACK", {26, 23, 27}},
                                   {"K", {26, 23, 27}},
-                                  {"LIGHTCYAN", {139, 207, 240}},
-                                  {"LC", {139, 207, 240}},
-                                  {"LIGHTMAGENTA", {241, 155, 193}},
-                                  {"LM", {241, 155, 193}},
-                                  {"LIGHTYELLOW", {255, 246, 150}},
-                                  {"LY", {255, 246, 150}},
-                                  {"LIGHTBLACK", {135, 135, 137}},
-                                  {"LK", {135, 135, 137}},
-                                  {"GRAY", {135, 135, 137}},
-                                  {"GREY", {135, 135, 137}},
-                                  {"LIGHTGRAY", {197, 198, 200}},
-                                  {"LIGHTGREY", {197, 198, 200}},
-                                  {"LLK", {197, 198, 200}},
+                                  {"LIGHTCYAN", {139, 207, 240}, lightStrength},
+                                  {"LC", {139, 207, 240}, lightStrength},
+                                  {"LIGHTMAGENTA", {241, 155, 193}, lightStrength},
+                                  {"LM", {241, 155, 193}, lightStrength},
+                                  {"LIGHTYELLOW", {255, 246, 150}, lightStrength},
+                                  {"LY", {255, 246, 150}, lightStrength},
+                                  {"LIGHTBLACK", {135, 135, 137}, lightStrength},
+                                  {"LK", {135, 135, 137}, lightStrength},
+                                  {"GRAY", {135, 135, 137}, lightStrength},
+                                  {"GREY", {135, 135, 137}, lightStrength},
+                                  {"LIGHTGRAY", {197, 198, 200}, lightStrength},
+                                  {"LIGHTGREY", {197, 198, 200}, lightStrength},
+                                  {"LLK", {197, 198, 200}, lightStrength},
                                   {"PHOTOBLACK", {26, 23, 27}},
                                   {"MATTEBLACK", {40, 38, 40}},
                                   {"RED", {227, 6, 19}},
@@ -67,6 +70,15 @@ std::string PlainName(const std::string& name)
             plain += letter;
     }
     return plain;
+}
+
+// Null for a name that is none of them.
+const UsualInk* FindUsual(const std::string& plainName)
+{
+    const auto* const found =
+        std::find_if(std::begin(usualInks), std::end(usualInks),
+                     [&](const UsualInk& ink) { return plainName == ink.name; });
+    return found != std::end(usualInks) ? found : nullptr;
 }
 
 // The same on every machine, which std::hash is not.
@@ -99,9 +111,14 @@ ScreenColour ColourOfInk(const std::string& name, const InkColours& given)
     if (found != given.end())
         return found->second;
     const std::string plain = PlainName(name);
-    const auto* const usual = std::find_if(std::begin(usualInks), std::end(usualInks),
-                                           [&](const UsualInk& ink) { return plain == ink.name; });
-    return usual != std::end(usualInks) ? usual->colour : ColourOfHash(HashOf(plain));
+    const UsualInk* const usual = FindUsual(plain);
+    return usual != nullptr ? usual->colour : ColourOfHash(HashOf(plain));
+}
+
+double StrengthOfInk(const std::string& name)
+{
+    const UsualInk* const usual = FindUsual(PlainName(name));
+    return usual != nullptr ? usual->strength : 1;
 }
 
 void AddInkColour(const std::string& option, InkColours& given)

@@ -17,6 +17,10 @@ using InkColours = std::map<std::string, ScreenColour>;
 // name in any case and with any blanks or dashes, else one that depends on the name alone.
 ScreenColour ColourOfInk(const std::string& name, const InkColours& given);
 
+// Returns the colour that a unit of the ink puts on paper, in units of the full ink: 0.4 for the
+// light and grey inks by their usual names, 1 for all others.
+double StrengthOfInk(const std::string& name);
+
 // Reads "NAME=#RRGGBB"; anything else is wrong usage.
 void AddInkColour(const std::string& option, InkColours& given);
 
