@@ -1,0 +1,10 @@
+#include "dither/mask.h"
+
+namespace zvk::Pelkraft {
+
+const std::uint16_t* BuiltInMask()
+{
+    return nullptr;
+}
+
+} // namespace zvk::Pelkraft
