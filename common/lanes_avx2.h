@@ -98,5 +98,17 @@ inline Lanes TurnLanes(Lanes v)
     return _mm256_permute2x128_si256(v, v, 1);
 }
 
+// Subtracts 1 where an unsigned byte is at most its limit.
+inline Lanes CountDownWhereAtMost8(Lanes counts, Lanes v, Lanes limits)
+{
+    return _mm256_add_epi8(counts, _mm256_cmpeq_epi8(_mm256_min_epu8(v, limits), v));
+}
+
+// The same in words.
+inline Lanes CountDownWhereAtMost16(Lanes counts, Lanes v, Lanes limits)
+{
+    return _mm256_add_epi16(counts, _mm256_cmpeq_epi16(_mm256_subs_epu16(v, limits), Zero()));
+}
+
 } // namespace
 } // namespace zvk::Pelkraft

@@ -112,5 +112,17 @@ inline Lanes TurnLanes(Lanes v)
     return _mm512_maskz_shuffle_i64x2(all8, v, v, 0x1b);
 }
 
+// Subtracts 1 where an unsigned byte is at most its limit.
+inline Lanes CountDownWhereAtMost8(Lanes counts, Lanes v, Lanes limits)
+{
+    return _mm512_mask_sub_epi8(counts, _mm512_cmple_epu8_mask(v, limits), counts, Set8(1));
+}
+
+// The same in words.
+inline Lanes CountDownWhereAtMost16(Lanes counts, Lanes v, Lanes limits)
+{
+    return _mm512_mask_sub_epi16(counts, _mm512_cmple_epu16_mask(v, limits), counts, Set16(1));
+}
+
 } // namespace
 } // namespace zvk::Pelkraft

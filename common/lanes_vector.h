@@ -79,5 +79,17 @@ inline Lanes TurnLanes(Lanes v)
     return v;
 }
 
+// Subtracts 1 where an unsigned byte is at most its limit.
+inline Lanes CountDownWhereAtMost8(Lanes counts, Lanes v, Lanes limits)
+{
+    return _mm_add_epi8(counts, _mm_cmpeq_epi8(_mm_min_epu8(v, limits), v));
+}
+
+// The same in words.
+inline Lanes CountDownWhereAtMost16(Lanes counts, Lanes v, Lanes limits)
+{
+    return _mm_add_epi16(counts, _mm_cmpeq_epi16(_mm_subs_epu16(v, limits), Zero()));
+}
+
 } // namespace
 } // namespace zvk::Pelkraft
