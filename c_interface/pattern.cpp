@@ -113,22 +113,6 @@ struct Band
     std::uint64_t pixels;
 };
 
-RowSide SideOf(const RowView& view, std::uint64_t pixels, std::int32_t pixelBytes)
-{
-    RowSide side = {view, {}};
-    side.covered.count = pixels * static_cast<std::uint64_t>(pixelBytes);
-    // Interleaved rows do without it.
-    side.view.planeStride = 0;
-    return side;
-}
-
-const unsigned char* RowOf(const RowView& view, std::uint64_t row)
-{
-    const std::uint64_t distance =
-        static_cast<std::uint64_t>(view.offset) + row * static_cast<std::uint64_t>(view.rowStride);
-    return static_cast<const unsigned char*>(view.base) + static_cast<std::size_t>(distance);
-}
-
 void Run(const PatternRows& pattern, const Band& band, const RowView& source, const RowView& target)
 {
     if (band.rows == 0)
@@ -138,14 +122,16 @@ void Run(const PatternRows& pattern, const Band& band, const RowView& source, co
                       static_cast<std::int64_t>(mostPixels), "pixels is ", band.pixels,
                       "; no memory holds so many, and ", mostPixels, " is the most");
     const PatternNumbers& numbers = pattern.GetNumbers();
-    RequireMemory(SideOf(source, band.pixels, numbers.inColors),
-                  SideOf(target, band.pixels, numbers.outInks), band.rows, false);
+    RequireMemory(
+        InterleavedSide(source, band.pixels, static_cast<std::uint64_t>(numbers.inColors)),
+        InterleavedSide(target, band.pixels, static_cast<std::uint64_t>(numbers.outInks)),
+        band.rows, false);
     // There may be more rows of no pixels than anyone could count.
     if (band.pixels == 0)
         return;
     for (std::uint64_t row = 0; row != band.rows; ++row)
-        pattern.Apply({band.firstRow + row, RowOf(source, row),
-                       const_cast<unsigned char*>(RowOf(target, row)), band.pixels});
+        pattern.Apply({band.firstRow + row, RowAt(source, row),
+                       const_cast<unsigned char*>(RowAt(target, row)), band.pixels});
 }
 
 } // namespace

@@ -1,12 +1,11 @@
 #include "c_interface/plan_request.h"
 
+#include "c_interface/field_checks.h"
 #include "c_interface/record_size.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <initializer_list>
 #include <limits>
-#include <string_view>
 
 #define SPEC_END(field) PELKRAFT_FIELD_END(plk_spec, field)
 // The end of a field of one of the two formats.
@@ -49,32 +48,9 @@ namespace {
 constexpr std::int32_t largestSample = std::numeric_limits<std::uint16_t>::max();
 constexpr auto mostBytes = static_cast<std::uint64_t>(std::numeric_limits<std::ptrdiff_t>::max());
 
-void RequireZero(const FieldName& field, std::int32_t value)
-{
-    if (value != 0)
-        throw Refusal(PLK_TOO_NEW, field, value, 0, field.GetChars().data(), " is ", value,
-                      "; this library knows of nothing but 0 there");
-}
-
-// One of a few values, of which the first is the simplest.
-void RequireOneOf(const FieldName& field, std::int32_t value,
-                  std::initializer_list<std::int32_t> values, std::string_view words)
-{
-    if (std::find(values.begin(), values.end(), value) == values.end())
-        throw Refusal(PLK_INVALID, field, value, *values.begin(), field.GetChars().data(), " is ",
-                      value, "; it must be ", words);
-}
-
 void RequireFlag(const FieldName& field, std::int32_t value)
 {
     RequireOneOf(field, value, {0, 1}, "0 or 1");
-}
-
-void RequireNotNegative(const FieldName& field, std::int64_t value)
-{
-    if (value < 0)
-        throw Refusal(PLK_INVALID, field, value, 0, field.GetChars().data(), " is ", value,
-                      "; it must be 0 or more");
 }
 
 void CheckFormat(const plk_format& format, const char* side)
@@ -101,8 +77,7 @@ void CheckFields(const plk_spec& spec)
     RequireFlag(FieldName("invert"), spec.invert);
     RequireFlag(FieldName("clip"), spec.clip);
     RequireFlag(FieldName("stream"), spec.stream);
-    RequireOneOf(FieldName("road"), spec.road, {PLK_ROAD_AUTOMATIC, PLK_ROAD_PORTABLE},
-                 "0 (automatic) or 1 (portable)");
+    RequireRoad(spec.road);
     RequireZero(FieldName("reserved2"), spec.reserved2);
 }
 

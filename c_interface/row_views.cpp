@@ -207,6 +207,21 @@ RowView ViewOf(const plk_target* target)
     return ViewOfGiven(target, "target");
 }
 
+RowSide InterleavedSide(const RowView& view, std::uint64_t pixels, std::uint64_t pixelBytes)
+{
+    RowSide side = {view, {}};
+    side.covered.count = pixels * pixelBytes;
+    side.view.planeStride = 0;
+    return side;
+}
+
+const unsigned char* RowAt(const RowView& view, std::uint64_t row)
+{
+    const std::uint64_t distance =
+        static_cast<std::uint64_t>(view.offset) + row * static_cast<std::uint64_t>(view.rowStride);
+    return static_cast<const unsigned char*>(view.base) + static_cast<std::size_t>(distance);
+}
+
 void RequireMemory(const RowSide& source, const RowSide& target, std::uint64_t rows,
                    bool mayBeInPlace)
 {

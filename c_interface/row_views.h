@@ -39,6 +39,12 @@ struct RowSide
     CoveredBytes covered;
 };
 
+// The bytes of so many interleaved pixels, which have no planes. Their product fits 64 bits.
+RowSide InterleavedSide(const RowView& view, std::uint64_t pixels, std::uint64_t pixelBytes);
+
+// The first byte of a row.
+const unsigned char* RowAt(const RowView& view, std::uint64_t row);
+
 // Checks the memory of a run of one row or more, in this order: the source's base and extent, the
 // target's base and extent, whether the target's rows and planes share a byte, whether the target
 // shares one with the source. In place is allowed where both sides have the same base, offset and

@@ -1,4 +1,6 @@
-/* A customer in C99 that calls every function of plan.h once with success, and sees one fail. */
+/* A customer in C99 that calls every function of plan.h and dither.h once with success, and sees
+ * one fail. */
+#include "pelkraft/dither.h"
 #include "pelkraft/plan.h"
 
 #include <stdio.h>
@@ -127,10 +129,40 @@ static void UsePattern(void)
     plk_pattern_free(pattern);
 }
 
+static void UseDither(void)
+{
+    const unsigned char samples[4] = {255, 0, 128, 7};
+    unsigned char steps[4] = {9, 9, 9, 9};
+    const uint32_t inks[3] = {0, 400, 1000};
+    plk_tones tones = {inks, 3, 255, 0, 0};
+    plk_dither_spec spec;
+    plk_dither_facts facts;
+    plk_dither* dither = NULL;
+    plk_source source = {sizeof(plk_source), 0, NULL, 4, 0, 4, 0};
+    plk_target target = {sizeof(plk_target), 0, NULL, 4, 0, 4, 0};
+    memset(&spec, 0, sizeof spec);
+    spec.size = sizeof spec;
+    spec.bits = 8;
+    spec.tones = &tones;
+    spec.channels = 1;
+    spec.mask = plk_dither_mask();
+    EXPECT(plk_dither_create(&spec, &dither, NULL) == PLK_OK);
+    memset(&facts, 0, sizeof facts);
+    facts.size = sizeof facts;
+    EXPECT(plk_dither_needs(dither, &facts, NULL) == PLK_OK);
+    EXPECT(facts.source_pixel_bytes == 1 && facts.target_pixel_bytes == 1 && facts.in_place == 1);
+    source.base = samples;
+    target.base = steps;
+    EXPECT(plk_dither_run(dither, -3, 5, 1, 4, &source, &target, NULL) == PLK_OK);
+    EXPECT(steps[0] == 0 && steps[1] == 2 && (steps[2] == 1 || steps[2] == 2));
+    plk_dither_free(dither);
+}
+
 int main(void)
 {
     UsePlan();
     SeeAFailure();
     UsePattern();
+    UseDither();
     return faults == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

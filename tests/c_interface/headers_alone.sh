@@ -5,14 +5,19 @@
 set -euo pipefail
 source_dir=$1 c_compiler=$2 cxx_compiler=$3
 warnings=(-pedantic -Wall -Wextra -Wconversion -Wshadow -Werror "-I$source_dir/include" -fsyntax-only)
-for standard in c99 c11 c17; do
-    echo '#include "pelkraft/plan.h"' | "$c_compiler" -x c -std=$standard "${warnings[@]}" -
-done
-for standard in c++11 c++14 c++17 c++20; do
-    echo '#include "pelkraft/plan.h"' | "$cxx_compiler" -x c++ -std=$standard "${warnings[@]}" -
-done
-for standard in c++17 c++20; do
-    echo '#include "pelkraft/plan.hpp"' | "$cxx_compiler" -x c++ -std=$standard "${warnings[@]}" -
+compiles() {
+    echo "#include \"pelkraft/$1\"" | "$2" -x "$3" -std="$4" "${warnings[@]}" -
+}
+for header in plan dither; do
+    for standard in c99 c11 c17; do
+        compiles $header.h "$c_compiler" c $standard
+    done
+    for standard in c++11 c++14 c++17 c++20; do
+        compiles $header.h "$cxx_compiler" c++ $standard
+    done
+    for standard in c++17 c++20; do
+        compiles $header.hpp "$cxx_compiler" c++ $standard
+    done
 done
 
 status=0
