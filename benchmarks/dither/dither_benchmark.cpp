@@ -1,0 +1,74 @@
+#include "pelkraft/dither.hpp"
+#include "zvk/system_tools.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+// Pixels of four inks a second on one core: a page of many rows, of 8 and of 16 bits, at every
+// level of the processor, and channels of so many steps that they are looked up.
+namespace zvk::Pelkraft::Benchmarks {
+namespace {
+
+constexpr std::uint64_t width = 10000;
+constexpr std::uint64_t height = 100;
+constexpr std::uint64_t channels = 4;
+
+DitherPlan PlanOf(int bits, std::uint32_t steps)
+{
+    ChannelTones tones;
+    for (std::uint32_t step = 0; step != steps; ++step)
+        tones.inks.push_back(step * 1000);
+    tones.fullInk = (1 << bits) - 1;
+    return DitherPlan({bits, std::vector<ChannelTones>(channels, tones)});
+}
+
+void DitherPage(benchmark::State& state, int level, int bits, std::uint32_t steps)
+{
+    SystemTools::LimitSseVersion(level);
+    const DitherPlan plan = PlanOf(bits, steps);
+    const std::uint64_t pixelBytes = channels * static_cast<std::uint64_t>(bits) / 8;
+    std::mt19937 random(1);
+    std::vector<unsigned char> page(width * height * pixelBytes);
+    for (unsigned char& byte : page)
+        byte = static_cast<unsigned char>(random());
+    std::vector<unsigned char> inks(width * height * channels);
+    for (auto iteration : state) {
+        static_cast<void>(iteration);
+        plan.Run(0, 0, height, width,
+                 SourceRows(page, static_cast<std::int64_t>(width * pixelBytes)),
+                 TargetRows(inks, static_cast<std::int64_t>(width * channels)));
+        benchmark::ClobberMemory();
+    }
+    state.counters["pixels"] = benchmark::Counter(static_cast<double>(width * height),
+                                                  benchmark::Counter::kIsIterationInvariantRate);
+}
+
+void RegisterAll()
+{
+    for (const int level : {7, 6, 3, 0}) {
+        if (level > SystemTools::GetSseVersion())
+            continue;
+        for (const int bits : {8, 16})
+            for (const std::uint32_t steps : {2U, 4U, 8U, 256U})
+                benchmark::RegisterBenchmark(("level" + std::to_string(level) + "/" +
+                                              std::to_string(bits) + "bits/" +
+                                              std::to_string(steps) + "steps")
+                                                 .c_str(),
+                                             DitherPage, level, bits, steps);
+    }
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::Benchmarks
+
+int main(int argc, char** argv)
+{
+    zvk::Pelkraft::Benchmarks::RegisterAll();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
