@@ -1,39 +1,61 @@
 # Completion of pelkraft for bash. Where nothing is offered, bash completes file names.
+
+# Prints the options of a verb and the verbs below it.
+_pelkraft_offers() {
+    local common='--help --quiet --verbose --progress --color --threads --explain --json --dry-run'
+    case $1 in
+    '') echo 'convert pattern simulate --help --version --buildinfo' ;;
+    convert)
+        echo "--layout --bits --channels --repeat --mirror --tones --portable $common"
+        ;;
+    pattern) echo "--plot $common" ;;
+    simulate) echo "--engine --levels --preview --ink $common" ;;
+    esac
+}
+
+# Prints the values of an option; fails on one that takes others than a few.
+_pelkraft_values() {
+    case $1 in
+    --layout) echo 'interleaved planar' ;;
+    --bits) echo '1 2 8 16' ;;
+    --repeat) echo '1 2 4' ;;
+    --tones) echo 'scale raw' ;;
+    --engine) echo 'auto reference x86 sse' ;;
+    --levels) echo 'quantize raw' ;;
+    --progress) echo 'auto never json' ;;
+    --color) echo 'auto never' ;;
+    *) return 1 ;;
+    esac
+}
+
 _pelkraft() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local verb= word offered=
+    local verb= word offered values
+    offered=$(_pelkraft_offers '')
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-        case $word in
-        convert | pattern | simulate)
-            verb=$word
-            break
-            ;;
-        esac
+        [[ $word == -* || " $offered " != *" $word "* ]] && continue
+        verb+=${verb:+ }$word
+        offered=$(_pelkraft_offers "$verb")
     done
 
     COMPREPLY=()
-    case $previous in
-    --layout) offered='interleaved planar' ;;
-    --bits) offered='1 2 8 16' ;;
-    --repeat) offered='1 2 4' ;;
-    --tones) offered='scale raw' ;;
-    --engine) offered='auto reference x86 sse' ;;
-    --levels) offered='quantize raw' ;;
-    --channels | --threads | --ink | --plot | --preview) return ;;
-    *)
-        case $verb in
-        convert)
-            offered='--help --layout --bits --channels --repeat --mirror --tones --portable
-                --threads --explain --json'
-            ;;
-        pattern) offered='--help --json --plot' ;;
-        simulate) offered='--help --engine --levels --threads --preview --ink --explain' ;;
-        *) offered='convert pattern simulate --help --version --buildinfo' ;;
+    # Between an option and its value bash may find a word of its own.
+    [[ $previous == = ]] && previous=${COMP_WORDS[COMP_CWORD - 2]}
+    [[ $current == = ]] && previous=${COMP_WORDS[COMP_CWORD - 1]} current=
+    if values=$(_pelkraft_values "$previous"); then
+        offered=$values
+    else
+        case $previous in
+        --channels | --threads | --ink | --plot | --preview) return ;;
         esac
-        # Files follow a verb, unless an option is begun.
-        [[ -n $verb && $current != -* ]] && return
-        ;;
-    esac
+        # Files follow a verb, and verbs below it, unless an option is begun.
+        if [[ -n $verb && $current != -* ]]; then
+            offered=$(tr ' ' '\n' <<<"$offered" | grep -v -e '^-' || true)
+            [[ -z $offered ]] && return
+            mapfile -t COMPREPLY < <(compgen -W "$offered" -f -- "$current")
+            return
+        fi
+    fi
     mapfile -t COMPREPLY < <(compgen -W "$offered" -- "$current")
 }
 complete -o bashdefault -o default -F _pelkraft pelkraft

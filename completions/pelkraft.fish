@@ -1,6 +1,7 @@
 # Completion of pelkraft for fish.
 set -l verbs convert pattern simulate
 set -l none "not __fish_seen_subcommand_from $verbs"
+set -l any "__fish_seen_subcommand_from $verbs"
 set -l convert '__fish_seen_subcommand_from convert'
 set -l pattern '__fish_seen_subcommand_from pattern'
 set -l simulate '__fish_seen_subcommand_from simulate'
@@ -12,6 +13,15 @@ complete -c pelkraft -n $none -f -a convert -d 'Convert the rows of a TIFF file'
 complete -c pelkraft -n $none -f -a pattern -d 'Explain and check a dot-pattern text'
 complete -c pelkraft -n $none -f -a simulate -d 'Apply a dot pattern to a TIFF file'
 
+complete -c pelkraft -n $any -s q -l quiet -d 'Tell errors only'
+complete -c pelkraft -n $any -s v -l verbose -d 'Tell what was done, and the pages of warnings'
+complete -c pelkraft -n $any -l progress -x -a 'auto never json' -d 'Form of the progress'
+complete -c pelkraft -n $any -l color -x -a 'auto never' -d 'Colours in messages'
+complete -c pelkraft -n $any -l threads -x -d 'Threads that share the work'
+complete -c pelkraft -n $any -l explain -d 'Print the plan, and how long the work took'
+complete -c pelkraft -n $any -l json -d 'Print JSON, for programs'
+complete -c pelkraft -n $any -l dry-run -d 'Check everything beforehand, and write nothing'
+
 complete -c pelkraft -n $convert -l layout -x -a 'interleaved planar' -d 'Layout of the samples'
 complete -c pelkraft -n $convert -l bits -x -a '1 2 8 16' -d 'Bits per sample'
 complete -c pelkraft -n $convert -l channels -x -d 'New channels, by number or name of old ones'
@@ -19,16 +29,10 @@ complete -c pelkraft -n $convert -l repeat -x -a '1 2 4' -d 'Write each pixel th
 complete -c pelkraft -n $convert -l mirror -d 'Write each row from its last pixel to its first'
 complete -c pelkraft -n $convert -l tones -x -a 'scale raw' -d 'What samples below 8 bits mean'
 complete -c pelkraft -n $convert -l portable -d 'Take the portable road of the library'
-complete -c pelkraft -n $convert -l threads -x -d 'Threads that share each band of rows'
-complete -c pelkraft -n $convert -l explain -d 'Print the plan, and how long it took'
-complete -c pelkraft -n $convert -l json -d 'Print the plan as JSON'
 
-complete -c pelkraft -n $pattern -l json -d 'Print one JSON object, for programs'
 complete -c pelkraft -n $pattern -l plot -r -F -d 'Draw the share of every ink value as SVG'
 
 complete -c pelkraft -n $simulate -l engine -x -a 'auto reference x86 sse' -d 'Engine of the library'
 complete -c pelkraft -n $simulate -l levels -x -a 'quantize raw' -d 'What a sample means'
-complete -c pelkraft -n $simulate -l threads -x -d 'Threads that share each band of rows'
 complete -c pelkraft -n $simulate -l preview -r -F -d 'Also write a PNG of the first page'
 complete -c pelkraft -n $simulate -l ink -x -d 'Colour of an out-ink, NAME=#RRGGBB'
-complete -c pelkraft -n $simulate -l explain -d 'Print which channel goes where'

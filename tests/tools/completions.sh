@@ -1,15 +1,23 @@
 #!/usr/bin/env bash
-# Fails unless each completion offers what the program's help lists, and no more. Where fish is
-# not installed, its completion is passed over; that of zsh is read as a text:
+# Fails unless each completion offers what the program's help lists, and no more: verbs, the verbs
+# below them, options and values. Where fish is not installed, its completion is passed over; that
+# of zsh is read as a text:
 #   completions.sh SOURCE_DIR PELKRAFT
 set -euo pipefail
 source_dir=$1 tool=$2
 here=$(cd "$(dirname "$0")" && pwd)
+empty=$(mktemp -d)
+trap 'rm -rf "$empty"' EXIT
+# Files are offered too.
+cd "$empty"
 status=0
 
+# compare SHELL VERB...
 compare() {
-    diff --label "the help of pelkraft $2" --label "offered by $1" -U0 \
-        <(bash "$here/options_of.sh" "$tool" ${2:+"$2"}) <(sort -u)
+    local shell=$1
+    shift
+    diff --label "the help of pelkraft $*" --label "offered by $shell" -U0 \
+        <(bash "$here/options_of.sh" "$tool" "$@") <(sort -u)
 }
 
 . "$source_dir/completions/pelkraft.bash"
@@ -17,45 +25,68 @@ bash_offers() {
     COMP_WORDS=(pelkraft "$@") COMP_CWORD=$#
     COMPREPLY=()
     _pelkraft
-    printf '%s\n' "${COMPREPLY[@]}"
+    if [ ${#COMPREPLY[@]} != 0 ]; then printf '%s\n' "${COMPREPLY[@]}"; fi
 }
 in_bash() {
-    if [ -n "$1" ]; then bash_offers "$1" --; else bash_offers ''; fi
+    bash_offers "$@" --
+    bash_offers "$@" ''
 }
 in_fish() {
-    local line="pelkraft $1 --"
     fish --no-config -c "source '$source_dir/completions/pelkraft.fish'
-        complete -C '$line'
-        test -n '$1'; or complete -C 'pelkraft '" | cut -f1 | grep -E '^(--)?[a-z]+$'
+        complete -C 'pelkraft $* --'
+        complete -C 'pelkraft $* '" | cut -f1 | grep -E '^(--)?[a-z-]+$'
+}
+# Prints the part of the file that offers what follows the verb.
+zsh_part() {
+    local file=$source_dir/completions/_pelkraft name=_pelkraft
+    name+=$(printf '_%s' "$@" | grep -x '_.\+' || true)
+    local part
+    part=$(sed -n "/^$name()/,/^}/p" "$file")
+    echo "$part"
+    if [[ $part == *'$_pelkraft_common'* ]]; then
+        sed -n '/^_pelkraft_common=/,/^)/p' "$file"
+    fi
 }
 in_zsh() {
-    local file=$source_dir/completions/_pelkraft
-    if command -v zsh >/dev/null; then zsh -n "$file"; fi
-    sed -n "/^_pelkraft${1:+_$1}()/,/^}/p" "$file" |
-        grep -oE "^ *'\*?--[a-z]+|--help|^ *('1:verb:\(\()?[a-z]+\\\\:" |
-        grep -oE '(--)?[a-z]+(\\:)?$' | sed 's/\\:$//'
+    zsh_part "$@" | sed -nE "
+        s/^ *'\*?(--[a-z-]+).*/\1/p
+        s/^ *'\(.*\{-[a-z],(--[a-z-]+)\}.*/\1/p
+        s/^ *('1:verb:\(\()?([a-z]+)\\\\:.*/\2/p"
 }
 
+# values SHELL, after the line of an option with its values
 values() {
-    local wanted=$1
-    shift
-    if [ "$(bash_offers "$@" '' | paste -sd ' ')" != "$wanted" ]; then
-        echo "bash doesn't offer '$wanted' after: $*" >&2
+    local shell=$1 offered=$2
+    shift 2
+    if [ "$offered" != "${*:2}" ]; then
+        echo "$shell offers '$offered' instead of '${*:2}' after $1" >&2
         status=1
     fi
 }
+zsh_values() {
+    local option=$1
+    shift
+    zsh_part "$@" | sed -nE "s/^ *'\*?$option\[.*:\(([a-z0-9 -]+)\)'.*/\1/p"
+}
 
-for verb in '' convert pattern simulate; do
-    in_bash "$verb" | compare bash "$verb" || status=1
-    in_zsh "$verb" | compare zsh "$verb" || status=1
+if command -v zsh >/dev/null; then zsh -n "$source_dir/completions/_pelkraft"; fi
+while read -r -a verb; do
+    in_bash "${verb[@]}" | compare bash "${verb[@]}" || status=1
+    in_zsh "${verb[@]}" | compare zsh "${verb[@]}" || status=1
     if command -v fish >/dev/null; then
-        in_fish "$verb" | compare fish "$verb" || status=1
+        in_fish "${verb[@]}" | compare fish "${verb[@]}" || status=1
     fi
-done
-# Prints the values, as the help shows them in braces.
-for verb in convert simulate; do
-    while read -r option choice; do
-        values "${choice//,/ }" "$verb" "$option"
-    done < <("$tool" "$verb" --help | sed -nE 's/^  (--[a-z]+) [A-Z]+:\{(.*)\}.*/\1 \2/p')
-done
+    if [ ${#verb[@]} = 0 ]; then continue; fi
+    while read -r -a choice; do
+        offered=$(bash_offers "${verb[@]}" "${choice[0]}" '' | paste -sd ' ')
+        values bash "$offered" "${choice[@]}"
+        values zsh "$(zsh_values "${choice[0]}" "${verb[@]}")" "${choice[@]}"
+        if command -v fish >/dev/null; then
+            offered=$(fish --no-config -c "source '$source_dir/completions/pelkraft.fish'
+                complete -C 'pelkraft ${verb[*]} ${choice[0]} '" | cut -f1 | sort | paste -sd ' ')
+            sorted=$(printf '%s\n' "${choice[@]:1}" | sort | paste -sd ' ')
+            values fish "$offered" "${choice[0]}" $sorted
+        fi
+    done < <(bash "$here/values_of.sh" "$tool" "${verb[@]}")
+done < <(echo && bash "$here/verbs_of.sh" "$tool")
 exit $status

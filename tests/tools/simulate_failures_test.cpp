@@ -21,17 +21,60 @@ protected:
 TEST_F(SimulateFailures, NamePatternsThatTheEngineRefuses)
 {
     WritePattern("");
-    EXPECT_TRUE(Refused(Simulate(), 4, {"pattern.txt", "no version in dotweave pattern"}));
+    EXPECT_TRUE(StoppedAtFindings(Simulate(), 4, {"pattern.txt:1:1: error: the text holds no word"},
+                                  {"pattern.txt", "no version in dotweave pattern"}));
     std::string text = smallPattern;
     WritePattern(text.replace(text.find("3 1 0-255"), 1, "8"));
-    EXPECT_TRUE(Refused(Simulate(), 4,
-                        {"pattern.txt", "the auto engine", "\"step out of range in pattern\"",
-                         "pelkraft pattern shows where"}));
+    EXPECT_TRUE(StoppedAtFindings(
+        Simulate(), 4,
+        {"pattern.txt:19:1: error: step 8 is outside of 0 to 7\n    8 1 0-255\n    ^\n    hint: "},
+        {"pattern.txt", "the auto engine", "\"step out of range in pattern\"",
+         "pelkraft pattern shows where"}));
     text = smallPattern;
     WritePattern(text.replace(text.find("VERSION 2"), 9, "VERSION 1"));
-    EXPECT_TRUE(Refused(Simulate({"--engine", "x86"}), 4, {"\"unsupported pattern version\""}));
+    EXPECT_TRUE(StoppedAtFindings(Simulate({"--engine", "x86"}), 4, {"pattern.txt:17:5: error: "},
+                                  {"\"unsupported pattern version\""}));
     EXPECT_TRUE(LeftNothing());
     EXPECT_TRUE(EndedSilently(Simulate({"--engine", "reference"})));
+}
+
+// An engine loads the text, but not as it was meant.
+TEST_F(SimulateFailures, StopAtErrorsOfPatternsThatLoad)
+{
+    std::string text = smallPattern;
+    WritePattern(text.replace(text.find("END_INKS\nBEGIN_VALUES\n1 1 1"), 9, ""));
+    EXPECT_TRUE(StoppedAtFindings(Simulate(), 4, {":15:1: error: ", "write END_INKS ahead of it"},
+                                  {"pattern.txt: has 1 error, and nothing was written"}));
+    text = smallPattern;
+    WritePattern(text.replace(text.find("2 1:3 1-128 0-40\n"), 17, ""));
+    EXPECT_EQ(4, Simulate({"--engine", "reference"}).exitCode);
+    EXPECT_TRUE(LeftNothing());
+}
+
+TEST_F(SimulateFailures, WarnOfPatternsOncePerKindAndGoOn)
+{
+    std::string text = smallPattern;
+    text.replace(text.find("LightCyan\nEND_INKS"), 9, "LihgtCyan");
+    text.replace(text.find("1 1 1-64"), 8, "1 1 1-640");
+    WritePattern(text.replace(text.find("1-128"), 5, "1-300"));
+    const Outcome outcome = Simulate();
+    EXPECT_EQ(1, outcome.exitCode);
+    const std::string head = "pelkraft: " + Path("pattern.txt") + ": warning: line ";
+    EXPECT_EQ(0U, outcome.errors.find(head + "14, column 6: \"LihgtCyan\" is not listed in "))
+        << outcome.errors;
+    EXPECT_NE(std::string::npos, outcome.errors.find("; did you mean LightCyan? "));
+    EXPECT_NE(std::string::npos, outcome.errors.find(head + "17, column 5: of the value 640 "));
+    EXPECT_NE(std::string::npos, outcome.errors.find(" (1 more of this kind)\n"));
+    EXPECT_EQ(2, std::count(outcome.errors.begin(), outcome.errors.end(), '\n'));
+    EXPECT_EQ(40, Output().width);
+}
+
+TEST_F(SimulateFailures, KeepQuietAboutLimitsOfOtherEngines)
+{
+    std::string text = smallPattern;
+    WritePattern(text.replace(text.find("3 1 0-255"), 9, "3 2:6 0-255 0-128"));
+    EXPECT_TRUE(EndedSilently(Simulate({"--engine", "reference"})));
+    EXPECT_EQ(1, Simulate({"--engine", "x86"}).exitCode);
 }
 
 TEST_F(SimulateFailures, NamePicturesWithTooFewChannels)
@@ -50,8 +93,9 @@ TEST_F(SimulateFailures, NameFilesThatArentThere)
                         {"no.txt: cannot be read"}));
     EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt"), Path("no.tif"), Path("out.tif")}), 6,
                         {"no.tif: cannot be read"}));
-    EXPECT_TRUE(Refused(Run({"simulate", Path("in.tif"), Path("pattern.txt"), Path("out.tif")}), 4,
-                        {"in.tif"}));
+    EXPECT_TRUE(StoppedAtFindings(
+        Run({"simulate", Path("in.tif"), Path("pattern.txt"), Path("out.tif")}), 4,
+        {"in.tif:1:1: error: ", "stands where the header word must"}, {"in.tif"}));
     EXPECT_TRUE(
         Refused(Run({"simulate", Path("pattern.txt"), Path("pattern.txt"), Path("out.tif")}), 3,
                 {"pattern.txt: is not a TIFF file, or is cut off"}));

@@ -91,7 +91,7 @@ TEST_F(Simulation, GivesAColourWithoutABlockItsOnlyStep)
                  "END_IN_COLORS BEGIN_IN_COLOR A BEGIN_INKS A END_INKS BEGIN_VALUES 1 1 0-7 "
                  "END_VALUES END_IN_COLOR");
     WriteInput(Ramps());
-    ASSERT_TRUE(EndedSilently(Simulate()));
+    ASSERT_TRUE(Refused(Simulate(), 1, {"\"B\" is listed, but no block describes it"}));
     EXPECT_EQ(0, Output().At(127, 0, 0));
     EXPECT_EQ(7, Output().At(128, 0, 0));
     // All 256 tones are that step, so that none exceeds it but as a raw number.
@@ -354,6 +354,45 @@ TEST_F(Simulation, DescribesTheInksThatItWrites)
     EXPECT_EQ(1, std::count(tags.begin(), tags.end(), TIFFTAG_INKSET));
     EXPECT_EQ(1, std::count(tags.begin(), tags.end(), TIFFTAG_EXTRASAMPLES));
     EXPECT_EQ(0, std::count(tags.begin(), tags.end(), TIFFTAG_ICCPROFILE));
+}
+
+// Other programs take it from there what a full drop is.
+TEST_F(Simulation, WritesTheHighestInkValueAsFullInk)
+{
+    WriteInput(Ramps(), "Cyan Black");
+    const struct
+    {
+        const char* from;
+        const char* to;
+        int full;
+    } patterns[] = {{"0-200", "0-200", 200},
+                    {"0-200", "0-3", 30},
+                    // The low 8 bits.
+                    {"0-200", "0-384", 128},
+                    // At a position without an ink.
+                    {"0-200", "3-255", 30}};
+    for (const auto& [from, to, full] : patterns) {
+        std::string text = fixedPattern;
+        WritePattern(text.replace(text.find(from), 5, to));
+        ASSERT_LE(Simulate().exitCode, 1);
+        const std::unique_ptr<TIFF, decltype(&TIFFClose)> tiff(
+            TIFFOpen(Path("out.tif").c_str(), "r"), TIFFClose);
+        std::uint16_t none = 9;
+        std::uint16_t highest = 0;
+        ASSERT_EQ(1, TIFFGetField(tiff.get(), TIFFTAG_DOTRANGE, &none, &highest));
+        EXPECT_EQ(0, none);
+        EXPECT_EQ(full, highest) << to;
+    }
+    WritePattern("DotWeavePattern VERSION 2 BEGIN_OUT_INKS A END_OUT_INKS BEGIN_IN_COLORS A "
+                 "END_IN_COLORS BEGIN_IN_COLOR A BEGIN_INKS A END_INKS BEGIN_VALUES 1 1 0-0 "
+                 "END_VALUES END_IN_COLOR");
+    ASSERT_EQ(1, Simulate().exitCode);
+    const std::unique_ptr<TIFF, decltype(&TIFFClose)> tiff(TIFFOpen(Path("out.tif").c_str(), "r"),
+                                                           TIFFClose);
+    std::uint16_t none = 9;
+    std::uint16_t highest = 0;
+    ASSERT_EQ(1, TIFFGetField(tiff.get(), TIFFTAG_DOTRANGE, &none, &highest));
+    EXPECT_EQ(255, highest);
 }
 
 } // namespace

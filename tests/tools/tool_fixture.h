@@ -66,4 +66,22 @@ inline ::testing::AssertionResult Refused(const Outcome& outcome, int code,
     return ::testing::AssertionSuccess();
 }
 
+// The program showed findings of a pattern with these words, and then refused with this code and a
+// line of its own that holds the others.
+inline ::testing::AssertionResult StoppedAtFindings(const Outcome& outcome, int code,
+                                                    const std::vector<std::string>& findings,
+                                                    const std::vector<std::string>& words)
+{
+    const std::size_t last = outcome.errors.rfind("\npelkraft: ") + 1;
+    const std::string shown = outcome.errors.substr(0, last);
+    for (const std::string& finding : findings) {
+        if (shown.find(finding) == std::string::npos)
+            return ::testing::AssertionFailure() << "without: " << finding << "\n"
+                                                 << outcome.errors;
+    }
+    Outcome refusal = outcome;
+    refusal.errors.erase(0, last);
+    return Refused(refusal, code, words);
+}
+
 } // namespace zvk::Pelkraft::TestSupport

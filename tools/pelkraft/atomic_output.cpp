@@ -18,21 +18,35 @@ namespace {
 
 AtomicOutput* AtomicOutput::latest = nullptr;
 
-AtomicOutput::AtomicOutput(const std::string& newPath)
-    : earlier(latest), shownPath(newPath), targetPath(newPath)
+AtomicOutput::AtomicOutput(const std::string& newPath) : earlier(latest), shownPath(newPath)
 {
-    PresentFile present;
-    if (const int error = FollowLinks(targetPath); error != 0)
-        ThrowWriteFailure(shownPath, ErrorText(error));
-    if (const int error = LookAt(targetPath, present); error != 0)
-        ThrowWriteFailure(shownPath, ErrorText(error));
-    if (present.exists && !present.regular)
-        ThrowWriteFailure(shownPath, "it exists and is not a regular file");
-    if (!PathOf(targetPath).has_filename())
-        ThrowWriteFailure(shownPath, "it names a folder");
-    if (const int error = CreateBeside(targetPath, present, descriptor, temporaryPath); error != 0)
+    Target target = Find(newPath);
+    targetPath = std::move(target.path);
+    if (const int error = CreateBeside(targetPath, target.present, descriptor, temporaryPath);
+        error != 0)
         ThrowWriteFailure(shownPath, ErrorText(error));
     latest = this;
+}
+
+AtomicOutput::Target AtomicOutput::Find(const std::string& path)
+{
+    Target target = {path, {}};
+    if (const int error = FollowLinks(target.path); error != 0)
+        ThrowWriteFailure(path, ErrorText(error));
+    if (const int error = LookAt(target.path, target.present); error != 0)
+        ThrowWriteFailure(path, ErrorText(error));
+    if (target.present.exists && !target.present.regular)
+        ThrowWriteFailure(path, "it exists and is not a regular file");
+    if (!PathOf(target.path).has_filename())
+        ThrowWriteFailure(path, "it names a folder");
+    return target;
+}
+
+void AtomicOutput::Check(const std::string& path)
+{
+    const Target target = Find(path);
+    if (const int error = TryBeside(target.path); error != 0)
+        ThrowWriteFailure(path, ErrorText(error));
 }
 
 AtomicOutput::~AtomicOutput()

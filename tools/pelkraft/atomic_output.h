@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/pelkraft/system_calls.h"
+
 #include <string>
 
 namespace zvk::Pelkraft::Client {
@@ -15,6 +17,9 @@ public:
     AtomicOutput(const AtomicOutput&) = delete;
     AtomicOutput& operator=(const AtomicOutput&) = delete;
 
+    // Throws what would keep the constructor from its work, without creating anything.
+    static void Check(const std::string& path);
+
     // The open temporary. Whoever takes it stores and closes it.
     int TakeDescriptor();
     // Or this does.
@@ -27,6 +32,14 @@ public:
 
 private:
     // Those that live, the last one made first. They end in the reverse order.
+    // A path with its links followed.
+    struct Target
+    {
+        std::string path;
+        PresentFile present;
+    };
+    static Target Find(const std::string& path);
+
     static AtomicOutput* latest;
     AtomicOutput* earlier;
 

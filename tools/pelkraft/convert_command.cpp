@@ -6,7 +6,6 @@
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/page_conversion.h"
 #include "tools/pelkraft/text_output.h"
-#include "tools/pelkraft/workers.h"
 
 #include <CLI/CLI.hpp>
 
@@ -41,15 +40,15 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
         const bool plain = plan.to.compression == COMPRESSION_NONE;
         total.bytes += rowBytes * plan.to.height / 2 * (plain ? 2 : 3);
         total.rows += plan.to.height;
-        if (options.json)
+        if (options.common.json)
             pages.push_back(ExplainPageJson(plan, options, page));
-        else if (options.explain)
+        else if (options.common.explain)
             PrintText(ExplainPage(plan, options, page));
         for (const std::string& warning : plan.tags.warnings)
             PrintWarning(options.input, warning);
     } while (file.NextPage(page++));
     file.FirstPage();
-    if (options.json)
+    if (options.common.json)
         PrintText(JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
     return total;
 }
@@ -77,7 +76,6 @@ class ConvertCommand final : public ISubcommand
 public:
     void Register(CLI::App& program) override
     {
-        options.threads = DefaultThreads();
         verb = program.add_subcommand("convert", "Convert the rows of a TIFF file");
         verb->add_option("IN.tif", options.input, "The file to read")->required();
         verb->add_option("OUT.tif", options.output, "The file to write")->required();
@@ -95,9 +93,13 @@ public:
         TiffFile file = TiffFile::OpenForReading(options.input);
         const auto start = std::chrono::steady_clock::now();
         const Total total = PlanAll(file, options);
+        if (options.common.dryRun) {
+            AtomicOutput::Check(options.output);
+            return ExitCode::Done;
+        }
         AtomicOutput output(options.output);
         const bool cutSamples = ConvertAll(file, options, total, output);
-        if (options.explain && !options.json)
+        if (options.common.explain && !options.common.json)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output);
         file.Close();
@@ -135,14 +137,7 @@ private:
     void AddWorkOptions()
     {
         verb->add_flag("--portable", options.portable, "Take the portable road of the library");
-        verb->add_option(
-                "--threads", options.threads,
-                "Threads that share each band of rows; the file is the same for any number")
-            ->check(CLI::Range(1, mostThreads))
-            ->capture_default_str();
-        CLI::Option* const explain =
-            verb->add_flag("--explain", options.explain, "Print the plan, and how long it took");
-        verb->add_flag("--json", options.json, "Print the plan as JSON")->needs(explain);
+        AddCommonOptions(*verb, options.common);
     }
 
     void TakeOptions()

@@ -112,8 +112,8 @@ std::string ExplainPage(const PagePlan& plan, const ConvertOptions& options, int
     text += Line("polarity", PolarityText(plan));
     text += Line("bit order", BitOrderWords(plan));
     text += Line("work", "bands of " + std::to_string(BandRows(plan.from, plan.to)) + " rows on " +
-                             std::to_string(options.threads) +
-                             (options.threads == 1 ? " thread" : " threads"));
+                             std::to_string(options.common.threads) +
+                             (options.common.threads == 1 ? " thread" : " threads"));
     return text;
 }
 
@@ -134,7 +134,7 @@ Json ExplainPageJson(const PagePlan& plan, const ConvertOptions& options, int pa
     json["polarity"] = PolarityText(plan);
     json["bit_order"] = BitOrderWords(plan);
     json["band_rows"] = BandRows(plan.from, plan.to);
-    json["threads"] = options.threads;
+    json["threads"] = options.common.threads;
     return json;
 }
 

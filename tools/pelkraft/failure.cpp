@@ -1,6 +1,7 @@
 #include "tools/pelkraft/failure.h"
 
 #include "tools/pelkraft/memory_end.h"
+#include "tools/pelkraft/message_style.h"
 
 #include <cstdio>
 #include <new>
@@ -58,7 +59,14 @@ void PrintError(const std::string& file, const std::string& text)
 
 void PrintWarning(const std::string& file, const std::string& text)
 {
-    PrintLine("warning: ", file, text);
+    if (!GetMessageStyle().quiet)
+        PrintLine("warning: ", file, text);
+}
+
+void PrintNote(const std::string& file, const std::string& text)
+{
+    if (GetMessageStyle().verbose)
+        PrintLine("", file, text);
 }
 
 ExitCode ReportCurrentException() noexcept

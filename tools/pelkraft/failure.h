@@ -26,6 +26,8 @@ private:
 // One line on the standard error stream each, whatever the texts hold. An empty file is left out.
 void PrintError(const std::string& file, const std::string& text);
 void PrintWarning(const std::string& file, const std::string& text);
+// What was done, for those who ask for it.
+void PrintNote(const std::string& file, const std::string& text);
 
 // Prints what the exception that is being handled says, and gives the code to exit with.
 ExitCode ReportCurrentException() noexcept;

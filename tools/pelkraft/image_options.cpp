@@ -6,11 +6,14 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <map>
 #include <string_view>
 
 namespace zvk::Pelkraft::Client {
 namespace {
+
+constexpr int highestSample = 65535;
 
 [[noreturn]] void RefusePages(const std::string& words)
 {
@@ -29,6 +32,62 @@ std::optional<int> TakeNumber(std::string_view& rest)
         return std::nullopt;
     rest.remove_prefix(static_cast<std::size_t>(end - rest.data()));
     return number;
+}
+
+// Reads "LO,HI".
+std::optional<DotRange> ReadRange(std::string_view words)
+{
+    DotRange range;
+    const char* const end = words.data() + words.size();
+    const auto [comma, error] = std::from_chars(words.data(), end, range.none);
+    if (error != std::errc() || comma == end || *comma != ',')
+        return std::nullopt;
+    const auto [last, secondError] = std::from_chars(comma + 1, end, range.full);
+    const bool inRange = range.none >= 0 && range.full >= 0 && range.none != range.full &&
+                         range.none <= highestSample && range.full <= highestSample;
+    if (secondError != std::errc() || last != end || !inRange)
+        return std::nullopt;
+    return range;
+}
+
+void TakeRange(const std::string& words, InputOptions& input, RangeWords known)
+{
+    const bool all = known == RangeWords::All;
+    input.dotRange.reset();
+    input.rangeWork = RangeWork::Keep;
+    if (words == "keep")
+        return;
+    if (all && words == "scale") {
+        input.rangeWork = RangeWork::Scale;
+        return;
+    }
+    if (all && words == "full") {
+        input.rangeWork = RangeWork::Full;
+        return;
+    }
+    input.dotRange = ReadRange(words);
+    if (!input.dotRange)
+        throw Failure(ExitCode::Usage, {},
+                      "--dot-range " + words + " is no range; supported are keep, " +
+                          (all ? "scale, full, " : "") +
+                          "and the samples of no ink and of full ink: 5,250");
+}
+
+// Reads a number of bytes, or of K, M or G of them.
+std::uint64_t ReadSize(const std::string& words)
+{
+    constexpr std::string_view units = "KMG";
+    std::uint64_t size = 0;
+    const char* const end = words.data() + words.size();
+    const auto [rest, error] = std::from_chars(words.data(), end, size);
+    const std::size_t unit = rest == end ? 0 : units.find(*rest) + 1;
+    const bool known = rest == end || (rest + 1 == end && unit != 0);
+    const auto shift = static_cast<unsigned>(10 * unit);
+    if (error != std::errc() || !known || size > std::numeric_limits<std::uint64_t>::max() >> shift)
+        throw Failure(ExitCode::Usage, {},
+                      "--spool-limit " + words +
+                          " is no size; supported are bytes, and K, M or G of them: 500M");
+    return size << shift;
 }
 
 } // namespace
@@ -87,7 +146,7 @@ void VisitPages(const TiffFile& file, const PageChoice& pages,
     file.FirstPage();
 }
 
-void AddInputOptions(CLI::App& verb, InputOptions& input)
+void AddInputOptions(CLI::App& verb, InputOptions& input, RangeWords known)
 {
     verb.add_option_function<std::string>(
             "--page", [&input](const std::string& words) { input.pages = PageChoice(words); },
@@ -101,6 +160,20 @@ void AddInputOptions(CLI::App& verb, InputOptions& input)
             "Whether high samples are much ink; auto asks the page's photometric kind")
         ->check(CLI::IsMember({"auto", "ink-high", "ink-low"}))
         ->default_str("auto");
+    verb.add_option_function<std::string>(
+            "--dot-range",
+            [&input, known](const std::string& words) { TakeRange(words, input, known); },
+            known == RangeWords::All
+                ? "Samples of no ink and of full ink, LO,HI; or what becomes of those in the tags: "
+                  "keep lets samples stay, scale maps them to the same range at the new depth, "
+                  "full to all that it has"
+                : "Samples of no ink and of full ink, LO,HI; keep takes those in the tags")
+        ->default_str("keep");
+    verb.add_option_function<std::string>(
+            "--spool-limit",
+            [&input](const std::string& words) { input.spoolLimit = ReadSize(words); },
+            "Bytes of a pipe that may be kept in a file, as in 500M")
+        ->default_str("16G");
 }
 
 void AddOutputOptions(CLI::App& verb, OutputOptions& output)

@@ -21,7 +21,7 @@ class PageChoice
 {
 public:
     // Reads "all", or numbers and ranges: "1,3-5". Anything else is wrong usage.
-    explicit PageChoice(const std::string& words = "all");
+    explicit PageChoice(const std::string& words);
 
     bool Takes(int page) const;
     // The last page that was named; 0 for all.
@@ -51,14 +51,28 @@ struct DotRange
     int full = 0;
 };
 
+// What becomes of the range of dots where samples of inks are written as such again.
+enum class RangeWork
+{
+    // Samples stay; the range follows the depth.
+    Keep,
+    // Samples are mapped from the range to the range at the new depth.
+    Scale,
+    // Samples are mapped from the range to all that the new depth has.
+    Full,
+};
+
 // Tells how a picture is to be read.
 struct InputOptions
 {
     std::string path;
-    PageChoice pages;
+    PageChoice pages = PageChoice("all");
     Polarity polarity = Polarity::Auto;
     // Stands for the range of the page's tags.
     std::optional<DotRange> dotRange;
+    RangeWork rangeWork = RangeWork::Keep;
+    // Bytes of a pipe that may be kept in a file.
+    std::uint64_t spoolLimit = std::uint64_t{16} << 30;
 };
 
 // Tells how a picture is to be written.
@@ -71,9 +85,16 @@ struct OutputOptions
     bool noClobber = false;
 };
 
-// Each adds its options to a verb: --page and --polarity, --compress and --no-clobber. The options
-// take their values when the command line is parsed.
-void AddInputOptions(CLI::App& verb, InputOptions& input);
+// A verb that writes no samples of the kind that it reads has no work on their range.
+enum class RangeWords
+{
+    All,
+    ReadingAlone,
+};
+
+// Each adds its options to a verb: --page, --polarity, --dot-range and --spool-limit; --compress
+// and --no-clobber. The options take their values when the command line is parsed.
+void AddInputOptions(CLI::App& verb, InputOptions& input, RangeWords words = RangeWords::All);
 void AddOutputOptions(CLI::App& verb, OutputOptions& output);
 
 } // namespace zvk::Pelkraft::Client

@@ -62,11 +62,11 @@ bool ConvertPage(const TiffFile& file, const TiffFile& out, const PagePlan& plan
                  const ConvertOptions& options, Progress& progress)
 {
     std::vector<RowPipeline> pipelines;
-    for (int worker = 0; worker < options.threads; ++worker)
+    for (int worker = 0; worker < options.common.threads; ++worker)
         pipelines.emplace_back(plan.rows);
     WriteTags(file, out, plan.to, plan.tags);
     WriteRows(
-        {file, out, plan.from, plan.to, options.output, options.threads},
+        {file, out, plan.from, plan.to, options.output, options.common.threads},
         [&](int worker, std::int64_t, unsigned char* oldRow, unsigned char* newRow) {
             pipelines[static_cast<std::size_t>(worker)].Run(oldRow, newRow);
         },

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/pelkraft/common_options.h"
 #include "tools/pelkraft/page_tags.h"
 #include "tools/pelkraft/progress.h"
 #include "tools/pelkraft/row_plan.h"
@@ -24,9 +25,7 @@ struct ConvertOptions
     bool mirror = false;
     std::optional<Tones> tones;
     bool portable = false;
-    int threads = 1;
-    bool explain = false;
-    bool json = false;
+    CommonOptions common;
 };
 
 // Everything that is known of a page's conversion before its first row.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/pelkraft/image_options.h"
 #include "tools/pelkraft/ink_names.h"
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
@@ -18,6 +19,8 @@ struct PageTags
     bool keepColourTags = true;
     // Curves and ranges, which are in sample values.
     bool keepValueTags = true;
+    // The samples of no ink and of full ink, where they are not those of the old page.
+    std::optional<DotRange> dotRange;
     std::optional<std::uint16_t> inkSet;
     std::optional<std::uint16_t> numberOfInks;
     std::vector<std::string> inkNames;

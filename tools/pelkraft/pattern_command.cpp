@@ -1,5 +1,7 @@
 #include "tools/pelkraft/pattern_command.h"
 
+#include "tools/pelkraft/atomic_output.h"
+#include "tools/pelkraft/common_options.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/pattern_report.h"
@@ -23,9 +25,9 @@ public:
     {
         verb = program.add_subcommand("pattern", "Explain and check a dot-pattern text");
         verb->add_option("FILE", input, "The pattern text")->required();
-        verb->add_flag("--json", json, "Print one JSON object, for programs");
         verb->add_option("--plot", plot,
                          "Draw the share of every ink value as SVG, expected beside measured");
+        AddCommonOptions(*verb, common, JsonUse::Result);
         verb->footer(std::string(patternHelp) + exitCodeHelp);
     }
 
@@ -37,9 +39,11 @@ public:
         const PatternText text = PatternText::Load(input);
         const PatternReport report(text);
         StopIfInterrupted(plot);
-        PrintText(json ? PatternJson(report) : ExplainPattern(report));
+        PrintText(common.json ? PatternJson(report) : ExplainPattern(report));
         if (report.LoadingEngines().empty())
             PrintError(input, "no engine loads it: \"" + report.Refusal() + "\"");
+        else if (!plot.empty() && common.dryRun)
+            AtomicOutput::Check(plot);
         else if (!plot.empty())
             DrawPlot(text, report);
         return report.Code();
@@ -64,7 +68,7 @@ private:
     CLI::App* verb = nullptr;
     std::string input;
     std::string plot;
-    bool json = false;
+    CommonOptions common;
 };
 
 } // namespace

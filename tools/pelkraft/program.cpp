@@ -3,6 +3,7 @@
 #include "tools/pelkraft/build_info.h"
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/pattern_command.h"
 #include "tools/pelkraft/simulate_command.h"
 #include "tools/pelkraft/text_output.h"
@@ -82,6 +83,7 @@ int RunProgram(int argc, const char* const* argv)
 {
     SilentLog silentLog;
     Diagnostics::Seh::SetDefaultLog(&silentLog);
+    SetMessageStyle({});
     try {
         return RunVerb(argc, argv);
     } catch (...) {

@@ -5,11 +5,11 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/lint_first.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/simulation.h"
 #include "tools/pelkraft/system_calls.h"
 #include "tools/pelkraft/text_output.h"
-#include "tools/pelkraft/workers.h"
 
 #include <CLI/CLI.hpp>
 
@@ -57,7 +57,6 @@ class SimulateCommand final : public ISubcommand
 public:
     void Register(CLI::App& program) override
     {
-        options.threads = DefaultThreads();
         verb = program.add_subcommand("simulate", "Apply a dot pattern to a TIFF file");
         verb->add_option("PATTERN", options.pattern, "The pattern text")->required();
         verb->add_option("IN.tif", options.input, "The file to read")->required();
@@ -70,17 +69,11 @@ public:
                          "takes samples as steps")
             ->check(CLI::IsMember({"quantize", "raw"}))
             ->capture_default_str();
-        verb->add_option("--threads", options.threads,
-                         "Threads that share each band of rows; the file is the same for any "
-                         "number")
-            ->check(CLI::Range(1, mostThreads))
-            ->capture_default_str();
         verb->add_option("--preview", options.preview,
                          "Also write a PNG that shows the first page as a person sees it");
         verb->add_option("--ink", inks,
                          "Colour of an out-ink in the preview, NAME=#RRGGBB; may be repeated");
-        verb->add_flag("--explain", options.explain,
-                       "Print which channel goes where, and how long it took");
+        AddCommonOptions(*verb, options.common);
         verb->footer(std::string(simulateHelp) + exitCodeHelp);
     }
 
@@ -92,10 +85,15 @@ public:
         CatchInterrupts();
         const auto start = std::chrono::steady_clock::now();
         const PatternText text = PatternText::Load(options.pattern);
+        const PatternReport report(text);
+        const ShownFindings findings(report, options.engine);
         const LoadedPattern pattern(text, options.engine);
+        findings.StopAtErrors();
         RefuseUnknownInks(pattern);
         TiffFile file = TiffFile::OpenForReading(options.input);
         const Total total = PlanAll(file, pattern);
+        if (options.common.dryRun)
+            return CheckOutputs(total);
         AtomicOutput output(options.output);
         std::optional<AtomicOutput> previewOutput;
         if (!options.preview.empty())
@@ -105,7 +103,7 @@ public:
             SimulateAll(file, pattern, total, output, previewOutput ? &preview : nullptr);
         if (previewOutput)
             previewOutput->Write(preview->Png());
-        if (options.explain)
+        if (options.common.explain)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output);
         file.Close();
@@ -117,7 +115,8 @@ public:
         if (sawHighStep)
             PrintWarning(options.input, "samples are above the top step of their in-colour; "
                                         "--levels quantize divides tones over the steps");
-        return sawHighStep || total.warned ? ExitCode::Warnings : ExitCode::Done;
+        return sawHighStep || total.warned || findings.HasWarnings() ? ExitCode::Warnings
+                                                                     : ExitCode::Done;
     }
 
 private:
@@ -130,6 +129,14 @@ private:
         if (!options.preview.empty() && Canonical(options.preview) == Canonical(options.output))
             throw Failure(ExitCode::Usage, options.preview,
                           "can't be both OUT.tif and the preview");
+    }
+
+    ExitCode CheckOutputs(const Total& total) const
+    {
+        AtomicOutput::Check(options.output);
+        if (!options.preview.empty())
+            AtomicOutput::Check(options.preview);
+        return total.warned ? ExitCode::Warnings : ExitCode::Done;
     }
 
     // Empty where the path can't be followed; opening it will tell why.
@@ -173,7 +180,7 @@ private:
             total.rows += plan.to.height;
             total.bytes += static_cast<std::uint64_t>(plan.to.width) * plan.to.height *
                            static_cast<std::uint64_t>(plan.to.channels);
-            if (options.explain)
+            if (options.common.explain)
                 Explain(plan, pattern, page);
             total.warned = WarnOfUnused(plan) || total.warned;
             WarnOfPolarity(plan);

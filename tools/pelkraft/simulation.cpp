@@ -90,6 +90,29 @@ void RefuseRawWords(const TiffPicture& from, Levels levels, const std::string& p
                       "has samples of 16 bits; --levels raw supports 1, 2 and 8");
 }
 
+int HighestInkValue(const InColorRecord& record)
+{
+    int highest = 0;
+    for (std::size_t number = 0; number < static_cast<std::size_t>(record.numSteps); ++number) {
+        const StepValues& step = record.steps[number];
+        for (std::size_t i = 0; i < static_cast<std::size_t>(step.numRandoms); ++i) {
+            for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p) {
+                if (step.table[i][p] != unsetValue)
+                    highest = std::max(highest, step.table[i][p] & 0xFF);
+            }
+        }
+    }
+    return highest;
+}
+
+int HighestInkValue(const PatternOutline& outline)
+{
+    int highest = 0;
+    for (std::size_t i = 0; i < outline.InColourCount(); ++i)
+        highest = std::max(highest, HighestInkValue(outline.Record(i)));
+    return highest == 0 ? 255 : highest;
+}
+
 RowRequest RequestFor(const TiffPicture& from, const SimulateOptions& options,
                       const ChannelChoice& choice)
 {
@@ -125,6 +148,9 @@ LoadedPattern::LoadedPattern(const PatternText& newText, DotWeavePattern::Engine
                                              : pattern->GetNumberOfStepsForInColor(i);
         topSteps.push_back(answer >= 0 && answer < stepsOfInColor ? answer : 0);
     }
+    // There the reference engine reads entries in a way of its own.
+    if (!RunsOnOneThread() || outline.version <= 2)
+        fullInk = HighestInkValue(outline);
 }
 
 std::unique_ptr<DotWeavePattern> LoadedPattern::Make() const
@@ -154,6 +180,7 @@ SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& optio
     tags.inkSet = std::uint16_t{INKSET_MULTIINK};
     tags.numberOfInks = static_cast<std::uint16_t>(pattern.outInks.size());
     tags.inkNames = pattern.outInks;
+    tags.dotRange = {0, pattern.fullInk};
 
     RowPlan rows = PlanRows(file, RequestFor(from, options, choice));
     return {from, to, std::move(tags), std::move(channels), std::move(choice), std::move(rows)};
@@ -164,7 +191,7 @@ bool SimulatePage(const TiffFile& file, const TiffFile& out, const SimulationPla
                   PreviewPicture* preview, Progress& progress)
 {
     // More threads than rows would have none to start at.
-    const auto mostThreads = std::min<std::int64_t>(options.threads, plan.from.height);
+    const auto mostThreads = std::min<std::int64_t>(options.common.threads, plan.from.height);
     const int threads = pattern.RunsOnOneThread() ? 1 : static_cast<int>(mostThreads);
     RowSimulation simulation(plan, options, pattern, threads);
     WriteTags(file, out, plan.to, plan.tags);

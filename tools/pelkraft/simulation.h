@@ -2,6 +2,7 @@
 
 #include "pelkraft/dot_weave_pattern.h"
 #include "tools/pelkraft/channel_choice.h"
+#include "tools/pelkraft/common_options.h"
 #include "tools/pelkraft/ink_colours.h"
 #include "tools/pelkraft/page_tags.h"
 #include "tools/pelkraft/pattern_text.h"
@@ -26,10 +27,9 @@ struct SimulateOptions
     std::string output;
     DotWeavePattern::Engine engine = DotWeavePattern::Automatic;
     Levels levels = Levels::Quantize;
-    int threads = 1;
     std::string preview;
     InkColours inkColours;
-    bool explain = false;
+    CommonOptions common;
 };
 
 // A pattern text with what the client must know of it beside the library's counts.
@@ -49,6 +49,9 @@ struct LoadedPattern
     std::vector<std::string> outInks;
     // The top step of each in-colour; 0 for one without steps.
     std::vector<int> topSteps;
+    // The highest value that the pattern gives to an ink, which stands for full ink; 255 where it
+    // gives none.
+    int fullInk = 255;
 };
 
 // Everything that is known of a page's simulation before its first row.

@@ -50,6 +50,8 @@ int LookAt(const std::string& path, PresentFile& present);
 // what is present there.
 int CreateBeside(const std::string& targetPath, const PresentFile& present, int& descriptor,
                  std::string& newPath);
+// Answers whether CreateBeside could create a file there.
+int TryBeside(const std::string& targetPath);
 // Puts the file into the target's place in one step.
 int Replace(const std::string& path, const std::string& targetPath);
 // Needs no memory.

@@ -115,6 +115,12 @@ int CreateBeside(const std::string& targetPath, const PresentFile& present, int&
     return 0;
 }
 
+int TryBeside(const std::string& targetPath)
+{
+    const std::filesystem::path folder = std::filesystem::path(targetPath).parent_path();
+    return access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) == 0 ? 0 : errno;
+}
+
 int Replace(const std::string& path, const std::string& targetPath)
 {
     return std::rename(path.c_str(), targetPath.c_str()) == 0 ? 0 : errno;

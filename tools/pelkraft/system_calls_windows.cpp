@@ -231,6 +231,15 @@ int CreateBeside(const std::string& targetPath, const PresentFile& present, int&
     return error;
 }
 
+int TryBeside(const std::string& targetPath)
+{
+    const std::filesystem::path folder = PathOf(targetPath).parent_path();
+    const DWORD attributes = GetFileAttributesW(folder.empty() ? L"." : folder.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return LastError();
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? 0 : ENOTDIR;
+}
+
 int Replace(const std::string& path, const std::string& targetPath)
 {
     return Answer(MoveFileExW(Wide(path).c_str(), Wide(targetPath).c_str(),

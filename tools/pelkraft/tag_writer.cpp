@@ -197,6 +197,9 @@ void WriteTags(const TiffFile& from, const TiffFile& out, const TiffPicture& to,
     WriteInks(out, tags, to.channels);
     WriteResolution(from.Get(), out.Get(), tags.repeat);
     CopyDocumentTags(from.Get(), out.Get());
+    if (tags.dotRange)
+        Set(out, TIFFTAG_DOTRANGE, static_cast<std::uint16_t>(tags.dotRange->none),
+            static_cast<std::uint16_t>(tags.dotRange->full));
     if (tags.keepColourTags)
         CopyColourTags(from.Get(), out.Get(), tags.photometric);
     if (tags.keepValueTags) {
