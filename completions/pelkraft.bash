@@ -6,10 +6,10 @@ _pelkraft_offers() {
     case $1 in
     '') echo 'convert pattern simulate --help --version --buildinfo' ;;
     convert)
-        echo "--layout --bits --channels --repeat --mirror --tones --portable $common"
+        echo "--layout --bits --channels --repeat --mirror --tones --portable --no-clobber $common"
         ;;
-    pattern) echo "--plot $common" ;;
-    simulate) echo "--engine --levels --preview --ink $common" ;;
+    pattern) echo "--plot --no-clobber $common" ;;
+    simulate) echo "--engine --levels --preview --ink --no-clobber $common" ;;
     esac
 }
 

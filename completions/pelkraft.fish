@@ -29,10 +29,13 @@ complete -c pelkraft -n $convert -l repeat -x -a '1 2 4' -d 'Write each pixel th
 complete -c pelkraft -n $convert -l mirror -d 'Write each row from its last pixel to its first'
 complete -c pelkraft -n $convert -l tones -x -a 'scale raw' -d 'What samples below 8 bits mean'
 complete -c pelkraft -n $convert -l portable -d 'Take the portable road of the library'
+complete -c pelkraft -n $convert -l no-clobber -d 'Refuse to overwrite a file'
 
 complete -c pelkraft -n $pattern -l plot -r -F -d 'Draw the share of every ink value as SVG'
+complete -c pelkraft -n $pattern -l no-clobber -d 'Refuse to overwrite a file'
 
 complete -c pelkraft -n $simulate -l engine -x -a 'auto reference x86 sse' -d 'Engine of the library'
 complete -c pelkraft -n $simulate -l levels -x -a 'quantize raw' -d 'What a sample means'
 complete -c pelkraft -n $simulate -l preview -r -F -d 'Also write a PNG of the first page'
 complete -c pelkraft -n $simulate -l ink -x -d 'Colour of an out-ink, NAME=#RRGGBB'
+complete -c pelkraft -n $simulate -l no-clobber -d 'Refuse to overwrite a file'

@@ -4,10 +4,14 @@
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/system_calls.h"
 
+#include <cerrno>
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {
+
+constexpr const char* keptByNoClobber =
+    "it exists, and --no-clobber keeps what exists; name another file, or leave the option out";
 
 [[noreturn]] void ThrowWriteFailure(const std::string& path, const std::string& text)
 {
@@ -18,9 +22,10 @@ namespace {
 
 AtomicOutput* AtomicOutput::latest = nullptr;
 
-AtomicOutput::AtomicOutput(const std::string& newPath) : earlier(latest), shownPath(newPath)
+AtomicOutput::AtomicOutput(const std::string& newPath, const OutputRules& newRules)
+    : earlier(latest), rules(newRules), shownPath(newPath)
 {
-    Target target = Find(newPath);
+    Target target = Find(newPath, rules);
     targetPath = std::move(target.path);
     if (const int error = CreateBeside(targetPath, target.present, descriptor, temporaryPath);
         error != 0)
@@ -28,8 +33,9 @@ AtomicOutput::AtomicOutput(const std::string& newPath) : earlier(latest), shownP
     latest = this;
 }
 
-AtomicOutput::Target AtomicOutput::Find(const std::string& path)
+AtomicOutput::Target AtomicOutput::Find(const std::string& path, const OutputRules& rules)
 {
+    RefuseOtherEnding(path, rules.kind);
     Target target = {path, {}};
     if (const int error = FollowLinks(target.path); error != 0)
         ThrowWriteFailure(path, ErrorText(error));
@@ -39,12 +45,14 @@ AtomicOutput::Target AtomicOutput::Find(const std::string& path)
         ThrowWriteFailure(path, "it exists and is not a regular file");
     if (!PathOf(target.path).has_filename())
         ThrowWriteFailure(path, "it names a folder");
+    if (target.present.exists && rules.noClobber)
+        ThrowWriteFailure(path, keptByNoClobber);
     return target;
 }
 
-void AtomicOutput::Check(const std::string& path)
+void AtomicOutput::Check(const std::string& path, const OutputRules& rules)
 {
-    const Target target = Find(path);
+    const Target target = Find(path, rules);
     if (const int error = TryBeside(target.path); error != 0)
         ThrowWriteFailure(path, ErrorText(error));
 }
@@ -74,7 +82,11 @@ void AtomicOutput::Write(const std::string& bytes)
 
 void AtomicOutput::Commit()
 {
-    if (const int error = Replace(temporaryPath, targetPath); error != 0)
+    const int error =
+        rules.noClobber ? PlaceNew(temporaryPath, targetPath) : Replace(temporaryPath, targetPath);
+    if (rules.noClobber && error == EEXIST)
+        ThrowWriteFailure(shownPath, keptByNoClobber);
+    if (error != 0)
         ThrowWriteFailure(shownPath, ErrorText(error));
     temporaryPath.clear();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/pelkraft/output_rules.h"
 #include "tools/pelkraft/system_calls.h"
 
 #include <string>
@@ -8,17 +9,18 @@ namespace zvk::Pelkraft::Client {
 
 // A file that appears whole or not at all: written under a temporary name beside its target, and
 // renamed by Commit. Without Commit the destructor removes it. A target that exists must be a
-// regular file; what a symbolic link points to is replaced, the link stays.
+// regular file; what a symbolic link points to is replaced, the link stays. What the rules refuse
+// is refused by the constructor, and a target that came to be since then by Commit.
 class AtomicOutput
 {
 public:
-    explicit AtomicOutput(const std::string& newPath);
+    explicit AtomicOutput(const std::string& newPath, const OutputRules& newRules = {});
     ~AtomicOutput();
     AtomicOutput(const AtomicOutput&) = delete;
     AtomicOutput& operator=(const AtomicOutput&) = delete;
 
     // Throws what would keep the constructor from its work, without creating anything.
-    static void Check(const std::string& path);
+    static void Check(const std::string& path, const OutputRules& rules = {});
 
     // The open temporary. Whoever takes it stores and closes it.
     int TakeDescriptor();
@@ -38,11 +40,12 @@ private:
         std::string path;
         PresentFile present;
     };
-    static Target Find(const std::string& path);
+    static Target Find(const std::string& path, const OutputRules& rules);
 
     static AtomicOutput* latest;
     AtomicOutput* earlier;
 
+    OutputRules rules;
     std::string shownPath;
     std::string targetPath;
     std::string temporaryPath;

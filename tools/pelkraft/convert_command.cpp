@@ -94,10 +94,10 @@ public:
         const auto start = std::chrono::steady_clock::now();
         const Total total = PlanAll(file, options);
         if (options.common.dryRun) {
-            AtomicOutput::Check(options.output);
+            AtomicOutput::Check(options.output, rules);
             return ExitCode::Done;
         }
-        AtomicOutput output(options.output);
+        AtomicOutput output(options.output, rules);
         const bool cutSamples = ConvertAll(file, options, total, output);
         if (options.common.explain && !options.common.json)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
@@ -137,11 +137,13 @@ private:
     void AddWorkOptions()
     {
         verb->add_flag("--portable", options.portable, "Take the portable road of the library");
+        verb->add_flag("--no-clobber", rules.noClobber, "Refuse to overwrite a file");
         AddCommonOptions(*verb, options.common);
     }
 
     void TakeOptions()
     {
+        RefuseOtherEnding(options.output, rules.kind);
         if (!layout.empty())
             options.separate = layout == "planar";
         if (bits != 0)
@@ -151,6 +153,7 @@ private:
     }
 
     ConvertOptions options;
+    OutputRules rules = {FileKind::Tiff};
     CLI::App* verb = nullptr;
     std::string layout;
     std::string tones;

@@ -27,6 +27,7 @@ public:
         verb->add_option("FILE", input, "The pattern text")->required();
         verb->add_option("--plot", plot,
                          "Draw the share of every ink value as SVG, expected beside measured");
+        verb->add_flag("--no-clobber", rules.noClobber, "Refuse to overwrite a file");
         AddCommonOptions(*verb, common, JsonUse::Result);
         verb->footer(std::string(patternHelp) + exitCodeHelp);
     }
@@ -35,6 +36,7 @@ public:
 
     ExitCode Run() override
     {
+        RefuseOtherEnding(plot, rules.kind);
         CatchInterrupts();
         const PatternText text = PatternText::Load(input);
         const PatternReport report(text);
@@ -43,7 +45,7 @@ public:
         if (report.LoadingEngines().empty())
             PrintError(input, "no engine loads it: \"" + report.Refusal() + "\"");
         else if (!plot.empty() && common.dryRun)
-            AtomicOutput::Check(plot);
+            AtomicOutput::Check(plot, rules);
         else if (!plot.empty())
             DrawPlot(text, report);
         return report.Code();
@@ -61,13 +63,16 @@ private:
                           "can't be drawn: \"" + refusal +
                               "\"; supported are patterns that the x86 or the sse engine loads");
         StopIfInterrupted(plot);
-        WriteWholeFile(plot, DrawShares(input, report.outline,
-                                        MeasureShares(report.outline, report.model, *pattern)));
+        WriteWholeFile(plot,
+                       DrawShares(input, report.outline,
+                                  MeasureShares(report.outline, report.model, *pattern)),
+                       rules);
     }
 
     CLI::App* verb = nullptr;
     std::string input;
     std::string plot;
+    OutputRules rules = {FileKind::Svg};
     CommonOptions common;
 };
 

@@ -73,6 +73,7 @@ public:
                          "Also write a PNG that shows the first page as a person sees it");
         verb->add_option("--ink", inks,
                          "Colour of an out-ink in the preview, NAME=#RRGGBB; may be repeated");
+        verb->add_flag("--no-clobber", rules.noClobber, "Refuse to overwrite a file");
         AddCommonOptions(*verb, options.common);
         verb->footer(std::string(simulateHelp) + exitCodeHelp);
     }
@@ -94,10 +95,10 @@ public:
         const Total total = PlanAll(file, pattern);
         if (options.common.dryRun)
             return CheckOutputs(total);
-        AtomicOutput output(options.output);
+        AtomicOutput output(options.output, rules);
         std::optional<AtomicOutput> previewOutput;
         if (!options.preview.empty())
-            previewOutput.emplace(options.preview);
+            previewOutput.emplace(options.preview, PreviewRules());
         std::optional<PreviewPicture> preview;
         const bool sawHighStep =
             SimulateAll(file, pattern, total, output, previewOutput ? &preview : nullptr);
@@ -120,8 +121,12 @@ public:
     }
 
 private:
+    OutputRules PreviewRules() const { return {FileKind::Png, rules.noClobber}; }
+
     void TakeOptions()
     {
+        RefuseOtherEnding(options.output, FileKind::Tiff);
+        RefuseOtherEnding(options.preview, FileKind::Png);
         options.engine = EngineOf(engine);
         options.levels = levels == "raw" ? Levels::Raw : Levels::Quantize;
         for (const std::string& ink : inks)
@@ -133,9 +138,9 @@ private:
 
     ExitCode CheckOutputs(const Total& total) const
     {
-        AtomicOutput::Check(options.output);
+        AtomicOutput::Check(options.output, rules);
         if (!options.preview.empty())
-            AtomicOutput::Check(options.preview);
+            AtomicOutput::Check(options.preview, PreviewRules());
         return total.warned ? ExitCode::Warnings : ExitCode::Done;
     }
 
@@ -254,6 +259,7 @@ private:
     }
 
     SimulateOptions options;
+    OutputRules rules = {FileKind::Tiff};
     CLI::App* verb = nullptr;
     std::string engine = "auto";
     std::string levels = "quantize";

@@ -54,6 +54,8 @@ int CreateBeside(const std::string& targetPath, const PresentFile& present, int&
 int TryBeside(const std::string& targetPath);
 // Puts the file into the target's place in one step.
 int Replace(const std::string& path, const std::string& targetPath);
+// Puts the file there in one step if nothing is there, else answers EEXIST.
+int PlaceNew(const std::string& path, const std::string& targetPath);
 // Needs no memory.
 void Remove(const std::string& path) noexcept;
 

@@ -126,6 +126,22 @@ int Replace(const std::string& path, const std::string& targetPath)
     return std::rename(path.c_str(), targetPath.c_str()) == 0 ? 0 : errno;
 }
 
+int PlaceNew(const std::string& path, const std::string& targetPath)
+{
+    if (link(path.c_str(), targetPath.c_str()) == 0) {
+        Remove(path);
+        return 0;
+    }
+    if (errno == EEXIST)
+        return EEXIST;
+    // A file system without hard links is no reason to refuse.
+    PresentFile present;
+    const int error = LookAt(targetPath, present);
+    if (error != 0 || present.exists)
+        return error != 0 ? error : EEXIST;
+    return Replace(path, targetPath);
+}
+
 void Remove(const std::string& path) noexcept
 {
     unlink(path.c_str());

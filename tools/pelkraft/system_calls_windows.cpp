@@ -246,6 +246,12 @@ int Replace(const std::string& path, const std::string& targetPath)
                               MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
 }
 
+int PlaceNew(const std::string& path, const std::string& targetPath)
+{
+    return Answer(
+        MoveFileExW(Wide(path).c_str(), Wide(targetPath).c_str(), MOVEFILE_WRITE_THROUGH));
+}
+
 void Remove(const std::string& path) noexcept
 {
     // The longest path that the system knows.

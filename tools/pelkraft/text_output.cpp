@@ -9,9 +9,9 @@
 
 namespace zvk::Pelkraft::Client {
 
-void WriteWholeFile(const std::string& path, const std::string& bytes)
+void WriteWholeFile(const std::string& path, const std::string& bytes, const OutputRules& rules)
 {
-    AtomicOutput output(path);
+    AtomicOutput output(path, rules);
     output.Write(bytes);
     StopIfInterrupted(path);
     output.Commit();

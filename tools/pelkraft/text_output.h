@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/pelkraft/output_rules.h"
+
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -7,7 +9,8 @@
 namespace zvk::Pelkraft::Client {
 
 // Writes a file of these bytes, whole or not at all.
-void WriteWholeFile(const std::string& path, const std::string& bytes);
+void WriteWholeFile(const std::string& path, const std::string& bytes,
+                    const OutputRules& rules = {});
 
 // To the standard output stream; a stream that takes no more is a failure to write.
 void PrintText(const std::string& text);
