@@ -4,10 +4,11 @@
 _pelkraft_offers() {
     local common='--help --quiet --verbose --progress --color --threads --explain --json --dry-run'
     case $1 in
-    '') echo 'convert pattern simulate --help --version --buildinfo' ;;
+    '') echo 'convert mask pattern simulate --help --version --buildinfo' ;;
     convert)
         echo "--layout --bits --channels --repeat --mirror --tones --portable --no-clobber $common"
         ;;
+    mask) echo "--verify --export --no-clobber $common" ;;
     pattern) echo "--plot --no-clobber $common" ;;
     simulate) echo "--engine --levels --preview --ink --no-clobber $common" ;;
     esac
@@ -22,6 +23,7 @@ _pelkraft_values() {
     --tones) echo 'scale raw' ;;
     --engine) echo 'auto reference x86 sse' ;;
     --levels) echo 'quantize raw' ;;
+    --export) echo 'raw16' ;;
     --progress) echo 'auto never json' ;;
     --color) echo 'auto never' ;;
     *) return 1 ;;

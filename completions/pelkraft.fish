@@ -1,8 +1,9 @@
 # Completion of pelkraft for fish.
-set -l verbs convert pattern simulate
+set -l verbs convert mask pattern simulate
 set -l none "not __fish_seen_subcommand_from $verbs"
 set -l any "__fish_seen_subcommand_from $verbs"
 set -l convert '__fish_seen_subcommand_from convert'
+set -l mask '__fish_seen_subcommand_from mask'
 set -l pattern '__fish_seen_subcommand_from pattern'
 set -l simulate '__fish_seen_subcommand_from simulate'
 
@@ -10,6 +11,7 @@ complete -c pelkraft -s h -l help -d 'Print the help and exit'
 complete -c pelkraft -n $none -l version -d 'Print the version and exit'
 complete -c pelkraft -n $none -l buildinfo -d 'Print how the program was built and exit'
 complete -c pelkraft -n $none -f -a convert -d 'Convert the rows of a TIFF file'
+complete -c pelkraft -n $none -f -a mask -d 'Verify or export the mask of the dither'
 complete -c pelkraft -n $none -f -a pattern -d 'Explain and check a dot-pattern text'
 complete -c pelkraft -n $none -f -a simulate -d 'Apply a dot pattern to a TIFF file'
 
@@ -30,6 +32,10 @@ complete -c pelkraft -n $convert -l mirror -d 'Write each row from its last pixe
 complete -c pelkraft -n $convert -l tones -x -a 'scale raw' -d 'What samples below 8 bits mean'
 complete -c pelkraft -n $convert -l portable -d 'Take the portable road of the library'
 complete -c pelkraft -n $convert -l no-clobber -d 'Refuse to overwrite a file'
+
+complete -c pelkraft -n $mask -l verify -d 'Make the mask anew and compare it'
+complete -c pelkraft -n $mask -l export -x -a 'raw16' -d 'Write the ranks row by row'
+complete -c pelkraft -n $mask -l no-clobber -d 'Refuse to overwrite a file'
 
 complete -c pelkraft -n $pattern -l plot -r -F -d 'Draw the share of every ink value as SVG'
 complete -c pelkraft -n $pattern -l no-clobber -d 'Refuse to overwrite a file'

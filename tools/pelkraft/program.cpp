@@ -3,6 +3,7 @@
 #include "tools/pelkraft/build_info.h"
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/mask_command.h"
 #include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/pattern_command.h"
 #include "tools/pelkraft/simulate_command.h"
@@ -57,6 +58,7 @@ int RunVerb(int argc, const char* const* argv)
     AddBuildInfo(program);
     std::vector<std::unique_ptr<ISubcommand>> verbs;
     verbs.push_back(MakeConvertCommand());
+    verbs.push_back(MakeMaskCommand());
     verbs.push_back(MakePatternCommand());
     verbs.push_back(MakeSimulateCommand());
     for (const auto& verb : verbs)
