@@ -4,12 +4,15 @@
 _pelkraft_offers() {
     local common='--help --quiet --verbose --progress --color --threads --explain --json --dry-run'
     case $1 in
-    '') echo 'convert mask pattern simulate --help --version --buildinfo' ;;
+    '') echo 'convert mask pattern preview simulate --help --version --buildinfo' ;;
     convert)
         echo "--layout --bits --channels --repeat --mirror --tones --portable --no-clobber $common"
         ;;
     mask) echo "--verify --export --no-clobber $common" ;;
     pattern) echo "--plot --no-clobber $common" ;;
+    preview)
+        echo "--inks --print-order --gain --crop --page --polarity --dot-range --spool-limit $common"
+        ;;
     simulate) echo "--engine --levels --preview --ink --no-clobber $common" ;;
     esac
 }
@@ -24,6 +27,7 @@ _pelkraft_values() {
     --engine) echo 'auto reference x86 sse' ;;
     --levels) echo 'quantize raw' ;;
     --export) echo 'raw16' ;;
+    --polarity) echo 'auto ink-high ink-low' ;;
     --progress) echo 'auto never json' ;;
     --color) echo 'auto never' ;;
     *) return 1 ;;
@@ -49,6 +53,7 @@ _pelkraft() {
     else
         case $previous in
         --channels | --threads | --ink | --plot | --preview) return ;;
+        --inks | --print-order | --gain | --crop | --page | --dot-range | --spool-limit) return ;;
         esac
         # Files follow a verb, and verbs below it, unless an option is begun.
         if [[ -n $verb && $current != -* ]]; then

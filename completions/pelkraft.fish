@@ -1,10 +1,11 @@
 # Completion of pelkraft for fish.
-set -l verbs convert mask pattern simulate
+set -l verbs convert mask pattern preview simulate
 set -l none "not __fish_seen_subcommand_from $verbs"
 set -l any "__fish_seen_subcommand_from $verbs"
 set -l convert '__fish_seen_subcommand_from convert'
 set -l mask '__fish_seen_subcommand_from mask'
 set -l pattern '__fish_seen_subcommand_from pattern'
+set -l preview '__fish_seen_subcommand_from preview'
 set -l simulate '__fish_seen_subcommand_from simulate'
 
 complete -c pelkraft -s h -l help -d 'Print the help and exit'
@@ -13,6 +14,7 @@ complete -c pelkraft -n $none -l buildinfo -d 'Print how the program was built a
 complete -c pelkraft -n $none -f -a convert -d 'Convert the rows of a TIFF file'
 complete -c pelkraft -n $none -f -a mask -d 'Verify or export the mask of the dither'
 complete -c pelkraft -n $none -f -a pattern -d 'Explain and check a dot-pattern text'
+complete -c pelkraft -n $none -f -a preview -d 'Show the inks of a TIFF file as a PNG'
 complete -c pelkraft -n $none -f -a simulate -d 'Apply a dot pattern to a TIFF file'
 
 complete -c pelkraft -n $any -s q -l quiet -d 'Tell errors only'
@@ -39,6 +41,15 @@ complete -c pelkraft -n $mask -l no-clobber -d 'Refuse to overwrite a file'
 
 complete -c pelkraft -n $pattern -l plot -r -F -d 'Draw the share of every ink value as SVG'
 complete -c pelkraft -n $pattern -l no-clobber -d 'Refuse to overwrite a file'
+
+complete -c pelkraft -n $preview -l inks -r -F -d 'Looks of inks'
+complete -c pelkraft -n $preview -l print-order -x -d 'Inks in the order of their printing'
+complete -c pelkraft -n $preview -l gain -x -d 'Percent that half a tone gains in print'
+complete -c pelkraft -n $preview -l crop -x -d 'The part to show, X,Y,W,H'
+complete -c pelkraft -n $preview -l page -x -a all -d 'Pages to take'
+complete -c pelkraft -n $preview -l polarity -x -a 'auto ink-high ink-low' -d 'Which samples are ink'
+complete -c pelkraft -n $preview -l dot-range -x -d 'Samples of no ink and of full ink'
+complete -c pelkraft -n $preview -l spool-limit -x -d 'Bytes of a pipe kept in a file'
 
 complete -c pelkraft -n $simulate -l engine -x -a 'auto reference x86 sse' -d 'Engine of the library'
 complete -c pelkraft -n $simulate -l levels -x -a 'quantize raw' -d 'What a sample means'

@@ -46,6 +46,8 @@ enum class PassKind : std::uint8_t
     Clear,
 };
 
+constexpr std::size_t passKindCount = static_cast<std::size_t>(PassKind::Clear) + 1;
+
 // A change of the depth treats samples in one of these ways.
 enum class Samples : std::uint8_t
 {

@@ -1,6 +1,7 @@
 #include "direct/pass_run.h"
 
 #include "common/bit_sizes.h"
+#include "direct/pass_kernels.h"
 
 #include <algorithm>
 #include <array>
@@ -43,41 +44,11 @@ void ForEachPlane(const PassInput& input, const PassTarget& target, std::size_t 
     }
 }
 
-SampleKernel KernelOf(const DirectPlan& plan, PassKind kind, std::uint8_t bits,
-                      std::uint8_t newBits)
-{
-    const SampleKernels& kernels = *plan.kernels->samples;
-    switch (kind) {
-    case PassKind::Widen:
-        return kernels.widen;
-    case PassKind::Narrow:
-        return kernels.narrow;
-    case PassKind::Pack:
-        return kernels.pack[newBits - 1U];
-    case PassKind::NarrowPack:
-        return kernels.narrowPack[newBits - 1U];
-    case PassKind::Unpack:
-        return kernels.unpack[bits - 1U];
-    case PassKind::UnpackWiden:
-        return kernels.unpackWiden[bits - 1U];
-    case PassKind::Quantize:
-        return kernels.quantize[plan.passes[plan.passCount - 1U].bits - 1U];
-    case PassKind::Stretch:
-        return kernels.stretch[plan.sourceBits - 1U];
-    case PassKind::Cut:
-        return kernels.cut;
-    case PassKind::Extend:
-        return kernels.extend;
-    default:
-        return nullptr;
-    }
-}
-
 template <PassKind kind>
 void RunSamples(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
                 const PassTarget& target, std::size_t channels)
 {
-    const SampleKernel kernel = KernelOf(plan, kind, input.bits, pass.bits);
+    const SampleKernel kernel = SampleKernelOf(plan, kind, input.bits, pass.bits);
     if (!input.planar)
         return kernel(input.bytes, target.bytes, input.pixels * input.pixelChannels);
     const std::size_t samples = input.pixels + input.skip;
@@ -272,23 +243,6 @@ void RunSplit(const DirectPlan& plan, const PassOutput& pass, const PassInput& i
         FillOtherPlanes(plan, target, channels, pass.bits);
 }
 
-SplitKernel KernelOf(const DirectPlan& plan, const PassOutput& pass, std::size_t channels)
-{
-    const SplitMergeKernels& kernels = *plan.kernels->splitMerge;
-    switch (pass.kind) {
-    case PassKind::Split:
-        return kernels.split[pass.bits / 8U - 1][channels];
-    case PassKind::PackSplit:
-        return plan.kernels->samples->packSplit[pass.bits - 1U][channels];
-    case PassKind::SplitWiden:
-        return kernels.splitWiden[channels];
-    case PassKind::NarrowSplit:
-        return kernels.narrowSplit[channels];
-    default:
-        return nullptr;
-    }
-}
-
 // A split that changes the depth as well, of a few channels.
 void RunFused(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
               const PassTarget& target, std::size_t)
@@ -296,7 +250,8 @@ void RunFused(const DirectPlan& plan, const PassOutput& pass, const PassInput& i
     unsigned char* planes[maxFusedChannels];
     for (std::size_t c = 0; c != input.pixelChannels; ++c)
         planes[c] = PlaneOf(target, c);
-    KernelOf(plan, pass, input.pixelChannels)(input.bytes, planes, input.pixels);
+    SplitKernelOf(plan, pass.kind, pass.bits, input.pixelChannels)(input.bytes, planes,
+                                                                   input.pixels);
 }
 
 void FillSources(const PassInput& input, const ChannelBatch& batch, const unsigned char** planes)
@@ -391,39 +346,72 @@ constexpr PassMethod MethodOf()
     }
 }
 
-constexpr std::size_t kindCount = static_cast<std::size_t>(PassKind::Clear) + 1;
-
 template <std::size_t... kind>
-constexpr std::array<PassMethod, kindCount> MakeMethods(std::index_sequence<kind...>)
+constexpr std::array<PassMethod, passKindCount> MakeMethods(std::index_sequence<kind...>)
 {
     return {MethodOf<static_cast<PassKind>(kind)>()...};
 }
 
-constexpr auto methods = MakeMethods(std::make_index_sequence<kindCount>{});
+constexpr auto methods = MakeMethods(std::make_index_sequence<passKindCount>{});
 
 } // namespace
 
-SampleKernel SampleKernelOf(const DirectPlan& plan, const PassOutput& pass)
+PassInput SourceAt(const DirectPlan& plan, const DirectRows& rows, std::size_t pixel,
+                   std::size_t channel, std::size_t pixels)
 {
-    return KernelOf(plan, pass.kind, plan.sourceBits, pass.bits);
+    const std::uint8_t bits = plan.sourceBits;
+    // Entries name the channels of the whole source.
+    const std::size_t first = plan.mapped ? 0 : channel;
+    if (!plan.sourcePlanar) {
+        const std::size_t sample = pixel * plan.sourceChannels + first;
+        return {rows.source + sample * (bits / 8U),
+                0,
+                nullptr,
+                bits,
+                false,
+                plan.sourceChannels,
+                0,
+                pixels};
+    }
+    const std::size_t skip = bits < 8 ? pixel % (8U / bits) : 0;
+    const auto firstPlane = static_cast<std::ptrdiff_t>(first);
+    return {rows.source + firstPlane * rows.sourcePlaneStep + WholeBytesOf(pixel, bits),
+            rows.sourcePlaneStep,
+            plan.mapped ? EntriesOf(plan) + channel : nullptr,
+            bits,
+            true,
+            plan.sourceChannels,
+            skip,
+            pixels};
 }
 
-SplitKernel SplitKernelOf(const DirectPlan& plan, const PassOutput& pass)
+PassTarget TargetAt(const DirectPlan& plan, const DirectRows& rows, std::size_t pixel,
+                    std::size_t channel, std::size_t pixels)
 {
-    return KernelOf(plan, pass, plan.sourceChannels);
-}
-
-MergeKernel MergeKernelOf(const DirectPlan& plan, const PassOutput& pass)
-{
-    return pass.kind == PassKind::Merge
-               ? plan.kernels->splitMerge->merge[pass.bits / 8U - 1][plan.channels]
-               : nullptr;
+    const PassOutput& pass = plan.passes[plan.passCount - 1U];
+    const std::size_t offset = pass.planar ? WholeBytesOf(pixel, pass.bits)
+                                           : (pixel * plan.channels + channel) * (pass.bits / 8U);
+    const std::ptrdiff_t planes =
+        pass.planar ? static_cast<std::ptrdiff_t>(channel) * rows.planeStep : 0;
+    return {rows.target + planes + offset,
+            rows.planeStep,
+            channel,
+            plan.channels,
+            pixels,
+            nullptr,
+            true};
 }
 
 void RunPass(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
              const PassTarget& target, std::size_t channels)
 {
     methods[static_cast<std::size_t>(pass.kind)](plan, pass, input, target, channels);
+}
+
+void RunOnlyPass(const DirectPlan& plan, const DirectRows& rows)
+{
+    RunPass(plan, plan.passes[0], SourceAt(plan, rows, plan.firstPixel, 0, plan.sourcePixels),
+            TargetAt(plan, rows, 0, 0, plan.pixels), plan.channels);
 }
 
 } // namespace zvk::Pelkraft

@@ -35,15 +35,21 @@ struct PassTarget
     bool last;
 };
 
+// So many pixels of the source, from a pixel and a channel on.
+PassInput SourceAt(const DirectPlan& plan, const DirectRows& rows, std::size_t pixel,
+                   std::size_t channel, std::size_t pixels);
+
+// So many pixels of the destination, from a pixel and a channel on. A row's packed pixels are
+// asked for from a byte's first one on.
+PassTarget TargetAt(const DirectPlan& plan, const DirectRows& rows, std::size_t pixel,
+                    std::size_t channel, std::size_t pixels);
+
 // Runs one pass of a plan on some neighbouring channels of the target.
 void RunPass(const DirectPlan& plan, const PassOutput& pass, const PassInput& input,
              const PassTarget& target, std::size_t channels);
 
-// The kernel of a plan's only pass, or null where it is of another type. Pixels that are split or
-// merged have at most maxDenseChannels.
-SampleKernel SampleKernelOf(const DirectPlan& plan, const PassOutput& pass);
-SplitKernel SplitKernelOf(const DirectPlan& plan, const PassOutput& pass);
-MergeKernel MergeKernelOf(const DirectPlan& plan, const PassOutput& pass);
+// Runs the only pass of a plan on whole rows.
+void RunOnlyPass(const DirectPlan& plan, const DirectRows& rows);
 
 // A plane of zeros has as many bytes as a tile's plane can have.
 constexpr std::size_t maxPlaneBytesOfTile = 2048;

@@ -1,7 +1,7 @@
 #include "direct/row_run.h"
 
 #include "common/bit_sizes.h"
-#include "direct/pass_run.h"
+#include "direct/pass_kernels.h"
 
 #include <array>
 #include <cstring>
@@ -249,9 +249,9 @@ RowRun::Method RowRun::ChooseKernel()
 {
     const PassOutput& pass = plan->passes[0];
     const bool dense = plan->channels <= maxDenseChannels;
-    samples = SampleKernelOf(*plan, pass);
-    split = dense ? SplitKernelOf(*plan, pass) : nullptr;
-    merge = dense ? MergeKernelOf(*plan, pass) : nullptr;
+    samples = SampleKernelOf(*plan, pass.kind, plan->sourceBits, pass.bits);
+    split = dense ? SplitKernelOf(*plan, pass.kind, pass.bits, plan->sourceChannels) : nullptr;
+    merge = dense ? MergeKernelOf(*plan, pass.kind, pass.bits, plan->channels) : nullptr;
     if (split != nullptr)
         return splits[plan->channels - 1];
     if (merge != nullptr)

@@ -4,6 +4,7 @@
 #include "common/inlining.h"
 #include "direct/finished_pixels.h"
 #include "direct/pass_run.h"
+#include "direct/whole_row.h"
 
 #include <algorithm>
 
@@ -88,55 +89,6 @@ std::size_t ChooseTileChannels(const DirectPlan& plan)
         return 1;
     const std::size_t turns = (plan.channels + maxTileChannels - 1) / maxTileChannels;
     return (plan.channels + turns - 1) / turns;
-}
-
-// So many pixels of the source, from a pixel and a channel on.
-PassInput SourceAt(const DirectPlan& plan, const DirectRows& rows, std::size_t pixel,
-                   std::size_t channel, std::size_t pixels)
-{
-    const std::uint8_t bits = plan.sourceBits;
-    // Entries name the channels of the whole source.
-    const std::size_t first = plan.mapped ? 0 : channel;
-    if (!plan.sourcePlanar) {
-        const std::size_t sample = pixel * plan.sourceChannels + first;
-        return {rows.source + sample * (bits / 8U),
-                0,
-                nullptr,
-                bits,
-                false,
-                plan.sourceChannels,
-                0,
-                pixels};
-    }
-    const std::size_t skip = bits < 8 ? pixel % (8U / bits) : 0;
-    const auto firstPlane = static_cast<std::ptrdiff_t>(first);
-    return {rows.source + firstPlane * rows.sourcePlaneStep + WholeBytesOf(pixel, bits),
-            rows.sourcePlaneStep,
-            plan.mapped ? EntriesOf(plan) + channel : nullptr,
-            bits,
-            true,
-            plan.sourceChannels,
-            skip,
-            pixels};
-}
-
-// So many pixels of the destination, from a pixel and a channel on. A row's packed pixels are
-// asked for from a byte's first one on.
-PassTarget TargetAt(const DirectPlan& plan, const DirectRows& rows, std::size_t pixel,
-                    std::size_t channel, std::size_t pixels)
-{
-    const PassOutput& pass = plan.passes[plan.passCount - 1U];
-    const std::size_t offset = pass.planar ? WholeBytesOf(pixel, pass.bits)
-                                           : (pixel * plan.channels + channel) * (pass.bits / 8U);
-    const std::ptrdiff_t planes =
-        pass.planar ? static_cast<std::ptrdiff_t>(channel) * rows.planeStep : 0;
-    return {rows.target + planes + offset,
-            rows.planeStep,
-            channel,
-            plan.channels,
-            pixels,
-            nullptr,
-            true};
 }
 
 // Runs the passes tile by tile: the first from the source into one tile, the last from a tile
@@ -262,26 +214,20 @@ PELKRAFT_NEVER_INLINE void RunTiles(const DirectPlan& plan, const DirectRows& ro
     TileRun(plan, rows).Run();
 }
 
-PELKRAFT_ALWAYS_INLINE inline void RunRow(const DirectPlan& plan, const DirectRows& rows)
-{
-    if (plan.tilePixels != 0)
-        return RunTiles(plan, rows);
-    const PassInput input = SourceAt(plan, rows, plan.firstPixel, 0, plan.sourcePixels);
-    const PassTarget target = TargetAt(plan, rows, 0, 0, plan.pixels);
-    RunPass(plan, plan.passes[0], input, target, plan.channels);
-}
-
 } // namespace
 
 void RunDirect(const DirectPlan& plan, const DirectRows& rows)
 {
-    RunRow(plan, rows);
+    if (plan.tilePixels != 0)
+        RunTiles(plan, rows);
+    else
+        RunRow(plan, rows);
 }
 
 void RunDirect(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
 {
-    RunRow(plan, {source, static_cast<std::ptrdiff_t>(plan.sourcePlaneBytes), target,
-                  static_cast<std::ptrdiff_t>(plan.planeBytes)});
+    RunDirect(plan, {source, static_cast<std::ptrdiff_t>(plan.sourcePlaneBytes), target,
+                     static_cast<std::ptrdiff_t>(plan.planeBytes)});
 }
 
 } // namespace zvk::Pelkraft

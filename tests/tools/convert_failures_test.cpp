@@ -30,7 +30,7 @@ TEST_F(ConvertFailures, NameAnOutputThatCantBe)
 TEST_F(ConvertFailures, NameWrongUsage)
 {
     MakeInput();
-    EXPECT_TRUE(Refused(Convert({"--bits", "4"}), 2, {"--bits", "{1,2,8,16}"}));
+    EXPECT_TRUE(Refused(Convert({"--bits", "4"}), 2, {"--bits can't be \"4\"", "1, 2, 8 and 16"}));
     EXPECT_TRUE(Refused(Convert({"--layout", "diagonal"}), 2, {"interleaved", "planar"}));
     EXPECT_TRUE(Refused(Convert({"--repeat", "3"}), 2, {"--repeat"}));
     EXPECT_TRUE(Refused(Convert({"--threads", "0"}), 2, {"--threads"}));

@@ -3,5 +3,5 @@
 #   options_of.sh PELKRAFT [VERB...]
 set -euo pipefail
 "$@" --help | sed -nE '
-    s/^  (-.,)?(--[a-z-]+).*/\2/p
+    s/^  (-., )?(--[a-z-]+).*/\2/p
     /^Subcommands:/,/^$/ s/^  ([a-z]+)( .*|$)/\1/p' | sort

@@ -117,13 +117,16 @@ TEST_F(SimulateFailures, NameWrongUsage)
     EXPECT_TRUE(Refused(Simulate({"--engine", "fast"}), 2, {"--engine", "reference"}));
     EXPECT_TRUE(Refused(Simulate({"--levels", "even"}), 2, {"quantize", "raw"}));
     EXPECT_TRUE(Refused(Simulate({"--threads", "0"}), 2, {"--threads"}));
-    EXPECT_TRUE(Refused(Simulate({"--preview", Path("out.tif")}), 2, {"both"}));
+    EXPECT_TRUE(Refused(Simulate({"--preview", Path("out.tif")}), 2, {"ending", ".png"}));
+    EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt"), Path("in.tif"), Path("out"),
+                             "--preview", Path("out")}),
+                        2, {"both OUT.tif and the preview"}));
     for (const char* ink :
          {"Cyan", "Cyan=00FF00", "Cyan=#00FF0", "=#00FF00", "Cyan=#00FG00", "Cyan=#-0FF00"})
         EXPECT_TRUE(Refused(Simulate({"--ink", ink}), 2, {ink, "NAME=#RRGGBB"}));
     EXPECT_TRUE(
         Refused(Simulate({"--ink", "Gold=#00FF00"}), 2, {"GOLD", "Cyan, LightCyan, Black"}));
-    EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt")}), 2, {"required"}));
+    EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt")}), 2, {"IN.tif is missing"}));
     EXPECT_TRUE(LeftNothing());
 }
 

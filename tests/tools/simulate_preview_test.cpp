@@ -1,42 +1,12 @@
+#include "tests/tools/png_image.h"
 #include "tests/tools/simulate_fixture.h"
-
-#include <png.h>
 
 #include <array>
 #include <cmath>
+#include <cstdio>
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-struct Preview
-{
-    int width = 0;
-    int height = 0;
-    std::vector<unsigned char> pixels;
-
-    std::array<int, 3> At(int x, int y) const
-    {
-        const int first = 3 * (y * width + x);
-        const auto at = static_cast<std::size_t>(first);
-        return {pixels[at], pixels[at + 1], pixels[at + 2]};
-    }
-};
-
-Preview ReadPng(const std::string& path)
-{
-    Preview preview;
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    if (png_image_begin_read_from_file(&image, path.c_str()) == 0)
-        throw std::runtime_error(path + " is no PNG");
-    EXPECT_EQ(PNG_FORMAT_RGB, image.format);
-    preview.width = static_cast<int>(image.width);
-    preview.height = static_cast<int>(image.height);
-    preview.pixels.resize(PNG_IMAGE_SIZE(image));
-    if (png_image_finish_read(&image, nullptr, preview.pixels.data(), 0, nullptr) == 0)
-        throw std::runtime_error(path + " is damaged");
-    return preview;
-}
 
 // One ink and two steps: step 1 is a full layer.
 std::string OneInk(const std::string& name)
@@ -49,14 +19,17 @@ std::string OneInk(const std::string& name)
 class SimulatePreview : public SimulateFixture
 {
 protected:
-    Preview Show(const std::vector<std::string>& options = {})
+    PngImage Show(const std::vector<std::string>& options = {})
     {
         std::vector<std::string> all = {"--preview", Path("seen.png")};
         all.insert(all.end(), options.begin(), options.end());
         const Outcome outcome = Simulate(all);
-        EXPECT_TRUE(EndedSilently(outcome));
+        EXPECT_EQ(0, outcome.exitCode) << outcome.errors;
+        said = outcome.errors;
         return ReadPng(Path("seen.png"));
     }
+
+    std::string said;
 };
 
 TEST_F(SimulatePreview, ShowsFullInksInTheirColours)
@@ -66,14 +39,21 @@ TEST_F(SimulatePreview, ShowsFullInksInTheirColours)
     WriteInput(image);
     const std::array<int, 3> white = {255, 255, 255};
     WritePattern(OneInk("Gold Leaf"));
-    const Preview given = Show({"--ink", "gold leaf=#80C0FF"});
+    const PngImage given = Show({"--ink", "gold leaf=#80C0FF"});
     EXPECT_EQ((std::array<int, 3>{0x80, 0xC0, 0xFF}), given.At(0, 0));
     EXPECT_EQ(white, given.At(1, 0));
+    EXPECT_EQ("", said);
 
     // A name that no table holds keeps its colour, and has another than its neighbour.
     const auto unknown = Show().At(0, 0);
     EXPECT_EQ(unknown, Show().At(0, 0));
     EXPECT_NE(white, unknown);
+    char words[80];
+    std::snprintf(words, sizeof words,
+                  "the look of ink \"Gold Leaf\" isn't known; it is shown as #%02x%02x%02x\n",
+                  static_cast<unsigned>(unknown[0]), static_cast<unsigned>(unknown[1]),
+                  static_cast<unsigned>(unknown[2]));
+    EXPECT_NE(std::string::npos, said.find(words)) << said;
     WritePattern(OneInk("Gold Leaf 2"));
     EXPECT_NE(unknown, Show().At(0, 0));
 
@@ -109,6 +89,21 @@ TEST_F(SimulatePreview, LaysInksOverEachOther)
               Show({"--ink", "A=#00FFBC", "--ink", "B=#FFBCBC"}).At(0, 0));
 }
 
+// 3 is full ink there, and 1 a third of it.
+TEST_F(SimulatePreview, TakesTheHighestInkValueForFullInk)
+{
+    std::string text = OneInk("Ink");
+    text.replace(text.find("1 1 0-255"), 9, "1 1 0-1 2 1 0-3");
+    WritePattern(text);
+    TiffImage image = BlankImage(2, 1, 1, 8);
+    image.samples = {255, 128};
+    WriteInput(image);
+    const PngImage seen = Show({"--ink", "Ink=#000000"});
+    EXPECT_EQ((std::array<int, 3>{0, 0, 0}), seen.At(0, 0));
+    // Two thirds of the light.
+    EXPECT_EQ((std::array<int, 3>{213, 213, 213}), seen.At(1, 0));
+}
+
 TEST_F(SimulatePreview, AveragesLightNotNumbers)
 {
     // Ink in every second pixel, 4 x 4 pixels for one that is shown.
@@ -119,7 +114,7 @@ TEST_F(SimulatePreview, AveragesLightNotNumbers)
             image.At(x, y, 0) = static_cast<std::uint16_t>((x + y) % 2 == 0 ? 255 : 0);
     }
     WriteInput(image);
-    const Preview seen = Show({"--ink", "Ink=#000000"});
+    const PngImage seen = Show({"--ink", "Ink=#000000"});
     EXPECT_EQ(1600, seen.width);
     EXPECT_EQ(10, seen.height);
     // Half the light is 188 of 255 on a screen.
@@ -154,7 +149,7 @@ TEST_F(SimulatePreview, KeepsItsSizeInBoundsAndThePixelsShape)
             }
         };
         WriteTiff(Path("in.tif"), BlankImage(size.width, size.height, 1, 8), form);
-        const Preview seen = Show();
+        const PngImage seen = Show();
         EXPECT_EQ(size.seenWidth, seen.width) << size.width;
         EXPECT_EQ(size.seenHeight, seen.height) << size.width;
         for (const unsigned char value : seen.pixels)

@@ -71,13 +71,22 @@ int AtomicOutput::TakeDescriptor()
     return std::exchange(descriptor, -1);
 }
 
+int AtomicOutput::Append(const void* bytes, std::size_t size) const
+{
+    return WriteAll(descriptor, bytes, size);
+}
+
+void AtomicOutput::Store()
+{
+    if (const int error = StoreAndClose(TakeDescriptor()); error != 0)
+        ThrowWriteFailure(shownPath, ErrorText(error));
+}
+
 void AtomicOutput::Write(const std::string& bytes)
 {
-    int error = WriteAll(descriptor, bytes.data(), bytes.size());
-    const int storeError = StoreAndClose(TakeDescriptor());
-    error = error != 0 ? error : storeError;
-    if (error != 0)
+    if (const int error = Append(bytes.data(), bytes.size()); error != 0)
         ThrowWriteFailure(shownPath, ErrorText(error));
+    Store();
 }
 
 void AtomicOutput::Commit()

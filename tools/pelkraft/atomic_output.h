@@ -3,6 +3,7 @@
 #include "tools/pelkraft/output_rules.h"
 #include "tools/pelkraft/system_calls.h"
 
+#include <cstddef>
 #include <string>
 
 namespace zvk::Pelkraft::Client {
@@ -24,7 +25,10 @@ public:
 
     // The open temporary. Whoever takes it stores and closes it.
     int TakeDescriptor();
-    // Or this does.
+    // Or these do: Append takes bytes and answers 0 or the number of an error, Store ends it, and
+    // Write is all of it.
+    int Append(const void* bytes, std::size_t size) const;
+    void Store();
     void Write(const std::string& bytes);
     const std::string& TemporaryPath() const { return temporaryPath; }
     void Commit();

@@ -1,7 +1,6 @@
 #include "tools/pelkraft/ink_colours.h"
 
 #include "pattern/pattern_words.h"
-#include "tools/pelkraft/failure.h"
 
 #include <algorithm>
 #include <charconv>
@@ -13,12 +12,16 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr double lightStrength = 0.4;
+// White and metals hide what lies below them, if not all of it.
+constexpr double whiteOpacity = 0.9;
+constexpr double metalOpacity = 0.8;
 
 struct UsualInk
 {
     const char* name;
     ScreenColour colour;
     double strength = 1;
+    double opacity = 0;
 };
 
 // Names in capitals without blanks; the abbreviations that charts use.
@@ -55,22 +58,14 @@ constexpr UsualInk usualInks[] = {{"CYAN", {0, 158, 224}},
                                   {"B", {0, 75, 155}},
                                   {"VIOLET", {100, 53, 142}},
                                   {"V", {100, 53, 142}},
-                                  {"WHITE", {255, 255, 255}},
-                                  {"W", {255, 255, 255}},
+                                  {"WHITE", {255, 255, 255}, 1, whiteOpacity},
+                                  {"W", {255, 255, 255}, 1, whiteOpacity},
                                   {"CLEAR", {255, 255, 255}},
+                                  {"PRIMER", {255, 255, 255}},
                                   {"VARNISH", {255, 255, 255}},
-                                  {"GOLD", {190, 155, 75}},
-                                  {"SILVER", {165, 168, 172}}};
-
-std::string PlainName(const std::string& name)
-{
-    std::string plain;
-    for (const char letter : UpperCase(name)) {
-        if (letter != ' ' && letter != '-' && letter != '_')
-            plain += letter;
-    }
-    return plain;
-}
+                                  {"GLOSS", {255, 255, 255}},
+                                  {"GOLD", {190, 155, 75}, 1, metalOpacity},
+                                  {"SILVER", {165, 168, 172}, 1, metalOpacity}};
 
 // Null for a name that is none of them.
 const UsualInk* FindUsual(const std::string& plainName)
@@ -105,35 +100,56 @@ ScreenColour ColourOfHash(std::uint32_t hash)
 
 } // namespace
 
-ScreenColour ColourOfInk(const std::string& name, const InkColours& given)
+std::string PlainInkName(const std::string& name)
 {
-    const auto found = given.find(UpperCase(name));
+    std::string plain;
+    for (const char letter : UpperCase(name)) {
+        if (letter != ' ' && letter != '-' && letter != '_')
+            plain += letter;
+    }
+    return plain;
+}
+
+bool IsKnownInk(const std::string& name, const InkTable& given)
+{
+    const std::string plain = PlainInkName(name);
+    return given.count(plain) != 0 || FindUsual(plain) != nullptr;
+}
+
+InkLook LookOfInk(const std::string& name, const InkTable& given)
+{
+    const std::string plain = PlainInkName(name);
+    const auto found = given.find(plain);
     if (found != given.end())
         return found->second;
-    const std::string plain = PlainName(name);
-    const UsualInk* const usual = FindUsual(plain);
-    return usual != nullptr ? usual->colour : ColourOfHash(HashOf(plain));
+    if (const UsualInk* const usual = FindUsual(plain); usual != nullptr)
+        return {usual->colour, usual->opacity, usual->strength};
+    return {ColourOfHash(HashOf(plain)), 0, 1};
+}
+
+ScreenColour ColourOfInk(const std::string& name, const InkTable& given)
+{
+    return LookOfInk(name, given).colour;
 }
 
 double StrengthOfInk(const std::string& name)
 {
-    const UsualInk* const usual = FindUsual(PlainName(name));
+    const UsualInk* const usual = FindUsual(PlainInkName(name));
     return usual != nullptr ? usual->strength : 1;
 }
 
-void AddInkColour(const std::string& option, InkColours& given)
+std::optional<ScreenColour> ReadColour(const std::string& words)
 {
-    const std::size_t equals = option.rfind("=#");
-    const std::string digits = equals == std::string::npos ? "" : option.substr(equals + 2);
     std::uint32_t number = 0;
-    const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
-    if (equals == 0 || digits.size() != 6 || read.ec != std::errc() ||
-        read.ptr != digits.data() + digits.size())
-        throw Failure(ExitCode::Usage, {},
-                      "--ink " + option + ": supported is NAME=#RRGGBB, such as Cyan=#009EE0");
-    given[UpperCase(option.substr(0, equals))] = {static_cast<std::uint8_t>(number >> 16),
-                                                  static_cast<std::uint8_t>(number >> 8 & 0xFFU),
-                                                  static_cast<std::uint8_t>(number & 0xFFU)};
+    const char* const end = words.data() + words.size();
+    if (words.size() != 7 || words.front() != '#')
+        return std::nullopt;
+    const auto read = std::from_chars(words.data() + 1, end, number, 16);
+    if (read.ec != std::errc() || read.ptr != end)
+        return std::nullopt;
+    return ScreenColour{static_cast<std::uint8_t>(number >> 16),
+                        static_cast<std::uint8_t>(number >> 8 & 0xFFU),
+                        static_cast<std::uint8_t>(number & 0xFFU)};
 }
 
 std::string HexWords(const ScreenColour& colour)

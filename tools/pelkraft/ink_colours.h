@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace zvk::Pelkraft::Client {
@@ -10,19 +11,37 @@ namespace zvk::Pelkraft::Client {
 // Red, green and blue as a screen takes them.
 using ScreenColour = std::array<std::uint8_t, 3>;
 
-// Colours that the command line gives to inks, by the name in upper case.
-using InkColours = std::map<std::string, ScreenColour>;
+// What is known of an ink.
+struct InkLook
+{
+    // The colour of a full layer on white paper.
+    ScreenColour colour = {};
+    // 0 lets all the light through that the colour does, 1 hides what lies below.
+    double opacity = 0;
+    // The colour that a unit of the ink puts on paper, in units of the full ink.
+    double strength = 1;
+};
 
-// Returns the colour of a full layer of the ink on white paper: as given, else as usual for the
-// name in any case and with any blanks or dashes, else one that depends on the name alone.
-ScreenColour ColourOfInk(const std::string& name, const InkColours& given);
+// Inks by their plain names.
+using InkTable = std::map<std::string, InkLook>;
+
+// The name in upper case, without blanks, dashes and underscores.
+std::string PlainInkName(const std::string& name);
+
+// True for an ink of the table, and for a usual one.
+bool IsKnownInk(const std::string& name, const InkTable& given);
+
+// Returns the look of an ink as given, else as usual for its plain name, else one whose colour
+// depends on the name alone.
+InkLook LookOfInk(const std::string& name, const InkTable& given);
+ScreenColour ColourOfInk(const std::string& name, const InkTable& given);
 
 // Returns the colour that a unit of the ink puts on paper, in units of the full ink: 0.4 for the
 // light and grey inks by their usual names, 1 for all others.
 double StrengthOfInk(const std::string& name);
 
-// Reads "NAME=#RRGGBB"; anything else is wrong usage.
-void AddInkColour(const std::string& option, InkColours& given);
+// Reads "#RRGGBB"; nothing if the words are none.
+std::optional<ScreenColour> ReadColour(const std::string& words);
 
 // "#rrggbb"
 std::string HexWords(const ScreenColour& colour);

@@ -1,31 +1,12 @@
 #include "tools/pelkraft/pattern_text.h"
 
-#include "tools/pelkraft/failure.h"
-#include "tools/pelkraft/file_calls.h"
-#include "tools/pelkraft/input_file.h"
+#include "tools/pelkraft/small_file.h"
 
 namespace zvk::Pelkraft::Client {
-namespace {
-
-constexpr std::uint64_t largestText = std::uint64_t{1} << 20;
-
-} // namespace
 
 PatternText PatternText::Load(const std::string& path)
 {
-    const InputFile file(path);
-    if (file.Size() > largestText)
-        throw Failure(ExitCode::BadInput, path,
-                      "is too large for a pattern text; supported are up to 1 MiB");
-
-    std::string bytes(static_cast<std::size_t>(file.Size()), '\0');
-    std::size_t got = 0;
-    if (const int error = ReadUpTo(file.Descriptor(), bytes.data(), bytes.size(), 0, got);
-        error != 0)
-        ThrowReadFailure(path, ErrorText(error));
-    if (got < bytes.size())
-        ThrowReadFailure(path, "it has become shorter meanwhile");
-    return PatternText(path, bytes);
+    return PatternText(path, ReadSmallFile(path, "a pattern text"));
 }
 
 } // namespace zvk::Pelkraft::Client

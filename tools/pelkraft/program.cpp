@@ -4,10 +4,13 @@
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/mask_command.h"
+#include "tools/pelkraft/help_format.h"
 #include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/pattern_command.h"
+#include "tools/pelkraft/preview_command.h"
 #include "tools/pelkraft/simulate_command.h"
 #include "tools/pelkraft/text_output.h"
+#include "tools/pelkraft/usage_errors.h"
 #include "zvk/diagnostics.h"
 
 #include <CLI/CLI.hpp>
@@ -63,20 +66,51 @@ int RunVerb(int argc, const char* const* argv)
     verbs.push_back(MakeSimulateCommand());
     for (const auto& verb : verbs)
         verb->Register(program);
+using Verbs = std::vector<std::unique_ptr<ISubcommand>>;
 
+int ParseAndRun(CLI::App& program, const Verbs& verbs, int argc, const char* const* argv)
+{
+    const std::vector<std::string> words(argv + 1, argv + argc);
     try {
         program.parse(argc, argv);
     } catch (const CLI::Success& success) {
         return Answer(program, success);
     } catch (const CLI::ParseError& error) {
         RefuseCutTexts();
-        PrintError({}, std::string(error.what()) + "; pelkraft --help shows what is supported");
-        return static_cast<int>(ExitCode::Usage);
+        RefuseEmptyValues(program, words);
+        throw Failure(ExitCode::Usage, {}, UsageError(program, error));
     }
-
+    RefuseEmptyValues(program, words);
     const auto chosen =
         std::find_if(verbs.begin(), verbs.end(), [](const auto& verb) { return verb->Chosen(); });
-    return static_cast<int>(chosen == verbs.end() ? ExitCode::Usage : (*chosen)->Run());
+    return static_cast<int>((*chosen)->Run());
+}
+
+int RunVerb(int argc, const char* const* argv)
+{
+    errno = 0;
+    CLI::App program("Row conversion and dot patterns for print work on TIFF files", "pelkraft");
+    program.footer(exitCodeHelp);
+    program.require_subcommand(1);
+    program.formatter(MakeHelpFormat());
+    // A slash begins a path on every system.
+    program.allow_windows_style_options(false);
+    AddBuildInfo(program);
+    Verbs verbs;
+    verbs.push_back(MakeConvertCommand());
+    verbs.push_back(MakePatternCommand());
+    verbs.push_back(MakePreviewCommand());
+    verbs.push_back(MakeSimulateCommand());
+    for (const auto& verb : verbs)
+        verb->Register(program);
+
+    try {
+        return ParseAndRun(program, verbs, argc, argv);
+    } catch (const Failure& failure) {
+        if (failure.Code() != ExitCode::Usage)
+            throw;
+        throw Failure(ExitCode::Usage, failure.File(), WithHelp(program, failure.what()));
+    }
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 #include "tools/pelkraft/simulate_command.h"
 
-#include "pattern/pattern_words.h"
 #include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/lint_first.h"
+#include "tools/pelkraft/page_inks.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/simulation.h"
 #include "tools/pelkraft/system_calls.h"
@@ -16,9 +16,9 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
-#include <iterator>
 #include <new>
 #include <optional>
+#include <set>
 #include <system_error>
 
 namespace zvk::Pelkraft::Client {
@@ -30,19 +30,6 @@ constexpr const char* simulateHelp =
     "Each picture row is one row of the pattern, and each page starts at its first. The new file\n"
     "has 8 bits and one channel for each out-ink. The reference engine goes on from row to row\n"
     "and always runs on one thread.\n\n";
-
-// Pixels wider than high are shown so: the height of one for a width of 1.
-double PixelHeight(const TiffFile& file)
-{
-    float horizontal = 0;
-    float vertical = 0;
-    if (TIFFGetField(file.Get(), TIFFTAG_XRESOLUTION, &horizontal) != 1 ||
-        TIFFGetField(file.Get(), TIFFTAG_YRESOLUTION, &vertical) != 1)
-        return 1;
-    const double ratio = static_cast<double>(horizontal) / static_cast<double>(vertical);
-    // A ratio that no device has is no resolution.
-    return ratio > 0.01 && ratio < 100 ? ratio : 1;
-}
 
 // The sum of all pages.
 struct Total
@@ -99,11 +86,8 @@ public:
         std::optional<AtomicOutput> previewOutput;
         if (!options.preview.empty())
             previewOutput.emplace(options.preview, PreviewRules());
-        std::optional<PreviewPicture> preview;
         const bool sawHighStep =
-            SimulateAll(file, pattern, total, output, previewOutput ? &preview : nullptr);
-        if (previewOutput)
-            previewOutput->Write(preview->Png());
+            SimulateAll(file, pattern, total, output, previewOutput ? &*previewOutput : nullptr);
         if (options.common.explain)
             PrintSpeed(total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output);
@@ -130,7 +114,7 @@ private:
         options.engine = EngineOf(engine);
         options.levels = levels == "raw" ? Levels::Raw : Levels::Quantize;
         for (const std::string& ink : inks)
-            AddInkColour(ink, options.inkColours);
+            AddInkColour(ink);
         if (!options.preview.empty() && Canonical(options.preview) == Canonical(options.output))
             throw Failure(ExitCode::Usage, options.preview,
                           "can't be both OUT.tif and the preview");
@@ -154,12 +138,25 @@ private:
         return canonical;
     }
 
+    void AddInkColour(const std::string& ink)
+    {
+        const std::size_t equals = ink.rfind("=#");
+        const auto colour =
+            equals == std::string::npos ? std::nullopt : ReadColour(ink.substr(equals + 1));
+        const std::string name = PlainInkName(ink.substr(0, equals));
+        if (name.empty() || !colour)
+            throw Failure(ExitCode::Usage, {},
+                          "--ink " + ink + ": supported is NAME=#RRGGBB, such as Cyan=#009EE0");
+        InkLook& look = options.inks.emplace(name, LookOfInk(name, {})).first->second;
+        look.colour = *colour;
+    }
+
     void RefuseUnknownInks(const LoadedPattern& pattern) const
     {
-        for (const auto& [name, colour] : options.inkColours) {
+        for (const auto& [name, look] : options.inks) {
             const bool known = std::any_of(
                 pattern.outInks.begin(), pattern.outInks.end(),
-                [&name = name](const std::string& ink) { return UpperCase(ink) == name; });
+                [&name = name](const std::string& ink) { return PlainInkName(ink) == name; });
             if (!known)
                 throw Failure(ExitCode::Usage, options.pattern,
                               "has no out-ink \"" + name + "\" for --ink; supported are " +
@@ -224,9 +221,9 @@ private:
                                         "for no ink");
     }
 
-    // Answers whether raw samples were above the top steps. preview may be null.
+    // Answers whether raw samples were above the top steps. previewOutput may be null.
     bool SimulateAll(const TiffFile& file, const LoadedPattern& pattern, const Total& total,
-                     AtomicOutput& output, std::optional<PreviewPicture>* preview) const
+                     AtomicOutput& output, AtomicOutput* previewOutput) const
     {
         bool sawHighStep = false;
         TiffFile out = TiffFile::OpenForWriting(output.TakeDescriptor(), options.output,
@@ -236,26 +233,38 @@ private:
         int page = 1;
         do {
             const SimulationPlan plan = PlanSimulation(file, options, pattern);
-            const bool seen = page == 1 && preview != nullptr;
-            if (seen)
-                preview->emplace(plan.to.width, plan.to.height, PixelHeight(file),
-                                 ColoursOf(pattern));
+            std::string shown;
+            std::optional<PreviewPng> preview;
+            if (page == 1 && previewOutput != nullptr)
+                OpenPreview(file, plan, pattern, shown, preview);
             sawHighStep = SimulatePage(file, out, plan, options, pattern,
-                                       seen ? &**preview : nullptr, progress) ||
+                                       preview ? &*preview : nullptr, progress) ||
                           sawHighStep;
+            if (preview) {
+                preview->Finish();
+                previewOutput->Write(shown);
+            }
         } while (file.NextPage(page++));
         file.RequireSound();
         out.Finish();
         return sawHighStep;
     }
 
-    std::vector<ScreenColour> ColoursOf(const LoadedPattern& pattern) const
+    // The picture is kept: it is written when its page is there.
+    void OpenPreview(const TiffFile& file, const SimulationPlan& plan, const LoadedPattern& pattern,
+                     std::string& shown, std::optional<PreviewPng>& preview) const
     {
-        std::vector<ScreenColour> colours;
-        std::transform(
-            pattern.outInks.begin(), pattern.outInks.end(), std::back_inserter(colours),
-            [this](const std::string& ink) { return ColourOfInk(ink, options.inkColours); });
-        return colours;
+        std::vector<PageInk> pageInks;
+        for (const std::string& ink : pattern.outInks)
+            pageInks.push_back({ink, pageInks.size()});
+        std::set<std::string> told;
+        const LayerCodes codes = {8, pageInks.size(), 0, pattern.fullInk, 0};
+        preview.emplace(options.preview, FitFrame(plan.to.width, plan.to.height, PixelHeight(file)),
+                        InkLayers(codes, LayersOf(pageInks, options.inks, options.preview, told)),
+                        ReadResolution(file), [&shown](const void* bytes, std::size_t size) {
+                            shown.append(static_cast<const char*>(bytes), size);
+                            return 0;
+                        });
     }
 
     SimulateOptions options;

@@ -187,8 +187,8 @@ SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& optio
 }
 
 bool SimulatePage(const TiffFile& file, const TiffFile& out, const SimulationPlan& plan,
-                  const SimulateOptions& options, const LoadedPattern& pattern,
-                  PreviewPicture* preview, Progress& progress)
+                  const SimulateOptions& options, const LoadedPattern& pattern, PreviewPng* preview,
+                  Progress& progress)
 {
     // More threads than rows would have none to start at.
     const auto mostThreads = std::min<std::int64_t>(options.common.threads, plan.from.height);

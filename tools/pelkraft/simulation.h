@@ -6,7 +6,7 @@
 #include "tools/pelkraft/ink_colours.h"
 #include "tools/pelkraft/page_tags.h"
 #include "tools/pelkraft/pattern_text.h"
-#include "tools/pelkraft/preview_picture.h"
+#include "tools/pelkraft/preview_png.h"
 #include "tools/pelkraft/progress.h"
 #include "tools/pelkraft/row_plan.h"
 #include "tools/pelkraft/step_levels.h"
@@ -28,7 +28,7 @@ struct SimulateOptions
     DotWeavePattern::Engine engine = DotWeavePattern::Automatic;
     Levels levels = Levels::Quantize;
     std::string preview;
-    InkColours inkColours;
+    InkTable inks;
     CommonOptions common;
 };
 
@@ -73,7 +73,7 @@ SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& optio
 // whether raw samples were above the top steps. preview may be null.
 [[nodiscard]] bool SimulatePage(const TiffFile& file, const TiffFile& out,
                                 const SimulationPlan& plan, const SimulateOptions& options,
-                                const LoadedPattern& pattern, PreviewPicture* preview,
+                                const LoadedPattern& pattern, PreviewPng* preview,
                                 Progress& progress);
 
 } // namespace zvk::Pelkraft::Client

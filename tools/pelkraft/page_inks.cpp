@@ -1,0 +1,89 @@
+#include "tools/pelkraft/page_inks.h"
+
+#include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/ink_names.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+void RefuseOtherColours(const TiffPicture& picture, const std::string& path)
+{
+    if (picture.photometric != PHOTOMETRIC_SEPARATED &&
+        picture.photometric != PHOTOMETRIC_MINISWHITE &&
+        picture.photometric != PHOTOMETRIC_MINISBLACK)
+        throw Failure(ExitCode::Unsupported, path,
+                      "holds " + PhotometricName(picture.photometric) +
+                          "; supported are pages of inks: separated, MinIsWhite and MinIsBlack");
+}
+
+bool IsAlpha(const Channel& channel)
+{
+    return channel.extra && channel.extraKind != EXTRASAMPLE_UNSPECIFIED;
+}
+
+std::string NameOf(const Channel& channel, std::size_t index, const TiffPicture& picture)
+{
+    if (!channel.extra && picture.photometric != PHOTOMETRIC_SEPARATED)
+        return "Black";
+    return channel.name.empty() ? "Channel " + std::to_string(index) : channel.name;
+}
+
+std::string Names(const std::vector<PageInk>& inks)
+{
+    std::string names;
+    for (const PageInk& ink : inks)
+        names.append(names.empty() ? "" : ", ").append(ink.name);
+    return names;
+}
+
+} // namespace
+
+std::vector<PageInk> ReadPageInks(const TiffFile& file, const TiffPicture& picture)
+{
+    RefuseOtherColours(picture, file.Path());
+    const std::vector<Channel> channels = ReadChannels(file, picture);
+    std::vector<PageInk> inks;
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        if (!IsAlpha(channels[i]))
+            inks.push_back({NameOf(channels[i], i, picture), i});
+    }
+    return inks;
+}
+
+void SortByPrintOrder(std::vector<PageInk>& inks, const std::vector<std::string>& order,
+                      const std::string& path)
+{
+    auto place = inks.begin();
+    for (const std::string& name : order) {
+        const auto found = std::find_if(place, inks.end(), [&](const PageInk& ink) {
+            return PlainInkName(ink.name) == PlainInkName(name);
+        });
+        if (found == inks.end())
+            throw Failure(ExitCode::Usage, path,
+                          "has no ink \"" + name + "\" that --print-order hasn't named already; " +
+                              "its inks are " + Names(inks));
+        // Those between keep their order.
+        std::rotate(place, found, std::next(found));
+        ++place;
+    }
+}
+
+std::vector<InkLayer> LayersOf(const std::vector<PageInk>& inks, const InkTable& table,
+                               const std::string& path, std::set<std::string>& told)
+{
+    std::vector<InkLayer> layers;
+    for (const PageInk& ink : inks) {
+        const InkLook look = LookOfInk(ink.name, table);
+        layers.push_back({ink.sample, look});
+        if (!IsKnownInk(ink.name, table) && told.insert(ink.name).second)
+            PrintWarning(path, "the look of ink \"" + ink.name + "\" isn't known; it is shown as " +
+                                   HexWords(look.colour));
+    }
+    return layers;
+}
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "tools/pelkraft/ink_layers.h"
+#include "tools/pelkraft/tiff_file.h"
+#include "tools/pelkraft/tiff_picture.h"
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace zvk::Pelkraft::Client {
+
+// An ink of a page, and the sample of a pixel that holds it.
+struct PageInk
+{
+    std::string name;
+    std::size_t sample = 0;
+};
+
+// The inks of the page at which the file stands, in its order, without its alpha channels. The one
+// ink of a gray page is black. Pages of other colours are refused.
+std::vector<PageInk> ReadPageInks(const TiffFile& file, const TiffPicture& picture);
+
+// Sorts the inks as they are printed: those that are listed first, in this order, the others after
+// them. A name that is no ink of the page, and one that stands there twice, is wrong usage.
+void SortByPrintOrder(std::vector<PageInk>& inks, const std::vector<std::string>& order,
+                      const std::string& path);
+
+// Gives inks their looks, and names those that the table doesn't know with the colours that they
+// got, each once for all of told.
+std::vector<InkLayer> LayersOf(const std::vector<PageInk>& inks, const InkTable& table,
+                               const std::string& path, std::set<std::string>& told);
+
+} // namespace zvk::Pelkraft::Client

@@ -1,0 +1,308 @@
+#include "tools/pelkraft/preview_pages.h"
+
+#include "tools/pelkraft/atomic_output.h"
+#include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/ink_codes.h"
+#include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/json.h"
+#include "tools/pelkraft/page_inks.h"
+#include "tools/pelkraft/page_rows.h"
+#include "tools/pelkraft/preview_png.h"
+#include "tools/pelkraft/progress.h"
+#include "tools/pelkraft/row_pipeline.h"
+#include "tools/pelkraft/row_readers.h"
+#include "tools/pelkraft/text_output.h"
+#include "tools/pelkraft/workers.h"
+
+#include <algorithm>
+#include <charconv>
+#include <list>
+#include <set>
+#include <utility>
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+// Everything that is known of a page's picture before its first row.
+struct PagePlan
+{
+    TiffPicture picture;
+    // The part of the page that is shown.
+    Crop part;
+    PreviewFrame frame;
+    LayerCodes codes;
+    // In the order of their printing.
+    std::vector<PageInk> inks;
+    std::vector<InkLayer> layers;
+    PageResolution resolution;
+    // From a row of the file to samples of 8 or 16 bits side by side.
+    RowPlan rows;
+};
+
+Crop CropOf(const PreviewOptions& options, const TiffPicture& picture)
+{
+    if (!options.crop)
+        return {0, 0, picture.width, picture.height};
+    const Crop& crop = *options.crop;
+    if (crop.x >= picture.width || crop.width > picture.width - crop.x ||
+        crop.y >= picture.height || crop.height > picture.height - crop.y)
+        throw Failure(ExitCode::Usage, options.input.path,
+                      "--crop reaches beyond the page, which has " + std::to_string(picture.width) +
+                          " x " + std::to_string(picture.height) + " pixels");
+    return crop;
+}
+
+RowPlan PlanSamples(const TiffFile& file, const TiffPicture& picture)
+{
+    RowRequest request;
+    request.from = ShapeOf(picture);
+    request.to.width = picture.width;
+    request.to.channels = picture.channels;
+    request.to.bits = picture.bits == 16 ? 16 : 8;
+    request.tones = Tones::Raw;
+    return PlanRows(file, request);
+}
+
+PagePlan PlanPage(const TiffFile& file, const PreviewOptions& options, std::set<std::string>& told)
+{
+    const TiffPicture picture = ReadPicture(file);
+    std::vector<PageInk> inks = ReadPageInks(file, picture);
+    SortByPrintOrder(inks, options.printOrder, options.input.path);
+    const InkCodes codes = ReadInkCodes(file, picture, options.input);
+    const Crop part = CropOf(options, picture);
+    const PreviewFrame frame = options.crop ? PlainFrame(part.width, part.height)
+                                            : FitFrame(part.width, part.height, PixelHeight(file));
+    return {picture,
+            part,
+            frame,
+            {picture.bits == 16 ? 16 : 8, static_cast<std::size_t>(picture.channels), codes.none,
+             codes.full, options.gain},
+            inks,
+            LayersOf(inks, options.inks, options.input.path, told),
+            ReadResolution(file),
+            PlanSamples(file, picture)};
+}
+
+// The rows that threads mix at once.
+class Band
+{
+public:
+    Band(const PagePlan& newPlan, const PreviewPicture& newPicture, int newThreads)
+        : plan(newPlan), picture(newPicture), threads(newThreads),
+          rows(std::min<std::uint32_t>(rowsOfThread * static_cast<std::uint32_t>(threads),
+                                       plan.part.height)),
+          rowBytes(static_cast<std::size_t>(plan.picture.RowBytes())), bytes(rowBytes * rows),
+          light(picture.LightSize() * rows)
+    {
+        for (int worker = 0; worker < threads; ++worker)
+            workers.emplace_back(plan.rows);
+    }
+
+    std::uint32_t Rows() const { return rows; }
+    unsigned char* Row(std::int64_t row) const
+    {
+        return bytes.Data() + rowBytes * static_cast<std::size_t>(row);
+    }
+    double* LightOf(std::int64_t row)
+    {
+        return light.data() + picture.LightSize() * static_cast<std::size_t>(row);
+    }
+
+    void Mix(std::uint32_t count)
+    {
+        const std::size_t left =
+            plan.codes.samplesPerPixel * (plan.codes.bits == 16 ? 2 : 1) * plan.part.x;
+        ShareOut(threads, count, [&](int index, std::int64_t first, std::int64_t end) {
+            Worker& worker = workers[static_cast<std::size_t>(index)];
+            for (std::int64_t row = first; row < end; ++row) {
+                worker.pipeline.Run(Row(row), worker.samples.Data());
+                picture.MixRow(worker.samples.Data() + left, LightOf(row));
+            }
+        });
+    }
+
+private:
+    static constexpr std::uint32_t rowsOfThread = 2;
+
+    struct Worker
+    {
+        explicit Worker(const RowPlan& rows)
+            : pipeline(rows), samples(static_cast<std::size_t>(rows.Request().to.Bytes()))
+        {}
+
+        RowPipeline pipeline;
+        RowBuffer samples;
+    };
+
+    const PagePlan& plan;
+    const PreviewPicture& picture;
+    int threads;
+    std::uint32_t rows;
+    std::size_t rowBytes;
+    RowBuffer bytes;
+    std::vector<double> light;
+    std::vector<Worker> workers;
+};
+
+void ShowPage(const TiffFile& file, const PagePlan& plan, int threads, AtomicOutput& output,
+              const std::string& path, Progress& progress)
+{
+    PreviewPng png(
+        path, plan.frame, InkLayers(plan.codes, plan.layers), plan.resolution,
+        [&output](const void* bytes, std::size_t size) { return output.Append(bytes, size); });
+    Band band(plan, png.Picture(), threads);
+    const auto reader = OpenRows(file, plan.picture);
+    const auto read = [&](std::uint32_t row) {
+        StopIfInterrupted(path);
+        reader->ReadRow(band.Row(row));
+        progress.Advance(1);
+    };
+    for (std::uint32_t row = 0; row < plan.part.y; ++row)
+        read(0);
+    for (std::uint32_t done = 0, count = 0; done < plan.part.height; done += count) {
+        count = std::min(band.Rows(), plan.part.height - done);
+        for (std::uint32_t row = 0; row < count; ++row)
+            read(row);
+        band.Mix(count);
+        for (std::uint32_t row = 0; row < count; ++row)
+            png.AddLight(band.LightOf(row));
+    }
+    png.Finish();
+    output.Store();
+}
+
+// Of the pictures of several pages all but the first bear the number of the page.
+std::string PathOfPage(const std::string& path, int page)
+{
+    const std::size_t folder = path.find_last_of("/\\") + 1;
+    const std::size_t dot = path.rfind('.');
+    const std::size_t end = dot == std::string::npos || dot <= folder ? path.size() : dot;
+    return path.substr(0, end) + "-" + std::to_string(page) + path.substr(end);
+}
+
+Json ExplainJson(const PagePlan& plan, int page, const std::string& path)
+{
+    Json json = {{"page", page},
+                 {"writes", path},
+                 {"x", plan.part.x},
+                 {"y", plan.part.y},
+                 {"width", plan.part.width},
+                 {"height", plan.part.height},
+                 {"shown_width", plan.frame.shownWidth},
+                 {"shown_height", plan.frame.shownHeight},
+                 {"no_ink", plan.codes.none},
+                 {"full_ink", plan.codes.full},
+                 {"gain", plan.codes.gain},
+                 {"inks", Json::array()}};
+    for (std::size_t i = 0; i < plan.inks.size(); ++i)
+        json["inks"].push_back({{"name", plan.inks[i].name},
+                                {"channel", plan.inks[i].sample},
+                                {"colour", HexWords(plan.layers[i].look.colour)},
+                                {"opacity", plan.layers[i].look.opacity}});
+    return json;
+}
+
+std::string ExplainWords(const Json& plan)
+{
+    std::string words = "page " + plan["page"].dump() + ": " + plan["width"].dump() + " x " +
+                        plan["height"].dump() + " as " + plan["shown_width"].dump() + " x " +
+                        plan["shown_height"].dump() + " in " +
+                        Shown(plan["writes"].get<std::string>()) + "\n  no ink is " +
+                        plan["no_ink"].dump() + ", full ink " + plan["full_ink"].dump() + '\n';
+    for (const Json& ink : plan["inks"])
+        words += "  ink " + Shown(ink["name"].get<std::string>()) + ": channel " +
+                 ink["channel"].dump() + ", " + ink["colour"].get<std::string>() + ", opacity " +
+                 ink["opacity"].dump() + '\n';
+    return words;
+}
+
+// Temporaries end in the reverse order.
+class Outputs
+{
+public:
+    Outputs() = default;
+    ~Outputs()
+    {
+        while (!outputs.empty())
+            outputs.pop_back();
+    }
+    Outputs(const Outputs&) = delete;
+    Outputs& operator=(const Outputs&) = delete;
+
+    AtomicOutput& Add(const std::string& path) { return outputs.emplace_back(path); }
+    void Commit()
+    {
+        for (AtomicOutput& output : outputs)
+            output.Commit();
+    }
+
+private:
+    std::list<AtomicOutput> outputs;
+};
+
+} // namespace
+
+Crop ReadCrop(const std::string& words)
+{
+    std::vector<std::uint32_t> numbers;
+    const char* at = words.data();
+    const char* const end = at + words.size();
+    while (numbers.size() < 4) {
+        std::uint32_t number = 0;
+        const auto [next, error] = std::from_chars(at, end, number);
+        if (error != std::errc())
+            break;
+        numbers.push_back(number);
+        at = next;
+        if (numbers.size() == 4 || at == end || *at != ',')
+            break;
+        ++at;
+    }
+    if (numbers.size() < 4 || at != end || numbers[2] == 0 || numbers[3] == 0)
+        throw Failure(ExitCode::Usage, {},
+                      "--crop " + words +
+                          ": supported is X,Y,W,H in pixels, such as 1000,2000,800,600");
+    return {numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+void PreviewPages(const PreviewOptions& options)
+{
+    TiffFile file = TiffFile::OpenForReading(options.input.path);
+    std::set<std::string> told;
+    std::uint64_t rows = 0;
+    Json plans = Json::array();
+    std::string words;
+    std::vector<std::string> paths;
+    VisitPages(file, options.input.pages, [&](int page) {
+        const PagePlan plan = PlanPage(file, options, told);
+        rows += std::uint64_t{plan.part.y} + plan.part.height;
+        paths.push_back(paths.empty() ? options.output : PathOfPage(options.output, page));
+        plans.push_back(ExplainJson(plan, page, paths.back()));
+        words += ExplainWords(plans.back());
+    });
+    if (options.common.explain)
+        PrintText(options.common.json ? JsonText({{"pages", plans}}) : words);
+    if (options.common.dryRun) {
+        for (const std::string& path : paths)
+            AtomicOutput::Check(path);
+        return;
+    }
+
+    Outputs outputs;
+    Progress progress("preview " + options.output, rows);
+    std::size_t shown = 0;
+    VisitPages(file, options.input.pages, [&](int) {
+        const std::string& path = paths[shown++];
+        ShowPage(file, PlanPage(file, options, told), options.common.threads, outputs.Add(path),
+                 path, progress);
+    });
+    file.RequireSound();
+    file.Close();
+    StopIfInterrupted(options.output);
+    outputs.Commit();
+    for (const std::string& warning : file.Warnings())
+        PrintWarning(options.input.path, warning);
+}
+
+} // namespace zvk::Pelkraft::Client
