@@ -3,8 +3,8 @@
 #include "tools/pelkraft/build_info.h"
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/failure.h"
-#include "tools/pelkraft/mask_command.h"
 #include "tools/pelkraft/help_format.h"
+#include "tools/pelkraft/mask_command.h"
 #include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/pattern_command.h"
 #include "tools/pelkraft/preview_command.h"
@@ -50,22 +50,6 @@ int Answer(const CLI::App& program, const CLI::Success& success)
     return code;
 }
 
-int RunVerb(int argc, const char* const* argv)
-{
-    errno = 0;
-    CLI::App program("Row conversion and dot patterns for print work on TIFF files", "pelkraft");
-    program.footer(exitCodeHelp);
-    program.require_subcommand(1);
-    // A slash begins a path on every system.
-    program.allow_windows_style_options(false);
-    AddBuildInfo(program);
-    std::vector<std::unique_ptr<ISubcommand>> verbs;
-    verbs.push_back(MakeConvertCommand());
-    verbs.push_back(MakeMaskCommand());
-    verbs.push_back(MakePatternCommand());
-    verbs.push_back(MakeSimulateCommand());
-    for (const auto& verb : verbs)
-        verb->Register(program);
 using Verbs = std::vector<std::unique_ptr<ISubcommand>>;
 
 int ParseAndRun(CLI::App& program, const Verbs& verbs, int argc, const char* const* argv)
@@ -98,6 +82,7 @@ int RunVerb(int argc, const char* const* argv)
     AddBuildInfo(program);
     Verbs verbs;
     verbs.push_back(MakeConvertCommand());
+    verbs.push_back(MakeMaskCommand());
     verbs.push_back(MakePatternCommand());
     verbs.push_back(MakePreviewCommand());
     verbs.push_back(MakeSimulateCommand());
