@@ -9,6 +9,7 @@ _pelkraft_offers() {
         echo \
             convert \
             info \
+            mask \
             pattern \
             preview \
             simulate \
@@ -19,6 +20,7 @@ _pelkraft_offers() {
             $common"
         ;;
     info) echo "--stats $input $common" ;;
+    mask) echo "--verify --export --no-clobber $common" ;;
     pattern) echo "--plot --no-clobber $common" ;;
     preview) echo "--inks --print-order --gain --crop --no-clobber $input $common" ;;
     simulate) echo "--engine --levels --preview --ink $input $output $common" ;;
@@ -36,6 +38,7 @@ _pelkraft_values() {
     --compress) echo 'none lzw zip' ;;
     --engine) echo 'auto reference x86 sse' ;;
     --levels) echo 'quantize raw' ;;
+    --export) echo 'raw16' ;;
     --progress) echo 'auto never json' ;;
     --color) echo 'auto never' ;;
     *) return 1 ;;

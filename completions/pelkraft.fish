@@ -1,6 +1,7 @@
 # Completion of pelkraft for fish.
 set -la verbs convert
 set -la verbs info
+set -la verbs mask
 set -la verbs pattern
 set -la verbs preview
 set -la verbs simulate
@@ -8,6 +9,7 @@ set -l none "not __fish_seen_subcommand_from $verbs"
 set -l any "__fish_seen_subcommand_from $verbs"
 set -l convert '__fish_seen_subcommand_from convert'
 set -l info '__fish_seen_subcommand_from info'
+set -l mask '__fish_seen_subcommand_from mask'
 set -l pattern '__fish_seen_subcommand_from pattern'
 set -l preview '__fish_seen_subcommand_from preview'
 set -l simulate '__fish_seen_subcommand_from simulate'
@@ -17,6 +19,7 @@ complete -c pelkraft -n $none -l version -d 'Print the version and exit'
 complete -c pelkraft -n $none -l buildinfo -d 'Print how the program was built and exit'
 complete -c pelkraft -n $none -f -a convert -d 'Convert the rows of a TIFF file'
 complete -c pelkraft -n $none -f -a info -d 'Show what TIFF files hold'
+complete -c pelkraft -n $none -f -a mask -d 'Verify or export the mask of the dither'
 complete -c pelkraft -n $none -f -a pattern -d 'Explain and check a dot-pattern text'
 complete -c pelkraft -n $none -f -a preview -d 'Show the inks of a TIFF file as a PNG'
 complete -c pelkraft -n $none -f -a simulate -d 'Apply a dot pattern to a TIFF file'
@@ -51,6 +54,10 @@ complete -c pelkraft -n $info -l polarity -x -a 'auto ink-high ink-low' -d 'Whet
 complete -c pelkraft -n $info -l dot-range -x -d 'Samples of no and of full ink, LO,HI or keep'
 complete -c pelkraft -n $info -l spool-limit -x -d 'Bytes of a pipe that may be kept'
 complete -c pelkraft -n $info -l stats -d 'Count the samples of each channel'
+
+complete -c pelkraft -n $mask -l verify -d 'Make the mask anew and compare it'
+complete -c pelkraft -n $mask -l export -x -a 'raw16' -d 'Write the ranks row by row'
+complete -c pelkraft -n $mask -l no-clobber -d 'Refuse to overwrite a file'
 
 complete -c pelkraft -n $pattern -l plot -r -F -d 'Draw the share of every ink value as SVG'
 complete -c pelkraft -n $pattern -l no-clobber -d 'Refuse to overwrite a file'

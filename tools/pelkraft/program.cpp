@@ -5,6 +5,7 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/help_format.h"
 #include "tools/pelkraft/info_command.h"
+#include "tools/pelkraft/mask_command.h"
 #include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/pattern_command.h"
 #include "tools/pelkraft/preview_command.h"
@@ -83,6 +84,7 @@ int RunVerb(int argc, const char* const* argv)
     Verbs verbs;
     verbs.push_back(MakeConvertCommand());
     verbs.push_back(MakeInfoCommand());
+    verbs.push_back(MakeMaskCommand());
     verbs.push_back(MakePatternCommand());
     verbs.push_back(MakePreviewCommand());
     verbs.push_back(MakeSimulateCommand());
