@@ -77,6 +77,37 @@ TEST_F(Separations, InPlanesEqualTheRasterizersOwnOnBothRoads)
     }
 }
 
+// The rasterizer writes them as grey pages, whose lowest samples are full ink.
+TEST_F(Separations, AreSimulatedAsInk)
+{
+    Raster("tiffsep", "page.tif");
+    WriteBytes(Path("pattern.txt"), R"(DotWeavePattern
+VERSION 2
+BEGIN_OUT_INKS Cyan END_OUT_INKS
+BEGIN_IN_COLORS Cyan END_IN_COLORS
+BEGIN_IN_COLOR Cyan
+BEGIN_INKS Cyan END_INKS
+BEGIN_VALUES 1 1 0-100
+2 1 0-250
+END_VALUES
+END_IN_COLOR
+)");
+    ASSERT_TRUE(EndedSilently(Run({"simulate", Path("pattern.txt"), Path("page(Cyan).tif"),
+                                   Path("dots.tif"), "--levels", "quantize"})));
+    FileForm form;
+    const TiffImage plate = ReadTiff(Path("page(Cyan).tif"), form);
+    ASSERT_EQ(form.photometric, PHOTOMETRIC_MINISBLACK);
+    const TiffImage dots = Read("dots.tif");
+    ASSERT_EQ(dots.samples.size(), plate.samples.size());
+    int inked = 0;
+    for (std::size_t i = 0; i < dots.samples.size(); ++i) {
+        const int ink = 255 - plate.samples[i];
+        ASSERT_EQ(dots.samples[i], ink < 86 ? 0 : ink < 171 ? 100 : 250) << "at sample " << i;
+        inked += dots.samples[i] != 0 ? 1 : 0;
+    }
+    EXPECT_GT(inked, 1000);
+}
+
 // Halftoned by the rasterizer: the client hands its bits on, through other depths as well.
 TEST_F(Separations, OfOneBitAreRelayedUnchanged)
 {

@@ -140,14 +140,6 @@ TEST_F(SimulateFailures, MeetEveryTruncationWithoutACrash)
     }
 }
 
-TEST_F(SimulateFailures, WarnOfPicturesThatCountLight)
-{
-    WriteTiff(Path("in.tif"), RandomImage(40, 30, 2, 8, 8), {});
-    const Outcome outcome = Simulate();
-    EXPECT_EQ(0, outcome.exitCode);
-    EXPECT_NE(std::string::npos, outcome.errors.find("warning: says that its lowest samples are"));
-}
-
 TEST_F(SimulateFailures, LeaveNothingWhenInterrupted)
 {
     FileForm form = InkForm("Cyan Black");

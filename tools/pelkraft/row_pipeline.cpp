@@ -37,20 +37,38 @@ void RowBuffer::Free::operator()(unsigned char* memory) const
 }
 
 RowPipeline::RowPipeline(const RowPlan& newPlan)
-    : plan(newPlan), sourcePlanes(PlaneBytes(plan.Request().from, plan.LibrarySource())),
+    : plan(newPlan), sourcePlanes(PlaneBytes(plan.Request().from, plan.LinesSource())),
+      linesRow(plan.Request().lines ? static_cast<std::size_t>(plan.LibrarySource().Bytes()) : 0),
       targetPlanes(PlaneBytes(plan.Request().to, plan.LibraryTarget()))
-{}
+{
+    const RowShape from = plan.LinesSource();
+    if (plan.Request().lines)
+        lines.emplace(*plan.Request().lines,
+                      MappedSamples{from.width, from.channels, from.bits, from.planar},
+                      plan.Request().to.bits);
+}
+
+const unsigned char* RowPipeline::Prepare(const unsigned char* fileRow)
+{
+    const unsigned char* row = fileRow;
+    const RowShape from = plan.LinesSource();
+    if (plan.Request().from.woven) {
+        SplitToPlanes(row, static_cast<int>(from.width), from.channels, from.bits,
+                      sourcePlanes.Data());
+        row = sourcePlanes.Data();
+    }
+    if (lines) {
+        lines->Run(row, linesRow.Data());
+        row = linesRow.Data();
+    }
+    return row;
+}
 
 void RowPipeline::Run(const unsigned char* fileRow, unsigned char* newRow)
 {
     const RowShape from = plan.LibrarySource();
     const RowShape to = plan.LibraryTarget();
-    const unsigned char* source = fileRow;
-    if (plan.Request().from.woven) {
-        SplitToPlanes(fileRow, static_cast<int>(from.width), from.channels, from.bits,
-                      sourcePlanes.Data());
-        source = sourcePlanes.Data();
-    }
+    const unsigned char* const source = Prepare(fileRow);
     const int cutBits = plan.CutBits();
     if (cutBits != 0 && !cutSamples)
         cutSamples = ExceedsLevels(source, from, cutBits, plan.Request().map);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace zvk::Pelkraft::Client {
@@ -35,10 +36,15 @@ public:
     bool CutSamples() const { return cutSamples; }
 
 private:
+    // The row as the library reads it.
+    const unsigned char* Prepare(const unsigned char* fileRow);
+
     const RowPlan& plan;
     bool cutSamples = false;
     // The planes of woven rows; without a byte where the file has none.
     RowBuffer sourcePlanes;
+    std::optional<SampleMap> lines;
+    RowBuffer linesRow;
     RowBuffer targetPlanes;
 };
 

@@ -2,6 +2,7 @@
 
 #include "tools/pelkraft/failure.h"
 
+#include <algorithm>
 #include <limits>
 #include <new>
 
@@ -14,6 +15,15 @@ RowShape PlanesOf(RowShape shape)
         return shape;
     shape.woven = false;
     shape.planar = true;
+    return shape;
+}
+
+// Samples that follow lines are numbers of the new depth in bytes, or in words.
+RowShape AfterLines(const RowRequest& request)
+{
+    RowShape shape = PlanesOf(request.from);
+    if (request.lines)
+        shape.bits = std::max(request.to.bits, 8);
     return shape;
 }
 
@@ -34,6 +44,8 @@ RowFormat FormatOf(const RowShape& shape)
 
 std::int32_t SamplesOf(const RowRequest& request)
 {
+    if (request.lines)
+        return PLK_SAMPLES_AS_LEVELS;
     if (request.from.bits >= 8 && request.to.bits >= 8)
         return PLK_SAMPLES_AS_FILL;
     return request.tones == Tones::Scale ? PLK_SAMPLES_AS_TONES : PLK_SAMPLES_AS_LEVELS;
@@ -42,15 +54,16 @@ std::int32_t SamplesOf(const RowRequest& request)
 ConversionPlan PlanConversion(const RowRequest& request)
 {
     for (const RowShape& shape :
-         {request.from, PlanesOf(request.from), PlanesOf(request.to), request.to})
+         {request.from, AfterLines(request), PlanesOf(request.to), request.to})
         RefuseLongRow(shape);
     ConversionSpec spec;
-    spec.source = FormatOf(PlanesOf(request.from));
+    spec.source = FormatOf(AfterLines(request));
     spec.target = FormatOf(PlanesOf(request.to));
     if (!request.map.empty())
         spec.map.emplace(request.map.begin(), request.map.end());
     spec.repeat = request.repeat;
     spec.mirror = request.mirror;
+    spec.invert = request.invert;
     spec.samples = SamplesOf(request);
     spec.road = request.portableRoad ? PLK_ROAD_PORTABLE : PLK_ROAD_AUTOMATIC;
     try {
@@ -85,9 +98,14 @@ RowPlan::RowPlan(const RowRequest& newRequest)
     : request(newRequest), conversion(PlanConversion(request))
 {}
 
-RowShape RowPlan::LibrarySource() const
+RowShape RowPlan::LinesSource() const
 {
     return PlanesOf(request.from);
+}
+
+RowShape RowPlan::LibrarySource() const
+{
+    return AfterLines(request);
 }
 
 RowShape RowPlan::LibraryTarget() const
@@ -98,7 +116,7 @@ RowShape RowPlan::LibraryTarget() const
 int RowPlan::CutBits() const
 {
     const bool cuts = request.to.bits < 8 && request.to.bits < request.from.bits;
-    return cuts && request.tones == Tones::Raw ? request.to.bits : 0;
+    return cuts && !request.lines && request.tones == Tones::Raw ? request.to.bits : 0;
 }
 
 } // namespace zvk::Pelkraft::Client

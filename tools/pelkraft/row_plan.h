@@ -1,8 +1,10 @@
 #pragma once
 
 #include "pelkraft/plan.hpp"
+#include "tools/pelkraft/sample_map.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,17 +39,22 @@ struct RowRequest
 {
     RowShape from;
     RowShape to;
-    // For each new channel an old one, or -1; empty takes all as they are.
+    // Takes samples to the new depth before all else, and in place of tones.
+    std::optional<SampleLines> lines;
+    // For each new channel an old one, or an entry of the library for none; empty takes all as they
+    // are.
     std::vector<int> map;
     // 1, 2 or 4.
     int repeat = 1;
     bool mirror = false;
     Tones tones = Tones::Scale;
+    // Turns each new sample that comes from an old one into the highest less the sample.
+    bool invert = false;
     bool portableRoad = false;
 };
 
 // The work on every row of a page. The library does it all but for woven rows, which the client
-// takes apart into planes before and puts together after.
+// takes apart into planes before and puts together after, and for samples that follow lines.
 class RowPlan
 {
 public:
@@ -56,6 +63,8 @@ public:
 
     const RowRequest& Request() const { return request; }
     const ConversionPlan& Conversion() const { return conversion; }
+    // The rows whose samples follow lines, before they do.
+    RowShape LinesSource() const;
     // The rows that the library reads and writes.
     RowShape LibrarySource() const;
     RowShape LibraryTarget() const;

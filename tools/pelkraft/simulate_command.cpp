@@ -27,10 +27,11 @@ namespace {
 
 constexpr const char* simulateHelp =
     "An in-colour takes the channel of its own name, in any case of letters; in-colours without\n"
-    "one take the channels that are left, in their order. Samples are amounts of ink, 0 for none.\n"
-    "Each picture row is one row of the pattern, and each page starts at its first. The new file\n"
-    "has 8 bits and one channel for each out-ink. The reference engine goes on from row to row\n"
-    "and always runs on one thread.\n\n";
+    "one take the channels that are left, in their order. Samples are amounts of ink:\n"
+    "the page's photometric kind, its dot range and the options say which one is none and which\n"
+    "one is all. Each picture row is one row of the pattern, and each page starts at its first.\n"
+    "The new file has 8 bits and one channel for each out-ink. The reference engine goes on from\n"
+    "row to row and always runs on one thread.\n\n";
 
 // The sum of all pages.
 struct Total
@@ -190,7 +191,6 @@ private:
             if (options.common.explain)
                 Explain(plan, pattern, page);
             total.warned = WarnOfUnused(plan) || total.warned;
-            WarnOfPolarity(plan);
         });
         return total;
     }
@@ -216,16 +216,6 @@ private:
                          "channel " + ChannelWords(plan.channels, channel) +
                              " is not used: no in-colour of the pattern takes it");
         return !plan.choice.unused.empty();
-    }
-
-    void WarnOfPolarity(const SimulationPlan& plan) const
-    {
-        const bool lightIsHigh = plan.from.photometric == PHOTOMETRIC_MINISBLACK ||
-                                 plan.from.photometric == PHOTOMETRIC_RGB;
-        if (lightIsHigh && options.levels == Levels::Quantize)
-            PrintWarning(options.input.path,
-                         "says that its lowest samples are black; here they stand "
-                         "for no ink");
     }
 
     // Answers whether raw samples were above the top steps. previewOutput may be null.

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/simulation.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/ink_codes.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/pattern_outline.h"
@@ -113,6 +114,13 @@ int HighestInkValue(const PatternOutline& outline)
     return highest == 0 ? 255 : highest;
 }
 
+// Brings the range of ink to the whole of a byte. The whole of the samples takes the library's way.
+void RequestRange(const TiffPicture& from, const InkCodes& codes, RowRequest& request)
+{
+    if (codes != InkCodes{0, (1 << from.bits) - 1})
+        request.lines = SampleLines{{codes.none, codes.full, 0, 255}, from.channels};
+}
+
 RowRequest RequestFor(const TiffPicture& from, const SimulateOptions& options,
                       const ChannelChoice& choice)
 {
@@ -182,7 +190,10 @@ SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& optio
     tags.inkNames = pattern.outInks;
     tags.dotRange = {0, pattern.fullInk};
 
-    RowPlan rows = PlanRows(file, RequestFor(from, options, choice));
+    RowRequest request = RequestFor(from, options, choice);
+    if (options.levels == Levels::Quantize)
+        RequestRange(from, ReadInkCodes(file, from, options.input), request);
+    RowPlan rows = PlanRows(file, request);
     return {from, to, std::move(tags), std::move(channels), std::move(choice), std::move(rows)};
 }
 
