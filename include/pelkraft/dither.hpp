@@ -24,6 +24,7 @@ struct ChannelTones
 // A dither as it is asked for. Its fields are those of plk_dither_spec.
 struct DitherSpec
 {
+    // 8 or 16.
     std::int32_t bits = 8;
     // By channel.
     std::vector<ChannelTones> tones;
