@@ -59,7 +59,10 @@ void AtomicOutput::Check(const std::string& path, const OutputRules& rules)
 
 AtomicOutput::~AtomicOutput()
 {
-    latest = earlier;
+    AtomicOutput** place = &latest;
+    while (*place != this)
+        place = &(*place)->earlier;
+    *place = earlier;
     if (descriptor >= 0)
         Close(descriptor);
     if (!temporaryPath.empty())

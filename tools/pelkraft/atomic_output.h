@@ -37,7 +37,6 @@ public:
     static void RemoveAll() noexcept;
 
 private:
-    // Those that live, the last one made first. They end in the reverse order.
     // A path with its links followed.
     struct Target
     {
@@ -46,6 +45,7 @@ private:
     };
     static Target Find(const std::string& path, const OutputRules& rules);
 
+    // Those that live, the last one made first.
     static AtomicOutput* latest;
     AtomicOutput* earlier;
 
