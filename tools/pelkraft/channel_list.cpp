@@ -38,7 +38,7 @@ std::string Offer(const std::vector<Channel>& channels)
 }
 
 int FindChannel(const std::string& entry, const std::vector<Channel>& channels,
-                const std::string& path)
+                const std::string& path, const std::string& option)
 {
     if (entry == "-")
         return -1;
@@ -53,7 +53,7 @@ int FindChannel(const std::string& entry, const std::vector<Channel>& channels,
     });
     if (found == channels.end())
         throw Failure(ExitCode::Usage, path,
-                      "has no channel \"" + entry + "\" for --channels; supported are " +
+                      "has no channel \"" + entry + "\" for " + option + "; supported are " +
                           Offer(channels));
     return static_cast<int>(found - channels.begin());
 }
@@ -61,17 +61,18 @@ int FindChannel(const std::string& entry, const std::vector<Channel>& channels,
 } // namespace
 
 std::vector<int> ParseChannelList(const std::string& list, const std::vector<Channel>& channels,
-                                  const std::string& path)
+                                  const std::string& path, const std::string& option)
 {
     std::vector<int> map;
     std::size_t start = 0;
     while (start <= list.size()) {
         const std::size_t end = std::min(list.find(',', start), list.size());
-        map.push_back(FindChannel(Trimmed(list.substr(start, end - start)), channels, path));
+        map.push_back(
+            FindChannel(Trimmed(list.substr(start, end - start)), channels, path, option));
         start = end + 1;
         if (map.size() > mostChannels)
             throw Failure(ExitCode::Usage, path,
-                          "--channels names too many channels; supported are up to 65535");
+                          option + " names too many channels; supported are up to 65535");
     }
     return map;
 }

@@ -11,6 +11,7 @@ namespace zvk::Pelkraft::Client {
 // from 0, its name in any case, or "-" for an empty one, which becomes -1. What the page doesn't
 // have is wrong usage.
 std::vector<int> ParseChannelList(const std::string& list, const std::vector<Channel>& channels,
-                                  const std::string& path);
+                                  const std::string& path,
+                                  const std::string& option = "--channels");
 
 } // namespace zvk::Pelkraft::Client
