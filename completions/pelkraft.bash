@@ -9,10 +9,12 @@ _pelkraft_offers() {
         echo \
             convert \
             info \
+            join \
             mask \
             pattern \
             preview \
             simulate \
+            split \
             --help --version --buildinfo
         ;;
     convert)
@@ -20,10 +22,12 @@ _pelkraft_offers() {
             $common"
         ;;
     info) echo "--stats $input $common" ;;
+    join) echo "--order $input $output $common" ;;
     mask) echo "--verify --export --no-clobber $common" ;;
     pattern) echo "--plot --no-clobber $common" ;;
     preview) echo "--inks --print-order --gain --crop --no-clobber $input $common" ;;
     simulate) echo "--engine --levels --preview --ink $input $output $common" ;;
+    split) echo "--inks --naming $input $output $common" ;;
     esac
 }
 
@@ -39,6 +43,7 @@ _pelkraft_values() {
     --engine) echo 'auto reference x86 sse' ;;
     --levels) echo 'quantize raw' ;;
     --export) echo 'raw16' ;;
+    --naming) echo 'gs dot' ;;
     --progress) echo 'auto never json' ;;
     --color) echo 'auto never' ;;
     *) return 1 ;;
@@ -66,7 +71,7 @@ _pelkraft() {
         --channels | --page | --dot-range | --spool-limit | --threads | --ink | --plot | --preview)
             return
             ;;
-        --inks | --print-order | --gain | --crop) return ;;
+        --inks | --order | --print-order | --gain | --crop) return ;;
         esac
         # Files follow a verb, and verbs below it, unless an option is begun.
         if [[ -n $verb && $current != -* ]]; then

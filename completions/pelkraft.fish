@@ -1,28 +1,34 @@
 # Completion of pelkraft for fish.
 set -la verbs convert
 set -la verbs info
+set -la verbs join
 set -la verbs mask
 set -la verbs pattern
 set -la verbs preview
 set -la verbs simulate
+set -la verbs split
 set -l none "not __fish_seen_subcommand_from $verbs"
 set -l any "__fish_seen_subcommand_from $verbs"
 set -l convert '__fish_seen_subcommand_from convert'
 set -l info '__fish_seen_subcommand_from info'
+set -l join '__fish_seen_subcommand_from join'
 set -l mask '__fish_seen_subcommand_from mask'
 set -l pattern '__fish_seen_subcommand_from pattern'
 set -l preview '__fish_seen_subcommand_from preview'
 set -l simulate '__fish_seen_subcommand_from simulate'
+set -l split '__fish_seen_subcommand_from split'
 
 complete -c pelkraft -s h -l help -d 'Print the help and exit'
 complete -c pelkraft -n $none -l version -d 'Print the version and exit'
 complete -c pelkraft -n $none -l buildinfo -d 'Print how the program was built and exit'
 complete -c pelkraft -n $none -f -a convert -d 'Convert the rows of a TIFF file'
 complete -c pelkraft -n $none -f -a info -d 'Show what TIFF files hold'
+complete -c pelkraft -n $none -f -a join -d 'Join the plates of a page'
 complete -c pelkraft -n $none -f -a mask -d 'Verify or export the mask of the dither'
 complete -c pelkraft -n $none -f -a pattern -d 'Explain and check a dot-pattern text'
 complete -c pelkraft -n $none -f -a preview -d 'Show the inks of a TIFF file as a PNG'
 complete -c pelkraft -n $none -f -a simulate -d 'Apply a dot pattern to a TIFF file'
+complete -c pelkraft -n $none -f -a split -d 'Split a page into a plate for each ink'
 
 complete -c pelkraft -n $any -s q -l quiet -d 'Tell errors only'
 complete -c pelkraft -n $any -s v -l verbose -d 'Tell what was done, and the pages of warnings'
@@ -55,6 +61,14 @@ complete -c pelkraft -n $info -l dot-range -x -d 'Samples of no and of full ink,
 complete -c pelkraft -n $info -l spool-limit -x -d 'Bytes of a pipe that may be kept'
 complete -c pelkraft -n $info -l stats -d 'Count the samples of each channel'
 
+complete -c pelkraft -n $join -l order -x -d 'Inks that come first'
+complete -c pelkraft -n $join -l page -x -d 'Pages to take, as in 1,3-5'
+complete -c pelkraft -n $join -l polarity -x -a 'auto ink-high ink-low' -d 'Whether high samples are much ink'
+complete -c pelkraft -n $join -l dot-range -x -d 'Samples of no and of full ink, LO,HI or keep'
+complete -c pelkraft -n $join -l spool-limit -x -d 'Bytes of a pipe that may be kept'
+complete -c pelkraft -n $join -l compress -x -a 'none lzw zip' -d 'Compression of the new file'
+complete -c pelkraft -n $join -l no-clobber -d 'Refuse to overwrite a file'
+
 complete -c pelkraft -n $mask -l verify -d 'Make the mask anew and compare it'
 complete -c pelkraft -n $mask -l export -x -a 'raw16' -d 'Write the ranks row by row'
 complete -c pelkraft -n $mask -l no-clobber -d 'Refuse to overwrite a file'
@@ -77,3 +91,12 @@ complete -c pelkraft -n $simulate -l levels -x -a 'quantize raw' -d 'What a samp
 complete -c pelkraft -n $simulate -l preview -r -F -d 'Also write a PNG of the first page'
 complete -c pelkraft -n $simulate -l ink -x -d 'Colour of an out-ink, NAME=#RRGGBB'
 complete -c pelkraft -n $simulate -l dot-range -x -a keep -d 'Samples of no and full ink'
+
+complete -c pelkraft -n $split -l inks -x -d 'Inks to split off, by number or name'
+complete -c pelkraft -n $split -l naming -x -a 'gs dot' -d 'Names as in page(Cyan).tif, or as in page.Cyan.tif'
+complete -c pelkraft -n $split -l page -x -d 'Pages to take, as in 1,3-5'
+complete -c pelkraft -n $split -l polarity -x -a 'auto ink-high ink-low' -d 'Whether high samples are much ink'
+complete -c pelkraft -n $split -l dot-range -x -d 'Samples of no and of full ink, LO,HI or keep'
+complete -c pelkraft -n $split -l spool-limit -x -d 'Bytes of a pipe that may be kept'
+complete -c pelkraft -n $split -l compress -x -a 'none lzw zip' -d 'Compression of the new file'
+complete -c pelkraft -n $split -l no-clobber -d 'Refuse to overwrite a file'

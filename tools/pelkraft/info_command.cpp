@@ -61,7 +61,7 @@ public:
 private:
     FileFacts ReadFacts(const std::string& path)
     {
-        const TiffFile file = TiffFile::OpenForReading(path);
+        const TiffFile file = TiffFile::OpenForReading(path, {{}, input.spoolLimit});
         FileFacts facts;
         facts.path = path;
         facts.bytes = file.Size();

@@ -5,11 +5,13 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/help_format.h"
 #include "tools/pelkraft/info_command.h"
+#include "tools/pelkraft/join_command.h"
 #include "tools/pelkraft/mask_command.h"
 #include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/pattern_command.h"
 #include "tools/pelkraft/preview_command.h"
 #include "tools/pelkraft/simulate_command.h"
+#include "tools/pelkraft/split_command.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/usage_errors.h"
 #include "zvk/diagnostics.h"
@@ -84,10 +86,12 @@ int RunVerb(int argc, const char* const* argv)
     Verbs verbs;
     verbs.push_back(MakeConvertCommand());
     verbs.push_back(MakeInfoCommand());
+    verbs.push_back(MakeJoinCommand());
     verbs.push_back(MakeMaskCommand());
     verbs.push_back(MakePatternCommand());
     verbs.push_back(MakePreviewCommand());
     verbs.push_back(MakeSimulateCommand());
+    verbs.push_back(MakeSplitCommand());
     for (const auto& verb : verbs)
         verb->Register(program);
 

@@ -11,6 +11,7 @@ import pytest
 class Outcome:
     def __init__(self, finished):
         self.code = finished.returncode
+        self.bytes = finished.stdout
         self.output = finished.stdout.decode("utf-8", "surrogateescape")
         self.errors = finished.stderr.decode("utf-8", "surrogateescape")
 
@@ -22,17 +23,18 @@ class Outcome:
 @pytest.fixture
 def run(tmp_path):
     """A function that runs the program in a folder of the test's own."""
-    def run_tool(*arguments):
+    def run_tool(*arguments, stdin=None):
         command = [os.environ["PELKRAFT_TOOL"], *map(str, arguments)]
-        return Outcome(subprocess.run(command, capture_output=True, cwd=tmp_path, check=False))
+        return Outcome(subprocess.run(command, capture_output=True, cwd=tmp_path, check=False,
+                                      input=stdin))
     return run_tool
 
 
 @pytest.fixture
 def succeed(run):
     """Runs the program, which must end well and have nothing to say on the error stream."""
-    def run_well(*arguments):
-        outcome = run(*arguments)
+    def run_well(*arguments, stdin=None):
+        outcome = run(*arguments, stdin=stdin)
         assert (outcome.code, outcome.errors) == (0, "")
         return outcome
     return run_well
