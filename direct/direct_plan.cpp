@@ -2,6 +2,7 @@
 
 #include "common/bit_sizes.h"
 #include "common/inlining.h"
+#include "direct/pixel_step.h"
 #include "direct/tile.h"
 
 #include <algorithm>
@@ -13,19 +14,19 @@ namespace {
 // Pixels of more bytes than this never stand whole in the tile; their channels take turns there.
 constexpr std::size_t maxTilePixelBytes = 256;
 
-// The samples of a row in memory.
-struct Form
-{
-    std::uint8_t bits;
-    bool planar;
-};
+// The samples of a row in memory: in planes of 1, 2, 8 and 16 bits the numbers 0, 1, 2 and 4, in
+// pixels of 8 and 16 bits the numbers 3 and 5. One number goes from function to function faster
+// than a record of bytes.
+using Form = std::size_t;
+constexpr std::size_t formCount = 6;
+constexpr std::array<std::uint8_t, formCount> bitsOf = {1, 2, 8, 8, 16, 16};
+constexpr std::array<bool, formCount> isPlanar = {true, true, true, false, true, false};
 
 // Interleaved samples take whole bytes, whatever their depth.
 Form FormOf(std::int32_t bits, bool planar)
 {
-    if (planar)
-        return {static_cast<std::uint8_t>(bits), true};
-    return {static_cast<std::uint8_t>(bits > 8 ? 16 : 8), false};
+    const auto depth = static_cast<std::uint32_t>(bits);
+    return planar ? depth >> 2 | (depth >> 1 & 1U) : depth > 8 ? 5 : 3;
 }
 
 // One side of a conversion.
@@ -49,62 +50,6 @@ Side SideOf(const ImageRowFormat& format)
     return {static_cast<std::uint32_t>(format.channels),
             FormOf(format.bits, format.layout != LayoutInterleaved),
             static_cast<std::size_t>(format.width), static_cast<std::size_t>(format.activeWidth)};
-}
-
-constexpr std::size_t wordBytes = sizeof(std::uint64_t);
-
-// The places of one channel's sample, in the low bytes.
-std::uint64_t PlacesOf(std::int32_t entry, std::size_t sampleBytes)
-{
-    if (sampleBytes == 1)
-        return entry < 0 ? emptyByte : static_cast<std::uint64_t>(entry);
-    return entry < 0 ? std::uint64_t{emptyByte} * 0x101
-                     : static_cast<std::uint64_t>(entry) * 0x202 + 0x100;
-}
-
-// Writes the places of small pixels a word at a time: a kernel reads them at once, and would wait
-// for bytes that were stored one by one.
-void FillPlaces(DirectPlan& plan, std::uint32_t channels, std::size_t sampleBytes)
-{
-    const auto channelsOfWord = static_cast<std::uint32_t>(wordBytes / sampleBytes);
-    for (std::uint32_t first = 0; first < channels; first += channelsOfWord) {
-        std::uint64_t word = 0;
-        const std::uint32_t end = std::min(channels, first + channelsOfWord);
-        for (std::uint32_t c = first; c != end; ++c)
-            word |= PlacesOf(plan.entries[c], sampleBytes) << (8 * sampleBytes * (c - first));
-        // Compilers make one store of these.
-        unsigned char* places = &plan.step.places[first * sampleBytes];
-        for (std::size_t i = 0; i != wordBytes; ++i)
-            places[i] = static_cast<unsigned char>(word >> (8 * i));
-    }
-}
-
-constexpr std::array<unsigned char, maxStepBytes> CountPlaces()
-{
-    std::array<unsigned char, maxStepBytes> places{};
-    for (std::size_t i = 0; i != places.size(); ++i)
-        places[i] = static_cast<unsigned char>(i);
-    return places;
-}
-
-constexpr std::array<unsigned char, maxStepBytes> unmappedPlaces = CountPlaces();
-
-// Makes ready the step of a pass of that kind. A step over planes takes samples for pixels.
-void FillStep(DirectPlan& plan, const PassOutput& pass)
-{
-    const std::uint32_t channels = pass.planar ? 1 : plan.channels;
-    const bool maps = plan.mapped && !plan.sourcePlanar && !plan.splitMaps;
-    const std::size_t sampleBytes = pass.bits / 8U;
-    PixelStep& step = plan.step;
-    step.sourceBytes =
-        static_cast<std::uint8_t>(sampleBytes * (maps ? plan.sourceChannels : channels));
-    step.destinationBytes = static_cast<std::uint8_t>(sampleBytes * channels);
-    step.repeat = plan.repeat;
-    step.mirrored = plan.mirrored;
-    if (!maps)
-        step.places = unmappedPlaces;
-    else
-        FillPlaces(plan, channels, sampleBytes);
 }
 
 // Adds the passes one after the other, and keeps in mind how the pixels stand after the last.
@@ -279,12 +224,12 @@ bool CopyMap(DirectPlan& plan, const ChannelMap& map)
     if (map.entryCount > maxMapEntries)
         return plan.extras->entries != nullptr;
     const auto sourceChannels = static_cast<std::int32_t>(plan.sourceChannels);
-    bool inside = true;
+    std::int32_t largest = -1;
     for (std::size_t i = 0; i != map.entryCount; ++i) {
         plan.entries[i] = map.entries[i];
-        inside = inside && map.entries[i] < sourceChannels;
+        largest = std::max(largest, map.entries[i]);
     }
-    return inside;
+    return largest < sourceChannels;
 }
 
 // A channel that several entries name is split once, into the plane of the first of them.
@@ -329,18 +274,15 @@ bool NeedsTile(const DirectPlan& plan)
 // A row of one channel is a plane as well, and is taken for what asks for less.
 constexpr void ChoosePasses(DirectPlan& plan, Form target)
 {
-    bool planar = target.planar;
+    bool planar = isPlanar[target];
     if (plan.sourceChannels == 1 && plan.sourceBits >= 8)
         plan.sourcePlanar = plan.mapped || planar;
-    if (plan.channels == 1 && target.bits >= 8)
+    if (plan.channels == 1 && bitsOf[target] >= 8)
         planar = plan.sourcePlanar || (plan.mapped && plan.sourceChannels * plan.sourceBits / 8 >
                                                           plan.kernels->pixels->stepBytes);
-    PassList(plan, target.bits, planar).Choose();
+    PassList(plan, bitsOf[target], planar).Choose();
 }
 
-// The passes of conversions that neither map nor turn have a table, for up to so many channels:
-// pixels of them fit the tile at any depth.
-constexpr std::uint32_t maxTabledChannels = maxTilePixelBytes / 2;
 // The least channels of those that have the same passes.
 constexpr std::array<std::uint32_t, 3> leastChannels = {1, 2, maxFusedChannels + 1};
 
@@ -349,74 +291,117 @@ constexpr std::size_t IndexOf(std::uint32_t channels)
     return (channels >= leastChannels[1] ? 1U : 0U) + (channels >= leastChannels[2] ? 1U : 0U);
 }
 
-// Each has the place that IndexOf gives it, which is found by arithmetic.
-constexpr std::array<Form, 6> forms = {
-    {{1, true}, {2, true}, {8, true}, {8, false}, {16, true}, {16, false}}};
-
-constexpr std::size_t IndexOf(Form form)
+// Beside a change of layout and depth.
+enum Work : std::uint8_t
 {
-    return (form.bits >> 2 | (form.bits >> 1 & 1U)) + (form.planar ? 0U : 1U);
-}
+    NoWork,
+    Mirrors,
+    Repeats,
+    Maps,
+    workCount,
+};
 
-using PassTable = std::array<std::array<std::array<ChosenPasses, forms.size()>, forms.size()>,
-                             leastChannels.size()>;
+// The passes of fills of small pixels.
+using PassTable = std::array<
+    std::array<std::array<std::array<ChosenPasses, formCount>, formCount>, leastChannels.size()>,
+    workCount>;
 
 constexpr PassTable MakePassTable()
 {
+    const PixelKernels anyStep = {nullptr, maxStepBytes, nullptr, nullptr};
+    const Kernels kernels = {nullptr, nullptr, &anyStep, nullptr};
     PassTable table{};
-    for (const std::uint32_t channels : leastChannels)
-        for (const Form source : forms)
-            for (const Form target : forms) {
-                DirectPlan plan{};
-                plan.extras = &noExtras;
-                plan.sourceChannels = plan.channels = channels;
-                plan.sourceBits = source.bits;
-                plan.sourcePlanar = source.planar;
-                plan.repeat = 1;
-                ChoosePasses(plan, target);
-                table[IndexOf(channels)][IndexOf(source)][IndexOf(target)] = plan;
-            }
+    for (const Work work : {NoWork, Mirrors, Repeats, Maps})
+        for (const std::uint32_t channels : leastChannels)
+            for (Form source = 0; source != formCount; ++source)
+                for (Form target = 0; target != formCount; ++target) {
+                    DirectPlan plan{};
+                    plan.kernels = &kernels;
+                    plan.extras = &noExtras;
+                    plan.sourceChannels = plan.channels = channels;
+                    plan.sourceBits = bitsOf[source];
+                    plan.sourcePlanar = isPlanar[source];
+                    plan.mirrored = work == Mirrors;
+                    plan.repeat = work == Repeats ? 2 : 1;
+                    plan.mapped = work == Maps;
+                    ChoosePasses(plan, target);
+                    table[work][IndexOf(channels)][source][target] = plan;
+                }
     return table;
 }
 
 constexpr PassTable passTable = MakePassTable();
+
+const ChosenPasses& TabledPasses(Work work, std::uint32_t channels, Form source, Form target)
+{
+    return passTable[work][IndexOf(channels)][source][target];
+}
+
+// Pixels of so many channels fit the tile at any depth, and whether a map or a turn is one step
+// does not matter where there is none.
+constexpr std::uint32_t maxIdleChannels = maxTilePixelBytes / 2;
+
+// True if pixels of 16 bits fit a step, on both sides of a map.
+bool AreSmall(const DirectPlan& plan)
+{
+    return 2 * std::max<std::size_t>(plan.sourceChannels, plan.channels) <=
+           plan.kernels->pixels->stepBytes;
+}
 
 // Sets what passes don't depend on.
 void SetSizes(DirectPlan& plan, const Side& source, const Side& target, bool mirrored)
 {
     plan.sourceChannels = source.channels;
     plan.channels = target.channels;
-    plan.sourcePlaneBytes = BytesOf(source.width, source.form.bits);
-    plan.planeBytes = BytesOf(target.width, target.form.bits);
+    plan.sourcePlaneBytes = BytesOf(source.width, bitsOf[source.form]);
+    plan.planeBytes = BytesOf(target.width, bitsOf[target.form]);
     plan.firstPixel = mirrored ? source.width - source.pixels : 0;
     plan.sourcePixels = source.pixels;
     plan.pixels = target.pixels;
     plan.tilePixels = 0;
 }
 
-PELKRAFT_NEVER_INLINE bool ChooseOneByOne(DirectPlan& plan, const ConversionRequest& request,
-                                          Form source, Form target)
+PELKRAFT_NEVER_INLINE void ListPasses(DirectPlan& plan, bool maps, Form source, Form target)
 {
-    plan.mapped = request.maps;
-    if (plan.mapped && !CopyMap(plan, request.map))
+    plan.mapped = maps;
+    plan.passCount = 0;
+    plan.splitMaps = false;
+    plan.sourceBits = bitsOf[source];
+    plan.sourcePlanar = isPlanar[source];
+    ChoosePasses(plan, target);
+    plan.staged = plan.extras->staged && FitsStage(plan);
+    plan.patchesRows = plan.extras->patch != nullptr && !plan.staged;
+}
+
+// A channel of its own on one side of a map may be taken for a plane.
+bool IsTabled(const DirectPlan& plan, Work work, bool turns)
+{
+    return plan.extras == &noExtras && AreSmall(plan) &&
+           (work != Maps || (!turns && plan.sourceChannels > 1 && plan.channels > 1));
+}
+
+// For conversions that map, repeat or mirror, and for large pixels.
+PELKRAFT_NEVER_INLINE bool ChooseAny(DirectPlan& plan, const ConversionRequest& request,
+                                     Form source, Form target)
+{
+    if (request.maps && !CopyMap(plan, request.map))
         return false;
     const auto repeat = static_cast<std::uint32_t>(std::abs(std::int64_t{request.factor}));
     // One, two or four: below five, and a power of two.
     if (repeat - 1 >= 4 || (repeat & (repeat - 1)) != 0)
         return false;
+    const Work work = request.maps         ? Maps
+                      : repeat != 1        ? Repeats
+                      : request.factor < 0 ? Mirrors
+                                           : NoWork;
+    const bool tabled = IsTabled(plan, work, request.factor != 1);
+    if (tabled)
+        static_cast<ChosenPasses&>(plan) = TabledPasses(work, plan.channels, source, target);
     plan.repeat = static_cast<std::uint8_t>(repeat);
     plan.mirrored = request.factor < 0;
-    plan.passCount = 0;
-    plan.splitMaps = false;
-    plan.sourceBits = source.bits;
-    plan.sourcePlanar = source.planar;
-    ChoosePasses(plan, target);
-    for (std::size_t i = 0; i != plan.passCount; ++i)
-        if (plan.passes[i].kind == PassKind::Step)
-            FillStep(plan, plan.passes[i]);
-    const DirectExtras& extras = *plan.extras;
-    plan.staged = extras.staged && FitsStage(plan);
-    plan.patchesRows = extras.patch != nullptr && !plan.staged;
+    if (!tabled)
+        ListPasses(plan, request.maps, source, target);
+    FillSteps(plan);
     if (NeedsTile(plan))
         SizeTile(plan);
     if (plan.splitMaps)
@@ -434,11 +419,12 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request)
     const Side source = SideOf(request.source, active.source);
     const Side target = SideOf(request.destination, active.destination);
     SetSizes(plan, source, target, request.factor < 0);
-    if (request.factor != 1 || request.maps || source.channels > maxTabledChannels)
-        return ChooseOneByOne(plan, request, source.form, target.form);
-    static_cast<ChosenPasses&>(plan) =
-        passTable[IndexOf(source.channels)][IndexOf(source.form)][IndexOf(target.form)];
-    if (plan.passCount != 1)
+    if (request.factor != 1 || request.maps || source.channels > maxIdleChannels)
+        return ChooseAny(plan, request, source.form, target.form);
+    // Asked in the table, as a read of the copy would wait for the write.
+    const ChosenPasses& passes = TabledPasses(NoWork, target.channels, source.form, target.form);
+    static_cast<ChosenPasses&>(plan) = passes;
+    if (passes.passCount != 1)
         SizeTile(plan);
     return true;
 }
@@ -451,7 +437,7 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request, const Fo
     const Side source = SideOf(formats.source);
     const Side target = SideOf(formats.destination);
     SetSizes(plan, source, target, request.factor < 0);
-    return ChooseOneByOne(plan, request, source.form, target.form);
+    return ChooseAny(plan, request, source.form, target.form);
 }
 
 } // namespace zvk::Pelkraft

@@ -70,6 +70,18 @@ void CopyRow(const DirectPlan& plan, const unsigned char* source, unsigned char*
     std::memcpy(target, source, plan.channels * BytesOf(plan.pixels, plan.sourceBits));
 }
 
+// Calls sweep(source, target) for each plane.
+template <typename Sweep>
+PELKRAFT_ALWAYS_INLINE inline void ForEachPlane(const DirectPlan& plan, const unsigned char* source,
+                                                unsigned char* target, Sweep sweep)
+{
+    for (std::uint32_t c = plan.channels; c != 0; --c) {
+        sweep(source, target);
+        source += plan.sourcePlaneBytes;
+        target += plan.planeBytes;
+    }
+}
+
 template <PassKind kind>
 void SampleRow(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
 {
@@ -78,11 +90,20 @@ void SampleRow(const DirectPlan& plan, const unsigned char* source, unsigned cha
     const SampleKernel kernel = SampleKernelOf(plan, kind, plan.sourceBits, plan.passes[0].bits);
     if (!plan.sourcePlanar)
         return kernel(source, target, plan.pixels * plan.channels);
-    for (std::uint32_t c = plan.channels; c != 0; --c) {
-        kernel(source, target, plan.pixels);
-        source += plan.sourcePlaneBytes;
-        target += plan.planeBytes;
-    }
+    ForEachPlane(plan, source, target, [&](const unsigned char* from, unsigned char* to) {
+        kernel(from, to, plan.pixels);
+    });
+}
+
+void MirrorRow(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
+{
+    if (plan.mapped)
+        return RunByPass(plan, source, target);
+    const BitMirrorKernel mirror = plan.kernels->samples->mirror[plan.sourceBits - 1U];
+    const std::size_t end = plan.firstPixel + plan.sourcePixels;
+    ForEachPlane(plan, source, target, [&](const unsigned char* from, unsigned char* to) {
+        mirror(from, end, to, plan.pixels);
+    });
 }
 
 void StepRow(const DirectPlan& plan, const unsigned char* source, unsigned char* target)
@@ -91,7 +112,7 @@ void StepRow(const DirectPlan& plan, const unsigned char* source, unsigned char*
     std::size_t pixels = plan.pixels;
     if (plan.sourcePlanar) {
         // Planes that touch are one row.
-        const bool joined = !plan.mapped && !plan.mirrored && pixels % plan.repeat == 0 &&
+        const bool joined = !plan.mapped && !plan.mirrored && (pixels & (plan.repeat - 1U)) == 0 &&
                             plan.sourcePlaneBytes == plan.sourcePixels * bytes &&
                             plan.planeBytes == pixels * bytes;
         if (!joined)
@@ -110,6 +131,7 @@ constexpr RowMethod MethodOf()
     case PassKind::Copy:
         return CopyRow;
     case PassKind::MirrorBits:
+        return MirrorRow;
     case PassKind::Move:
     case PassKind::Clear:
         return RunByPass;
