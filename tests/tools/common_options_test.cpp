@@ -16,8 +16,9 @@ protected:
     // A call of each verb that prints a warning about its picture, without its options.
     [[nodiscard]] std::vector<std::vector<std::string>> WarningCalls() const
     {
-        return {{"convert", Path("in.tif"), Path("out.tif"), "--bits", "1", "--tones", "raw"},
-                {"simulate", Path("pattern.txt"), Path("in.tif"), Path("out.tif")}};
+        return {
+            {"convert", Path("in.tif"), Path("out.tif"), "--bits", "1", "--tones", "raw"},
+            {"simulate", Path("pattern.txt"), Path("in.tif"), Path("out.tif"), "--levels", "raw"}};
     }
 
     [[nodiscard]] static std::vector<std::string> With(std::vector<std::string> call,
