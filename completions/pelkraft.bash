@@ -8,6 +8,7 @@ _pelkraft_offers() {
     '')
         echo \
             convert \
+            coverage \
             info \
             join \
             mask \
@@ -21,6 +22,7 @@ _pelkraft_offers() {
         echo "--layout --bits --channels --repeat --mirror --tones --portable $input $output
             $common"
         ;;
+    coverage) echo "--limit --window --map --no-clobber $input $common" ;;
     info) echo "--stats $input $common" ;;
     join) echo "--order $input $output $common" ;;
     mask) echo "--verify --export --no-clobber $common" ;;
@@ -71,7 +73,7 @@ _pelkraft() {
         --channels | --page | --dot-range | --spool-limit | --threads | --ink | --plot | --preview)
             return
             ;;
-        --inks | --order | --print-order | --gain | --crop) return ;;
+        --inks | --map | --window | --limit | --order | --print-order | --gain | --crop) return ;;
         esac
         # Files follow a verb, and verbs below it, unless an option is begun.
         if [[ -n $verb && $current != -* ]]; then

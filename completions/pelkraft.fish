@@ -1,5 +1,6 @@
 # Completion of pelkraft for fish.
 set -la verbs convert
+set -la verbs coverage
 set -la verbs info
 set -la verbs join
 set -la verbs mask
@@ -10,6 +11,7 @@ set -la verbs split
 set -l none "not __fish_seen_subcommand_from $verbs"
 set -l any "__fish_seen_subcommand_from $verbs"
 set -l convert '__fish_seen_subcommand_from convert'
+set -l coverage '__fish_seen_subcommand_from coverage'
 set -l info '__fish_seen_subcommand_from info'
 set -l join '__fish_seen_subcommand_from join'
 set -l mask '__fish_seen_subcommand_from mask'
@@ -22,6 +24,7 @@ complete -c pelkraft -s h -l help -d 'Print the help and exit'
 complete -c pelkraft -n $none -l version -d 'Print the version and exit'
 complete -c pelkraft -n $none -l buildinfo -d 'Print how the program was built and exit'
 complete -c pelkraft -n $none -f -a convert -d 'Convert the rows of a TIFF file'
+complete -c pelkraft -n $none -f -a coverage -d 'Measure how much ink lies where'
 complete -c pelkraft -n $none -f -a info -d 'Show what TIFF files hold'
 complete -c pelkraft -n $none -f -a join -d 'Join the plates of a page'
 complete -c pelkraft -n $none -f -a mask -d 'Verify or export the mask of the dither'
@@ -54,6 +57,15 @@ for verb in $convert $simulate
     complete -c pelkraft -n $verb -l compress -x -a 'none lzw zip' -d 'Compression of the new file'
     complete -c pelkraft -n $verb -l no-clobber -d 'Refuse to overwrite a file'
 end
+
+complete -c pelkraft -n $coverage -l limit -x -d 'Percent of all inks that a pixel may have'
+complete -c pelkraft -n $coverage -l window -x -d 'Side of the window, in mm, in or px'
+complete -c pelkraft -n $coverage -l map -r -F -d 'Also write a PNG of where the ink lies'
+complete -c pelkraft -n $coverage -l no-clobber -d 'Refuse to overwrite a file'
+complete -c pelkraft -n $coverage -l page -x -d 'Pages to take, as in 1,3-5'
+complete -c pelkraft -n $coverage -l polarity -x -a 'auto ink-high ink-low' -d 'Whether high samples are much ink'
+complete -c pelkraft -n $coverage -l dot-range -x -d 'Samples of no and of full ink, LO,HI or keep'
+complete -c pelkraft -n $coverage -l spool-limit -x -d 'Bytes of a pipe that may be kept'
 
 complete -c pelkraft -n $info -l page -x -d 'Pages to take, as in 1,3-5'
 complete -c pelkraft -n $info -l polarity -x -a 'auto ink-high ink-low' -d 'Whether high samples are much ink'

@@ -2,6 +2,7 @@
 
 #include "tools/pelkraft/build_info.h"
 #include "tools/pelkraft/convert_command.h"
+#include "tools/pelkraft/coverage_command.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/help_format.h"
 #include "tools/pelkraft/info_command.h"
@@ -85,6 +86,7 @@ int RunVerb(int argc, const char* const* argv)
     AddBuildInfo(program);
     Verbs verbs;
     verbs.push_back(MakeConvertCommand());
+    verbs.push_back(MakeCoverageCommand());
     verbs.push_back(MakeInfoCommand());
     verbs.push_back(MakeJoinCommand());
     verbs.push_back(MakeMaskCommand());

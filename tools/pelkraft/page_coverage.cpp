@@ -1,0 +1,288 @@
+#include "tools/pelkraft/page_coverage.h"
+
+#include "tools/pelkraft/band_reader.h"
+#include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/sample_planes.h"
+#include "tools/pelkraft/workers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string_view>
+
+namespace zvk::Pelkraft::Client {
+namespace {
+
+constexpr double mmPerInch = 25.4;
+// Sums of so many amounts of 16 bits stay within 32.
+constexpr std::int64_t blockPixels = 4096;
+constexpr std::uint64_t thousandthsOfAll = 100000;
+
+// Takes amounts of ink out of samples, whose ink is high after flip has turned their bits.
+template <typename Sample>
+struct Amounts
+{
+    Sample flip = 0;
+    Sample none = 0;
+    Sample range = 0;
+
+    Sample Of(Sample sample) const
+    {
+        const auto turned = static_cast<Sample>(sample ^ flip);
+        const auto above = static_cast<Sample>(std::max(turned, none) - none);
+        return std::min(above, range);
+    }
+};
+
+template <typename Sample>
+Amounts<Sample> AmountsFor(const CoveragePlan& plan)
+{
+    const int highest = (1 << plan.picture.bits) - 1;
+    const bool high = plan.codes.InkIsHigh();
+    Amounts<Sample> amounts;
+    amounts.flip = static_cast<Sample>(high ? 0 : highest);
+    amounts.none = static_cast<Sample>(high ? plan.codes.none : highest - plan.codes.none);
+    amounts.range = static_cast<Sample>(plan.Full());
+    return amounts;
+}
+
+// What a thread has counted.
+struct Counted
+{
+    std::vector<InkAmounts> inks;
+    std::uint64_t sum = 0;
+    LargestSum largest;
+    std::uint64_t pixelsAbove = 0;
+};
+
+template <typename Sample, typename Total>
+void AddInk(const Sample* samples, std::int64_t count, const Amounts<Sample>& amounts, bool first,
+            Total* totals, InkAmounts& ink)
+{
+    std::uint32_t sum = 0;
+    Sample largest = 0;
+    for (std::int64_t i = 0; i < count; ++i) {
+        const Sample amount = amounts.Of(samples[i]);
+        sum += amount;
+        largest = std::max(largest, amount);
+        totals[i] = static_cast<Total>((first ? 0 : totals[i]) + amount);
+    }
+    ink.sum += sum;
+    ink.largest = std::max<std::uint32_t>(ink.largest, largest);
+}
+
+template <typename Total>
+void AddTotals(const Total* totals, std::int64_t count, std::int64_t x, std::int64_t y,
+               Total threshold, Counted& counted)
+{
+    Total largest = 0;
+    std::uint32_t above = 0;
+    for (std::int64_t i = 0; i < count; ++i) {
+        largest = std::max(largest, totals[i]);
+        above += totals[i] > threshold ? 1 : 0;
+    }
+    counted.pixelsAbove += above;
+    if (!counted.largest.found || largest > counted.largest.sum)
+        counted.largest.Take(largest, x + (std::find(totals, totals + count, largest) - totals), y);
+}
+
+// Counts a page whose samples and sums have these sizes.
+template <typename Sample, typename Total>
+class Counter
+{
+public:
+    Counter(const TiffFile& newFile, const CoveragePlan& newPlan, int newThreads)
+        : file(newFile), plan(newPlan), planes(file, plan.picture, ChannelsOf(plan)),
+          amounts(AmountsFor<Sample>(plan)), threads(newThreads),
+          bandRows(RowsOfBand(plan.picture.RowBytes(), plan.picture.height)),
+          scan(ShapeOrNone(plan), bandRows, threads), parts(static_cast<std::size_t>(threads))
+    {
+        for (Counted& part : parts)
+            part.inks.resize(plan.inks.size());
+    }
+
+    PageCoverage Count(CoverageMap* map, Progress& progress)
+    {
+        ForEachBand(file, plan.picture, [&](const RowBand& band) {
+            ShareOut(threads, band.count, [&](int worker, std::int64_t begin, std::int64_t end) {
+                SamplePlanes::Row row(planes);
+                for (std::int64_t i = begin; i < end; ++i) {
+                    row.Take(band.rows + plan.picture.RowBytes() * i);
+                    CountRow(row, band.first + i, parts[static_cast<std::size_t>(worker)]);
+                }
+            });
+            if (plan.window)
+                scan.Scan(band.first, std::int64_t{band.first} + band.count);
+            for (std::uint32_t i = 0; map != nullptr && i < band.count; ++i)
+                map->AddRow(scan.Row(std::int64_t{band.first} + i));
+            progress.Advance(band.count);
+        });
+        return Sum();
+    }
+
+private:
+    static std::vector<int> ChannelsOf(const CoveragePlan& plan)
+    {
+        std::vector<int> channels;
+        for (const PageInk& ink : plan.inks)
+            channels.push_back(static_cast<int>(ink.sample));
+        return channels;
+    }
+
+    static WindowShape ShapeOrNone(const CoveragePlan& plan)
+    {
+        return plan.window.value_or(WindowShape{plan.picture.width, 1, 0});
+    }
+
+    // Piece by piece, so that all inks of a piece are at hand.
+    void CountRow(const SamplePlanes::Row& row, std::int64_t y, Counted& counted)
+    {
+        Total* const totals = scan.Row(y);
+        const auto threshold = static_cast<Total>(
+            std::min<std::uint64_t>(plan.threshold, std::numeric_limits<Total>::max()));
+        for (std::int64_t x = 0; x < planes.Width(); x += blockPixels) {
+            const std::int64_t count = std::min(blockPixels, planes.Width() - x);
+            for (int ink = 0; ink < planes.Channels(); ++ink)
+                AddInk(row.Channel<Sample>(ink) + x, count, amounts, ink == 0, totals + x,
+                       counted.inks[static_cast<std::size_t>(ink)]);
+            AddTotals(totals + x, count, x, y, threshold, counted);
+        }
+    }
+
+    PageCoverage Sum() const
+    {
+        PageCoverage page;
+        page.inks.resize(plan.inks.size());
+        for (const Counted& part : parts) {
+            for (std::size_t ink = 0; ink < page.inks.size(); ++ink) {
+                page.inks[ink].sum += part.inks[ink].sum;
+                page.inks[ink].largest = std::max(page.inks[ink].largest, part.inks[ink].largest);
+                page.sum += part.inks[ink].sum;
+            }
+            page.largest.Take(part.largest);
+            page.pixelsAbove += part.pixelsAbove;
+        }
+        page.window = scan.Largest();
+        return page;
+    }
+
+    const TiffFile& file;
+    const CoveragePlan& plan;
+    SamplePlanes planes;
+    Amounts<Sample> amounts;
+    int threads;
+    std::uint32_t bandRows;
+    WindowScan<Total> scan;
+    std::vector<Counted> parts;
+};
+
+// Takes a number off the start of rest, of up to nine digits before the point and three after it.
+std::optional<std::uint64_t> TakeThousandths(std::string_view& rest)
+{
+    constexpr std::size_t mostDigits = 9;
+    std::uint64_t number = 0;
+    const auto takeDigits = [&](std::size_t most) {
+        std::size_t digits = 0;
+        for (; digits < most && !rest.empty() && rest[0] >= '0' && rest[0] <= '9'; ++digits) {
+            number = number * 10 + static_cast<std::uint64_t>(rest[0] - '0');
+            rest.remove_prefix(1);
+        }
+        return digits;
+    };
+    if (takeDigits(mostDigits) == 0)
+        return std::nullopt;
+    std::size_t decimals = 0;
+    if (rest.starts_with('.')) {
+        rest.remove_prefix(1);
+        decimals = takeDigits(3);
+        if (decimals == 0)
+            return std::nullopt;
+    }
+    for (; decimals < 3; ++decimals)
+        number *= 10;
+    return number;
+}
+
+std::int64_t PixelsOf(double length, double pixelsPerUnit, std::uint32_t most)
+{
+    const double pixels = std::round(length * pixelsPerUnit);
+    return static_cast<std::int64_t>(std::clamp(pixels, 1.0, static_cast<double>(most)));
+}
+
+std::optional<WindowShape> WindowOf(const TiffPicture& picture, const PageResolution& resolution,
+                                    const WindowSize& size)
+{
+    double across = 1;
+    double down = 1;
+    if (size.unit != "px") {
+        if (!resolution.HasLength())
+            return std::nullopt;
+        const double mm = size.unit == "in" ? mmPerInch : 1;
+        across = resolution.PixelsPerMmAcross() * mm;
+        down = resolution.PixelsPerMmDown() * mm;
+    }
+    return WindowShape{picture.width, PixelsOf(size.length, across, picture.width),
+                       PixelsOf(size.length, down, picture.height)};
+}
+
+} // namespace
+
+WindowSize ReadWindowSize(const std::string& words)
+{
+    WindowSize size;
+    std::string_view rest = words;
+    const std::optional<std::uint64_t> thousandths = TakeThousandths(rest);
+    size.unit = rest;
+    const bool known = size.unit == "mm" || size.unit == "in" || size.unit == "px";
+    if (!thousandths || *thousandths == 0 || !known)
+        throw Failure(ExitCode::Usage, {},
+                      "--window " + words +
+                          " is no size; supported are a number above 0 and its unit, mm, in or "
+                          "px: 1mm");
+    size.length = static_cast<double>(*thousandths) / 1000;
+    return size;
+}
+
+std::uint64_t ReadLimit(const std::string& words)
+{
+    std::string_view rest = words;
+    const std::optional<std::uint64_t> thousandths = TakeThousandths(rest);
+    if (!thousandths || *thousandths == 0 || !rest.empty())
+        throw Failure(ExitCode::Usage, {},
+                      "--limit " + words + " is no limit; supported is percent above 0: 300");
+    return *thousandths;
+}
+
+std::uint64_t CoveragePlan::Full() const
+{
+    return static_cast<std::uint64_t>(std::abs(codes.full - codes.none));
+}
+
+CoveragePlan PlanCoverage(const TiffFile& file, const InputOptions& input, const WindowSize& window,
+                          std::uint64_t limit)
+{
+    CoveragePlan plan;
+    plan.picture = ReadPicture(file);
+    plan.resolution = ReadResolution(file);
+    plan.inks = ReadPageInks(file, plan.picture);
+    plan.codes = ReadInkCodes(file, plan.picture, input);
+    plan.window = WindowOf(plan.picture, plan.resolution, window);
+    plan.threshold = limit * plan.Full() / thousandthsOfAll;
+    return plan;
+}
+
+PageCoverage CountCoverage(const TiffFile& file, const CoveragePlan& plan, CoverageMap* map,
+                           int threads, Progress& progress)
+{
+    const std::uint64_t mostSum = plan.Full() * plan.inks.size();
+    const bool narrow = mostSum <= std::numeric_limits<std::uint16_t>::max();
+    if (plan.picture.bits == 16)
+        return narrow
+                   ? Counter<std::uint16_t, std::uint16_t>(file, plan, threads).Count(map, progress)
+                   : Counter<std::uint16_t, std::uint32_t>(file, plan, threads)
+                         .Count(map, progress);
+    return narrow ? Counter<std::uint8_t, std::uint16_t>(file, plan, threads).Count(map, progress)
+                  : Counter<std::uint8_t, std::uint32_t>(file, plan, threads).Count(map, progress);
+}
+
+} // namespace zvk::Pelkraft::Client
