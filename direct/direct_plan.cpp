@@ -291,7 +291,7 @@ constexpr std::size_t IndexOf(std::uint32_t channels)
     return (channels >= leastChannels[1] ? 1U : 0U) + (channels >= leastChannels[2] ? 1U : 0U);
 }
 
-// Beside a change of layout and depth.
+// A conversion does one of these beside changing layout and depth, or several, which have no table.
 enum Work : std::uint8_t
 {
     NoWork,
@@ -337,8 +337,8 @@ const ChosenPasses& TabledPasses(Work work, std::uint32_t channels, Form source,
     return passTable[work][IndexOf(channels)][source][target];
 }
 
-// Pixels of so many channels fit the tile at any depth, and whether a map or a turn is one step
-// does not matter where there is none.
+// Pixels of so many channels fit the tile at any depth. They need not fit a step where they are
+// neither mapped nor turned.
 constexpr std::uint32_t maxIdleChannels = maxTilePixelBytes / 2;
 
 // True if pixels of 16 bits fit a step, on both sides of a map.
@@ -373,7 +373,7 @@ PELKRAFT_NEVER_INLINE void ListPasses(DirectPlan& plan, bool maps, Form source, 
     plan.patchesRows = plan.extras->patch != nullptr && !plan.staged;
 }
 
-// A channel of its own on one side of a map may be taken for a plane.
+// The only channel on one side of a map may be taken for a plane.
 bool IsTabled(const DirectPlan& plan, Work work, bool turns)
 {
     return plan.extras == &noExtras && AreSmall(plan) &&
@@ -421,7 +421,7 @@ bool MakeDirectPlan(DirectPlan& plan, const ConversionRequest& request)
     SetSizes(plan, source, target, request.factor < 0);
     if (request.factor != 1 || request.maps || source.channels > maxIdleChannels)
         return ChooseAny(plan, request, source.form, target.form);
-    // Asked in the table, as a read of the copy would wait for the write.
+    // The table is asked, since a read of the copy would wait for the write.
     const ChosenPasses& passes = TabledPasses(NoWork, target.channels, source.form, target.form);
     static_cast<ChosenPasses&>(plan) = passes;
     if (passes.passCount != 1)

@@ -11,7 +11,7 @@
 namespace zvk::Pelkraft {
 namespace {
 
-// Short rows are done as soon as the records of a pass are filled, so that most passes go without.
+// To fill the records of a pass takes as long as a short row, so most kinds of pass do without.
 using RowMethod = void (*)(const DirectPlan& plan, const unsigned char* source,
                            unsigned char* target);
 
@@ -27,8 +27,8 @@ PELKRAFT_NEVER_INLINE void RunByPass(const DirectPlan& plan, const unsigned char
     RunOnlyPass(plan, RowsOf(plan, source, target));
 }
 
-// Goes by four planes at a time, and past the last one: a loop over single ones takes longer than
-// a short row.
+// Four planes are filled at a time, some of them past the last one: a loop over single planes takes
+// longer than a short row.
 template <typename Byte>
 PELKRAFT_ALWAYS_INLINE inline void FillPlanes(Byte** planes, std::size_t channels, Byte* first,
                                               std::size_t planeBytes)
