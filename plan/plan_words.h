@@ -24,7 +24,7 @@ struct PlanWords
     std::uint64_t bytesWritten;
 };
 
-// What the words of a plan are made of.
+// The words of a plan are made of this record.
 struct DescribedPlan
 {
     PlanRoad road;
