@@ -88,7 +88,7 @@ Outcome Subprocess::Wait()
 
 std::vector<int> Interrupts()
 {
-    return {SIGINT, SIGTERM, SIGHUP};
+    return {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 }
 
 Outcome RunTool(const std::string& scratchFolder, const std::vector<std::string>& arguments,

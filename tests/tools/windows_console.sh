@@ -24,7 +24,7 @@ expect() {
 }
 
 progress=$(shown convert in.tif größe.tif)
-expect 'pelkraft: convert größe.tif 100 %' "$progress"
+expect 'pelkraft: convert größe.tif 100 %, 0:00 left' "$progress"
 # Wine shows an escape that it doesn't obey as a caret and a letter.
 if grep -qF '^[' <<<"$progress"; then
     printf 'escapes are shown:\n%s\n' "$progress" >&2

@@ -58,7 +58,7 @@ bool ConvertAll(const TiffFile& file, const ConvertOptions& options, const Total
                 TiffOutput& output)
 {
     bool cutSamples = false;
-    Progress progress("convert " + options.output.path, total.rows);
+    Progress progress("convert " + options.output.path, total.rows, total.pages);
     VisitPages(file, options.input.pages, [&](int) {
         const PagePlan plan = PlanPage(file, options);
         cutSamples = ConvertPage(file, output.File(), plan, options, progress) || cutSamples;

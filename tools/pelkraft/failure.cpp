@@ -2,6 +2,8 @@
 
 #include "tools/pelkraft/memory_end.h"
 #include "tools/pelkraft/message_style.h"
+#include "tools/pelkraft/shown_text.h"
+#include "tools/pelkraft/terminal.h"
 
 #include <cstdio>
 #include <new>
@@ -10,21 +12,25 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-// File names and messages of damaged files may hold anything; a terminal must not act on it.
-std::string OneLine(std::string text)
-{
-    for (char& letter : text) {
-        const auto code = static_cast<unsigned char>(letter);
-        if (code < 0x20 || code == 0x7F)
-            letter = '?';
-    }
-    return text;
-}
+constexpr const char* errorColour = "\033[1;31m";
+constexpr const char* warningColour = "\033[1;35m";
+constexpr const char* usualColour = "\033[0m";
 
-void PrintLine(const char* kind, const std::string& file, const std::string& text)
+// File names and messages of damaged files may hold anything; a terminal must not act on it.
+void PrintLine(const char* colour, const char* kind, const std::string& file,
+               const std::string& text)
 {
-    const std::string where = file.empty() ? std::string() : OneLine(file) + ": ";
-    std::fprintf(stderr, "pelkraft: %s%s%s\n", where.c_str(), kind, OneLine(text).c_str());
+    const std::string where = file.empty() ? std::string() : Shown(file) + ": ";
+    const bool coloured = *colour != 0 && GetMessageStyle().colour && ErrorsTakeColours();
+    const char* const start = coloured ? colour : "";
+    const char* const end = coloured ? usualColour : "";
+    // A warning is known by its kind, an error by the program's name.
+    if (*kind != 0)
+        std::fprintf(stderr, "pelkraft: %s%s%s%s%s\n", where.c_str(), start, kind, end,
+                     Shown(text).c_str());
+    else
+        std::fprintf(stderr, "%spelkraft:%s %s%s\n", start, end, where.c_str(),
+                     Shown(text).c_str());
     std::fflush(stderr);
 }
 
@@ -54,19 +60,19 @@ Failure::Failure(ExitCode newCode, std::string newFile, std::string newText)
 
 void PrintError(const std::string& file, const std::string& text)
 {
-    PrintLine("", file, text);
+    PrintLine(errorColour, "", file, text);
 }
 
 void PrintWarning(const std::string& file, const std::string& text)
 {
     if (!GetMessageStyle().quiet)
-        PrintLine("warning: ", file, text);
+        PrintLine(warningColour, "warning: ", file, text);
 }
 
 void PrintNote(const std::string& file, const std::string& text)
 {
     if (GetMessageStyle().verbose)
-        PrintLine("", file, text);
+        PrintLine("", "", file, text);
 }
 
 ExitCode ReportCurrentException() noexcept

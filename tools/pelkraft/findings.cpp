@@ -11,31 +11,6 @@ constexpr std::size_t longestShown = 160;
 constexpr std::size_t shownBefore = 60;
 constexpr std::size_t longestQuoted = 40;
 
-bool IsContinuation(char byte)
-{
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
-
-// Bytes of the character of UTF-8 at the front; 0 if it acts on a terminal, or is none.
-std::size_t CharacterBytes(std::string_view text)
-{
-    const auto lead = static_cast<unsigned char>(text.front());
-    if (lead < 0x80)
-        return (lead < 0x20 && lead != '\t') || lead == 0x7F ? 0 : 1;
-    const std::size_t bytes = lead < 0xC2   ? 0
-                              : lead < 0xE0 ? 2
-                              : lead < 0xF0 ? 3
-                              : lead < 0xF5 ? 4
-                                            : 0;
-    if (text.size() < bytes)
-        return 0;
-    for (std::size_t i = 1; i < bytes; ++i)
-        if (!IsContinuation(text[i]))
-            return 0;
-    const bool isControl = lead == 0xC2 && static_cast<unsigned char>(text[1]) < 0xA0;
-    return isControl ? 0 : bytes;
-}
-
 // There are as many marks as characters, and tabs stay.
 std::string Marks(std::string_view piece, char mark)
 {
@@ -143,20 +118,6 @@ std::string Quoted(const std::string& word)
 std::string Counted(std::size_t count, const std::string& one, const std::string& many)
 {
     return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
-std::string Shown(std::string_view text)
-{
-    std::string shown;
-    while (!text.empty()) {
-        const std::size_t bytes = CharacterBytes(text);
-        if (bytes == 0)
-            shown += '?';
-        else
-            shown += text.substr(0, bytes);
-        text.remove_prefix(std::max<std::size_t>(bytes, 1));
-    }
-    return shown;
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/pelkraft/pattern_text.h"
+#include "tools/pelkraft/shown_text.h"
 
 #include <cstddef>
 #include <optional>
@@ -58,9 +59,5 @@ std::string Quoted(const std::string& word);
 
 // "1 entry", "2 entries".
 std::string Counted(std::size_t count, const std::string& one, const std::string& many);
-
-// Control characters would act on a terminal: they become question marks, and so does each byte
-// that is no UTF-8. Tabs stay.
-std::string Shown(std::string_view text);
 
 } // namespace zvk::Pelkraft::Client

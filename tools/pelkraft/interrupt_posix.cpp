@@ -19,7 +19,7 @@ void CatchInterrupts()
     sigemptyset(&note.sa_mask);
     // Calls that were under way go on: the bands ask for the note themselves.
     note.sa_flags = SA_RESTART;
-    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         struct sigaction present = {};
         // A program started with nohup keeps its deafness.
         if (sigaction(signalNumber, nullptr, &present) == 0 && present.sa_handler == SIG_IGN)

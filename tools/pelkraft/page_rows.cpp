@@ -81,6 +81,7 @@ void WriteRows(const PageRows& page, const RowWork& work,
     const std::uint32_t bandRows = BandRows(page.from, page.to);
     const auto reader = OpenRows(page.file, page.from);
     StripWriter writer(page.out, page.to);
+    progress.StartPage();
     const Band oldRows(page.from, bandRows);
     const Band newRows(page.to, bandRows);
     for (std::uint32_t first = 0, rows = 0; first < height; first += rows) {

@@ -14,6 +14,7 @@ foreach(part IN ITEMS
         pattern_report
         pattern_text
         sarif
+        shown_text
         value_line_lints)
     target_sources(pelkraft_pattern_report PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${part}.cpp)
 endforeach()

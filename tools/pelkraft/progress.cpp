@@ -1,7 +1,11 @@
 #include "tools/pelkraft/progress.h"
 
-#include "tools/pelkraft/system_calls.h"
+#include "tools/pelkraft/file_calls.h"
+#include "tools/pelkraft/message_style.h"
+#include "tools/pelkraft/shown_text.h"
+#include "tools/pelkraft/terminal.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -12,29 +16,61 @@ constexpr std::chrono::milliseconds pause(100);
 
 } // namespace
 
-Progress::Progress(std::string newLabel, std::uint64_t newTotal)
-    : label(std::move(newLabel)), total(newTotal), terminal(ErrorsAreSeen()),
-      lastTime(std::chrono::steady_clock::now() - pause)
-{}
+Progress::Form Progress::ChooseForm()
+{
+    const MessageStyle& style = GetMessageStyle();
+    if (style.progress == ProgressForm::Json)
+        return Form::Objects;
+    const bool wanted = style.progress == ProgressForm::Auto && !style.quiet;
+    return wanted && ErrorsAreSeen() ? Form::Line : Form::None;
+}
+
+Progress::Progress(std::string label, std::uint64_t allRows, int pages)
+    : form(ChooseForm()), start(Clock::now()), lastTime(start - pause)
+{
+    state.label = std::move(label);
+    state.allRows = allRows;
+    state.pages = pages;
+}
 
 Progress::~Progress()
 {
-    if (shown)
+    if (shownColumns != 0)
         WipeLine();
 }
 
-void Progress::Advance(std::uint64_t amount)
+void Progress::Advance(std::uint64_t rows)
 {
-    done += amount;
-    if (!terminal)
+    state.rows += rows;
+    if (form == Form::None)
         return;
-    const auto now = std::chrono::steady_clock::now();
-    if (now - lastTime < pause)
+    const auto now = Clock::now();
+    // Programs are told of the end too.
+    const bool lastLine = form == Form::Objects && state.rows == state.allRows;
+    if (now - lastTime < pause && !lastLine)
         return;
     lastTime = now;
-    shown = true;
-    const double share = total == 0 ? 1 : static_cast<double>(done) / static_cast<double>(total);
-    std::fprintf(stderr, "\rpelkraft: %s %3.0f %%", label.c_str(), 100 * share);
+    state.page = std::max(startedPages, 1);
+    state.seconds = std::chrono::duration<double>(now - start).count();
+    if (form == Form::Line) {
+        ShowLine();
+        return;
+    }
+    const std::string line = ProgressJson(state);
+    [[maybe_unused]] const int ignored = WriteAll(standardError, line.data(), line.size());
+}
+
+void Progress::ShowLine()
+{
+    // A letter in the last column would move some terminals to the next line.
+    const std::size_t room = std::max<std::size_t>(ErrorColumns(), 1) - 1;
+    std::string line = ProgressLine(state, room);
+    const std::size_t columns = ShownColumns(line);
+    // What a longer line before it left, as far as it is still on the same line.
+    if (const std::size_t before = std::min(shownColumns, room); columns < before)
+        line.append(before - columns, ' ');
+    shownColumns = std::max<std::size_t>(columns, 1);
+    std::fprintf(stderr, "\r%s", line.c_str());
     std::fflush(stderr);
 }
 

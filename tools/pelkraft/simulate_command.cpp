@@ -224,7 +224,7 @@ private:
     {
         bool sawHighStep = false;
         bool first = true;
-        Progress progress("simulate " + options.output.path, total.rows);
+        Progress progress("simulate " + options.output.path, total.rows, total.pages);
         VisitPages(file, options.input.pages, [&](int) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern);
             std::string shown;

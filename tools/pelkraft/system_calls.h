@@ -71,9 +71,4 @@ int PlaceNew(const std::string& path, const std::string& targetPath);
 // Needs no memory.
 void Remove(const std::string& path) noexcept;
 
-// True if somebody sees the standard error stream on a terminal.
-bool ErrorsAreSeen();
-// Empties the line of that terminal in which the cursor stands.
-void WipeLine();
-
 } // namespace zvk::Pelkraft::Client

@@ -202,14 +202,4 @@ void Remove(const std::string& path) noexcept
     unlink(path.c_str());
 }
 
-bool ErrorsAreSeen()
-{
-    return isatty(STDERR_FILENO) != 0;
-}
-
-void WipeLine()
-{
-    std::fputs("\r\033[K", stderr);
-}
-
 } // namespace zvk::Pelkraft::Client

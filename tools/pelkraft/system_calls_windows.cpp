@@ -326,24 +326,4 @@ void Remove(const std::string& path) noexcept
         DeleteFileW(wide);
 }
 
-bool ErrorsAreSeen()
-{
-    DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
-}
-
-// Not every console that takes the mode for escape sequences obeys them.
-void WipeLine()
-{
-    const HANDLE console = GetStdHandle(STD_ERROR_HANDLE);
-    CONSOLE_SCREEN_BUFFER_INFO information = {};
-    if (GetConsoleScreenBufferInfo(console, &information) == 0)
-        return;
-    const COORD start = {0, information.dwCursorPosition.Y};
-    DWORD count = 0;
-    FillConsoleOutputCharacterW(console, L' ', static_cast<DWORD>(information.dwSize.X), start,
-                                &count);
-    SetConsoleCursorPosition(console, start);
-}
-
 } // namespace zvk::Pelkraft::Client
