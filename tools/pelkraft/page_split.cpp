@@ -5,6 +5,7 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/ink_names.h"
 #include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/page_inks.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/row_pipeline.h"
 #include "tools/pelkraft/strip_writer.h"
@@ -20,19 +21,9 @@ namespace {
 // Strips of all plates together stay within this.
 constexpr std::int64_t mostStripBytes = std::int64_t{16} << 20;
 
-void RefuseOtherThanInks(const TiffFile& file, const TiffPicture& picture)
-{
-    const bool known = picture.photometric == PHOTOMETRIC_SEPARATED ||
-                       picture.photometric == PHOTOMETRIC_MINISBLACK ||
-                       picture.photometric == PHOTOMETRIC_MINISWHITE;
-    if (!known)
-        throw Failure(ExitCode::Unsupported, file.Path(),
-                      "is " + PhotometricName(picture.photometric) +
-                          "; supported are separated inks, MinIsBlack and MinIsWhite");
-}
-
 std::vector<int> ChooseChannels(const TiffFile& file, const std::vector<Channel>& channels,
-                                const std::string& list, PageTags& tags)
+                                const std::vector<PageInk>& inks, const std::string& list,
+                                PageTags& tags)
 {
     if (!list.empty()) {
         std::vector<int> chosen = ParseChannelList(list, channels, file.Path(), "--inks");
@@ -41,21 +32,24 @@ std::vector<int> ChooseChannels(const TiffFile& file, const std::vector<Channel>
                           "an empty channel makes no plate; --inks takes numbers and names");
         return chosen;
     }
-    std::vector<int> inks;
-    for (int channel = 0; channel < static_cast<int>(channels.size()); ++channel) {
-        if (!channels[static_cast<std::size_t>(channel)].extra)
-            inks.push_back(channel);
-    }
-    if (inks.size() < channels.size())
-        tags.warnings.push_back("channels from " + std::to_string(inks.size()) +
-                                " on are no inks and get no plate; --inks names them");
-    return inks;
+    std::vector<int> chosen;
+    for (const PageInk& ink : inks)
+        chosen.push_back(static_cast<int>(ink.sample));
+    if (chosen.size() < channels.size())
+        tags.warnings.push_back("alpha channels are no inks and get no plate; --inks names them");
+    return chosen;
 }
 
-std::string NameOf(const std::vector<Channel>& channels, int channel)
+std::string NameOf(const std::vector<Channel>& channels, const std::vector<PageInk>& inks,
+                   int channel)
 {
-    const std::string& name = channels[static_cast<std::size_t>(channel)].name;
-    return name.empty() ? "Channel " + std::to_string(channel) : name;
+    const auto index = static_cast<std::size_t>(channel);
+    const auto ink = std::find_if(inks.begin(), inks.end(),
+                                  [&](const PageInk& known) { return known.sample == index; });
+    if (ink != inks.end())
+        return ink->name;
+    return channels[index].name.empty() ? "Channel " + std::to_string(channel)
+                                        : channels[index].name;
 }
 
 void PlanTagsOfPlates(const TiffFile& file, SplitPlan& plan)
@@ -155,16 +149,16 @@ SplitPlan PlanSplit(const TiffFile& file, const InputOptions& input, const std::
                     const OutputOptions& output)
 {
     const TiffPicture from = ReadPicture(file);
-    RefuseOtherThanInks(file, from);
+    const std::vector<PageInk> inks = ReadPageInks(file, from);
     const std::vector<Channel> channels = ReadChannels(file, from);
     PageTags tags;
-    const std::vector<int> chosen = ChooseChannels(file, channels, list, tags);
+    const std::vector<int> chosen = ChooseChannels(file, channels, inks, list, tags);
     const TiffPicture to = PlanPlate(from, chosen.size(), output);
     SplitPlan plan = {from, ReadInkCodes(file, from, input),   false, chosen, {}, to,
                       tags, PlanRowsOf(file, from, to, chosen)};
     plan.turned = plan.codes.InkIsHigh();
     for (const int channel : chosen)
-        plan.inks.push_back(NameOf(channels, channel));
+        plan.inks.push_back(NameOf(channels, inks, channel));
     PlanTagsOfPlates(file, plan);
     return plan;
 }

@@ -24,8 +24,8 @@ constexpr const char* splitHelp =
     "BASE is the path and the first part of the plates' names: out/page makes out/page(Cyan).tif,\n"
     "and with --naming dot out/page.Cyan.tif. In an ink's name, bytes that no file name takes are\n"
     "written as %XX. A plate has one channel, is MinIsBlack, and 0 is full ink, so that it looks\n"
-    "like a print of that ink; pelkraft join makes the page again. A page's other channels than\n"
-    "inks are left out, unless --inks names them.\n\n";
+    "like a print of that ink; pelkraft join makes the page again. Alpha channels are left\n"
+    "out, unless --inks names them.\n\n";
 
 // The sum of all pages, and what all of them share.
 struct Total

@@ -142,9 +142,9 @@ def test_low_ink_is_kept_as_it_is(tmp_path, succeed):
     samples = random_samples(1, (9, 13), 8)
     write_plate(tmp_path / "in.tif", samples)
     succeed("split", "in.tif", "page")
-    assert numpy.array_equal(tifffile.imread(tmp_path / "page(Gray).tif"), samples)
+    assert numpy.array_equal(tifffile.imread(tmp_path / "page(Black).tif"), samples)
     succeed("split", "in.tif", "page", "--polarity", "ink-high")
-    assert numpy.array_equal(tifffile.imread(tmp_path / "page(Gray).tif"), 255 - samples)
+    assert numpy.array_equal(tifffile.imread(tmp_path / "page(Black).tif"), 255 - samples)
 
 
 def test_a_dot_range_survives_both_ways(tmp_path, succeed):
@@ -177,16 +177,25 @@ def test_channels_that_are_no_inks_get_no_plate(tmp_path, run, succeed):
     tifffile.imwrite(tmp_path / "in.tif", random_samples(1, (5, 6, 5), 8), metadata=None,
                      photometric="separated", extrasamples=["unassalpha"])
     outcome = run("split", "in.tif", "page")
-    assert outcome.code == 0 and "from 4 on are no inks" in outcome.errors
+    assert outcome.code == 0 and "alpha channels are no inks" in outcome.errors
     assert len(os.listdir(tmp_path)) == 5
     succeed("split", "in.tif", "page", "--inks", "4")
     assert (tmp_path / "page(Channel 4).tif").exists()
 
 
+def test_extra_samples_that_are_no_alpha_are_inks(tmp_path, succeed):
+    samples = random_samples(1, (5, 6, 5), 8)
+    tifffile.imwrite(tmp_path / "in.tif", samples, metadata=None, photometric="separated",
+                     extrasamples=["unspecified"])
+    succeed("split", "in.tif", "page")
+    assert numpy.array_equal(tifffile.imread(tmp_path / "page(Channel 4).tif"),
+                             255 - samples[..., 4])
+
+
 def test_pages_of_other_colours_are_refused(tmp_path, refuse):
     tifffile.imwrite(tmp_path / "in.tif", random_samples(1, (5, 6, 3), 8), metadata=None,
                      photometric="rgb")
-    refuse(5, ["RGB", "separated inks"], "split", "in.tif", "page")
+    refuse(5, ["RGB", "separated"], "split", "in.tif", "page")
 
 
 def test_a_profile_is_left_out_with_a_warning(tmp_path, run):
