@@ -28,22 +28,24 @@ _pelkraft_offers() {
     mask) echo "--verify --export --no-clobber $common" ;;
     pattern) echo "--plot --no-clobber $common" ;;
     preview) echo "--inks --print-order --gain --crop --no-clobber $input $common" ;;
-    simulate) echo "--engine --levels --preview --ink $input $output $common" ;;
+    simulate)
+        echo "--engine --levels --tone --bits --origin --pages --preview --ink $input $output $common"
+        ;;
     split) echo "--inks --naming $input $output $common" ;;
     esac
 }
 
-# Prints the values of an option; fails on one that takes others than a few.
+# Prints the values of an option of a verb; fails on one that takes others than a few.
 _pelkraft_values() {
     case $1 in
     --layout) echo 'interleaved planar' ;;
-    --bits) echo '1 2 8 16' ;;
+    --bits) if [ "$2" = simulate ]; then echo '2 8'; else echo '1 2 8 16'; fi ;;
     --repeat) echo '1 2 4' ;;
     --tones) echo 'scale raw' ;;
     --polarity) echo 'auto ink-high ink-low' ;;
     --compress) echo 'none lzw zip' ;;
     --engine) echo 'auto reference x86 sse' ;;
-    --levels) echo 'quantize raw' ;;
+    --levels) echo 'raw quantize dither' ;;
     --export) echo 'raw16' ;;
     --naming) echo 'gs dot' ;;
     --progress) echo 'auto never json' ;;
@@ -66,11 +68,11 @@ _pelkraft() {
     # Between an option and its value bash may find a word of its own.
     [[ $previous == = ]] && previous=${COMP_WORDS[COMP_CWORD - 2]}
     [[ $current == = ]] && previous=${COMP_WORDS[COMP_CWORD - 1]} current=
-    if values=$(_pelkraft_values "$previous"); then
+    if values=$(_pelkraft_values "$previous" "$verb"); then
         offered=$values
     else
         case $previous in
-        --channels | --page | --dot-range | --spool-limit | --threads | --ink | --plot | --preview)
+        --channels | --origin | --page | --dot-range | --spool-limit | --threads | --ink | --plot | --preview)
             return
             ;;
         --inks | --map | --window | --limit | --order | --print-order | --gain | --crop) return ;;

@@ -99,7 +99,11 @@ complete -c pelkraft -n $preview -l spool-limit -x -d 'Bytes of a pipe kept in a
 complete -c pelkraft -n $preview -l no-clobber -d 'Refuse to overwrite a file'
 
 complete -c pelkraft -n $simulate -l engine -x -a 'auto reference x86 sse' -d 'Engine of the library'
-complete -c pelkraft -n $simulate -l levels -x -a 'quantize raw' -d 'What a sample means'
+complete -c pelkraft -n $simulate -l levels -x -a 'raw quantize dither' -d 'What a sample means'
+complete -c pelkraft -n $simulate -l tone -r -F -a 'coverage equal' -d 'Ink of each step'
+complete -c pelkraft -n $simulate -l bits -x -a '2 8' -d 'Bits per sample of the new file'
+complete -c pelkraft -n $simulate -l origin -x -d 'Place of the first pixel, X,Y'
+complete -c pelkraft -n $simulate -l pages -d 'Let rows run on from page to page'
 complete -c pelkraft -n $simulate -l preview -r -F -d 'Also write a PNG of the first page'
 complete -c pelkraft -n $simulate -l ink -x -d 'Colour of an out-ink, NAME=#RRGGBB'
 complete -c pelkraft -n $simulate -l dot-range -x -a keep -d 'Samples of no and full ink'

@@ -10,10 +10,12 @@ protected:
     CommonOptions()
     {
         WriteTiff(Path("in.tif"), RandomImage(40, 30, 3, 8, 8), {});
-        WriteBytes(Path("pattern.txt"), smallPattern);
+        // The ink of Cyan's steps does not rise.
+        std::string text = smallPattern;
+        WriteBytes(Path("pattern.txt"), text.replace(text.find("3 1 0-255"), 9, "3 1 0-1"));
     }
 
-    // A call of each verb that prints a warning about its picture, without its options.
+    // A call of each verb that prints a warning, without its options.
     [[nodiscard]] std::vector<std::vector<std::string>> WarningCalls() const
     {
         return {

@@ -35,7 +35,7 @@ TEST_F(SimulateFailures, NamePatternsThatTheEngineRefuses)
     EXPECT_TRUE(StoppedAtFindings(Simulate({"--engine", "x86"}), 4, {"pattern.txt:17:5: error: "},
                                   {"\"unsupported pattern version\""}));
     EXPECT_TRUE(LeftNothing());
-    EXPECT_TRUE(EndedSilently(Simulate({"--engine", "reference"})));
+    EXPECT_TRUE(EndedSilently(Simulate({"--engine", "reference", "--levels", "quantize"})));
 }
 
 // An engine loads the text, but not as it was meant.
@@ -57,7 +57,7 @@ TEST_F(SimulateFailures, WarnOfPatternsOncePerKindAndGoOn)
     text.replace(text.find("LightCyan\nEND_INKS"), 9, "LihgtCyan");
     text.replace(text.find("1 1 1-64"), 8, "1 1 1-640");
     WritePattern(text.replace(text.find("1-128"), 5, "1-300"));
-    const Outcome outcome = Simulate();
+    const Outcome outcome = Simulate({"--levels", "quantize"});
     EXPECT_EQ(1, outcome.exitCode);
     const std::string head = "pelkraft: " + Path("pattern.txt") + ": warning: line ";
     EXPECT_EQ(0U, outcome.errors.find(head + "14, column 6: \"LihgtCyan\" is not listed in "))

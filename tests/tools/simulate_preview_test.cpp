@@ -98,7 +98,7 @@ TEST_F(SimulatePreview, TakesTheHighestInkValueForFullInk)
     TiffImage image = BlankImage(2, 1, 1, 8);
     image.samples = {255, 128};
     WriteInput(image);
-    const PngImage seen = Show({"--ink", "Ink=#000000"});
+    const PngImage seen = Show({"--ink", "Ink=#000000", "--levels", "quantize"});
     EXPECT_EQ((std::array<int, 3>{0, 0, 0}), seen.At(0, 0));
     // Two thirds of the light.
     EXPECT_EQ((std::array<int, 3>{213, 213, 213}), seen.At(1, 0));

@@ -41,7 +41,7 @@ TEST_F(Simulation, DividesTonesEvenlyOverTheSteps)
     WritePattern(fixedPattern);
     WriteInput(Ramps(), "Cyan Black");
     for (const char* engine : {"auto", "reference", "x86"}) {
-        ASSERT_TRUE(EndedSilently(Simulate({"--engine", engine})));
+        ASSERT_TRUE(EndedSilently(Simulate({"--levels", "quantize", "--engine", engine})));
         const TiffImage out = Output();
         ASSERT_EQ(3, out.channels);
         for (int x = 0; x < 256; ++x) {
@@ -109,7 +109,8 @@ TEST_F(Simulation, CallsThePatternOnceForEachRow)
         DotWeavePattern::Engine engine;
     } engines[] = {{"x86", DotWeavePattern::X86}, {"reference", DotWeavePattern::Reference}};
     for (const auto& [name, engine] : engines) {
-        ASSERT_TRUE(EndedSilently(Simulate({"--engine", name, "--threads", "3"})));
+        ASSERT_TRUE(
+            EndedSilently(Simulate({"--levels", "quantize", "--engine", name, "--threads", "3"})));
         const TiffImage out = Output();
         std::string text = smallPattern;
         DotWeavePattern pattern(text.data(), engine);
@@ -181,7 +182,7 @@ TEST_F(Simulation, ReadsEveryFormOfAPicture)
 {
     const TiffImage image = RandomImage(150, 70, 2, 8, 6);
     WriteInput(image, "Cyan Black");
-    ASSERT_TRUE(EndedSilently(Simulate()));
+    ASSERT_TRUE(EndedSilently(Simulate({"--levels", "quantize"})));
     const auto samples = Output().samples;
     for (const bool separate : {false, true}) {
         for (const int tile : {0, 32}) {
@@ -191,7 +192,7 @@ TEST_F(Simulation, ReadsEveryFormOfAPicture)
                 form.tile = tile;
                 form.compression = compression;
                 WriteTiff(Path("in.tif"), image, form);
-                ASSERT_TRUE(EndedSilently(Simulate({"--threads", "2"})));
+                ASSERT_TRUE(EndedSilently(Simulate({"--levels", "quantize", "--threads", "2"})));
                 EXPECT_EQ(samples, Output().samples);
             }
         }
@@ -202,7 +203,7 @@ TEST_F(Simulation, ReadsEveryFormOfAPicture)
     for (std::uint16_t& sample : wide.samples)
         sample = static_cast<std::uint16_t>(sample * 257);
     WriteInput(wide, "Cyan Black");
-    ASSERT_TRUE(EndedSilently(Simulate()));
+    ASSERT_TRUE(EndedSilently(Simulate({"--levels", "quantize"})));
     EXPECT_EQ(samples, Output().samples);
     EXPECT_TRUE(Refused(Simulate({"--levels", "raw"}), 5, {"16 bits", "1, 2 and 8"}));
 }
@@ -242,7 +243,7 @@ TEST_F(Simulation, FindsChannelsByNameAndElseByOrder)
                  {"Blue Green", false}, {"Black Green", true}, {"Green Cyan", true}};
     for (const auto& [names, swapped] : cases) {
         WriteInput(image, names);
-        ASSERT_TRUE(EndedSilently(Simulate())) << names;
+        ASSERT_TRUE(EndedSilently(Simulate({"--levels", "quantize"}))) << names;
         const TiffImage out = Output();
         for (const int x : {0, 100, 200}) {
             const int cyan = image.At(x, 0, swapped ? 1 : 0);
@@ -261,7 +262,7 @@ TEST_F(Simulation, TakesExtraSamplesLast)
     FileForm form;
     form.photometric = PHOTOMETRIC_MINISWHITE;
     WriteTiff(Path("in.tif"), image, form);
-    ASSERT_TRUE(EndedSilently(Simulate()));
+    ASSERT_TRUE(EndedSilently(Simulate({"--levels", "quantize"})));
     const TiffImage out = Output();
     for (int x = 0; x < 20; ++x) {
         const auto inks = FixedInks(image.At(x, 2, 0) / 64, image.At(x, 2, 1) / 128);

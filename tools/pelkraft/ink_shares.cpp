@@ -111,6 +111,22 @@ private:
 
 } // namespace
 
+std::vector<InkShares> ExpectedInks(const PatternOutline& outline, int inColour, int step)
+{
+    std::vector<InkShares> inks;
+    for (const auto& [outInk, feeder] : outline.feeders) {
+        if (feeder != inColour)
+            continue;
+        InkShares& shares = inks.emplace_back();
+        shares.outInk = outInk;
+        const Shares expected = ExpectedShares(FindSource(outline, outInk), step);
+        for (std::size_t value = 0; value < valueCount; ++value)
+            if (expected[value] != 0)
+                shares.values.push_back({static_cast<int>(value), expected[value], 0});
+    }
+    return inks;
+}
+
 std::vector<StepShares> MeasureShares(const PatternOutline& outline, const CombinationModel& model,
                                       DotWeavePattern& pattern)
 {

@@ -31,6 +31,10 @@ struct StepShares
     std::vector<InkShares> inks;
 };
 
+// The shares that the text asks for, by ink that follows the in-colour and by value, in doubles
+// that are the same on every machine. None is measured.
+std::vector<InkShares> ExpectedInks(const PatternOutline& outline, int inColour, int step);
+
 // Sets the shares that the text asks for beside those of one row that walks the whole field of the
 // pattern, or only its first part where the field is very large.
 std::vector<StepShares> MeasureShares(const PatternOutline& outline, const CombinationModel& model,

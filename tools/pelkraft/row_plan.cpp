@@ -69,13 +69,18 @@ ConversionPlan PlanConversion(const RowRequest& request)
     try {
         return ConversionPlan(spec);
     } catch (const PelkraftError& refusal) {
-        if (refusal.GetStatus() == PLK_NO_MEMORY)
-            throw std::bad_alloc();
-        throw Failure(ExitCode::Unsupported, {}, refusal.what());
+        ThrowRefusal(refusal);
     }
 }
 
 } // namespace
+
+void ThrowRefusal(const PelkraftError& refusal)
+{
+    if (refusal.GetStatus() == PLK_NO_MEMORY)
+        throw std::bad_alloc();
+    throw Failure(ExitCode::Unsupported, {}, refusal.what());
+}
 
 std::int64_t RowShape::Bytes() const
 {

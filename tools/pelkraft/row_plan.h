@@ -53,6 +53,9 @@ struct RowRequest
     bool portableRoad = false;
 };
 
+// Throws what the library refuses as a failure without a file, and its lack of memory as one.
+[[noreturn]] void ThrowRefusal(const PelkraftError& refusal);
+
 // The work on every row of a page. The library does it all but for woven rows, which the client
 // takes apart into planes before and puts together after, and for samples that follow lines.
 class RowPlan

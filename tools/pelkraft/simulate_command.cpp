@@ -11,10 +11,12 @@
 #include "tools/pelkraft/system_calls.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/tiff_output.h"
+#include "tools/pelkraft/tone_option.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <filesystem>
 #include <new>
@@ -30,8 +32,37 @@ constexpr const char* simulateHelp =
     "one take the channels that are left, in their order. Samples are amounts of ink:\n"
     "the page's photometric kind, its dot range and the options say which one is none and which\n"
     "one is all. Each picture row is one row of the pattern, and each page starts at its first.\n"
-    "The new file has 8 bits and one channel for each out-ink. The reference engine goes on from\n"
-    "row to row and always runs on one thread.\n\n";
+    "The new file has one channel for each out-ink. The reference engine goes on from row to row\n"
+    "and always runs on one thread.\n\n";
+
+Levels LevelsOf(const std::string& name)
+{
+    return name == "raw"        ? Levels::Raw
+           : name == "quantize" ? Levels::Quantize
+           : name == "dither"   ? Levels::Dither
+                                : Levels::Automatic;
+}
+
+const char* WayWords(StepWay way)
+{
+    return way == StepWay::Raw ? "raw" : way == StepWay::Quantize ? "quantized" : "dithered";
+}
+
+// Reads "X,Y".
+PageOrigin ReadOrigin(const std::string& words)
+{
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    const char* const end = words.data() + words.size();
+    const auto [comma, error] = std::from_chars(words.data(), end, x);
+    if (error == std::errc() && comma != end && *comma == ',') {
+        const auto [last, secondError] = std::from_chars(comma + 1, end, y);
+        if (secondError == std::errc() && last == end)
+            return {x, y};
+    }
+    throw Failure(ExitCode::Usage, {},
+                  "--origin " + words + " is no place; supported are two whole numbers: 120,-7");
+}
 
 // The sum of all pages.
 struct Total
@@ -55,10 +86,11 @@ public:
             ->check(CLI::IsMember({"auto", "reference", "x86", "sse"}))
             ->capture_default_str();
         verb->add_option("--levels", levels,
-                         "quantize divides samples evenly over the steps of each in-colour; raw "
-                         "takes samples as steps")
-            ->check(CLI::IsMember({"quantize", "raw"}))
-            ->capture_default_str();
+                         "dither mixes the two steps about a tone, by a mask; quantize divides "
+                         "tones evenly over the steps; raw takes samples as steps. Without it, "
+                         "dither where there are more tones than steps, else quantize")
+            ->check(CLI::IsMember({"raw", "quantize", "dither"}));
+        AddToneOptions();
         verb->add_option("--preview", options.preview,
                          "Also write a PNG that shows the first page as a person sees it");
         verb->add_option("--ink", inks,
@@ -82,8 +114,9 @@ public:
         const LoadedPattern pattern(text, options.engine);
         findings.StopAtErrors();
         RefuseUnknownInks(pattern);
+        const StepChoice steps = ChooseSteps(pattern, options.levels, options.tone);
         TiffFile file = OpenInput(options.input, options.output.path);
-        Total total = PlanAll(file, pattern);
+        Total total = PlanAll(file, pattern, steps);
         total.warned = total.warned || findings.HasWarnings();
         if (options.common.dryRun)
             return CheckOutputs(total);
@@ -92,8 +125,8 @@ public:
         std::optional<AtomicOutput> previewOutput;
         if (!options.preview.empty())
             previewOutput.emplace(options.preview, PreviewRules());
-        const bool sawHighStep =
-            SimulateAll(file, pattern, total, output, previewOutput ? &*previewOutput : nullptr);
+        const bool sawHighStep = SimulateAll(file, pattern, steps, total, output,
+                                             previewOutput ? &*previewOutput : nullptr);
         if (options.common.explain)
             PrintSpeed(options.output.path, total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output.path);
@@ -110,6 +143,45 @@ public:
     }
 
 private:
+    void AddToneOptions()
+    {
+        verb->add_option("--tone", options.tone,
+                         "Ink of each step for the dither: coverage, by the shares and values of "
+                         "the pattern; equal, in equal distances; or a CSV file with lines of an "
+                         "in-colour, a step and its ink")
+            ->capture_default_str();
+        verb->add_option("--bits", options.bits,
+                         "Bits per sample of the new file; 2 takes inks of values up to 3")
+            ->check(CLI::IsMember({2, 8}))
+            ->capture_default_str();
+        verb->add_option("--origin", origin,
+                         "X,Y: the place of a page's first pixel, for the dither and, with Y, for "
+                         "the pattern's rows")
+            ->default_str("0,0");
+        verb->add_flag("--pages", options.runsOn,
+                       "Let the rows of the pattern and of the dither run on from page to page, "
+                       "instead of beginning anew on each");
+    }
+
+    void RefuseUselessTone() const
+    {
+        if (verb->count("--tone") != 0 &&
+            (options.levels == Levels::Quantize || options.levels == Levels::Raw))
+            throw Failure(ExitCode::Usage, {},
+                          "--tone is about the dither, which --levels " + levels +
+                              " does without; leave one of them out");
+    }
+
+    // Its rows can't begin elsewhere than where the last one ended.
+    void RefuseRunningOn() const
+    {
+        if (options.engine == DotWeavePattern::Reference &&
+            (options.runsOn || options.origin.y != 0))
+            throw Failure(ExitCode::Usage, {},
+                          "the reference engine begins each page at its first row; supported with "
+                          "--pages, and an --origin below the first row, are auto, x86 and sse");
+    }
+
     OutputRules PreviewRules() const { return {FileKind::Png, options.output.noClobber}; }
 
     void TakeOptions()
@@ -117,7 +189,11 @@ private:
         RefuseOtherEnding(options.output.path, FileKind::Tiff);
         RefuseOtherEnding(options.preview, FileKind::Png);
         options.engine = EngineOf(engine);
-        options.levels = levels == "raw" ? Levels::Raw : Levels::Quantize;
+        options.levels = LevelsOf(levels);
+        if (!origin.empty())
+            options.origin = ReadOrigin(origin);
+        RefuseUselessTone();
+        RefuseRunningOn();
         for (const std::string& ink : inks)
             AddInkColour(ink);
         if (!options.preview.empty() &&
@@ -179,11 +255,12 @@ private:
     }
 
     // Refuses before the first row of the first page what is wrong with the last.
-    Total PlanAll(const TiffFile& file, const LoadedPattern& pattern) const
+    Total PlanAll(const TiffFile& file, const LoadedPattern& pattern, const StepChoice& steps) const
     {
         Total total;
+        std::set<std::size_t> flat;
         VisitPages(file, options.input.pages, [&](int page) {
-            const SimulationPlan plan = PlanSimulation(file, options, pattern);
+            const SimulationPlan plan = PlanSimulation(file, options, pattern, steps);
             ++total.pages;
             total.rows += plan.to.height;
             total.bytes += static_cast<std::uint64_t>(plan.to.width) * plan.to.height *
@@ -191,7 +268,13 @@ private:
             if (options.common.explain)
                 Explain(plan, pattern, page);
             total.warned = WarnOfUnused(plan) || total.warned;
+            for (std::size_t i = 0; i < steps.topSteps.size(); ++i)
+                if (plan.steps.IsFlat(i))
+                    flat.insert(i);
         });
+        for (const std::size_t inColour : flat)
+            WarnOfFlatInks(pattern, steps, inColour);
+        total.warned = total.warned || !flat.empty();
         return total;
     }
 
@@ -204,7 +287,8 @@ private:
             text += "  in-colour " + Shown(pattern.inColours[i]) + ": channel " +
                     Shown(ChannelWords(plan.channels, plan.choice.map[i])) + " by " +
                     (plan.choice.byName[i] ? "name" : "order") + ", steps 0 to " +
-                    std::to_string(pattern.topSteps[i]) + '\n';
+                    std::to_string(pattern.topSteps[i]) + ", " + WayWords(plan.steps.ways[i]) +
+                    '\n';
         PrintBeside(options.output.path,
                     text + "  out-inks " + Shown(Names(pattern.outInks)) + '\n');
     }
@@ -219,20 +303,21 @@ private:
     }
 
     // Answers whether raw samples were above the top steps. previewOutput may be null.
-    bool SimulateAll(const TiffFile& file, const LoadedPattern& pattern, const Total& total,
-                     TiffOutput& output, AtomicOutput* previewOutput) const
+    bool SimulateAll(const TiffFile& file, const LoadedPattern& pattern, const StepChoice& steps,
+                     const Total& total, TiffOutput& output, AtomicOutput* previewOutput) const
     {
         bool sawHighStep = false;
         bool first = true;
+        SimulationRun run = {options, pattern};
         Progress progress("simulate " + options.output.path, total.rows, total.pages);
         VisitPages(file, options.input.pages, [&](int) {
-            const SimulationPlan plan = PlanSimulation(file, options, pattern);
+            const SimulationPlan plan = PlanSimulation(file, options, pattern, steps);
             std::string shown;
             std::optional<PreviewPng> preview;
             if (first && previewOutput != nullptr)
                 OpenPreview(file, plan, pattern, shown, preview);
             first = false;
-            sawHighStep = SimulatePage(file, output.File(), plan, options, pattern,
+            sawHighStep = SimulatePage(file, output.File(), plan, run,
                                        preview ? &*preview : nullptr, progress) ||
                           sawHighStep;
             if (preview) {
@@ -267,7 +352,8 @@ private:
     OutputRules rules = {FileKind::Tiff};
     CLI::App* verb = nullptr;
     std::string engine = "auto";
-    std::string levels = "quantize";
+    std::string levels;
+    std::string origin;
     std::vector<std::string> inks;
 };
 

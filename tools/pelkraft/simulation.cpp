@@ -1,6 +1,7 @@
 #include "tools/pelkraft/simulation.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/ink_codes.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/pattern_engines.h"
@@ -19,51 +20,74 @@ constexpr std::int64_t largestRow = std::numeric_limits<std::int32_t>::max();
 // Each thread has one of its own.
 struct Worker
 {
-    Worker(const SimulationPlan& plan, const LoadedPattern& loaded)
-        : pipeline(plan.rows), steps(static_cast<std::size_t>(plan.rows.Request().to.Bytes())),
-          pattern(loaded.Make())
-    {}
+    Worker(const SimulationPlan& plan, const LoadedPattern& loaded, const StepLevels& levels,
+           const DitherPlan* dither)
+        : steps(plan.steps, levels, dither), pattern(loaded.Make()),
+          inks(plan.packing ? static_cast<std::size_t>(plan.packing->Request().from.Bytes()) : 0)
+    {
+        if (plan.packing)
+            packer.emplace(*plan.packing);
+    }
 
-    RowPipeline pipeline;
-    RowBuffer steps;
+    // Passes by the rows of other threads without a pixel. The pattern's rows are the same again
+    // after as many as its jump table has entries.
+    void GoTo(std::int64_t row, unsigned char* anyByte)
+    {
+        constexpr std::int64_t entries = 65536;
+        for (; (row - nextRow) % entries != 0; ++nextRow)
+            pattern->ApplyPattern(anyByte, anyByte, 0);
+        nextRow = row + 1;
+    }
+
+    StepMaker steps;
     std::unique_ptr<DotWeavePattern> pattern;
+    // Bytes of the new row before they are packed.
+    RowBuffer inks;
+    std::optional<RowPipeline> packer;
     std::int64_t nextRow = 0;
-    bool sawHighStep = false;
 };
 
 // Takes rows of the file to steps, and these to rows of the new page.
 class RowSimulation
 {
 public:
-    RowSimulation(const SimulationPlan& newPlan, const SimulateOptions& options,
-                  const LoadedPattern& pattern, int threads)
-        : plan(newPlan), levels(options.levels, pattern.topSteps)
+    RowSimulation(const SimulationPlan& newPlan, SimulationRun& run, int threads)
+        : plan(newPlan), origin(run.options.origin),
+          levels(plan.steps.ways, plan.steps.steps.topSteps)
     {
+        origin.y += run.rowsBefore;
+        const DitherPlan* const dither = run.dithers.For(plan.steps);
         for (int worker = 0; worker < threads; ++worker)
-            workers.emplace_back(plan, pattern);
+            workers.emplace_back(plan, run.pattern, levels, dither);
     }
 
     void Simulate(int index, std::int64_t row, unsigned char* oldRow, unsigned char* newRow)
     {
         Worker& worker = workers[static_cast<std::size_t>(index)];
-        worker.pipeline.Run(oldRow, worker.steps.Data());
-        if (levels.Apply(worker.steps.Data(), plan.from.width))
-            worker.sawHighStep = true;
-        // Rows of other threads are passed by without a pixel.
-        for (; worker.nextRow < row; ++worker.nextRow)
-            worker.pattern->ApplyPattern(worker.steps.Data(), newRow, 0);
-        worker.pattern->ApplyPattern(worker.steps.Data(), newRow, plan.from.width);
-        ++worker.nextRow;
+        unsigned char* const steps = worker.steps.Make(oldRow, origin.x, origin.y + row);
+        worker.GoTo(origin.y + row, newRow);
+        unsigned char* const inks = worker.packer ? worker.inks.Data() : newRow;
+        worker.pattern->ApplyPattern(steps, inks, plan.from.width);
+        if (worker.packer)
+            worker.packer->Run(inks, newRow);
     }
 
     bool SawHighStep() const
     {
         return std::any_of(workers.begin(), workers.end(),
-                           [](const Worker& worker) { return worker.sawHighStep; });
+                           [](const Worker& worker) { return worker.steps.SawHighStep(); });
+    }
+
+    bool CutInks() const
+    {
+        return std::any_of(workers.begin(), workers.end(), [](const Worker& worker) {
+            return worker.packer && worker.packer->CutSamples();
+        });
     }
 
 private:
     const SimulationPlan& plan;
+    PageOrigin origin;
     StepLevels levels;
     std::vector<Worker> workers;
 };
@@ -72,7 +96,7 @@ TiffPicture PlanPicture(const TiffPicture& from, int outInks, const SimulateOpti
 {
     TiffPicture to = from;
     to.separate = false;
-    to.bits = 8;
+    to.bits = options.bits;
     to.channels = outInks;
     to.photometric = PHOTOMETRIC_SEPARATED;
     const std::int64_t bytes = to.RowBytes();
@@ -91,48 +115,84 @@ void RefuseRawWords(const TiffPicture& from, Levels levels, const std::string& p
                       "has samples of 16 bits; --levels raw supports 1, 2 and 8");
 }
 
-int HighestInkValue(const InColorRecord& record)
+// Calls visit(inColour, step, value) for each value that the text gives to an ink.
+template <typename Visit>
+void VisitInkValues(const PatternOutline& outline, const Visit& visit)
 {
-    int highest = 0;
-    for (std::size_t number = 0; number < static_cast<std::size_t>(record.numSteps); ++number) {
-        const StepValues& step = record.steps[number];
-        for (std::size_t i = 0; i < static_cast<std::size_t>(step.numRandoms); ++i) {
-            for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p) {
-                if (step.table[i][p] != unsetValue)
-                    highest = std::max(highest, step.table[i][p] & 0xFF);
-            }
+    for (std::size_t i = 0; i < outline.InColourCount(); ++i) {
+        const InColorRecord& record = outline.Record(i);
+        for (std::size_t number = 0; number < static_cast<std::size_t>(record.numSteps); ++number) {
+            const StepValues& step = record.steps[number];
+            for (std::size_t r = 0; r < static_cast<std::size_t>(step.numRandoms); ++r)
+                for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p)
+                    if (step.table[r][p] != unsetValue)
+                        visit(i, number, step.table[r][p] & 0xFF);
         }
     }
-    return highest;
 }
 
 int HighestInkValue(const PatternOutline& outline)
 {
     int highest = 0;
-    for (std::size_t i = 0; i < outline.InColourCount(); ++i)
-        highest = std::max(highest, HighestInkValue(outline.Record(i)));
+    VisitInkValues(
+        outline, [&](std::size_t, std::size_t, int value) { highest = std::max(highest, value); });
     return highest == 0 ? 255 : highest;
 }
 
-// Brings the range of ink to the whole of a byte. The whole of the samples takes the library's way.
-void RequestRange(const TiffPicture& from, const InkCodes& codes, RowRequest& request)
+void RefuseWideInks(const LoadedPattern& pattern, int bits)
 {
-    if (codes != InkCodes{0, (1 << from.bits) - 1})
-        request.lines = SampleLines{{codes.none, codes.full, 0, 255}, from.channels};
+    const int highest = (1 << bits) - 1;
+    const auto refuse = [&](std::size_t inColour, std::size_t step, int value) {
+        if (value > highest)
+            throw Failure(ExitCode::Unsupported, pattern.text.Path(),
+                          "gives an ink the value " + std::to_string(value) + " at step " +
+                              std::to_string(step) + " of in-colour " +
+                              Shown(pattern.inColours[inColour]) + "; --bits " +
+                              std::to_string(bits) + " holds values up to " +
+                              std::to_string(highest));
+    };
+    if (bits < 8)
+        VisitInkValues(ReadOutline(pattern.text.Bytes()), refuse);
 }
 
-RowRequest RequestFor(const TiffPicture& from, const SimulateOptions& options,
-                      const ChannelChoice& choice)
+// The samples of a row follow each other, as those of one channel do.
+std::optional<RowPlan> PlanPacking(const TiffFile& file, const TiffPicture& to)
 {
+    if (to.bits == 8)
+        return std::nullopt;
     RowRequest request;
-    request.from = ShapeOf(from);
-    request.to.width = from.width;
-    request.to.channels = static_cast<int>(choice.map.size());
-    request.to.bits = 8;
-    request.map = choice.map;
-    request.tones = options.levels == Levels::Raw ? Tones::Raw : Tones::Scale;
-    return request;
+    request.from.width = std::int64_t{to.width} * to.channels;
+    request.from.channels = 1;
+    request.from.bits = 8;
+    request.to = request.from;
+    request.to.bits = to.bits;
+    request.to.planar = true;
+    request.tones = Tones::Raw;
+    return PlanRows(file, request);
 }
+
+// The bytes of a row before it was packed.
+class UnpackedRow
+{
+public:
+    explicit UnpackedRow(const TiffPicture& picture)
+        : bits(picture.bits), samples(static_cast<std::size_t>(picture.width) *
+                                      static_cast<std::size_t>(picture.channels))
+    {}
+
+    const unsigned char* Of(const unsigned char* row)
+    {
+        if (bits == 8)
+            return row;
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = static_cast<unsigned char>(row[i / 4] >> (6 - i % 4 * 2) & 3);
+        return samples.data();
+    }
+
+private:
+    int bits;
+    std::vector<unsigned char> samples;
+};
 
 } // namespace
 
@@ -173,8 +233,9 @@ std::unique_ptr<DotWeavePattern> LoadedPattern::Make() const
 }
 
 SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& options,
-                              const LoadedPattern& pattern)
+                              const LoadedPattern& pattern, const StepChoice& steps)
 {
+    RefuseWideInks(pattern, options.bits);
     const TiffPicture from = ReadPicture(file);
     RefuseRawWords(from, options.levels, file.Path());
     std::vector<Channel> channels = ReadChannels(file, from);
@@ -188,34 +249,43 @@ SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& optio
     tags.inkSet = std::uint16_t{INKSET_MULTIINK};
     tags.numberOfInks = static_cast<std::uint16_t>(pattern.outInks.size());
     tags.inkNames = pattern.outInks;
-    tags.dotRange = {0, pattern.fullInk};
+    tags.dotRange = {0, std::min(pattern.fullInk, (1 << to.bits) - 1)};
 
-    RowRequest request = RequestFor(from, options, choice);
-    if (options.levels == Levels::Quantize)
-        RequestRange(from, ReadInkCodes(file, from, options.input), request);
-    RowPlan rows = PlanRows(file, request);
-    return {from, to, std::move(tags), std::move(channels), std::move(choice), std::move(rows)};
+    const InkCodes codes = ReadInkCodes(file, from, options.input);
+    StepPlan stepPlan(file, from, codes, choice, steps);
+    return {from,
+            to,
+            std::move(tags),
+            std::move(channels),
+            std::move(choice),
+            std::move(stepPlan),
+            PlanPacking(file, to)};
 }
 
 bool SimulatePage(const TiffFile& file, const TiffFile& out, const SimulationPlan& plan,
-                  const SimulateOptions& options, const LoadedPattern& pattern, PreviewPng* preview,
-                  Progress& progress)
+                  SimulationRun& run, PreviewPng* preview, Progress& progress)
 {
     // More threads than rows would have none to start at.
-    const auto mostThreads = std::min<std::int64_t>(options.common.threads, plan.from.height);
-    const int threads = pattern.RunsOnOneThread() ? 1 : static_cast<int>(mostThreads);
-    RowSimulation simulation(plan, options, pattern, threads);
+    const auto mostThreads = std::min<std::int64_t>(run.options.common.threads, plan.from.height);
+    const int threads = run.pattern.RunsOnOneThread() ? 1 : static_cast<int>(mostThreads);
+    RowSimulation simulation(plan, run, threads);
+    UnpackedRow shown(plan.to);
     WriteTags(file, out, plan.to, plan.tags);
     WriteRows(
-        {file, out, plan.from, plan.to, options.output.path, threads},
+        {file, out, plan.from, plan.to, run.options.output.path, threads},
         [&](int worker, std::int64_t row, unsigned char* oldRow, unsigned char* newRow) {
             simulation.Simulate(worker, row, oldRow, newRow);
         },
         [&](const unsigned char* newRow) {
             if (preview != nullptr)
-                preview->AddRow(newRow);
+                preview->AddRow(shown.Of(newRow));
         },
         progress);
+    if (simulation.CutInks())
+        throw Failure(ExitCode::Unsupported, run.pattern.text.Path(),
+                      "gives inks values above 3, which --bits 2 can't hold");
+    if (run.options.runsOn)
+        run.rowsBefore += plan.from.height;
     return simulation.SawHighStep();
 }
 

@@ -9,16 +9,23 @@
 #include "tools/pelkraft/pattern_text.h"
 #include "tools/pelkraft/preview_png.h"
 #include "tools/pelkraft/progress.h"
-#include "tools/pelkraft/row_plan.h"
-#include "tools/pelkraft/step_levels.h"
+#include "tools/pelkraft/step_plan.h"
 #include "tools/pelkraft/tiff_file.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace zvk::Pelkraft::Client {
+
+// The place of each page's first pixel for the dither, and its row for the pattern.
+struct PageOrigin
+{
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+};
 
 // The options of the command line.
 struct SimulateOptions
@@ -27,7 +34,14 @@ struct SimulateOptions
     InputOptions input;
     OutputOptions output;
     DotWeavePattern::Engine engine = DotWeavePattern::Automatic;
-    Levels levels = Levels::Quantize;
+    Levels levels = Levels::Automatic;
+    // The inks of steps: coverage, equal or the path of a CSV file.
+    std::string tone = "coverage";
+    // Of the new samples, 2 or 8.
+    int bits = 8;
+    PageOrigin origin;
+    // The rows of the pattern and of the dither run on from page to page.
+    bool runsOn = false;
     std::string preview;
     InkTable inks;
     CommonOptions common;
@@ -63,18 +77,28 @@ struct SimulationPlan
     PageTags tags;
     std::vector<Channel> channels;
     ChannelChoice choice;
-    // From a row of the file to packed pixels, a byte for each in-colour.
-    RowPlan rows;
+    StepPlan steps;
+    // From a byte for each out-ink to the new samples, where these are narrower.
+    std::optional<RowPlan> packing;
 };
 
 SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& options,
-                              const LoadedPattern& pattern);
+                              const LoadedPattern& pattern, const StepChoice& steps);
 
-// Writes the page, tags and rows, every row one call of the pattern from its first row on. Answers
-// whether raw samples were above the top steps. preview may be null.
+// The pages that are simulated one after the other.
+struct SimulationRun
+{
+    const SimulateOptions& options;
+    const LoadedPattern& pattern;
+    DitherStore dithers = {};
+    // Rows of the pages before, as far as these count.
+    std::int64_t rowsBefore = 0;
+};
+
+// Writes the page, tags and rows, every row one call of the pattern. Answers whether raw samples
+// were above the top steps. preview may be null.
 [[nodiscard]] bool SimulatePage(const TiffFile& file, const TiffFile& out,
-                                const SimulationPlan& plan, const SimulateOptions& options,
-                                const LoadedPattern& pattern, PreviewPng* preview,
+                                const SimulationPlan& plan, SimulationRun& run, PreviewPng* preview,
                                 Progress& progress);
 
 } // namespace zvk::Pelkraft::Client

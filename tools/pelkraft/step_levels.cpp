@@ -2,8 +2,8 @@
 
 namespace zvk::Pelkraft::Client {
 
-StepLevels::StepLevels(Levels newLevels, const std::vector<int>& newTopSteps)
-    : levels(newLevels), topSteps(newTopSteps), tables(newTopSteps.size())
+StepLevels::StepLevels(const std::vector<StepWay>& newWays, const std::vector<int>& newTopSteps)
+    : ways(newWays), topSteps(newTopSteps), tables(newTopSteps.size())
 {
     for (std::size_t i = 0; i < tables.size(); ++i) {
         for (std::size_t sample = 0; sample < tables[i].size(); ++sample)
@@ -18,9 +18,9 @@ bool StepLevels::Apply(unsigned char* pixels, std::size_t count) const
     for (std::size_t pixel = 0; pixel < count; ++pixel) {
         for (std::size_t i = 0; i < tables.size(); ++i) {
             unsigned char& sample = pixels[pixel * tables.size() + i];
-            if (levels == Levels::Quantize)
+            if (ways[i] == StepWay::Quantize)
                 sample = tables[i][sample];
-            else
+            else if (ways[i] == StepWay::Raw)
                 above = above || sample > topSteps[i];
         }
     }

@@ -2,32 +2,44 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <vector>
 
 namespace zvk::Pelkraft::Client {
 
-// Turns samples into the steps of a pattern.
+// The ways from a sample to a step of a pattern, as the command line names them.
 enum class Levels
 {
-    // 0 to 255 is divided evenly over the steps of each in-colour.
+    // By dither where there are more tones than steps, else by quantizing.
+    Automatic,
+    // By dither.
+    Dither,
+    // Tones are divided evenly over the steps of each in-colour.
     Quantize,
     // A sample is a step.
     Raw,
 };
 
+// The way of one in-colour.
+enum class StepWay
+{
+    Dither,
+    Quantize,
+    Raw,
+};
+
+// Turns samples of 8 bits into steps, for in-colours that are not dithered.
 class StepLevels
 {
 public:
-    // The top step of each in-colour.
-    StepLevels(Levels newLevels, const std::vector<int>& newTopSteps);
+    // By in-colour.
+    StepLevels(const std::vector<StepWay>& newWays, const std::vector<int>& newTopSteps);
 
     // Works in place on a row of packed pixels. Answers whether a raw sample was above its top
     // step.
     bool Apply(unsigned char* pixels, std::size_t count) const;
 
 private:
-    Levels levels;
+    std::vector<StepWay> ways;
     std::vector<int> topSteps;
     std::vector<std::array<unsigned char, 256>> tables;
 };
