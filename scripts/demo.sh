@@ -96,8 +96,9 @@ simulate() {
     rates+=("$to: $(tail -n 1 "$out/explain.txt")")
     rm "$out/explain.txt"
 }
-simulate inks.tif --preview "$out/preview.png"
-simulate inks_x86.tif --engine x86 --threads 1
+simulate dithered.tif --preview "$out/preview.png"
+simulate inks.tif --levels quantize
+simulate inks_x86.tif --levels quantize --engine x86 --threads 1
 cmp "$out/inks.tif" "$out/inks_x86.tif"
 rm "$out/inks_x86.tif"
 echo "the portable engine on one thread gives the same file"
