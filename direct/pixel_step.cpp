@@ -25,11 +25,14 @@ template <std::size_t sampleBytes>
 void FillPlaces(DirectPlan& plan, std::uint32_t channels)
 {
     constexpr auto channelsOfWord = static_cast<std::uint32_t>(wordBytes / sampleBytes);
+    const std::int32_t* entries = plan.entries.data();
     for (std::uint32_t first = 0; first < channels; first += channelsOfWord) {
         std::uint64_t word = 0;
-        for (std::uint32_t c = std::min(channels, first + channelsOfWord); c != first; --c)
-            word = word << (8 * sampleBytes) | PlacesOf<sampleBytes>(plan.entries[c - 1]);
+        const std::int32_t* entry = entries + std::min(channels - first, channelsOfWord);
+        while (entry != entries)
+            word = word << (8 * sampleBytes) | PlacesOf<sampleBytes>(*--entry);
         StoreLittle(&plan.step.places[first * sampleBytes], word);
+        entries += channelsOfWord;
     }
 }
 
