@@ -26,7 +26,9 @@ _pelkraft_offers() {
     info) echo "--stats $input $common" ;;
     join) echo "--order $input $output $common" ;;
     mask) echo "--verify --export --no-clobber $common" ;;
-    pattern) echo "--plot --no-clobber $common" ;;
+    pattern) echo "diff explain fix lint plot --plot --no-clobber $common" ;;
+    'pattern diff' | 'pattern explain' | 'pattern lint') echo "--format $common" ;;
+    'pattern fix' | 'pattern plot') echo "--output --no-clobber $common" ;;
     preview) echo "--inks --print-order --gain --crop --no-clobber $input $common" ;;
     simulate)
         echo "--engine --levels --tone --bits --origin --pages --preview --ink $input $output $common"
@@ -48,6 +50,7 @@ _pelkraft_values() {
     --levels) echo 'raw quantize dither' ;;
     --export) echo 'raw16' ;;
     --naming) echo 'gs dot' ;;
+    --format) [[ $2 == 'pattern diff' ]] && echo 'text json' || echo 'text json sarif' ;;
     --progress) echo 'auto never json' ;;
     --color) echo 'auto never' ;;
     *) return 1 ;;
@@ -75,7 +78,8 @@ _pelkraft() {
         --channels | --origin | --page | --dot-range | --spool-limit | --threads | --ink | --plot | --preview)
             return
             ;;
-        --inks | --map | --window | --limit | --order | --print-order | --gain | --crop) return ;;
+        --inks | --map | --window | --limit | --order | --output | --print-order) return ;;
+        --gain | --crop) return ;;
         esac
         # Files follow a verb, and verbs below it, unless an option is begun.
         if [[ -n $verb && $current != -* ]]; then

@@ -188,7 +188,7 @@ run_block() {
 
 run_inline() {
     local line options
-    options=$(for verb in "" convert coverage info join pattern simulate split; do
+    options=$(for verb in "" convert coverage info join pattern "pattern diff" "pattern fix" preview simulate split; do
         bash "$source_dir/tests/tools/options_of.sh" pelkraft $verb
     done
     ! grep -q pelkraft.pages "$source_dir/$page" || python3 -m pelkraft.pages --help
@@ -198,7 +198,8 @@ run_inline() {
         # tests/package installs, which a page says without a folder.
         "cmake --install") ;;
         --*) has_word "${line%% *}" <<<"$options" || fail "no option $line" ;;
-        "pelkraft convert" | "pelkraft pattern" | "pelkraft simulate") run "$line --help" ;;
+        "pelkraft convert" | "pelkraft pattern" | "pelkraft preview" | "pelkraft simulate" | \
+            "pelkraft pattern "[a-z]*) run "$line --help" ;;
         bash\ * | pelkraft\ * | cmake\ * | ctest\ * | gs\ * | g++\ *) run "$line" ;;
         man\ *) [ -f "$source_dir/man/${line##* }.${line:4:1}" ] || fail "no page for $line" ;;
         *\ *) ;;

@@ -132,7 +132,7 @@ TEST(PatternModel, MeasuresTheSharesThatItExpects)
         std::string refusal;
         const auto pattern = TryPattern(text, DotWeavePattern::X86, refusal);
         ASSERT_NE(nullptr, pattern);
-        for (const StepShares& step : MeasureShares(report.outline, report.model, *pattern)) {
+        for (const StepShares& step : MeasureShares(report.outline, report.model, pattern.get())) {
             for (const InkShares& ink : step.inks) {
                 for (const ValueShare& share : ink.values)
                     EXPECT_NEAR(share.expected, share.measured, 1e-9)

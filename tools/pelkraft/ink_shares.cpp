@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <limits>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -52,16 +53,20 @@ Shares ExpectedShares(const Source& source, int step)
     return shares;
 }
 
+// A row of the pattern over its field; without a pattern no pixel is measured.
 class Walk
 {
 public:
     Walk(const PatternOutline& newOutline, const CombinationModel& model,
-         DotWeavePattern& newPattern)
+         DotWeavePattern* newPattern)
         : outline(newOutline), pattern(newPattern),
-          pixels(static_cast<std::size_t>(std::min(model.fieldSize, longestWalk))),
-          inColours(static_cast<std::size_t>(pattern.GetInColorCount())),
-          outInks(static_cast<std::size_t>(pattern.GetOutColorCount())), source(pixels * inColours),
-          destination(pixels * outInks)
+          pixels(pattern == nullptr
+                     ? 0
+                     : static_cast<std::size_t>(std::min(model.fieldSize, longestWalk))),
+          inColours(static_cast<std::size_t>(pattern == nullptr ? 0 : pattern->GetInColorCount())),
+          outInks(pattern == nullptr ? outline.OutInkCount()
+                                     : static_cast<std::size_t>(pattern->GetOutColorCount())),
+          source(pixels * inColours), destination(pixels * outInks)
     {}
 
     StepShares Take(int inColour, int step)
@@ -70,7 +75,9 @@ public:
         std::fill(source.begin(), source.end(), static_cast<unsigned char>(0));
         for (std::size_t pixel = 0; pixel < pixels; ++pixel)
             source[pixel * inColours + index] = static_cast<unsigned char>(step);
-        pattern.ApplyPattern(source.data(), destination.data(), static_cast<unsigned long>(pixels));
+        if (pattern != nullptr)
+            pattern->ApplyPattern(source.data(), destination.data(),
+                                  static_cast<unsigned long>(pixels));
 
         StepShares shares;
         shares.inColour = inColour;
@@ -94,14 +101,19 @@ private:
         for (std::size_t value = 0; value < valueCount; ++value) {
             if (expected[value] != 0 || counts[value] != 0)
                 shares.values.push_back(
-                    {static_cast<int>(value), expected[value],
-                     static_cast<double>(counts[value]) / static_cast<double>(pixels)});
+                    {static_cast<int>(value), expected[value], Measured(counts[value])});
         }
         return shares;
     }
 
+    double Measured(std::size_t count) const
+    {
+        return pixels == 0 ? std::numeric_limits<double>::quiet_NaN()
+                           : static_cast<double>(count) / static_cast<double>(pixels);
+    }
+
     const PatternOutline& outline;
-    DotWeavePattern& pattern;
+    DotWeavePattern* pattern;
     std::size_t pixels;
     std::size_t inColours;
     std::size_t outInks;
@@ -128,16 +140,36 @@ std::vector<InkShares> ExpectedInks(const PatternOutline& outline, int inColour,
 }
 
 std::vector<StepShares> MeasureShares(const PatternOutline& outline, const CombinationModel& model,
-                                      DotWeavePattern& pattern)
+                                      DotWeavePattern* pattern)
 {
     std::vector<StepShares> all;
     Walk walk(outline, model, pattern);
-    for (int i = 0; i < pattern.GetInColorCount(); ++i) {
-        const int stepCount = outline.Record(static_cast<std::size_t>(i)).numSteps;
-        for (int step = 0; step < stepCount; ++step)
-            all.push_back(walk.Take(i, step));
+    for (std::size_t i = 0; i < outline.InColourCount(); ++i) {
+        for (int step = 0; step < outline.Record(i).numSteps; ++step)
+            all.push_back(walk.Take(static_cast<int>(i), step));
     }
     return all;
+}
+
+MeanInk MeanOf(const InkShares& ink)
+{
+    MeanInk mean;
+    for (const ValueShare& share : ink.values) {
+        mean.expected += share.value * share.expected;
+        mean.measured += share.value * share.measured;
+    }
+    return mean;
+}
+
+MeanInk MeanOf(const StepShares& step)
+{
+    MeanInk sum;
+    for (const InkShares& ink : step.inks) {
+        const MeanInk mean = MeanOf(ink);
+        sum.expected += mean.expected;
+        sum.measured += mean.measured;
+    }
+    return sum;
 }
 
 } // namespace zvk::Pelkraft::Client

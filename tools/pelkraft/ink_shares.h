@@ -36,8 +36,20 @@ struct StepShares
 std::vector<InkShares> ExpectedInks(const PatternOutline& outline, int inColour, int step);
 
 // Sets the shares that the text asks for beside those of one row that walks the whole field of the
-// pattern, or only its first part where the field is very large.
+// pattern, or only its first part where the field is very large. Without a pattern the measured
+// shares are NaN.
 std::vector<StepShares> MeasureShares(const PatternOutline& outline, const CombinationModel& model,
-                                      DotWeavePattern& pattern);
+                                      DotWeavePattern* pattern);
+
+// The mean value of an ink, as the text asks for it and as measured.
+struct MeanInk
+{
+    double expected = 0;
+    double measured = 0;
+};
+
+MeanInk MeanOf(const InkShares& ink);
+// The sum over all inks of the step.
+MeanInk MeanOf(const StepShares& step);
 
 } // namespace zvk::Pelkraft::Client

@@ -5,10 +5,13 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/pattern_report.h"
-#include "tools/pelkraft/share_plot.h"
+#include "tools/pelkraft/pattern_verbs.h"
 #include "tools/pelkraft/text_output.h"
 
 #include <CLI/CLI.hpp>
+
+#include <functional>
+#include <map>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -16,7 +19,20 @@ namespace {
 constexpr const char* patternHelp =
     "Shows what a pattern does, how near it is to the limits, which engines load it, and what is\n"
     "wrong or odd about its text: each finding with its line, its column and a hint. The exit\n"
-    "code is 1 where there are errors or warnings, and 4 where no engine loads the text.\n\n";
+    "code is 1 where there are errors or warnings, and 4 where no engine loads the text. A file\n"
+    "that is named like a verb is written with its folder: ./lint.\n\n";
+
+constexpr const char* fixHelp =
+    "Takes the hints that are certainly what the author meant: a known name or keyword in place "
+    "of\n"
+    "a misspelled one, and no byte order mark. The text stays as it is where it would not load\n"
+    "then. The exit code is that of the text as it becomes.\n\n";
+
+constexpr const char* diffHelp =
+    "Compares random source and seed, names and their order, steps, the alternatives of each with\n"
+    "their shares, the shares of values and the mean inks. Blanks, comments, the order of\n"
+    "alternatives and the size of weights make no difference. The exit code is 1 where the texts\n"
+    "differ, and 4 where no engine loads one of them.\n\n";
 
 class PatternCommand final : public ISubcommand
 {
@@ -24,55 +40,144 @@ public:
     void Register(CLI::App& program) override
     {
         verb = program.add_subcommand("pattern", "Explain and check a dot-pattern text");
-        verb->add_option("FILE", input, "The pattern text")->required();
-        verb->add_option("--plot", plot,
-                         "Draw the share of every ink value as SVG, expected beside measured");
-        verb->add_flag("--no-clobber", rules.noClobber, "Refuse to overwrite a file");
+        verb->add_option("FILE", input, "The pattern text, without a verb");
+        verb->add_option("--plot", plot, "Draw what pattern plot draws, as SVG");
+        verb->add_flag("--no-clobber", output.rules.noClobber, "Refuse to overwrite a file");
         AddCommonOptions(*verb, common, JsonUse::Result);
         verb->footer(std::string(patternHelp) + exitCodeHelp);
+        verb->require_subcommand(0, 1);
+        RegisterExplain();
+        RegisterLint();
+        RegisterPlot();
+        RegisterFix();
+        RegisterDiff();
     }
 
     bool Chosen() const override { return verb->parsed(); }
 
     ExitCode Run() override
     {
-        RefuseOtherEnding(plot, rules.kind);
         CatchInterrupts();
+        output.dryRun = common.dryRun;
+        const std::vector<CLI::App*> chosen = verb->get_subcommands();
+        if (chosen.empty())
+            return RunWithoutVerb();
+        if (!input.empty() || !plot.empty())
+            throw Failure(ExitCode::Usage, input,
+                          "FILE and --plot go with pelkraft pattern alone, without a verb");
+        return runs.at(chosen.front())();
+    }
+
+private:
+    CLI::App* AddVerb(const char* name, const char* words, const std::string& help,
+                      std::function<ExitCode()> run)
+    {
+        CLI::App* const added = verb->add_subcommand(name, words);
+        runs[added] = std::move(run);
+        added->footer(help + exitCodeHelp);
+        return added;
+    }
+
+    void AddTexts(CLI::App& to) { to.add_option("TEXT", texts, "The pattern texts")->required(); }
+
+    // --json says the same of the format, and doesn't go with it.
+    void AddFormat(CLI::App& to, const std::vector<std::string>& names)
+    {
+        AddCommonOptions(to, common, JsonUse::Result);
+        to.add_option("--format", format, "Form of the output")
+            ->check(CLI::IsMember(names))
+            ->capture_default_str()
+            ->excludes("--json");
+    }
+
+    void AddOutput(CLI::App& to, const char* words)
+    {
+        to.add_option("--output", output.path, words)->type_name("FILE");
+        to.add_flag("--no-clobber", output.rules.noClobber, "Refuse to overwrite a file");
+        AddCommonOptions(to, common);
+    }
+
+    PatternFormat Format() const
+    {
+        if (common.json || format == "json")
+            return PatternFormat::Json;
+        return format == "sarif" ? PatternFormat::Sarif : PatternFormat::Text;
+    }
+
+    void RegisterExplain()
+    {
+        CLI::App* const added =
+            AddVerb("explain", "Show all that is known of pattern texts", patternHelp,
+                    [this] { return ExplainTexts(texts, Format()); });
+        AddTexts(*added);
+        AddFormat(*added, {"text", "json", "sarif"});
+    }
+
+    void RegisterLint()
+    {
+        CLI::App* const added = AddVerb("lint", "Show what is wrong or odd about pattern texts",
+                                        patternHelp, [this] { return LintTexts(texts, Format()); });
+        AddTexts(*added);
+        AddFormat(*added, {"text", "json", "sarif"});
+    }
+
+    void RegisterPlot()
+    {
+        CLI::App* const added = AddVerb("plot", "Draw what pattern texts do, as SVG", "", [this] {
+            output.rules.kind = FileKind::Svg;
+            RefuseOtherEnding(output.path, output.rules.kind);
+            return PlotTexts(texts, output);
+        });
+        AddTexts(*added);
+        AddOutput(*added, "The drawing; - and none are the standard output");
+    }
+
+    void RegisterFix()
+    {
+        CLI::App* const added = AddVerb("fix", "Take the safe hints", fixHelp, [this] {
+            output.rules.kind = FileKind::Text;
+            RefuseOtherEnding(output.path, output.rules.kind);
+            return FixTexts(texts, output);
+        });
+        AddTexts(*added);
+        AddOutput(*added, "Where the text goes instead of to its own file; - is the standard "
+                          "output");
+    }
+
+    void RegisterDiff()
+    {
+        CLI::App* const added =
+            AddVerb("diff", "Compare what two pattern texts do", diffHelp,
+                    [this] { return DiffTexts(texts.at(0), texts.at(1), Format()); });
+        added->add_option("TEXT", texts, "The two pattern texts")->required()->expected(2);
+        AddFormat(*added, {"text", "json"});
+    }
+
+    ExitCode RunWithoutVerb()
+    {
+        if (input.empty())
+            throw Failure(ExitCode::Usage, {}, "FILE is required, or a verb such as lint");
+        output.path = plot;
+        output.rules.kind = FileKind::Svg;
+        RefuseOtherEnding(plot, output.rules.kind);
         const PatternText text = PatternText::Load(input);
         const PatternReport report(text);
         StopIfInterrupted(plot);
         PrintText(common.json ? PatternJson(report) : ExplainPattern(report));
         if (report.LoadingEngines().empty())
             PrintError(input, "no engine loads it: \"" + report.Refusal() + "\"");
-        else if (!plot.empty() && common.dryRun)
-            AtomicOutput::Check(plot, rules);
         else if (!plot.empty())
-            DrawPlot(text, report);
+            PlotTexts({input}, output);
         return report.Code();
     }
 
-private:
-    void DrawPlot(const PatternText& text, const PatternReport& report) const
-    {
-        std::string refusal;
-        auto pattern = TryPattern(text, DotWeavePattern::X86, refusal);
-        if (pattern == nullptr && SseEngineRuns())
-            pattern = TryPattern(text, DotWeavePattern::Sse, refusal);
-        if (pattern == nullptr)
-            throw Failure(ExitCode::BadPattern, input,
-                          "can't be drawn: \"" + refusal +
-                              "\"; supported are patterns that the x86 or the sse engine loads");
-        StopIfInterrupted(plot);
-        WriteWholeFile(plot,
-                       DrawShares(input, report.outline,
-                                  MeasureShares(report.outline, report.model, *pattern)),
-                       rules);
-    }
-
     CLI::App* verb = nullptr;
+    std::map<CLI::App*, std::function<ExitCode()>> runs;
     std::string input;
     std::string plot;
-    OutputRules rules = {FileKind::Svg};
+    std::vector<std::string> texts;
+    std::string format = "text";
+    PatternOutput output;
     CommonOptions common;
 };
 

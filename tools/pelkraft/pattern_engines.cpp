@@ -47,6 +47,14 @@ std::unique_ptr<DotWeavePattern> TryPattern(const PatternText& text, Engine engi
     return nullptr;
 }
 
+std::unique_ptr<DotWeavePattern> TryDrawingPattern(const PatternText& text, std::string& refusal)
+{
+    auto pattern = TryPattern(text, DotWeavePattern::X86, refusal);
+    if (pattern == nullptr && SseEngineRuns())
+        pattern = TryPattern(text, DotWeavePattern::Sse, refusal);
+    return pattern;
+}
+
 bool SseEngineRuns()
 {
     return SystemTools::GetSseVersion() >= vectorLevel;

@@ -15,6 +15,9 @@ namespace zvk::Pelkraft::Client {
 std::unique_ptr<DotWeavePattern> TryPattern(const PatternText& text, DotWeavePattern::Engine engine,
                                             std::string& refusal);
 
+// Builds a pattern on an engine that draws as printing does, to look at what it gives.
+std::unique_ptr<DotWeavePattern> TryDrawingPattern(const PatternText& text, std::string& refusal);
+
 // True if this processor runs the sse engine; without it a pattern loads there, and that is all.
 bool SseEngineRuns();
 

@@ -1,3 +1,4 @@
+#include "tools/pelkraft/ink_shares.h"
 #include "tools/pelkraft/json.h"
 #include "tools/pelkraft/pattern_report.h"
 
@@ -6,10 +7,14 @@
 #include <cstdint>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zvk::Pelkraft::Client {
 namespace {
+
+// A key that is gone or means another thing takes a new number; new keys don't.
+constexpr int schemaVersion = 1;
 
 Json NameJson(const std::vector<std::string>& outInks, std::int32_t index)
 {
@@ -40,8 +45,30 @@ Json AlternativeJson(const InColorRecord& record, const StepValues& step, std::s
     return json;
 }
 
+// A number that isn't there is NaN, which JSON knows as null.
+Json MeanJson(const MeanInk& mean)
+{
+    return {{"expected", mean.expected}, {"measured", mean.measured}};
+}
+
+Json SharesJson(const StepShares& shares, const std::vector<std::string>& outInks)
+{
+    Json json = Json::array();
+    for (const InkShares& ink : shares.inks) {
+        Json values = Json::array();
+        for (const ValueShare& share : ink.values)
+            values.push_back({{"value", share.value},
+                              {"expected", share.expected},
+                              {"measured", share.measured}});
+        json.push_back({{"ink", NameJson(outInks, ink.outInk)},
+                        {"mean", MeanJson(MeanOf(ink))},
+                        {"values", values}});
+    }
+    return json;
+}
+
 Json InColourJson(const PatternReport& report, std::size_t index,
-                  const std::vector<std::string>& outInks)
+                  const std::vector<std::string>& outInks, const std::vector<StepShares>& shares)
 {
     const InColourPlaces& places = report.outline.inColours[index];
     const InColorRecord& record = report.outline.Record(index);
@@ -63,6 +90,13 @@ Json InColourJson(const PatternReport& report, std::size_t index,
         said["alternatives"] = Json::array();
         for (std::size_t i = 0; i < static_cast<std::size_t>(step.numRandoms); ++i)
             said["alternatives"].push_back(AlternativeJson(record, step, i, outInks));
+        const auto found = std::find_if(shares.begin(), shares.end(), [&](const StepShares& one) {
+            return one.inColour == static_cast<int>(index) && one.step == static_cast<int>(number);
+        });
+        if (found != shares.end()) {
+            said["shares"] = SharesJson(*found, outInks);
+            said["meanInk"] = MeanJson(MeanOf(*found));
+        }
         json["steps"].push_back(said);
     }
     return json;
@@ -118,18 +152,40 @@ Json FindingsJson(const PatternReport& report)
                         {"column", place.column},
                         {"message", finding.message},
                         {"hint", finding.hint},
+                        {"fix", finding.replacement ? Json(*finding.replacement) : Json(nullptr)},
                         {"text", FindingLine(finding, report.text)}});
     }
     return json;
 }
 
-} // namespace
+Json CountsJson(const std::vector<const PatternReport*>& reports)
+{
+    Json json;
+    for (const auto& [severity, name] :
+         {std::pair(Severity::Error, "errors"), std::pair(Severity::Warning, "warnings"),
+          std::pair(Severity::Note, "notes")}) {
+        std::size_t count = 0;
+        for (const PatternReport* report : reports)
+            count += CountFindings(report->findings, severity);
+        json[name] = count;
+    }
+    return json;
+}
 
-std::string PatternJson(const PatternReport& report)
+std::vector<StepShares> SharesOf(const PatternReport& report)
+{
+    std::string refusal;
+    const auto pattern = TryDrawingPattern(report.text, refusal);
+    return MeasureShares(report.outline, report.model, pattern.get());
+}
+
+Json ReportJson(const PatternReport& report)
 {
     const PatternOutline& outline = report.outline;
     const std::vector<std::string> outInks = outline.OutInkList();
+    const std::vector<StepShares> shares = SharesOf(report);
     Json json;
+    json["schemaVersion"] = schemaVersion;
     json["file"] = report.text.Path();
     json["version"] = {
         {"parser", outline.version},
@@ -138,14 +194,53 @@ std::string PatternJson(const PatternReport& report)
     json["seed"] = outline.seed;
     json["inColours"] = Json::array();
     for (std::size_t i = 0; i < outline.InColourCount(); ++i)
-        json["inColours"].push_back(InColourJson(report, i, outInks));
+        json["inColours"].push_back(InColourJson(report, i, outInks, shares));
     json["outInks"] = Json::array();
     for (std::size_t i = 0; i < outInks.size(); ++i)
         json["outInks"].push_back(OutInkJson(report, static_cast<int>(i), outInks[i]));
     json["limits"] = LimitsJson(report.model);
     json["engines"] = EnginesJson(report);
+    json["counts"] = CountsJson({&report});
     json["findings"] = FindingsJson(report);
-    return JsonText(json);
+    return json;
+}
+
+Json LintJson(const PatternReport& report)
+{
+    Json json;
+    json["file"] = report.text.Path();
+    json["engines"] = EnginesJson(report);
+    json["counts"] = CountsJson({&report});
+    json["findings"] = FindingsJson(report);
+    return json;
+}
+
+std::string ListJson(const std::vector<const PatternReport*>& reports,
+                     Json (*jsonOf)(const PatternReport&))
+{
+    Json texts = Json::array();
+    std::transform(reports.begin(), reports.end(), std::back_inserter(texts),
+                   [jsonOf](const PatternReport* report) { return jsonOf(*report); });
+    return JsonText({{"schemaVersion", schemaVersion},
+                     {"counts", CountsJson(reports)},
+                     {"texts", std::move(texts)}});
+}
+
+} // namespace
+
+std::string PatternJson(const PatternReport& report)
+{
+    return JsonText(ReportJson(report));
+}
+
+std::string ExplainTextsJson(const std::vector<const PatternReport*>& reports)
+{
+    return ListJson(reports, ReportJson);
+}
+
+std::string LintTextsJson(const std::vector<const PatternReport*>& reports)
+{
+    return ListJson(reports, LintJson);
 }
 
 } // namespace zvk::Pelkraft::Client

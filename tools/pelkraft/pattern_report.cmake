@@ -4,17 +4,23 @@ add_library(pelkraft_pattern_report STATIC EXCLUDE_FROM_ALL)
 foreach(part IN ITEMS
         combination_model
         draw_lints
+        finding_rules
         findings
+        ink_shares
         near_names
+        pattern_diff
         pattern_engines
+        pattern_fix
         pattern_intention
         pattern_json
         pattern_lints
         pattern_outline
         pattern_report
+        pattern_sarif
         pattern_text
         sarif
         shown_text
+        unified_diff
         value_line_lints)
     target_sources(pelkraft_pattern_report PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${part}.cpp)
 endforeach()

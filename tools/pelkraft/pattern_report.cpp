@@ -37,6 +37,21 @@ std::string Plural(std::size_t count, const std::string& word)
     return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
 }
 
+std::string CountWords(const std::vector<const PatternReport*>& reports)
+{
+    std::size_t counts[3] = {};
+    bool isFull = false;
+    for (const PatternReport* report : reports) {
+        for (const Severity severity : {Severity::Note, Severity::Warning, Severity::Error})
+            counts[static_cast<int>(severity)] += CountFindings(report->findings, severity);
+        isFull = isFull || report->findings.size() == mostFindings;
+    }
+    return Plural(counts[static_cast<int>(Severity::Error)], "error") + ", " +
+           Plural(counts[static_cast<int>(Severity::Warning)], "warning") + ", " +
+           Plural(counts[static_cast<int>(Severity::Note)], "note") +
+           (isFull ? "; any more are left out\n" : "\n");
+}
+
 class Explanation
 {
 public:
@@ -175,11 +190,7 @@ private:
             words += '\n';
         for (const Finding& finding : report.findings)
             words += FindingWords(finding, report.text);
-        words += '\n';
-        words += Plural(CountFindings(report.findings, Severity::Error), "error") + ", " +
-                 Plural(CountFindings(report.findings, Severity::Warning), "warning") + ", " +
-                 Plural(CountFindings(report.findings, Severity::Note), "note") +
-                 (report.findings.size() == mostFindings ? "; any more are left out\n" : "\n");
+        words += '\n' + CountWords({&report});
     }
 
     const PatternReport& report;
@@ -252,6 +263,16 @@ std::string PatternReport::Refusal() const
 std::string ExplainPattern(const PatternReport& report)
 {
     return Explanation(report).Write();
+}
+
+std::string LintWords(const std::vector<const PatternReport*>& reports)
+{
+    std::string words;
+    for (const PatternReport* report : reports) {
+        for (const Finding& finding : report->findings)
+            words += FindingWords(finding, report->text);
+    }
+    return words + (words.empty() ? "" : "\n") + CountWords(reports);
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -38,10 +38,14 @@ private:
     void AddRefusal();
 };
 
-// For people.
+// For people: all of it, or the findings in several texts alone.
 std::string ExplainPattern(const PatternReport& report);
+std::string LintWords(const std::vector<const PatternReport*>& reports);
 
 // For programs: one JSON object.
 std::string PatternJson(const PatternReport& report);
+// One object for several texts: all that is known of each, or its findings alone.
+std::string ExplainTextsJson(const std::vector<const PatternReport*>& reports);
+std::string LintTextsJson(const std::vector<const PatternReport*>& reports);
 
 } // namespace zvk::Pelkraft::Client

@@ -61,7 +61,7 @@ Json RuleJson(const SarifRule& rule)
 Json RegionJson(const SarifRegion& region)
 {
     return {{"startLine", region.line},        {"startColumn", region.column},
-            {"endLine", region.line},          {"endColumn", region.endColumn},
+            {"endLine", region.endLine},       {"endColumn", region.endColumn},
             {"byteOffset", region.byteOffset}, {"byteLength", region.byteLength},
             {"snippet", Text(region.snippet)}};
 }

@@ -22,6 +22,7 @@ struct SarifRegion
 {
     int line = 1;
     int column = 1;
+    int endLine = 1;
     int endColumn = 1;
     std::size_t byteOffset = 0;
     std::size_t byteLength = 0;

@@ -1,0 +1,174 @@
+#include "tests/tools/pattern_texts.h"
+#include "tests/tools/tool_fixture.h"
+#include "tools/pelkraft/pattern_fix.h"
+#include "tools/pelkraft/unified_diff.h"
+
+#include <filesystem>
+#include <utility>
+
+namespace zvk::Pelkraft::TestSupport {
+namespace {
+
+using namespace Client;
+
+std::string With(const std::vector<std::pair<std::string, std::string>>& changes)
+{
+    std::string text = smallPattern;
+    for (const auto& [from, to] : changes) {
+        const std::size_t at = text.find(from);
+        EXPECT_NE(std::string::npos, at) << from;
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+FixedText Fixed(const std::string& text)
+{
+    return FixPattern(PatternText("text", text));
+}
+
+TEST(PatternFix, PutsBackWhatWasCertainlyMeant)
+{
+    const std::vector<std::vector<std::pair<std::string, std::string>>> faults = {
+        {{"LightCyan\nEND_INKS", "LihgtCyan\nEND_INKS"}},
+        {{"END_OUT_INKS", "End_Out_Inks"}},
+        {{"DotWeavePattern", "dotweavepattern"}},
+        {{"DotWeavePattern", "\xEF\xBB\xBF"
+                             "DotWeavePattern"}},
+        {{"BEGIN_IN_COLOR\nBlack", "BEGIN_IN_COLOR\nBlcak"}},
+        {{"BEGIN_IN_COLOR\nBlack", "BEGIN_IN_COLOR\nBlakc"},
+         {"BEGIN_INKS\nBlack", "BEGIN_INKS\nBalck"},
+         {"VERSION 2", "version 2"},
+         {"LightCyan\nEND_INKS", "LightCyam\nEND_INKS"}},
+    };
+    for (const auto& fault : faults) {
+        const FixedText fixed = Fixed(With(fault));
+        EXPECT_EQ(smallPattern, fixed.bytes) << fault[0].second;
+        EXPECT_EQ(fault.size(), fixed.changes);
+        EXPECT_FALSE(fixed.isGivenUp);
+    }
+}
+
+TEST(PatternFix, QuotesNamesWithBlanks)
+{
+    const std::string text = With({{"Cyan LightCyan Black", "Cyan \"Light Cyan\" Black"},
+                                   {"Cyan LightCyan\n", "Cyan LigthCyan\n"}});
+    const FixedText fixed = Fixed(text);
+    EXPECT_NE(std::string::npos, fixed.bytes.find("\nCyan \"Light Cyan\"\nEND_INKS"))
+        << fixed.bytes;
+}
+
+TEST(PatternFix, LeavesAloneWhatIsOpenToDoubt)
+{
+    const std::vector<std::vector<std::pair<std::string, std::string>>> faults = {
+        {},
+        // Nothing is near, or two names are equally near, or the name is in use.
+        {{"LightCyan\nEND_INKS", "Varnish\nEND_INKS"}},
+        {{"Cyan LightCyan Black", "Cyan LightCyan LightCyam Black"},
+         {"Cyan LightCyan\n", "Cyan LightCyab\n"}},
+        {{"Cyan LightCyan\n", "Cyan Cyam LightCyan\n"}},
+        // The weight may be what is missing.
+        {{"1 1 1-64", "1 1 1-64 0-3"}},
+        {{"RANDOM_SEED", "RANDOM_SEAD"}},
+        {{"2 1:3 1-128 0-40", "2 1:3 1-128"}},
+        {{"1-64", "1-640"}},
+    };
+    for (const auto& fault : faults) {
+        const std::string text = With(fault);
+        const FixedText fixed = Fixed(text);
+        EXPECT_EQ(text, fixed.bytes);
+        EXPECT_EQ(0U, fixed.changes);
+    }
+}
+
+// What is left makes every engine refuse the text.
+TEST(PatternFix, GivesUpWhereTheTextWouldNotLoad)
+{
+    const std::string text =
+        With({{"LightCyan\nEND_INKS", "LihgtCyan\nEND_INKS"}, {"3 1 0-255", "9 1 0-255"}});
+    const FixedText fixed = Fixed(text);
+    EXPECT_EQ(text, fixed.bytes);
+    EXPECT_TRUE(fixed.isGivenUp);
+}
+
+TEST(UnifiedDiff, IsWhatPatchReads)
+{
+    EXPECT_EQ("", UnifiedDiff("a", "x\ny\n", "x\ny\n"));
+    EXPECT_EQ("--- a\n+++ a\n@@ -1,1 +1,1 @@\n-x\n\\ No newline at end of file\n+y\n"
+              "\\ No newline at end of file\n",
+              UnifiedDiff("a", "x", "y"));
+    std::string lines;
+    for (int i = 1; i <= 30; ++i)
+        lines += std::to_string(i) + "\n";
+    std::string changed = lines;
+    // Lines 5 and 12 share a hunk, since six lines lie between them; 20 has its own.
+    for (const char* line : {"\n5\n", "\n12\n", "\n20\n"})
+        changed.replace(changed.find(line), std::string(line).size(), "\nX\n");
+    EXPECT_EQ("--- a\n+++ a\n@@ -2,14 +2,14 @@\n 2\n 3\n 4\n-5\n+X\n 6\n 7\n 8\n 9\n 10\n 11\n-12\n"
+              "+X\n 13\n 14\n 15\n@@ -17,7 +17,7 @@\n 17\n 18\n 19\n-20\n+X\n 21\n 22\n 23\n",
+              UnifiedDiff("a", lines, changed));
+}
+
+class PatternFixVerb : public ToolFixture
+{
+protected:
+    PatternFixVerb() { WriteBytes(Path("odd.txt"), odd); }
+
+    const std::string odd = With({{"LightCyan\nEND_INKS", "LihgtCyan\nEND_INKS"}});
+};
+
+TEST_F(PatternFixVerb, WritesTheTextBack)
+{
+    WriteBytes(Path("good.txt"), smallPattern);
+    const auto time = std::filesystem::last_write_time(Path("good.txt"));
+    EXPECT_TRUE(EndedSilently(Run({"pattern", "fix", Path("odd.txt"), Path("good.txt")})));
+    EXPECT_EQ(smallPattern, Bytes(Path("odd.txt")));
+    // A text that is fine isn't touched.
+    EXPECT_EQ(time, std::filesystem::last_write_time(Path("good.txt")));
+    EXPECT_EQ((std::vector<std::string>{"good.txt", "odd.txt"}), Files());
+}
+
+TEST_F(PatternFixVerb, WritesElsewhere)
+{
+    EXPECT_EQ(smallPattern, Run({"pattern", "fix", Path("odd.txt"), "--output", "-"}).output);
+    EXPECT_TRUE(
+        EndedSilently(Run({"pattern", "fix", Path("odd.txt"), "--output", Path("new.txt")})));
+    EXPECT_EQ(smallPattern, Bytes(Path("new.txt")));
+    EXPECT_EQ(odd, Bytes(Path("odd.txt")));
+    EXPECT_EQ(6,
+              Run({"pattern", "fix", Path("odd.txt"), "--output", Path("new.txt"), "--no-clobber"})
+                  .exitCode);
+    EXPECT_TRUE(Refused(
+        Run({"pattern", "fix", Path("odd.txt"), Path("new.txt"), "--output", Path("x.txt")}), 2,
+        {"x.txt", "2 texts"}));
+}
+
+TEST_F(PatternFixVerb, ShowsTheDifferenceInADryRun)
+{
+    const Outcome outcome = Run({"pattern", "fix", "--dry-run", Path("odd.txt")});
+    EXPECT_TRUE(EndedSilently(outcome));
+    EXPECT_EQ(UnifiedDiff(Path("odd.txt"), odd, smallPattern), outcome.output);
+    EXPECT_NE(std::string::npos, outcome.output.find("\n-Cyan LihgtCyan\n+Cyan LightCyan\n"));
+    EXPECT_EQ(odd, Bytes(Path("odd.txt")));
+}
+
+TEST_F(PatternFixVerb, EndsWithTheCodeOfTheTextAsItBecomes)
+{
+    WriteBytes(Path("odd.txt"),
+               With({{"LightCyan\nEND_INKS", "LihgtCyan\nEND_INKS"}, {"1 1 1-64", "1 1 1-640"}}));
+    EXPECT_EQ(1, Run({"pattern", "fix", Path("odd.txt")}).exitCode);
+    EXPECT_EQ(With({{"1 1 1-64", "1 1 1-640"}}), Bytes(Path("odd.txt")));
+
+    const std::string bad =
+        With({{"LightCyan\nEND_INKS", "LihgtCyan\nEND_INKS"}, {"3 1 0-255", "9 1 0-255"}});
+    WriteBytes(Path("bad.txt"), bad);
+    const Outcome outcome = Run({"pattern", "fix", Path("bad.txt")});
+    EXPECT_EQ(4, outcome.exitCode);
+    EXPECT_NE(std::string::npos, outcome.errors.find("bad.txt: warning: the safe hints alone"));
+    EXPECT_EQ(bad, Bytes(Path("bad.txt")));
+    WriteBytes(Path("zero.txt"), odd + std::string(1, '\0'));
+    EXPECT_TRUE(Refused(Run({"pattern", "fix", Path("zero.txt")}), 4, {"zero.txt", "zero byte"}));
+}
+
+} // namespace
+} // namespace zvk::Pelkraft::TestSupport
