@@ -19,7 +19,7 @@ _pelkraft_offers() {
             --help --version --buildinfo
         ;;
     convert)
-        echo "--layout --bits --channels --repeat --mirror --tones --portable $input $output
+        echo "--layout --bits --channels --repeat --mirror --flip --invert --tones --portable $input $output
             $common"
         ;;
     coverage) echo "--limit --window --map --no-clobber $input $common" ;;

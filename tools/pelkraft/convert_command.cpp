@@ -6,6 +6,7 @@
 #include "tools/pelkraft/page_conversion.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/tiff_output.h"
+#include "tools/pelkraft/warning_counts.h"
 
 #include <CLI/CLI.hpp>
 
@@ -32,6 +33,7 @@ struct Total
 Total PlanAll(const TiffFile& file, const ConvertOptions& options)
 {
     Total total;
+    WarningCounts warnings;
     Json pages = Json::array();
     VisitPages(file, options.input.pages, [&](int page) {
         const PagePlan plan = PlanPage(file, options);
@@ -46,8 +48,12 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
         else if (options.common.explain)
             PrintBeside(options.output.path, ExplainPage(plan, options, page));
         for (const std::string& warning : plan.tags.warnings)
-            PrintWarning(options.input.path, warning);
+            warnings.Add(warning);
     });
+    if (TIFFIsBigTIFF(file.Get()) != 0 && !NeedsBigForm(total.bytes))
+        for (int page = 0; page < total.pages; ++page)
+            warnings.Add("the form for more than 4 GB is not kept: the new file is smaller");
+    warnings.Print(options.input.path);
     if (options.common.json)
         PrintBeside(options.output.path, JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
     return total;
@@ -103,8 +109,11 @@ public:
         StopIfInterrupted(options.output.path);
         file.Close();
         output.Commit();
-        for (const std::string& warning : file.Warnings())
-            PrintWarning(options.input.path, warning);
+        for (const std::string& warning : file.Warnings()) {
+            // Such tags are kept, or were named.
+            if (warning.find("Unknown field with tag") == std::string::npos)
+                PrintWarning(options.input.path, warning);
+        }
         if (!cutSamples)
             return ExitCode::Done;
         PrintWarning(options.input.path,
@@ -127,6 +136,9 @@ private:
             ->check(CLI::IsMember({1, 2, 4}));
         verb->add_flag("--mirror", options.mirror,
                        "Write each row from its last pixel to its first");
+        verb->add_flag("--flip", options.flip, "Write the rows from the last to the first");
+        verb->add_flag("--invert", options.invert,
+                       "Turn each sample into the highest less the sample, and the tags with them");
         verb->add_option("--tones", tones,
                          "How samples below 8 bits are read: scale rounds tones to levels and "
                          "stretches levels to tones, the default where only one of the two files "

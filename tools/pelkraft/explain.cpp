@@ -6,6 +6,7 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr const char* splitWords = "split contiguous bits into planes";
+constexpr const char* linesWords = "map samples in a straight line";
 constexpr const char* weaveWords = "weave planes into contiguous bits";
 
 std::string Line(const std::string& label, const std::string& text)
@@ -42,6 +43,8 @@ std::string PolarityWords(std::uint16_t photometric)
 
 std::string TonesWords(const RowRequest& request)
 {
+    if (request.lines)
+        return "mapped with the range of ink";
     if (request.from.bits == request.to.bits)
         return "untouched, the depth stays";
     if (request.from.bits >= 8 && request.to.bits >= 8)
@@ -63,6 +66,32 @@ std::string PolarityText(const PagePlan& plan)
 {
     return PhotometricName(plan.tags.photometric) + PolarityWords(plan.tags.photometric) +
            (plan.tags.photometric == plan.from.photometric ? ", kept" : "");
+}
+
+std::string CodeWords(int old, int fresh)
+{
+    return old == fresh ? std::to_string(old)
+                        : std::to_string(old) + " becomes " + std::to_string(fresh);
+}
+
+// Which samples stand for no ink and for full ink, and what is done to take them there.
+std::string InkText(const InkRange& range)
+{
+    std::string words = "none is " + CodeWords(range.old.none, range.fresh.none) + ", all is " +
+                        CodeWords(range.old.full, range.fresh.full);
+    if (range.lines)
+        return words + ", in a straight line, to the nearest, half up";
+    return words + (range.invert ? ", each sample turned into the highest less it" : "");
+}
+
+Json InkJson(const InkRange& range)
+{
+    return {{"none", range.old.none},
+            {"full", range.old.full},
+            {"new_none", range.fresh.none},
+            {"new_full", range.fresh.full},
+            {"mapped", range.lines.has_value()},
+            {"inverted", range.invert}};
 }
 
 // The library's own description of the conversion.
@@ -98,7 +127,9 @@ std::string ExplainPage(const PagePlan& plan, const ConvertOptions& options, int
     text += Line("reads", PictureWords(plan.from));
     text += Line("row", request.from.Words());
     if (request.from.woven)
-        text += Line("client", splitWords) + Line("row", plan.rows.LibrarySource().Words());
+        text += Line("client", splitWords) + Line("row", plan.rows.LinesSource().Words());
+    if (request.lines)
+        text += Line("client", linesWords) + Line("row", plan.rows.LibrarySource().Words());
     for (const Json& step : description["steps"])
         text += Line("library", step.get<std::string>());
     if (request.to.woven)
@@ -110,6 +141,9 @@ std::string ExplainPage(const PagePlan& plan, const ConvertOptions& options, int
     text += Line("traffic", BytesText(description) + " for each row");
     text += Line("tones", TonesWords(request));
     text += Line("polarity", PolarityText(plan));
+    text += Line("ink", InkText(plan.range));
+    if (options.flip)
+        text += Line("rows", "from the last to the first");
     text += Line("bit order", BitOrderWords(plan));
     text += Line("work", "bands of " + std::to_string(BandRows(plan.from, plan.to)) + " rows on " +
                              std::to_string(options.common.threads) +
@@ -127,11 +161,15 @@ Json ExplainPageJson(const PagePlan& plan, const ConvertOptions& options, int pa
     json["client"] = Json::array();
     if (request.from.woven)
         json["client"].push_back(splitWords);
+    if (request.lines)
+        json["client"].push_back(linesWords);
     if (request.to.woven)
         json["client"].push_back(weaveWords);
     json["library"] = ReadDescription(plan);
     json["tones"] = TonesWords(request);
     json["polarity"] = PolarityText(plan);
+    json["ink"] = InkJson(plan.range);
+    json["flip"] = options.flip;
     json["bit_order"] = BitOrderWords(plan);
     json["band_rows"] = BandRows(plan.from, plan.to);
     json["threads"] = options.common.threads;

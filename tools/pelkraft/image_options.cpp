@@ -53,20 +53,15 @@ std::optional<DotRange> ReadRange(std::string_view words)
 void TakeRange(const std::string& words, InputOptions& input, RangeWords known)
 {
     const bool all = known == RangeWords::All;
-    input.dotRange.reset();
-    input.rangeWork = RangeWork::Keep;
     if (words == "keep")
-        return;
-    if (all && words == "scale") {
+        input.rangeWork = RangeWork::Keep;
+    else if (all && words == "scale")
         input.rangeWork = RangeWork::Scale;
-        return;
-    }
-    if (all && words == "full") {
+    else if (all && words == "full")
         input.rangeWork = RangeWork::Full;
-        return;
-    }
-    input.dotRange = ReadRange(words);
-    if (!input.dotRange)
+    else if (const std::optional<DotRange> range = ReadRange(words))
+        input.dotRange = range;
+    else
         throw Failure(ExitCode::Usage, {},
                       "--dot-range " + words + " is no range; supported are keep, " +
                           (all ? "scale, full, " : "") +
@@ -165,14 +160,19 @@ void AddInputOptions(CLI::App& verb, InputOptions& input, RangeWords known)
             "Whether high samples are much ink; auto asks the page's photometric kind")
         ->check(CLI::IsMember({"auto", "ink-high", "ink-low"}))
         ->default_str("auto");
-    verb.add_option_function<std::string>(
+    verb.add_option_function<std::vector<std::string>>(
             "--dot-range",
-            [&input, known](const std::string& words) { TakeRange(words, input, known); },
+            [&input, known](const std::vector<std::string>& all) {
+                for (const std::string& words : all)
+                    TakeRange(words, input, known);
+            },
             known == RangeWords::All
-                ? "Samples of no ink and of full ink, LO,HI; or what becomes of those in the tags: "
-                  "keep lets samples stay, scale maps them to the same range at the new depth, "
-                  "full to all that it has"
+                ? "Samples of no ink and of full ink, LO,HI, instead of those in the tags; and "
+                  "what "
+                  "becomes of them: keep lets samples stay, scale maps them to the same range at "
+                  "the new depth, full to all that it has; may be given for both"
                 : "Samples of no ink and of full ink, LO,HI; keep takes those in the tags")
+        ->allow_extra_args(false)
         ->default_str("keep");
     verb.add_option_function<std::string>(
             "--spool-limit",

@@ -36,6 +36,29 @@ TiffPicture PlanPicture(const TiffPicture& from, const ConvertOptions& options,
     return to;
 }
 
+void RefuseRawLines(const ConvertOptions& options, const TiffPicture& from, const TiffPicture& to,
+                    const InkRange& range)
+{
+    if (range.lines && from.bits != to.bits && options.tones == Tones::Raw)
+        throw Failure(ExitCode::Usage, options.input.path,
+                      "--tones raw lets samples stay the numbers that they are, while --dot-range "
+                      "scale and full, and --invert beside extra samples, map them to the new "
+                      "depth; supported is one of both");
+}
+
+// JPEG and its like lose samples, and can't take all.
+void AddCompressionLoss(const TiffPicture& from, const TiffPicture& to,
+                        const OutputOptions& options, PageTags& tags)
+{
+    const bool same =
+        to.compression == from.compression ||
+        (from.compression == COMPRESSION_DEFLATE && to.compression == COMPRESSION_ADOBE_DEFLATE);
+    if (!same && !options.compression && !options.IsPipe())
+        tags.warnings.push_back(CompressionName(from.compression) +
+                                " compression is not kept: the new page is compressed by " +
+                                CompressionName(to.compression) + ", which loses nothing");
+}
+
 } // namespace
 
 PagePlan PlanPage(const TiffFile& file, const ConvertOptions& options)
@@ -46,16 +69,24 @@ PagePlan PlanPage(const TiffFile& file, const ConvertOptions& options)
     if (!options.channels.empty())
         request.map = ParseChannelList(options.channels, channels, file.Path());
     const TiffPicture to = PlanPicture(from, options, request.map, file.Path());
-    PageTags tags = PlanTags(file, from, channels, request.map, to.bits);
+    const RangeRequest rangeRequest = {static_cast<int>(CountColours(channels)), to.bits,
+                                       options.invert};
+    InkRange range = PlanInkRange(file, from, options.input, rangeRequest);
+    RefuseRawLines(options, from, to, range);
+    PageTags tags = PlanTags(file, from, channels, request.map, to.bits, range);
+    AddCompressionLoss(from, to, options.output, tags);
+    std::replace(request.map.begin(), request.map.end(), PLK_EMPTY, PLK_CONSTANT(range.empty));
     tags.repeat = options.repeat;
 
     request.from = ShapeOf(from);
     request.to = ShapeOf(to);
     request.repeat = options.repeat;
     request.mirror = options.mirror;
+    request.invert = range.invert;
+    request.lines = range.lines;
     request.tones = options.tones.value_or(DefaultTones(from.bits, to.bits));
     request.portableRoad = options.portable;
-    return {from, to, std::move(tags), PlanRows(file, request)};
+    return {from, to, std::move(tags), std::move(range), PlanRows(file, request)};
 }
 
 bool ConvertPage(const TiffFile& file, const TiffFile& out, const PagePlan& plan,
@@ -65,8 +96,9 @@ bool ConvertPage(const TiffFile& file, const TiffFile& out, const PagePlan& plan
     for (int worker = 0; worker < options.common.threads; ++worker)
         pipelines.emplace_back(plan.rows);
     WriteTags(file, out, plan.to, plan.tags);
+    const RowOrder order = {options.flip, {options.output.path, options.input.spoolLimit}};
     WriteRows(
-        {file, out, plan.from, plan.to, options.output.path, options.common.threads},
+        {file, out, plan.from, plan.to, options.output.path, options.common.threads, order},
         [&](int worker, std::int64_t, unsigned char* oldRow, unsigned char* newRow) {
             pipelines[static_cast<std::size_t>(worker)].Run(oldRow, newRow);
         },

@@ -24,6 +24,8 @@ struct ConvertOptions
     std::string channels;
     int repeat = 1;
     bool mirror = false;
+    bool flip = false;
+    bool invert = false;
     std::optional<Tones> tones;
     bool portable = false;
     CommonOptions common;
@@ -35,6 +37,7 @@ struct PagePlan
     TiffPicture from;
     TiffPicture to;
     PageTags tags;
+    InkRange range;
     RowPlan rows;
 };
 

@@ -3,7 +3,6 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/row_pipeline.h"
-#include "tools/pelkraft/row_readers.h"
 #include "tools/pelkraft/strip_writer.h"
 #include "tools/pelkraft/tag_writer.h"
 #include "tools/pelkraft/workers.h"
@@ -79,7 +78,7 @@ void WriteRows(const PageRows& page, const RowWork& work,
 {
     const std::uint32_t height = page.from.height;
     const std::uint32_t bandRows = BandRows(page.from, page.to);
-    const auto reader = OpenRows(page.file, page.from);
+    const auto reader = OpenRows(page.file, page.from, page.order);
     StripWriter writer(page.out, page.to);
     progress.StartPage();
     const Band oldRows(page.from, bandRows);

@@ -3,6 +3,7 @@
 #include "tools/pelkraft/image_options.h"
 #include "tools/pelkraft/progress.h"
 #include "tools/pelkraft/row_plan.h"
+#include "tools/pelkraft/row_readers.h"
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
 
@@ -35,6 +36,7 @@ struct PageRows
     // An interrupt names the file under this path.
     const std::string& output;
     int threads;
+    RowOrder order = {};
 };
 
 // The work of a thread on one row. It may change the old row.

@@ -1,26 +1,17 @@
 #include "tools/pelkraft/page_tags.h"
 
+#include "tools/pelkraft/lost_tags.h"
+
 #include <algorithm>
 #include <cstddef>
 
 namespace zvk::Pelkraft::Client {
 namespace {
 
-bool IsGray(std::uint16_t photometric)
-{
-    return photometric == PHOTOMETRIC_MINISWHITE || photometric == PHOTOMETRIC_MINISBLACK;
-}
-
 bool IsLab(std::uint16_t photometric)
 {
     return photometric == PHOTOMETRIC_CIELAB || photometric == PHOTOMETRIC_ICCLAB ||
            photometric == PHOTOMETRIC_ITULAB;
-}
-
-std::size_t CountColours(const std::vector<Channel>& channels)
-{
-    return static_cast<std::size_t>(
-        std::count_if(channels.begin(), channels.end(), [](const Channel& c) { return !c.extra; }));
 }
 
 bool StartsInOrder(const std::vector<int>& map, std::size_t count)
@@ -122,7 +113,6 @@ void PlanDepth(PageTags& tags, const TiffPicture& picture, int newBits)
 {
     if (newBits == picture.bits)
         return;
-    tags.keepValueTags = false;
     if (tags.photometric == PHOTOMETRIC_PALETTE)
         DropColour(tags, "palette numbers mean nothing at another depth");
     else if (tags.photometric == PHOTOMETRIC_MASK)
@@ -132,13 +122,35 @@ void PlanDepth(PageTags& tags, const TiffPicture& picture, int newBits)
                                 "like all others");
 }
 
+// Says why tags that are in sample values can't stay, or nothing.
+std::string ChangeOfSamples(const TiffPicture& picture, const std::vector<int>& map, int newBits,
+                            const InkRange& range)
+{
+    if (picture.bits != newBits)
+        return "the depth changes";
+    if (!map.empty())
+        return "the channels change";
+    if (range.invert || range.lines)
+        return "the samples change";
+    return {};
+}
+
 } // namespace
 
+std::size_t CountColours(const std::vector<Channel>& channels)
+{
+    return static_cast<std::size_t>(
+        std::count_if(channels.begin(), channels.end(), [](const Channel& c) { return !c.extra; }));
+}
+
 PageTags PlanTags(const TiffFile& file, const TiffPicture& picture,
-                  const std::vector<Channel>& channels, const std::vector<int>& map, int newBits)
+                  const std::vector<Channel>& channels, const std::vector<int>& map, int newBits,
+                  const InkRange& range)
 {
     PageTags tags;
-    tags.photometric = picture.photometric;
+    tags.photometric = range.photometric;
+    tags.dotRange = range.tag;
+    tags.warnings = range.losses;
     std::uint16_t value = 0;
     if (TIFFGetField(file.Get(), TIFFTAG_INKSET, &value) == 1)
         tags.inkSet = value;
@@ -147,12 +159,14 @@ PageTags PlanTags(const TiffFile& file, const TiffPicture& picture,
     tags.inkNames = ReadInkTags(file);
 
     const std::vector<int> order = map.empty() ? AllInOrder(channels.size()) : map;
-    tags.keepValueTags = map.empty();
     if (picture.photometric == PHOTOMETRIC_SEPARATED)
         PlanInks(tags, file, channels, order);
     else
         PlanColours(tags, channels, order);
     PlanDepth(tags, picture, newBits);
+    const std::string change = ChangeOfSamples(picture, map, newBits, range);
+    tags.keepValueTags = change.empty();
+    AddLosses(file, change, tags);
     return tags;
 }
 

@@ -2,6 +2,7 @@
 
 #include "tools/pelkraft/image_options.h"
 #include "tools/pelkraft/ink_names.h"
+#include "tools/pelkraft/ink_range.h"
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
 
@@ -17,8 +18,10 @@ struct PageTags
     std::uint16_t photometric = PHOTOMETRIC_MINISBLACK;
     // Profile and whatever else describes these very colours.
     bool keepColourTags = true;
-    // Curves and ranges, which are in sample values.
+    // Curves and hints, which are in sample values.
     bool keepValueTags = true;
+    // Tags that libtiff carries without knowing them.
+    std::vector<std::uint32_t> otherTags;
     // The samples of no ink and of full ink, where they are not those of the old page.
     std::optional<DotRange> dotRange;
     std::optional<std::uint16_t> inkSet;
@@ -26,13 +29,18 @@ struct PageTags
     std::vector<std::string> inkNames;
     std::vector<std::uint16_t> extraKinds;
     int repeat = 1;
-    // They say where the new samples and the photometric kind don't go together.
+    // They say what is not kept and why, and where the new samples and the photometric kind don't
+    // go together.
     std::vector<std::string> warnings;
 };
 
+// Channels that are colours or inks.
+std::size_t CountColours(const std::vector<Channel>& channels);
+
 // Tags for a page whose channels come from map, all in their order if it is empty, and whose
-// samples get a new depth.
+// samples get a new depth and range.
 PageTags PlanTags(const TiffFile& file, const TiffPicture& picture,
-                  const std::vector<Channel>& channels, const std::vector<int>& map, int newBits);
+                  const std::vector<Channel>& channels, const std::vector<int>& map, int newBits,
+                  const InkRange& range);
 
 } // namespace zvk::Pelkraft::Client

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/row_readers.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/spooled_rows.h"
 
 #include <algorithm>
 #include <cstring>
@@ -55,8 +56,8 @@ BlockGrid MakeGrid(const TiffPicture& picture)
 class BlockReader final : public IRowReader
 {
 public:
-    BlockReader(const TiffFile& newFile, const TiffPicture& newPicture)
-        : file(newFile), picture(newPicture), grid(MakeGrid(newPicture)),
+    BlockReader(const TiffFile& newFile, const TiffPicture& newPicture, bool newFlip)
+        : file(newFile), picture(newPicture), flip(newFlip), grid(MakeGrid(newPicture)),
           rowBytes(static_cast<std::size_t>(grid.planeBytes * grid.planes))
     {
         const std::uint32_t rows = std::min(grid.blockLength, picture.height);
@@ -67,9 +68,13 @@ public:
 
     void ReadRow(unsigned char* row) override
     {
-        const std::uint32_t rowInBlock = nextRow % grid.blockLength;
-        if (rowInBlock == 0)
+        const std::uint32_t number = flip ? picture.height - 1 - nextRow : nextRow;
+        const std::uint32_t rowInBlock = number % grid.blockLength;
+        if (const std::int64_t first = std::int64_t{number} - rowInBlock; first != heldFirst) {
+            blockRow = number - rowInBlock;
             ReadBlocks();
+            heldFirst = first;
+        }
         std::memcpy(row, held.data() + rowBytes * rowInBlock, rowBytes);
         ++nextRow;
     }
@@ -77,7 +82,7 @@ public:
 private:
     void ReadBlocks()
     {
-        const std::uint32_t rows = std::min(grid.blockLength, picture.height - nextRow);
+        const std::uint32_t rows = std::min(grid.blockLength, picture.height - blockRow);
         for (std::uint32_t plane = 0; plane < grid.planes; ++plane) {
             for (std::uint32_t column = 0; column < grid.columns; ++column) {
                 ReadBlock(plane, column, rows);
@@ -93,15 +98,15 @@ private:
         tmsize_t wanted = static_cast<tmsize_t>(block.size());
         tmsize_t got = 0;
         if (picture.tiled) {
-            const std::uint32_t tile = TIFFComputeTile(file.Get(), x, nextRow, 0, sample);
+            const std::uint32_t tile = TIFFComputeTile(file.Get(), x, blockRow, 0, sample);
             got = TIFFReadEncodedTile(file.Get(), tile, block.data(), wanted);
         } else {
             wanted = static_cast<tmsize_t>(grid.blockRowBytes * rows);
-            const std::uint32_t strip = TIFFComputeStrip(file.Get(), nextRow, sample);
+            const std::uint32_t strip = TIFFComputeStrip(file.Get(), blockRow, sample);
             got = TIFFReadEncodedStrip(file.Get(), strip, block.data(), wanted);
         }
         if (got != wanted)
-            file.Throw(ExitCode::BadInput, RowName(nextRow));
+            file.Throw(ExitCode::BadInput, RowName(blockRow));
     }
 
     // The last column of tiles reaches beyond the picture; so does the last row of them.
@@ -118,9 +123,13 @@ private:
 
     const TiffFile& file;
     TiffPicture picture;
+    bool flip;
     BlockGrid grid;
     std::size_t rowBytes;
     std::uint32_t nextRow = 0;
+    // The first row of the blocks that are being read, and of those that are held.
+    std::uint32_t blockRow = 0;
+    std::int64_t heldFirst = -1;
     std::vector<unsigned char> held;
     std::vector<unsigned char> block;
 };
@@ -130,8 +139,9 @@ private:
 class ScanlineReader final : public IRowReader
 {
 public:
-    ScanlineReader(const TiffFile& newFile, const TiffPicture& newPicture)
-        : planes(newPicture.separate ? newPicture.channels : 1),
+    ScanlineReader(const TiffFile& newFile, const TiffPicture& newPicture, bool newFlip)
+        : height(newPicture.height), flip(newFlip),
+          planes(newPicture.separate ? newPicture.channels : 1),
           planeBytes(static_cast<std::size_t>(MakeGrid(newPicture).planeBytes)),
           mapping(newFile.Descriptor(), newFile.Size())
     {
@@ -150,13 +160,14 @@ public:
 
     void ReadRow(unsigned char* row) override
     {
+        const std::uint32_t number = flip ? height - 1 - nextRow : nextRow;
         for (int plane = 0; plane < planes; ++plane) {
             const TiffFile& from = planeFiles.size() == 1
                                        ? planeFiles[0]
                                        : planeFiles[static_cast<std::size_t>(plane)];
             unsigned char* to = row + planeBytes * static_cast<std::size_t>(plane);
-            if (TIFFReadScanline(from.Get(), to, nextRow, static_cast<std::uint16_t>(plane)) != 1)
-                from.Throw(ExitCode::BadInput, RowName(nextRow));
+            if (TIFFReadScanline(from.Get(), to, number, static_cast<std::uint16_t>(plane)) != 1)
+                from.Throw(ExitCode::BadInput, RowName(number));
             from.RequireSound();
             readBytes += planeBytes;
         }
@@ -168,6 +179,8 @@ public:
     }
 
 private:
+    std::uint32_t height;
+    bool flip;
     int planes;
     std::size_t planeBytes;
     MappedFile mapping;
@@ -178,7 +191,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& picture)
+std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& picture,
+                                     const RowOrder& order)
 {
     const BlockGrid grid = MakeGrid(picture);
     const std::int64_t heldBytes =
@@ -186,8 +200,11 @@ std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& pi
     const std::int64_t mostBytes =
         picture.compression == COMPRESSION_JBIG ? largestHeldJbigBytes : largestHeldBytes;
     if (picture.tiled || heldBytes <= mostBytes || picture.rowsPerStrip == 1)
-        return std::make_unique<BlockReader>(file, picture);
-    return std::make_unique<ScanlineReader>(file, picture);
+        return std::make_unique<BlockReader>(file, picture, order.flip);
+    if (!order.flip || picture.compression == COMPRESSION_NONE)
+        return std::make_unique<ScanlineReader>(file, picture, order.flip);
+    ScanlineReader forward(file, picture, false);
+    return std::make_unique<SpooledRows>(forward, picture, order.spool, file.Path());
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -7,8 +7,8 @@
 
 namespace zvk::Pelkraft::Client {
 
-// Gives the rows of a page one after the other, from the first to the last, whatever the file is
-// cut into. A row has the picture's RowBytes(). Failures are those of a damaged file.
+// Gives the rows of a page one after the other, whatever the file is cut into. A row has the
+// picture's RowBytes(). Failures are those of a damaged file.
 class IRowReader
 {
 public:
@@ -16,7 +16,17 @@ public:
     virtual void ReadRow(unsigned char* row) = 0;
 };
 
+// Tells in which order rows are read.
+struct RowOrder
+{
+    // From the last to the first.
+    bool flip = false;
+    // Decoders of large strips know one way alone, so that their rows are kept here.
+    Spool spool;
+};
+
 // A reader for the page at which the file stands; the file must stay there while it is used.
-std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& picture);
+std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& picture,
+                                     const RowOrder& order = {});
 
 } // namespace zvk::Pelkraft::Client

@@ -1,5 +1,7 @@
 #include "tools/pelkraft/tag_writer.h"
 
+#include "tools/pelkraft/lost_tags.h"
+
 #include <string>
 #include <vector>
 
@@ -48,6 +50,17 @@ void CopyBlob(TIFF* from, TIFF* to, std::uint32_t tag)
     void* value = nullptr;
     if (TIFFGetField(from, tag, &count, &value) == 1 && value != nullptr && count > 0)
         TIFFSetField(to, tag, count, value);
+}
+
+// One curve, or one for each of three colours.
+void CopyTransferFunction(TIFF* from, TIFF* to)
+{
+    std::uint16_t* red = nullptr;
+    std::uint16_t* green = nullptr;
+    std::uint16_t* blue = nullptr;
+    if (TIFFGetField(from, TIFFTAG_TRANSFERFUNCTION, &red, &green, &blue) == 1 && red != nullptr)
+        TIFFSetField(to, TIFFTAG_TRANSFERFUNCTION, red, green != nullptr ? green : red,
+                     blue != nullptr ? blue : red);
 }
 
 void CopyDocumentTags(TIFF* from, TIFF* to)
@@ -202,12 +215,13 @@ void WriteTags(const TiffFile& from, const TiffFile& out, const TiffPicture& to,
             static_cast<std::uint16_t>(tags.dotRange->full));
     if (tags.keepColourTags)
         CopyColourTags(from.Get(), out.Get(), tags.photometric);
+    CarryTags(from, out, tags.otherTags);
     if (tags.keepValueTags) {
-        CopyShortPair(from.Get(), out.Get(), TIFFTAG_DOTRANGE);
         CopyShortPair(from.Get(), out.Get(), TIFFTAG_HALFTONEHINTS);
         CopyShort(from.Get(), out.Get(), TIFFTAG_MINSAMPLEVALUE);
         CopyShort(from.Get(), out.Get(), TIFFTAG_MAXSAMPLEVALUE);
         CopyShort(from.Get(), out.Get(), TIFFTAG_THRESHHOLDING);
+        CopyTransferFunction(from.Get(), out.Get());
     }
 }
 
