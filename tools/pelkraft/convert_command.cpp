@@ -35,6 +35,7 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
     Total total;
     WarningCounts warnings;
     Json pages = Json::array();
+    PageGroups plans;
     VisitPages(file, options.input.pages, [&](int page) {
         const PagePlan plan = PlanPage(file, options);
         const auto rowBytes = static_cast<std::uint64_t>(plan.to.RowBytes());
@@ -46,7 +47,7 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
         if (options.common.json)
             pages.push_back(ExplainPageJson(plan, options, page));
         else if (options.common.explain)
-            PrintBeside(options.output.path, ExplainPage(plan, options, page));
+            plans.Add(page, ExplainPage(plan, options));
         for (const std::string& warning : plan.tags.warnings)
             warnings.Add(warning);
     });
@@ -56,6 +57,8 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
     warnings.Print(options.input.path);
     if (options.common.json)
         PrintBeside(options.output.path, JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
+    else
+        PrintBeside(options.output.path, PlanText(plans));
     return total;
 }
 

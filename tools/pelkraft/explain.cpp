@@ -119,11 +119,11 @@ Json PictureJson(const TiffPicture& picture)
 
 } // namespace
 
-std::string ExplainPage(const PagePlan& plan, const ConvertOptions& options, int page)
+std::string ExplainPage(const PagePlan& plan, const ConvertOptions& options)
 {
     const RowRequest& request = plan.rows.Request();
     const Json description = ReadDescription(plan);
-    std::string text = "page " + std::to_string(page) + "\n";
+    std::string text = "\n";
     text += Line("reads", PictureWords(plan.from));
     text += Line("row", request.from.Words());
     if (request.from.woven)

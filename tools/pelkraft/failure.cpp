@@ -2,6 +2,7 @@
 
 #include "tools/pelkraft/memory_end.h"
 #include "tools/pelkraft/message_style.h"
+#include "tools/pelkraft/page_warnings.h"
 #include "tools/pelkraft/shown_text.h"
 #include "tools/pelkraft/terminal.h"
 
@@ -65,7 +66,7 @@ void PrintError(const std::string& file, const std::string& text)
 
 void PrintWarning(const std::string& file, const std::string& text)
 {
-    if (!GetMessageStyle().quiet)
+    if (!PageWarnings::Keep(file, text) && !GetMessageStyle().quiet)
         PrintLine(warningColour, "warning: ", file, text);
 }
 

@@ -24,6 +24,7 @@ private:
 };
 
 // One line on the standard error stream each, whatever the texts hold. An empty file is left out.
+// While pages are visited, warnings wait for those of the other pages.
 void PrintError(const std::string& file, const std::string& text);
 void PrintWarning(const std::string& file, const std::string& text);
 // What was done, for those who ask for it.

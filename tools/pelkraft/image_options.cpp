@@ -1,6 +1,7 @@
 #include "tools/pelkraft/image_options.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/page_warnings.h"
 
 #include <CLI/CLI.hpp>
 
@@ -130,14 +131,33 @@ TiffFile OpenInput(const InputOptions& input, const std::string& outputPath)
     return TiffFile::OpenForReading(input.path, {outputPath, input.spoolLimit});
 }
 
+namespace {
+
+// A failure of the file names the page, unless there is no other.
+void VisitPage(const TiffFile& file, int page, const std::function<void(int page)>& visit)
+{
+    try {
+        visit(page);
+    } catch (const Failure& failure) {
+        if (failure.File() != file.Path() || !file.HasSeveralPages() ||
+            failure.Code() == ExitCode::Interrupted)
+            throw;
+        throw Failure(failure.Code(), failure.File(), PageLabel({page}) + ": " + failure.what());
+    }
+}
+
+} // namespace
+
 void VisitPages(const TiffFile& file, const PageChoice& pages,
                 const std::function<void(int page)>& visit)
 {
+    PageWarnings warnings(file.HasSeveralPages());
     int page = 0;
     do {
         ++page;
+        warnings.StartPage(page);
         if (pages.Takes(page))
-            visit(page);
+            VisitPage(file, page, visit);
     } while (page != pages.Last() && file.NextPage(page));
     if (page < pages.Last())
         throw Failure(ExitCode::Usage, file.Path(),

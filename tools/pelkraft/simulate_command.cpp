@@ -259,6 +259,7 @@ private:
     {
         Total total;
         std::set<std::size_t> flat;
+        PageGroups plans;
         VisitPages(file, options.input.pages, [&](int page) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern, steps);
             ++total.pages;
@@ -266,31 +267,30 @@ private:
             total.bytes += static_cast<std::uint64_t>(plan.to.width) * plan.to.height *
                            static_cast<std::uint64_t>(plan.to.channels);
             if (options.common.explain)
-                Explain(plan, pattern, page);
+                plans.Add(page, Explain(plan, pattern));
             total.warned = WarnOfUnused(plan) || total.warned;
             for (std::size_t i = 0; i < steps.topSteps.size(); ++i)
                 if (plan.steps.IsFlat(i))
                     flat.insert(i);
         });
+        PrintBeside(options.output.path, PlanText(plans));
         for (const std::size_t inColour : flat)
             WarnOfFlatInks(pattern, steps, inColour);
         total.warned = total.warned || !flat.empty();
         return total;
     }
 
-    void Explain(const SimulationPlan& plan, const LoadedPattern& pattern, int page) const
+    std::string Explain(const SimulationPlan& plan, const LoadedPattern& pattern) const
     {
-        std::string text = "page " + std::to_string(page) + ": " + std::to_string(plan.from.width) +
-                           " x " + std::to_string(plan.from.height) + " pixels, " + engine +
-                           " engine\n";
+        std::string text = ": " + std::to_string(plan.from.width) + " x " +
+                           std::to_string(plan.from.height) + " pixels, " + engine + " engine\n";
         for (std::size_t i = 0; i < pattern.inColours.size(); ++i)
             text += "  in-colour " + Shown(pattern.inColours[i]) + ": channel " +
                     Shown(ChannelWords(plan.channels, plan.choice.map[i])) + " by " +
                     (plan.choice.byName[i] ? "name" : "order") + ", steps 0 to " +
                     std::to_string(pattern.topSteps[i]) + ", " + WayWords(plan.steps.ways[i]) +
                     '\n';
-        PrintBeside(options.output.path,
-                    text + "  out-inks " + Shown(Names(pattern.outInks)) + '\n');
+        return text + "  out-inks " + Shown(Names(pattern.outInks)) + '\n';
     }
 
     bool WarnOfUnused(const SimulationPlan& plan) const

@@ -35,14 +35,13 @@ int NoteError(TIFF*, void* userData, const char*, const char* format, va_list ar
 
 int NoteWarning(TIFF*, void* userData, const char*, const char* format, va_list arguments) noexcept
 {
-    auto& warnings = static_cast<TiffMessages*>(userData)->warnings;
-    std::string text = Format(format, arguments);
+    auto& messages = *static_cast<TiffMessages*>(userData);
+    const std::string text = Format(format, arguments);
     // Inks beyond the fourth are no extra samples to us, whatever libtiff makes of them.
     if (text.find("Defining non-color channels as ExtraSamples") != std::string::npos)
         return 1;
-    if (warnings.size() < mostWarnings &&
-        std::find(warnings.begin(), warnings.end(), text) == warnings.end())
-        warnings.push_back(std::move(text));
+    if (messages.warnings.All().size() < mostWarnings || messages.warnings.Has(text))
+        messages.warnings.Add(messages.page, text);
     return 1;
 }
 
@@ -74,6 +73,7 @@ TiffFile TiffFile::OpenForReading(const std::string& path, const Spool& spool)
     if (!file.handle)
         file.Throw(ExitCode::BadInput,
                    "is not a TIFF file, or is cut off; supported are TIFF and BigTIFF");
+    file.severalPages = TIFFLastDirectory(file.Get()) == 0;
     return file;
 }
 
@@ -102,10 +102,19 @@ TiffFile TiffFile::OpenAgain(const MappedFile& mapping) const
     return file;
 }
 
+std::vector<std::string> TiffFile::Warnings() const
+{
+    std::vector<std::string> texts;
+    for (const PageGroup& group : messages->warnings.All())
+        texts.push_back(PageCountWords(group.pages, severalPages) + group.text);
+    return texts;
+}
+
 bool TiffFile::NextPage(int page) const
 {
     if (TIFFLastDirectory(Get()) != 0)
         return false;
+    messages->page = page + 1;
     if (TIFFReadDirectory(Get()) != 1)
         Throw(ExitCode::BadInput, "has a page " + std::to_string(page + 1) + " that can't be read");
     return true;
@@ -113,6 +122,7 @@ bool TiffFile::NextPage(int page) const
 
 void TiffFile::FirstPage() const
 {
+    messages->page = 1;
     if (TIFFSetDirectory(Get(), 0) != 1)
         Throw(ExitCode::BadInput, "can't be read a second time");
 }

@@ -2,6 +2,7 @@
 
 #include "tools/pelkraft/exit_code.h"
 #include "tools/pelkraft/input_file.h"
+#include "tools/pelkraft/page_groups.h"
 #include "tools/pelkraft/tiff_stream.h"
 
 #include <tiffio.h>
@@ -17,7 +18,8 @@ namespace zvk::Pelkraft::Client {
 struct TiffMessages
 {
     std::string error;
-    std::vector<std::string> warnings;
+    PageGroups warnings;
+    int page = 1;
 };
 
 // An open TIFF file of libtiff, closed at the end of the scope.
@@ -40,7 +42,9 @@ public:
     // Bytes of the file at the time of opening; of one that is being written, so far.
     std::uint64_t Size() const { return stream->Size(); }
     int Descriptor() const { return stream->Descriptor(); }
-    const std::vector<std::string>& Warnings() const { return messages->warnings; }
+    // With the pages that they are about.
+    std::vector<std::string> Warnings() const;
+    bool HasSeveralPages() const { return severalPages; }
 
     // Goes on to the page after this one, counted from 1. False after the last one.
     bool NextPage(int page) const;
@@ -72,6 +76,7 @@ private:
 
     std::string path;
     bool writing;
+    bool severalPages = false;
     // At fixed addresses: libtiff keeps pointers to them.
     std::unique_ptr<TiffMessages> messages;
     std::unique_ptr<TiffStream> stream;
