@@ -105,6 +105,35 @@ TEST_F(Pipes, CarryPagesOfOddSizes)
     EXPECT_TRUE(Holds("out.tif", {pages[1], pages[2]}));
 }
 
+TEST_F(Pipes, ServeOtherVerbs)
+{
+    const std::vector<TiffImage> pages = {RandomImage(7, 5, 3, 8, 1), RandomImage(9, 3, 3, 8, 2)};
+    FileForm form;
+    form.photometric = PHOTOMETRIC_SEPARATED;
+    form.setTags = [](TIFF* tiff) {
+        TIFFSetField(tiff, TIFFTAG_INKSET, INKSET_MULTIINK);
+        TIFFSetField(tiff, TIFFTAG_INKNAMES, 16, "Cyan\0Black\0Spot");
+        TIFFSetField(tiff, TIFFTAG_NUMBEROFINKS, 3);
+    };
+    WriteInput(pages, form);
+    EXPECT_EQ(0, Shell("cat in.tif | $P split - plate && "
+                       "$P join - plate*.tif | cat > out.tif")
+                     .exitCode);
+    EXPECT_EQ(2U, Pages("out.tif").size());
+    WriteBytes(Path("pattern.txt"), "DotWeavePattern VERSION 2\nBEGIN_OUT_INKS Ink END_OUT_INKS\n"
+                                    "BEGIN_IN_COLORS Ink END_IN_COLORS\nBEGIN_IN_COLOR Ink\n"
+                                    "BEGIN_INKS Ink END_INKS\nBEGIN_VALUES 1 1 0-255\n"
+                                    "END_VALUES\nEND_IN_COLOR\n");
+    const std::vector<TiffImage> plates = {RandomImage(7, 5, 1, 8, 1), RandomImage(9, 3, 1, 8, 2)};
+    WriteInput(plates);
+    EXPECT_EQ(0, Shell("cat in.tif | $P simulate pattern.txt - - | cat > out.tif").exitCode);
+    std::vector<TiffImage> dots = Pages("out.tif");
+    ASSERT_EQ(0, Shell("$P simulate pattern.txt in.tif out.tif").exitCode);
+    EXPECT_TRUE(Holds("out.tif", dots));
+    EXPECT_EQ(2U, dots.size());
+    EXPECT_EQ(0, Shell("cat in.tif | $P info - && cat in.tif | $P preview - seen.png").exitCode);
+}
+
 // A reader that can't go back has met a page's directory when its samples come.
 TEST_F(Pipes, GetEachDirectoryBeforeItsStrips)
 {

@@ -237,8 +237,7 @@ void JoinPage(const std::vector<TiffFile>& files, const TiffFile& out, const Joi
         writer.WriteRows(newRows.Data(), plan.to.RowBytes(), rows);
         progress.Advance(rows);
     }
-    if (TIFFWriteDirectory(out.Get()) != 1)
-        out.Throw(ExitCode::ReadWrite, "cannot be written");
+    writer.EndPage();
     for (const TiffFile& file : files)
         file.RequireSound();
 }
