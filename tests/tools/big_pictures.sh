@@ -52,8 +52,10 @@ run 8 2 convert "$in" "$out" --mirror
 check 8 interleaved mirrored
 write_pattern >"$pattern"
 for threads in 1 2; do
-    run 8 $threads simulate "$pattern" "$in" "$out" --preview "$folder/seen.png"
+    run 8 $threads simulate "$pattern" "$in" "$out" --levels quantize --preview "$folder/seen.png"
     check 8 interleaved steps
+    run 8 $threads simulate "$pattern" "$in" "$out" --levels dither
+    rm "$out"
 done
 
 make 8 planar 4
