@@ -99,7 +99,7 @@ TEST_F(PatternDiff, SpeaksJson)
 {
     const Json json =
         Json::parse(Diff(Replaced(smallPattern, "1:3 1-128", "1:1 1-128"), "json").output);
-    EXPECT_EQ(1, json["schemaVersion"]);
+    EXPECT_EQ(1, json["schema"]);
     EXPECT_FALSE(json["same"]);
     EXPECT_EQ(Path("a.txt"), json["left"]);
     std::set<std::string> kinds;

@@ -79,7 +79,7 @@ TEST_F(PatternVerbs, SpeakJsonOfSeveralTexts)
 {
     const Json json =
         Json::parse(Verb({"lint", "--format", "json", Path("odd.txt"), Path("bad.txt")}).output);
-    EXPECT_EQ(1, json["schemaVersion"]);
+    EXPECT_EQ(1, json["schema"]);
     EXPECT_EQ((Json{{"errors", 1}, {"warnings", 1}, {"notes", 0}}), json["counts"]);
     ASSERT_EQ(2U, json["texts"].size());
     EXPECT_EQ(Path("odd.txt"), json["texts"][0]["file"]);
@@ -101,7 +101,7 @@ TEST_F(PatternVerbs, SpeakJsonOfSeveralTexts)
 TEST_F(PatternVerbs, GiveSharesAndMeansInJson)
 {
     const Json json = Json::parse(Verb({Path("good.txt"), "--json"}).output);
-    EXPECT_EQ(1, json["schemaVersion"]);
+    EXPECT_EQ(1, json["schema"]);
     EXPECT_EQ((Json{{"errors", 0}, {"warnings", 0}, {"notes", 0}}), json["counts"]);
     // Step 2 of Cyan: a quarter of 128 LightCyan, else 40 of Cyan.
     const Json& step = json["inColours"][0]["steps"][2];

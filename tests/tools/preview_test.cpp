@@ -180,6 +180,25 @@ TEST_F(PreviewOfInks, NamesThePicturesOfPagesAfterTheirNumbers)
     EXPECT_EQ(3, ReadPng(Path("seen.png")).width);
 }
 
+TEST_F(PreviewOfInks, WritesOnePageToTheStandardOutput)
+{
+    WriteTiffPages(Path("in.tif"), {RandomImage(30, 20, 4, 8, 1), RandomImage(30, 20, 4, 8, 2)},
+                   FourInks());
+    const std::vector<std::string> inks = {"--inks", Path("inks.txt"), "--page", "2", "--explain"};
+    EXPECT_EQ(0, Preview(inks).exitCode);
+    std::vector<std::string> arguments = {"preview", Path("in.tif"), "-"};
+    const Outcome both = Run(arguments);
+    EXPECT_EQ(2, both.exitCode);
+    EXPECT_NE(std::string::npos, both.errors.find("--page chooses one"));
+    EXPECT_EQ("", both.output);
+    arguments.insert(arguments.end(), inks.begin(), inks.end());
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(0, outcome.exitCode);
+    EXPECT_TRUE(Bytes(Path("seen.png")) == outcome.output);
+    // Nothing else is mixed into it.
+    EXPECT_NE(std::string::npos, outcome.errors.find("page 2: 30 x 20 as 30 x 20"));
+}
+
 TEST_F(PreviewOfInks, TellsTheResolution)
 {
     FileForm form = FourInks();

@@ -320,7 +320,7 @@ std::string DifferenceWords(const std::vector<PatternDifference>& all, const std
 std::string DifferenceJson(const std::vector<PatternDifference>& differences,
                            const std::string& leftPath, const std::string& rightPath)
 {
-    Json json = {{"schemaVersion", schemaVersion},
+    Json json = {{"schema", schemaVersion},
                  {"left", leftPath},
                  {"right", rightPath},
                  {"same", differences.empty()},

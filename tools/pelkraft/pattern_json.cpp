@@ -185,7 +185,7 @@ Json ReportJson(const PatternReport& report)
     const std::vector<std::string> outInks = outline.OutInkList();
     const std::vector<StepShares> shares = SharesOf(report);
     Json json;
-    json["schemaVersion"] = schemaVersion;
+    json["schema"] = schemaVersion;
     json["file"] = report.text.Path();
     json["version"] = {
         {"parser", outline.version},
@@ -221,7 +221,7 @@ std::string ListJson(const std::vector<const PatternReport*>& reports,
     Json texts = Json::array();
     std::transform(reports.begin(), reports.end(), std::back_inserter(texts),
                    [jsonOf](const PatternReport* report) { return jsonOf(*report); });
-    return JsonText({{"schemaVersion", schemaVersion},
+    return JsonText({{"schema", schemaVersion},
                      {"counts", CountsJson(reports)},
                      {"texts", std::move(texts)}});
 }

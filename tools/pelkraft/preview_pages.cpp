@@ -2,8 +2,10 @@
 
 #include "tools/pelkraft/atomic_output.h"
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/ink_codes.h"
+#include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/json.h"
 #include "tools/pelkraft/page_inks.h"
@@ -18,6 +20,7 @@
 #include <algorithm>
 #include <charconv>
 #include <list>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -146,7 +149,38 @@ private:
     std::vector<Worker> workers;
 };
 
-void ShowPage(const TiffFile& file, const PagePlan& plan, int threads, AtomicOutput& output,
+// Where a picture goes: a file that appears whole or not at all, or the standard output stream.
+class PictureOutput
+{
+public:
+    PictureOutput(const std::string& path, const OutputRules& rules)
+    {
+        if (path != standardStream)
+            file.emplace(path, rules);
+    }
+
+    int Append(const void* bytes, std::size_t size) const
+    {
+        return file ? file->Append(bytes, size) : WriteAll(standardOutput, bytes, size);
+    }
+
+    void Store()
+    {
+        if (file)
+            file->Store();
+    }
+
+    void Commit()
+    {
+        if (file)
+            file->Commit();
+    }
+
+private:
+    std::optional<AtomicOutput> file;
+};
+
+void ShowPage(const TiffFile& file, const PagePlan& plan, int threads, PictureOutput& output,
               const std::string& path, Progress& progress)
 {
     PreviewPng png(
@@ -218,32 +252,18 @@ std::string ExplainWords(const Json& plan)
     return words;
 }
 
-// Temporaries end in the reverse order.
-class Outputs
+void CheckOutputs(const std::vector<std::string>& paths, const OutputRules& rules)
 {
-public:
-    Outputs() = default;
-    ~Outputs()
-    {
-        while (!outputs.empty())
-            outputs.pop_back();
+    if (paths.front() == standardStream) {
+        if (paths.size() > 1)
+            throw Failure(ExitCode::Usage, {},
+                          "the standard output takes one page, and here are " +
+                              std::to_string(paths.size()) + "; --page chooses one");
+        return;
     }
-    Outputs(const Outputs&) = delete;
-    Outputs& operator=(const Outputs&) = delete;
-
-    AtomicOutput& Add(const std::string& path, const OutputRules& rules)
-    {
-        return outputs.emplace_back(path, rules);
-    }
-    void Commit()
-    {
-        for (AtomicOutput& output : outputs)
-            output.Commit();
-    }
-
-private:
-    std::list<AtomicOutput> outputs;
-};
+    for (const std::string& path : paths)
+        AtomicOutput::Check(path, rules);
+}
 
 } // namespace
 
@@ -286,25 +306,26 @@ void PreviewPages(const PreviewOptions& options)
         words += ExplainWords(plans.back());
     });
     if (options.common.explain)
-        PrintText(options.common.json ? JsonText({{"pages", plans}}) : words);
-    if (options.common.dryRun) {
-        for (const std::string& path : paths)
-            AtomicOutput::Check(path, options.rules);
+        PrintBeside(options.output,
+                    options.common.json ? JsonText({{"schema", 1}, {"pages", plans}}) : words);
+    CheckOutputs(paths, options.rules);
+    if (options.common.dryRun)
         return;
-    }
 
-    Outputs outputs;
-    Progress progress("preview " + options.output, rows);
+    std::list<PictureOutput> outputs;
+    Progress progress("preview " + options.output, rows, static_cast<int>(paths.size()));
     std::size_t shown = 0;
     VisitPages(file, options.input.pages, [&](int) {
         const std::string& path = paths[shown++];
+        progress.StartPage();
         ShowPage(file, PlanPage(file, options, told), options.common.threads,
-                 outputs.Add(path, options.rules), path, progress);
+                 outputs.emplace_back(path, options.rules), path, progress);
     });
     file.RequireSound();
     file.Close();
     StopIfInterrupted(options.output);
-    outputs.Commit();
+    for (PictureOutput& output : outputs)
+        output.Commit();
     for (const std::string& warning : file.Warnings())
         PrintWarning(options.input.path, warning);
 }
