@@ -34,10 +34,10 @@ PELKRAFT_ALWAYS_INLINE inline void FillPlanes(Byte** planes, std::size_t channel
                                               std::size_t planeBytes)
 {
     auto plane = reinterpret_cast<std::uintptr_t>(first);
-    for (std::size_t c = 0; c < channels; c += 4) {
+    for (std::size_t c = 0; c < channels; c += 4)
         for (std::size_t i = 0; i != 4; ++i, plane += planeBytes)
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): no row goes on past its last plane.
             planes[c + i] = reinterpret_cast<Byte*>(plane);
-    }
 }
 
 // No map is left here: what splits or merges by one has a tile.
