@@ -98,7 +98,7 @@ TEST_F(SimulateFailures, NameFilesThatArentThere)
         {"in.tif:1:1: error: ", "stands where the header word must"}, {"in.tif"}));
     EXPECT_TRUE(
         Refused(Run({"simulate", Path("pattern.txt"), Path("pattern.txt"), Path("out.tif")}), 3,
-                {"pattern.txt: is not a TIFF file, or is cut off"}));
+                {"pattern.txt: is not a TIFF file but a pattern text"}));
     EXPECT_TRUE(LeftNothing());
 }
 

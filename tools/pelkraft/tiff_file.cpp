@@ -1,6 +1,7 @@
 #include "tools/pelkraft/tiff_file.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/file_damage.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -71,8 +72,8 @@ TiffFile TiffFile::OpenForReading(const std::string& path, const Spool& spool)
     InputFile input(path, spool);
     TiffFile file(std::make_unique<TiffStream>(input.TakeDescriptor(), input.Size()), path, "r");
     if (!file.handle)
-        file.Throw(ExitCode::BadInput,
-                   "is not a TIFF file, or is cut off; supported are TIFF and BigTIFF");
+        file.ThrowDamage(DamageWords({file.Descriptor(), file.Size()}),
+                         "can't be read as a TIFF file; supported are TIFF and BigTIFF");
     file.severalPages = TIFFLastDirectory(file.Get()) == 0;
     return file;
 }
@@ -115,8 +116,10 @@ bool TiffFile::NextPage(int page) const
     if (TIFFLastDirectory(Get()) != 0)
         return false;
     messages->page = page + 1;
+    const std::uint64_t offset = TIFFCurrentDirOffset(Get());
     if (TIFFReadDirectory(Get()) != 1)
-        Throw(ExitCode::BadInput, "has a page " + std::to_string(page + 1) + " that can't be read");
+        ThrowDamage(NextPageDamageWords({Descriptor(), Size()}, offset, page + 1),
+                    "has a page " + std::to_string(page + 1) + " that can't be read");
     return true;
 }
 
@@ -173,6 +176,14 @@ void TiffFile::Throw(ExitCode code, const std::string& text) const
         throw std::bad_alloc();
     const std::string& said = messages->error;
     throw Failure(code, path, said.empty() ? text : text + " (" + said + ")");
+}
+
+// What is seen in the file itself says more than the parser, which only missed something.
+void TiffFile::ThrowDamage(const std::string& seen, const std::string& text) const
+{
+    if (seen.empty() || !stream->Failure().empty())
+        Throw(ExitCode::BadInput, text);
+    throw Failure(ExitCode::BadInput, path, seen);
 }
 
 bool NeedsBigForm(std::uint64_t sampleBytes)

@@ -67,6 +67,8 @@ public:
     [[noreturn]] void Throw(ExitCode code, const std::string& text) const;
 
 private:
+    [[noreturn]] void ThrowDamage(const std::string& seen, const std::string& text) const;
+
     struct CloseHandle
     {
         void operator()(TIFF* file) const { TIFFClose(file); }

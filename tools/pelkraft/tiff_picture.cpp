@@ -119,9 +119,16 @@ void RefuseMissingData(const TiffFile& file, const TiffPicture& picture)
             (picture.tiled ? "tile " : "strip ") + std::to_string(std::uint64_t{block} + 1);
         if (failed != 0)
             file.Throw(ExitCode::BadInput, "does not say where its " + name + " is");
-        if (bytes == 0 || offset > file.Size() || bytes > file.Size() - offset)
-            file.Throw(ExitCode::BadInput, "ends before its " + name + " of " +
-                                               std::to_string(count) + "; it may be truncated");
+        if (offset > file.Size() || bytes > file.Size() - offset)
+            throw Failure(ExitCode::BadInput, file.Path(),
+                          "is truncated: its " + name + " of " + std::to_string(count) + " has " +
+                              std::to_string(bytes) + " bytes from byte " + std::to_string(offset) +
+                              " on, and the file ends after " + std::to_string(file.Size()) +
+                              "; get a whole copy of it");
+        if (bytes == 0)
+            file.Throw(ExitCode::BadInput, "has no bytes in its " + name + " of " +
+                                               std::to_string(count) +
+                                               "; it was never finished, or is damaged");
     }
 }
 
