@@ -7,6 +7,7 @@ _pelkraft_offers() {
     case $1 in
     '')
         echo \
+            check \
             convert \
             coverage \
             info \
@@ -18,6 +19,7 @@ _pelkraft_offers() {
             split \
             --help --version --buildinfo
         ;;
+    check) echo "--rules --format $common" ;;
     convert)
         echo "--layout --bits --channels --repeat --mirror --flip --invert --tones --portable $input $output
             $common"
@@ -78,7 +80,7 @@ _pelkraft() {
         --channels | --origin | --page | --dot-range | --spool-limit | --threads | --ink | --plot | --preview)
             return
             ;;
-        --inks | --map | --window | --limit | --order | --output | --print-order) return ;;
+        --inks | --rules | --map | --window | --limit | --order | --output | --print-order) return ;;
         --gain | --crop) return ;;
         esac
         # Files follow a verb, and verbs below it, unless an option is begun.

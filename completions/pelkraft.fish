@@ -1,4 +1,5 @@
 # Completion of pelkraft for fish.
+set -la verbs check
 set -la verbs convert
 set -la verbs coverage
 set -la verbs info
@@ -10,6 +11,7 @@ set -la verbs simulate
 set -la verbs split
 set -l none "not __fish_seen_subcommand_from $verbs"
 set -l any "__fish_seen_subcommand_from $verbs"
+set -l check '__fish_seen_subcommand_from check'
 set -l convert '__fish_seen_subcommand_from convert'
 set -l coverage '__fish_seen_subcommand_from coverage'
 set -l info '__fish_seen_subcommand_from info'
@@ -25,6 +27,7 @@ set -l split '__fish_seen_subcommand_from split'
 complete -c pelkraft -s h -l help -d 'Print the help and exit'
 complete -c pelkraft -n $none -l version -d 'Print the version and exit'
 complete -c pelkraft -n $none -l buildinfo -d 'Print how the program was built and exit'
+complete -c pelkraft -n $none -f -a check -d 'Look for what is wrong with TIFF files'
 complete -c pelkraft -n $none -f -a convert -d 'Convert the rows of a TIFF file'
 complete -c pelkraft -n $none -f -a coverage -d 'Measure how much ink lies where'
 complete -c pelkraft -n $none -f -a info -d 'Show what TIFF files hold'
@@ -43,6 +46,9 @@ complete -c pelkraft -n $any -l threads -x -d 'Threads that share the work'
 complete -c pelkraft -n $any -l explain -d 'Print the plan, and how long the work took'
 complete -c pelkraft -n $any -l json -d 'Print JSON, for programs'
 complete -c pelkraft -n $any -l dry-run -d 'Check everything beforehand, and write nothing'
+
+complete -c pelkraft -n $check -l rules -x -d 'Rules to check by; list shows them'
+complete -c pelkraft -n $check -l format -x -a 'text json sarif' -d 'Form of the findings'
 
 complete -c pelkraft -n $convert -l layout -x -a 'interleaved planar' -d 'Layout of the samples'
 complete -c pelkraft -n $convert -l bits -x -a '1 2 8 16' -d 'Bits per sample'

@@ -188,7 +188,7 @@ run_block() {
 
 run_inline() {
     local line options
-    options=$(for verb in "" convert coverage info join pattern "pattern diff" "pattern fix" preview simulate split; do
+    options=$(for verb in "" check convert coverage info join pattern "pattern diff" "pattern fix" preview simulate split; do
         bash "$source_dir/tests/tools/options_of.sh" pelkraft $verb
     done
     ! grep -q pelkraft.pages "$source_dir/$page" || python3 -m pelkraft.pages --help

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/program.h"
 
 #include "tools/pelkraft/build_info.h"
+#include "tools/pelkraft/check_command.h"
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/coverage_command.h"
 #include "tools/pelkraft/failure.h"
@@ -85,6 +86,7 @@ int RunVerb(int argc, const char* const* argv)
     program.allow_windows_style_options(false);
     AddBuildInfo(program);
     Verbs verbs;
+    verbs.push_back(MakeCheckCommand());
     verbs.push_back(MakeConvertCommand());
     verbs.push_back(MakeCoverageCommand());
     verbs.push_back(MakeInfoCommand());
