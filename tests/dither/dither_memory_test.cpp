@@ -18,7 +18,7 @@ NaiveDither DitherOfSteps(std::uint64_t steps)
 
 TEST(DitherMemory, IsNotTakenByARun)
 {
-    for (const std::uint64_t steps : {4, 200}) {
+    for (const std::uint64_t steps : {4U, 200U}) {
         const NaiveDither naive = DitherOfSteps(steps);
         const DitherHandle dither = HandleOf(naive);
         const Bytes row = RandomBytes(8 * 500, 1);
@@ -39,7 +39,7 @@ TEST(DitherMemory, IsNotTakenByARun)
 // Each allocation fails once.
 TEST(DitherMemory, LeavesNothingWhereADitherCannotBeMade)
 {
-    for (const std::uint64_t steps : {4, 200}) {
+    for (const std::uint64_t steps : {4U, 200U}) {
         const DitherRecord record(DitherOfSteps(steps));
         std::size_t number = 0;
         for (plk_status status = PLK_NO_MEMORY; status != PLK_OK; ++number) {

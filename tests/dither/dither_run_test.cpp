@@ -44,11 +44,11 @@ TEST(DitheredRow, FollowsTheFormulasAtEveryLevel)
     for (const int level : LevelsOfThisProcessor()) {
         const LimitedLevel limit(level);
         for (const int bits : {8, 16})
-            for (const std::size_t channels : {1, 2, 3, 4, 5, 7, 16}) {
+            for (const std::size_t channels : {1U, 2U, 3U, 4U, 5U, 7U, 16U}) {
                 const NaiveDither naive = DitherOfChannels(channels, bits);
                 const DitherHandle dither = HandleOf(naive);
                 for (const std::size_t pixels :
-                     {1, 2, 15, 16, 17, 31, 33, 63, 64, 65, 127, 257, 600})
+                     {1U, 2U, 15U, 16U, 17U, 31U, 33U, 63U, 64U, 65U, 127U, 257U, 600U})
                     for (const Flush flush : {Flush::AtEnd, Flush::AtStart}) {
                         const auto seed = static_cast<unsigned>(pixels);
                         const std::int64_t x = static_cast<std::int64_t>(pixels * 37) - 900;
@@ -67,7 +67,7 @@ TEST(DitheredRow, FollowsTheFormulasAtEveryLevel)
 TEST(DitheredRow, ServesAnyNumberOfSteps)
 {
     for (const int bits : {8, 16})
-        for (const std::size_t steps : {1, 2, 16, 17, 18, 19, 100, 256})
+        for (const std::size_t steps : {1U, 2U, 16U, 17U, 18U, 19U, 100U, 256U})
             for (const bool reversed : {false, true}) {
                 const int largest = (1 << bits) - 1;
                 NaiveDither naive;
@@ -105,6 +105,33 @@ TEST(DitheredRow, KeepsTheLargestInksExact)
         ASSERT_EQ(naive.RowOf(row, 0, y), RunRows(dither.get(), 0, y, 1, row));
 }
 
+// Each sample over the whole mask, where one place more or less shows. Between the first two of
+// these inks sample 102 lies at 26214.5 of 65536.
+TEST(DitheredRow, TakesEachPlaceOfTheMaskAsTheFormulasDo)
+{
+    NaiveDither naive;
+    naive.mask = OwnMask();
+    naive.channels = {{{0, 262144, 262145}}};
+    for (const bool manySteps : {false, true}) {
+        for (std::uint64_t step = 3; manySteps && step != 30; ++step)
+            naive.channels[0].inks.push_back(262143 + step * step);
+        const DitherHandle dither = HandleOf(naive);
+        for (int sample = 0; sample != 256; ++sample) {
+            const Bytes area(65536, static_cast<unsigned char>(sample));
+            const Bytes steps = RunRows(dither.get(), 0, 0, 256, area);
+            std::uint64_t sum = 0;
+            std::uint64_t expected = 0;
+            for (std::size_t i = 0; i != steps.size(); ++i) {
+                sum += steps[i];
+                expected += static_cast<std::uint64_t>(
+                    naive.StepOf(sample, 0, static_cast<std::int64_t>(i % 256),
+                                 static_cast<std::int64_t>(i / 256)));
+            }
+            ASSERT_EQ(expected, sum) << sample;
+        }
+    }
+}
+
 TEST(DitheredRow, TakesTheLibrarysMaskForNone)
 {
     NaiveDither naive = MixedDither(8);
@@ -134,7 +161,7 @@ protected:
 
 TEST_P(DitheredPage, IsTheSameInBandsAndColumns)
 {
-    for (const std::size_t cut : {1, 100, 332}) {
+    for (const std::size_t cut : {1U, 100U, 332U}) {
         Bytes steps(whole.size(), 0xA5);
         for (const std::size_t x : {std::size_t{0}, cut})
             for (const std::size_t y : {std::size_t{0}, cut % height}) {
