@@ -15,14 +15,23 @@ if [ "$1" = sample ]; then
     round_seconds=30
 fi
 targets=("${@:2}")
-[ ${#targets[@]} -ne 0 ] || targets=(row_conversion plan_run pattern_text tiff_file)
+[ ${#targets[@]} -ne 0 ] || targets=(row_conversion plan_run pattern_text
+    verb_{convert,coverage,info,join,pattern,preview,simulate,split})
 
 options_of() {
     case $1 in
     row_conversion) echo "-max_len=128" ;;
     plan_run) echo "-max_len=256" ;;
-    tiff_file) echo "-max_len=4096 -rss_limit_mb=4096 -close_fd_mask=3" ;;
+    verb_*) echo "-max_len=4096 -rss_limit_mb=4096 -close_fd_mask=3" ;;
     pattern_text) echo "-max_len=2048 -dict=../../fuzz/pattern_text.dict" ;;
+    esac
+}
+
+# All verbs of the program begin with the same files.
+corpus_of() {
+    case $1 in
+    verb_*) echo tiff_file ;;
+    *) echo "$1" ;;
     esac
 }
 
@@ -32,7 +41,8 @@ run_round() {
     # shellcheck disable=SC2046 # a list of words
     (cd build/fuzz && TIMEFORMAT='processor: %U %S' && time ./fuzz/fuzz_"$target" \
         -max_total_time=$round_seconds -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 \
-        $(options_of "$target") "found/$target" "../../fuzz/corpus/$target") >"$log" 2>&1 ||
+        $(options_of "$target") "found/$target" "../../fuzz/corpus/$(corpus_of "$target")") \
+        >"$log" 2>&1 ||
         { tail -n 40 "$log" && return 1; }
     awk -v build="$build" '/^processor:/ { seconds = $2 + $3 }
         /^stat::number_of_executed_units:/ { executions = $2 }
