@@ -26,6 +26,13 @@ constexpr const char* coverageHelp =
     "The map shows the first of the pages: white without ink, over blue to yellow at the limit,\n"
     "red above it.\n\n";
 
+// The sum of all pages.
+struct Total
+{
+    int pages = 0;
+    std::uint64_t rows = 0;
+};
+
 class CoverageCommand final : public ISubcommand
 {
 public:
@@ -55,15 +62,15 @@ public:
         CatchInterrupts();
         const auto start = std::chrono::steady_clock::now();
         TiffFile file = OpenInput(input, map);
-        const std::uint64_t rows = PlanAll(file);
+        const Total total = PlanAll(file);
         if (common.dryRun) {
             if (!map.empty())
                 AtomicOutput::Check(map, rules);
             return ExitCode::Done;
         }
-        const bool above = CountAll(file, rows);
+        const bool above = CountAll(file, total);
         if (common.explain && !common.json)
-            PrintSpeed({}, rows, std::chrono::steady_clock::now() - start);
+            PrintSpeed({}, total.rows, std::chrono::steady_clock::now() - start);
         for (const std::string& warning : file.Warnings())
             PrintWarning(input.path, warning);
         return above ? ExitCode::Warnings : ExitCode::Done;
@@ -76,42 +83,46 @@ private:
     }
 
     // Refuses before the first row of the first page what is wrong with the last.
-    std::uint64_t PlanAll(const TiffFile& file) const
+    Total PlanAll(const TiffFile& file) const
     {
-        std::uint64_t rows = 0;
+        Total total;
+        PageGroups plans;
         VisitPages(file, input.pages, [&](int page) {
             const CoveragePlan plan = PlanPage(file);
-            rows += plan.picture.height;
+            ++total.pages;
+            total.rows += plan.picture.height;
             if (!common.explain || common.json)
                 return;
-            std::string text = "page " + std::to_string(page) + ": " +
-                               std::to_string(plan.codes.none) + " is no ink and " +
+            std::string text = ": " + std::to_string(plan.codes.none) + " is no ink and " +
                                std::to_string(plan.codes.full) + " full ink, " +
                                Counted(plan.inks.size(), "ink", "inks");
             if (plan.window)
                 text += ", a window of " + std::to_string(plan.window->width) + " x " +
                         std::to_string(plan.window->height) + " pixels";
-            PrintText(text + ", on " +
-                      Counted(static_cast<std::size_t>(common.threads), "thread", "threads") +
-                      '\n');
+            plans.Add(page,
+                      text + ", on " +
+                          Counted(static_cast<std::size_t>(common.threads), "thread", "threads") +
+                          '\n');
         });
-        return rows;
+        PrintText(PlanText(plans));
+        return total;
     }
 
     // Answers whether a pixel is above the limit.
-    bool CountAll(const TiffFile& file, std::uint64_t rows) const
+    bool CountAll(const TiffFile& file, const Total& total) const
     {
         bool above = false;
         std::string words = Shown(input.path) + '\n';
         Json pages = Json::array();
         std::string picture;
         {
-            Progress progress("coverage " + input.path, rows);
+            Progress progress("coverage " + input.path, total.rows, total.pages);
             VisitPages(file, input.pages, [&](int page) {
                 const CoveragePlan plan = PlanPage(file);
                 std::optional<CoverageMap> shown;
                 if (!map.empty() && picture.empty())
                     shown.emplace(plan.picture.width, plan.picture.height, plan.resolution);
+                progress.StartPage();
                 const PageCoverage found =
                     CountCoverage(file, plan, shown ? &*shown : nullptr, common.threads, progress);
                 above = above || found.pixelsAbove > 0;

@@ -146,6 +146,7 @@ private:
     {
         Total total;
         Json pages = Json::array();
+        PageGroups plans;
         std::vector<std::string> warnings;
         for (const OpenGroup& group : groups) {
             group.VisitPages(input.pages, [&](int) {
@@ -159,13 +160,14 @@ private:
                     if (std::find(warnings.begin(), warnings.end(), warning) == warnings.end())
                         warnings.push_back(warning);
                 }
-                Explain(group, plan, pages);
+                Explain(group, plan, pages, plans);
             });
         }
         for (const std::string& warning : warnings)
             PrintWarning(groups[0].Plates()[0].path, warning);
-        if (common.json)
-            PrintBeside(output.path, JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
+        PrintBeside(output.path, common.json
+                                     ? JsonText({{"schema", 1}, {"pages", std::move(pages)}})
+                                     : PlanText(plans));
         return total;
     }
 
@@ -174,34 +176,34 @@ private:
         return PlanJoin(group.Plates(), group.Files(), input, output);
     }
 
-    void Explain(const OpenGroup& group, const JoinPlan& plan, Json& pages) const
+    void Explain(const OpenGroup& group, const JoinPlan& plan, Json& pages, PageGroups& plans) const
     {
         if (!common.explain)
             return;
-        std::string text = "page " + std::to_string(pages.size() + 1) + ": " +
-                           std::to_string(plan.to.width) + " x " + std::to_string(plan.to.height) +
-                           " pixels, " + plan.rows.Request().to.Words() + ", " +
+        std::string text = ": " + std::to_string(plan.to.width) + " x " +
+                           std::to_string(plan.to.height) + " pixels, " +
+                           plan.rows.Request().to.Words() + ", " +
                            CompressionName(plan.to.compression) + '\n';
         Json inks = Json::array();
         for (std::size_t plate = 0; plate < plan.plates.size(); ++plate) {
             text += PlateWords(group.Plates()[plate], plan.plates[plate], plate);
             inks.push_back(PlateJson(group.Plates()[plate], plan.plates[plate]));
         }
+        plans.Add(static_cast<int>(pages.size() + 1), text);
         pages.push_back({{"page", pages.size() + 1},
                          {"width", plan.to.width},
                          {"height", plan.to.height},
                          {"bits", plan.to.bits},
                          {"compression", CompressionName(plan.to.compression)},
                          {"plates", std::move(inks)}});
-        if (!common.json)
-            PrintBeside(output.path, text);
     }
 
     void JoinAll(const std::vector<OpenGroup>& groups, TiffOutput& out, const Total& total) const
     {
-        Progress progress("join " + output.path, total.rows);
+        Progress progress("join " + output.path, total.rows, total.pages);
         for (const OpenGroup& group : groups) {
             group.VisitPages(input.pages, [&](int) {
+                progress.StartPage();
                 JoinPage(group.Files(), out.File(), PlanPage(group), common.threads, progress);
             });
         }

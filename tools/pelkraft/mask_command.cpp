@@ -49,7 +49,7 @@ public:
     {
         if (!verify && form.empty())
             throw Failure(ExitCode::Usage, {},
-                          "mask wants --verify or --export raw16; pelkraft mask --help tells more");
+                          "mask wants --verify or --export raw16");
         CatchInterrupts();
         const std::uint16_t* const ranks = plk_dither_mask();
         if (ranks == nullptr)

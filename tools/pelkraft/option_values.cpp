@@ -19,14 +19,6 @@ std::vector<std::string> SplitAtCommas(const std::string& text)
     return pieces;
 }
 
-std::string Joined(const std::vector<std::string>& names, const std::string& between)
-{
-    std::string joined;
-    for (const std::string& name : names)
-        joined.append(joined.empty() ? "" : between).append(name);
-    return joined;
-}
-
 } // namespace
 
 std::string OptionValues::Words() const
@@ -59,6 +51,14 @@ OptionValues ValuesOf(const CLI::Option& option)
         values.most = ends[2];
     }
     return values;
+}
+
+std::string Joined(const std::vector<std::string>& names, const std::string& between)
+{
+    std::string joined;
+    for (const std::string& name : names)
+        joined.append(joined.empty() ? "" : between).append(name);
+    return joined;
 }
 
 std::string Enumerated(const std::vector<std::string>& names)

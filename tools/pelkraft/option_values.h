@@ -26,6 +26,7 @@ struct OptionValues
 
 OptionValues ValuesOf(const CLI::Option& option);
 
+std::string Joined(const std::vector<std::string>& names, const std::string& between);
 // Joins names by commas and an "and".
 std::string Enumerated(const std::vector<std::string>& names);
 

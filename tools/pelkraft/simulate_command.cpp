@@ -5,9 +5,11 @@
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/lint_first.h"
+#include "tools/pelkraft/option_values.h"
 #include "tools/pelkraft/page_inks.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/simulation.h"
+#include "tools/pelkraft/simulation_explain.h"
 #include "tools/pelkraft/system_calls.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/tiff_output.h"
@@ -41,11 +43,6 @@ Levels LevelsOf(const std::string& name)
            : name == "quantize" ? Levels::Quantize
            : name == "dither"   ? Levels::Dither
                                 : Levels::Automatic;
-}
-
-const char* WayWords(StepWay way)
-{
-    return way == StepWay::Raw ? "raw" : way == StepWay::Quantize ? "quantized" : "dithered";
 }
 
 // Reads "X,Y".
@@ -127,7 +124,7 @@ public:
             previewOutput.emplace(options.preview, PreviewRules());
         const bool sawHighStep = SimulateAll(file, pattern, steps, total, output,
                                              previewOutput ? &*previewOutput : nullptr);
-        if (options.common.explain)
+        if (options.common.explain && !options.common.json)
             PrintSpeed(options.output.path, total.rows, std::chrono::steady_clock::now() - start);
         StopIfInterrupted(options.output.path);
         file.Close();
@@ -242,16 +239,8 @@ private:
             if (!known)
                 throw Failure(ExitCode::Usage, options.pattern,
                               "has no out-ink \"" + name + "\" for --ink; supported are " +
-                                  Names(pattern.outInks));
+                                  Joined(pattern.outInks, ", "));
         }
-    }
-
-    static std::string Names(const std::vector<std::string>& names)
-    {
-        std::string joined;
-        for (const std::string& name : names)
-            joined.append(joined.empty() ? "" : ", ").append(name);
-        return joined;
     }
 
     // Refuses before the first row of the first page what is wrong with the last.
@@ -260,37 +249,29 @@ private:
         Total total;
         std::set<std::size_t> flat;
         PageGroups plans;
+        Json pages = Json::array();
         VisitPages(file, options.input.pages, [&](int page) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern, steps);
             ++total.pages;
             total.rows += plan.to.height;
             total.bytes += static_cast<std::uint64_t>(plan.to.width) * plan.to.height *
                            static_cast<std::uint64_t>(plan.to.channels);
-            if (options.common.explain)
-                plans.Add(page, Explain(plan, pattern));
+            if (options.common.json)
+                pages.push_back(ExplainSimulationJson(plan, pattern, page));
+            else if (options.common.explain)
+                plans.Add(page, ExplainSimulation(plan, pattern));
             total.warned = WarnOfUnused(plan) || total.warned;
             for (std::size_t i = 0; i < steps.topSteps.size(); ++i)
                 if (plan.steps.IsFlat(i))
                     flat.insert(i);
         });
-        PrintBeside(options.output.path, PlanText(plans));
+        PrintBeside(options.output.path,
+                    options.common.json ? JsonText({{"schema", 1}, {"pages", std::move(pages)}})
+                                        : PlanText(plans));
         for (const std::size_t inColour : flat)
             WarnOfFlatInks(pattern, steps, inColour);
         total.warned = total.warned || !flat.empty();
         return total;
-    }
-
-    std::string Explain(const SimulationPlan& plan, const LoadedPattern& pattern) const
-    {
-        std::string text = ": " + std::to_string(plan.from.width) + " x " +
-                           std::to_string(plan.from.height) + " pixels, " + engine + " engine\n";
-        for (std::size_t i = 0; i < pattern.inColours.size(); ++i)
-            text += "  in-colour " + Shown(pattern.inColours[i]) + ": channel " +
-                    Shown(ChannelWords(plan.channels, plan.choice.map[i])) + " by " +
-                    (plan.choice.byName[i] ? "name" : "order") + ", steps 0 to " +
-                    std::to_string(pattern.topSteps[i]) + ", " + WayWords(plan.steps.ways[i]) +
-                    '\n';
-        return text + "  out-inks " + Shown(Names(pattern.outInks)) + '\n';
     }
 
     bool WarnOfUnused(const SimulationPlan& plan) const

@@ -13,7 +13,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <chrono>
 #include <memory>
 
@@ -106,8 +105,9 @@ public:
             return ExitCode::Done;
         }
         const PlateOutputs plates(Paths(total), output, total.bytes, total.pages);
-        Progress progress("split " + input.path, total.rows);
+        Progress progress("split " + input.path, total.rows, total.pages);
         VisitPages(file, input.pages, [&](int) {
+            progress.StartPage();
             SplitPage(file, plates.Files(), PlanPage(file), common.threads, progress);
         });
         file.RequireSound();
@@ -143,63 +143,64 @@ private:
     {
         Total total;
         Json pages = Json::array();
-        std::vector<std::string> warnings;
+        PageGroups plans;
         VisitPages(file, input.pages, [&](int page) {
             const SplitPlan plan = PlanPage(file);
             if (total.rows == 0)
                 total.inks = plan.inks;
             else if (plan.inks != total.inks)
                 throw Failure(ExitCode::Unsupported, input.path,
-                              "has other inks on page " + std::to_string(page) +
-                                  " than before, and a plate is about one ink; --page takes "
-                                  "some pages alone");
+                              "has other inks than the page before, and a plate is about one ink; "
+                              "--page takes "
+                              "some pages alone");
             total.rows += plan.to.height;
             ++total.pages;
             // Samples that don't compress may grow by a half.
             total.bytes += static_cast<std::uint64_t>(plan.to.RowBytes()) * plan.to.height / 2 *
                            (plan.to.compression == COMPRESSION_NONE ? 2 : 3);
-            for (const std::string& warning : plan.tags.warnings) {
-                if (std::find(warnings.begin(), warnings.end(), warning) == warnings.end())
-                    warnings.push_back(warning);
-            }
-            if (common.explain)
-                Explain(plan, Paths(total), page, pages);
+            for (const std::string& warning : plan.tags.warnings)
+                PrintWarning(input.path, warning);
+            if (common.json)
+                pages.push_back(ExplainJson(plan, Paths(total), page));
+            else if (common.explain)
+                plans.Add(page, Explain(plan, Paths(total)));
         });
-        for (const std::string& warning : warnings)
-            PrintWarning(input.path, warning);
-        if (common.json)
-            PrintText(JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
+        PrintText(common.json ? JsonText({{"schema", 1}, {"pages", std::move(pages)}})
+                              : PlanText(plans));
         return total;
     }
 
-    void Explain(const SplitPlan& plan, const std::vector<std::string>& paths, int page,
-                 Json& pages) const
+    // It follows the label of the page on the same line.
+    static std::string Explain(const SplitPlan& plan, const std::vector<std::string>& paths)
     {
         std::string text =
-            "page " + std::to_string(page) + ": " + std::to_string(plan.to.width) + " x " +
-            std::to_string(plan.to.height) + " pixels, " + std::to_string(plan.codes.none) +
-            " is no ink and " + std::to_string(plan.codes.full) + " full ink" +
-            (plan.turned ? ", turned" : ", kept") + "; plates of " +
-            plan.rows.Request().to.Words() + ", " + CompressionName(plan.to.compression) + '\n';
-        Json plates = Json::array();
-        for (std::size_t plate = 0; plate < paths.size(); ++plate) {
+            ": " + std::to_string(plan.to.width) + " x " + std::to_string(plan.to.height) +
+            " pixels, " + std::to_string(plan.codes.none) + " is no ink and " +
+            std::to_string(plan.codes.full) + " full ink" + (plan.turned ? ", turned" : ", kept") +
+            "; plates of " + plan.rows.Request().to.Words() + ", " +
+            CompressionName(plan.to.compression) + '\n';
+        for (std::size_t plate = 0; plate < paths.size(); ++plate)
             text += "  channel " + std::to_string(plan.channels[plate]) + ": " +
                     Shown(plan.inks[plate]) + ", to " + Shown(paths[plate]) + '\n';
+        return text;
+    }
+
+    static Json ExplainJson(const SplitPlan& plan, const std::vector<std::string>& paths, int page)
+    {
+        Json plates = Json::array();
+        for (std::size_t plate = 0; plate < paths.size(); ++plate)
             plates.push_back({{"channel", plan.channels[plate]},
                               {"ink", plan.inks[plate]},
                               {"plate", paths[plate]}});
-        }
-        pages.push_back({{"page", page},
-                         {"width", plan.to.width},
-                         {"height", plan.to.height},
-                         {"bits", plan.to.bits},
-                         {"code_0", plan.codes.none},
-                         {"code_100", plan.codes.full},
-                         {"turned", plan.turned},
-                         {"compression", CompressionName(plan.to.compression)},
-                         {"plates", std::move(plates)}});
-        if (!common.json)
-            PrintText(text);
+        return {{"page", page},
+                {"width", plan.to.width},
+                {"height", plan.to.height},
+                {"bits", plan.to.bits},
+                {"code_0", plan.codes.none},
+                {"code_100", plan.codes.full},
+                {"turned", plan.turned},
+                {"compression", CompressionName(plan.to.compression)},
+                {"plates", std::move(plates)}};
     }
 
     CLI::App* verb = nullptr;

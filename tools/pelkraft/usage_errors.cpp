@@ -117,7 +117,8 @@ std::string Offer(const CLI::Option& option)
 {
     const std::string words = ValuesOf(option).Words();
     if (!words.empty())
-        return "; supported are " + words;
+        return ValuesOf(option).names.size() == 1 ? "; supported is " + words
+                                                  : "; supported are " + words;
     if (option.get_items_expected_max() == 0)
         return "; it takes no value";
     return option.get_type_name() == "INT" ? "; supported are whole numbers" : std::string();

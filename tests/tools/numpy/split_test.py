@@ -170,7 +170,7 @@ def test_all_pages_go_into_the_plates(tmp_path, succeed, refuse):
         assert len(plate.pages) == 3
         for page, samples in zip(plate.pages, pages):
             assert numpy.array_equal(page.asarray(), 255 - samples[..., 1])
-    refuse(5, ["other inks on page 4"], "split", "in.tif", "other")
+    refuse(5, ["page 4: has other inks"], "split", "in.tif", "other")
 
 
 def test_channels_that_are_no_inks_get_no_plate(tmp_path, run, succeed):
