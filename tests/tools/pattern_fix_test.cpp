@@ -81,7 +81,7 @@ TEST(PatternFix, LeavesAloneWhatIsOpenToDoubt)
     }
 }
 
-// What is left makes every engine refuse the text.
+// A second fault, which stays, makes every engine refuse the text.
 TEST(PatternFix, GivesUpWhereTheTextWouldNotLoad)
 {
     const std::string text =

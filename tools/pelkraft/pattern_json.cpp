@@ -221,9 +221,8 @@ std::string ListJson(const std::vector<const PatternReport*>& reports,
     Json texts = Json::array();
     std::transform(reports.begin(), reports.end(), std::back_inserter(texts),
                    [jsonOf](const PatternReport* report) { return jsonOf(*report); });
-    return JsonText({{"schema", schemaVersion},
-                     {"counts", CountsJson(reports)},
-                     {"texts", std::move(texts)}});
+    return JsonText(
+        {{"schema", schemaVersion}, {"counts", CountsJson(reports)}, {"texts", std::move(texts)}});
 }
 
 } // namespace
