@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Builds the program and sends a real CMYK page through the library: interleaved to planar, 8 to
 # 16 bits and back, with a proof that the picture is still the same; then through a dot pattern of
-# six inks, with a preview; and the same page once more from Python, alone and on two workers of
-# Dask, with the same pixels. Leaves its files in demo-out/.
+# six inks, with a preview. Joins the plates of a page with a spot colour, checks, measures and
+# prints them, and splits them again. Last comes the first page once more from Python, alone and on
+# two workers of Dask, with the same pixels. Leaves its files in demo-out/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 out=demo-out
@@ -103,6 +104,32 @@ cmp "$out/inks.tif" "$out/inks_x86.tif"
 rm "$out/inks_x86.tif"
 echo "the portable engine on one thread gives the same file"
 
+# Exit code 1 stands for findings, which are printed; all others end the demo.
+findings() {
+    say "pelkraft $*"
+    "$pelkraft" "$@" || [ $? -eq 1 ]
+}
+say "Separating a page with a spot colour by Ghostscript's tiffsep"
+gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=tiffsep -r300 -o "$out/plates.tif" \
+    tests/tools/cmyk_spot_page.ps
+rm "$out/plates.tif"
+ls -1 "$out"/plates*
+findings join "$out/joined.tif" "$out"/plates\(*
+findings check "$out/joined.tif"
+findings coverage "$out/joined.tif" --limit 150 --map "$out/coverage.png"
+findings simulate "$pattern" "$out/joined.tif" "$out/joined_inks.tif"
+findings preview "$out/joined.tif" "$out/joined.png"
+findings preview "$out/joined_inks.tif" "$out/drops.png" --crop 100,100,400,300
+findings split "$out/joined.tif" "$out/again"
+for plate in "$out"/again\(*; do
+    same_samples "$plate" "$out/plates${plate#"$out/again"}" || {
+        echo "$plate differs from the plate that was joined" >&2
+        exit 1
+    }
+    rm "$plate"
+done
+echo "the plates that were joined come out of the page again"
+
 # Applies the pattern to pages from Python; $1 names the new folder. back.tif is page.tif once more,
 # so that each of two workers has one.
 pages() {
@@ -132,7 +159,8 @@ say "Done: rows, and rows per second with reading and writing"
 printf '%s\n' "${rates[@]}"
 echo
 echo "preview.png shows the page as six inks and three drop sizes print it, pattern.svg what the"
-echo "pattern does with each step."
+echo "pattern does with each step; joined.png the joined plates, coverage.png where they have most"
+echo "ink, and drops.png each drop of a part of them."
 echo
 echo "The files are in $(pwd)/$out:"
 (cd "$out" && ls -sh1)
