@@ -111,16 +111,23 @@ Words PreviewLine(Choices& choices, const VerbFolder& folder)
     return words;
 }
 
+Words CheckLine(Choices& choices, const VerbFolder& folder)
+{
+    Words words{"check", folder.Name("in")};
+    choices.Add(words, {{}, {"--format", "json"}, {"--format", "sarif"}});
+    return words;
+}
+
 struct Verb
 {
     std::string_view name;
     Words (*makeLine)(Choices& choices, const VerbFolder& folder);
 };
 
-constexpr Verb verbs[] = {{"convert", ConvertLine},   {"simulate", SimulateLine},
-                          {"pattern", PatternLine},   {"info", InfoLine},
-                          {"join", JoinLine},         {"split", SplitLine},
-                          {"coverage", CoverageLine}, {"preview", PreviewLine}};
+constexpr Verb verbs[] = {
+    {"check", CheckLine},     {"convert", ConvertLine},   {"simulate", SimulateLine},
+    {"pattern", PatternLine}, {"info", InfoLine},         {"join", JoinLine},
+    {"split", SplitLine},     {"coverage", CoverageLine}, {"preview", PreviewLine}};
 
 constexpr const Verb& FuzzedVerb()
 {

@@ -16,7 +16,7 @@ if [ "$1" = sample ]; then
 fi
 targets=("${@:2}")
 [ ${#targets[@]} -ne 0 ] || targets=(row_conversion plan_run pattern_text
-    verb_{convert,coverage,info,join,pattern,preview,simulate,split})
+    verb_{check,convert,coverage,info,join,pattern,preview,simulate,split})
 
 options_of() {
     case $1 in

@@ -13,7 +13,7 @@ namespace {
 ProgressState HalfDone()
 {
     ProgressState state;
-    state.label = "convert /work/day/out.tif";
+    state.label = "convert /plates/1/out.tif";
     state.page = 2;
     state.pages = 3;
     state.rows = 5000;
@@ -25,11 +25,11 @@ ProgressState HalfDone()
 // 5,000 rows in 62.5 seconds are 80 a second, and as many are left.
 TEST(ProgressLine, TellsShareTimePageAndRate)
 {
-    EXPECT_EQ("pelkraft: convert /work/day/out.tif  50 %, 1:03 left, page 2 of 3, 80 rows/s",
+    EXPECT_EQ("pelkraft: convert /plates/1/out.tif  50 %, 1:03 left, page 2 of 3, 80 rows/s",
               ProgressLine(HalfDone(), 79));
     ProgressState state = HalfDone();
     state.pages = 1;
-    EXPECT_EQ("pelkraft: convert /work/day/out.tif  50 %, 1:03 left, 80 rows/s",
+    EXPECT_EQ("pelkraft: convert /plates/1/out.tif  50 %, 1:03 left, 80 rows/s",
               ProgressLine(state, 79));
     state.rows = 9999;
     EXPECT_NE(std::string::npos, ProgressLine(state, 79).find(" 99 %, 0:01 left"));
@@ -47,7 +47,7 @@ TEST(ProgressLine, TellsShareTimePageAndRate)
 TEST(ProgressLine, NeverExceedsItsColumns)
 {
     ProgressState state = HalfDone();
-    for (const char* label : {"convert a.tif", "convert /work/day/out.tif",
+    for (const char* label : {"convert a.tif", "convert /plates/1/out.tif",
                               "simulate /a/very/long/path/to/somewhere/else/of/a/disk/page.tif",
                               "convert \xE8\x89\xB2\xE8\x89\xB2\xE8\x89\xB2/gr\xC3\xB6\xC3\x9F"
                               "e\xE8\x89\xB2\xE8\x89\xB2\xE8\x89\xB2\xE8\x89\xB2.tif"}) {
@@ -63,8 +63,8 @@ TEST(ProgressLine, NeverExceedsItsColumns)
         }
         EXPECT_EQ(longest, ShownColumns(ProgressLine(state, 1000)));
     }
-    state.label = "convert /work/day/out.tif";
-    EXPECT_EQ("pelkraft: .../work/day/out.tif  50 %, 1:03 left, page 2 of 3, 80 rows/s",
+    state.label = "convert /plates/1/out.tif";
+    EXPECT_EQ("pelkraft: .../plates/1/out.tif  50 %, 1:03 left, page 2 of 3, 80 rows/s",
               ProgressLine(state, 71));
 }
 

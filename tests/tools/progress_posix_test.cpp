@@ -59,7 +59,7 @@ class Progress : public ToolFixture
 protected:
     Progress() { WriteTiffPages(Path("in.tif"), {RandomImage(15, 25, 4, 8, 8)}, {}); }
 
-    // What a run shows on a terminal so wide.
+    // Runs the program on a terminal so wide, and gives all that it shows there.
     [[nodiscard]] std::string Shown(unsigned columns, const std::vector<std::string>& options = {},
                                     const char* kind = "xterm")
     {
@@ -120,7 +120,7 @@ TEST_F(Progress, StaysWithinTheWidthOfTheTerminal)
         ASSERT_NE(std::string::npos, end) << columns;
         EXPECT_LE(end, columns) << shown;
     }
-    // Where the terminal doesn't know it, the shell may.
+    // The shell may know what the terminal doesn't.
     variables = {{"COLUMNS", "30"}};
     EXPECT_LE(Shown(0).find(wipe), 30U);
     variables = {{"COLUMNS", "no number"}};

@@ -93,7 +93,7 @@ TEST_F(Truncation, NamesThePageWhoseDirectoryIsGone)
 
 TEST_F(Truncation, IsNotTheNameOfOtherFiles)
 {
-    EXPECT_EQ("is empty; supported are TIFF and BigTIFF\n", Said(""));
+    EXPECT_EQ("is not a TIFF file, since it is empty; supported are TIFF and BigTIFF\n", Said(""));
     EXPECT_EQ("is not a TIFF file but a PNG file; supported are TIFF and BigTIFF\n",
               Said("\x89PNG\r\n\x1A\n"));
     EXPECT_EQ("is not a TIFF file but a JPEG file; supported are TIFF and BigTIFF\n",

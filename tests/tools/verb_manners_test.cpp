@@ -16,7 +16,7 @@ struct ReadingVerb
     bool writes;
 };
 
-// What holds for all verbs that read pictures.
+// All verbs that read pictures keep to these.
 class VerbManners : public ToolFixture
 {
 protected:
@@ -34,7 +34,12 @@ protected:
     {
         const std::string out = Path("out.tif");
         const std::string pattern = Path("pattern.txt");
-        return {{"convert",
+        return {{"check",
+                 [](const std::string& path) -> std::vector<std::string> {
+                     return {"check", path};
+                 },
+                 false},
+                {"convert",
                  [=](const std::string& path) -> std::vector<std::string> {
                      return {"convert", path, out};
                  },
@@ -146,7 +151,8 @@ TEST_F(VerbManners, WriteNothingInADryRun)
         EXPECT_EQ("", dry.errors);
         EXPECT_TRUE(LeftNothing());
         const Outcome plan = RunWith(verb, InputOf(verb), {"--dry-run", "--explain", "-q"});
-        EXPECT_NE(std::string::npos, plan.output.find("page 1")) << plan.output;
+        const char* const said = verb.name == "check" ? "all pages by the rules " : "page 1";
+        EXPECT_NE(std::string::npos, plan.output.find(said)) << plan.output;
         EXPECT_EQ(std::string::npos, plan.output.find("per second"));
     }
 }

@@ -4,6 +4,7 @@
 #include "tools/pelkraft/common_options.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/option_values.h"
 #include "tools/pelkraft/text_output.h"
 
 #include <CLI/CLI.hpp>
@@ -47,25 +48,39 @@ public:
         if (paths.empty())
             throw Failure(ExitCode::Usage, {}, "FILE is required, but for --rules list");
         const std::vector<std::size_t> chosen = ChooseRules(rules);
+        Explain(chosen);
         ExitCode code = ExitCode::Done;
         std::vector<CheckedFile> files;
         for (const std::string& path : paths) {
             StopIfInterrupted(path);
-            files.push_back(Check(path, chosen, code));
+            files.push_back(Check(path, chosen, common.dryRun, code));
         }
         Print(files, code);
         return code;
     }
 
 private:
-    // A file that can't be read weighs more than findings.
+    void Explain(const std::vector<std::size_t>& chosen) const
+    {
+        if (!common.explain || common.json || format != "text")
+            return;
+        std::vector<std::string> names;
+        for (const std::size_t rule : chosen)
+            names.emplace_back(CheckRules()[rule].name);
+        PrintText("all pages by the rules " + Enumerated(names) + '\n');
+    }
+
+    // A dry run only sees whether the files are there. A file that can't be read weighs more than
+    // findings.
     static CheckedFile Check(const std::string& path, const std::vector<std::size_t>& chosen,
-                             ExitCode& code)
+                             bool dry, ExitCode& code)
     {
         CheckedFile file;
         file.path = path;
         try {
-            file.findings = CheckFile(RawTiff(path, {}), chosen);
+            const RawTiff tiff(path, {});
+            if (!dry)
+                file.findings = CheckFile(tiff, chosen);
             if (!file.findings.empty() && code == ExitCode::Done)
                 code = ExitCode::Warnings;
         } catch (const Failure& failure) {

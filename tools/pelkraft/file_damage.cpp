@@ -147,7 +147,7 @@ std::string DirectoryWords(const OddFile& file, const TiffForm& form, std::uint6
 std::string DamageWords(const OddFile& file)
 {
     if (file.size == 0)
-        return std::string("is empty") + wanted;
+        return std::string("is not a TIFF file, since it is empty") + wanted;
     const std::string start = BytesAt(file, 0, 16);
     const std::optional<TiffForm> form = FormOf(start);
     if (!form)

@@ -48,8 +48,7 @@ public:
     ExitCode Run() override
     {
         if (!verify && form.empty())
-            throw Failure(ExitCode::Usage, {},
-                          "mask wants --verify or --export raw16");
+            throw Failure(ExitCode::Usage, {}, "mask wants --verify or --export raw16");
         CatchInterrupts();
         const std::uint16_t* const ranks = plk_dither_mask();
         if (ranks == nullptr)

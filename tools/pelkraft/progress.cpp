@@ -66,7 +66,7 @@ void Progress::ShowLine()
     const std::size_t room = std::max<std::size_t>(ErrorColumns(), 1) - 1;
     std::string line = ProgressLine(state, room);
     const std::size_t columns = ShownColumns(line);
-    // What a longer line before it left, as far as it is still on the same line.
+    // A longer line before it would show its end, as far as that is still on the same line.
     if (const std::size_t before = std::min(shownColumns, room); columns < before)
         line.append(before - columns, ' ');
     shownColumns = std::max<std::size_t>(columns, 1);

@@ -2,6 +2,7 @@
 
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/file_calls.h"
+#include "tools/pelkraft/file_damage.h"
 
 #include <algorithm>
 #include <limits>
@@ -17,11 +18,6 @@ constexpr std::uint64_t mostTags = 65535;
 std::size_t BytesOfType(std::uint16_t type)
 {
     return type < std::size(typeBytes) ? typeBytes[type] : 0;
-}
-
-[[noreturn]] void RefuseFile(const std::string& path, const std::string& text)
-{
-    throw Failure(ExitCode::BadInput, path, text + "; supported are TIFF and BigTIFF");
 }
 
 } // namespace
@@ -44,11 +40,10 @@ RawTiff::RawTiff(const std::string& newPath, const Spool& spool)
     big = kind == 43;
     if (head.size() < (big ? 16 : 8) || (!bigEndian && !head.starts_with("II")) ||
         (kind != 42 && kind != 43))
-        RefuseFile(path, "is not a TIFF file, or is cut off");
+        throw Failure(ExitCode::BadInput, path, DamageWords({input.Descriptor(), Size()}));
     firstDirectory = big ? Number(head, 8, 8) : Number(head, 4, 4);
     if (firstDirectory >= Size())
-        RefuseFile(path, "is cut off: its first directory is at byte " +
-                             std::to_string(firstDirectory) + " of " + std::to_string(Size()));
+        throw Failure(ExitCode::BadInput, path, DamageWords({input.Descriptor(), Size()}));
 }
 
 std::optional<std::vector<RawTag>> RawTiff::ReadDirectory(std::uint64_t offset,
