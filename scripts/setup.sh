@@ -53,7 +53,10 @@ bench)
     wanted=("${build_packages[@]}" "${bench_packages[@]}" "${python_packages[@]}" clang
         libgtest-dev)
     ;;
-peers) wanted=(g++ cmake ninja-build pkg-config "${bench_packages[@]}" "${peer_packages[@]}") ;;
+peers)
+    wanted=(g++ cmake ninja-build pkg-config "${bench_packages[@]}" "${peer_packages[@]}"
+        libtiff-tools libvips-tools graphicsmagick python3-tifffile)
+    ;;
 coverage) wanted=("${build_packages[@]}" libgtest-dev gcovr python3) ;;
 analysis)
     wanted=("${build_packages[@]}" "${bench_packages[@]}" "${peer_packages[@]}"
