@@ -31,7 +31,7 @@ constexpr std::array<std::int64_t, 25> wideBell = {
     32768, 32316, 30997, 28918, 26239, 23155, 19875, 16592, 13471, 10638, 8171, 6104, 4435,
     3134,  2154,  1440,  936,   592,   364,   218,   127,   72,    39,    21,   11};
 
-// How full of ones the surroundings of each place are.
+// Weighs the ones in the surroundings of each place.
 template <std::size_t reach>
 class Crowding
 {

@@ -21,11 +21,11 @@ struct ToneScale
     std::uint32_t fullInk = 0;
 };
 
-// Where a sample lies between the steps of its channel.
+// Tells for each sample between which steps of its channel it lies.
 class ToneCurve
 {
 public:
-    // Of samples up to the largest one.
+    // The samples go from 0 to the largest one.
     ToneCurve(const ToneScale& newScale, std::uint32_t newLargest);
 
     // Samples with less ink for higher numbers are taken from the other end.
