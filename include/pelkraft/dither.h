@@ -59,7 +59,7 @@ typedef struct plk_dither_spec
     const uint16_t* mask;
 } plk_dither_spec;
 
-/* What a dither needs of the rows that it is run on. */
+/* The bytes that a dither needs of the rows that it is run on. */
 typedef struct plk_dither_facts
 {
     /* sizeof this record. */
