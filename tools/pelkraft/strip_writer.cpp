@@ -54,27 +54,33 @@ void StripWriter::WriteRows(const unsigned char* rows, std::int64_t rowStride,
 void StripWriter::WriteStrip(const unsigned char* rows, std::int64_t rowStride,
                              std::uint32_t rowCount)
 {
+    // Whole bytes that are not encoded go out as they are, and libtiff only reads them.
+    if (planes == 1 && rowStride == static_cast<std::int64_t>(planeBytes) && picture.bits >= 8 &&
+        picture.compression == COMPRESSION_NONE) {
+        PutStrip(0, const_cast<unsigned char*>(rows), planeBytes * rowCount);
+        return;
+    }
     for (int plane = 0; plane < planes; ++plane) {
         const unsigned char* from = rows + planeBytes * static_cast<std::size_t>(plane);
         for (std::uint32_t row = 0; row < rowCount; ++row)
             std::memcpy(strip.data() + planeBytes * row, from + rowStride * row, planeBytes);
-        PutStrip(plane, planeBytes * rowCount);
+        PutStrip(plane, strip.data(), planeBytes * rowCount);
     }
 }
 
-void StripWriter::PutStrip(int plane, std::size_t bytes)
+void StripWriter::PutStrip(int plane, unsigned char* bytes, std::size_t size)
 {
     if (file.IsPipe()) {
         // libtiff, which is not asked here, turns the bits too.
         if (lowestBitFirst)
-            TIFFReverseBits(strip.data(), static_cast<tmsize_t>(bytes));
-        file.SendBytes(strip.data(), bytes);
+            TIFFReverseBits(bytes, static_cast<tmsize_t>(size));
+        file.SendBytes(bytes, size);
         return;
     }
     const std::uint32_t number =
         TIFFComputeStrip(file.Get(), nextRow, static_cast<std::uint16_t>(plane));
-    const auto count = static_cast<tmsize_t>(bytes);
-    if (TIFFWriteEncodedStrip(file.Get(), number, strip.data(), count) != count)
+    const auto count = static_cast<tmsize_t>(size);
+    if (TIFFWriteEncodedStrip(file.Get(), number, bytes, count) != count)
         file.Throw(ExitCode::ReadWrite, "cannot be written");
 }
 
