@@ -84,6 +84,8 @@ private:
             if (!file.findings.empty() && code == ExitCode::Done)
                 code = ExitCode::Warnings;
         } catch (const Failure& failure) {
+            if (failure.Code() == ExitCode::Interrupted)
+                throw;
             PrintError(failure.File(), failure.what());
             file.failure = failure.what();
             if (code == ExitCode::Done || code == ExitCode::Warnings)

@@ -3,6 +3,7 @@
 #include "tools/pelkraft/check_rule_list.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/near_names.h"
 
 #include <algorithm>
@@ -103,6 +104,7 @@ CheckFindings CheckFile(const RawTiff& file, const std::vector<std::size_t>& rul
     const bool reportsBroken =
         std::find(rules.begin(), rules.end(), IndexOf(truncatedName)) != rules.end();
     for (std::uint64_t offset = file.FirstDirectory(); offset != 0; ++page) {
+        StopIfInterrupted(file.Path());
         std::uint64_t next = 0;
         auto tags = file.ReadDirectory(offset, next);
         if (!tags && page == 1)
