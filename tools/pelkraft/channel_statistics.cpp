@@ -58,9 +58,12 @@ std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPict
     const SamplePlanes planes(file, picture, {});
     const std::vector<ChannelStatistics> none(static_cast<std::size_t>(picture.channels));
     std::vector<std::vector<ChannelStatistics>> totals(static_cast<std::size_t>(threads), none);
+    std::vector<SamplePlanes::Row> rows;
+    for (int worker = 0; worker < threads; ++worker)
+        rows.emplace_back(planes);
     ForEachBand(file, picture, [&](const RowBand& band) {
         ShareOut(threads, band.count, [&](int worker, std::int64_t begin, std::int64_t end) {
-            SamplePlanes::Row row(planes);
+            SamplePlanes::Row& row = rows[static_cast<std::size_t>(worker)];
             auto& mine = totals[static_cast<std::size_t>(worker)];
             for (std::int64_t i = begin; i < end; ++i) {
                 row.Take(band.rows + picture.RowBytes() * i);

@@ -46,7 +46,7 @@ Amounts<Sample> AmountsFor(const CoveragePlan& plan)
     return amounts;
 }
 
-// What a thread has counted.
+// A thread's share of the counting.
 struct Counted
 {
     std::vector<InkAmounts> inks;
@@ -97,15 +97,17 @@ public:
           bandRows(RowsOfBand(plan.picture.RowBytes(), plan.picture.height)),
           scan(ShapeOrNone(plan), bandRows, threads), parts(static_cast<std::size_t>(threads))
     {
-        for (Counted& part : parts)
+        for (Counted& part : parts) {
             part.inks.resize(plan.inks.size());
+            rows.emplace_back(planes);
+        }
     }
 
     PageCoverage Count(CoverageMap* map, Progress& progress)
     {
         ForEachBand(file, plan.picture, [&](const RowBand& band) {
             ShareOut(threads, band.count, [&](int worker, std::int64_t begin, std::int64_t end) {
-                SamplePlanes::Row row(planes);
+                SamplePlanes::Row& row = rows[static_cast<std::size_t>(worker)];
                 for (std::int64_t i = begin; i < end; ++i) {
                     row.Take(band.rows + plan.picture.RowBytes() * i);
                     CountRow(row, band.first + i, parts[static_cast<std::size_t>(worker)]);
@@ -174,6 +176,7 @@ private:
     std::uint32_t bandRows;
     WindowScan<Total> scan;
     std::vector<Counted> parts;
+    std::vector<SamplePlanes::Row> rows;
 };
 
 // Takes a number off the start of rest, of up to nine digits before the point and three after it.

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -221,13 +222,16 @@ void JoinPage(const std::vector<TiffFile>& files, const TiffFile& out, const Joi
     PlateBands plates(files, plan, bandRows);
     const RowBuffer newRows(static_cast<std::size_t>(plan.to.RowBytes()) * bandRows);
     StripWriter writer(out, plan.to);
+    std::vector<std::pair<RowPipeline, RowBuffer>> work;
+    for (int worker = 0; worker < threads; ++worker)
+        work.emplace_back(RowPipeline(plan.rows),
+                          RowBuffer(static_cast<std::size_t>(planes.RowBytes())));
     for (std::uint32_t first = 0, rows = 0; first < plan.to.height; first += rows) {
         rows = std::min(bandRows, plan.to.height - first);
         StopIfInterrupted(out.Path());
         plates.Read(rows);
-        ShareOut(threads, rows, [&](int, std::int64_t begin, std::int64_t end) {
-            RowPipeline pipeline(plan.rows);
-            const RowBuffer gathered(static_cast<std::size_t>(planes.RowBytes()));
+        ShareOut(threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
+            auto& [pipeline, gathered] = work[static_cast<std::size_t>(worker)];
             for (std::int64_t row = begin; row < end; ++row) {
                 plates.Gather(row, gathered.Data());
                 pipeline.Run(gathered.Data(), newRows.Data() + plan.to.RowBytes() * row);

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -176,13 +177,16 @@ void SplitPage(const TiffFile& file, const std::vector<const TiffFile*>& plates,
     const RowBuffer oldRows(static_cast<std::size_t>(plan.from.RowBytes()) * bandRows);
     const PlateRows newRows(plan, bandRows);
     BandReader reader(file, plan.from);
+    std::vector<std::pair<RowPipeline, RowBuffer>> work;
+    for (int worker = 0; worker < threads; ++worker)
+        work.emplace_back(RowPipeline(plan.rows),
+                          RowBuffer(static_cast<std::size_t>(planes.RowBytes())));
     for (std::uint32_t first = 0, rows = 0; first < plan.from.height; first += rows) {
         rows = std::min(bandRows, plan.from.height - first);
         StopIfInterrupted(file.Path());
         reader.Read(oldRows.Data(), rows);
-        ShareOut(threads, rows, [&](int, std::int64_t begin, std::int64_t end) {
-            RowPipeline pipeline(plan.rows);
-            const RowBuffer split(static_cast<std::size_t>(planes.RowBytes()));
+        ShareOut(threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
+            auto& [pipeline, split] = work[static_cast<std::size_t>(worker)];
             for (std::int64_t row = begin; row < end; ++row) {
                 pipeline.Run(oldRows.Data() + plan.from.RowBytes() * row, split.Data());
                 newRows.Scatter(split.Data(), row);
@@ -193,10 +197,8 @@ void SplitPage(const TiffFile& file, const std::vector<const TiffFile*>& plates,
             writers[plate].WriteRows(newRows.First(plate), newRows.PlaneBytes(), rows);
         progress.Advance(rows);
     }
-    for (const TiffFile* plate : plates) {
-        if (TIFFWriteDirectory(plate->Get()) != 1)
-            plate->Throw(ExitCode::ReadWrite, "cannot be written");
-    }
+    for (StripWriter& writer : writers)
+        writer.EndPage();
 }
 
 } // namespace zvk::Pelkraft::Client
