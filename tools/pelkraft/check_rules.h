@@ -8,7 +8,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What a rule finds wrong with a page.
+// A fault of a page, found by a rule.
 struct CheckFinding
 {
     // The index of its rule.

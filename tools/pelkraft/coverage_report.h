@@ -7,7 +7,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What is said of one page.
+// The report on one page.
 std::string CoverageWords(const CoveragePlan& plan, const PageCoverage& found, int page,
                           std::uint64_t limit);
 Json CoverageJson(const CoveragePlan& plan, const PageCoverage& found, int page);

@@ -41,7 +41,7 @@ class WindowScan
 public:
     WindowScan(const WindowShape& newShape, std::uint32_t newBandRows, int newThreads);
 
-    // Where the sums of the pixels of a row go, before their band is scanned.
+    // The place for the sums of the pixels of a row, before their band is scanned.
     Total* Row(std::int64_t row)
     {
         return ring.data() + static_cast<std::size_t>(row % ringRows * shape.pageWidth);

@@ -57,7 +57,7 @@ struct InkAmounts
     std::uint32_t largest = 0;
 };
 
-// What was counted of a page. All of it is exact.
+// The counts of a page, which are exact.
 struct PageCoverage
 {
     std::vector<InkAmounts> inks;

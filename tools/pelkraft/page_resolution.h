@@ -12,7 +12,7 @@ struct PageResolution
 {
     double horizontal = 0;
     double vertical = 0;
-    // As in the tag: RESUNIT_NONE, RESUNIT_INCH or RESUNIT_CENTIMETER.
+    // The tag's own number: RESUNIT_NONE, RESUNIT_INCH or RESUNIT_CENTIMETER.
     std::uint16_t unit = 0;
 
     bool operator==(const PageResolution&) const = default;

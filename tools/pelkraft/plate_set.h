@@ -14,7 +14,7 @@ struct PlateArgument
 {
     std::string path;
     std::string ink;
-    // What the file name has before the ink; empty where the command line gives the ink.
+    // The file name up to the ink; empty where the command line gives the ink.
     std::string base;
 };
 

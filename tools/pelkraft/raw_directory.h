@@ -16,7 +16,7 @@ struct RawTag
     std::uint16_t tag = 0;
     std::uint16_t type = 0;
     std::uint64_t count = 0;
-    // Where its values are in the file.
+    // The place of its values in the file.
     std::uint64_t offset = 0;
 
     // 0 for a type that nobody knows.
@@ -53,7 +53,7 @@ public:
 
 private:
     std::uint64_t Number(const std::string& bytes, std::size_t offset, std::size_t size) const;
-    // As many of these bytes as the file has.
+    // Reads these bytes, or those of them that the file has.
     std::string Read(std::uint64_t offset, std::uint64_t size) const;
 
     std::string path;

@@ -30,7 +30,7 @@ constexpr const char* splitHelp =
 struct Total
 {
     std::uint64_t rows = 0;
-    // Of one plate.
+    // One plate has so many.
     std::uint64_t bytes = 0;
     int pages = 0;
     std::vector<std::string> inks;

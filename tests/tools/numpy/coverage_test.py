@@ -23,8 +23,9 @@ def naive(amounts, full, limit, width, height):
     best, y, x = max(windows)
     largest = max(totals.ravel())
     place = int(numpy.argmax(totals == largest))
-    return {"sums": [int(amounts[..., ink].astype(object).sum()) for ink in range(amounts.shape[2])],
-            "largest": [int(amounts[..., ink].max()) for ink in range(amounts.shape[2])],
+    inks = range(amounts.shape[2])
+    return {"sums": [int(amounts[..., ink].astype(object).sum()) for ink in inks],
+            "largest": [int(amounts[..., ink].max()) for ink in inks],
             "total": (int(totals.sum()), largest, place % columns, place // columns),
             "above": sum(100 * total > limit * full for total in totals.ravel()),
             "window": (best, -x, -y)}
@@ -157,7 +158,8 @@ def test_the_exit_code_tells_of_the_limit(tmp_path, run, limit, above):
     assert ("12 pixels, 100.00 %" if above else "0 pixels, 0.00 %") in outcome.output
 
 
-@pytest.mark.parametrize("words", ["", "0", "-1", "3O0", "300%", "1e3", "nan", "1.", ".5", "1.0000"])
+@pytest.mark.parametrize("words", ["", "0", "-1", "3O0", "300%", "1e3", "nan", "1.", ".5",
+                                   "1.0000"])
 def test_other_limits_are_wrong_usage(tmp_path, run, words):
     outcome = run("coverage", "in.tif", "--limit=" + words)
     assert outcome.code == 2 and "limit" in outcome.errors

@@ -86,8 +86,8 @@ def test_the_file_name_tells_the_ink(tmp_path, succeed, name, ink):
     assert read_inks(tmp_path / "out.tif")[0].names == [ink]
 
 
-@pytest.mark.parametrize("name", ["page.tif", "page().tif", "page.Cyan.png", "Cyan", "page.", ".tif",
-                                  "p(Cyan", "p)Cyan).tif", "=page(Cyan).tif", "Cyan="])
+@pytest.mark.parametrize("name", ["page.tif", "page().tif", "page.Cyan.png", "Cyan", "page.",
+                                  ".tif", "p(Cyan", "p)Cyan).tif", "=page(Cyan).tif", "Cyan="])
 def test_a_name_without_an_ink_is_refused(tmp_path, refuse, name):
     if name and "=" not in name:
         write_plate(tmp_path / name, random_samples(1, (3, 4), 8))
@@ -258,7 +258,8 @@ def test_a_file_that_exists_is_kept_where_that_is_asked_for(tmp_path, refuse, su
 def rasterize(folder, device, target):
     page = os.environ["PELKRAFT_TEST_PAGE"]
     subprocess.run(["gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=" + device, "-r72",
-                    "-sCompression=none", "-o", str(folder / target), page, page], check=True, capture_output=True)
+                    "-sCompression=none", "-o", str(folder / target), page, page], check=True,
+                   capture_output=True)
 
 
 @pytest.mark.parametrize("device, bits", [("tiffsep", 8), ("tiffsep1", 1)])

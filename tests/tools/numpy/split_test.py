@@ -12,8 +12,9 @@ from pictures import (PROFILE, UNDEFINED, cut, random_samples, read_inks, write_
 
 INKS = ["Cyan", "Magenta", "Yellow", "Black", "Aqua", "Zinc"]
 # Names that file names can't hold, that lead elsewhere, or that differ in their case alone.
-HOSTILE = ["../up", "..", ".", "/etc/passwd", "a\\b", "C:x", "(", ")", "a)(b", "100%", "%2F", "ink.tif",
-           "a.b", "cyan", "CYAN", "cYAN", "%63yan", "x (y)", "tab\there", "new\nline", "é", "*?<>|\"",
+HOSTILE = ["../up", "..", ".", "/etc/passwd", "a\\b", "C:x", "(", ")", "a)(b", "100%", "%2F",
+           "ink.tif", "a.b", "cyan", "CYAN", "cYAN", "%63yan", "x (y)", "tab\there", "new\nline",
+           "é", "*?<>|\"",
            " ", "Ink ", "n" * 200, "\x7f", "=", "a=b", "-", "-x"]
 
 
@@ -109,7 +110,8 @@ def test_no_name_leaves_the_folder_and_no_two_are_equal(tmp_path, succeed, namin
         assert numpy.array_equal(page.samples[..., page.names.index(ink)], samples[..., channel])
 
 
-@pytest.mark.parametrize("naming, name", [("gs", "p(a (b) %2F).tif"), ("dot", "p.a %28b%29 %2F.tif")])
+@pytest.mark.parametrize("naming, name", [("gs", "p(a (b) %2F).tif"),
+                                          ("dot", "p.a %28b%29 %2F.tif")])
 def test_only_what_a_file_name_cannot_hold_is_encoded(tmp_path, succeed, naming, name):
     page_of(tmp_path, inks=["a (b) /", *INKS[1:]], shape=(7, 11))
     succeed("split", "in.tif", "p.tif", "--naming", naming, "--inks", "0")
