@@ -158,7 +158,9 @@ TEST_F(PatternVerbs, KeepTheFormWithoutAVerb)
 {
     EXPECT_TRUE(Refused(Verb({}), 2, {"FILE"}));
     EXPECT_TRUE(Refused(Verb({"lint"}), 2, {"TEXT"}));
-    EXPECT_TRUE(Refused(Verb({"diff", Path("good.txt")}), 2, {"TEXT"}));
+    EXPECT_TRUE(Refused(Verb({"diff", Path("good.txt")}), 2, {"B is missing"}));
+    EXPECT_EQ(2, Verb({"diff", Path("good.txt"), Path("odd.txt"), Path("bad.txt")}).exitCode);
+    EXPECT_TRUE(Refused(Verb({"lnit", Path("odd.txt")}), 2, {"\"lnit\"", "Did you mean lint?"}));
     EXPECT_EQ(2, Verb({"lint", "--json", "--format", "text", Path("good.txt")}).exitCode);
     EXPECT_EQ(2, Verb({"diff", "--format", "sarif", Path("good.txt"), Path("odd.txt")}).exitCode);
     // With its folder a file may be named as a verb is.

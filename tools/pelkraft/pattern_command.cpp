@@ -146,10 +146,10 @@ private:
 
     void RegisterDiff()
     {
-        CLI::App* const added =
-            AddVerb("diff", "Compare what two pattern texts do", diffHelp,
-                    [this] { return DiffTexts(texts.at(0), texts.at(1), Format()); });
-        added->add_option("TEXT", texts, "The two pattern texts")->required()->expected(2);
+        CLI::App* const added = AddVerb("diff", "Compare what two pattern texts do", diffHelp,
+                                        [this] { return DiffTexts(left, right, Format()); });
+        added->add_option("A", left, "The pattern text on the left")->required();
+        added->add_option("B", right, "The pattern text on the right")->required();
         AddFormat(*added, {"text", "json"});
     }
 
@@ -176,6 +176,8 @@ private:
     std::string input;
     std::string plot;
     std::vector<std::string> texts;
+    std::string left;
+    std::string right;
     std::string format = "text";
     PatternOutput output;
     CommonOptions common;

@@ -92,8 +92,13 @@ std::string WrongWords(const CLI::App& program, const CLI::App& verb)
         return WrongOption(*option, verb);
     std::vector<std::string> names;
     for (const CLI::Option* taken : verb.get_options()) {
-        if (taken->get_positional())
-            names.push_back(taken->get_name(true));
+        if (!taken->get_positional())
+            continue;
+        names.push_back(taken->get_name(true));
+        // Where a verb can stand too, it was perhaps meant.
+        for (const std::string& word : taken->results())
+            if (!NearOrBegun(word, VerbsBelow(verb)).empty())
+                return WrongVerb(word, verb);
     }
     return '"' + words.front() + "\" is one word too many; " + CommandOf(verb) + " takes " +
            (names.empty() ? "options alone" : Enumerated(names));
