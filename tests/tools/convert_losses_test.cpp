@@ -21,7 +21,7 @@ void AddPrivateTags(TIFF* tiff)
     TIFFMergeFieldInfo(tiff, fields, 3);
 }
 
-// What a new file holds of the tags of an old one.
+// Converts files with tags that a new page may not be able to have.
 class ConvertLosses : public ToolFixture
 {
 protected:

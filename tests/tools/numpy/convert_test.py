@@ -235,7 +235,7 @@ def test_flip_of_one_large_strip(tmp_path, page_of, run, compression, planar):
         options["planarconfig"] = "separate"
     write(tmp_path / "in.tif", numpy.moveaxis(image, -1, 0) if planar else image, INKS, **options)
     assert (page_of("--flip").samples == image[::-1]).all()
-    # What is not compressed needs no room.
+    # Rows that are not compressed need no room.
     outcome = run("convert", "in.tif", "out.tif", "--flip", "--spool-limit", "9M")
     assert outcome.code == (5 if compression else 0)
     assert ("--spool-limit" in outcome.errors) == bool(compression)
