@@ -18,18 +18,19 @@ bool IsPlain(const TiffFile& file, const TiffPicture& picture)
     if (picture.compression != COMPRESSION_NONE || picture.tiled ||
         (picture.separate && picture.channels > 1))
         return false;
-    if (picture.bits == 16)
-        return TIFFIsByteSwapped(file.Get()) == 0;
-    return picture.bits == 8 || picture.fillOrder == FILLORDER_MSB2LSB;
+    // libtiff turns the bits of whole bytes too.
+    return picture.fillOrder == FILLORDER_MSB2LSB &&
+           (picture.bits != 16 || TIFFIsByteSwapped(file.Get()) == 0);
 }
 
 } // namespace
 
-BandReader::BandReader(const TiffFile& newFile, const TiffPicture& newPicture)
+BandReader::BandReader(const TiffFile& newFile, const TiffPicture& newPicture,
+                       const RowOrder& order)
     : file(newFile), picture(newPicture)
 {
-    if (!IsPlain(file, picture))
-        decoder = OpenRows(file, picture);
+    if (order.flip || !IsPlain(file, picture))
+        decoder = OpenRows(file, picture, order);
 }
 
 void BandReader::Read(unsigned char* rows, std::uint32_t count)
@@ -38,8 +39,7 @@ void BandReader::Read(unsigned char* rows, std::uint32_t count)
         ReadPlain(rows, count);
         return;
     }
-    for (std::uint32_t row = 0; row < count; ++row)
-        decoder->ReadRow(rows + picture.RowBytes() * row);
+    decoder->ReadRows(rows, count, picture.RowBytes());
 }
 
 std::uint32_t BandReader::CountRun(std::uint32_t most, std::uint64_t& offset) const

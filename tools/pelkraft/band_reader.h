@@ -11,13 +11,13 @@
 
 namespace zvk::Pelkraft::Client {
 
-// Reads a page from its first row on, many rows at a time. Rows that a file holds as they are come
+// Reads a page from end to end, many rows at a time. Rows that a file holds as they are come
 // straight from it, all others by way of a decoder.
 class BandReader
 {
 public:
     // The page at which the file stands; it must stay there.
-    BandReader(const TiffFile& newFile, const TiffPicture& newPicture);
+    BandReader(const TiffFile& newFile, const TiffPicture& newPicture, const RowOrder& order = {});
 
     // The next rows, each of the picture's RowBytes() right after the one before.
     void Read(unsigned char* rows, std::uint32_t count);

@@ -1,5 +1,6 @@
 #include "tools/pelkraft/page_rows.h"
 
+#include "tools/pelkraft/band_reader.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/row_pipeline.h"
@@ -13,25 +14,34 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr std::int64_t wantedBandBytes = std::int64_t{8} << 20;
-constexpr std::int64_t cacheLineBytes = 64;
 
-std::int64_t StrideOf(const TiffPicture& picture)
-{
-    return (picture.RowBytes() + cacheLineBytes - 1) / cacheLineBytes * cacheLineBytes;
-}
-
-// The rows of a page that are held at once.
+// The rows of a page that are held at once, each right after the one before.
 struct Band
 {
     Band(const TiffPicture& picture, std::uint32_t rows)
-        : stride(StrideOf(picture)), bytes(static_cast<std::size_t>(stride * rows))
+        : rowBytes(picture.RowBytes()), bytes(static_cast<std::size_t>(rowBytes * rows))
     {}
 
-    unsigned char* Row(std::int64_t row) const { return bytes.Data() + stride * row; }
+    unsigned char* Row(std::int64_t row) const { return bytes.Data() + rowBytes * row; }
 
-    std::int64_t stride;
+    std::int64_t rowBytes;
     RowBuffer bytes;
 };
+
+// Takes the rows of a band from first on to new rows, with all threads.
+void WorkOnBand(const PageRows& page, const RowWork& work, const Band& oldRows, const Band& newRows,
+                std::uint32_t first, std::uint32_t rows)
+{
+    try {
+        ShareOut(page.threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
+            for (std::int64_t row = begin; row < end; ++row)
+                work(worker, first + row, oldRows.Row(row), newRows.Row(row));
+        });
+    } catch (const char* text) {
+        throw Failure(ExitCode::Unsupported, page.file.Path(),
+                      std::string("the library refuses it: ") + text);
+    }
+}
 
 } // namespace
 
@@ -68,7 +78,7 @@ RowPlan PlanRows(const TiffFile& file, const RowRequest& request)
 
 std::uint32_t BandRows(const TiffPicture& from, const TiffPicture& to)
 {
-    const std::int64_t stripBytes = (StrideOf(from) + StrideOf(to)) * to.rowsPerStrip;
+    const std::int64_t stripBytes = (from.RowBytes() + to.RowBytes()) * to.rowsPerStrip;
     const std::int64_t strips = std::max<std::int64_t>(wantedBandBytes / stripBytes, 1);
     return static_cast<std::uint32_t>(std::min<std::int64_t>(strips * to.rowsPerStrip, to.height));
 }
@@ -78,30 +88,22 @@ void WriteRows(const PageRows& page, const RowWork& work,
 {
     const std::uint32_t height = page.from.height;
     const std::uint32_t bandRows = BandRows(page.from, page.to);
-    const auto reader = OpenRows(page.file, page.from, page.order);
+    BandReader reader(page.file, page.from, page.order);
     StripWriter writer(page.out, page.to);
     progress.StartPage();
     const Band oldRows(page.from, bandRows);
-    const Band newRows(page.to, bandRows);
+    const Band newRows(page.to, page.same ? 0 : bandRows);
+    const Band& written = page.same ? oldRows : newRows;
     for (std::uint32_t first = 0, rows = 0; first < height; first += rows) {
         rows = std::min(bandRows, height - first);
-        for (std::uint32_t row = 0; row < rows; ++row) {
-            StopIfInterrupted(page.output);
-            reader->ReadRow(oldRows.Row(row));
-        }
-        try {
-            ShareOut(page.threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
-                for (std::int64_t row = begin; row < end; ++row)
-                    work(worker, first + row, oldRows.Row(row), newRows.Row(row));
-            });
-        } catch (const char* text) {
-            throw Failure(ExitCode::Unsupported, page.file.Path(),
-                          std::string("the library refuses it: ") + text);
-        }
         StopIfInterrupted(page.output);
-        writer.WriteRows(newRows.Row(0), newRows.stride, rows);
+        reader.Read(oldRows.Row(0), rows);
+        if (!page.same)
+            WorkOnBand(page, work, oldRows, newRows, first, rows);
+        StopIfInterrupted(page.output);
+        writer.WriteRows(written.Row(0), written.rowBytes, rows);
         for (std::uint32_t row = 0; row < rows; ++row)
-            show(newRows.Row(row));
+            show(written.Row(row));
         progress.Advance(rows);
     }
     writer.EndPage();

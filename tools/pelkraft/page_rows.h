@@ -37,11 +37,13 @@ struct PageRows
     const std::string& output;
     int threads;
     RowOrder order = {};
+    // New rows are old rows as they are, and no work is done on them.
+    bool same = false;
 };
 
-// The work of a thread on one row. It may change the old row.
-using RowWork =
-    std::function<void(int worker, std::int64_t row, unsigned char* oldRow, unsigned char* newRow)>;
+// The work of a thread on one row.
+using RowWork = std::function<void(int worker, std::int64_t row, const unsigned char* oldRow,
+                                   unsigned char* newRow)>;
 
 // Reads a band, works on it with all threads, and writes it; again and again, up to the end of the
 // page. Each new row is shown after it has been written.

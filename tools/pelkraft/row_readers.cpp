@@ -79,7 +79,34 @@ public:
         ++nextRow;
     }
 
+    // Whole strips need no room of their own.
+    void ReadRows(unsigned char* rows, std::uint32_t count, std::int64_t bytes) override
+    {
+        while (count > 0) {
+            const std::uint32_t left = picture.height - nextRow;
+            const std::uint32_t length = std::min(grid.blockLength, left);
+            const bool whole = !picture.tiled && grid.planes == 1 && !flip && count >= length &&
+                               nextRow % grid.blockLength == 0;
+            if (whole)
+                ReadStrip(rows, length);
+            else
+                ReadRow(rows);
+            const std::uint32_t done = whole ? length : 1;
+            rows += bytes * done;
+            count -= done;
+        }
+    }
+
 private:
+    void ReadStrip(unsigned char* rows, std::uint32_t length)
+    {
+        const auto wanted = static_cast<tmsize_t>(rowBytes * length);
+        const std::uint32_t strip = TIFFComputeStrip(file.Get(), nextRow, 0);
+        if (TIFFReadEncodedStrip(file.Get(), strip, rows, wanted) != wanted)
+            file.Throw(ExitCode::BadInput, RowName(nextRow));
+        nextRow += length;
+    }
+
     void ReadBlocks()
     {
         const std::uint32_t rows = std::min(grid.blockLength, picture.height - blockRow);
@@ -190,6 +217,12 @@ private:
 };
 
 } // namespace
+
+void IRowReader::ReadRows(unsigned char* rows, std::uint32_t count, std::int64_t rowBytes)
+{
+    for (std::uint32_t row = 0; row < count; ++row)
+        ReadRow(rows + rowBytes * row);
+}
 
 std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& picture,
                                      const RowOrder& order)

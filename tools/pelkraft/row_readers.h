@@ -14,6 +14,8 @@ class IRowReader
 public:
     virtual ~IRowReader() = default;
     virtual void ReadRow(unsigned char* row) = 0;
+    // The next rows, each right after the one before.
+    virtual void ReadRows(unsigned char* rows, std::uint32_t count, std::int64_t rowBytes);
 };
 
 // Tells in which order rows are read.

@@ -61,7 +61,7 @@ public:
             workers.emplace_back(plan, run.pattern, levels, dither);
     }
 
-    void Simulate(int index, std::int64_t row, unsigned char* oldRow, unsigned char* newRow)
+    void Simulate(int index, std::int64_t row, const unsigned char* oldRow, unsigned char* newRow)
     {
         Worker& worker = workers[static_cast<std::size_t>(index)];
         unsigned char* const steps = worker.steps.Make(oldRow, origin.x, origin.y + row);
@@ -273,7 +273,7 @@ bool SimulatePage(const TiffFile& file, const TiffFile& out, const SimulationPla
     WriteTags(file, out, plan.to, plan.tags);
     WriteRows(
         {file, out, plan.from, plan.to, run.options.output.path, threads},
-        [&](int worker, std::int64_t row, unsigned char* oldRow, unsigned char* newRow) {
+        [&](int worker, std::int64_t row, const unsigned char* oldRow, unsigned char* newRow) {
             simulation.Simulate(worker, row, oldRow, newRow);
         },
         [&](const unsigned char* newRow) {

@@ -54,10 +54,9 @@ void StripWriter::WriteRows(const unsigned char* rows, std::int64_t rowStride,
 void StripWriter::WriteStrip(const unsigned char* rows, std::int64_t rowStride,
                              std::uint32_t rowCount)
 {
-    // Whole bytes that are not encoded go out as they are, and libtiff only reads them.
-    if (planes == 1 && rowStride == static_cast<std::int64_t>(planeBytes) && picture.bits >= 8 &&
-        picture.compression == COMPRESSION_NONE) {
-        PutStrip(0, const_cast<unsigned char*>(rows), planeBytes * rowCount);
+    // Those who turn bits do so in place.
+    if (planes == 1 && rowStride == static_cast<std::int64_t>(planeBytes) && picture.bits >= 8) {
+        PutStrip(0, rows, planeBytes * rowCount);
         return;
     }
     for (int plane = 0; plane < planes; ++plane) {
@@ -68,19 +67,21 @@ void StripWriter::WriteStrip(const unsigned char* rows, std::int64_t rowStride,
     }
 }
 
-void StripWriter::PutStrip(int plane, unsigned char* bytes, std::size_t size)
+void StripWriter::PutStrip(int plane, const unsigned char* samples, std::size_t bytes)
 {
     if (file.IsPipe()) {
         // libtiff, which is not asked here, turns the bits too.
         if (lowestBitFirst)
-            TIFFReverseBits(bytes, static_cast<tmsize_t>(size));
-        file.SendBytes(bytes, size);
+            TIFFReverseBits(strip.data(), static_cast<tmsize_t>(bytes));
+        file.SendBytes(samples, bytes);
         return;
     }
     const std::uint32_t number =
         TIFFComputeStrip(file.Get(), nextRow, static_cast<std::uint16_t>(plane));
-    const auto count = static_cast<tmsize_t>(size);
-    if (TIFFWriteEncodedStrip(file.Get(), number, bytes, count) != count)
+    const auto count = static_cast<tmsize_t>(bytes);
+    // It writes nothing there but what it turns.
+    auto* const data = const_cast<unsigned char*>(samples);
+    if (TIFFWriteEncodedStrip(file.Get(), number, data, count) != count)
         file.Throw(ExitCode::ReadWrite, "cannot be written");
 }
 

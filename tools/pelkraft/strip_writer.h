@@ -27,7 +27,7 @@ public:
 
 private:
     void WriteStrip(const unsigned char* rows, std::int64_t rowStride, std::uint32_t rowCount);
-    void PutStrip(int plane, unsigned char* bytes, std::size_t size);
+    void PutStrip(int plane, const unsigned char* samples, std::size_t bytes);
 
     const TiffFile& file;
     TiffPicture picture;
