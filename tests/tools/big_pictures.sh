@@ -58,7 +58,24 @@ for threads in 1 2; do
     rm "$out"
 done
 
+# A plate for each ink, and the page again.
+for threads in 1 2; do
+    run 8 $threads split "$in" "$folder/plate" --inks 0,1,2,3,4,5,6,7
+    run 8 $threads join "$out" "$folder"/plate*.tif
+    check 8 interleaved same
+    rm "$folder"/plate*.tif
+done
+# Counting alone, and the picture of where the ink lies.
+for threads in 1 8; do
+    run 8 $threads info "$in" --stats
+    run 8 $threads coverage "$in" --limit 100000 --window 40px --map "$folder/map.png"
+done
+
 make 8 planar 4
+run 8 2 split "$in" "$folder/plate"
+run 8 2 join "$out" "$folder"/plate*.tif
+check 8 interleaved same
+rm "$folder"/plate*.tif
 for threads in 1 2; do
     run 8 $threads convert "$in" "$out" --layout interleaved
     check 8 interleaved same
