@@ -9,7 +9,7 @@ namespace zvk::Pelkraft::Client {
 // The options that every verb has.
 struct CommonOptions
 {
-    // As many as the processor runs, unless the command line says otherwise.
+    // The processor's own number, unless the command line gives another.
     int threads = 1;
     // Prints the plan, and does the work all the same.
     bool explain = false;

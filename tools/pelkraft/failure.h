@@ -27,7 +27,7 @@ private:
 // While pages are visited, warnings wait for those of the other pages.
 void PrintError(const std::string& file, const std::string& text);
 void PrintWarning(const std::string& file, const std::string& text);
-// What was done, for those who ask for it.
+// Tells those who ask for it what was done.
 void PrintNote(const std::string& file, const std::string& text);
 
 // Prints what the exception that is being handled says, and gives the code to exit with.

@@ -10,13 +10,13 @@ namespace zvk::Pelkraft::Client {
 
 constexpr std::size_t spectrumSide = 256;
 
-// How the drops of an ink lie on an even area of a step.
+// They tell how the drops of an ink lie on an even area of a step.
 struct FieldSpectrum
 {
     int inColour = 0;
     int step = 0;
     int outInk = 0;
-    // As RadialSpectrum gives it for the values of the ink.
+    // RadialSpectrum gives it for the values of the ink.
     std::vector<double> power;
 };
 

@@ -54,7 +54,7 @@ std::string EndWords(const OddFile& file)
     return ", and the file ends after " + std::to_string(file.size) + anew;
 }
 
-// What the header says of the form of all that follows.
+// The header says this of the form of all that follows.
 struct TiffForm
 {
     bool big = false;
@@ -105,13 +105,13 @@ std::string NoTiffWords(std::string_view start)
 // Bytes of a value of each type, from 0 on; 0 for a type that there is not.
 constexpr std::uint64_t typeBytes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
 
-// Where the values of an entry end that have no room within it; 0 if they have.
+// The end of an entry's values that have no room within it; 0 if they have.
 std::uint64_t EndOfValues(const TiffForm& form, std::string_view entry)
 {
     const std::uint64_t type = form.Number(entry.substr(2, 2));
     const std::uint64_t bytes = type < std::size(typeBytes) ? typeBytes[type] : 0;
     const std::uint64_t count = form.Number(entry.substr(4, form.PlaceBytes()));
-    // What no file can hold is nonsense, and no sign of a file that was cut.
+    // A size that no file can hold is nonsense, and no sign of a file that was cut.
     if (bytes == 0 || count <= form.PlaceBytes() / bytes || count > std::uint64_t{1} << 40)
         return 0;
     const std::uint64_t place = form.Number(entry.substr(4 + form.PlaceBytes(), form.PlaceBytes()));

@@ -7,7 +7,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What is to be said of all findings of a kind.
+// The words for all findings of a kind.
 struct FindingRule
 {
     const char* kind;

@@ -56,7 +56,7 @@ private:
     Piece former;
     Piece present;
     std::uint64_t directory = 0;
-    // Where the offset of the next directory stands in the piece.
+    // The place in the piece at which the offset of the next directory stands.
     std::size_t link = 0;
     std::uint64_t nextOffset = 0;
 };

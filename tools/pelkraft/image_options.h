@@ -51,7 +51,7 @@ struct DotRange
     int full = 0;
 };
 
-// What becomes of the range of dots where samples of inks are written as such again.
+// The ways that a range of dots may go where samples of inks are written as such again.
 enum class RangeWork
 {
     // Samples stay; the range follows the depth.

@@ -11,7 +11,7 @@ namespace zvk::Pelkraft::Client {
 // Red, green and blue as a screen takes them.
 using ScreenColour = std::array<std::uint8_t, 3>;
 
-// What is known of an ink.
+// All that is known of an ink.
 struct InkLook
 {
     // The colour of a full layer on white paper.

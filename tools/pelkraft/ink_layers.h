@@ -55,7 +55,7 @@ private:
     struct Layer
     {
         std::size_t sample;
-        // What covered paper leaves of the light below, and what it adds.
+        // Covered paper leaves the first of the light below, and adds the second.
         Light through;
         Light own;
     };

@@ -162,8 +162,7 @@ private:
     void PlanInkTag()
     {
         const bool whole = range.fresh == InkCodes{0, newHighest};
-        const bool told =
-            oldTag || input.dotRange || !whole || input.rangeWork != RangeWork::Keep;
+        const bool told = oldTag || input.dotRange || !whole || input.rangeWork != RangeWork::Keep;
         if (told && range.fresh.none != range.fresh.full)
             range.tag = DotRange{range.fresh.none, range.fresh.full};
         range.empty = range.fresh.InkIsHigh() ? 0 : range.fresh.none;

@@ -32,7 +32,7 @@ struct InkRange
     std::optional<DotRange> tag;
     // A sample of no ink, for channels that are empty.
     int empty = 0;
-    // What no tag can say.
+    // They name what no tag can say.
     std::vector<std::string> losses;
 };
 

@@ -6,7 +6,7 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-// What a page holds of them is copied, or planned anew, by the writer of tags.
+// The writer of tags copies these, or plans them anew.
 constexpr std::uint32_t writtenTags[] = {
     TIFFTAG_DOCUMENTNAME, TIFFTAG_IMAGEDESCRIPTION, TIFFTAG_MAKE, TIFFTAG_MODEL, TIFFTAG_PAGENAME,
     TIFFTAG_XPOSITION, TIFFTAG_YPOSITION, TIFFTAG_PAGENUMBER, TIFFTAG_SOFTWARE, TIFFTAG_DATETIME,

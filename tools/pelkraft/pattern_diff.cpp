@@ -281,7 +281,7 @@ std::string PlaceWords(const PatternDifference& difference)
     return words + (difference.ink.empty() ? "" : " " + difference.ink);
 }
 
-// Where alternatives differ, people see from them which shares do.
+// People see from these which shares of unequal alternatives differ.
 std::vector<PatternDifference> WithoutFollowingShares(std::vector<PatternDifference> differences)
 {
     std::set<std::pair<std::string, int>> steps;

@@ -17,7 +17,7 @@ struct PatternDifference
     int step = -1;
     // The out-ink, or nothing.
     std::string ink;
-    // What each of the two does.
+    // They say what each of the two does.
     std::string left;
     std::string right;
 };

@@ -346,7 +346,7 @@ private:
         return isPlain ? name : '"' + name + '"';
     }
 
-    // What is certainly meant can be put in place of the name.
+    // A name that is certainly meant can be put in its place.
     void LintUnknownName(NameList list, const PatternToken& token, const NamedIndex* nearest,
                          bool isCertain)
     {

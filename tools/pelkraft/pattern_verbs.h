@@ -20,7 +20,7 @@ enum class PatternFormat
 ExitCode ExplainTexts(const std::vector<std::string>& paths, PatternFormat format);
 ExitCode LintTexts(const std::vector<std::string>& paths, PatternFormat format);
 
-// Where a verb writes, and how.
+// It tells where a verb writes, and how.
 struct PatternOutput
 {
     // Empty or "-" is the standard output.

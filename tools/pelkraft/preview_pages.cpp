@@ -149,7 +149,8 @@ private:
     std::vector<Worker> workers;
 };
 
-// Where a picture goes: a file that appears whole or not at all, or the standard output stream.
+// A picture goes to one of these: a file that appears whole or not at all, or the standard output
+// stream.
 class PictureOutput
 {
 public:
@@ -207,7 +208,7 @@ void ShowPage(const TiffFile& file, const PagePlan& plan, int threads, PictureOu
     output.Store();
 }
 
-// Of the pictures of several pages all but the first bear the number of the page.
+// All pictures of several pages but the first bear the number of the page.
 std::string PathOfPage(const std::string& path, int page)
 {
     const std::size_t folder = path.find_last_of("/\\") + 1;

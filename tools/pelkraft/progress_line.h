@@ -6,7 +6,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// How far the work has come.
+// It tells how far the work has come.
 struct ProgressState
 {
     // The verb and its file.

@@ -10,7 +10,7 @@
 
 namespace zvk::Pelkraft::Client {
 
-// What is drawn of a pattern.
+// All that is drawn of a pattern.
 struct PatternPlot
 {
     const std::string& title;

@@ -37,7 +37,7 @@ struct SimulateOptions
     Levels levels = Levels::Automatic;
     // The inks of steps: coverage, equal or the path of a CSV file.
     std::string tone = "coverage";
-    // Of the new samples, 2 or 8.
+    // The new samples have 2 or 8.
     int bits = 8;
     PageOrigin origin;
     // The rows of the pattern and of the dither run on from page to page.

@@ -178,7 +178,7 @@ void TiffFile::Throw(ExitCode code, const std::string& text) const
     throw Failure(code, path, said.empty() ? text : text + " (" + said + ")");
 }
 
-// What is seen in the file itself says more than the parser, which only missed something.
+// The file itself says more than the parser, which only missed something.
 void TiffFile::ThrowDamage(const std::string& seen, const std::string& text) const
 {
     if (seen.empty() || !stream->Failure().empty())

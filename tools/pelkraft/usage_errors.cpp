@@ -95,7 +95,7 @@ std::string WrongWords(const CLI::App& program, const CLI::App& verb)
         if (!taken->get_positional())
             continue;
         names.push_back(taken->get_name(true));
-        // Where a verb can stand too, it was perhaps meant.
+        // A verb was perhaps meant if one can stand there.
         for (const std::string& word : taken->results())
             if (!NearOrBegun(word, VerbsBelow(verb)).empty())
                 return WrongVerb(word, verb);
