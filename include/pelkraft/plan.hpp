@@ -30,8 +30,7 @@ public:
         failure.status = newStatus;
     }
 
-    // All that the library says of it: status, field, the numbers given and needed, place in a
-    // text.
+    // All that the library says of it: status, field, numbers given and needed, place in a text.
     const plk_failure& GetFailure() const noexcept { return failure; }
     // The status.
     plk_status GetStatus() const noexcept { return failure.status; }
@@ -52,6 +51,20 @@ void RequireOk(const Call& call)
     const plk_status status = call(&failure);
     if (status != PLK_OK)
         throw PelkraftError(status, failure);
+}
+
+// Asks for the size of the bytes that call(buffer, size, needed, failure) gives, then for them.
+template <typename Bytes, typename Call>
+Bytes FetchBytes(const Call& call)
+{
+    std::uint64_t needed = 0;
+    RequireOk([&](plk_failure* failure) {
+        const plk_status status = call(nullptr, 0, &needed, failure);
+        return status == PLK_TOO_SMALL ? PLK_OK : status;
+    });
+    Bytes bytes(static_cast<std::size_t>(needed), '\0');
+    RequireOk([&](plk_failure* failure) { return call(&bytes[0], needed, nullptr, failure); });
+    return bytes;
 }
 
 // The form of a row.
@@ -134,13 +147,8 @@ public:
     // The saved record, the same for equal ones.
     std::vector<unsigned char> Save() const
     {
-        std::uint64_t needed = 0;
-        save(handle.get(), nullptr, 0, &needed, nullptr);
-        std::vector<unsigned char> record(static_cast<std::size_t>(needed));
-        RequireOk([&](plk_failure* failure) {
-            return save(handle.get(), record.data(), record.size(), nullptr, failure);
-        });
-        return record;
+        return FetchBytes<std::vector<unsigned char>>(
+            [this](auto... arguments) { return save(handle.get(), arguments...); });
     }
 
     // For functions of plan.h. It stays this object's.
@@ -259,12 +267,8 @@ public:
     // Steps, road, level and bytes, as PLK_TEXT or PLK_JSON.
     std::string Describe(std::int32_t form = PLK_TEXT) const
     {
-        std::uint64_t needed = 0;
-        plk_plan_describe(Get(), form, nullptr, 0, &needed, nullptr);
-        std::string text(static_cast<std::size_t>(needed), '\0');
-        RequireOk([&](plk_failure* failure) {
-            return plk_plan_describe(Get(), form, text.data(), text.size(), nullptr, failure);
-        });
+        auto text = FetchBytes<std::string>(
+            [&](auto... arguments) { return plk_plan_describe(Get(), form, arguments...); });
         text.pop_back();
         return text;
     }

@@ -255,7 +255,8 @@ TEST_F(Pipes, CarryNoWords)
 
 TEST_F(Pipes, ThatGiveNothingOrNoPictureAreRefused)
 {
-    EXPECT_TRUE(Refused(Shell(": | $P convert - out.tif"), 3, {"-: is empty"}));
+    EXPECT_TRUE(Refused(Shell(": | $P convert - out.tif"), 3,
+                        {"-: is not a TIFF file, since it is empty"}));
     EXPECT_TRUE(Refused(Shell("echo text | $P convert - -"), 3, {"-: is not a TIFF file"}));
     EXPECT_TRUE(Refused(Shell("$P convert - out.tif <&-"), 6, {"-: cannot be read"}));
     EXPECT_TRUE(Refused(Shell("$P convert - out.tif < /dev/zero"), 6,

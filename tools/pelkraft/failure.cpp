@@ -1,5 +1,6 @@
 #include "tools/pelkraft/failure.h"
 
+#include "pelkraft/plan.hpp"
 #include "tools/pelkraft/memory_end.h"
 #include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/page_warnings.h"
@@ -44,6 +45,11 @@ ExitCode ReportFailure()
         return failure.Code();
     } catch (const std::bad_alloc&) {
         throw;
+    } catch (const PelkraftError& refusal) {
+        if (refusal.GetStatus() == PLK_NO_MEMORY)
+            throw std::bad_alloc();
+        PrintError({}, refusal.what());
+        return ExitCode::Unsupported;
     } catch (const std::exception& e) {
         PrintError({}, e.what());
         return ExitCode::ReadWrite;
