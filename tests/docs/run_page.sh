@@ -198,8 +198,9 @@ run_inline() {
         # tests/package installs, which a page says without a folder.
         "cmake --install") ;;
         --*) has_word "${line%% *}" <<<"$options" || fail "no option $line" ;;
-        "pelkraft convert" | "pelkraft pattern" | "pelkraft preview" | "pelkraft simulate" | \
-            "pelkraft pattern "[a-z]*) run "$line --help" ;;
+        "pelkraft pattern "[a-z]*) run "$line --help" ;;
+        pelkraft\ *\ *) run "$line" ;;
+        pelkraft\ [a-z]*) run "$line --help" ;;
         bash\ * | pelkraft\ * | cmake\ * | ctest\ * | gs\ * | g++\ *) run "$line" ;;
         man\ *) [ -f "$source_dir/man/${line##* }.${line:4:1}" ] || fail "no page for $line" ;;
         *\ *) ;;
