@@ -65,9 +65,9 @@ CoverageMap::CoverageMap(std::uint32_t newWidth, std::uint32_t newHeight,
 template <typename Total>
 void CoverageMap::AddRow(const Total* totals)
 {
-    std::uint64_t* const row = sums.data() + std::size_t{shownRow} * shownWidth;
+    const std::size_t first = std::size_t{shownRow} * shownWidth;
     for (std::uint32_t part = 0; part < shownWidth; ++part)
-        row[part] +=
+        sums[first + part] +=
             std::accumulate(totals + PartStart(part, shownWidth, width),
                             totals + PartStart(part + 1, shownWidth, width), std::uint64_t{0});
     ++nextRow;

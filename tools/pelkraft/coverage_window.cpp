@@ -44,7 +44,7 @@ void WindowScan<Total>::AddRow(Stripe& stripe, std::int64_t start, std::int64_t 
     }
     const Total* const left = Row(row - shape.height) + start;
     for (std::size_t x = 0; x < count; ++x)
-        columns[x] += std::uint64_t{added[x]} - left[x];
+        columns[x] = columns[x] + added[x] - left[x];
 }
 
 template <typename Total>

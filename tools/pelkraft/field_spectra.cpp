@@ -48,11 +48,9 @@ std::vector<FieldSpectrum> MeasureSpectra(const PatternText& text,
     std::map<int, std::pair<double, FieldSpectrum>> liveliest;
     for (const StepShares& step : shares) {
         for (const InkShares& ink : step.inks) {
-            auto& [most, what] = liveliest[step.inColour];
-            if (const double variance = VarianceOf(ink); variance > most) {
-                most = variance;
-                what = {step.inColour, step.step, ink.outInk, {}};
-            }
+            auto& best = liveliest[step.inColour];
+            if (const double variance = VarianceOf(ink); variance > best.first)
+                best = {variance, {step.inColour, step.step, ink.outInk, {}}};
         }
     }
     std::vector<FieldSpectrum> spectra;

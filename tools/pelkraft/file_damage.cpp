@@ -21,6 +21,7 @@ constexpr std::uint64_t mostEntries = 4096;
 struct Magic
 {
     std::string_view bytes;
+    // cppcheck-suppress unusedStructMember // two searches use it
     const char* name;
 };
 

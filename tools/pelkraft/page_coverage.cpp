@@ -49,6 +49,7 @@ Amounts<Sample> AmountsFor(const CoveragePlan& plan)
 // A thread's share of the counting.
 struct Counted
 {
+    // cppcheck-suppress unusedStructMember // a template uses it
     std::vector<InkAmounts> inks;
     std::uint64_t sum = 0;
     LargestSum largest;

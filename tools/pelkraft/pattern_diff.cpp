@@ -236,15 +236,17 @@ private:
             inks[UpperCase(left.NameOf(ink.outInk))].first = &ink;
         for (const InkShares& ink : rightShares->inks)
             inks[UpperCase(right.NameOf(ink.outInk))].second = &ink;
-        for (const auto& [upper, pair] : inks)
-            CompareInk(name, leftShares->step, pair.first, pair.second);
+        for (const auto& [upper, pair] : inks) {
+            const auto& [leftInk, rightInk] = pair;
+            const std::string ink =
+                leftInk != nullptr ? left.NameOf(leftInk->outInk) : right.NameOf(rightInk->outInk);
+            CompareInk(name, leftShares->step, ink, leftInk, rightInk);
+        }
     }
 
-    void CompareInk(const std::string& name, int step, const InkShares* leftInk,
-                    const InkShares* rightInk)
+    void CompareInk(const std::string& name, int step, const std::string& ink,
+                    const InkShares* leftInk, const InkShares* rightInk)
     {
-        const std::string ink =
-            leftInk != nullptr ? left.NameOf(leftInk->outInk) : right.NameOf(rightInk->outInk);
         std::map<int, std::pair<double, double>> shares;
         if (leftInk != nullptr)
             for (const ValueShare& share : leftInk->values)

@@ -161,17 +161,11 @@ std::optional<PlateName> ReadPlateName(const std::string& path)
     if (ending == 0)
         return std::nullopt;
     const std::string_view stem = std::string_view(name).substr(0, name.size() - ending);
-    std::size_t open = std::string_view::npos;
-    std::string_view ink;
-    if (stem.ends_with(')')) {
-        open = OpeningOf(stem);
-        if (open != std::string_view::npos)
-            ink = stem.substr(open + 1, stem.size() - open - 2);
-    } else {
-        open = stem.rfind('.');
-        if (open != std::string_view::npos)
-            ink = stem.substr(open + 1);
-    }
+    const bool closed = stem.ends_with(')');
+    const std::size_t open = closed ? OpeningOf(stem) : stem.rfind('.');
+    if (open == std::string_view::npos)
+        return std::nullopt;
+    const std::string_view ink = stem.substr(open + 1, stem.size() - open - (closed ? 2 : 1));
     if (ink.empty())
         return std::nullopt;
     return PlateName{path.substr(0, path.size() - name.size()) + std::string(stem.substr(0, open)),
