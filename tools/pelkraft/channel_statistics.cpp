@@ -5,6 +5,7 @@
 #include "tools/pelkraft/workers.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -13,8 +14,12 @@ namespace {
 constexpr std::int64_t blockSamples = 4096;
 
 template <typename Sample>
-void AddSamples(const Sample* samples, std::int64_t count, Sample unused, ChannelStatistics& total)
+void AddSamples(const Sample* samples, std::int64_t count, const InkCodes& codes,
+                ChannelStatistics& total)
 {
+    // Samples are turned where ink is low, so that more of it is always the greater number.
+    const Sample turn = codes.InkIsHigh() ? 0 : std::numeric_limits<Sample>::max();
+    const auto none = static_cast<Sample>(codes.none ^ turn);
     for (std::int64_t start = 0; start < count; start += blockSamples) {
         const Sample* const block = samples + start;
         const std::int64_t size = std::min(blockSamples, count - start);
@@ -24,7 +29,7 @@ void AddSamples(const Sample* samples, std::int64_t count, Sample unused, Channe
         Sample highest = block[0];
         for (std::int64_t i = 0; i < size; ++i) {
             sum += block[i];
-            used += block[i] != unused ? 1 : 0;
+            used += static_cast<Sample>(block[i] ^ turn) > none ? 1 : 0;
             lowest = std::min(lowest, block[i]);
             highest = std::max(highest, block[i]);
         }
@@ -33,11 +38,11 @@ void AddSamples(const Sample* samples, std::int64_t count, Sample unused, Channe
 }
 
 template <typename Sample>
-void AddRow(const SamplePlanes& planes, const SamplePlanes::Row& row, int unused,
+void AddRow(const SamplePlanes& planes, const SamplePlanes::Row& row, const InkCodes& codes,
             std::vector<ChannelStatistics>& totals)
 {
     for (int channel = 0; channel < planes.Channels(); ++channel)
-        AddSamples(row.Channel<Sample>(channel), planes.Width(), static_cast<Sample>(unused),
+        AddSamples(row.Channel<Sample>(channel), planes.Width(), codes,
                    totals[static_cast<std::size_t>(channel)]);
 }
 
@@ -53,7 +58,7 @@ void ChannelStatistics::Add(const ChannelStatistics& other)
 }
 
 std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPicture& picture,
-                                            int unused, int threads)
+                                            const InkCodes& codes, int threads)
 {
     const SamplePlanes planes(file, picture, {});
     const std::vector<ChannelStatistics> none(static_cast<std::size_t>(picture.channels));
@@ -68,9 +73,9 @@ std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPict
             for (std::int64_t i = begin; i < end; ++i) {
                 row.Take(band.rows + picture.RowBytes() * i);
                 if (planes.SampleBytes() == 1)
-                    AddRow<std::uint8_t>(planes, row, unused, mine);
+                    AddRow<std::uint8_t>(planes, row, codes, mine);
                 else
-                    AddRow<std::uint16_t>(planes, row, unused, mine);
+                    AddRow<std::uint16_t>(planes, row, codes, mine);
             }
         });
     });

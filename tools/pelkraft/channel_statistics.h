@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/pelkraft/ink_codes.h"
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
 
@@ -15,7 +16,7 @@ struct ChannelStatistics
     std::uint64_t sum = 0;
     std::uint32_t lowest = UINT32_MAX;
     std::uint32_t highest = 0;
-    // Samples other than that of no ink.
+    // Samples of some ink.
     std::uint64_t used = 0;
 
     void Add(const ChannelStatistics& other);
@@ -23,8 +24,8 @@ struct ChannelStatistics
     double UsedShare() const { return static_cast<double>(used) / static_cast<double>(samples); }
 };
 
-// Counts the page at which the file stands. unused is the sample of no ink.
+// Counts the page at which the file stands. Samples beyond that of no ink have none either.
 std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPicture& picture,
-                                            int unused, int threads);
+                                            const InkCodes& codes, int threads);
 
 } // namespace zvk::Pelkraft::Client

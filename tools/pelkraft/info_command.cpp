@@ -81,7 +81,7 @@ private:
     void Count(const TiffFile& file, PageFacts& facts) const
     {
         facts.statistics = CountSamples(file, ReadPicture(file),
-                                        facts.codes ? facts.codes->none : 0, common.threads);
+                                        facts.codes.value_or(InkCodes{0, 1}), common.threads);
     }
 
     CLI::App* verb = nullptr;

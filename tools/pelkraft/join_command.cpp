@@ -7,6 +7,7 @@
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/json.h"
 #include "tools/pelkraft/page_join.h"
+#include "tools/pelkraft/plate_names.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/tiff_output.h"
 
@@ -115,6 +116,7 @@ public:
         std::vector<PlateArgument> plates;
         for (const std::string& argument : arguments)
             plates.push_back(ReadPlateArgument(argument));
+        RefusePlateAsOutput(plates);
         std::vector<OpenGroup> groups;
         for (const PlateGroup& group : GroupPlates(plates, order))
             groups.emplace_back(group, Spool{output.path, input.spoolLimit});
@@ -141,6 +143,27 @@ public:
     }
 
 private:
+    // A command line whose first word was forgotten would end one of the plates.
+    void RefusePlateAsOutput(const std::vector<PlateArgument>& plates) const
+    {
+        const auto name = ReadPlateName(output.path);
+        if (name && std::any_of(plates.begin(), plates.end(), [&](const PlateArgument& plate) {
+                return plate.base == name->base;
+            }))
+            throw Failure(ExitCode::Usage, output.path,
+                          "is named like a plate of ink " + Quoted(name->ink) +
+                              "; the new file comes first: pelkraft join OUT.tif PLATE...");
+    }
+
+    // Without its first word the command line would end one of the plates.
+    void RefusePlateAsOutput() const
+    {
+        if (const auto plate = ReadPlateName(output.path); plate && AreProcessInks({plate->ink}))
+            throw Failure(ExitCode::Usage, output.path,
+                          "is named like a plate of ink " + Quoted(plate->ink) +
+                              "; the new file comes first: pelkraft join OUT.tif PLATE...");
+    }
+
     // Refuses before the first row of the first page what is wrong with the last.
     Total PlanAll(const std::vector<OpenGroup>& groups) const
     {

@@ -49,6 +49,9 @@ public:
     {
         if (!verify && form.empty())
             throw Failure(ExitCode::Usage, {}, "mask wants --verify or --export raw16");
+        if (verify && output != "-")
+            throw Failure(ExitCode::Usage, {},
+                          "mask --verify takes no file: it compares the library's own mask");
         CatchInterrupts();
         const std::uint16_t* const ranks = plk_dither_mask();
         if (ranks == nullptr)

@@ -70,6 +70,16 @@ def test_plates_of_one_bit_are_counted_by_their_polarity(tmp_path, succeed, phot
     check_statistics([ink], samples[..., None], unused)
 
 
+@pytest.mark.parametrize("kind, is_used", [
+    ("miniswhite", lambda plane: plane > 50), ("minisblack", lambda plane: plane < 255 - 50)])
+def test_samples_beyond_no_ink_are_not_used(tmp_path, succeed, kind, is_used):
+    plane = numpy.random.default_rng(7).integers(0, 256, (31, 47), numpy.uint8)
+    tifffile.imwrite(tmp_path / "a.tif", plane, photometric=kind)
+    outcome = succeed("info", "--json", "--stats", "--dot-range", "50,200", "a.tif")
+    (ink,) = only_page(outcome)["inks"]
+    assert ink["used"] == pytest.approx(is_used(plane).mean(), rel=1e-12)
+
+
 def test_codes_come_from_the_dot_range(tmp_path, succeed):
     write_inks(tmp_path / "in.tif", random_samples(1, (3, 4, 4), 8), list("ABCD"), (5, 250))
     for ink in only_page(succeed("info", "--json", "in.tif"))["inks"]:

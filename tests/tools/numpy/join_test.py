@@ -99,6 +99,15 @@ def test_an_ink_cannot_hold_a_zero_byte(tmp_path, refuse):
     refuse(2, ["zero byte"], "join", "out.tif", "p(a%00b).tif")
 
 
+def test_a_plate_is_no_place_for_the_page(tmp_path, refuse, succeed):
+    write_plates(tmp_path)
+    plates = plates_of(tmp_path)
+    before = (tmp_path / plates[0]).read_bytes()
+    refuse(2, ["like a plate", "OUT.tif"], "join", *plates)
+    assert (tmp_path / plates[0]).read_bytes() == before
+    succeed("join", "all.pages.tif", *plates)
+
+
 def test_the_command_line_names_inks_and_paths_with_equals_signs(tmp_path, succeed):
     samples = random_samples(1, (3, 4), 8)
     write_plate(tmp_path / "any.tif", samples)
