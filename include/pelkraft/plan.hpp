@@ -59,7 +59,7 @@ Bytes FetchBytes(const Call& call)
 {
     std::uint64_t needed = 0;
     RequireOk([&](plk_failure* failure) {
-        const plk_status status = call(nullptr, 0, &needed, failure);
+        const plk_status status = call(nullptr, std::uint64_t{0}, &needed, failure);
         return status == PLK_TOO_SMALL ? PLK_OK : status;
     });
     Bytes bytes(static_cast<std::size_t>(needed), '\0');

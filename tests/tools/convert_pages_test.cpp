@@ -17,7 +17,7 @@ protected:
     [[nodiscard]] int CountPages() const
     {
         TIFF* const tiff = TIFFOpen(Path("out.tif").c_str(), "r");
-        const int count = TIFFNumberOfDirectories(tiff);
+        const auto count = static_cast<int>(TIFFNumberOfDirectories(tiff));
         TIFFClose(tiff);
         return count;
     }

@@ -28,7 +28,7 @@ protected:
     {
         std::vector<TiffImage> pages;
         TIFF* const tiff = TIFFOpen(Path(name).c_str(), "r");
-        const int count = tiff != nullptr ? TIFFNumberOfDirectories(tiff) : 0;
+        const int count = tiff != nullptr ? static_cast<int>(TIFFNumberOfDirectories(tiff)) : 0;
         if (tiff != nullptr)
             TIFFClose(tiff);
         for (int page = 0; page < count; ++page) {
