@@ -20,6 +20,9 @@ std::int64_t ReadAt(int descriptor, void* bytes, std::size_t size, std::uint64_t
 std::int64_t Write(int descriptor, const void* bytes, std::size_t size);
 std::int64_t WriteAt(int descriptor, const void* bytes, std::size_t size, std::uint64_t offset);
 
+// Has the system begin with sending these bytes of a file to the disk, where it can be asked to;
+// Store then waits for less.
+void StartStoring(int descriptor, std::uint64_t offset, std::uint64_t count);
 // Sends what was written to the disk.
 int Store(int descriptor);
 int Close(int descriptor);

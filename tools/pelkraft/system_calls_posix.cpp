@@ -57,6 +57,19 @@ std::int64_t WriteAt(int descriptor, const void* bytes, std::size_t size, std::u
     return Moved(pwrite(descriptor, bytes, size, static_cast<off_t>(offset)));
 }
 
+void StartStoring(int descriptor, std::uint64_t offset, std::uint64_t count)
+{
+#ifdef __linux__
+    // A failure comes again when the file is stored.
+    static_cast<void>(sync_file_range(descriptor, static_cast<off_t>(offset),
+                                      static_cast<off_t>(count), SYNC_FILE_RANGE_WRITE));
+#else
+    static_cast<void>(descriptor);
+    static_cast<void>(offset);
+    static_cast<void>(count);
+#endif
+}
+
 int Store(int descriptor)
 {
     return fsync(descriptor) == 0 ? 0 : errno;

@@ -151,6 +151,8 @@ std::int64_t WriteAt(int descriptor, const void* bytes, std::size_t size, std::u
     return Moved(done, count);
 }
 
+void StartStoring(int, std::uint64_t, std::uint64_t) {}
+
 int Store(int descriptor)
 {
     return Answer(FlushFileBuffers(HandleOf(descriptor)));

@@ -9,6 +9,12 @@
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
+namespace {
+
+// The disk begins with its work when so many new bytes were written.
+constexpr std::uint64_t storedAtOnce = std::uint64_t{8} << 20;
+
+} // namespace
 
 TiffStream::~TiffStream()
 {
@@ -92,6 +98,10 @@ tmsize_t TiffStream::Write(thandle_t handle, void* bytes, tmsize_t count)
     }
     stream.position += wanted;
     stream.size = std::max(stream.size, stream.position);
+    if (!stream.IsPipe() && stream.size - stream.storing >= storedAtOnce) {
+        StartStoring(stream.descriptor, stream.storing, stream.size - stream.storing);
+        stream.storing = stream.size;
+    }
     return count;
 }
 

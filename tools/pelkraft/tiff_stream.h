@@ -62,6 +62,8 @@ private:
     int descriptor;
     std::uint64_t size;
     std::uint64_t position = 0;
+    // Up to here the disk has begun.
+    std::uint64_t storing = 0;
     const MappedFile* mapping = nullptr;
     bool owner = true;
     std::optional<HeldDirectory> held;
