@@ -3,6 +3,7 @@
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/workers.h"
 
 #include <algorithm>
 #include <string>
@@ -11,6 +12,8 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr std::int64_t wantedBandBytes = std::int64_t{4} << 20;
+// They stay in a processor's own cache.
+constexpr std::int64_t fewBytes = std::int64_t{256} << 10;
 
 // True where the bytes of a file are the rows as they are.
 bool IsPlain(const TiffFile& file, const TiffPicture& picture)
@@ -26,61 +29,67 @@ bool IsPlain(const TiffFile& file, const TiffPicture& picture)
 } // namespace
 
 BandReader::BandReader(const TiffFile& newFile, const TiffPicture& newPicture,
-                       const RowOrder& order)
-    : file(newFile), picture(newPicture)
+                       std::uint32_t mostRows, const RowOrder& order)
+    : file(newFile), picture(newPicture),
+      bytes(static_cast<std::size_t>(picture.RowBytes()) * mostRows)
 {
     if (order.flip || !IsPlain(file, picture))
         decoder = OpenRows(file, picture, order);
 }
 
-void BandReader::Read(unsigned char* rows, std::uint32_t count)
+void BandReader::Next(std::uint32_t count)
 {
-    if (!decoder) {
-        ReadPlain(rows, count);
-        return;
-    }
-    decoder->ReadRows(rows, count, picture.RowBytes());
+    if (decoder)
+        decoder->ReadRows(bytes.Data(), count, picture.RowBytes());
+    else
+        FindRuns(count);
 }
 
-std::uint32_t BandReader::CountRun(std::uint32_t most, std::uint64_t& offset) const
+void BandReader::FindRuns(std::uint32_t count)
 {
+    runs.clear();
     const auto rowBytes = static_cast<std::uint64_t>(picture.RowBytes());
-    std::uint32_t counted = 0;
-    for (std::uint64_t end = 0; counted < most;) {
-        const std::uint32_t row = nextRow + counted;
-        const std::uint32_t strip = row / picture.rowsPerStrip;
-        const std::uint32_t rowInStrip = row % picture.rowsPerStrip;
+    std::uint64_t end = 0;
+    for (std::uint32_t found = 0, rows = 0; found < count; found += rows) {
+        const std::uint32_t strip = nextRow / picture.rowsPerStrip;
+        const std::uint32_t rowInStrip = nextRow % picture.rowsPerStrip;
         const std::uint64_t start = TIFFGetStrileOffset(file.Get(), strip) + rowInStrip * rowBytes;
-        if (counted > 0 && start != end)
-            break;
-        const std::uint32_t rows = std::min(most - counted, picture.rowsPerStrip - rowInStrip);
+        rows = std::min(count - found, picture.rowsPerStrip - rowInStrip);
         if (TIFFGetStrileByteCount(file.Get(), strip) < (rowInStrip + rows) * rowBytes)
             file.Throw(ExitCode::BadInput, "has too few bytes in the strip of row " +
-                                               std::to_string(std::uint64_t{row} + 1) +
+                                               std::to_string(std::uint64_t{nextRow} + 1) +
                                                "; it may be truncated or damaged");
-        if (counted == 0)
-            offset = start;
+        if (found == 0 || start != end)
+            runs.push_back({found, found, start});
+        runs.back().end += rows;
         end = start + rows * rowBytes;
-        counted += rows;
+        nextRow += rows;
     }
-    return counted;
 }
 
-void BandReader::ReadPlain(unsigned char* rows, std::uint32_t count)
+void BandReader::Fetch(std::int64_t begin, std::int64_t end) const
 {
-    while (count > 0) {
-        std::uint64_t offset = 0;
-        const std::uint32_t run = CountRun(count, offset);
-        const auto wanted = static_cast<std::size_t>(picture.RowBytes()) * run;
-        std::size_t got = 0;
-        if (const int error = ReadUpTo(file.Descriptor(), rows, wanted, offset, got); error != 0)
-            ThrowReadFailure(file.Path(), ErrorText(error));
-        if (got < wanted)
-            ThrowReadFailure(file.Path(), "it has become shorter meanwhile");
-        rows += wanted;
-        nextRow += run;
-        count -= run;
+    for (const Run& run : runs) {
+        const std::int64_t first = std::max(begin, run.first);
+        const std::int64_t last = std::min(end, run.end);
+        if (first < last)
+            ReadRun(run, first, last);
     }
+}
+
+void BandReader::ReadRun(const Run& run, std::int64_t begin, std::int64_t end) const
+{
+    const std::int64_t rowBytes = picture.RowBytes();
+    const std::uint64_t offset =
+        run.offset + static_cast<std::uint64_t>(rowBytes * (begin - run.first));
+    const auto wanted = static_cast<std::size_t>(rowBytes * (end - begin));
+    std::size_t got = 0;
+    if (const int error =
+            ReadUpTo(file.Descriptor(), bytes.Data() + rowBytes * begin, wanted, offset, got);
+        error != 0)
+        ThrowReadFailure(file.Path(), ErrorText(error));
+    if (got < wanted)
+        ThrowReadFailure(file.Path(), "it has become shorter meanwhile");
 }
 
 std::uint32_t RowsOfBand(std::int64_t rowBytes, std::uint32_t height)
@@ -89,17 +98,33 @@ std::uint32_t RowsOfBand(std::int64_t rowBytes, std::uint32_t height)
         std::clamp<std::int64_t>(wantedBandBytes / rowBytes, 1, height));
 }
 
-void ForEachBand(const TiffFile& file, const TiffPicture& picture,
-                 const std::function<void(const RowBand& band)>& work)
+void ShareOutRows(int threads, std::int64_t rows, std::int64_t rowBytes,
+                  const std::function<void(int worker, std::int64_t begin, std::int64_t end)>& work)
 {
-    const std::uint32_t most = RowsOfBand(picture.RowBytes(), picture.height);
-    const RowBuffer bytes(static_cast<std::size_t>(picture.RowBytes()) * most);
-    BandReader reader(file, picture);
+    const std::int64_t few = std::max<std::int64_t>(fewBytes / rowBytes, 1);
+    ShareOut(threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
+        for (std::int64_t row = begin; row < end; row += few)
+            work(worker, row, std::min(row + few, end));
+    });
+}
+
+void ForEachBand(const TiffFile& file, const TiffPicture& picture, int threads,
+                 const PageWork& work)
+{
+    const std::int64_t rowBytes = picture.RowBytes();
+    const std::uint32_t most = RowsOfBand(rowBytes, picture.height);
+    BandReader reader(file, picture, most);
     for (std::uint32_t first = 0, rows = 0; first < picture.height; first += rows) {
         rows = std::min(most, picture.height - first);
         StopIfInterrupted(file.Path());
-        reader.Read(bytes.Data(), rows);
-        work({bytes.Data(), first, rows});
+        reader.Next(rows);
+        ShareOutRows(threads, rows, rowBytes,
+                     [&](int worker, std::int64_t begin, std::int64_t end) {
+                         reader.Fetch(begin, end);
+                         for (std::int64_t row = begin; row < end; ++row)
+                             work.takeRow(worker, first + row, reader.Row(row));
+                     });
+        work.endBand(first, rows);
     }
     file.RequireSound();
 }

@@ -2,7 +2,6 @@
 
 #include "tools/pelkraft/band_reader.h"
 #include "tools/pelkraft/sample_planes.h"
-#include "tools/pelkraft/workers.h"
 
 #include <algorithm>
 #include <limits>
@@ -25,13 +24,17 @@ void AddSamples(const Sample* samples, std::int64_t count, const InkCodes& codes
         const std::int64_t size = std::min(blockSamples, count - start);
         std::uint32_t sum = 0;
         std::uint32_t used = 0;
-        Sample lowest = block[0];
-        Sample highest = block[0];
         for (std::int64_t i = 0; i < size; ++i) {
             sum += block[i];
             used += static_cast<Sample>(block[i] ^ turn) > none ? 1 : 0;
-            lowest = std::min(lowest, block[i]);
-            highest = std::max(highest, block[i]);
+        }
+        // Without std::min and std::max, whose choice of a reference keeps compilers from
+        // vectorising.
+        Sample lowest = block[0];
+        Sample highest = block[0];
+        for (std::int64_t i = 0; i < size; ++i) {
+            lowest = block[i] < lowest ? block[i] : lowest;
+            highest = block[i] > highest ? block[i] : highest;
         }
         total.Add({static_cast<std::uint64_t>(size), sum, lowest, highest, used});
     }
@@ -66,19 +69,16 @@ std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPict
     std::vector<SamplePlanes::Row> rows;
     for (int worker = 0; worker < threads; ++worker)
         rows.emplace_back(planes);
-    ForEachBand(file, picture, [&](const RowBand& band) {
-        ShareOut(threads, band.count, [&](int worker, std::int64_t begin, std::int64_t end) {
-            SamplePlanes::Row& row = rows[static_cast<std::size_t>(worker)];
-            auto& mine = totals[static_cast<std::size_t>(worker)];
-            for (std::int64_t i = begin; i < end; ++i) {
-                row.Take(band.rows + picture.RowBytes() * i);
-                if (planes.SampleBytes() == 1)
-                    AddRow<std::uint8_t>(planes, row, codes, mine);
-                else
-                    AddRow<std::uint16_t>(planes, row, codes, mine);
-            }
-        });
-    });
+    const auto takeRow = [&](int worker, std::int64_t, const unsigned char* bytes) {
+        SamplePlanes::Row& row = rows[static_cast<std::size_t>(worker)];
+        auto& mine = totals[static_cast<std::size_t>(worker)];
+        row.Take(bytes);
+        if (planes.SampleBytes() == 1)
+            AddRow<std::uint8_t>(planes, row, codes, mine);
+        else
+            AddRow<std::uint16_t>(planes, row, codes, mine);
+    };
+    ForEachBand(file, picture, threads, {takeRow, [](std::uint32_t, std::uint32_t) {}});
     std::vector<ChannelStatistics> sums = none;
     for (const auto& part : totals) {
         for (std::size_t channel = 0; channel < sums.size(); ++channel)

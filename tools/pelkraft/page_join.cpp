@@ -3,16 +3,16 @@
 #include "tools/pelkraft/band_reader.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/one_behind.h"
 #include "tools/pelkraft/page_resolution.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/plate_names.h"
 #include "tools/pelkraft/row_pipeline.h"
 #include "tools/pelkraft/strip_writer.h"
 #include "tools/pelkraft/tag_writer.h"
-#include "tools/pelkraft/workers.h"
+#include "tools/pelkraft/turned_samples.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
@@ -127,45 +127,37 @@ TiffPicture PlanesOf(const std::vector<JoinedPlate>& plates)
 class PlateBands
 {
 public:
-    PlateBands(const std::vector<TiffFile>& files, const JoinPlan& newPlan, std::uint32_t newRows)
-        : plan(newPlan), rows(newRows), planeBytes(plan.plates[0].picture.RowBytes()),
-          bytes(static_cast<std::size_t>(planeBytes * rows) * files.size())
+    PlateBands(const std::vector<TiffFile>& files, const JoinPlan& newPlan, std::uint32_t rows)
+        : plan(newPlan), planeBytes(plan.plates[0].picture.RowBytes())
     {
         for (std::size_t plate = 0; plate < files.size(); ++plate)
-            readers.emplace_back(files[plate], plan.plates[plate].picture);
+            readers.emplace_back(files[plate], plan.plates[plate].picture, rows);
     }
 
-    void Read(std::uint32_t count)
+    void Next(std::uint32_t count)
     {
-        for (std::size_t plate = 0; plate < readers.size(); ++plate)
-            readers[plate].Read(Row(plate, 0), count);
+        for (BandReader& reader : readers)
+            reader.Next(count);
     }
 
-    unsigned char* Row(std::size_t plate, std::int64_t row) const
+    void Fetch(std::int64_t begin, std::int64_t end) const
     {
-        return bytes.Data() + (static_cast<std::int64_t>(plate) * rows + row) * planeBytes;
+        for (const BandReader& reader : readers)
+            reader.Fetch(begin, end);
     }
 
     // Gathers a row of all plates, plane after plane, with high samples for much ink.
     void Gather(std::int64_t row, unsigned char* planes) const
     {
-        for (std::size_t plate = 0; plate < readers.size(); ++plate) {
-            unsigned char* const to = planes + static_cast<std::int64_t>(plate) * planeBytes;
-            const unsigned char* const from = Row(plate, row);
-            if (!plan.plates[plate].turned) {
-                std::memcpy(to, from, static_cast<std::size_t>(planeBytes));
-                continue;
-            }
-            for (std::int64_t i = 0; i < planeBytes; ++i)
-                to[i] = static_cast<unsigned char>(~from[i]);
-        }
+        for (std::size_t plate = 0; plate < readers.size(); ++plate)
+            CopySamples(readers[plate].Row(row),
+                        planes + static_cast<std::int64_t>(plate) * planeBytes, planeBytes,
+                        plan.plates[plate].turned);
     }
 
 private:
     const JoinPlan& plan;
-    std::int64_t rows;
     std::int64_t planeBytes;
-    RowBuffer bytes;
     std::vector<BandReader> readers;
 };
 
@@ -219,28 +211,34 @@ void JoinPage(const std::vector<TiffFile>& files, const TiffFile& out, const Joi
     WriteTags(files[0], out, plan.to, plan.tags);
     const TiffPicture planes = PlanesOf(plan.plates);
     const std::uint32_t bandRows = BandRows(planes, plan.to);
+    const std::int64_t rowBytes = plan.to.RowBytes();
     PlateBands plates(files, plan, bandRows);
-    const RowBuffer newRows(static_cast<std::size_t>(plan.to.RowBytes()) * bandRows);
     StripWriter writer(out, plan.to);
     std::vector<std::pair<RowPipeline, RowBuffer>> work;
     for (int worker = 0; worker < threads; ++worker)
         work.emplace_back(RowPipeline(plan.rows),
                           RowBuffer(static_cast<std::size_t>(planes.RowBytes())));
+    const BandBuffers newRows(static_cast<std::size_t>(rowBytes) * bandRows, threads);
+    OneBehind writing(threads);
     for (std::uint32_t first = 0, rows = 0; first < plan.to.height; first += rows) {
         rows = std::min(bandRows, plan.to.height - first);
+        unsigned char* const made = newRows.For(first / bandRows);
         StopIfInterrupted(out.Path());
-        plates.Read(rows);
-        ShareOut(threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
-            auto& [pipeline, gathered] = work[static_cast<std::size_t>(worker)];
-            for (std::int64_t row = begin; row < end; ++row) {
-                plates.Gather(row, gathered.Data());
-                pipeline.Run(gathered.Data(), newRows.Data() + plan.to.RowBytes() * row);
-            }
-        });
+        plates.Next(rows);
+        ShareOutRows(threads, rows, planes.RowBytes(),
+                     [&](int worker, std::int64_t begin, std::int64_t end) {
+                         auto& [pipeline, gathered] = work[static_cast<std::size_t>(worker)];
+                         plates.Fetch(begin, end);
+                         for (std::int64_t row = begin; row < end; ++row) {
+                             plates.Gather(row, gathered.Data());
+                             pipeline.Run(gathered.Data(), made + rowBytes * row);
+                         }
+                     });
         StopIfInterrupted(out.Path());
-        writer.WriteRows(newRows.Data(), plan.to.RowBytes(), rows);
+        writing.Run([&writer, made, rowBytes, rows] { writer.WriteRows(made, rowBytes, rows); });
         progress.Advance(rows);
     }
+    writing.Finish();
     writer.EndPage();
     for (const TiffFile& file : files)
         file.RequireSound();

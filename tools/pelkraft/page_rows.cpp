@@ -3,10 +3,9 @@
 #include "tools/pelkraft/band_reader.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
-#include "tools/pelkraft/row_pipeline.h"
+#include "tools/pelkraft/one_behind.h"
 #include "tools/pelkraft/strip_writer.h"
 #include "tools/pelkraft/tag_writer.h"
-#include "tools/pelkraft/workers.h"
 
 #include <algorithm>
 
@@ -15,28 +14,18 @@ namespace {
 
 constexpr std::int64_t wantedBandBytes = std::int64_t{8} << 20;
 
-// The rows of a page that are held at once, each right after the one before.
-struct Band
-{
-    Band(const TiffPicture& picture, std::uint32_t rows)
-        : rowBytes(picture.RowBytes()), bytes(static_cast<std::size_t>(rowBytes * rows))
-    {}
-
-    unsigned char* Row(std::int64_t row) const { return bytes.Data() + rowBytes * row; }
-
-    std::int64_t rowBytes;
-    RowBuffer bytes;
-};
-
 // Takes the rows of a band from first on to new rows, with all threads.
-void WorkOnBand(const PageRows& page, const RowWork& work, const Band& oldRows, const Band& newRows,
-                std::uint32_t first, std::uint32_t rows)
+void WorkOnBand(const PageRows& page, const RowWork& work, const BandReader& reader,
+                unsigned char* newRows, std::uint32_t first, std::uint32_t rows)
 {
+    const std::int64_t newBytes = page.to.RowBytes();
     try {
-        ShareOut(page.threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
-            for (std::int64_t row = begin; row < end; ++row)
-                work(worker, first + row, oldRows.Row(row), newRows.Row(row));
-        });
+        ShareOutRows(page.threads, rows, page.from.RowBytes(),
+                     [&](int worker, std::int64_t begin, std::int64_t end) {
+                         reader.Fetch(begin, end);
+                         for (std::int64_t row = begin; row < end; ++row)
+                             work(worker, first + row, reader.Row(row), newRows + newBytes * row);
+                     });
     } catch (const char* text) {
         throw Failure(ExitCode::Unsupported, page.file.Path(),
                       std::string("the library refuses it: ") + text);
@@ -88,24 +77,27 @@ void WriteRows(const PageRows& page, const RowWork& work,
 {
     const std::uint32_t height = page.from.height;
     const std::uint32_t bandRows = BandRows(page.from, page.to);
-    BandReader reader(page.file, page.from, page.order);
+    const std::int64_t rowBytes = page.to.RowBytes();
     StripWriter writer(page.out, page.to);
     progress.StartPage();
-    const Band oldRows(page.from, bandRows);
-    const Band newRows(page.to, page.same ? 0 : bandRows);
-    const Band& written = page.same ? oldRows : newRows;
+    BandReader reader(page.file, page.from, bandRows, page.order);
+    const BandBuffers newRows(static_cast<std::size_t>(rowBytes) * bandRows, page.threads);
+    OneBehind writing(page.threads);
     for (std::uint32_t first = 0, rows = 0; first < height; first += rows) {
         rows = std::min(bandRows, height - first);
+        unsigned char* const made = newRows.For(first / bandRows);
         StopIfInterrupted(page.output);
-        reader.Read(oldRows.Row(0), rows);
-        if (!page.same)
-            WorkOnBand(page, work, oldRows, newRows, first, rows);
+        reader.Next(rows);
+        WorkOnBand(page, work, reader, made, first, rows);
         StopIfInterrupted(page.output);
-        writer.WriteRows(written.Row(0), written.rowBytes, rows);
-        for (std::uint32_t row = 0; row < rows; ++row)
-            show(written.Row(row));
+        writing.Run([&writer, &show, made, rowBytes, rows] {
+            writer.WriteRows(made, rowBytes, rows);
+            for (std::uint32_t row = 0; row < rows; ++row)
+                show(made + rowBytes * row);
+        });
         progress.Advance(rows);
     }
+    writing.Finish();
     writer.EndPage();
 }
 

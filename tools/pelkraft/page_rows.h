@@ -37,16 +37,14 @@ struct PageRows
     const std::string& output;
     int threads;
     RowOrder order = {};
-    // New rows are old rows as they are, and no work is done on them.
-    bool same = false;
 };
 
 // The work of a thread on one row.
 using RowWork = std::function<void(int worker, std::int64_t row, const unsigned char* oldRow,
                                    unsigned char* newRow)>;
 
-// Reads a band, works on it with all threads, and writes it; again and again, up to the end of the
-// page. Each new row is shown after it has been written.
+// Reads a band, works on it with all threads, and writes it beside the next; again and again, up to
+// the end of the page. Each new row is shown after it has been written.
 void WriteRows(const PageRows& page, const RowWork& work,
                const std::function<void(const unsigned char* newRow)>& show, Progress& progress);
 

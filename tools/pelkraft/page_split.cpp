@@ -5,15 +5,15 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/ink_names.h"
 #include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/one_behind.h"
 #include "tools/pelkraft/page_inks.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/row_pipeline.h"
 #include "tools/pelkraft/strip_writer.h"
 #include "tools/pelkraft/tag_writer.h"
-#include "tools/pelkraft/workers.h"
+#include "tools/pelkraft/turned_samples.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
@@ -108,9 +108,8 @@ RowPlan PlanRowsOf(const TiffFile& file, const TiffPicture& from, const TiffPict
 class PlateRows
 {
 public:
-    PlateRows(const SplitPlan& newPlan, std::uint32_t newRows)
-        : plan(newPlan), rows(newRows), planeBytes(plan.to.RowBytes()),
-          bytes(static_cast<std::size_t>(planeBytes * rows) * plan.channels.size())
+    PlateRows(const SplitPlan& newPlan, std::uint32_t newRows, unsigned char* newBytes)
+        : plan(newPlan), rows(newRows), planeBytes(plan.to.RowBytes()), bytes(newBytes)
     {}
 
     const unsigned char* First(std::size_t plate) const { return RowOf(plate, 0); }
@@ -119,29 +118,21 @@ public:
     // Takes a row of all plates, plane after plane.
     void Scatter(const unsigned char* planes, std::int64_t row) const
     {
-        for (std::size_t plate = 0; plate < plan.channels.size(); ++plate) {
-            const unsigned char* const from =
-                planes + static_cast<std::int64_t>(plate) * planeBytes;
-            unsigned char* const to = RowOf(plate, row);
-            if (!plan.turned) {
-                std::memcpy(to, from, static_cast<std::size_t>(planeBytes));
-                continue;
-            }
-            for (std::int64_t i = 0; i < planeBytes; ++i)
-                to[i] = static_cast<unsigned char>(~from[i]);
-        }
+        for (std::size_t plate = 0; plate < plan.channels.size(); ++plate)
+            CopySamples(planes + static_cast<std::int64_t>(plate) * planeBytes, RowOf(plate, row),
+                        planeBytes, plan.turned);
     }
 
 private:
     unsigned char* RowOf(std::size_t plate, std::int64_t row) const
     {
-        return bytes.Data() + (static_cast<std::int64_t>(plate) * rows + row) * planeBytes;
+        return bytes + (static_cast<std::int64_t>(plate) * rows + row) * planeBytes;
     }
 
     const SplitPlan& plan;
     std::int64_t rows;
     std::int64_t planeBytes;
-    RowBuffer bytes;
+    unsigned char* bytes;
 };
 
 } // namespace
@@ -174,29 +165,35 @@ void SplitPage(const TiffFile& file, const std::vector<const TiffFile*>& plates,
     }
     const TiffPicture planes = PlanesOf(plan);
     const std::uint32_t bandRows = BandRows(plan.from, planes);
-    const RowBuffer oldRows(static_cast<std::size_t>(plan.from.RowBytes()) * bandRows);
-    const PlateRows newRows(plan, bandRows);
-    BandReader reader(file, plan.from);
+    BandReader reader(file, plan.from, bandRows);
     std::vector<std::pair<RowPipeline, RowBuffer>> work;
     for (int worker = 0; worker < threads; ++worker)
         work.emplace_back(RowPipeline(plan.rows),
                           RowBuffer(static_cast<std::size_t>(planes.RowBytes())));
+    const BandBuffers newRows(static_cast<std::size_t>(planes.RowBytes()) * bandRows, threads);
+    OneBehind writing(threads);
     for (std::uint32_t first = 0, rows = 0; first < plan.from.height; first += rows) {
         rows = std::min(bandRows, plan.from.height - first);
+        const PlateRows made(plan, bandRows, newRows.For(first / bandRows));
         StopIfInterrupted(file.Path());
-        reader.Read(oldRows.Data(), rows);
-        ShareOut(threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
-            auto& [pipeline, split] = work[static_cast<std::size_t>(worker)];
-            for (std::int64_t row = begin; row < end; ++row) {
-                pipeline.Run(oldRows.Data() + plan.from.RowBytes() * row, split.Data());
-                newRows.Scatter(split.Data(), row);
-            }
+        reader.Next(rows);
+        ShareOutRows(threads, rows, plan.from.RowBytes(),
+                     [&](int worker, std::int64_t begin, std::int64_t end) {
+                         auto& [pipeline, split] = work[static_cast<std::size_t>(worker)];
+                         reader.Fetch(begin, end);
+                         for (std::int64_t row = begin; row < end; ++row) {
+                             pipeline.Run(reader.Row(row), split.Data());
+                             made.Scatter(split.Data(), row);
+                         }
+                     });
+        StopIfInterrupted(file.Path());
+        writing.Run([&writers, made, rows] {
+            for (std::size_t plate = 0; plate < writers.size(); ++plate)
+                writers[plate].WriteRows(made.First(plate), made.PlaneBytes(), rows);
         });
-        StopIfInterrupted(file.Path());
-        for (std::size_t plate = 0; plate < writers.size(); ++plate)
-            writers[plate].WriteRows(newRows.First(plate), newRows.PlaneBytes(), rows);
         progress.Advance(rows);
     }
+    writing.Finish();
     for (StripWriter& writer : writers)
         writer.EndPage();
 }
