@@ -1,6 +1,7 @@
 #include "tools/pelkraft/preview_pages.h"
 
 #include "tools/pelkraft/atomic_output.h"
+#include "tools/pelkraft/band_reader.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/findings.h"
@@ -8,16 +9,16 @@
 #include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/json.h"
+#include "tools/pelkraft/one_behind.h"
 #include "tools/pelkraft/page_inks.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/preview_png.h"
 #include "tools/pelkraft/progress.h"
 #include "tools/pelkraft/row_pipeline.h"
-#include "tools/pelkraft/row_readers.h"
 #include "tools/pelkraft/text_output.h"
-#include "tools/pelkraft/workers.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <list>
 #include <optional>
@@ -88,47 +89,36 @@ PagePlan PlanPage(const TiffFile& file, const PreviewOptions& options, std::set<
             PlanSamples(file, picture)};
 }
 
-// The rows that threads mix at once.
-class Band
+// Mixes rows of a page to light, with all threads.
+class LightMaker
 {
 public:
-    Band(const PagePlan& newPlan, const PreviewPicture& newPicture, int newThreads)
-        : plan(newPlan), picture(newPicture), threads(newThreads),
-          rows(std::min<std::uint32_t>(rowsOfThread * static_cast<std::uint32_t>(threads),
-                                       plan.part.height)),
-          rowBytes(static_cast<std::size_t>(plan.picture.RowBytes())), bytes(rowBytes * rows),
-          light(picture.LightSize() * rows)
+    LightMaker(const PagePlan& newPlan, const PreviewPicture& newPicture, int newThreads)
+        : plan(newPlan), picture(newPicture), threads(newThreads)
     {
         for (int worker = 0; worker < threads; ++worker)
             workers.emplace_back(plan.rows);
     }
 
-    std::uint32_t Rows() const { return rows; }
-    unsigned char* Row(std::int64_t row) const
-    {
-        return bytes.Data() + rowBytes * static_cast<std::size_t>(row);
-    }
-    double* LightOf(std::int64_t row)
-    {
-        return light.data() + picture.LightSize() * static_cast<std::size_t>(row);
-    }
-
-    void Mix(std::uint32_t count)
+    // Takes the first rows of the reader's band.
+    void Mix(const BandReader& reader, std::uint32_t rows, double* light)
     {
         const std::size_t left =
             plan.codes.samplesPerPixel * (plan.codes.bits == 16 ? 2 : 1) * plan.part.x;
-        ShareOut(threads, count, [&](int index, std::int64_t first, std::int64_t end) {
-            Worker& worker = workers[static_cast<std::size_t>(index)];
-            for (std::int64_t row = first; row < end; ++row) {
-                worker.pipeline.Run(Row(row), worker.samples.Data());
-                picture.MixRow(worker.samples.Data() + left, LightOf(row));
-            }
-        });
+        ShareOutRows(threads, rows, plan.picture.RowBytes(),
+                     [&](int index, std::int64_t begin, std::int64_t end) {
+                         Worker& worker = workers[static_cast<std::size_t>(index)];
+                         reader.Fetch(begin, end);
+                         for (std::int64_t row = begin; row < end; ++row) {
+                             worker.pipeline.Run(reader.Row(row), worker.samples.Data());
+                             picture.MixRow(worker.samples.Data() + left,
+                                            light + static_cast<std::int64_t>(picture.LightSize()) *
+                                                        row);
+                         }
+                     });
     }
 
 private:
-    static constexpr std::uint32_t rowsOfThread = 2;
-
     struct Worker
     {
         explicit Worker(const RowPlan& rows)
@@ -142,10 +132,6 @@ private:
     const PagePlan& plan;
     const PreviewPicture& picture;
     int threads;
-    std::uint32_t rows;
-    std::size_t rowBytes;
-    RowBuffer bytes;
-    std::vector<double> light;
     std::vector<Worker> workers;
 };
 
@@ -187,23 +173,34 @@ void ShowPage(const TiffFile& file, const PagePlan& plan, int threads, PictureOu
     PreviewPng png(
         path, plan.frame, InkLayers(plan.codes, plan.layers), plan.resolution,
         [&output](const void* bytes, std::size_t size) { return output.Append(bytes, size); });
-    Band band(plan, png.Picture(), threads);
-    const auto reader = OpenRows(file, plan.picture);
-    const auto read = [&](std::uint32_t row) {
+    const std::size_t lightSize = png.Picture().LightSize();
+    const std::uint32_t most = std::min(
+        RowsOfBand(plan.picture.RowBytes(), plan.picture.height),
+        RowsOfBand(static_cast<std::int64_t>(lightSize * sizeof(double)), plan.picture.height));
+    BandReader reader(file, plan.picture, most);
+    const auto next = [&](std::uint32_t done, std::uint32_t end) {
+        const std::uint32_t count = std::min(most, end - done);
         StopIfInterrupted(path);
-        reader->ReadRow(band.Row(row));
-        progress.Advance(1);
+        reader.Next(count);
+        progress.Advance(count);
+        return count;
     };
-    for (std::uint32_t row = 0; row < plan.part.y; ++row)
-        read(0);
+    for (std::uint32_t done = 0; done < plan.part.y;)
+        done += next(done, plan.part.y);
+    LightMaker maker(plan, png.Picture(), threads);
+    std::array<std::vector<double>, 2> lights;
+    OneBehind drawing(threads);
     for (std::uint32_t done = 0, count = 0; done < plan.part.height; done += count) {
-        count = std::min(band.Rows(), plan.part.height - done);
-        for (std::uint32_t row = 0; row < count; ++row)
-            read(row);
-        band.Mix(count);
-        for (std::uint32_t row = 0; row < count; ++row)
-            png.AddLight(band.LightOf(row));
+        count = next(done, plan.part.height);
+        std::vector<double>& light = lights[done / most % lights.size()];
+        light.resize(lightSize * most);
+        maker.Mix(reader, count, light.data());
+        drawing.Run([&png, &light, lightSize, count] {
+            for (std::uint32_t row = 0; row < count; ++row)
+                png.AddLight(light.data() + lightSize * row);
+        });
     }
+    drawing.Finish();
     png.Finish();
     output.Store();
 }
