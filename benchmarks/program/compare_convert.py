@@ -6,7 +6,7 @@
 makes a picture of CMYK in the folder, or in that for temporary files, and prints a table in Markdown
 for each job: the wall clock and the processor time of each program, the median of seven runs. Runs
 take turns, so that other work on the machine meets all alike. pelkraft stores its file before it
-appears; after the others, which don't, `sync` does it within the same time.
+appears; after the others, which don't, `sync` does it within the same times.
 """
 
 import os
@@ -57,12 +57,12 @@ def time_run(name, command, target):
     before = resource.getrusage(resource.RUSAGE_CHILDREN)
     start = time.monotonic()
     done = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
-    after = resource.getrusage(resource.RUSAGE_CHILDREN)
     if done.returncode != 0:
         return None
     if name != "pelkraft":
         subprocess.run(["sync", target], check=True)
     wall = time.monotonic() - start
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
     return wall, sum(after[:2]) - sum(before[:2])
 
 

@@ -12,7 +12,6 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr std::int64_t wantedBandBytes = std::int64_t{4} << 20;
-// They stay in a processor's own cache.
 constexpr std::int64_t fewBytes = std::int64_t{256} << 10;
 
 // True where the bytes of a file are the rows as they are.
@@ -98,10 +97,15 @@ std::uint32_t RowsOfBand(std::int64_t rowBytes, std::uint32_t height)
         std::clamp<std::int64_t>(wantedBandBytes / rowBytes, 1, height));
 }
 
+std::uint32_t RowsOfFew(std::int64_t rowBytes)
+{
+    return static_cast<std::uint32_t>(std::max<std::int64_t>(fewBytes / rowBytes, 1));
+}
+
 void ShareOutRows(int threads, std::int64_t rows, std::int64_t rowBytes,
                   const std::function<void(int worker, std::int64_t begin, std::int64_t end)>& work)
 {
-    const std::int64_t few = std::max<std::int64_t>(fewBytes / rowBytes, 1);
+    const std::int64_t few = RowsOfFew(rowBytes);
     ShareOut(threads, rows, [&](int worker, std::int64_t begin, std::int64_t end) {
         for (std::int64_t row = begin; row < end; row += few)
             work(worker, row, std::min(row + few, end));

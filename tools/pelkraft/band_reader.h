@@ -54,6 +54,9 @@ private:
 // So many rows of this many bytes make a band.
 std::uint32_t RowsOfBand(std::int64_t rowBytes, std::uint32_t height);
 
+// So many rows of this many bytes stay in a processor's own cache.
+std::uint32_t RowsOfFew(std::int64_t rowBytes);
+
 // Shares out the rows of a band, which each thread takes a few at a time: what was read is still at
 // hand when it is worked on.
 void ShareOutRows(

@@ -98,7 +98,8 @@ bool ConvertPage(const TiffFile& file, const TiffFile& out, const PagePlan& plan
     WriteTags(file, out, plan.to, plan.tags);
     const RowOrder order = {options.flip, {options.output.path, options.input.spoolLimit}};
     WriteRows(
-        {file, out, plan.from, plan.to, options.output.path, options.common.threads, order},
+        {file, out, plan.from, plan.to, options.output.path, options.common.threads, order,
+         plan.rows.KeepsRows()},
         [&](int worker, std::int64_t, const unsigned char* oldRow, unsigned char* newRow) {
             pipelines[static_cast<std::size_t>(worker)].Run(oldRow, newRow);
         },

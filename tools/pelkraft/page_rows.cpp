@@ -32,6 +32,27 @@ void WorkOnBand(const PageRows& page, const RowWork& work, const BandReader& rea
     }
 }
 
+// Writes rows as they are, few at a time, so that a processor's own cache holds them meanwhile.
+void CopyRows(const PageRows& page, StripWriter& writer,
+              const std::function<void(const unsigned char* newRow)>& show, Progress& progress)
+{
+    const std::uint32_t height = page.from.height;
+    const std::uint32_t strips =
+        std::max(RowsOfFew(page.from.RowBytes()) / page.to.rowsPerStrip, 1U);
+    const std::uint32_t most = std::min(strips * page.to.rowsPerStrip, height);
+    BandReader reader(page.file, page.from, most, page.order);
+    for (std::uint32_t first = 0, rows = 0; first < height; first += rows) {
+        rows = std::min(most, height - first);
+        StopIfInterrupted(page.output);
+        reader.Next(rows);
+        reader.Fetch(0, rows);
+        writer.WriteRows(reader.Row(0), page.to.RowBytes(), rows);
+        for (std::uint32_t row = 0; row < rows; ++row)
+            show(reader.Row(row));
+        progress.Advance(rows);
+    }
+}
+
 } // namespace
 
 RowShape ShapeOf(const TiffPicture& picture)
@@ -80,6 +101,11 @@ void WriteRows(const PageRows& page, const RowWork& work,
     const std::int64_t rowBytes = page.to.RowBytes();
     StripWriter writer(page.out, page.to);
     progress.StartPage();
+    if (page.same) {
+        CopyRows(page, writer, show, progress);
+        writer.EndPage();
+        return;
+    }
     BandReader reader(page.file, page.from, bandRows, page.order);
     const BandBuffers newRows(static_cast<std::size_t>(rowBytes) * bandRows, page.threads);
     OneBehind writing(page.threads);

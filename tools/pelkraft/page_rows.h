@@ -37,6 +37,8 @@ struct PageRows
     const std::string& output;
     int threads;
     RowOrder order = {};
+    // New rows are old rows as they are, and no work is done on them.
+    bool same = false;
 };
 
 // The work of a thread on one row.

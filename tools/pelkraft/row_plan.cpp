@@ -118,6 +118,12 @@ RowShape RowPlan::LibraryTarget() const
     return PlanesOf(request.to);
 }
 
+bool RowPlan::KeepsRows() const
+{
+    return request.from == request.to && request.map.empty() && request.repeat == 1 &&
+           !request.mirror && !request.invert && !request.lines;
+}
+
 int RowPlan::CutBits() const
 {
     const bool cuts = request.to.bits < 8 && request.to.bits < request.from.bits;

@@ -71,6 +71,8 @@ public:
     // The rows that the library reads and writes.
     RowShape LibrarySource() const;
     RowShape LibraryTarget() const;
+    // True if each new row is the old one.
+    bool KeepsRows() const;
     // The depth of the levels to which samples are cut as they are, or 0 where none is.
     int CutBits() const;
 
