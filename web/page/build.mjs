@@ -1,0 +1,126 @@
+// Builds the page into static files:
+//   node web/page/build.mjs MODULES OUT
+// MODULES holds pelkraft_page.wasm, pelkraft_tiff.wasm and dither_mask.bin. What the page loads gets
+// a name that says its content, and the service worker keeps all of it.
+import { createHash } from "node:crypto";
+import { mkdir, readFile, readdir, rm, writeFile } from "node:fs/promises";
+import { basename, dirname, extname, join, relative, resolve } from "node:path";
+import { fileURLToPath } from "node:url";
+
+import { build } from "esbuild";
+
+const page = dirname(fileURLToPath(import.meta.url));
+
+// Servers may send the same as a header. The worker has the policy of its own answer.
+export const policy = [
+    "default-src 'none'", "script-src 'self' 'wasm-unsafe-eval'", "worker-src 'self'",
+    "style-src 'self'", "img-src 'self' blob: data:", "connect-src 'self'", "manifest-src 'self'",
+    "base-uri 'none'", "form-action 'none'",
+].join("; ");
+
+// import address from "module:pelkraft_page.wasm" gives the file's address.
+function modulesFrom(folder) {
+    return {
+        name: "modules",
+        setup(bundler) {
+            bundler.onResolve({ filter: /^module:/ }, ({ path }) => ({
+                path: join(folder, path.slice("module:".length)),
+            }));
+        },
+    };
+}
+
+function optionsFor(modules, out) {
+    return {
+        absWorkingDir: page,
+        assetNames: "[name]-[hash]",
+        bundle: true,
+        charset: "utf8",
+        entryNames: "[name]-[hash]",
+        format: "esm",
+        legalComments: "linked",
+        loader: { ".bin": "file", ".svg": "file", ".wasm": "file" },
+        metafile: true,
+        minify: true,
+        outdir: out,
+        plugins: [modulesFrom(modules)],
+        sourcemap: "linked",
+        target: "es2022",
+    };
+}
+
+/** Bundles one entry, and answers the name of what it became in the folder. */
+async function bundle(options, entry, define = {}) {
+    const { metafile } = await build({ ...options, define, entryPoints: [entry] });
+    const [file] = Object.entries(metafile.outputs).find(([, { entryPoint }]) =>
+        entryPoint === entry);
+    return basename(file);
+}
+
+// Addresses of the sources give way to those of the bundles.
+async function writePage(name, bundles, out) {
+    let html = await readFile(join(page, name), "utf8");
+    for (const [source, built] of bundles) {
+        html = html.replaceAll(`"${source}"`, `"./${built}"`);
+    }
+    const meta = `<meta http-equiv="Content-Security-Policy" content="${policy}">`;
+    const whole = html.replace(/<head>/, `<head>\n    ${meta}`);
+    if (whole === html) {
+        throw new Error(`${name} has no <head> to take the policy`);
+    }
+    await writeFile(join(out, basename(name)), whole);
+}
+
+/** All that a visitor may load, without what only people who look at the source do. */
+async function filesToKeep(out) {
+    const all = await readdir(out, { recursive: true });
+    return all
+        .filter((file) => extname(file) !== "" && !/\.(map|txt)$/.test(file) && file !== "sw.js")
+        .map((file) => file.replaceAll("\\", "/"))
+        .sort();
+}
+
+async function writeServiceWorker(options, out) {
+    const files = await filesToKeep(out);
+    const digest = createHash("sha256");
+    for (const file of files) {
+        digest.update(`${file}\0`).update(await readFile(join(out, file)));
+    }
+    // Its name stays, since a browser asks again for the one that it knows.
+    await build({
+        ...options,
+        define: {
+            FILES: JSON.stringify(["./", ...files]),
+            STORE: JSON.stringify(`pelkraft-${digest.digest("hex").slice(0, 16)}`),
+        },
+        entryNames: "sw",
+        entryPoints: ["src/engine/sw.ts"],
+        sourcemap: false,
+    });
+}
+
+/** Builds one page, of an HTML file, its script and its style sheet, which may be null. */
+export async function buildPage(modules, out, { html, script, style }) {
+    await rm(out, { recursive: true, force: true });
+    await mkdir(out, { recursive: true });
+    const options = optionsFor(resolve(modules), resolve(out));
+    const worker = await bundle(options, "src/engine/worker.ts");
+    const bundles = [[script, await bundle(options, script, { WORKER: JSON.stringify(worker) })]];
+    if (style !== null) {
+        bundles.push([style, await bundle(options, style)]);
+    }
+    await writePage(html, bundles, out);
+    await writeServiceWorker(options, out);
+}
+
+if (resolve(process.argv[1]) === fileURLToPath(import.meta.url)) {
+    const [modules, out] = process.argv.slice(2);
+    if (out === undefined) {
+        console.error("usage: node web/page/build.mjs MODULES OUT");
+        process.exit(2);
+    }
+    await buildPage(modules, out, {
+        html: "index.html", script: "src/main.ts", style: "styles/main.css",
+    });
+    console.log(`the page stands in ${relative(process.cwd(), resolve(out))}`);
+}

@@ -1,0 +1,3 @@
+export * from "./api.js";
+export { createEngine } from "./client.js";
+export { commandOf } from "./command.js";
