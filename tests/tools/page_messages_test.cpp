@@ -66,14 +66,17 @@ TEST_F(PageMessages, ExplainEqualPagesOnce)
 TEST_F(PageMessages, CountWarningsOfAKind)
 {
     const std::string said = "channel 2 (Yellow) is not used: no in-colour of the pattern takes it";
+    const std::string order = "no channel bears the names of these in-colours, which take channels "
+                              "in their order: Black from channel 1 (Magenta)\n";
     const std::string start = "pelkraft: " + Path("in.tif") + ": warning: ";
     const TiffImage two = RandomImage(20, 10, 2, 8, 1);
     WritePages({small});
-    EXPECT_EQ(start + said + '\n', Simulate({}).errors);
+    EXPECT_EQ(start + order + start + said + '\n', Simulate({}).errors);
     WritePages({small, small, two, small});
-    EXPECT_EQ(start + "3 pages: " + said + '\n', Simulate({}).errors);
+    EXPECT_EQ(start + "4 pages: " + order + start + "3 pages: " + said + '\n', Simulate({}).errors);
     EXPECT_NE(std::string::npos, Simulate({"-v"}).errors.find(start + "pages 1-2, 4: " + said));
-    EXPECT_EQ(start + "page 2: " + said + '\n', Simulate({"--page", "2-3"}).errors);
+    EXPECT_EQ(start + "2 pages: " + order + start + "page 2: " + said + '\n',
+              Simulate({"--page", "2-3"}).errors);
     EXPECT_EQ("", Simulate({"-q"}).errors);
     EXPECT_EQ(1, Simulate({}).exitCode);
 }

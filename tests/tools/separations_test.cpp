@@ -92,8 +92,10 @@ BEGIN_VALUES 1 1 0-100
 END_VALUES
 END_IN_COLOR
 )");
-    ASSERT_TRUE(EndedSilently(Run({"simulate", Path("pattern.txt"), Path("page(Cyan).tif"),
-                                   Path("dots.tif"), "--levels", "quantize"})));
+    // The tags of a plate don't say which ink it is.
+    ASSERT_TRUE(Refused(Run({"simulate", Path("pattern.txt"), Path("page(Cyan).tif"),
+                             Path("dots.tif"), "--levels", "quantize"}),
+                        0, {"Cyan from channel 0 (Gray)"}));
     FileForm form;
     const TiffImage plate = ReadTiff(Path("page(Cyan).tif"), form);
     ASSERT_EQ(form.photometric, PHOTOMETRIC_MINISBLACK);

@@ -99,9 +99,9 @@ TEST_F(DitheredSimulation, TakesTheFirstSampleOfALightPictureForFullInk)
 {
     const TiffImage image = RandomImage(200, 30, 2, 8, 9);
     WriteTiff(Path("in.tif"), image, {});
-    ASSERT_TRUE(EndedSilently(Simulate()));
+    ASSERT_TRUE(Refused(Simulate(), 0, {"Cyan from channel 0 (Gray)"}));
     ExpectDithered(image, Output(), Naive(8, 255, 0));
-    ASSERT_TRUE(EndedSilently(Simulate({"--levels", "quantize"})));
+    ASSERT_EQ(0, Simulate({"--levels", "quantize"}).exitCode);
     const TiffImage out = Output();
     for (int x = 0; x < 200; ++x) {
         const auto inks = Inks((255 - image.At(x, 3, 0)) / 64, (255 - image.At(x, 3, 1)) / 128);

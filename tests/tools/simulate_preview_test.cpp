@@ -36,7 +36,7 @@ TEST_F(SimulatePreview, ShowsFullInksInTheirColours)
 {
     TiffImage image = BlankImage(2, 1, 1, 8);
     image.At(0, 0, 0) = 255;
-    WriteInput(image);
+    WriteInput(image, "X");
     const std::array<int, 3> white = {255, 255, 255};
     WritePattern(OneInk("Gold Leaf"));
     const PngImage given = Show({"--ink", "gold leaf=#80C0FF"});

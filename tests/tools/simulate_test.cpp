@@ -90,7 +90,7 @@ TEST_F(Simulation, GivesAColourWithoutABlockItsOnlyStep)
     WritePattern("DotWeavePattern VERSION 2 BEGIN_OUT_INKS A END_OUT_INKS BEGIN_IN_COLORS A B "
                  "END_IN_COLORS BEGIN_IN_COLOR A BEGIN_INKS A END_INKS BEGIN_VALUES 1 1 0-7 "
                  "END_VALUES END_IN_COLOR");
-    WriteInput(Ramps());
+    WriteInput(Ramps(), "A B");
     ASSERT_TRUE(Refused(Simulate(), 1, {"\"B\" is listed, but no block describes it"}));
     EXPECT_EQ(0, Output().At(127, 0, 0));
     EXPECT_EQ(7, Output().At(128, 0, 0));
@@ -231,46 +231,6 @@ TEST_F(Simulation, ReadsPackedLevels)
     }
 }
 
-TEST_F(Simulation, FindsChannelsByNameAndElseByOrder)
-{
-    WritePattern(fixedPattern);
-    const TiffImage image = Ramps();
-    const struct
-    {
-        const char* names;
-        bool swapped;
-    } cases[] = {{"", false},           {"Cyan Black", false}, {"black CYAN", true},
-                 {"Blue Green", false}, {"Black Green", true}, {"Green Cyan", true}};
-    for (const auto& [names, swapped] : cases) {
-        WriteInput(image, names);
-        ASSERT_TRUE(EndedSilently(Simulate({"--levels", "quantize"}))) << names;
-        const TiffImage out = Output();
-        for (const int x : {0, 100, 200}) {
-            const int cyan = image.At(x, 0, swapped ? 1 : 0);
-            const int black = image.At(x, 0, swapped ? 0 : 1);
-            const auto inks = FixedInks(cyan / 64, black / 128);
-            for (int ink = 0; ink < 3; ++ink)
-                EXPECT_EQ(inks[static_cast<std::size_t>(ink)], out.At(x, 0, ink)) << names << x;
-        }
-    }
-}
-
-TEST_F(Simulation, TakesExtraSamplesLast)
-{
-    WritePattern(fixedPattern);
-    const TiffImage image = RandomImage(20, 5, 3, 8, 3);
-    FileForm form;
-    form.photometric = PHOTOMETRIC_MINISWHITE;
-    WriteTiff(Path("in.tif"), image, form);
-    ASSERT_TRUE(EndedSilently(Simulate({"--levels", "quantize"})));
-    const TiffImage out = Output();
-    for (int x = 0; x < 20; ++x) {
-        const auto inks = FixedInks(image.At(x, 2, 0) / 64, image.At(x, 2, 1) / 128);
-        for (int ink = 0; ink < 3; ++ink)
-            EXPECT_EQ(inks[static_cast<std::size_t>(ink)], out.At(x, 2, ink)) << x;
-    }
-}
-
 TEST_F(Simulation, WarnsOfChannelsThatGoNowhere)
 {
     WritePattern(fixedPattern);
@@ -390,6 +350,7 @@ TEST_F(Simulation, WritesTheHighestInkValueAsFullInk)
     WritePattern("DotWeavePattern VERSION 2 BEGIN_OUT_INKS A END_OUT_INKS BEGIN_IN_COLORS A "
                  "END_IN_COLORS BEGIN_IN_COLOR A BEGIN_INKS A END_INKS BEGIN_VALUES 1 1 0-0 "
                  "END_VALUES END_IN_COLOR");
+    WriteInput(Ramps());
     ASSERT_EQ(1, Simulate().exitCode);
     const std::unique_ptr<TIFF, decltype(&TIFFClose)> tiff(TIFFOpen(Path("out.tif").c_str(), "r"),
                                                            TIFFClose);

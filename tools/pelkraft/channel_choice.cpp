@@ -2,68 +2,134 @@
 
 #include "pattern/pattern_words.h"
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/findings.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr int noChannel = -1;
 
-int FindByName(const std::string& name, const std::vector<Channel>& channels,
-               const std::vector<bool>& taken)
+// A list of channels for a message.
+std::string ListWords(const std::vector<Channel>& channels, const std::vector<int>& list)
 {
-    for (std::size_t i = 0; i < channels.size(); ++i) {
-        if (!taken[i] && !channels[i].name.empty() &&
-            UpperCase(channels[i].name) == UpperCase(name))
-            return static_cast<int>(i);
-    }
-    return noChannel;
+    std::string words;
+    for (const int channel : list)
+        words.append(words.empty() ? "" : ", ").append(ChannelWords(channels, channel));
+    return words;
 }
 
-// Inks and colours come before extra samples.
-int FindNext(const std::vector<Channel>& channels, const std::vector<bool>& taken)
+void RefuseTooFew(const std::vector<std::string>& inColours, const std::vector<Channel>& channels,
+                  const ChannelChoice& choice, const std::string& path)
 {
-    for (const bool extra : {false, true}) {
-        for (std::size_t i = 0; i < channels.size(); ++i) {
-            if (!taken[i] && channels[i].extra == extra)
-                return static_cast<int>(i);
-        }
-    }
-    return noChannel;
+    if (channels.size() - choice.alphas.size() >= inColours.size())
+        return;
+    throw Failure(ExitCode::BadInput, path,
+                  "has " + Counted(channels.size(), "channel", "channels") +
+                      (choice.alphas.empty()
+                           ? std::string()
+                           : ", of which alpha is no ink: " + ListWords(channels, choice.alphas)) +
+                      "; supported are pictures with a channel for each of the pattern's " +
+                      std::to_string(inColours.size()) + " in-colours");
 }
+
+// Shares the channels of a page out, each once.
+class ChannelSearch
+{
+public:
+    ChannelSearch(const std::vector<Channel>& newChannels, std::string newPath)
+        : channels(newChannels), taken(channels.size()), path(std::move(newPath))
+    {}
+
+    int TakeByName(const std::string& name)
+    {
+        return Take([&](const Channel& channel) {
+            return !channel.name.empty() && UpperCase(channel.name) == UpperCase(name);
+        });
+    }
+
+    int TakeNext(const std::string& inColour)
+    {
+        const int channel = Take([](const Channel& candidate) { return !candidate.named; });
+        if (channel == noChannel)
+            throw Failure(ExitCode::BadInput, path,
+                          "has no channel for in-colour " + Shown(inColour) +
+                              ": the names of those that are left say other inks, " +
+                              ListWords(channels, Left()) +
+                              "; give the pattern the names of the page, or name the page's inks "
+                              "anew by pelkraft split and join NAME=PLATE");
+        return channel;
+    }
+
+    // Inks that nobody took.
+    std::vector<int> Left() const
+    {
+        std::vector<int> left;
+        for (std::size_t i = 0; i < channels.size(); ++i) {
+            if (!taken[i] && channels[i].ink)
+                left.push_back(static_cast<int>(i));
+        }
+        return left;
+    }
+
+private:
+    template <typename Suits>
+    int Take(const Suits& suits)
+    {
+        for (const int channel : Left()) {
+            const auto index = static_cast<std::size_t>(channel);
+            if (!suits(channels[index]))
+                continue;
+            taken[index] = true;
+            return channel;
+        }
+        return noChannel;
+    }
+
+    const std::vector<Channel>& channels;
+    std::vector<bool> taken;
+    std::string path;
+};
 
 } // namespace
 
 ChannelChoice ChooseChannels(const std::vector<std::string>& inColours,
                              const std::vector<Channel>& channels, const std::string& path)
 {
-    if (channels.size() < inColours.size())
-        throw Failure(ExitCode::BadInput, path,
-                      "has " + std::to_string(channels.size()) +
-                          (channels.size() == 1 ? " channel" : " channels") +
-                          "; supported are pictures with a channel for each of the pattern's " +
-                          std::to_string(inColours.size()) + " in-colours");
     ChannelChoice choice;
-    std::vector<bool> taken(channels.size());
-    for (const std::string& name : inColours) {
-        const int channel = FindByName(name, channels, taken);
-        choice.map.push_back(channel);
-        choice.byName.push_back(channel != noChannel);
-        if (channel != noChannel)
-            taken[static_cast<std::size_t>(channel)] = true;
-    }
-    for (int& channel : choice.map) {
-        if (channel != noChannel)
-            continue;
-        channel = FindNext(channels, taken);
-        taken[static_cast<std::size_t>(channel)] = true;
-    }
     for (std::size_t i = 0; i < channels.size(); ++i) {
-        if (!taken[i] && !channels[i].extra)
-            choice.unused.push_back(static_cast<int>(i));
+        if (!channels[i].ink)
+            choice.alphas.push_back(static_cast<int>(i));
     }
+    RefuseTooFew(inColours, channels, choice, path);
+    ChannelSearch search(channels, path);
+    for (const std::string& name : inColours) {
+        choice.map.push_back(search.TakeByName(name));
+        choice.byName.push_back(choice.map.back() != noChannel);
+    }
+    for (std::size_t i = 0; i < inColours.size(); ++i) {
+        if (!choice.byName[i])
+            choice.map[i] = search.TakeNext(inColours[i]);
+    }
+    choice.unused = search.Left();
     return choice;
+}
+
+std::string OrderWords(const std::vector<std::string>& inColours,
+                       const std::vector<Channel>& channels, const ChannelChoice& choice)
+{
+    std::string pairs;
+    for (std::size_t i = 0; i < inColours.size(); ++i) {
+        if (!choice.byName[i])
+            pairs.append(pairs.empty() ? "" : ", ")
+                .append(Shown(inColours[i]) + " from channel " +
+                        ChannelWords(channels, choice.map[i]));
+    }
+    return pairs.empty() ? pairs
+                         : "no channel bears the names of these in-colours, which take channels in "
+                           "their order: " +
+                               pairs;
 }
 
 std::string ChannelWords(const std::vector<Channel>& channels, int index)

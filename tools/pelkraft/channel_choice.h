@@ -11,15 +11,22 @@ namespace zvk::Pelkraft::Client {
 struct ChannelChoice
 {
     std::vector<int> map;
-    // By name; the others took the channels that no name claimed, in their order.
+    // By name; the others took inks without a name, in their order.
     std::vector<bool> byName;
-    // Colours and inks of the page that no in-colour takes.
+    // Inks of the page that no in-colour takes.
     std::vector<int> unused;
+    // Alpha channels, which no in-colour may take.
+    std::vector<int> alphas;
 };
 
-// Names count in any case. A page with fewer channels than in-colours is a bad input file.
+// Names count in any case. A page with fewer inks than in-colours is a bad input file, and so is
+// one whose names say that none of the inks left is the one that an in-colour wants.
 ChannelChoice ChooseChannels(const std::vector<std::string>& inColours,
                              const std::vector<Channel>& channels, const std::string& path);
+
+// Tells which in-colours took channels by their order, if any did.
+std::string OrderWords(const std::vector<std::string>& inColours,
+                       const std::vector<Channel>& channels, const ChannelChoice& choice);
 
 // For a message: the channel's number, and its name if it has one.
 std::string ChannelWords(const std::vector<Channel>& channels, int index);

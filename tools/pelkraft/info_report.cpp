@@ -111,8 +111,8 @@ std::string ChannelLine(const PageFacts& facts, std::size_t index)
     std::string name = channel.name.empty() ? "-" : Shown(channel.name);
     name.resize(std::max(name.size(), nameColumn), ' ');
     std::string line = name;
-    if (channel.extra)
-        line += Cell("extra", 9) + Cell("-", 6) + Cell("-", 6);
+    if (!channel.ink)
+        line += Cell(channel.IsAlpha() ? "alpha" : "extra", 9) + Cell("-", 6) + Cell("-", 6);
     else if (facts.codes)
         line += Cell(PolarityName(*facts.codes), 9) + Cell(std::to_string(facts.codes->none), 6) +
                 Cell(std::to_string(facts.codes->full), 6);
@@ -175,8 +175,9 @@ Json ProfileJson(const std::optional<ProfileHeader>& profile)
 Json ChannelJson(const PageFacts& facts, std::size_t index)
 {
     const Channel& channel = facts.channels[index];
-    Json json = {{"channel", index}, {"name", channel.name}, {"extra", channel.extra}};
-    if (facts.codes && !channel.extra) {
+    Json json = {
+        {"channel", index}, {"name", channel.name}, {"extra", channel.extra}, {"ink", channel.ink}};
+    if (facts.codes && channel.ink) {
         json["polarity"] = PolarityName(*facts.codes);
         json["code_0"] = facts.codes->none;
         json["code_100"] = facts.codes->full;

@@ -20,16 +20,41 @@ std::vector<std::string> UsualNames(std::uint16_t photometric)
     }
 }
 
-// Channels that are colours or inks. libtiff calls every ink beyond the fourth an extra sample
-// where the page doesn't tell, so that the count of inks has the last word.
-int CountColours(const TiffFile& file, const TiffPicture& picture, int extras)
+// libtiff calls every ink beyond the fourth an extra sample where the page doesn't tell, so that
+// the count of inks has the last word on samples of no told kind.
+int CountInks(const TiffFile& file, const TiffPicture& picture)
 {
-    const int colours = picture.channels - extras;
     std::uint16_t inks = 0;
     if (picture.photometric != PHOTOMETRIC_SEPARATED ||
         TIFFGetField(file.Get(), TIFFTAG_NUMBEROFINKS, &inks) != 1)
-        return colours;
-    return std::max<int>(colours, std::min<int>(inks, picture.channels));
+        return 0;
+    return inks;
+}
+
+// Channels that had no name are written with such ones.
+bool IsNumber(const std::string& name, std::size_t channelCount)
+{
+    for (std::size_t channel = 0; channel < channelCount; ++channel) {
+        if (name == NumberedName(channel))
+            return true;
+    }
+    return false;
+}
+
+void NameChannels(const TiffFile& file, const TiffPicture& picture, std::vector<Channel>& channels)
+{
+    std::uint16_t inkSet = INKSET_CMYK;
+    TIFFGetField(file.Get(), TIFFTAG_INKSET, &inkSet);
+    std::vector<std::string> names = ReadInkTags(file);
+    const bool told = !names.empty();
+    if (!told && (picture.photometric != PHOTOMETRIC_SEPARATED || inkSet == INKSET_CMYK))
+        names = UsualNames(picture.photometric);
+    const bool process = !told && names.size() == 4 && channels.size() >= names.size();
+    for (std::size_t i = 0; i < std::min(channels.size(), names.size()); ++i) {
+        channels[i].name = names[i];
+        channels[i].named =
+            process || (told && !names[i].empty() && !IsNumber(names[i], channels.size()));
+    }
 }
 
 } // namespace
@@ -49,29 +74,36 @@ std::vector<std::string> ReadInkTags(const TiffFile& file)
     return result;
 }
 
+bool IsPageOfInks(std::uint16_t photometric)
+{
+    return photometric == PHOTOMETRIC_SEPARATED || photometric == PHOTOMETRIC_MINISWHITE ||
+           photometric == PHOTOMETRIC_MINISBLACK;
+}
+
+std::string NumberedName(std::size_t channel)
+{
+    return "Channel " + std::to_string(channel);
+}
+
 std::vector<Channel> ReadChannels(const TiffFile& file, const TiffPicture& picture)
 {
     std::uint16_t extraCount = 0;
     std::uint16_t* extraKinds = nullptr;
     TIFFGetFieldDefaulted(file.Get(), TIFFTAG_EXTRASAMPLES, &extraCount, &extraKinds);
-    const int extras = std::min<int>(extraCount, picture.channels);
-    const int colours = CountColours(file, picture, extras);
-
-    std::uint16_t inkSet = INKSET_CMYK;
-    TIFFGetField(file.Get(), TIFFTAG_INKSET, &inkSet);
-    std::vector<std::string> names = ReadInkTags(file);
-    if (names.empty() && (picture.photometric != PHOTOMETRIC_SEPARATED || inkSet == INKSET_CMYK))
-        names = UsualNames(picture.photometric);
+    const int firstExtra = picture.channels - std::min<int>(extraCount, picture.channels);
+    const int inks = CountInks(file, picture);
+    const bool ofInks = IsPageOfInks(picture.photometric);
 
     std::vector<Channel> channels(static_cast<std::size_t>(picture.channels));
-    for (int i = 0; i < picture.channels; ++i) {
+    for (int i = firstExtra; i < picture.channels; ++i) {
         Channel& channel = channels[static_cast<std::size_t>(i)];
-        if (i < static_cast<int>(names.size()))
-            channel.name = names[static_cast<std::size_t>(i)];
-        channel.extra = i >= colours;
+        const std::uint16_t kind = extraKinds[i - firstExtra];
+        channel.extra = i >= inks || kind != EXTRASAMPLE_UNSPECIFIED;
         if (channel.extra)
-            channel.extraKind = extraKinds[i - (picture.channels - extras)];
+            channel.extraKind = kind;
+        channel.ink = ofInks ? !channel.IsAlpha() : !channel.extra;
     }
+    NameChannels(file, picture, channels);
     return channels;
 }
 

@@ -3,6 +3,8 @@
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,10 +15,25 @@ struct Channel
 {
     // Empty where neither a tag nor the photometric kind gives it a name.
     std::string name;
+    // True if the name says which ink it is: one of the page's tag that is no mere number, or that
+    // of a process ink on a page that has all four.
+    bool named = false;
     // Beyond the colour channels: what the extra-sample tag says of it.
     bool extra = false;
     std::uint16_t extraKind = EXTRASAMPLE_UNSPECIFIED;
+    // True if its samples are an amount of ink or of a colour. On pages of inks all channels hold
+    // ink but alpha channels; on pages of other colours extra samples mean something else.
+    bool ink = true;
+
+    bool IsAlpha() const { return extra && extraKind != EXTRASAMPLE_UNSPECIFIED; }
 };
+
+// True for the kinds of pages whose samples are amounts of ink: separated, MinIsWhite and
+// MinIsBlack.
+bool IsPageOfInks(std::uint16_t photometric);
+
+// The name of a channel that has none.
+std::string NumberedName(std::size_t channel);
 
 // The channels of the page at which the file stands, in their order.
 std::vector<Channel> ReadChannels(const TiffFile& file, const TiffPicture& picture);

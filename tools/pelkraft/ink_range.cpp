@@ -2,6 +2,8 @@
 
 #include "tools/pelkraft/failure.h"
 
+#include <algorithm>
+
 namespace zvk::Pelkraft::Client {
 namespace {
 
@@ -134,8 +136,9 @@ private:
         const bool mapped = HasAmounts(picture.photometric) && input.rangeWork != RangeWork::Keep &&
                             (!sameDepth || range.fresh != range.old);
         SampleLine line = {range.old.none, range.old.full, range.fresh.none, range.fresh.full};
-        // The library would turn extra samples too.
-        const bool turned = request.invert && request.colours < picture.channels;
+        // The library would turn all samples.
+        const bool turned =
+            request.invert && std::count(request.inks.begin(), request.inks.end(), false) > 0;
         if (!mapped)
             line = {0, highest, 0, newHighest};
         if (request.invert) {
@@ -144,9 +147,17 @@ private:
             line.newFull = newHighest - line.newFull;
         }
         if (mapped || turned)
-            range.lines = SampleLines{line, request.colours};
+            range.lines = LinesOf(line);
         else
             range.invert = request.invert;
+    }
+
+    SampleLines LinesOf(const SampleLine& ink) const
+    {
+        SampleLines lines;
+        for (const bool holdsInk : request.inks)
+            lines.push_back(holdsInk ? ink : SampleLine{0, highest, 0, newHighest});
+        return lines;
     }
 
     void PlanTag()

@@ -12,8 +12,9 @@ namespace zvk::Pelkraft::Client {
 // Tells how the samples of a page are to be written as such again.
 struct RangeRequest
 {
-    // Colours and inks come first; extra samples mean something else.
-    int colours = 0;
+    // By channel: true for colours and inks. Other samples mean something else, and follow the
+    // depth alone.
+    std::vector<bool> inks;
     int newBits = 8;
     bool invert = false;
 };

@@ -42,7 +42,8 @@ void RefuseRawLines(const ConvertOptions& options, const TiffPicture& from, cons
     if (range.lines && from.bits != to.bits && options.tones == Tones::Raw)
         throw Failure(ExitCode::Usage, options.input.path,
                       "--tones raw lets samples stay the numbers that they are, while --dot-range "
-                      "scale and full, and --invert beside extra samples, map them to the new "
+                      "scale and full, and --invert beside extra samples that are no ink, map them "
+                      "to the new "
                       "depth; supported is one of both");
 }
 
@@ -69,8 +70,9 @@ PagePlan PlanPage(const TiffFile& file, const ConvertOptions& options)
     if (!options.channels.empty())
         request.map = ParseChannelList(options.channels, channels, file.Path());
     const TiffPicture to = PlanPicture(from, options, request.map, file.Path());
-    const RangeRequest rangeRequest = {static_cast<int>(CountColours(channels)), to.bits,
-                                       options.invert};
+    RangeRequest rangeRequest = {{}, to.bits, options.invert};
+    for (const Channel& channel : channels)
+        rangeRequest.inks.push_back(channel.ink);
     InkRange range = PlanInkRange(file, from, options.input, rangeRequest);
     RefuseRawLines(options, from, to, range);
     PageTags tags = PlanTags(file, from, channels, request.map, to.bits, range);

@@ -10,26 +10,11 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-void RefuseOtherColours(const TiffPicture& picture, const std::string& path)
-{
-    if (picture.photometric != PHOTOMETRIC_SEPARATED &&
-        picture.photometric != PHOTOMETRIC_MINISWHITE &&
-        picture.photometric != PHOTOMETRIC_MINISBLACK)
-        throw Failure(ExitCode::Unsupported, path,
-                      "holds " + PhotometricName(picture.photometric) +
-                          "; supported are pages of inks: separated, MinIsWhite and MinIsBlack");
-}
-
-bool IsAlpha(const Channel& channel)
-{
-    return channel.extra && channel.extraKind != EXTRASAMPLE_UNSPECIFIED;
-}
-
 std::string NameOf(const Channel& channel, std::size_t index, const TiffPicture& picture)
 {
     if (!channel.extra && picture.photometric != PHOTOMETRIC_SEPARATED)
         return "Black";
-    return channel.name.empty() ? "Channel " + std::to_string(index) : channel.name;
+    return channel.name.empty() ? NumberedName(index) : channel.name;
 }
 
 std::string Names(const std::vector<PageInk>& inks)
@@ -42,13 +27,22 @@ std::string Names(const std::vector<PageInk>& inks)
 
 } // namespace
 
+void RefuseOtherColours(const TiffPicture& picture, const std::string& path)
+{
+    if (!IsPageOfInks(picture.photometric))
+        throw Failure(ExitCode::Unsupported, path,
+                      "holds " + PhotometricName(picture.photometric) +
+                          "; supported are pages of inks: separated, MinIsWhite and MinIsBlack; a "
+                          "program that knows colour profiles makes inks of it");
+}
+
 std::vector<PageInk> ReadPageInks(const TiffFile& file, const TiffPicture& picture)
 {
     RefuseOtherColours(picture, file.Path());
     const std::vector<Channel> channels = ReadChannels(file, picture);
     std::vector<PageInk> inks;
     for (std::size_t i = 0; i < channels.size(); ++i) {
-        if (!IsAlpha(channels[i]))
+        if (channels[i].ink)
             inks.push_back({NameOf(channels[i], i, picture), i});
     }
     return inks;

@@ -18,6 +18,9 @@ struct PageInk
     std::size_t sample = 0;
 };
 
+// Refuses pages of other colours than inks, and says what would do.
+void RefuseOtherColours(const TiffPicture& picture, const std::string& path);
+
 // The inks of the page at which the file stands, in its order, without its alpha channels. The one
 // ink of a gray page is black. Pages of other colours are refused.
 std::vector<PageInk> ReadPageInks(const TiffFile& file, const TiffPicture& picture);

@@ -49,8 +49,7 @@ std::string NameOf(const std::vector<Channel>& channels, const std::vector<PageI
                                   [&](const PageInk& known) { return known.sample == index; });
     if (ink != inks.end())
         return ink->name;
-    return channels[index].name.empty() ? "Channel " + std::to_string(channel)
-                                        : channels[index].name;
+    return channels[index].name.empty() ? NumberedName(index) : channels[index].name;
 }
 
 void PlanTagsOfPlates(const TiffFile& file, SplitPlan& plan)

@@ -57,7 +57,7 @@ std::string NameOf(const std::vector<Channel>& channels, int source)
     if (source < 0)
         return "Empty";
     const std::string& name = channels[static_cast<std::size_t>(source)].name;
-    return name.empty() ? "Channel " + std::to_string(source) : name;
+    return name.empty() ? NumberedName(static_cast<std::size_t>(source)) : name;
 }
 
 // A profile describes the channels that it was made for, in their order.
@@ -68,6 +68,13 @@ void DropProfile(PageTags& tags, const TiffFile& file)
     if (TIFFGetField(file.Get(), TIFFTAG_ICCPROFILE, &bytes, &profile) == 1)
         tags.warnings.push_back("the inks have changed; written without the colour profile");
     tags.keepColourTags = false;
+}
+
+// Channels that are colours or inks by the tags.
+std::size_t CountColours(const std::vector<Channel>& channels)
+{
+    return static_cast<std::size_t>(
+        std::count_if(channels.begin(), channels.end(), [](const Channel& c) { return !c.extra; }));
 }
 
 // Inks that moved are named anew; extra samples at the end stay what they are.
@@ -136,12 +143,6 @@ std::string ChangeOfSamples(const TiffPicture& picture, const std::vector<int>& 
 }
 
 } // namespace
-
-std::size_t CountColours(const std::vector<Channel>& channels)
-{
-    return static_cast<std::size_t>(
-        std::count_if(channels.begin(), channels.end(), [](const Channel& c) { return !c.extra; }));
-}
 
 PageTags PlanTags(const TiffFile& file, const TiffPicture& picture,
                   const std::vector<Channel>& channels, const std::vector<int>& map, int newBits,

@@ -34,9 +34,6 @@ struct PageTags
     std::vector<std::string> warnings;
 };
 
-// Channels that are colours or inks.
-std::size_t CountColours(const std::vector<Channel>& channels);
-
 // Tags for a page whose channels come from map, all in their order if it is empty, and whose
 // samples get a new depth and range.
 PageTags PlanTags(const TiffFile& file, const TiffPicture& picture,

@@ -41,12 +41,17 @@ int SampleLine::At(int sample, int highest) const
 }
 
 SampleMap::SampleMap(const SampleLines& lines, const MappedSamples& newSamples, int newDepth)
-    : samples(newSamples), newBits(newDepth), mapped(lines.channels)
+    : samples(newSamples), newBits(newDepth)
 {
-    const int oldHighest = (1 << samples.bits) - 1;
-    const int highest = (1 << newBits) - 1;
-    line = MakeTable(lines.line, samples.bits, highest);
-    rest = MakeTable({0, oldHighest, 0, highest}, samples.bits, highest);
+    SampleLines different;
+    for (const SampleLine& line : lines) {
+        const auto found = std::find(different.begin(), different.end(), line);
+        places.push_back(static_cast<std::size_t>(found - different.begin()));
+        if (found != different.end())
+            continue;
+        different.push_back(line);
+        tables.push_back(MakeTable(line, samples.bits, (1 << newBits) - 1));
+    }
 }
 
 void SampleMap::Run(const unsigned char* row, unsigned char* newRow) const
@@ -83,9 +88,7 @@ template <typename Old, typename New>
 void SampleMap::RunInterleaved(const Old* row, New* newRow) const
 {
     const std::int64_t total = samples.width * samples.channels;
-    const std::int64_t run = mapped >= samples.channels ? total
-                             : samples.planar           ? samples.width
-                                                        : 1;
+    const std::int64_t run = tables.size() == 1 ? total : samples.planar ? samples.width : 1;
     for (std::int64_t first = 0; first < total; first += run) {
         const std::int64_t place = first / run;
         const auto channel = static_cast<int>(run == total ? 0 : place % samples.channels);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -18,14 +19,8 @@ struct SampleLine
     bool operator==(const SampleLine&) const = default;
 };
 
-// The line that the first channels of a row follow. Those after them follow the depth alone.
-struct SampleLines
-{
-    SampleLine line;
-    int channels = 0;
-
-    bool operator==(const SampleLines&) const = default;
-};
+// The line that each channel of a row follows.
+using SampleLines = std::vector<SampleLine>;
 
 // The samples of a row as a map takes them: packed planes below 8 bits, else planes or interleaved.
 struct MappedSamples
@@ -48,7 +43,10 @@ public:
 private:
     using Table = std::vector<std::uint16_t>;
 
-    const Table& TableOf(int channel) const { return channel < mapped ? line : rest; }
+    const Table& TableOf(int channel) const
+    {
+        return tables[places[static_cast<std::size_t>(channel)]];
+    }
     template <typename New>
     void RunTo(const unsigned char* row, New* newRow) const;
     template <typename Old, typename New>
@@ -56,9 +54,9 @@ private:
 
     MappedSamples samples;
     int newBits;
-    int mapped;
-    Table line;
-    Table rest;
+    // One for each different line, and for each channel the place of its own.
+    std::vector<Table> tables;
+    std::vector<std::size_t> places;
 };
 
 } // namespace zvk::Pelkraft::Client

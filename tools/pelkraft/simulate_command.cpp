@@ -31,7 +31,9 @@ namespace {
 
 constexpr const char* simulateHelp =
     "An in-colour takes the channel of its own name, in any case of letters; in-colours without\n"
-    "one take the channels that are left, in their order. Samples are amounts of ink:\n"
+    "one take inks that have no name, in their order, with a warning that tells which. A page of\n"
+    "RGB is refused, and so is one whose names leave nothing for an in-colour; alpha channels are\n"
+    "left out, while extra samples of no told kind are inks. Samples are amounts of ink:\n"
     "the page's photometric kind, its dot range and the options say which one is none and which\n"
     "one is all. Each picture row is one row of the pattern, and each page starts at its first.\n"
     "The new file has one channel for each out-ink. The reference engine goes on from row to row\n"
@@ -260,6 +262,7 @@ private:
                 pages.push_back(ExplainSimulationJson(plan, pattern, page));
             else if (options.common.explain)
                 plans.Add(page, ExplainSimulation(plan, pattern));
+            WarnOfGuesses(plan, pattern);
             total.warned = WarnOfUnused(plan) || total.warned;
             for (std::size_t i = 0; i < steps.topSteps.size(); ++i)
                 if (plan.steps.IsFlat(i))
@@ -272,6 +275,17 @@ private:
             WarnOfFlatInks(pattern, steps, inColour);
         total.warned = total.warned || !flat.empty();
         return total;
+    }
+
+    // Neither loses ink.
+    void WarnOfGuesses(const SimulationPlan& plan, const LoadedPattern& pattern) const
+    {
+        const std::string order = OrderWords(pattern.inColours, plan.channels, plan.choice);
+        if (!order.empty())
+            PrintWarning(options.input.path, order);
+        for (const int channel : plan.choice.alphas)
+            PrintWarning(options.input.path, "channel " + ChannelWords(plan.channels, channel) +
+                                                 " is alpha, which is no ink, and is left out");
     }
 
     bool WarnOfUnused(const SimulationPlan& plan) const

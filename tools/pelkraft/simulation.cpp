@@ -3,6 +3,7 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/ink_codes.h"
+#include "tools/pelkraft/page_inks.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/pattern_outline.h"
@@ -237,6 +238,7 @@ SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& optio
 {
     RefuseWideInks(pattern, options.bits);
     const TiffPicture from = ReadPicture(file);
+    RefuseOtherColours(from, file.Path());
     RefuseRawWords(from, options.levels, file.Path());
     std::vector<Channel> channels = ReadChannels(file, from);
     ChannelChoice choice = ChooseChannels(pattern.inColours, channels, file.Path());

@@ -66,7 +66,8 @@ StepPlan::StepPlan(const TiffFile& file, const TiffPicture& from, const InkCodes
     RowRequest request = RequestOf(from, choice, 8, steps.levels);
     // The whole of the samples takes the library's way.
     if (steps.levels != Levels::Raw && codes != InkCodes{0, (1 << from.bits) - 1})
-        request.lines = SampleLines{{codes.none, codes.full, 0, 255}, from.channels};
+        request.lines =
+            SampleLines(static_cast<std::size_t>(from.channels), {codes.none, codes.full, 0, 255});
     levelRows = PlanRows(file, request);
 }
 

@@ -161,6 +161,22 @@ def test_extra_samples_are_no_ink(tmp_path, run, layout):
     assert (Page(tmp_path / "out.tif").samples == turned).all()
 
 
+@pytest.mark.parametrize("layout", ["interleaved", "planar"])
+@pytest.mark.parametrize("photometric", [LIGHT, GRAY_INK, INKS])
+def test_extra_samples_of_no_told_kind_are_inks(tmp_path, run, photometric, layout):
+    image = samples_of(8, (19, 23, 6))
+    kinds = ("unspecified", "unassalpha", "unspecified")[-2 if photometric == INKS else 0:]
+    if photometric != INKS:
+        image = image[..., :4]
+    write(tmp_path / "in.tif", image, photometric, extrasamples=kinds)
+    outcome = run("convert", "in.tif", "out.tif", "--invert", "--layout", layout)
+    assert outcome.code == 0
+    turned = 255 - image
+    alpha = 4 if photometric == INKS else 2
+    turned[..., alpha] = image[..., alpha]
+    assert (Page(tmp_path / "out.tif").samples == turned).all()
+
+
 def test_what_a_page_cannot_say(tmp_path, run):
     image = samples_of(8, (19, 23))
 

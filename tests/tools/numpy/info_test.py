@@ -177,3 +177,18 @@ def test_a_file_that_cannot_be_read_hides_no_other(tmp_path, run):
 def test_names_cannot_act_on_the_terminal(tmp_path, succeed):
     write_inks(tmp_path / "in.tif", random_samples(1, (3, 4, 4), 8), ["A\x1b[2J", *"BCD"])
     assert "\x1b" not in succeed("info", "in.tif").output
+
+
+def test_alpha_is_no_ink_and_what_is_not_told_is_one(tmp_path, succeed):
+    for photometric, colours, extra_is_ink in [("separated", 4, True), ("minisblack", 1, True),
+                                               ("miniswhite", 1, True), ("rgb", 3, False)]:
+        tifffile.imwrite(tmp_path / "in.tif", random_samples(1, (3, 4, colours + 2), 8),
+                         photometric=photometric, metadata=None, planarconfig="contig",
+                         extrasamples=["unassalpha", "unspecified"])
+        inks = only_page(succeed("info", "--json", "in.tif"))["inks"]
+        wanted = [True] * colours + [False, extra_is_ink]
+        assert [ink["ink"] for ink in inks] == wanted
+        assert ["code_0" in ink for ink in inks] == wanted
+        lines = succeed("info", "in.tif").output.splitlines()[-2:]
+        assert "alpha" in lines[0]
+        assert ("ink-" in lines[1]) == extra_is_ink and ("extra" in lines[1]) != extra_is_ink
