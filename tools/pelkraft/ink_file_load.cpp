@@ -8,7 +8,8 @@ namespace zvk::Pelkraft::Client {
 InkTable LoadInkFile(const std::string& path)
 {
     InkTable inks;
-    if (const std::string fault = AddInks(ReadSmallFile(path, "an ink file"), inks); !fault.empty())
+    if (const std::string fault = AddInks(ReadSmallFile(path, {"an ink file"}), inks);
+        !fault.empty())
         throw Failure(ExitCode::BadInput, path, fault);
     return inks;
 }

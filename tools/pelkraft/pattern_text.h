@@ -11,8 +11,8 @@ namespace zvk::Pelkraft::Client {
 class PatternText
 {
 public:
-    // Reads a regular file of up to 1 MiB.
-    static PatternText Load(const std::string& path);
+    // Reads a regular file of up to 1 MiB. The advice is for who names a picture in its place.
+    static PatternText Load(const std::string& path, const std::string& advice = {});
     PatternText(std::string newPath, const std::string& newBytes);
 
     const std::string& Path() const { return path; }

@@ -4,9 +4,9 @@
 
 namespace zvk::Pelkraft::Client {
 
-PatternText PatternText::Load(const std::string& path)
+PatternText PatternText::Load(const std::string& path, const std::string& advice)
 {
-    return PatternText(path, ReadSmallFile(path, "a pattern text"));
+    return PatternText(path, ReadSmallFile(path, {"a pattern text", ExitCode::BadPattern, advice}));
 }
 
 } // namespace zvk::Pelkraft::Client

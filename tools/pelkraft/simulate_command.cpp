@@ -107,7 +107,8 @@ public:
         TakeOptions();
         CatchInterrupts();
         const auto start = std::chrono::steady_clock::now();
-        const PatternText text = PatternText::Load(options.pattern);
+        const PatternText text = PatternText::Load(
+            options.pattern, "the order is pelkraft simulate PATTERN IN.tif OUT.tif");
         const PatternReport report(text);
         const ShownFindings findings(report, options.engine);
         const LoadedPattern pattern(text, options.engine);

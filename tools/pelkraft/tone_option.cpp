@@ -23,7 +23,7 @@ std::vector<StepInks> InksOf(const LoadedPattern& pattern, const std::string& to
         return CoverageInks(ReadOutline(pattern.text.Bytes()), colours, pattern.outInks);
     if (tone == "equal")
         return EqualInks(colours);
-    return ReadStepInks(tone, ReadSmallFile(tone, "a table of inks"), colours);
+    return ReadStepInks(tone, ReadSmallFile(tone, {"a table of inks"}), colours);
 }
 
 std::string FlatWords(const LoadedPattern& pattern, const StepChoice& steps, std::size_t inColour,
