@@ -28,6 +28,12 @@ struct ReadText
     PatternReport report;
 };
 
+void TellIfRefused(const PatternReport& report)
+{
+    if (report.LoadingEngines().empty())
+        PrintError(report.text.Path(), "no engine loads it: \"" + report.Refusal() + "\"");
+}
+
 class ReadTexts
 {
 public:
@@ -49,14 +55,10 @@ public:
         return worst;
     }
 
-    // Says of each text that no engine loads that it is so.
     void TellRefused() const
     {
-        for (const PatternReport* report : reports) {
-            if (report->LoadingEngines().empty())
-                PrintError(report->text.Path(),
-                           "no engine loads it: \"" + report->Refusal() + "\"");
-        }
+        for (const PatternReport* report : reports)
+            TellIfRefused(*report);
     }
 
 private:
@@ -95,12 +97,34 @@ void WriteOut(const PatternOutput& output, const std::string& bytes)
     }
 }
 
-void TellFixed(const PatternText& text, const FixedText& fixed)
+// Notes want nothing mended.
+std::string LeftFindings(const PatternReport& after)
 {
+    std::string kinds;
+    for (const Severity severity : {Severity::Error, Severity::Warning}) {
+        const std::size_t count = CountFindings(after.findings, severity);
+        const std::string kind = SeverityName(severity);
+        if (count != 0)
+            kinds += (kinds.empty() ? "" : " and ") + Counted(count, kind, kind + "s");
+    }
+    return kinds;
+}
+
+void TellFixed(const FixedText& fixed, const PatternReport& after)
+{
+    const std::string& path = after.text.Path();
+    const std::string left = LeftFindings(after);
+    const std::string changed = Counted(fixed.changes, "place", "places") + " changed";
+    const std::string advice = "; pelkraft pattern lint shows " + left;
     if (fixed.isGivenUp)
-        PrintWarning(text.Path(), "the safe hints alone don't mend it, and it stays as it is");
+        PrintWarning(path, "the safe hints alone don't mend it, and it stays as it is" + advice);
+    else if (left.empty())
+        PrintNote(path, changed);
+    else if (fixed.changes == 0)
+        PrintWarning(path, "no finding has a safe hint, and it stays as it is" + advice);
     else
-        PrintNote(text.Path(), Counted(fixed.changes, "place", "places") + " changed");
+        PrintWarning(path, changed + ", and the rest has no safe hint" + advice);
+    TellIfRefused(after);
 }
 
 // The code is that of the text as it becomes.
@@ -119,7 +143,7 @@ ExitCode FixText(const PatternText& text, const PatternOutput& output)
     // In place a text that stays the same isn't touched.
     if (!inPlace || fixed.changes > 0)
         WriteOut(target, fixed.bytes);
-    TellFixed(text, fixed);
+    TellFixed(fixed, report);
     return report.Code();
 }
 
