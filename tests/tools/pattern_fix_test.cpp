@@ -1,6 +1,7 @@
 #include "tests/tools/pattern_texts.h"
 #include "tests/tools/tool_fixture.h"
 #include "tools/pelkraft/pattern_fix.h"
+#include "tools/pelkraft/pattern_report.h"
 #include "tools/pelkraft/unified_diff.h"
 
 #include <filesystem>
@@ -20,6 +21,16 @@ std::string With(const std::vector<std::pair<std::string, std::string>>& changes
         text.replace(at, from.size(), to);
     }
     return text;
+}
+
+// In place of the whole word: BEGIN_IN_COLOR begins BEGIN_IN_COLORS.
+std::string WithWord(const std::string& word, const std::string& other)
+{
+    std::string text = smallPattern;
+    std::size_t at = text.find(word);
+    while (std::string(" \n").find(text[at + word.size()]) == std::string::npos)
+        at = text.find(word, at + 1);
+    return text.replace(at, word.size(), other);
 }
 
 FixedText Fixed(const std::string& text)
@@ -49,6 +60,40 @@ TEST(PatternFix, PutsBackWhatWasCertainlyMeant)
     }
 }
 
+// Each keyword of the small pattern, with two letters swapped and with one left out.
+TEST(PatternFix, PutsBackEveryMisspeltKeyword)
+{
+    for (const std::string keyword :
+         {"DotWeavePattern", "VERSION", "RANDOM_SEED", "BEGIN_OUT_INKS", "END_OUT_INKS",
+          "BEGIN_IN_COLORS", "END_IN_COLORS", "BEGIN_IN_COLOR", "END_IN_COLOR", "BEGIN_INKS",
+          "END_INKS", "BEGIN_VALUES", "END_VALUES"}) {
+        std::string swapped = keyword;
+        std::swap(swapped[4], swapped[5]);
+        std::string shortened = keyword;
+        shortened.erase(2, 1);
+        for (const std::string& slip : {swapped, shortened}) {
+            SCOPED_TRACE(slip);
+            const std::string odd = WithWord(keyword, slip);
+            const PatternText text("text", odd);
+            const PatternReport report(text);
+            ASSERT_EQ(1U, report.findings.size());
+            EXPECT_EQ("keyword-misspelt", report.findings.front().kind);
+            EXPECT_EQ(odd.find(slip), report.findings.front().place.offset);
+            EXPECT_EQ(slip.size(), report.findings.front().place.length);
+            EXPECT_EQ(smallPattern, Fixed(odd).bytes);
+        }
+    }
+}
+
+// One letter parts the words for the list and for a block, and a wrong letter may stand for both.
+TEST(PatternFix, TellsTheListOfInColoursFromABlock)
+{
+    EXPECT_EQ(smallPattern, Fixed(With({{"BEGIN_IN_COLORS", "BEGIN_IN_COLOS"}})).bytes);
+    EXPECT_EQ(smallPattern, Fixed(With({{"END_IN_COLORS", "END_IN_COLOS"}})).bytes);
+    EXPECT_EQ(smallPattern, Fixed(With({{"BEGIN_IN_COLOR\n", "BEGIN_IN_COLOS\n"}})).bytes);
+    EXPECT_EQ(smallPattern, Fixed(With({{"END_IN_COLOR\n", "END_IN_COLOS\n"}})).bytes);
+}
+
 TEST(PatternFix, QuotesNamesWithBlanks)
 {
     const std::string text = With({{"Cyan LightCyan Black", "Cyan \"Light Cyan\" Black"},
@@ -69,8 +114,9 @@ TEST(PatternFix, LeavesAloneWhatIsOpenToDoubt)
         {{"Cyan LightCyan\n", "Cyan Cyam LightCyan\n"}},
         // The weight may be what is missing.
         {{"1 1 1-64", "1 1 1-64 0-3"}},
-        {{"RANDOM_SEED", "RANDOM_SEAD"}},
         {{"2 1:3 1-128 0-40", "2 1:3 1-128"}},
+        // A comment without its mark is no keyword, however near it comes.
+        {{"#comment up", "VERIFIED up"}},
         {{"1-64", "1-640"}},
     };
     for (const auto& fault : faults) {
@@ -156,15 +202,29 @@ TEST_F(PatternFixVerb, EndsWithTheCodeOfTheTextAsItBecomes)
 {
     WriteBytes(Path("odd.txt"),
                With({{"LightCyan\nEND_INKS", "LihgtCyan\nEND_INKS"}, {"1 1 1-64", "1 1 1-640"}}));
-    EXPECT_EQ(1, Run({"pattern", "fix", Path("odd.txt")}).exitCode);
+    const Outcome left = Run({"pattern", "fix", Path("odd.txt")});
+    EXPECT_EQ(1, left.exitCode);
+    EXPECT_EQ(
+        "pelkraft: " + Path("odd.txt") +
+            ": warning: 1 place changed, and the rest has no safe hint; pelkraft pattern lint "
+            "shows 1 warning\n",
+        left.errors);
     EXPECT_EQ(With({{"1 1 1-64", "1 1 1-640"}}), Bytes(Path("odd.txt")));
+    EXPECT_EQ("pelkraft: " + Path("odd.txt") +
+                  ": warning: no finding has a safe hint, and it stays as it is; pelkraft pattern "
+                  "lint shows 1 warning\n",
+              Run({"pattern", "fix", Path("odd.txt")}).errors);
 
     const std::string bad =
         With({{"LightCyan\nEND_INKS", "LihgtCyan\nEND_INKS"}, {"3 1 0-255", "9 1 0-255"}});
     WriteBytes(Path("bad.txt"), bad);
     const Outcome outcome = Run({"pattern", "fix", Path("bad.txt")});
     EXPECT_EQ(4, outcome.exitCode);
-    EXPECT_NE(std::string::npos, outcome.errors.find("bad.txt: warning: the safe hints alone"));
+    EXPECT_EQ("pelkraft: " + Path("bad.txt") +
+                  ": warning: the safe hints alone don't mend it, and it stays as it is; pelkraft "
+                  "pattern lint shows 1 error and 1 warning\npelkraft: " +
+                  Path("bad.txt") + ": no engine loads it: \"step out of range in pattern\"\n",
+              outcome.errors);
     EXPECT_EQ(bad, Bytes(Path("bad.txt")));
     WriteBytes(Path("zero.txt"), odd + std::string(1, '\0'));
     EXPECT_TRUE(Refused(Run({"pattern", "fix", Path("zero.txt")}), 4, {"zero.txt", "zero byte"}));

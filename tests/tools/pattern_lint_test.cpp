@@ -82,8 +82,16 @@ const Broken brokenTexts[] = {
      "warning", "in-colour-undescribed", "           ^~~~", "drop it here", 1},
     {"StepRepeated", "3 1 0-255", "3 1 0-255\n3 1 0-250", 20, 1, "warning", "step-repeated", "^",
      "keep one line", 1},
-    {"WordSkipped", "RANDOM_SEED 1234", "RANDOM_SEAD 1234", 3, 1, "warning", "word-skipped",
+    {"SeedMisspelt", "RANDOM_SEED 1234", "RANDOM_SEAD 1234", 3, 1, "warning", "keyword-misspelt",
      "^~~~~~~~~~~", "did you mean RANDOM_SEED?", 1},
+    {"KeywordMisspelt", "BEGIN_VALUES\n1 1 1", "BEGIN_VALEUS\n1 1 1", 16, 1, "error",
+     "keyword-misspelt", "^~~~~~~~~~~~", "did you mean BEGIN_VALUES?", 1},
+    {"KeywordUnknown", "BEGIN_VALUES\n1 1 1", "BEGIN_STEPS\n1 1 1", 16, 1, "warning",
+     "in-colour-unknown", "^~~~~~~~~~~", "value lines with BEGIN_VALUES", 1},
+    {"WordSkipped", "RANDOM_SEED 1234", "SEED 1234", 3, 1, "warning", "word-skipped", "^~~~",
+     "begin a comment with #", 1},
+    {"VersionHigh", "VERSION 2", "VERSION 9", 2, 1, "warning", "version-high", "^~~~~~~",
+     "write VERSION 3", 1},
     {"TabAndLetters", "1 1 1-64", "1\t1\t\"1-\"\xC3\xA9", 17, 5, "warning", "number-odd",
      " \t \t^~~~~", "such as 0-64", 1},
 };
@@ -285,7 +293,7 @@ TEST_F(PatternLints, SayNothingMoreOfATextInWideCharacters)
         EXPECT_EQ(std::string("the text is in ") + code, findings[0]["message"]);
     }
     EXPECT_EQ(std::vector<std::string>{"header-missing"},
-              Kinds(FindingsOf("II*" + std::string(5, '\0') + "picture")));
+              Kinds(FindingsOf("\x89PNG" + std::string(5, '\0') + "picture")));
 }
 
 // A block or a list of this very name counts more than one that was taken for it.

@@ -64,7 +64,9 @@ std::vector<std::string> NearestNames(const std::string& word,
     std::vector<std::string> nearest;
     std::size_t best = upper.size() < 6 ? 1 : 2;
     for (const std::string& candidate : candidates) {
-        if (candidate.size() > longestCompared)
+        const bool isFarLonger = candidate.size() > upper.size() + best;
+        const bool isFarShorter = upper.size() > candidate.size() + best;
+        if (candidate.size() > longestCompared || isFarLonger || isFarShorter)
             continue;
         const std::size_t distance = Distance(upper, UpperCase(candidate));
         if (distance > best)
@@ -83,9 +85,15 @@ std::string NearestName(const std::string& word, const std::vector<std::string>&
     return nearest.empty() ? std::string() : nearest.front();
 }
 
+std::vector<std::string> NearestKeywords(const std::string& word)
+{
+    return NearestNames(word, {std::begin(keywords), std::end(keywords)});
+}
+
 std::string NearestKeyword(const std::string& word)
 {
-    return NearestName(word, {std::begin(keywords), std::end(keywords)});
+    const std::vector<std::string> nearest = NearestKeywords(word);
+    return nearest.empty() ? std::string() : nearest.front();
 }
 
 } // namespace zvk::Pelkraft::Client

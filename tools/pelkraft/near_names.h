@@ -17,5 +17,6 @@ std::vector<std::string> NearestNames(const std::string& word,
                                       const std::vector<std::string>& candidates);
 std::string NearestName(const std::string& word, const std::vector<std::string>& candidates);
 std::string NearestKeyword(const std::string& word);
+std::vector<std::string> NearestKeywords(const std::string& word);
 
 } // namespace zvk::Pelkraft::Client

@@ -2,6 +2,7 @@
 
 #include "pattern/early_check.h"
 #include "pattern/pattern_words.h"
+#include "tools/pelkraft/keyword_slips.h"
 #include "tools/pelkraft/near_names.h"
 #include "tools/pelkraft/value_line_lints.h"
 #include "zvk/split.h"
@@ -18,14 +19,24 @@ constexpr const char* byteOrderMark = "\xEF\xBB\xBF";
 // No author looks for a name among more.
 constexpr std::size_t mostCompared = 100;
 
-bool IsKeywordInAnyCase(const PatternToken& token)
-{
-    return KeywordInAnyCase(token.text) != nullptr;
-}
-
 bool StartsWith(const std::string& text, std::string_view start)
 {
     return std::string_view(text).substr(0, start.size()) == start;
+}
+
+// Words without anything else between them.
+struct WordRun
+{
+    const PatternToken* first;
+    std::ptrdiff_t more = 0;
+};
+
+void Extend(std::vector<WordRun>& runs, const PatternToken& token)
+{
+    if (!runs.empty() && runs.back().first + runs.back().more + 1 == &token)
+        ++runs.back().more;
+    else
+        runs.push_back({&token});
 }
 
 class IntentionHandler final : public OutlineHandler
@@ -65,11 +76,23 @@ public:
 
     void Finish()
     {
-        for (const auto& [word, more] : strays)
-            LintStray(*word, more);
+        for (const WordRun& run : strays)
+            LintStray(*run.first, run.more);
+        for (const WordRun& run : unknownWords)
+            LintUnknownWords(*run.first, run.more);
         if (!tokens.empty() && tokens.back().openQuote)
             Warn("quote-open", tokens.back(), "nothing closes this quote",
                  "write a second double quote after the name");
+    }
+
+    // The check ahead of the parser sees keywords alone, and would find no version at all.
+    void TakeVersion(std::int32_t version, const PatternToken& keyword) override
+    {
+        if (!outline.earlyVersion && !IsKeyword(keyword.text)) {
+            outline.earlyVersion = version;
+            outline.earlyVersionPlace = keyword.place;
+        }
+        OutlineHandler::TakeVersion(version, keyword);
     }
 
     void SelectInColor(std::int32_t inColor, const PatternToken& name) override
@@ -188,10 +211,7 @@ public:
         // The first one has been looked at as the header word.
         if (token.text == patternHeader || &token == &tokens.front())
             return;
-        if (!strays.empty() && strays.back().first + strays.back().second + 1 == &token)
-            ++strays.back().second;
-        else
-            strays.emplace_back(&token, 0);
+        Extend(strays, token);
     }
 
     void SkipValues(const PatternToken& opening, const PatternToken& block) override
@@ -212,7 +232,9 @@ public:
     bool Means(const PatternToken& token, std::string_view keyword) override
     {
         const char* const meant = KeywordInAnyCase(token.text);
-        if (meant == nullptr || token.text == meant || meant != keyword)
+        if (meant == nullptr)
+            return MeansBySlip(token, keyword);
+        if (token.text == meant || meant != keyword)
             return false;
         Error("keyword-case", token, Quoted(token.text) + " is no keyword in this case of letters",
               "write " + std::string(keyword), std::string(keyword));
@@ -226,6 +248,10 @@ public:
         if (findings.size() >= mostFindings)
             return noIndex;
         const std::vector<const NamedIndex*> nearest = FindNearest(list, token.text);
+        if (nearest.empty() && list == NameList::InColors) {
+            Extend(unknownWords, token);
+            return noIndex;
+        }
         // Whatever is in use already is hardly meant again.
         const bool isMeant = !nearest.empty() && !IsInUse(list, nearest.front()->index);
         LintUnknownName(list, token, nearest.empty() ? nullptr : nearest.front(),
@@ -260,8 +286,9 @@ public:
 
     bool IsNumberOf(const PatternToken& keyword, const PatternToken* number) override
     {
-        const std::string what =
-            KeywordInAnyCase(keyword.text) == std::string("VERSION") ? "version" : "seed";
+        const bool isVersion =
+            UpperCase(keyword.text) == "VERSION" || slips.IsSlipOf(keyword, "VERSION");
+        const std::string what = isVersion ? "version" : "seed";
         const std::string hint = "write a number after " + keyword.text;
         if (number == nullptr) {
             Warn("number-missing", keyword, "the text ends before the " + what, hint);
@@ -282,13 +309,28 @@ public:
 
     bool BreaksLine(const PatternToken& token, const ValueLine& line) override
     {
-        if (IsKeywordInAnyCase(token))
+        if (KeywordInAnyCase(token.text) != nullptr || slips.IsSlip(token))
             return true;
         return line.ratioToken != nullptr && outline.version >= mainRules.lowestVersion &&
                StartsLine(token) && !IsEntryWord(token.text);
     }
 
 private:
+    bool MeansBySlip(const PatternToken& token, std::string_view keyword)
+    {
+        // A letter parts the two words, and a block is of no use ahead of the list.
+        const bool isLaterBlock = keyword == "BEGIN_IN_COLORS" && outline.InColourCount() != 0;
+        const std::string upper = UpperCase(token.text);
+        if (!slips.IsSlipOf(token, keyword) || isLaterBlock ||
+            outline.outInkNames.count(upper) != 0 || outline.inColourNames.count(upper) != 0)
+            return false;
+        // Every engine loads a text without a seed.
+        AddFinding(findings, keyword == "RANDOM_SEED" ? Severity::Warning : Severity::Error,
+                   "keyword-misspelt", token.place, Quoted(token.text) + " is no keyword",
+                   "did you mean " + std::string(keyword) + "?", std::string(keyword));
+        return true;
+    }
+
     StepPlaces& StepOf(std::int32_t inColor, const ValueLine& line) const
     {
         return Places(inColor).steps[static_cast<std::size_t>(line.step)];
@@ -363,6 +405,23 @@ private:
              isCertain ? std::optional<std::string>(AsWord(name)) : std::nullopt);
     }
 
+    // The lines of a list whose opening keyword nobody could guess make many of them.
+    void LintUnknownWords(const PatternToken& word, std::ptrdiff_t more)
+    {
+        if (more == 0) {
+            LintUnknownName(NameList::InColors, word, nullptr, false);
+            return;
+        }
+        const std::string others =
+            more == 1 ? "the word" : "any of the " + std::to_string(more) + " words";
+        Warn("in-colour-unknown", word,
+             Quoted(word.text) +
+                 " is not listed in BEGIN_IN_COLORS and selects no in-colour, nor "
+                 "does " +
+                 others + " after it",
+             "open a list of inks with BEGIN_INKS, and one of value lines with BEGIN_VALUES");
+    }
+
     void LintStray(const PatternToken& word, std::ptrdiff_t more)
     {
         const std::string nearest = NearestKeyword(word.text);
@@ -396,8 +455,10 @@ private:
     // By index; a block or a list that truly names one counts more than the guess.
     std::set<std::int32_t> guessedInColours;
     std::set<std::int32_t> guessedInks;
-    // Runs of words outside of all sections: the first, and how many follow it.
-    std::vector<std::pair<const PatternToken*, std::ptrdiff_t>> strays;
+    // Those outside of all sections, and those in blocks that are near no in-colour.
+    std::vector<WordRun> strays;
+    std::vector<WordRun> unknownWords;
+    KeywordSlips slips;
     const PatternToken* unknownInColour = nullptr;
     const PatternToken* inksWithoutInColour = nullptr;
     const PatternToken* skippedValues = nullptr;

@@ -8,6 +8,9 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
+// The engines do the same for all versions from this one on.
+constexpr std::int32_t highestVersion = 3;
+
 class PatternLint
 {
 public:
@@ -55,6 +58,10 @@ private:
             return;
         }
         const std::int32_t early = *outline.earlyVersion;
+        if (early > highestVersion)
+            Add(Severity::Warning, "version-high", outline.earlyVersionPlace,
+                "version " + std::to_string(early) + " is read as version 3, the highest one",
+                "write VERSION 3, or VERSION 2 if that was meant");
         if (early == outline.version)
             return;
         Add(Severity::Warning, "version-differs", outline.earlyVersionPlace,

@@ -7,6 +7,7 @@ foreach(part IN ITEMS
         finding_rules
         findings
         ink_shares
+        keyword_slips
         near_names
         pattern_diff
         pattern_engines
