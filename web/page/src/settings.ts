@@ -1,0 +1,55 @@
+import type { BuiltInPicture, Levels, Picture, PictureJob, PreviewJob, InkLook }
+    from "./engine/index.js";
+import { Value } from "./value.js";
+
+/** The author has chosen this for the picture of dots. */
+export interface Settings {
+    readonly kind: "ramp" | "patches" | "own";
+    readonly own: Picture | null;
+    readonly levels: Levels;
+    readonly tone: "coverage" | "equal";
+    readonly origin: { readonly x: number; readonly y: number };
+    /** The one ink that is shown, or none for all of them in print. */
+    readonly ink: string;
+    readonly zoom: number;
+    /** Inks in the order of their printing, as far as the author has said. */
+    readonly order: readonly string[];
+    readonly gain: number;
+}
+
+export const zooms = [1, 2, 4, 8, 16] as const;
+
+export const settings = new Value<Settings>({
+    kind: "ramp", own: null, levels: "automatic", tone: "coverage", origin: { x: 0, y: 0 },
+    ink: "", zoom: 4, order: [], gain: 0,
+});
+
+export function change(changes: Partial<Settings>): void {
+    settings.set({ ...settings.get(), ...changes });
+}
+
+export function pictureOf({ kind, own }: Settings): Picture | BuiltInPicture {
+    if (kind === "own" && own !== null) {
+        return own;
+    }
+    return { kind: kind === "patches" ? "patches" : "ramp", width: 512, height: 256 };
+}
+
+export function jobOf(text: string, chosen: Settings): PictureJob {
+    const { levels, tone, origin } = chosen;
+    return { text, picture: pictureOf(chosen), levels, tone, origin };
+}
+
+/** The job of the picture that is seen. Inks that aren't shown let all light through. */
+export function previewOf(text: string, chosen: Settings, inks: readonly string[]): PreviewJob {
+    const { ink, order, gain } = chosen;
+    const hidden = inks.includes(ink) ? inks.filter((one) => one !== ink) : [];
+    const looks: InkLook[] = hidden.map((name) => ({ name, colour: "#ffffff", opacity: 0 }));
+    return { ...jobOf(text, chosen), looks, order: orderOf(order, inks), gain };
+}
+
+/** The inks in the order of their printing: first those with a place, then the others. */
+export function orderOf(order: readonly string[], inks: readonly string[]): string[] {
+    const placed = order.filter((ink) => inks.includes(ink));
+    return [...placed, ...inks.filter((ink) => !placed.includes(ink))];
+}

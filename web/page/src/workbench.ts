@@ -1,0 +1,89 @@
+import { createEngine, EngineFailure, type Engine, type Plot, type Reading } from "./engine/index.js";
+import { afterPause } from "./dom.js";
+import { readStructure, type Structure } from "./pattern/structure.js";
+import { Value } from "./value.js";
+
+/** The engine's answer and the text that it is about, since the author goes on writing. */
+export interface Known<T> {
+    readonly text: string;
+    readonly result: T;
+}
+
+/** A text that is longer has no table, and no engine takes it. */
+export const mostCharacters = 1 << 20;
+
+const pause = 150;
+
+const empty = readStructure("");
+
+/** The pattern that is worked on, and what is known of it. The views follow its values. */
+export class Workbench {
+    readonly engine: Engine = createEngine();
+    readonly text = new Value("");
+    readonly structure = new Value<Structure>(empty);
+    readonly reading = new Value<Known<Reading> | null>(null);
+    readonly plot = new Value<Known<Plot> | null>(null);
+    /** The place of the cursor in the text. */
+    readonly cursor = new Value(0);
+    readonly working = new Value(0);
+    /** The last failure, in a sentence. */
+    readonly trouble = new Value("");
+    /** A view is shown that needs the shares as measured. */
+    readonly wantsPlot = new Value(false);
+
+    readonly #readSoon = afterPause(pause, () => void this.#read());
+
+    constructor() {
+        this.reading.follow(() => void this.#measure());
+        this.wantsPlot.follow(() => void this.#measure());
+    }
+
+    setText(text: string): void {
+        this.text.set(text);
+        this.structure.set(text.length > mostCharacters ? empty : readStructure(text));
+        this.#readSoon();
+    }
+
+    /** Awaits the engine, and tells of its failure; null then. */
+    async ask<T>(work: Promise<T>): Promise<T | null> {
+        this.working.set(this.working.get() + 1);
+        try {
+            const result = await work;
+            this.trouble.set("");
+            return result;
+        } catch (failure) {
+            this.#tell(failure);
+            return null;
+        } finally {
+            this.working.set(this.working.get() - 1);
+        }
+    }
+
+    #tell(failure: unknown): void {
+        const isQuiet = failure instanceof EngineFailure
+            && (failure.code === "superseded" || failure.code === "aborted");
+        if (!isQuiet) {
+            this.trouble.set(failure instanceof Error ? failure.message : String(failure));
+        }
+    }
+
+    async #read(): Promise<void> {
+        const text = this.text.get();
+        const result = await this.ask(this.engine.read(text));
+        if (result !== null && text === this.text.get()) {
+            this.reading.set({ text, result });
+        }
+    }
+
+    async #measure(): Promise<void> {
+        const reading = this.reading.get();
+        if (!this.wantsPlot.get() || reading === null || reading.text === this.plot.get()?.text) {
+            return;
+        }
+        const { text } = reading;
+        const result = await this.ask(this.engine.plot(text));
+        if (result !== null && text === this.text.get()) {
+            this.plot.set({ text, result });
+        }
+    }
+}
