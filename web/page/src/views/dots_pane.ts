@@ -1,0 +1,38 @@
+import type { Window } from "../engine/index.js";
+import { pictureOf, previewOf, settings } from "../settings.js";
+import { en } from "../../texts/en.js";
+import type { Workbench } from "../workbench.js";
+import { DotsViewer } from "./dots_viewer.js";
+
+const words = en.dots;
+
+/** Draws the dots of a text as the settings ask for them, as far as its viewer shows them. */
+export class DotsPane {
+    readonly viewer: DotsViewer;
+    readonly #workbench: Workbench;
+
+    constructor(workbench: Workbench, label: string) {
+        this.#workbench = workbench;
+        this.viewer = new DotsViewer(label);
+    }
+
+    /** Tells what was drawn, and the warnings on the way; null if nothing was. */
+    async draw(text: string, inks: readonly string[])
+        : Promise<{ window: Window; warnings: readonly string[] } | null> {
+        const chosen = settings.get();
+        const { width, height } = pictureOf(chosen);
+        this.viewer.setSize(width, height, chosen.zoom);
+        const window = this.viewer.window();
+        if (window === null) {
+            return null;
+        }
+        const job = { ...previewOf(text, chosen, inks), window };
+        const image = await this.#workbench.ask(this.#workbench.engine.preview(job));
+        if (image === null) {
+            return null;
+        }
+        const shown = inks.includes(chosen.ink) ? words.only(chosen.ink) : words.allInks;
+        this.viewer.draw(image, window, words.label(shown, window, chosen.zoom));
+        return { window, warnings: image.warnings };
+    }
+}

@@ -1,0 +1,54 @@
+import { h, refill } from "../dom.js";
+import type { PatternEditor } from "../editor/pattern_editor.js";
+import type { Finding, Reading } from "../engine/index.js";
+import { severityIcon } from "../icons.js";
+import { en } from "../../texts/en.js";
+import type { Workbench } from "../workbench.js";
+
+const mostShown = 50;
+
+function findingItem(finding: Finding, index: number, editor: PatternEditor): HTMLElement {
+    const { place, severity, fix } = finding;
+    const words = en.findings.severity[severity];
+    return h("li", { class: `finding ${severity}` },
+        h("button", {
+            class: "plain", "data-key": `finding-${index}`,
+            click: () => editor.goTo(place.from, place.to),
+        }, severityIcon(severity), h("span", {},
+            h("span", { class: "where" }, en.findings.place(words, place.line)), " ",
+            finding.message,
+            finding.hint !== "" && h("span", { class: "hint" }, en.findings.hint(finding.hint)))),
+        fix !== null && h("button", {
+            class: "small", "data-key": `fix-${index}`,
+            click: () => editor.applyEdits([fix]),
+        }, en.findings.fix(fix.insert)));
+}
+
+/** Tells in one sentence how a text stands; a live region repeats it. */
+export function summaryOf({ counts, runs, engines }: Reading): string {
+    if (!runs) {
+        const refusal = engines.find((engine) => engine.refusal !== null)?.refusal;
+        return en.findings.refused(refusal ?? "", counts.errors);
+    }
+    return en.findings.summary(counts.errors, counts.warnings, counts.notes);
+}
+
+/** All findings of the text as a list below the editor. */
+export function findingsList(workbench: Workbench, editor: PatternEditor): HTMLElement {
+    const heading = h("h2", {}, en.findings.title);
+    const summary = h("p", { class: "summary", role: "status" });
+    const list = h("ol", { class: "findings" });
+    workbench.reading.follow((reading) => {
+        const findings = reading?.result.findings ?? [];
+        const words = reading === null ? en.findings.waiting : summaryOf(reading.result);
+        if (summary.textContent !== words) {
+            summary.textContent = words;
+        }
+        refill(list, ...findings.slice(0, mostShown)
+            .map((finding, index) => findingItem(finding, index, editor)),
+        findings.length > mostShown
+            && h("li", {}, en.findings.more(findings.length - mostShown)));
+        list.hidden = findings.length === 0;
+    });
+    return h("section", { class: "found", "aria-label": en.findings.title }, heading, summary, list);
+}
