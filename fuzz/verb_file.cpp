@@ -36,10 +36,11 @@ Words ConvertLine(Choices& choices, const VerbFolder& folder)
 Words SimulateLine(Choices& choices, const VerbFolder& folder)
 {
     Words words{"simulate", folder.Name("pattern.txt"), folder.Name("in"), folder.Name("out")};
-    choices.Add(words, {{}, {"--engine", "reference"}, {"--engine", "x86"}});
+    // The reference engine refuses several pages.
+    choices.Add(words, {{}, {"--engine", "reference"}, {"--engine", "x86"}, {"--pages"}});
     choices.Add(words, {{}, {"--levels", "raw"}, {"--levels", "quantize"}, {"--levels", "dither"}});
     choices.Add(words, {{}, {"--preview", folder.Name("preview")}, {"--polarity", "ink-low"}});
-    choices.Add(words, {{}, {"--origin", "5,7"}, {"--pages"}, {"--dot-range", "250,3"}});
+    choices.Add(words, {{}, {"--origin", "5,7"}, {"--dot-range", "250,3"}});
     choices.Add(words, {{"--threads", "1"}, {"--threads", "2", "--explain"}});
     return words;
 }
