@@ -4,8 +4,6 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 
-#include <utility>
-
 namespace zvk::Pelkraft::Client {
 namespace {
 
@@ -38,8 +36,8 @@ void RefuseTooFew(const std::vector<std::string>& inColours, const std::vector<C
 class ChannelSearch
 {
 public:
-    ChannelSearch(const std::vector<Channel>& newChannels, std::string newPath)
-        : channels(newChannels), taken(channels.size()), path(std::move(newPath))
+    explicit ChannelSearch(const std::vector<Channel>& newChannels)
+        : channels(newChannels), taken(channels.size())
     {}
 
     int TakeByName(const std::string& name)
@@ -49,17 +47,9 @@ public:
         });
     }
 
-    int TakeNext(const std::string& inColour)
+    int TakeNext()
     {
-        const int channel = Take([](const Channel& candidate) { return !candidate.named; });
-        if (channel == noChannel)
-            throw Failure(ExitCode::BadInput, path,
-                          "has no channel for in-colour " + Shown(inColour) +
-                              ": the names of those that are left say other inks, " +
-                              ListWords(channels, Left()) +
-                              "; give the pattern the names of the page, or name the page's inks "
-                              "anew by pelkraft split and join NAME=PLATE");
-        return channel;
+        return Take([](const Channel&) { return true; });
     }
 
     // Inks that nobody took.
@@ -89,7 +79,6 @@ private:
 
     const std::vector<Channel>& channels;
     std::vector<bool> taken;
-    std::string path;
 };
 
 } // namespace
@@ -103,14 +92,14 @@ ChannelChoice ChooseChannels(const std::vector<std::string>& inColours,
             choice.alphas.push_back(static_cast<int>(i));
     }
     RefuseTooFew(inColours, channels, choice, path);
-    ChannelSearch search(channels, path);
+    ChannelSearch search(channels);
     for (const std::string& name : inColours) {
         choice.map.push_back(search.TakeByName(name));
         choice.byName.push_back(choice.map.back() != noChannel);
     }
     for (std::size_t i = 0; i < inColours.size(); ++i) {
         if (!choice.byName[i])
-            choice.map[i] = search.TakeNext(inColours[i]);
+            choice.map[i] = search.TakeNext();
     }
     choice.unused = search.Left();
     return choice;

@@ -11,7 +11,7 @@ namespace zvk::Pelkraft::Client {
 struct ChannelChoice
 {
     std::vector<int> map;
-    // By name; the others took inks without a name, in their order.
+    // By name; the others took the inks that no name claimed, in their order.
     std::vector<bool> byName;
     // Inks of the page that no in-colour takes.
     std::vector<int> unused;
@@ -19,8 +19,7 @@ struct ChannelChoice
     std::vector<int> alphas;
 };
 
-// Names count in any case. A page with fewer inks than in-colours is a bad input file, and so is
-// one whose names say that none of the inks left is the one that an in-colour wants.
+// Names count in any case. A page with fewer inks than in-colours is a bad input file.
 ChannelChoice ChooseChannels(const std::vector<std::string>& inColours,
                              const std::vector<Channel>& channels, const std::string& path);
 

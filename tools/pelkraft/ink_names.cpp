@@ -31,30 +31,15 @@ int CountInks(const TiffFile& file, const TiffPicture& picture)
     return inks;
 }
 
-// Channels that had no name are written with such ones.
-bool IsNumber(const std::string& name, std::size_t channelCount)
-{
-    for (std::size_t channel = 0; channel < channelCount; ++channel) {
-        if (name == NumberedName(channel))
-            return true;
-    }
-    return false;
-}
-
 void NameChannels(const TiffFile& file, const TiffPicture& picture, std::vector<Channel>& channels)
 {
     std::uint16_t inkSet = INKSET_CMYK;
     TIFFGetField(file.Get(), TIFFTAG_INKSET, &inkSet);
     std::vector<std::string> names = ReadInkTags(file);
-    const bool told = !names.empty();
-    if (!told && (picture.photometric != PHOTOMETRIC_SEPARATED || inkSet == INKSET_CMYK))
+    if (names.empty() && (picture.photometric != PHOTOMETRIC_SEPARATED || inkSet == INKSET_CMYK))
         names = UsualNames(picture.photometric);
-    const bool process = !told && names.size() == 4 && channels.size() >= names.size();
-    for (std::size_t i = 0; i < std::min(channels.size(), names.size()); ++i) {
+    for (std::size_t i = 0; i < std::min(channels.size(), names.size()); ++i)
         channels[i].name = names[i];
-        channels[i].named =
-            process || (told && !names[i].empty() && !IsNumber(names[i], channels.size()));
-    }
 }
 
 } // namespace

@@ -15,9 +15,6 @@ struct Channel
 {
     // Empty where neither a tag nor the photometric kind gives it a name.
     std::string name;
-    // True if the name says which ink it is: one of the page's tag that is no mere number, or that
-    // of a process ink on a page that has all four.
-    bool named = false;
     // Beyond the colour channels: what the extra-sample tag says of it.
     bool extra = false;
     std::uint16_t extraKind = EXTRASAMPLE_UNSPECIFIED;
