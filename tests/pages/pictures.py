@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """Pictures made at random, written and read, and their samples taken apart bit by bit."""
 
-from concurrent.futures import ThreadPoolExecutor
 
 import numpy
 
@@ -12,8 +11,8 @@ from pelkraft.pages.tiff_writer import tiff_pieces
 
 
 def read(path, page=None):
-    with TiffPage(str(path), page) as opened, ThreadPoolExecutor(1) as helper:
-        return opened.read(helper)[0]
+    with TiffPage(str(path), page) as opened:
+        return opened.read()[0]
 
 
 def levels_of(picture):

@@ -9,7 +9,6 @@ from __future__ import annotations
 
 import hashlib
 import sys
-from concurrent.futures import ThreadPoolExecutor
 from typing import Optional, Sequence
 
 import numpy
@@ -39,8 +38,8 @@ def main(paths: Optional[Sequence[str]] = None) -> int:
         return 2
     for path in paths:
         try:
-            with TiffPage(path, None) as page, ThreadPoolExecutor(1) as helper:
-                print(f"{pixel_digest(page.read(helper)[0])}  {path}")
+            with TiffPage(path, None) as page:
+                print(f"{pixel_digest(page.read()[0])}  {path}")
         except PageError as error:
             print(f"pelkraft.pages.digest: {error}", file=sys.stderr)
             return 3

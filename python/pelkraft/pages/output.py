@@ -3,38 +3,34 @@
 
 from __future__ import annotations
 
-import hashlib
 import os
 import re
 import secrets
-from concurrent.futures import Executor
 from contextlib import contextmanager
 from typing import BinaryIO, Iterable, Iterator, Sequence
 
-import numpy
-
 from .errors import WRITE, PageError
+from .file_digest import digest_of, file_digest
 from .tiff_writer import Piece
 
 # A worker that was killed leaves a file of such a name.
 LEFTOVER = re.compile(r"\.(.+)\.[0-9a-f]{12}\.part", re.DOTALL)
-COMPARED_BYTES = 1 << 20
 
 
 @contextmanager
-def new_file(path: str, pieces: Sequence[Piece], helper: Executor) -> Iterator[str]:
+def new_file(path: str, pieces: Sequence[Piece]) -> Iterator[str]:
     """Writes a file beside its place, forces it to the disk and compares it with what was meant.
-    The context has the digest of its bytes, which the helper works out while the disk works; at
-    its end the file takes its place."""
+    The context has the digest of its bytes; at its end the file takes its place."""
     temporary = _temporary_name(path)
     try:
-        digest = helper.submit(digest_of, pieces)
         with open(temporary, "xb", buffering=0) as file:
             for piece in pieces:
                 _write_all(file, piece)
             os.fsync(file.fileno())
-        _verify(temporary, path, pieces)
-        yield digest.result()
+        digest = digest_of(pieces)
+        if file_digest(temporary) != digest:
+            raise PageError(WRITE, f"{path}: reads back otherwise than it was written")
+        yield digest
         os.replace(temporary, path)
         _sync_folder(path)
     except OSError as error:
@@ -52,13 +48,6 @@ def write_note(path: str, text: bytes) -> None:
         os.replace(temporary, path)
     finally:
         _remove(temporary)
-
-
-def digest_of(pieces: Iterable[Piece]) -> str:
-    digest = hashlib.sha256()
-    for piece in pieces:
-        digest.update(piece)
-    return digest.hexdigest()
 
 
 def remove_leftovers(paths: Iterable[str]) -> int:
@@ -98,35 +87,6 @@ def _write_all(file: BinaryIO, piece: Piece) -> None:
     done = 0
     while done < len(view):
         done += file.write(view[done:])
-
-
-def _verify(temporary: str, path: str, pieces: Sequence[Piece]) -> None:
-    found = numpy.empty(COMPARED_BYTES, numpy.uint8)
-    with open(temporary, "rb", buffering=0) as file:
-        for piece in pieces:
-            meant = numpy.frombuffer(piece, numpy.uint8)
-            for start in range(0, len(meant), COMPARED_BYTES):
-                part = meant[start:start + COMPARED_BYTES]
-                read = _read_exactly(file, found[:len(part)])
-                if not _equal(read, part):
-                    raise PageError(WRITE, f"{path}: reads back otherwise than it was written")
-        if file.read(1):
-            raise PageError(WRITE, f"{path}: reads back longer than it was written")
-
-
-def _read_exactly(file: BinaryIO, target: numpy.ndarray) -> numpy.ndarray:
-    """The part of the target that the file still fills."""
-    done = 0
-    while done < len(target) and (count := file.readinto(memoryview(target)[done:])):
-        done += count
-    return target[:done]
-
-
-def _equal(left: numpy.ndarray, right: numpy.ndarray) -> bool:
-    # Eight bytes at once take a third of the time.
-    if len(left) == len(right) and len(left) % 8 == 0:
-        left, right = left.view(numpy.uint64), right.view(numpy.uint64)
-    return numpy.array_equal(left, right)
 
 
 def _remove(path: str) -> bool:

@@ -3,7 +3,6 @@
 
 from __future__ import annotations
 
-import hashlib
 import json
 from dataclasses import asdict, dataclass
 from typing import Optional
@@ -11,7 +10,6 @@ from typing import Optional
 from .output import write_note
 
 STAMP_VERSION = 1
-READ_BYTES = 1 << 20
 
 
 @dataclass(frozen=True)
@@ -44,15 +42,3 @@ def read_stamp(output_path: str) -> Optional[Stamp]:
         return Stamp(**{**record, "warnings": tuple(record["warnings"])})
     except (OSError, ValueError, TypeError, KeyError, AttributeError):
         return None
-
-
-def file_digest(path: str) -> Optional[str]:
-    """The digest of a file's bytes, or None if it cannot be read."""
-    digest = hashlib.sha256()
-    try:
-        with open(path, "rb", buffering=0) as file:
-            while part := file.read(READ_BYTES):
-                digest.update(part)
-    except OSError:
-        return None
-    return digest.hexdigest()

@@ -6,16 +6,16 @@ from __future__ import annotations
 import os
 import socket
 import time
-from concurrent.futures import Executor, ThreadPoolExecutor
 from dataclasses import dataclass, field
 from typing import Callable, Optional
 
 from .convert import convert_page
 from .errors import MEMORY, READ, WRITE, PageError
+from .file_digest import file_digest
 from .jobs import PageJob
 from .output import new_file
 from .picture import Picture
-from .stamp import Stamp, file_digest, read_stamp
+from .stamp import Stamp, read_stamp
 from .tiff_reader import TiffPage
 from .tiff_writer import tiff_pieces
 
@@ -70,8 +70,7 @@ def make_page(task: Task) -> PageResult:
     facts = {"number": task.number, "job": task.job,
              "worker": f"{socket.gethostname()}:{os.getpid()}"}
     try:
-        with ThreadPoolExecutor(1) as helper:
-            status, stamp = _make_or_keep(task, helper)
+        status, stamp = _make_or_keep(task)
         facts.update(warnings=stamp.warnings, input_digest=stamp.input,
                      output_digest=stamp.output)
     except PageError as error:
@@ -85,20 +84,27 @@ def make_page(task: Task) -> PageResult:
     return PageResult(status=status, seconds=time.monotonic() - start, **facts)
 
 
-def _make_or_keep(task: Task, helper: Executor) -> tuple[str, Stamp]:
+def _make_or_keep(task: Task) -> tuple[str, Stamp]:
     job = task.job
     with TiffPage(job.input, job.page) as page:
-        picture, input_digest = page.read(helper)
+        picture, input_digest = page.read()
     job_digest = job.digest()
     stamp = read_stamp(job.output)
     if stamp and (stamp.run == task.run or not task.redo) and stamp.job == job_digest and \
-            stamp.input == input_digest.result() and stamp.output == file_digest(job.output):
+            stamp.input == input_digest and stamp.output == _present_digest(job.output):
         # An earlier attempt may have made the page before its worker was lost.
         return MADE if stamp.run == task.run else KEPT, stamp
     result, warnings = (task.convert or convert_page)(job, picture)
-    with new_file(job.output, tiff_pieces(result), helper) as output_digest:
-        stamp = Stamp(job_digest, input_digest.result(), output_digest, warnings, task.run)
+    with new_file(job.output, tiff_pieces(result)) as output_digest:
+        stamp = Stamp(job_digest, input_digest, output_digest, warnings, task.run)
         # Before the file takes its place: a worker that is killed in between leaves a stamp that
         # fits no file, and one that is killed later a page that need not be made again.
         stamp.write(job.output)
     return MADE, stamp
+
+
+def _present_digest(path: str) -> Optional[str]:
+    try:
+        return file_digest(path)
+    except OSError:
+        return None

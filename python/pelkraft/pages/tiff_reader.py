@@ -9,14 +9,13 @@ import logging
 import lzma
 import os
 import zlib
-from concurrent.futures import Executor, Future
 from typing import Any, BinaryIO, Optional
 
 import numpy
 import tifffile
 
 from .errors import INPUT, READ, UNSUPPORTED, PageError
-from .output import digest_of
+from .file_digest import digest_of
 from .picture import (INK_SET_CMYK, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, RGB, SEPARATED,
                       UNSPECIFIED_EXTRA, Channel, Picture, Tags, pack_samples, row_bytes,
                       unpack_samples)
@@ -67,14 +66,13 @@ class TiffPage:
     def __exit__(self, *_: object) -> None:
         self._file.close()
 
-    def read(self, helper: Executor) -> tuple[Picture, Future[str]]:
-        """The page, whose pixels are read-only, and a digest of all that it was made of, which the
-        helper works out meanwhile."""
+    def read(self) -> tuple[Picture, str]:
+        """The page, whose pixels are read-only, and a digest of all that it was made of."""
         try:
             raw = numpy.empty((self._planes, self.height, self._row_bytes), numpy.uint8)
             pieces = [self._description(), *self._fill(raw)]
             raw.flags.writeable = False
-            return self._picture(raw), helper.submit(digest_of, pieces)
+            return self._picture(raw), digest_of(pieces)
         except Exception as error:
             raise _told(error, self.path) from error
 
