@@ -127,4 +127,10 @@ std::string ChannelWords(const std::vector<Channel>& channels, int index)
     return std::to_string(index) + (name.empty() ? "" : " (" + name + ")");
 }
 
+std::string UnusedChannelWords(const std::vector<Channel>& channels, int index)
+{
+    return "channel " + ChannelWords(channels, index) +
+           " is not used: no in-colour of the pattern takes it";
+}
+
 } // namespace zvk::Pelkraft::Client

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/pelkraft/ink_names.h"
+#include "tools/pelkraft/channel.h"
 
 #include <string>
 #include <vector>
@@ -29,5 +29,7 @@ std::string OrderWords(const std::vector<std::string>& inColours,
 
 // For a message: the channel's number, and its name if it has one.
 std::string ChannelWords(const std::vector<Channel>& channels, int index);
+// Warns of one that no in-colour takes.
+std::string UnusedChannelWords(const std::vector<Channel>& channels, int index);
 
 } // namespace zvk::Pelkraft::Client

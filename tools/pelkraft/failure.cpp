@@ -9,7 +9,6 @@
 
 #include <cstdio>
 #include <new>
-#include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -60,10 +59,6 @@ ExitCode ReportFailure()
 }
 
 } // namespace
-
-Failure::Failure(ExitCode newCode, std::string newFile, std::string newText)
-    : code(newCode), file(std::move(newFile)), text(std::move(newText))
-{}
 
 void PrintError(const std::string& file, const std::string& text)
 {

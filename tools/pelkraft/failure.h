@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace zvk::Pelkraft::Client {
 
@@ -11,7 +12,9 @@ namespace zvk::Pelkraft::Client {
 class Failure : public std::exception
 {
 public:
-    Failure(ExitCode newCode, std::string newFile, std::string newText);
+    Failure(ExitCode newCode, std::string newFile, std::string newText)
+        : code(newCode), file(std::move(newFile)), text(std::move(newText))
+    {}
 
     const char* what() const noexcept override { return text.c_str(); }
     ExitCode Code() const noexcept { return code; }

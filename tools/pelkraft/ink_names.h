@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/pelkraft/channel.h"
 #include "tools/pelkraft/tiff_file.h"
 #include "tools/pelkraft/tiff_picture.h"
 
@@ -9,21 +10,6 @@
 #include <vector>
 
 namespace zvk::Pelkraft::Client {
-
-// The role of one channel of a page.
-struct Channel
-{
-    // Empty where neither a tag nor the photometric kind gives it a name.
-    std::string name;
-    // Beyond the colour channels: what the extra-sample tag says of it.
-    bool extra = false;
-    std::uint16_t extraKind = EXTRASAMPLE_UNSPECIFIED;
-    // True if its samples are an amount of ink or of a colour. On pages of inks all channels hold
-    // ink but alpha channels; on pages of other colours extra samples mean something else.
-    bool ink = true;
-
-    bool IsAlpha() const { return extra && extraKind != EXTRASAMPLE_UNSPECIFIED; }
-};
 
 // True for the kinds of pages whose samples are amounts of ink: separated, MinIsWhite and
 // MinIsBlack.

@@ -179,11 +179,10 @@ std::vector<StepShares> SharesOf(const PatternReport& report)
     return MeasureShares(report.outline, report.model, pattern.get());
 }
 
-Json ReportJson(const PatternReport& report)
+Json ReportJson(const PatternReport& report, const std::vector<StepShares>& shares)
 {
     const PatternOutline& outline = report.outline;
     const std::vector<std::string> outInks = outline.OutInkList();
-    const std::vector<StepShares> shares = SharesOf(report);
     Json json;
     json["schema"] = schemaVersion;
     json["file"] = report.text.Path();
@@ -203,6 +202,11 @@ Json ReportJson(const PatternReport& report)
     json["counts"] = CountsJson({&report});
     json["findings"] = FindingsJson(report);
     return json;
+}
+
+Json MeasuredJson(const PatternReport& report)
+{
+    return ReportJson(report, SharesOf(report));
 }
 
 Json LintJson(const PatternReport& report)
@@ -229,12 +233,17 @@ std::string ListJson(const std::vector<const PatternReport*>& reports,
 
 std::string PatternJson(const PatternReport& report)
 {
-    return JsonText(ReportJson(report));
+    return JsonText(MeasuredJson(report));
+}
+
+std::string PatternJson(const PatternReport& report, const std::vector<StepShares>& shares)
+{
+    return JsonText(ReportJson(report, shares));
 }
 
 std::string ExplainTextsJson(const std::vector<const PatternReport*>& reports)
 {
-    return ListJson(reports, ReportJson);
+    return ListJson(reports, MeasuredJson);
 }
 
 std::string LintTextsJson(const std::vector<const PatternReport*>& reports)

@@ -3,6 +3,7 @@
 #include "tools/pelkraft/combination_model.h"
 #include "tools/pelkraft/exit_code.h"
 #include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/ink_shares.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/pattern_outline.h"
 
@@ -44,6 +45,8 @@ std::string LintWords(const std::vector<const PatternReport*>& reports);
 
 // For programs: one JSON object.
 std::string PatternJson(const PatternReport& report);
+// With these shares, which may lack what would be measured.
+std::string PatternJson(const PatternReport& report, const std::vector<StepShares>& shares);
 // One object for several texts: all that is known of each, or its findings alone.
 std::string ExplainTextsJson(const std::vector<const PatternReport*>& reports);
 std::string LintTextsJson(const std::vector<const PatternReport*>& reports);

@@ -137,8 +137,7 @@ public:
         for (const std::string& warning : file.Warnings())
             PrintWarning(options.input.path, warning);
         if (sawHighStep)
-            PrintWarning(options.input.path, "samples are above the top step of their in-colour; "
-                                             "--levels quantize divides tones over the steps");
+            PrintWarning(options.input.path, highStepWords);
         return sawHighStep || total.warned ? ExitCode::Warnings : ExitCode::Done;
     }
 
@@ -266,14 +265,14 @@ private:
             WarnOfGuesses(plan, pattern);
             total.warned = WarnOfUnused(plan) || total.warned;
             for (std::size_t i = 0; i < steps.topSteps.size(); ++i)
-                if (plan.steps.IsFlat(i))
+                if (steps.IsFlat(i, plan.steps.toneCount))
                     flat.insert(i);
         });
         PrintBeside(options.output.path,
                     options.common.json ? JsonText({{"schema", 1}, {"pages", std::move(pages)}})
                                         : PlanText(plans));
         for (const std::size_t inColour : flat)
-            WarnOfFlatInks(pattern, steps, inColour);
+            PrintWarning(options.pattern, FlatInksWords(pattern, steps, inColour));
         total.warned = total.warned || !flat.empty();
         return total;
     }
@@ -292,9 +291,7 @@ private:
     bool WarnOfUnused(const SimulationPlan& plan) const
     {
         for (const int channel : plan.choice.unused)
-            PrintWarning(options.input.path,
-                         "channel " + ChannelWords(plan.channels, channel) +
-                             " is not used: no in-colour of the pattern takes it");
+            PrintWarning(options.input.path, UnusedChannelWords(plan.channels, channel));
         return !plan.choice.unused.empty();
     }
 

@@ -3,9 +3,9 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/ink_codes.h"
+#include "tools/pelkraft/ink_values.h"
 #include "tools/pelkraft/page_inks.h"
 #include "tools/pelkraft/page_rows.h"
-#include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/pattern_outline.h"
 #include "tools/pelkraft/row_pipeline.h"
 #include "tools/pelkraft/tag_writer.h"
@@ -116,30 +116,6 @@ void RefuseRawWords(const TiffPicture& from, Levels levels, const std::string& p
                       "has samples of 16 bits; --levels raw supports 1, 2 and 8");
 }
 
-// Calls visit(inColour, step, value) for each value that the text gives to an ink.
-template <typename Visit>
-void VisitInkValues(const PatternOutline& outline, const Visit& visit)
-{
-    for (std::size_t i = 0; i < outline.InColourCount(); ++i) {
-        const InColorRecord& record = outline.Record(i);
-        for (std::size_t number = 0; number < static_cast<std::size_t>(record.numSteps); ++number) {
-            const StepValues& step = record.steps[number];
-            for (std::size_t r = 0; r < static_cast<std::size_t>(step.numRandoms); ++r)
-                for (std::size_t p = 0; p < static_cast<std::size_t>(record.numInks); ++p)
-                    if (step.table[r][p] != unsetValue)
-                        visit(i, number, step.table[r][p] & 0xFF);
-        }
-    }
-}
-
-int HighestInkValue(const PatternOutline& outline)
-{
-    int highest = 0;
-    VisitInkValues(
-        outline, [&](std::size_t, std::size_t, int value) { highest = std::max(highest, value); });
-    return highest == 0 ? 255 : highest;
-}
-
 void RefuseWideInks(const LoadedPattern& pattern, int bits)
 {
     const int highest = (1 << bits) - 1;
@@ -196,42 +172,6 @@ private:
 };
 
 } // namespace
-
-LoadedPattern::LoadedPattern(const PatternText& newText, DotWeavePattern::Engine newEngine)
-    : text(newText), engine(newEngine)
-{
-    if (engine == DotWeavePattern::Sse && !SseEngineRuns())
-        throw Failure(ExitCode::Unsupported, {},
-                      "this processor doesn't run the sse engine; supported are auto, x86 and "
-                      "reference");
-    const auto pattern = Make();
-    const PatternOutline outline = ReadOutline(text.Bytes());
-    inColours = outline.InColourList();
-    outInks = outline.OutInkList();
-    inColours.resize(static_cast<std::size_t>(pattern->GetInColorCount()));
-    outInks.resize(static_cast<std::size_t>(pattern->GetOutColorCount()));
-    for (int i = 0; i < pattern->GetInColorCount(); ++i) {
-        // The reference engine answers the number of value lines, which is another thing.
-        const auto index = static_cast<std::size_t>(i);
-        const int answer = RunsOnOneThread() ? outline.Record(index).numSteps - 1
-                                             : pattern->GetNumberOfStepsForInColor(i);
-        topSteps.push_back(answer >= 0 && answer < stepsOfInColor ? answer : 0);
-    }
-    // There the reference engine reads entries in a way of its own.
-    if (!RunsOnOneThread() || outline.version <= 2)
-        fullInk = HighestInkValue(outline);
-}
-
-std::unique_ptr<DotWeavePattern> LoadedPattern::Make() const
-{
-    std::string refusal;
-    auto pattern = TryPattern(text, engine, refusal);
-    if (pattern == nullptr)
-        throw Failure(ExitCode::BadPattern, text.Path(),
-                      "the " + EngineName(engine) + " engine refuses it: \"" + refusal +
-                          "\"; pelkraft pattern shows where, and which engines load it");
-    return pattern;
-}
 
 SimulationPlan PlanSimulation(const TiffFile& file, const SimulateOptions& options,
                               const LoadedPattern& pattern, const StepChoice& steps)

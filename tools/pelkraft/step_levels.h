@@ -27,6 +27,11 @@ enum class StepWay
     Raw,
 };
 
+// Warns of raw samples that are no steps.
+inline constexpr const char* highStepWords =
+    "samples are above the top step of their in-colour; --levels quantize divides tones over the "
+    "steps";
+
 // Turns samples of 8 bits into steps, for in-colours that are not dithered.
 class StepLevels
 {

@@ -33,16 +33,6 @@ RowRequest RequestOf(const TiffPicture& from, const ChannelChoice& choice, int b
     return request;
 }
 
-StepWay WayOf(const StepChoice& steps, std::size_t inColour, int tones)
-{
-    if (steps.levels == Levels::Raw)
-        return StepWay::Raw;
-    if (steps.levels == Levels::Dither)
-        return StepWay::Dither;
-    const bool dithers = steps.levels == Levels::Automatic && tones > steps.topSteps[inColour] + 1;
-    return dithers && !FindFlatStep(steps.inks[inColour]) ? StepWay::Dither : StepWay::Quantize;
-}
-
 std::size_t BufferBytes(const std::optional<RowPlan>& rows)
 {
     return rows ? static_cast<std::size_t>(rows->Request().to.Bytes()) : 0;
@@ -56,7 +46,7 @@ StepPlan::StepPlan(const TiffFile& file, const TiffPicture& from, const InkCodes
       toneBits(from.bits == 16 ? 16 : 8), toneCodes(ToneCodesOf(codes, from, toneBits))
 {
     for (std::size_t i = 0; i < steps.topSteps.size(); ++i)
-        ways.push_back(WayOf(steps, i, toneCount));
+        ways.push_back(steps.WayOf(i, toneCount));
     const bool dithers = Uses(StepWay::Dither);
     if (dithers)
         toneRows = PlanRows(file, RequestOf(from, choice, toneBits, steps.levels));
@@ -74,12 +64,6 @@ StepPlan::StepPlan(const TiffFile& file, const TiffPicture& from, const InkCodes
 bool StepPlan::Uses(StepWay way) const
 {
     return std::find(ways.begin(), ways.end(), way) != ways.end();
-}
-
-bool StepPlan::IsFlat(std::size_t inColour) const
-{
-    return steps.levels == Levels::Automatic && toneCount > steps.topSteps[inColour] + 1 &&
-           FindFlatStep(steps.inks[inColour]);
 }
 
 DitherSpec StepPlan::MakeDitherSpec() const

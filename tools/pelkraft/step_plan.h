@@ -5,23 +5,13 @@
 #include "tools/pelkraft/ink_codes.h"
 #include "tools/pelkraft/row_pipeline.h"
 #include "tools/pelkraft/row_plan.h"
-#include "tools/pelkraft/step_inks.h"
-#include "tools/pelkraft/step_levels.h"
+#include "tools/pelkraft/step_choice.h"
 
 #include <cstdint>
 #include <optional>
 #include <vector>
 
 namespace zvk::Pelkraft::Client {
-
-// The steps of a pattern's in-colours, and the way to them that is asked for.
-struct StepChoice
-{
-    Levels levels = Levels::Automatic;
-    // By in-colour.
-    std::vector<int> topSteps;
-    std::vector<StepInks> inks;
-};
 
 // Tells how the rows of a page become steps, a byte for each in-colour.
 struct StepPlan
@@ -30,8 +20,6 @@ struct StepPlan
              const ChannelChoice& choice, const StepChoice& newSteps);
 
     bool Uses(StepWay way) const;
-    // True for an in-colour that would be dithered if its inks rose from step to step.
-    bool IsFlat(std::size_t inColour) const;
     // The library's work on the tones.
     DitherSpec MakeDitherSpec() const;
 
