@@ -13,38 +13,11 @@ work=$PWD/build/windows-sources
 [ ! -e "$prefix/complete" ] || exit 0
 
 rm -rf "$prefix" "$work"
-mkdir -p "$prefix"/{include,licences,share/cmake} "$work/lists/partial"
+mkdir -p "$prefix"/{include,share/cmake}
 
-# apt-get with the sources of this machine's packages, from Debian's own repositories alone, and a
-# list folder that is nobody else's.
-# shellcheck disable=SC2016 # apt fills it in
-apt-get indextargets --format 'deb-src $(REPO_URI) $(RELEASE) $(COMPONENT)' \
-    'Created-By: Packages' 'Origin: Debian' | sort -u >"$work/sources.list"
-apt() {
-    local command=$1
-    shift
-    "$command" -q -o Dir::Etc::sourcelist="$work/sources.list" -o Dir::Etc::sourceparts=- \
-        -o Dir::State::lists="$work/lists" -o APT::Sandbox::User=root "$@"
-}
-quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2 && return 1; }; }
-
-# A mirror may list a version that it has no longer or not yet: then the one before it serves.
-fetch() {
-    local version
-    while read -r version; do
-        quietly apt apt-get source --download-only "$1=$version" && return
-        echo "windows_libraries.sh: no $1 $version to be had" >&2
-        rm -f "$1"_*
-    done < <(apt apt-cache showsrc "$1" | sed -n 's/^Version: //p' | sort -Vru)
-    return 1
-}
-
-# A source package with Debian's patches, in the folder of its name.
-unpack() {
-    (cd "$work" && fetch "$1" && quietly dpkg-source -x "$1"_*.dsc "$1")
-    cp "$work/$1/debian/copyright" "$prefix/licences/$1"
-    echo "windows_libraries.sh: $(sed -nE '1s/^([^ ]+) \((.*)\).*/\1 \2/p' "$work/$1/debian/changelog")"
-}
+licences=$prefix/licences
+# shellcheck source=scripts/platforms/debian_sources.sh
+source scripts/platforms/debian_sources.sh
 
 # build NAME FLAG...: by CMake, with the flags.
 build() {
@@ -58,7 +31,7 @@ build() {
     quietly cmake --install "$work/$name-build"
 }
 
-quietly apt apt-get update
+prepare_sources
 # The decoder gives the same samples with and without its vector code, which wants an assembler.
 build libjpeg-turbo -DENABLE_SHARED=OFF -DWITH_SIMD=OFF -DWITH_TURBOJPEG=OFF
 build libpng1.6 -DPNG_SHARED=OFF -DPNG_TESTS=OFF

@@ -3,7 +3,7 @@
 // MODULES holds pelkraft_page.wasm, pelkraft_tiff.wasm and dither_mask.bin. What the page loads gets
 // a name that says its content, and the service worker keeps all of it.
 import { createHash } from "node:crypto";
-import { mkdir, readFile, readdir, rm, writeFile } from "node:fs/promises";
+import { cp, mkdir, readFile, readdir, rm, writeFile } from "node:fs/promises";
 import { basename, dirname, extname, join, relative, resolve } from "node:path";
 import { fileURLToPath } from "node:url";
 
@@ -39,7 +39,7 @@ function optionsFor(modules, out) {
         entryNames: "[name]-[hash]",
         format: "esm",
         legalComments: "linked",
-        loader: { ".bin": "file", ".svg": "file", ".wasm": "file" },
+        loader: { ".bin": "file", ".svg": "file", ".txt": "text", ".wasm": "file" },
         metafile: true,
         minify: true,
         outdir: out,
@@ -57,18 +57,19 @@ async function bundle(options, entry, define = {}) {
     return basename(file);
 }
 
-// Addresses of the sources give way to those of the bundles.
-async function writePage(name, bundles, out) {
-    let html = await readFile(join(page, name), "utf8");
-    for (const [source, built] of bundles) {
-        html = html.replaceAll(`"${source}"`, `"./${built}"`);
+// The page names its script and its style sheet by plain names, which the bundles' give way to.
+async function writePage(html, bundles, out) {
+    let whole = await readFile(html, "utf8");
+    for (const [plain, built] of bundles) {
+        whole = whole.replaceAll(`"./${plain}"`, `"./${built}"`);
     }
     const meta = `<meta http-equiv="Content-Security-Policy" content="${policy}">`;
-    const whole = html.replace(/<head>/, `<head>\n    ${meta}`);
-    if (whole === html) {
-        throw new Error(`${name} has no <head> to take the policy`);
+    if (!whole.includes("<head>") || bundles.some(([, built]) => !whole.includes(`"./${built}"`))) {
+        throw new Error(`${html} must have a <head>, and refer to ${bundles.map(([plain]) =>
+            `"./${plain}"`).join(" and ")}`);
     }
-    await writeFile(join(out, basename(name)), whole);
+    await writeFile(join(out, "index.html"),
+        whole.replace("<head>", `<head>\n        ${meta}`));
 }
 
 /** All that a visitor may load, without what only people who look at the source do. */
@@ -99,17 +100,24 @@ async function writeServiceWorker(options, out) {
     });
 }
 
-/** Builds one page, of an HTML file, its script and its style sheet, which may be null. */
-export async function buildPage(modules, out, { html, script, style }) {
+/**
+ * Builds a page of the files' paths below web/page/: an HTML file, its script, a style sheet, and a
+ * folder of files that stay as they are. The last two may be left out.
+ */
+export async function buildPage(modules, out, { html, script, style, files }) {
     await rm(out, { recursive: true, force: true });
     await mkdir(out, { recursive: true });
     const options = optionsFor(resolve(modules), resolve(out));
     const worker = await bundle(options, "src/engine/worker.ts");
-    const bundles = [[script, await bundle(options, script, { WORKER: JSON.stringify(worker) })]];
-    if (style !== null) {
-        bundles.push([style, await bundle(options, style)]);
+    const define = { WORKER: JSON.stringify(worker) };
+    const bundles = [["main.js", await bundle({ ...options, splitting: true }, script, define)]];
+    if (style !== undefined) {
+        bundles.push(["page.css", await bundle(options, style)]);
     }
-    await writePage(html, bundles, out);
+    await writePage(join(page, html), bundles, out);
+    if (files !== undefined) {
+        await cp(join(page, files), out, { recursive: true });
+    }
     await writeServiceWorker(options, out);
 }
 
@@ -120,7 +128,7 @@ if (resolve(process.argv[1]) === fileURLToPath(import.meta.url)) {
         process.exit(2);
     }
     await buildPage(modules, out, {
-        html: "index.html", script: "src/main.ts", style: "styles/main.css",
+        html: "index.html", script: "src/main.ts", style: "styles/page.css", files: "static",
     });
     console.log(`the page stands in ${relative(process.cwd(), resolve(out))}`);
 }

@@ -238,6 +238,8 @@ export interface PreviewJob extends PictureJob {
     readonly looks?: readonly InkLook[];
     /** Names of inks as they are printed; others follow. */
     readonly order?: readonly string[];
+    /** Names of the inks that are printed: all of them when it is left out. */
+    readonly shown?: readonly string[];
     /** Percent that half a tone gains in print, 0 to 50. */
     readonly gain?: number;
     /** At most so many pixels on a side: the light of several is averaged into one. */
@@ -252,25 +254,31 @@ export interface PreviewImage {
     readonly warnings: readonly string[];
 }
 
+/**
+ * The engine does one thing after the other. A request that waits is given up when a newer one of
+ * the same method and the same slot arrives: pages with two panes give each a slot of its own.
+ */
 export interface Engine {
     /** Everything about a text but what takes long to count. */
-    read(text: string): Promise<Reading>;
-    plot(text: string, title?: string): Promise<Plot>;
-    diff(left: string, right: string): Promise<Differences>;
-    fixed(text: string): Promise<FixedText>;
+    read(text: string, slot?: string): Promise<Reading>;
+    plot(text: string, title?: string, slot?: string): Promise<Plot>;
+    diff(left: string, right: string, slot?: string): Promise<Differences>;
+    fixed(text: string, slot?: string): Promise<FixedText>;
     /** The log of "pelkraft pattern lint --sarif" for a file of this name. */
-    sarif(text: string, file?: string): Promise<string>;
-    run(job: PictureJob): Promise<Dots>;
-    preview(job: PreviewJob): Promise<PreviewImage>;
+    sarif(text: string, file?: string, slot?: string): Promise<string>;
+    run(job: PictureJob, slot?: string): Promise<Dots>;
+    preview(job: PreviewJob, slot?: string): Promise<PreviewImage>;
 
     /** The text in a file that the author opens or drops. */
-    openText(bytes: Uint8Array): Promise<string>;
-    /** PNG, JPEG or TIFF. */
-    readPicture(bytes: Uint8Array): Promise<Picture>;
-    /** The built-in picture itself, as run() takes it. */
-    builtIn(text: string, picture: BuiltInPicture, levels?: Levels): Promise<Picture>;
+    openText(bytes: Uint8Array, slot?: string): Promise<string>;
+    /** PNG, JPEG or TIFF. The bytes are handed over and are of no use after that. */
+    readPicture(bytes: Uint8Array, slot?: string): Promise<Picture>;
+    /** The built-in picture itself, as run() takes it for this text. */
+    builtIn(
+        text: string, picture: BuiltInPicture, levels?: Levels, slot?: string,
+    ): Promise<Picture>;
     /** The TIFF file that the command of a job names. */
-    tiff(picture: Picture): Promise<Uint8Array>;
+    tiff(picture: Picture): Uint8Array;
 
     /**
      * Ends all that is under way, at once: what was asked for fails with the code "aborted". The
@@ -306,14 +314,13 @@ export class EngineFailure extends Error {
 
     constructor(code: FailureCode, message: string) {
         super(message);
-        this.name = "EngineFailure";
+        const isQuiet = code === "superseded" || code === "aborted";
+        this.name = isQuiet ? "AbortError" : "EngineFailure";
         this.code = code;
     }
 }
 
-/**
- * The names of files in a command.
- */
+/** The names of files in a command. */
 export interface CommandNames {
     readonly pattern: string;
     readonly picture: string;
