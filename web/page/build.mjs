@@ -9,14 +9,9 @@ import { fileURLToPath } from "node:url";
 
 import { build } from "esbuild";
 
-const page = dirname(fileURLToPath(import.meta.url));
+import { policy } from "./policy.mjs";
 
-// Servers may send the same as a header. The worker has the policy of its own answer.
-export const policy = [
-    "default-src 'none'", "script-src 'self' 'wasm-unsafe-eval'", "worker-src 'self'",
-    "style-src 'self'", "img-src 'self' blob: data:", "connect-src 'self'", "manifest-src 'self'",
-    "base-uri 'none'", "form-action 'none'",
-].join("; ");
+const page = dirname(fileURLToPath(import.meta.url));
 
 // import address from "module:pelkraft_page.wasm" gives the file's address.
 function modulesFrom(folder) {
