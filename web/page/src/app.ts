@@ -39,10 +39,6 @@ export class App {
     show(root: HTMLElement): void {
         document.title = en.title;
         root.append(
-            h("a", { class: "skip", href: "#", click: (event: Event) => {
-                event.preventDefault();
-                this.#editor.focus();
-            } }, en.skip),
             this.#header(), this.#notice, this.#trouble(),
             h("main", {}, h("div", { class: "writing" }, h("div", { class: "text" }, this.#editor),
                 this.#placeLine(), findingsList(this.#workbench, this.#editor), keyList()),
@@ -139,30 +135,13 @@ export class App {
     }
 
     #header(): HTMLElement {
-        const menu = h("details", { class: "menu" }, h("summary", {}, en.menu.examples),
-            h("ul", {}, ...Object.entries(examples).map(([name, text]) => h("li", {},
-                h("a", { href: `#${encodeLink(text)}` },
-                    en.examples[name as keyof typeof examples])))));
-        const close = () => menu.removeAttribute("open");
-        menu.addEventListener("click", (event) => {
-            if (event.target instanceof HTMLAnchorElement) {
-                close();
-            }
-        });
-        menu.addEventListener("keydown", (event) => {
-            if (event.key === "Escape") {
-                close();
-                menu.querySelector("summary")!.focus();
-            }
-        });
-        menu.addEventListener("focusout", (event) => {
-            if (event.relatedTarget instanceof Node && !menu.contains(event.relatedTarget)) {
-                close();
-            }
-        });
-        return h("header", {}, h("div", { class: "brand" }, registerMark(),
+        const skip = h("a", { class: "skip", href: "#", click: (event: Event) => {
+            event.preventDefault();
+            this.#editor.focus();
+        } }, en.skip);
+        return h("header", {}, skip, h("div", { class: "brand" }, registerMark(),
             h("h1", {}, en.brand, h("span", {}, en.subtitle))),
-        h("nav", { "aria-label": en.menu.label }, menu,
+        h("nav", { "aria-label": en.menu.label }, exampleMenu(),
             fileButton(en.menu.file, ".txt,text/plain", (file) => void this.#openFile(file)),
             h("button", { click: () => this.#replace(en.newPattern) }, en.menu.fresh)));
     }
@@ -227,4 +206,30 @@ function keyList(): HTMLElement {
     return h("details", { class: "keys" }, h("summary", {}, en.editor.keys), h("dl", {},
         ...en.editor.keyList.flatMap(([key, does]) =>
             [h("dt", {}, h("kbd", {}, key)), h("dd", {}, does)])));
+}
+
+/** The examples as links, in a menu that Escape and leaving it close. */
+function exampleMenu(): HTMLElement {
+    const menu = h("details", { class: "menu" }, h("summary", {}, en.menu.examples),
+        h("ul", {}, ...Object.entries(examples).map(([name, text]) => h("li", {},
+            h("a", { href: `#${encodeLink(text)}` },
+                en.examples[name as keyof typeof examples])))));
+    const close = () => menu.removeAttribute("open");
+    menu.addEventListener("click", (event) => {
+        if (event.target instanceof HTMLAnchorElement) {
+            close();
+        }
+    });
+    menu.addEventListener("keydown", (event) => {
+        if (event.key === "Escape") {
+            close();
+            menu.querySelector("summary")!.focus();
+        }
+    });
+    menu.addEventListener("focusout", (event) => {
+        if (event.relatedTarget instanceof Node && !menu.contains(event.relatedTarget)) {
+            close();
+        }
+    });
+    return menu;
 }

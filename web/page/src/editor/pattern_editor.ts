@@ -82,8 +82,8 @@ export class PatternEditor extends HTMLElement {
             autocompletion({ override: [completePattern], icons: false }),
             EditorState.phrases.of(en.editor.phrases),
             EditorView.contentAttributes.of({
-                "aria-label": label, "aria-multiline": "true", spellcheck: "false",
-                autocapitalize: "off", autocorrect: "off",
+                "aria-label": label, "aria-multiline": "true", "tabindex": "0",
+                "spellcheck": "false", "autocapitalize": "off", "autocorrect": "off",
             }),
             EditorView.updateListener.of((update) => this.#tell(update)),
             keymap.of([
@@ -105,6 +105,11 @@ export class PatternEditor extends HTMLElement {
 
     get text(): string {
         return this.#view.state.doc.toString();
+    }
+
+    get selectedText(): string {
+        const { from, to } = this.#view.state.selection.main;
+        return this.#view.state.sliceDoc(from, to);
     }
 
     /** The number of the line that holds a place of the text, from 1. */

@@ -14,7 +14,7 @@ export class DotsView {
     readonly #workbench: Workbench;
     readonly #pane: DotsPane;
     readonly #controls: DotsControls;
-    readonly #warnings = h("ul", { class: "warnings", role: "status" });
+    readonly #warnings = h("div", { class: "warnings", role: "status" });
     readonly #numbers = h("div", {});
     readonly #details = h("details", { class: "as-table" },
         h("summary", {}, words.numbers), this.#numbers);
@@ -80,7 +80,7 @@ export class DotsView {
         const said = warnings.join("\n");
         if (said !== this.#drawn) {
             this.#drawn = said;
-            refill(this.#warnings, ...warnings.map((warning) => h("li", {}, warning)));
+            refill(this.#warnings, ...warnings.map((warning) => h("p", {}, warning)));
         }
     }
 }
