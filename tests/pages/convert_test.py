@@ -3,6 +3,7 @@
 step gives."""
 
 import subprocess
+from dataclasses import replace
 
 import numpy
 import pytest
@@ -11,10 +12,11 @@ from conftest import write_cmyk
 from pictures import levels_of, random_picture, read, write
 
 import pelkraft
-from pelkraft.pages import Conversion, PageJob, Simulation, run_pages
+from pelkraft.pages import Conversion, PageJob, Simulation, Tags, run_pages
 from pelkraft.pages.digest import main as print_digests
 from pelkraft.pages.digest import pixel_digest
 
+CMYK = ("Cyan", "Magenta", "Yellow", "Black")
 FORMS = [(bits, planar) for bits in (1, 2, 8, 16) for planar in (False, True)]
 CONVERSIONS = [
     ([], {}),
@@ -58,13 +60,26 @@ def test_a_conversion_gives_the_pixels_of_the_program(tmp_path, tool, bits, plan
         sorted(line for line in described[1] if line.strip().startswith(kept))
 
 
+@pytest.mark.parametrize("photometric", [0, 1, 2, 5])
+@pytest.mark.parametrize("bits", [1, 2, 8, 16])
+def test_an_empty_channel_is_that_of_the_program(tmp_path, tool, photometric, bits):
+    picture = random_picture(5, 8, False, 9, 5, channels=4)
+    write(tmp_path / "in.tif", replace(picture, tags=Tags(photometric)))
+    options = ["--channels", "0,-,1,-", "--bits", str(bits)]
+    subprocess.run([tool, "convert", tmp_path / "in.tif", tmp_path / "tool.tif", *options],
+                   capture_output=True, check=True)
+    make(PageJob(str(tmp_path / "in.tif"), str(tmp_path / "page.tif"),
+                 (Conversion(channels=(0, "-", 1, "-"), bits=bits),)))
+    assert pixel_digest(read(tmp_path / "page.tif")) == pixel_digest(read(tmp_path / "tool.tif"))
+
+
 # Neither side takes samples of 16 bits for steps.
 @pytest.mark.parametrize("bits, planar, levels", [
     (*form, levels) for form in FORMS for levels in ("quantize", "raw")
     if (form[0], levels) != (16, "raw")])
 def test_a_simulation_gives_the_pixels_of_the_program(tmp_path, tool, pattern_path, bits, planar,
                                                       levels):
-    write(tmp_path / "in.tif", random_picture(4, bits, planar, 203, 301, channels=4))
+    write(tmp_path / "in.tif", random_picture(4, bits, planar, 203, 301, channels=4, inks=CMYK))
     ended = subprocess.run([tool, "simulate", pattern_path, tmp_path / "in.tif",
                             tmp_path / "tool.tif", "--levels", levels],
                            capture_output=True, text=True)

@@ -32,9 +32,10 @@ def write(path, picture):
     path.write_bytes(b"".join(map(bytes, tiff_pieces(picture))))
 
 
-def random_picture(seed, bits, planar, width=13, height=5, channels=3, compressed=False):
+def random_picture(seed, bits, planar, width=13, height=5, channels=3, compressed=False,
+                   inks=None):
     rng = numpy.random.default_rng(seed)
-    names = tuple(Channel(f"Ink{i}") for i in range(channels))
+    names = tuple(map(Channel, inks or (f"Ink{i}" for i in range(channels))))
     tags = Tags(5, 2, tuple(channel.name for channel in names), ((300, 1), (600, 7)), 2, 1)
     if bits < 8:
         levels = rng.integers(0, 1 << bits, (height, channels, width), numpy.uint8)

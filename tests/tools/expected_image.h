@@ -15,6 +15,8 @@ struct Wish
     int repeat = 1;
     bool mirror = false;
     bool scaleTones = true;
+    // The new sample of empty channels.
+    int empty = 0;
 };
 
 // The picture that must come out, worked out sample by sample.

@@ -182,6 +182,8 @@ private:
     // The tag means nothing on other pages, so that it stays where all samples stay.
     void PlanOtherTag()
     {
+        if (HasAmounts(picture.photometric))
+            range.empty = range.fresh.none;
         const bool asked = range.old != InkCodes{0, highest} && range.old != InkCodes{highest, 0};
         if (asked && input.rangeWork != RangeWork::Full)
             range.losses.push_back("--dot-range is not kept: only pages of separated inks have the "

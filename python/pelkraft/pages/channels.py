@@ -4,13 +4,13 @@
 from __future__ import annotations
 
 import string
-from dataclasses import replace
+from dataclasses import dataclass, replace
 from typing import Optional, Sequence, Union
 
 from .. import Constant
 from .errors import INPUT, PageError
 from .jobs import ChannelEntry
-from .picture import (INK_SET_OTHER, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, SEPARATED,
+from .picture import (INK_SET_OTHER, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, RGB, SEPARATED,
                       UNSPECIFIED_EXTRA, Channel, Picture, Tags)
 
 # An entry of a plan's map; None is an empty channel.
@@ -25,26 +25,58 @@ def find_channels(entries: Sequence[ChannelEntry], channels: Sequence[Channel],
     return [_find(entry, channels, path) for entry in entries]
 
 
-def choose_channels(in_colours: Sequence[str], channels: Sequence[Channel],
-                    path: str) -> tuple[list[int], list[int]]:
-    """The channel of each in-colour: that of its name in any case of letters, else the next that
-    no name claimed, inks and colours before extra samples. Also the inks and colours that none
-    takes."""
-    if len(channels) < len(in_colours):
-        raise PageError(INPUT, f"{path}: has {len(channels)} channels; supported are pictures "
-                               f"with a channel for each of the pattern's {len(in_colours)} "
+@dataclass(frozen=True)
+class Choice:
+    """The channel of each in-colour, what else there is, and what is to be said of it."""
+
+    entries: list[int]
+    # Inks that no in-colour takes.
+    unused: list[int]
+    # About in-colours that took a channel by its order, and about alpha.
+    notes: list[str]
+
+
+def choose_channels(in_colours: Sequence[str], picture: Picture, path: str) -> Choice:
+    """Each in-colour takes the ink of its name in any case of letters, else the next one that has
+    no name. Alpha is no ink, and a page whose names leave nothing for an in-colour is refused."""
+    channels = picture.channels
+    alphas = [i for i, channel in enumerate(channels) if channel.extra]
+    free = [i for i in range(len(channels)) if i not in alphas]
+    if len(free) < len(in_colours):
+        alpha = f", {len(alphas)} of them alpha" if alphas else ""
+        raise PageError(INPUT, f"{path}: has {len(channels)} channels{alpha}; supported are "
+                               f"pictures with a channel for each of the pattern's {len(in_colours)} "
                                "in-colours")
-    free = list(range(len(channels)))
-    chosen: list[Optional[int]] = []
-    for name in in_colours:
+    entries: dict[int, int] = {}
+    for place, name in enumerate(in_colours):
         found = next((i for i in free if channels[i].name and
                       _upper(channels[i].name) == _upper(name)), None)
-        chosen.append(found)
         if found is not None:
+            entries[place] = found
             free.remove(found)
-    free.sort(key=lambda i: channels[i].extra is not None)
-    entries = [free.pop(0) if channel is None else channel for channel in chosen]
-    return entries, sorted(i for i in free if channels[i].extra is None)
+    pairs = []
+    for place, name in enumerate(in_colours):
+        if place in entries:
+            continue
+        found = next((i for i in free if not _is_named(picture, i)), None)
+        if found is None:
+            raise PageError(INPUT, f"{path}: has no channel for in-colour {name}: the names of "
+                                   "those that are left say other inks, " +
+                                   ", ".join(shown(channels, i) for i in free))
+        entries[place] = found
+        free.remove(found)
+        pairs.append(f"{name} from channel {shown(channels, found)}")
+    notes = [f"channel {shown(channels, i)} is alpha, which is no ink, and is left out"
+             for i in alphas]
+    if pairs:
+        notes.insert(0, "no channel bears the names of these in-colours, which take channels in "
+                        "their order: " + ", ".join(pairs))
+    return Choice([entries[place] for place in range(len(in_colours))], free, notes)
+
+
+def empty_sample(photometric: int, bits: int) -> int:
+    """The sample of no ink."""
+    return (1 << bits) - 1 if photometric in (MIN_IS_BLACK, RGB) else 0
 
 
 def plan_tags(picture: Picture, entries: Optional[Sequence[Entry]], bits: int,
@@ -93,6 +125,16 @@ def _find(entry: ChannelEntry, channels: Sequence[Channel], path: str) -> Entry:
         raise PageError(INPUT, f"{path}: has no channel {entry!r}; supported are 0 to "
                                f"{len(channels) - 1}{names} and - for an empty channel")
     return found[0]
+
+
+def _is_named(picture: Picture, index: int) -> bool:
+    """True if the name says which ink it is: one of the page's tag that is no mere number, or that
+    of a process ink on a page that has all four."""
+    name = picture.channels[index].name
+    if picture.tags.ink_names:
+        numbers = {f"Channel {i}" for i in range(len(picture.channels))}
+        return bool(name) and name not in numbers
+    return bool(name) and picture.tags.photometric == SEPARATED and len(picture.channels) >= 4
 
 
 def _upper(name: str) -> str:

@@ -8,8 +8,9 @@ from typing import Optional, Sequence
 
 import numpy
 
-from .. import Format, Pattern, PelkraftError, Plan
-from .channels import Entry, choose_channels, find_channels, plan_tags, shown
+from .. import Constant, Format, Pattern, PelkraftError, Plan
+from .channels import (Entry, choose_channels, empty_sample, find_channels, plan_tags,
+                       shown)
 from .errors import PATTERN, UNSUPPORTED, PageError
 from .jobs import Conversion, PageJob, Simulation
 from .picture import INK_SET_OTHER, SEPARATED, Channel, Picture, Tags, row_bytes, unpack_samples
@@ -39,6 +40,8 @@ def _convert(step: Conversion, picture: Picture, path: str, warnings: list[str])
     entries = None if step.channels is None else \
         find_channels(step.channels, picture.channels, path)
     channels, tags = plan_tags(picture, entries, bits, step.repeat)
+    empty = Constant(empty_sample(picture.tags.photometric, bits))
+    filled = None if entries is None else [empty if entry is None else entry for entry in entries]
     width = picture.width * step.repeat
     levels_meet_tones = (picture.bits < 8) != (bits < 8)
     samples = step.samples or ("tones" if levels_meet_tones else "fill")
@@ -48,7 +51,7 @@ def _convert(step: Conversion, picture: Picture, path: str, warnings: list[str])
         warnings.append(f"samples exceed the levels of {depth}, and only their lowest bits were "
                         "kept; tones would be rounded to levels")
     plan = Plan(_format_of(picture), Format(width, len(channels), bits, bits < 8 or planar),
-                map=entries, repeat=step.repeat, mirror=step.mirror, samples=samples,
+                map=filled, repeat=step.repeat, mirror=step.mirror, samples=samples,
                 invert=step.invert)
     pixels = _empty_rows(picture.height, width, len(channels), bits, planar)
     plan(picture.pixels, out=pixels)
@@ -97,9 +100,11 @@ def _simulate(step: Simulation, picture: Picture, path: str, warnings: list[str]
     if step.levels == "raw" and picture.bits == 16:
         raise PageError(UNSUPPORTED, f"{path}: has samples of 16 bits; raw levels support 1, 2 "
                                      "and 8")
-    entries, unused = choose_channels(pattern.in_colours, picture.channels, path)
+    choice = choose_channels(pattern.in_colours, picture, path)
+    entries = choice.entries
+    warnings += choice.notes
     warnings += [f"channel {shown(picture.channels, channel)} is not used: no in-colour of the "
-                 "pattern takes it" for channel in unused]
+                 "pattern takes it" for channel in choice.unused]
     tops = [0 if top == NO_STEPS else top for top in pattern.top_steps]
     inks = tuple(pattern.out_inks)
     pixels = numpy.empty((picture.height, picture.width, len(inks)), numpy.uint8)

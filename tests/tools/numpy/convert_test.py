@@ -177,6 +177,34 @@ def test_extra_samples_of_no_told_kind_are_inks(tmp_path, run, photometric, layo
     assert (Page(tmp_path / "out.tif").samples == turned).all()
 
 
+@pytest.mark.parametrize("layout", ["interleaved", "planar"])
+@pytest.mark.parametrize("bits", [1, 2, 8, 16])
+def test_an_empty_channel_has_no_ink(tmp_path, run, bits, layout):
+    highest = 2**bits - 1
+    for photometric, channels, none in [(LIGHT, 1, highest), (RGB, 3, highest), (GRAY_INK, 1, 0),
+                                        (INKS, 4, 0)]:
+        image = samples_of(8, (9, 13, channels)[:2 if channels == 1 else 3])
+        write(tmp_path / "in.tif", image, photometric)
+        chosen = ",".join(["-"] * channels + ["0"])
+        for turn in ([], ["--invert"]):
+            outcome = run("convert", "in.tif", "out.tif", "--bits", bits, "--layout", layout,
+                          "--channels", chosen, *turn)
+            assert outcome.code == 0
+            empty = highest - none if turn else none
+            assert run("convert", "out.tif", "wide.tif", "--bits", 16 if bits == 16 else 8,
+                       "--tones", "raw").code == 0
+            assert (Page(tmp_path / "wide.tif").samples[..., :channels] == empty).all()
+
+
+def test_an_empty_channel_is_at_the_end_of_its_range(tmp_path, run):
+    image = samples_of(8, (9, 13))
+    write(tmp_path / "in.tif", image, LIGHT)
+    for words, none in [(("5,250",), 250), (("9,0",), 246), (("5,250", "full"), 255)]:
+        options = [word for part in words for word in ("--dot-range", part)]
+        assert run("convert", "in.tif", "out.tif", "--channels", "0,-", *options).code == 0
+        assert (Page(tmp_path / "out.tif").samples[..., 1] == none).all()
+
+
 def test_what_a_page_cannot_say(tmp_path, run):
     image = samples_of(8, (19, 23))
 
