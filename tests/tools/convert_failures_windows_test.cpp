@@ -49,7 +49,7 @@ TEST_F(ConvertFailures, LeaveAFileThatAnotherProgramHolds)
 TEST_F(ConvertFailures, ReadZerosWhereTheDiskFails)
 {
     WriteBytes(Path("in.tif"), std::string(100000, 'x'));
-    const Client::InputFile file(Path("in.tif"));
+    const Client::InputFile file(Path("in.tif"), Client::FileKind::Tiff);
     const Client::MappedFile mapped(file.Descriptor(), file.Size());
     const auto* const bytes = static_cast<const volatile char*>(mapped.Data());
     ASSERT_NE(nullptr, bytes);

@@ -119,6 +119,54 @@ TEST_F(Outputs, AreKeptByNoClobber)
     }
 }
 
+// A file without an ending may be of any kind, and a hard link is another name of the same file.
+TEST_F(Outputs, AreRefusedInPlaceOfAnInputOfAnotherKind)
+{
+    std::filesystem::copy_file(Path("in.tif"), Path("page"));
+    std::filesystem::copy_file(Path("pattern.txt"), Path("text"));
+    WriteBytes(Path("tones"), "Cyan,0,0\nCyan,1,1\nCyan,2,2\nCyan,3,3\nBlack,0,0\nBlack,1,1\n");
+    std::filesystem::create_hard_link(Path("page"), Path("again"));
+    const std::vector<std::string> before = {Bytes(Path("page")), Bytes(Path("text")),
+                                             Bytes(Path("tones"))};
+    const auto simulate = [&](const std::string& out, const std::string& seen) {
+        return std::vector<std::string>{"simulate", Path("text"), Path("page"),
+                                        Path(out),  "--preview",  Path(seen),
+                                        "-q",       "--tone",     Path("tones")};
+    };
+    for (const auto& [arguments, refused, kinds] :
+         {std::tuple<std::vector<std::string>, std::string, std::string>{
+              {"preview", Path("page"), Path("page")},
+              "page",
+              "as TIFF and can't be written as PNG too; name another file"},
+          {{"preview", Path("page"), Path("again")}, "again", "as PNG"},
+          {{"coverage", Path("page"), "--map", Path("page")}, "page", "as PNG"},
+          {{"coverage", Path("again"), "--map", Path("page")},
+           "page",
+           "as TIFF and can't be written as PNG too; name another file"},
+          {simulate("text", "seen"), "text", "as text and can't be written as TIFF"},
+          {simulate("tones", "seen"), "tones", "as text"},
+          {simulate("out", "page"), "page", "as TIFF and can't be written as PNG"},
+          {simulate("out", "text"), "text", "as PNG"},
+          {{"pattern", Path("text"), "--plot", Path("text")}, "text", "as SVG"}}) {
+        for (const bool dry : {false, true}) {
+            std::vector<std::string> call = arguments;
+            if (dry)
+                call.emplace_back("--dry-run");
+            const Outcome outcome = Run(call);
+            EXPECT_EQ(2, outcome.exitCode) << outcome.errors;
+            EXPECT_NE(std::string::npos, outcome.errors.find(Path(refused) + ": is read as "))
+                << outcome.errors;
+            EXPECT_NE(std::string::npos, outcome.errors.find(kinds)) << outcome.errors;
+        }
+    }
+    EXPECT_EQ(before, (std::vector<std::string>{Bytes(Path("page")), Bytes(Path("text")),
+                                                Bytes(Path("tones"))}));
+    EXPECT_EQ((std::vector<std::string>{"again", "in.tif", "page", "pattern.txt", "text", "tones"}),
+              Files());
+    // A new version of a file is no other kind.
+    EXPECT_TRUE(EndedSilently(Run({"convert", Path("page"), Path("page"), "--bits", "16"})));
+}
+
 // Between the check and the end of the work somebody else may have written the file.
 TEST_F(Outputs, ThatCameToBeMeanwhileAreKeptToo)
 {

@@ -43,6 +43,8 @@ AtomicOutput::Target AtomicOutput::Find(const std::string& path, const OutputRul
         ThrowWriteFailure(path, ErrorText(error));
     if (target.present.exists && !target.present.regular)
         ThrowWriteFailure(path, "it exists and is not a regular file");
+    if (target.present.exists && rules.kind != FileKind::Any)
+        RefuseInput(path, target.present.identity, rules.kind);
     if (!PathOf(target.path).has_filename())
         ThrowWriteFailure(path, "it names a folder");
     if (target.present.exists && rules.noClobber)

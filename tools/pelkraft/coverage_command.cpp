@@ -63,11 +63,10 @@ public:
         const auto start = std::chrono::steady_clock::now();
         TiffFile file = OpenInput(input, map);
         const Total total = PlanAll(file);
-        if (common.dryRun) {
-            if (!map.empty())
-                AtomicOutput::Check(map, rules);
+        if (!map.empty())
+            AtomicOutput::Check(map, rules);
+        if (common.dryRun)
             return ExitCode::Done;
-        }
         const bool above = CountAll(file, total);
         if (common.explain && !common.json)
             PrintSpeed({}, total.rows, std::chrono::steady_clock::now() - start);

@@ -62,7 +62,7 @@ std::uint64_t CopyPipe(int pipe, int file, const std::string& path, std::uint64_
 
 } // namespace
 
-InputFile::InputFile(const std::string& path, const Spool& spool)
+InputFile::InputFile(const std::string& path, FileKind kind, const Spool& spool)
 {
     OpenedFile file;
     const int error = path == standardStream ? OpenStandardInput(file) : OpenToRead(path, file);
@@ -71,6 +71,8 @@ InputFile::InputFile(const std::string& path, const Spool& spool)
         ThrowReadFailure(path, ErrorText(error));
     if (!file.regular && !file.pipe)
         ThrowReadFailure(path, "it is not a regular file or a pipe");
+    if (file.regular)
+        NoteInput(file.identity, kind);
     size = file.size;
     if (file.pipe) {
         OpenDescriptor kept(OpenSpool(path, spool));

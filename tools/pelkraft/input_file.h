@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/pelkraft/output_rules.h"
+
 #include <cstdint>
 #include <string>
 
@@ -23,7 +25,7 @@ class InputFile
 {
 public:
     // Throws the reason if it can't be read.
-    explicit InputFile(const std::string& path, const Spool& spool = {});
+    InputFile(const std::string& path, FileKind kind, const Spool& spool = {});
     ~InputFile();
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <iterator>
+#include <vector>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -60,6 +61,20 @@ std::string EndingOf(const std::string& path)
     return ending;
 }
 
+struct NotedInput
+{
+    FileIdentity identity;
+    FileKind kind;
+
+    bool operator==(const NotedInput&) const = default;
+};
+
+std::vector<NotedInput>& Inputs()
+{
+    static std::vector<NotedInput> inputs;
+    return inputs;
+}
+
 } // namespace
 
 void RefuseOtherEnding(const std::string& path, FileKind kind)
@@ -76,6 +91,31 @@ void RefuseOtherEnding(const std::string& path, FileKind kind)
     throw Failure(ExitCode::Usage, path,
                   "would be a " + name + " file under an ending that says " + found->name +
                       "; give it the ending " + written[static_cast<std::size_t>(kind)].ending);
+}
+
+void NoteInput(const FileIdentity& identity, FileKind kind)
+{
+    const NotedInput input = {identity, kind};
+    if (std::find(Inputs().begin(), Inputs().end(), input) == Inputs().end())
+        Inputs().push_back(input);
+}
+
+void RefuseInput(const std::string& path, const FileIdentity& identity, FileKind kind)
+{
+    const auto found = std::find_if(Inputs().begin(), Inputs().end(), [&](const NotedInput& input) {
+        return input.identity == identity && input.kind != kind;
+    });
+    if (found != Inputs().end())
+        throw Failure(
+            ExitCode::Usage, path,
+            std::string("is read as ") + written[static_cast<std::size_t>(found->kind)].name +
+                " and can't be written as " + written[static_cast<std::size_t>(kind)].name +
+                " too; name another file for the output");
+}
+
+void ForgetInputs()
+{
+    Inputs().clear();
 }
 
 } // namespace zvk::Pelkraft::Client

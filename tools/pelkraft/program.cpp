@@ -10,6 +10,7 @@
 #include "tools/pelkraft/join_command.h"
 #include "tools/pelkraft/mask_command.h"
 #include "tools/pelkraft/message_style.h"
+#include "tools/pelkraft/output_rules.h"
 #include "tools/pelkraft/pattern_command.h"
 #include "tools/pelkraft/preview_command.h"
 #include "tools/pelkraft/simulate_command.h"
@@ -115,6 +116,7 @@ int RunProgram(int argc, const char* const* argv)
     SilentLog silentLog;
     Diagnostics::Seh::SetDefaultLog(&silentLog);
     SetMessageStyle({});
+    ForgetInputs();
     try {
         return RunVerb(argc, argv);
     } catch (...) {

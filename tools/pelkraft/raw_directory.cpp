@@ -32,7 +32,7 @@ std::uint64_t RawTag::ValueBytes() const
 }
 
 RawTiff::RawTiff(const std::string& newPath, const Spool& spool)
-    : path(newPath), input(newPath, spool)
+    : path(newPath), input(newPath, FileKind::Tiff, spool)
 {
     const std::string head = Read(0, 16);
     bigEndian = head.starts_with("MM");

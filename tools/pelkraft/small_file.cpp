@@ -37,7 +37,7 @@ void RefusePicture(const InputFile& file, const std::string& path, const SmallFi
 
 std::string ReadSmallFile(const std::string& path, const SmallFile& wanted)
 {
-    const InputFile file(path, {{}, largestFile});
+    const InputFile file(path, FileKind::Text, {{}, largestFile});
     RefusePicture(file, path, wanted);
     if (file.Size() > largestFile)
         throw Failure(ExitCode::BadInput, path,

@@ -27,12 +27,22 @@ void StartStoring(int descriptor, std::uint64_t offset, std::uint64_t count);
 int Store(int descriptor);
 int Close(int descriptor);
 
+// The same for all names of a file, and for no other file.
+struct FileIdentity
+{
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+
+    bool operator==(const FileIdentity&) const = default;
+};
+
 struct OpenedFile
 {
     int descriptor = -1;
     bool regular = false;
     bool pipe = false;
     std::uint64_t size = 0;
+    FileIdentity identity;
 };
 // Opens a file to be read, without waiting for whoever writes to a pipe. The descriptor is there
 // even after an error that came later.
@@ -56,6 +66,7 @@ struct PresentFile
     bool regular = false;
     // In the system's own terms.
     unsigned mode = 0;
+    FileIdentity identity;
 };
 // Replaces a path that ends in symbolic links by what the last of them names.
 int FollowLinks(std::string& path);

@@ -19,6 +19,11 @@ std::int64_t Moved(ssize_t count)
     return count < 0 ? -errno : count;
 }
 
+FileIdentity IdentityOf(const struct stat& status)
+{
+    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
+}
+
 int Describe(OpenedFile& file)
 {
     struct stat status = {};
@@ -27,6 +32,7 @@ int Describe(OpenedFile& file)
     file.regular = S_ISREG(status.st_mode);
     file.pipe = S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode);
     file.size = static_cast<std::uint64_t>(status.st_size);
+    file.identity = IdentityOf(status);
     return 0;
 }
 
@@ -166,6 +172,7 @@ int LookAt(const std::string& path, PresentFile& present)
     present.exists = true;
     present.regular = S_ISREG(status.st_mode);
     present.mode = status.st_mode & 0777;
+    present.identity = IdentityOf(status);
     return 0;
 }
 

@@ -94,17 +94,21 @@ HANDLE Open(const std::string& path, DWORD access)
                        FILE_FLAG_BACKUP_SEMANTICS, nullptr);
 }
 
-bool IsRegular(HANDLE file)
+bool IsRegular(HANDLE file, FileIdentity& identity)
 {
     BY_HANDLE_FILE_INFORMATION information = {};
-    return GetFileType(file) == FILE_TYPE_DISK &&
-           GetFileInformationByHandle(file, &information) != 0 &&
-           (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    if (GetFileType(file) != FILE_TYPE_DISK ||
+        GetFileInformationByHandle(file, &information) == 0 ||
+        (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+        return false;
+    identity = {information.dwVolumeSerialNumber,
+                std::uint64_t{information.nFileIndexHigh} << 32 | information.nFileIndexLow};
+    return true;
 }
 
 int Describe(HANDLE handle, OpenedFile& file)
 {
-    file.regular = IsRegular(handle);
+    file.regular = IsRegular(handle, file.identity);
     file.pipe = GetFileType(handle) == FILE_TYPE_PIPE;
     LARGE_INTEGER size = {};
     if (file.regular && GetFileSizeEx(handle, &size) == 0)
@@ -264,7 +268,7 @@ int LookAt(const std::string& path, PresentFile& present)
         return error == ENOENT ? 0 : error;
     }
     present.exists = true;
-    present.regular = IsRegular(file);
+    present.regular = IsRegular(file, present.identity);
     CloseHandle(file);
     present.mode = GetFileAttributesW(Wide(path).c_str());
     return 0;

@@ -69,7 +69,7 @@ TiffFile::TiffFile(std::unique_ptr<TiffStream> newStream, const std::string& new
 
 TiffFile TiffFile::OpenForReading(const std::string& path, const Spool& spool)
 {
-    InputFile input(path, spool);
+    InputFile input(path, FileKind::Tiff, spool);
     TiffFile file(std::make_unique<TiffStream>(input.TakeDescriptor(), input.Size()), path, "r");
     if (!file.handle)
         file.ThrowDamage(DamageWords({file.Descriptor(), file.Size()}),
