@@ -14,13 +14,15 @@ constexpr long sampledFactor = 8;
 constexpr long sampledFactor = 2;
 #endif
 
-FileForm Inks(int channels)
+// Cyan and black.
+FileForm TwoInks()
 {
     FileForm form;
     form.photometric = PHOTOMETRIC_SEPARATED;
-    form.setTags = [channels](TIFF* tiff) {
+    form.setTags = [](TIFF* tiff) {
+        constexpr char names[] = "Cyan\0Black";
         TIFFSetField(tiff, TIFFTAG_INKSET, INKSET_MULTIINK);
-        TIFFSetField(tiff, TIFFTAG_NUMBEROFINKS, channels);
+        TIFFSetField(tiff, TIFFTAG_INKNAMES, static_cast<int>(sizeof names), names);
     };
     return form;
 }
@@ -85,7 +87,7 @@ void IoFixture::MakeInputs() const
     form.tile = 16;
     form.compression = COMPRESSION_ADOBE_DEFLATE;
     WriteTiff(Path("tiles.tif"), RandomImage(40, 40, 2, 8, 4), form);
-    WriteTiff(Path("inks.tif"), RandomImage(60, 40, 2, 8, 5), Inks(2));
+    WriteTiff(Path("inks.tif"), RandomImage(60, 40, 2, 8, 5), TwoInks());
     // Strips that are too long to be held whole.
     form = {};
     form.rowsPerStrip = 2300;

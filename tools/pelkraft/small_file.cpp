@@ -20,12 +20,13 @@ constexpr std::uint64_t largestFile = std::uint64_t{1} << 20;
 // Of both byte orders, in the plain format and in that of large files.
 constexpr std::string_view pictureStarts[] = {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv};
 
-// A picture is known before its size is complained of; whatever else is wrong, the reader will say.
+// A picture is known before its size is complained of.
 void RefusePicture(const InputFile& file, const std::string& path, const SmallFile& wanted)
 {
     char start[4] = {};
     std::size_t got = 0;
-    ReadUpTo(file.Descriptor(), start, sizeof start, 0, got);
+    if (const int error = ReadUpTo(file.Descriptor(), start, sizeof start, 0, got); error != 0)
+        ThrowReadFailure(path, ErrorText(error));
     if (std::find(std::begin(pictureStarts), std::end(pictureStarts),
                   std::string_view(start, got)) != std::end(pictureStarts))
         throw Failure(wanted.refusal, path,
