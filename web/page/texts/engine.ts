@@ -24,16 +24,17 @@ export const engineTexts = {
         `The file has ${grouped(bytes)} bytes; this page opens pictures of up to ` +
         `${grouped(most)}. Cut it, or run the command on the whole.`,
     tooManyDots: (width: number, height: number, inks: number, most: number) =>
-        `${grouped(width)} × ${grouped(height)} pixels of ${inks} inks are ` +
+        `The part has ${grouped(width)} × ${grouped(height)} pixels of ${inks} inks, which are ` +
         `${grouped(width * height * inks)} dots; this page shows up to ${grouped(most)} at once. ` +
-        "Choose a smaller part.",
+        "Choose a smaller one.",
     badSize: (width: number, height: number) =>
         `A picture can't have ${width} × ${height} pixels; at least one each way is needed.`,
     badWindow: "The part lies outside the picture.",
     badNumber: (name: string, value: number) =>
-        `${name} can't be ${value}; it must be a whole number that 32 bits hold.`,
+        `The origin's ${name} can't be ${value}; it must be a whole number that 32 bits hold.`,
     badGain: (gain: number) => `The gain can't be ${gain} %; it must be from 0 to 50 %.`,
-    badColour: (colour: string) => `"${colour}" is no colour; colours look like #009ee0.`,
+    badColour: (colour: string) =>
+        `The word "${colour}" is no colour; colours look like #009ee0.`,
     unknownInk: (name: string) => `The pattern has no out-ink "${name}", or it is named twice.`,
     tiffUnsupported: (what: string) =>
         `This TIFF file has ${what}, which the page doesn't read. It reads files of 8 and 16 bits ` +

@@ -14,14 +14,10 @@ function lineOf(bytes: Uint8Array, place: number): number {
 
 /** The line of the first bytes that are no text, or 0. */
 function binaryLine(bytes: Uint8Array): number {
-    const zero = bytes.indexOf(0);
-    if (zero >= 0) {
-        return lineOf(bytes, zero);
-    }
     // What becomes a mark of replacement without being one is damaged.
     const decoded = new TextDecoder("utf-8", { ignoreBOM: true }).decode(bytes);
     const again = new TextEncoder().encode(decoded);
-    const wrong = again.findIndex((byte, place) => byte !== bytes[place]);
+    const wrong = again.findIndex((byte, place) => byte === 0 || byte !== bytes[place]);
     return wrong < 0 ? 0 : lineOf(bytes, wrong);
 }
 
