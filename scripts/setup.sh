@@ -14,6 +14,8 @@
 #   setup.sh msvc     to build for Windows in Microsoft's binary interface, and to run it
 #   setup.sh arm      to build for Arm and RISC-V and to run the tests under qemu
 #   setup.sh wasm     to build for WebAssembly and to run the tests in Node.js and Chromium
+#   setup.sh web      to build the page for authors of patterns
+#   setup.sh web_test to run its tests in Chromium, beside the program
 # Without a name it takes what the tests need, which is the most.
 set -euo pipefail
 
@@ -74,6 +76,11 @@ arm) wanted=("${cross_packages[@]}" g++-aarch64-linux-gnu g++-riscv64-linux-gnu 
 wasm)
     wanted=("${cross_packages[@]}" nlohmann-json3-dev emscripten chromium)
     # Node.js from elsewhere brings an npm of its own, which Debian's would conflict with.
+    command -v npm >/dev/null || wanted+=(npm)
+    ;;
+web | web_test)
+    wanted=("${build_packages[@]}" dpkg-dev emscripten)
+    [ "$1" = web ] || wanted+=(chromium libtiff-tools)
     command -v npm >/dev/null || wanted+=(npm)
     ;;
 *)

@@ -2,7 +2,7 @@
 # Builds for WebAssembly, and runs the tests of the library in Node.js, at the levels that there are,
 # 3 and 0, and those of the module for JavaScript in Node.js and in Chromium.
 #   wasm.sh whole    all tests that make sense there, and all digests
-#   wasm.sh sample   the module, the conversions, and a tenth of the digests
+#   wasm.sh sample   the module, the conversions, a tenth of the digests, and the page's build
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
@@ -39,3 +39,9 @@ if ! cmake --build --preset wasm "${targets[@]}" >"$log" 2>&1; then
 fi
 ctest --test-dir "$folder" -j "$(nproc)" --output-on-failure "${tests[@]}"
 grep -a '^digest of .* level' "$folder/Testing/Temporary/LastTest.log"
+
+# The page for authors is another build, in which the dither has no mask.
+case "${1:-whole}" in
+whole) bash scripts/web.sh --test ;;
+sample) bash scripts/web.sh --build ;;
+esac

@@ -3,6 +3,7 @@
 // MODULES holds pelkraft_page.wasm, pelkraft_tiff.wasm and dither_mask.bin. What the page loads gets
 // a name that says its content, and the service worker keeps all of it.
 import { createHash } from "node:crypto";
+import { existsSync } from "node:fs";
 import { cp, mkdir, readFile, readdir, rm, writeFile } from "node:fs/promises";
 import { basename, dirname, extname, join, relative, resolve } from "node:path";
 import { fileURLToPath } from "node:url";
@@ -110,7 +111,7 @@ export async function buildPage(modules, out, { html, script, style, files }) {
         bundles.push(["page.css", await bundle(options, style)]);
     }
     await writePage(join(page, html), bundles, out);
-    if (files !== undefined) {
+    if (files !== undefined && existsSync(join(page, files))) {
         await cp(join(page, files), out, { recursive: true });
     }
     await writeServiceWorker(options, out);
