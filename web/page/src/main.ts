@@ -1,3 +1,5 @@
 import { App } from "./app.js";
+import { registerServiceWorker } from "./engine/index.js";
 
 new App().show(document.body);
+registerServiceWorker();

@@ -1,4 +1,4 @@
-import type { BuiltInPicture, Levels, Picture, PictureJob, PreviewJob, InkLook }
+import type { BuiltInPicture, Levels, Picture, PictureJob, PreviewJob }
     from "./engine/index.js";
 import { Value } from "./value.js";
 
@@ -40,12 +40,11 @@ export function jobOf(text: string, chosen: Settings): PictureJob {
     return { text, picture: pictureOf(chosen), levels, tone, origin };
 }
 
-/** The job of the picture that is seen. Inks that aren't shown let all light through. */
+/** The job of the picture that is seen. */
 export function previewOf(text: string, chosen: Settings, inks: readonly string[]): PreviewJob {
     const { ink, order, gain } = chosen;
-    const hidden = inks.includes(ink) ? inks.filter((one) => one !== ink) : [];
-    const looks: InkLook[] = hidden.map((name) => ({ name, colour: "#ffffff", opacity: 0 }));
-    return { ...jobOf(text, chosen), looks, order: orderOf(order, inks), gain };
+    const shown = inks.includes(ink) ? [ink] : inks;
+    return { ...jobOf(text, chosen), shown, order: orderOf(order, inks), gain };
 }
 
 /** The inks in the order of their printing: first those with a place, then the others. */

@@ -1,38 +1,19 @@
-// A browser and the page in it. PELKRAFT_WEB names the folder of the built page, and
-// PELKRAFT_CHROMIUM the browser; PELKRAFT_PAGE is the address of a page that is served already.
-import { readFile } from "node:fs/promises";
-import { createServer } from "node:http";
-import { extname, join, normalize } from "node:path";
+// A browser and the page in it. PELKRAFT_WEB names the folder of the built page, if it isn't
+// build/web, PELKRAFT_CHROMIUM the browser, and PELKRAFT_PAGE the address of a page that is served
+// already.
+import { join } from "node:path";
 
 import { chromium } from "playwright-core";
 
-const types = {
-    ".css": "text/css", ".html": "text/html", ".js": "text/javascript", ".svg": "image/svg+xml",
-    ".wasm": "application/wasm",
-};
+import { serve } from "../serve.mjs";
+import { root } from "./sources.js";
 
-async function answer(request, response) {
-    const { pathname } = new URL(request.url, "http://localhost");
-    const file = normalize(pathname).replace(/\/$/, "/index.html");
-    try {
-        const data = await readFile(join(process.env.PELKRAFT_WEB, file));
-        response.writeHead(200, { "Content-Type": types[extname(file)] ?? "application/octet-stream" });
-        response.end(data);
-    } catch {
-        response.writeHead(404).end();
-    }
-}
-
-async function serve() {
-    const server = createServer(answer);
-    await new Promise((ready) => server.listen(0, "127.0.0.1", ready));
-    return server;
-}
+const folder = process.env.PELKRAFT_WEB ?? join(root, "build/web");
 
 /** A browser for the tests of a file; ends with the test that it was started in. */
 export async function startBrowser(all) {
     const given = process.env.PELKRAFT_PAGE;
-    const server = given === undefined ? await serve() : null;
+    const server = given === undefined ? await serve(folder) : null;
     const browser = await chromium.launch({
         executablePath: process.env.PELKRAFT_CHROMIUM ?? "/usr/bin/chromium",
         args: [

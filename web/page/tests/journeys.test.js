@@ -140,14 +140,13 @@ test("journeys", async (all) => {
         await page.getByRole("button", { name: "Add step 4" }).click();
         assert.match(await textOf(page), /^2 1:3 0-170 0-0 +# medium drops\n3 1 0-255 +# large drops\n4 1 0-255$/m);
         await page.getByRole("tab", { name: "Shares" }).click();
-        const bars = page.getByRole("button", { name: /^Cyan step 4:/ });
+        const bars = page.getByRole("button", { name: /^Cyan step 4 / });
         await bars.waitFor();
         await bars.click();
         assert.equal(await cursorLine(page), "Line 13: Cyan, step 4");
         assert.equal(await page.locator("[aria-current=true].step-bars").count(), 1);
         await page.getByRole("button", { name: "Show its shares" }).click();
-        assert.match(await page.evaluate(() => document.activeElement.getAttribute("aria-label")),
-            /^Cyan step 4/);
+        assert.match(await page.evaluate(() => document.activeElement.textContent), /^Cyan step 4/);
 
         await page.getByRole("tab", { name: "Dots" }).click();
         await dotsAreSeen(page);
@@ -162,6 +161,7 @@ test("journeys", async (all) => {
         await page.getByText("Both texts are the same.").waitFor();
         await page.getByLabel("Example to compare with").selectOption("Weights");
         await page.getByRole("button", { name: "Open", exact: true }).click();
+        await page.getByRole("group", { name: "Size of a dot in both" }).getByLabel("1:1").check();
         await page.getByText(/^\d+ differences in what they do/).waitFor();
         await dotsAreSeen(page, 0);
         await dotsAreSeen(page, 1);
@@ -194,7 +194,7 @@ test("journeys", async (all) => {
         await page.getByRole("button", { name: "Go to line 15" }).tap();
         assert.equal(await cursorLine(page), "Line 15: Cyan, step 6");
         await page.getByRole("tab", { name: "Shares" }).tap();
-        await page.getByRole("button", { name: /^Cyan step 5:/ }).tap();
+        await page.getByRole("button", { name: /^Cyan step 5 / }).tap();
         assert.equal(await cursorLine(page), "Line 14: Cyan, step 5");
         await page.getByRole("tab", { name: "Dots" }).tap();
         await dotsAreSeen(page);

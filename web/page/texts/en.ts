@@ -179,11 +179,8 @@ END_IN_COLOR
         },
         step: (step: number) => `step ${step}`,
         piece: (value: number, share: string) => `${value}: ${share}`,
-        spoken: (ink: string, value: number, expected: string, measured: string | null) =>
-            `${ink} ${value}, expected ${expected}`
-            + `${measured === null ? "" : `, measured ${measured}`}`,
-        goTo: (spoken: string, line: number) => `${spoken}. Go to line ${line}`,
-        lineOf: (line: number) => `Go to line ${line}`,
+        measured: "measured ",
+        goTo: (line: number) => `Go to line ${line}`,
         tableOf: (colour: string) => `Shares of ${colour} as a table`,
         curves: "Ink and grain",
         inkTitle: (colour: string) => `Ink of ${colour}, by step`,
@@ -238,6 +235,7 @@ END_IN_COLOR
 
     compare: {
         title: "Differences",
+        zoom: "Size of a dot in both",
         lead: "A second pattern beside this one: what they do in different ways, and how that looks.",
         editor: "Other pattern text",
         take: "Take this text as it is now",

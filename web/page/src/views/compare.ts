@@ -4,9 +4,10 @@ import type { Difference, Differences } from "../engine/index.js";
 import { examples, type ExampleName } from "../examples.js";
 import { fileButton } from "../files.js";
 import { readStructure } from "../pattern/structure.js";
-import { settings } from "../settings.js";
+import { change, settings } from "../settings.js";
 import { en } from "../../texts/en.js";
 import type { Workbench } from "../workbench.js";
+import { zoomField } from "./dots_controls.js";
 import { DotsPane } from "./dots_pane.js";
 
 const words = en.compare;
@@ -25,8 +26,8 @@ export class CompareView {
     constructor(workbench: Workbench) {
         this.#workbench = workbench;
         this.#other = new PatternEditor(words.editor, workbench.text.get());
-        this.#left = new DotsPane(workbench, words.dotsOfThis);
-        this.#right = new DotsPane(workbench, words.dotsOfOther);
+        this.#left = new DotsPane(workbench, words.dotsOfThis, "left");
+        this.#right = new DotsPane(workbench, words.dotsOfOther, "right");
         const soon = afterPause(150, () => void this.#show());
         this.#soon = soon;
         this.#other.onChange = soon;
@@ -35,7 +36,7 @@ export class CompareView {
         this.#left.viewer.follow(this.#right.viewer, soon);
         this.#right.viewer.follow(this.#left.viewer, soon);
         this.element.append(h("p", { class: "lead" }, words.lead), this.#choice(),
-            h("div", { class: "other-text" }, this.#other), this.#found,
+            h("div", { class: "other-text" }, this.#other), this.#found, zoomChoice(),
             h("div", { class: "pair-of-dots" },
                 h("figure", {}, h("figcaption", {}, words.dotsOfThis), this.#left.viewer.element),
                 h("figure", {}, h("figcaption", {}, words.dotsOfOther),
@@ -78,8 +79,8 @@ export class CompareView {
             return;
         }
         refill(this.#found, ...wordsOf(differences));
-        await this.#draw(this.#left, text);
-        await this.#draw(this.#right, this.#other.text);
+        await Promise.all([this.#draw(this.#left, text),
+            this.#draw(this.#right, this.#other.text)]);
     }
 
     async #draw(pane: DotsPane, text: string): Promise<void> {
@@ -88,6 +89,14 @@ export class CompareView {
             pane.viewer.clear();
         }
     }
+}
+
+function zoomChoice(): HTMLElement {
+    const form = h("form", { input: (event: Event) => {
+        change({ zoom: Number((event.target as HTMLInputElement).value) });
+    } });
+    settings.follow(({ zoom }) => refill(form, zoomField("zoom-of-both", words.zoom, zoom)));
+    return form;
 }
 
 function placeOf({ inColour, step, ink }: Difference): string {

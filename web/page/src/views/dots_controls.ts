@@ -16,12 +16,18 @@ function choice<T extends string | number>(
 
 /** One of a few, with all of them in sight. */
 function radios<T extends string | number>(
-    name: keyof Settings, label: string, options: readonly (readonly [T, string])[], chosen: T,
+    set: keyof Settings, name: string, label: string, options: readonly (readonly [T, string])[],
+    chosen: T,
 ): HTMLElement {
     return h("fieldset", { class: "segments" }, h("legend", {}, label),
         ...options.map(([value, text]) => h("label", {},
-            h("input", { type: "radio", name, value, "data-set": name, checked: value === chosen }),
+            h("input", { type: "radio", name, value, "data-set": set, checked: value === chosen }),
             h("span", {}, text))));
+}
+
+/** The size of a dot, of which each group of the page has its own name. */
+export function zoomField(name: string, label: string, zoom: number): HTMLElement {
+    return radios("zoom", name, label, zooms.map((one) => [one, `${one}:1`] as const), zoom);
 }
 
 function orderList(inks: readonly string[], chosen: Settings): HTMLElement {
@@ -41,8 +47,8 @@ function content(inks: readonly string[], chosen: Settings): HTMLElement[] {
     const pictures = [["ramp", words.ramp], ["patches", words.patches], ["own", words.own]] as const;
     const shown = inks.includes(ink) ? ink : "";
     return [
-        h("div", { class: "row" }, radios("kind", words.picture, pictures, kind),
-            radios("zoom", words.zoom, zooms.map((one) => [one, `${one}:1`] as const), zoom)),
+        h("div", { class: "row" }, radios("kind", "kind", words.picture, pictures, kind),
+            zoomField("zoom", words.zoom, zoom)),
         h("div", { class: "row", hidden: kind !== "own" },
             h("label", { class: "file" }, h("span", { class: "label" }, words.file),
                 h("input", { type: "file", accept: "image/png,image/jpeg,image/tiff,.tif,.tiff" })),

@@ -11,8 +11,12 @@ export class DotsPane {
     readonly viewer: DotsViewer;
     readonly #workbench: Workbench;
 
-    constructor(workbench: Workbench, label: string) {
+    readonly #slot: string;
+
+    /** Panes with a slot of their own don't wait for each other. */
+    constructor(workbench: Workbench, label: string, slot = "") {
         this.#workbench = workbench;
+        this.#slot = slot;
         this.viewer = new DotsViewer(label);
     }
 
@@ -27,7 +31,8 @@ export class DotsPane {
             return null;
         }
         const job = { ...previewOf(text, chosen, inks), window };
-        const image = await this.#workbench.ask(this.#workbench.engine.preview(job));
+        const { engine } = this.#workbench;
+        const image = await this.#workbench.ask(engine.preview(job, this.#slot));
         if (image === null) {
             return null;
         }

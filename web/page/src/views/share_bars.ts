@@ -24,38 +24,35 @@ function tint(looks: Looks, ink: string | null, value: number, fullInk: number)
 function bar(shares: InkShares, measure: Measure, looks: Looks, fullInk: number): HTMLElement {
     const pieces = shares.values.filter((one) => (one[measure] ?? 0) > 0).map((one) => {
         const share = one[measure] ?? 0;
-        const label = share > 0.12 ? words.piece(one.value, percent(share, 1)) : "";
-        return styled(h("span", { class: "piece" }, label),
+        const label = h("span", {}, `${words.piece(one.value, percent(share))} `);
+        return styled(h("span", { class: share > 0.12 ? "piece" : "narrow piece" }, label),
             { "flex-grow": String(share), ...tint(looks, shares.ink, one.value, fullInk) });
     });
     return h("span", { class: `bar ${measure}` }, ...pieces);
 }
 
-function spoken(colour: InColour, step: Step): string {
-    const inks = step.shares.map((shares) => shares.values
-        .filter(({ expected, measured }) => expected > 0 || (measured ?? 0) > 0)
-        .map((one) => words.spoken(shares.ink ?? "", one.value, percent(one.expected),
-            one.measured === null ? null : percent(one.measured))).join(", "));
-    return `${en.table.step(colour.name, step.step)}: ${inks.join("; ")}`;
+function inkBars(shares: InkShares, looks: Looks, fullInk: number): HTMLElement {
+    const isMeasured = shares.values.some(({ measured }) => measured !== null);
+    return h("span", { class: "ink-bars" },
+        h("span", { class: "ink-name" }, `${shares.ink ?? ""} `),
+        h("span", { class: "pair" }, bar(shares, "expected", looks, fullInk),
+            isMeasured && h("span", { class: "unseen" }, words.measured),
+            bar(shares, "measured", looks, fullInk)));
 }
 
-/** The shares of one step as a button that leads to its line. */
+/** The shares of one step as a button that leads to its line; a step without one has no line. */
 function stepBars(colour: InColour, step: Step, looks: Looks, fullInk: number): HTMLElement {
-    const inks = step.shares.map((shares) => h("span", { class: "ink-bars" },
-        h("span", { class: "ink-name" }, shares.ink ?? ""),
-        h("span", { class: "pair" }, bar(shares, "expected", looks, fullInk),
-            bar(shares, "measured", looks, fullInk))));
-    const inside = [h("span", { class: "step-number" }, words.step(step.step)),
-        h("span", { class: "inks" }, ...inks)];
+    const inside = [
+        h("span", { class: "step-number" }, h("span", { class: "unseen" }, `${colour.name} `),
+            `${words.step(step.step)} `),
+        h("span", { class: "inks" }, ...step.shares.map((one) => inkBars(one, looks, fullInk))),
+    ];
     if (step.place === null) {
-        return h("div", { class: "step-bars", role: "img", "aria-label": spoken(colour, step) },
-            ...inside);
+        return h("div", { class: "step-bars" }, ...inside);
     }
-    return h("button", {
-        "class": "step-bars", "data-from": step.place.from, "data-to": step.place.to,
-        "aria-label": words.goTo(spoken(colour, step), step.place.line),
-        "title": words.lineOf(step.place.line),
-    }, ...inside);
+    const { from, to, line } = step.place;
+    return h("button", { "class": "step-bars", "data-from": from, "data-to": to }, ...inside,
+        h("span", { class: "unseen" }, words.goTo(line)));
 }
 
 /** Bars for the values of each ink at each step: as the text asks above, as measured below. */

@@ -108,7 +108,7 @@ export class TakeAwayView {
     async #savePicture(): Promise<string | null> {
         const picture = await this.#picture();
         const bytes = picture === null ? null
-            : await this.#workbench.ask(this.#workbench.engine.tiff(picture));
+            : this.#workbench.engine.tiff(picture);
         if (bytes === null) {
             return null;
         }
