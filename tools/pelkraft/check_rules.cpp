@@ -2,6 +2,7 @@
 
 #include "tools/pelkraft/check_rule_list.h"
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/file_damage.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/near_names.h"
@@ -44,6 +45,15 @@ void AddBrokenDirectory(CheckFindings& findings, const RawTiff& file, int page,
         {IndexOf(truncatedName), page, "directory", found + " at byte " + std::to_string(offset),
          "a directory within the " + std::to_string(file.Size()) + " bytes of the file, read once",
          "get the whole file again from where it was made"});
+}
+
+[[noreturn]] void RefuseFirstDirectory(const RawTiff& file, std::uint64_t offset)
+{
+    const std::string words = DamageWords(file.Whole());
+    throw Failure(ExitCode::BadInput, file.Path(),
+                  words.empty() ? "is damaged in its first directory, at byte " +
+                                      std::to_string(offset) + "; get a whole copy of it"
+                                : words);
 }
 
 } // namespace
@@ -105,20 +115,17 @@ CheckFindings CheckFile(const RawTiff& file, const std::vector<std::size_t>& rul
         std::find(rules.begin(), rules.end(), IndexOf(truncatedName)) != rules.end();
     for (std::uint64_t offset = file.FirstDirectory(); offset != 0; ++page) {
         StopIfInterrupted(file.Path());
-        std::uint64_t next = 0;
-        auto tags = file.ReadDirectory(offset, next);
-        if (!tags && page == 1)
-            throw Failure(ExitCode::BadInput, file.Path(),
-                          "is cut off or damaged in its first directory, at byte " +
-                              std::to_string(offset) + " of " + std::to_string(file.Size()));
+        std::optional<RawDirectory> directory = file.DirectoryAt(offset);
+        if (!directory && page == 1)
+            RefuseFirstDirectory(file, offset);
         const bool again = !seen.insert(offset).second;
-        if (!tags || again) {
+        if (!directory || again) {
             if (reportsBroken)
                 AddBrokenDirectory(findings, file, page, offset,
                                    again ? "that of an earlier page" : "none");
             break;
         }
-        const CheckedPage checked = ReadCheckedPage(file, page, std::move(*tags));
+        const CheckedPage checked = ReadCheckedPage(file, page, std::move(directory->tags));
         if (!first)
             first = checked;
         for (const std::size_t rule : rules) {
@@ -131,7 +138,7 @@ CheckFindings CheckFile(const RawTiff& file, const std::vector<std::size_t>& rul
             findings.resize(mostFileFindings);
             break;
         }
-        offset = next;
+        offset = directory->next;
     }
     return findings;
 }

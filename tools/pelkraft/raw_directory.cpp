@@ -31,48 +31,98 @@ std::uint64_t RawTag::ValueBytes() const
     return each * count;
 }
 
-RawTiff::RawTiff(const std::string& newPath, const Spool& spool)
-    : path(newPath), input(newPath, FileKind::Tiff, spool)
+std::string FileBytes::Read(std::uint64_t offset, std::uint64_t count) const
 {
-    const std::string head = Read(0, 16);
-    bigEndian = head.starts_with("MM");
-    const std::uint64_t kind = head.size() >= 8 ? Number(head, 2, 2) : 0;
-    big = kind == 43;
-    if (head.size() < (big ? 16 : 8) || (!bigEndian && !head.starts_with("II")) ||
-        (kind != 42 && kind != 43))
-        throw Failure(ExitCode::BadInput, path, DamageWords({input.Descriptor(), Size()}));
-    firstDirectory = big ? Number(head, 8, 8) : Number(head, 4, 4);
-    if (firstDirectory >= Size())
-        throw Failure(ExitCode::BadInput, path, DamageWords({input.Descriptor(), Size()}));
+    const std::uint64_t left = size - std::min(size, offset);
+    std::string bytes(static_cast<std::size_t>(std::min(left, count)), '\0');
+    std::size_t got = 0;
+    error = ReadUpTo(descriptor, bytes.data(), bytes.size(), offset, got);
+    bytes.resize(error == 0 ? got : 0);
+    return bytes;
 }
 
-std::optional<std::vector<RawTag>> RawTiff::ReadDirectory(std::uint64_t offset,
-                                                          std::uint64_t& next) const
+std::uint64_t TiffForm::Number(std::string_view bytes) const
 {
-    const std::size_t countBytes = big ? 8 : 2;
-    const std::size_t entryBytes = big ? 20 : 12;
-    const std::size_t placeBytes = big ? 8 : 4;
-    const std::string head = Read(offset, countBytes);
-    const std::uint64_t count = head.size() == countBytes ? Number(head, 0, countBytes) : 0;
-    if (count == 0 || count > mostTags)
-        return std::nullopt;
-    const std::uint64_t size = count * entryBytes + placeBytes;
-    const std::string body = Read(offset + countBytes, size);
-    if (body.size() < size)
-        return std::nullopt;
-    std::vector<RawTag> tags;
-    for (std::size_t entry = 0; entry < count * entryBytes; entry += entryBytes) {
-        RawTag tag;
-        tag.tag = static_cast<std::uint16_t>(Number(body, entry, 2));
-        tag.type = static_cast<std::uint16_t>(Number(body, entry + 2, 2));
-        tag.count = Number(body, entry + 4, placeBytes);
-        const std::size_t value = entry + 4 + placeBytes;
-        tag.offset = tag.ValueBytes() <= placeBytes ? offset + countBytes + value
-                                                    : Number(body, value, placeBytes);
-        tags.push_back(tag);
+    std::uint64_t number = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const std::size_t at = bigEndian ? i : bytes.size() - 1 - i;
+        number = number << 8 | static_cast<unsigned char>(bytes[at]);
     }
-    next = Number(body, count * entryBytes, placeBytes);
-    return tags;
+    return number;
+}
+
+std::uint64_t TiffForm::FirstDirectory(std::string_view header) const
+{
+    return Number(header.substr(HeaderBytes() - PlaceBytes(), PlaceBytes()));
+}
+
+std::optional<TiffForm> FormOf(std::string_view start)
+{
+    for (const bool big : {false, true}) {
+        for (const bool bigEndian : {false, true}) {
+            const TiffForm form = {big, bigEndian};
+            if (start.starts_with(bigEndian ? "MM" : "II") && start.size() >= 4 &&
+                form.Number(start.substr(2, 2)) == (big ? 43U : 42U))
+                return form;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<RawDirectory> ReadDirectory(const FileBytes& file, const TiffForm& form,
+                                          std::uint64_t offset)
+{
+    const std::string head = file.Read(offset, form.CountBytes());
+    if (head.size() < form.CountBytes())
+        return std::nullopt;
+    RawDirectory directory;
+    directory.count = form.Number(head);
+    if (directory.count > mostTags)
+        return directory;
+    const std::uint64_t first = offset + form.CountBytes();
+    const std::uint64_t end = directory.count * form.EntryBytes();
+    const std::string body = file.Read(first, end + form.PlaceBytes());
+    if (body.size() < end)
+        return directory;
+    const std::string_view view = body;
+    const std::size_t place = form.PlaceBytes();
+    for (std::size_t entry = 0; entry < end; entry += form.EntryBytes()) {
+        RawTag tag;
+        tag.tag = static_cast<std::uint16_t>(form.Number(view.substr(entry, 2)));
+        tag.type = static_cast<std::uint16_t>(form.Number(view.substr(entry + 2, 2)));
+        tag.count = form.Number(view.substr(entry + 4, place));
+        const std::size_t value = entry + 4 + place;
+        tag.offset =
+            tag.ValueBytes() <= place ? first + value : form.Number(view.substr(value, place));
+        directory.tags.push_back(tag);
+    }
+    directory.whole = body.size() == end + place;
+    if (directory.whole)
+        directory.next = form.Number(view.substr(static_cast<std::size_t>(end)));
+    return directory;
+}
+
+RawTiff::RawTiff(const std::string& newPath, const Spool& spool)
+    : path(newPath),
+      input(newPath, FileKind::Tiff, spool), bytes{input.Descriptor(), input.Size(), 0}
+{
+    const std::string head = Read(0, 16);
+    const std::optional<TiffForm> found = FormOf(head);
+    if (found && head.size() >= found->HeaderBytes()) {
+        form = *found;
+        firstDirectory = form.FirstDirectory(head);
+    }
+    if (firstDirectory == 0 || firstDirectory >= Size())
+        throw Failure(ExitCode::BadInput, path, DamageWords(bytes));
+}
+
+std::optional<RawDirectory> RawTiff::DirectoryAt(std::uint64_t offset) const
+{
+    auto directory = ReadDirectory(bytes, form, offset);
+    RequireSound();
+    if (!directory || !directory->whole || directory->count == 0)
+        return std::nullopt;
+    return directory;
 }
 
 bool RawTiff::Holds(const RawTag& tag) const
@@ -89,7 +139,7 @@ void RawTiff::ForEachNumber(const RawTag& tag, const std::function<bool(std::uin
         const std::string chunk =
             Read(tag.offset + done, std::min(chunkBytes, tag.ValueBytes() - done));
         for (std::size_t at = 0; at + each <= chunk.size(); at += each) {
-            if (!take(Number(chunk, at, each)))
+            if (!take(form.Number(std::string_view(chunk).substr(at, each))))
                 return;
         }
         if (chunk.size() < each)
@@ -116,32 +166,25 @@ std::string RawTiff::Bytes(const RawTag& tag, std::size_t most) const
 
 double RawTiff::Fraction(const RawTag& tag) const
 {
-    const std::string bytes = Read(tag.offset, 8);
-    if (tag.type != 5 || bytes.size() < 8)
+    const std::string both = Read(tag.offset, 8);
+    if (tag.type != 5 || both.size() < 8)
         return std::numeric_limits<double>::quiet_NaN();
-    return static_cast<double>(Number(bytes, 0, 4)) / static_cast<double>(Number(bytes, 4, 4));
+    const std::string_view view = both;
+    return static_cast<double>(form.Number(view.substr(0, 4))) /
+           static_cast<double>(form.Number(view.substr(4)));
 }
 
-std::uint64_t RawTiff::Number(const std::string& bytes, std::size_t offset, std::size_t size) const
+std::string RawTiff::Read(std::uint64_t offset, std::uint64_t count) const
 {
-    std::uint64_t number = 0;
-    for (std::size_t i = 0; i < size; ++i) {
-        const std::size_t place = offset + (bigEndian ? i : size - 1 - i);
-        number = number << 8 | static_cast<unsigned char>(bytes[place]);
-    }
-    return number;
+    std::string read = bytes.Read(offset, count);
+    RequireSound();
+    return read;
 }
 
-std::string RawTiff::Read(std::uint64_t offset, std::uint64_t size) const
+void RawTiff::RequireSound() const
 {
-    const std::uint64_t left = Size() - std::min(Size(), offset);
-    std::string bytes(static_cast<std::size_t>(std::min(left, size)), '\0');
-    std::size_t got = 0;
-    if (const int error = ReadUpTo(input.Descriptor(), bytes.data(), bytes.size(), offset, got);
-        error != 0)
-        ThrowReadFailure(path, ErrorText(error));
-    bytes.resize(got);
-    return bytes;
+    if (bytes.error != 0)
+        ThrowReadFailure(path, ErrorText(bytes.error));
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -72,7 +72,7 @@ TiffFile TiffFile::OpenForReading(const std::string& path, const Spool& spool)
     InputFile input(path, FileKind::Tiff, spool);
     TiffFile file(std::make_unique<TiffStream>(input.TakeDescriptor(), input.Size()), path, "r");
     if (!file.handle)
-        file.ThrowDamage(DamageWords({file.Descriptor(), file.Size()}),
+        file.ThrowDamage(DamageWords({file.Descriptor(), file.Size(), 0}),
                          "can't be read as a TIFF file; supported are TIFF and BigTIFF");
     file.severalPages = TIFFLastDirectory(file.Get()) == 0;
     return file;
@@ -118,7 +118,7 @@ bool TiffFile::NextPage(int page) const
     messages->page = page + 1;
     const std::uint64_t offset = TIFFCurrentDirOffset(Get());
     if (TIFFReadDirectory(Get()) != 1)
-        ThrowDamage(NextPageDamageWords({Descriptor(), Size()}, offset, page + 1),
+        ThrowDamage(NextPageDamageWords({Descriptor(), Size(), 0}, offset, page + 1),
                     "has a page " + std::to_string(page + 1) + " that can't be read");
     return true;
 }

@@ -276,6 +276,48 @@ def test_what_cannot_be_read_hides_no_other_file(tmp_path, run, data):
     assert [entry["rule"] for entry in sound["findings"]] == ["ink-names"]
 
 
+WHOLE = "; get a whole copy of it"
+NO_TIFF = "; supported are TIFF and BigTIFF"
+
+
+@pytest.mark.parametrize("big", [False, True])
+@pytest.mark.parametrize("order", ["<", ">"])
+def test_a_file_without_a_page_is_told_by_every_verb_alike(tmp_path, run, big, order):
+    tifffile.imwrite(tmp_path / "in.tif", numpy.zeros((9, 8), numpy.uint8), metadata=None,
+                     photometric="minisblack", bigtiff=big, byteorder=order)
+    data = (tmp_path / "in.tif").read_bytes()
+    head, entry = (16, 20) if big else (8, 12)
+    place, number = head // 2, "big" if order == ">" else "little"
+    at = int.from_bytes(data[place:head], number)
+    count_bytes = 8 if big else 2
+    count = int.from_bytes(data[at:at + count_bytes], number)
+    first = at + count_bytes
+    last = first + count * entry
+
+    def led_to(offset, more=b""):
+        return data[:place] + offset.to_bytes(head - place, number) + data[head:] + more
+    # Three bytes of the other order are the same in both forms.
+    told = head if order == "<" else 8
+    cases = [
+        (b"", "is not a TIFF file, since it is empty" + NO_TIFF),
+        (b"\x89PNG\r\n\x1a\n" + bytes(20), "is not a TIFF file but a PNG file" + NO_TIFF),
+        (data[:3], f"is truncated: a header takes {told} bytes, and the file ends after 3" + WHOLE),
+        (data[:7], f"is truncated: a header takes {head} bytes, and the file ends after 7" + WHOLE),
+        (data[:head], f"is truncated: the directory of page 1 begins at byte {at}, and the file "
+                      f"ends after {head}" + WHOLE),
+        (data[:last - 5], f"is truncated: the directory of page 1 has {count} entries from byte "
+                          f"{first} on, and the file ends after {last - 5}" + WHOLE),
+        (led_to(0), "is damaged: its header names no directory, so that it has no page" + WHOLE),
+        (led_to(len(data), bytes(32)), f"is damaged: the directory of page 1, at byte {len(data)}, "
+                                       "has no entries" + WHOLE)]
+    for broken, words in cases:
+        (tmp_path / "broken.tif").write_bytes(broken)
+        for verb in (["check", "broken.tif"], ["info", "broken.tif"],
+                     ["convert", "broken.tif", "out.tif"]):
+            outcome = run(*verb)
+            assert (outcome.code, outcome.errors) == (3, f"pelkraft: broken.tif: {words}\n")
+
+
 def test_no_byte_of_a_file_can_crash_it(tmp_path, run):
     """Each byte of the directory in its turn is something else."""
     write(tmp_path / "in.tif", changed(put(34675, 7, list(profile(b"5CLR")))))
