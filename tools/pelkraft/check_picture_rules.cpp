@@ -1,5 +1,6 @@
 #include "tools/pelkraft/check_rule_list.h"
 #include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/page_orientation.h"
 #include "tools/pelkraft/page_resolution.h"
 #include "tools/pelkraft/profile_header.h"
 
@@ -215,6 +216,15 @@ void CheckLikelihood(const CheckedPage& page, const CheckedPage&, CheckFindings&
                 NumberWords(leastDpi) + " to " + NumberWords(mostDpi) + " dpi",
                 "set the resolution that the picture was made for");
     }
+}
+
+void CheckOrientation(const CheckedPage& page, const CheckedPage&, CheckFindings& findings)
+{
+    const std::uint64_t orientation = page.Number(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+    if (orientation != ORIENTATION_TOPLEFT)
+        Add(findings, page, "Orientation", OrientationWords(orientation),
+            "1, for pages that stand as they are stored",
+            "turn the stored pixels, and set it to 1: many programs never look at it");
 }
 
 void CheckTruncation(const CheckedPage& page, const CheckedPage&, CheckFindings& findings)

@@ -19,6 +19,7 @@ void CheckProfile(const CheckedPage& page, const CheckedPage& first, CheckFindin
 void CheckResolution(const CheckedPage& page, const CheckedPage& first, CheckFindings& findings);
 void CheckSquarePixels(const CheckedPage& page, const CheckedPage& first, CheckFindings& findings);
 void CheckLikelihood(const CheckedPage& page, const CheckedPage& first, CheckFindings& findings);
+void CheckOrientation(const CheckedPage& page, const CheckedPage& first, CheckFindings& findings);
 void CheckTruncation(const CheckedPage& page, const CheckedPage& first, CheckFindings& findings);
 void CheckByteCounts(const CheckedPage& page, const CheckedPage& first, CheckFindings& findings);
 

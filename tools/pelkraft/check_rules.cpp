@@ -78,6 +78,7 @@ const std::vector<CheckRule>& CheckRules()
          CheckSquarePixels},
         {"resolution-implausible", "warning", "A press could have the resolution.",
          CheckLikelihood},
+        {"orientation", "warning", "The page stands as it is stored.", CheckOrientation},
         {truncatedName, "error", "All that the tags name lies within the file.", CheckTruncation},
         {"byte-count", "error", "Uncompressed strips and tiles have bytes for their rows.",
          CheckByteCounts}};

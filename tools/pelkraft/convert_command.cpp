@@ -19,7 +19,8 @@ constexpr const char* convertHelp =
     "Samples of 1, 2, 8 and 16 bits, any number of channels, strips and tiles, every page of the\n"
     "file. The new file is in strips, keeps what its tags say of the picture, and appears whole\n"
     "or not at all. Pixels are repeated and mirrored within their rows: --repeat 2 makes a\n"
-    "picture twice as wide and doubles its horizontal resolution.\n\n";
+    "picture twice as wide and doubles its horizontal resolution. Rows and pixels are those that\n"
+    "are stored; the tag Orientation is kept, whatever becomes of them.\n\n";
 
 // The sum of all pages.
 struct Total

@@ -8,6 +8,7 @@
 #include "tools/pelkraft/image_options.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/page_coverage.h"
+#include "tools/pelkraft/page_orientation.h"
 #include "tools/pelkraft/text_output.h"
 
 #include <CLI/CLI.hpp>
@@ -19,7 +20,8 @@ namespace {
 
 constexpr const char* coverageHelp =
     "Of each ink the mean and the largest coverage, and of all inks of a pixel together the\n"
-    "largest with its place, from 0, 0 at the top left, and how many pixels are above the limit.\n"
+    "largest with its place, from 0, 0 at the first stored pixel, and how many pixels are above "
+    "the limit.\n"
     "A square window moves over the page, and the place is shown where its mean is largest: an\n"
     "amount of ink that matters to the press, where a single pixel doesn't. Sums are exact, and\n"
     "samples beyond full ink count as full. The exit code is 1 where a pixel is above the limit.\n"
@@ -88,6 +90,7 @@ private:
         PageGroups plans;
         VisitPages(file, input.pages, [&](int page) {
             const CoveragePlan plan = PlanPage(file);
+            WarnOfOrientation(file, "places and the map are those of the stored pixels");
             ++total.pages;
             total.rows += plan.picture.height;
             if (!common.explain || common.json)

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/info_report.h"
 
 #include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/page_orientation.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -138,6 +139,8 @@ std::string PageWords(const PageFacts& facts)
     std::string text = "page " + std::to_string(facts.page) + '\n';
     text += Line("size", SizeWords(facts)) + Line("samples", SampleWords(facts)) +
             Line("kind", KindWords(facts));
+    if (facts.orientation != ORIENTATION_TOPLEFT)
+        text += Line("orientation", OrientationWords(facts.orientation));
     if (facts.profile)
         text += Line("profile", ProfileWords(*facts.profile));
     text += ChannelHeading(!facts.statistics.empty());
@@ -203,6 +206,7 @@ Json PageJson(const PageFacts& facts)
         json["height_mm"] = picture.height / facts.resolution.PixelsPerMmDown();
     }
     json["resolution"] = ResolutionJson(facts.resolution);
+    json["orientation"] = facts.orientation;
     json["channels"] = picture.channels;
     json["bits"] = picture.bits;
     json["samples"] = facts.sampleKind;

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/page_facts.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/page_orientation.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -55,6 +56,7 @@ PageFacts ReadPageFacts(const TiffFile& file, const InputOptions& input, int pag
     facts.picture = DescribePicture(file);
     facts.sampleKind = SampleKind(file);
     facts.resolution = ReadResolution(file);
+    facts.orientation = ReadOrientation(file);
     facts.profile = ReadProfile(file);
     std::uint16_t inkSet = 0;
     if (TIFFGetField(file.Get(), TIFFTAG_INKSET, &inkSet) == 1)

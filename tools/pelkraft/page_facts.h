@@ -23,6 +23,7 @@ struct PageFacts
     // "unsigned", "signed", "floating point" or "complex".
     std::string sampleKind;
     PageResolution resolution;
+    std::uint16_t orientation = ORIENTATION_TOPLEFT;
     std::optional<ProfileHeader> profile;
     std::optional<std::uint16_t> inkSet;
     std::vector<Channel> channels;

@@ -4,6 +4,7 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/one_behind.h"
+#include "tools/pelkraft/page_orientation.h"
 #include "tools/pelkraft/page_resolution.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/plate_names.h"
@@ -183,6 +184,9 @@ JoinPlan PlanJoin(const PlateGroup& group, const std::vector<TiffFile>& files,
                           std::to_string(first.bits));
         if (!(ReadResolution(file) == resolution))
             RefuseUnequal(file, ReadResolution(file).Words(), files[0], resolution.Words());
+        if (ReadOrientation(file) != ReadOrientation(files[0]))
+            RefuseUnequal(file, "Orientation " + std::to_string(ReadOrientation(file)), files[0],
+                          std::to_string(ReadOrientation(files[0])));
         const InkCodes codes = Turned(plate.codes, first.bits);
         const InkCodes firstCodes = Turned(plates[0].codes, first.bits);
         if (!(codes == firstCodes))

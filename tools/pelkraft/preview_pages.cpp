@@ -11,6 +11,7 @@
 #include "tools/pelkraft/json.h"
 #include "tools/pelkraft/one_behind.h"
 #include "tools/pelkraft/page_inks.h"
+#include "tools/pelkraft/page_orientation.h"
 #include "tools/pelkraft/page_rows.h"
 #include "tools/pelkraft/preview_png.h"
 #include "tools/pelkraft/progress.h"
@@ -298,6 +299,7 @@ void PreviewPages(const PreviewOptions& options)
     std::vector<std::string> paths;
     VisitPages(file, options.input.pages, [&](int page) {
         const PagePlan plan = PlanPage(file, options, told);
+        WarnOfOrientation(file, "the picture shows the page as it is stored");
         rows += std::uint64_t{plan.part.y} + plan.part.height;
         paths.push_back(paths.empty() ? options.output : PathOfPage(options.output, page));
         plans.push_back(ExplainJson(plan, page, paths.back()));

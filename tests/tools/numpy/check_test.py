@@ -12,7 +12,7 @@ from pictures import cut, random_samples, write_inks
 INKS = ["Cyan", "Magenta", "Yellow", "Black", "Aqua"]
 RULES = ["ink-names", "number-of-inks", "ink-set", "duplicate-ink", "misspelt-ink", "dot-range",
          "polarity", "extra-samples", "profile", "resolution-missing", "resolution-unequal",
-         "resolution-implausible", "truncated", "byte-count"]
+         "resolution-implausible", "orientation", "truncated", "byte-count"]
 
 
 def profile(space, declared=128):
@@ -186,6 +186,8 @@ CASES = [
     ("truncated", "StripByteCounts", ["strip 2 of 2"], ["bytes of the file"],
      put(279, 4, [40, 4000]), {}),
     ("truncated", "StripOffsets", ["no places"], [], take(279), {}),
+    ("orientation", "Orientation", ["6, which puts the first row and its first pixel at right, top"],
+     ["1"], put(274, 3, [6]), {}),
     ("byte-count", "StripByteCounts", ["39 for strip 1"], ["40"], put(279, 4, [39, 20]), {}),
     ("byte-count", "StripByteCounts", ["19 for strip 2"], ["20"], put(279, 4, [40, 19]), {}),
 ]
