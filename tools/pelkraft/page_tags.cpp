@@ -1,9 +1,13 @@
 #include "tools/pelkraft/page_tags.h"
 
+#include "pattern/pattern_words.h"
+#include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/lost_tags.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
+#include <string>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -97,6 +101,12 @@ void PlanInks(PageTags& tags, const TiffFile& file, const std::vector<Channel>& 
     tags.inkNames.clear();
     for (std::size_t i = 0; i < inks; ++i)
         tags.inkNames.push_back(NameOf(channels, map[i]));
+    std::set<std::string> names;
+    for (const std::string& name : tags.inkNames) {
+        if (!names.insert(UpperCase(name)).second)
+            tags.warnings.push_back("more than one ink of the new page is named \"" + Shown(name) +
+                                    "\"; whoever goes by names takes the first");
+    }
 }
 
 void PlanColours(PageTags& tags, const std::vector<Channel>& channels, const std::vector<int>& map)

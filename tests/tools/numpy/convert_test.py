@@ -205,6 +205,16 @@ def test_an_empty_channel_is_at_the_end_of_its_range(tmp_path, run):
         assert (Page(tmp_path / "out.tif").samples[..., 1] == none).all()
 
 
+@pytest.mark.parametrize("chosen, twins", [("Cyan,0", ["Cyan"]), ("-,1,-", ["Empty"]),
+                                           ("0,1,2", []), ("3,3,-,-", ["Black", "Empty"])])
+def test_two_inks_of_one_name_are_told(tmp_path, run, chosen, twins):
+    write(tmp_path / "in.tif", samples_of(8, (9, 13, 4)), INKS)
+    outcome = run("convert", "in.tif", "out.tif", "--channels", chosen)
+    assert outcome.code == 0
+    assert [line.split('"')[1] for line in outcome.errors.splitlines()
+            if "more than one ink of the new page is named" in line] == twins
+
+
 def test_what_a_page_cannot_say(tmp_path, run):
     image = samples_of(8, (19, 23))
 
