@@ -97,6 +97,7 @@ PageTags TagsOf(const PlateGroup& group, const std::vector<TiffFile>& files,
         throw Failure(ExitCode::Unsupported, group[0].path,
                       "the names of the inks take " + std::to_string(nameBytes) +
                           " bytes; supported are " + std::to_string(mostNameBytes));
+    WarnOfTwins(tags);
     tags.numberOfInks = static_cast<std::uint16_t>(group.size());
     tags.inkSet =
         static_cast<std::uint16_t>(AreProcessInks(tags.inkNames) ? INKSET_CMYK : INKSET_MULTIINK);

@@ -101,12 +101,7 @@ void PlanInks(PageTags& tags, const TiffFile& file, const std::vector<Channel>& 
     tags.inkNames.clear();
     for (std::size_t i = 0; i < inks; ++i)
         tags.inkNames.push_back(NameOf(channels, map[i]));
-    std::set<std::string> names;
-    for (const std::string& name : tags.inkNames) {
-        if (!names.insert(UpperCase(name)).second)
-            tags.warnings.push_back("more than one ink of the new page is named \"" + Shown(name) +
-                                    "\"; whoever goes by names takes the first");
-    }
+    WarnOfTwins(tags);
 }
 
 void PlanColours(PageTags& tags, const std::vector<Channel>& channels, const std::vector<int>& map)
@@ -179,6 +174,16 @@ PageTags PlanTags(const TiffFile& file, const TiffPicture& picture,
     tags.keepValueTags = change.empty();
     AddLosses(file, change, tags);
     return tags;
+}
+
+void WarnOfTwins(PageTags& tags)
+{
+    std::set<std::string> names;
+    for (const std::string& name : tags.inkNames) {
+        if (!names.insert(UpperCase(name)).second)
+            tags.warnings.push_back("more than one ink of the new page is named \"" + Shown(name) +
+                                    "\"; whoever goes by names takes the first");
+    }
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -40,4 +40,7 @@ PageTags PlanTags(const TiffFile& file, const TiffPicture& picture,
                   const std::vector<Channel>& channels, const std::vector<int>& map, int newBits,
                   const InkRange& range);
 
+// Adds a warning for each ink whose name another one bears, in any case of letters.
+void WarnOfTwins(PageTags& tags);
+
 } // namespace zvk::Pelkraft::Client

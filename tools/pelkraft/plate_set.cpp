@@ -1,6 +1,5 @@
 #include "tools/pelkraft/plate_set.h"
 
-#include "pattern/pattern_words.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/plate_names.h"
@@ -20,13 +19,10 @@ std::vector<std::string> InksOf(const PlateGroup& group)
     return inks;
 }
 
-// Names of inks are the same in any case of letters.
 bool HasTwins(const std::vector<PlateArgument>& plates)
 {
-    std::set<std::string> inks;
-    for (const PlateArgument& plate : plates)
-        inks.insert(UpperCase(plate.ink));
-    return inks.size() < plates.size();
+    const std::vector<std::string> inks = InksOf(plates);
+    return std::set<std::string>(inks.begin(), inks.end()).size() < inks.size();
 }
 
 // Pages in the order of their numbers.
@@ -46,7 +42,7 @@ void RefuseTwins(const PlateGroup& group)
 {
     std::map<std::string, std::string> paths;
     for (const PlateArgument& plate : group) {
-        const auto [first, added] = paths.emplace(UpperCase(plate.ink), plate.path);
+        const auto [first, added] = paths.emplace(plate.ink, plate.path);
         if (!added)
             throw Failure(ExitCode::Usage, plate.path,
                           "is a second plate of ink " + Quoted(plate.ink) + " beside " +
