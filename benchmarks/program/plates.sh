@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Compares the bytes a second of split, join and coverage with those of cp and a sync of its copy, on
 # a picture of eight inks, in pairs one after the other: the median of the ratios, which should be
-# 0.8 or more. The files lie below TMPDIR.
+# 0.8 or more. The files lie below TMPDIR; none is there before it is written.
 #   plates.sh PELKRAFT BIG_PICTURE [PAIRS] [ROWS]
 set -euo pipefail
 pelkraft=$1 big_picture=$2 pairs=${3:-7} rows=${4:-500}
@@ -36,7 +36,8 @@ split_page
 for job in split_page join_page cover_page; do
     for ((pair = 0; pair < pairs; ++pair)); do
         copied=$(seconds copy)
-        rm "$folder/copy.tif"
+        rm -f "$folder/copy.tif" "$folder/joined.tif"
+        [ $job != split_page ] || rm "$folder"/plate*.tif
         echo "$copied $(seconds $job)"
     done | awk -v job="$job" '{ print $1 / $2 }' | sort -n |
         awk -v job="$job" '{ ratio[NR] = $1 }
