@@ -43,7 +43,7 @@ TEST_F(SimulateFailures, KnowPicturesInThePlaceOfTexts)
 {
     for (const std::string& start : {std::string("II*\0", 4), std::string("MM\0*", 4),
                                      std::string("II+\0", 4), std::string("MM\0+", 4)}) {
-        for (const std::size_t size : {4, 2000000}) {
+        for (const std::size_t size : {std::size_t{4}, std::size_t{2000000}}) {
             std::string picture = start;
             picture.resize(size, 'x');
             WriteBytes(Path("odd"), picture);

@@ -37,7 +37,7 @@ struct PageRows
     const std::string& output;
     int threads;
     RowOrder order = {};
-    // New rows are old rows as they are, and no work is done on them.
+    // New rows are old rows as they are.
     bool same = false;
 };
 
