@@ -1,4 +1,5 @@
 #include "tests/tools/pattern_texts.h"
+#include "tests/tools/replaced_text.h"
 #include "tests/tools/tool_fixture.h"
 #include "tools/pelkraft/pattern_fix.h"
 #include "tools/pelkraft/pattern_report.h"
@@ -15,11 +16,8 @@ using namespace Client;
 std::string With(const std::vector<std::pair<std::string, std::string>>& changes)
 {
     std::string text = smallPattern;
-    for (const auto& [from, to] : changes) {
-        const std::size_t at = text.find(from);
-        EXPECT_NE(std::string::npos, at) << from;
-        text.replace(at, from.size(), to);
-    }
+    for (const auto& [from, to] : changes)
+        text = Replaced(text, from, to);
     return text;
 }
 

@@ -1,4 +1,5 @@
 #include "tests/tools/pattern_texts.h"
+#include "tests/tools/replaced_text.h"
 #include "tests/tools/tool_fixture.h"
 #include "tools/pelkraft/finding_rules.h"
 #include "tools/pelkraft/sarif.h"
@@ -14,13 +15,6 @@ namespace {
 
 using Json = nlohmann::json;
 using namespace Client;
-
-std::string Replaced(std::string text, const std::string& from, const std::string& to)
-{
-    const std::size_t at = text.find(from);
-    EXPECT_NE(std::string::npos, at) << from;
-    return text.replace(at, from.size(), to);
-}
 
 class PatternSarif : public ToolFixture
 {

@@ -1,4 +1,5 @@
 #include "tests/tools/pattern_texts.h"
+#include "tests/tools/replaced_text.h"
 #include "tests/tools/tool_fixture.h"
 #include "tests/tools/well_formed.h"
 
@@ -10,13 +11,6 @@ namespace zvk::Pelkraft::TestSupport {
 namespace {
 
 using Json = nlohmann::json;
-
-std::string Replaced(std::string text, const std::string& from, const std::string& to)
-{
-    const std::size_t at = text.find(from);
-    EXPECT_NE(std::string::npos, at) << from;
-    return text.replace(at, from.size(), to);
-}
 
 class PatternVerbs : public ToolFixture
 {
