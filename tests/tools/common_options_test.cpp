@@ -45,6 +45,34 @@ TEST_F(CommonOptions, QuietLeavesErrorsAlone)
     EXPECT_TRUE(Refused(Run({"convert", "-q", Path("no.tif"), Path("out.tif")}), 6, {"no.tif"}));
 }
 
+// The numbers of a run's time are its own; all else is known.
+TEST_F(CommonOptions, VerboseTellsWhatWasReadChosenAndWritten)
+{
+    const auto size = [this](const char* name) {
+        return std::to_string(Bytes(Path(name)).size()) + " bytes\n";
+    };
+    const Outcome converted = Convert({"-v", "--threads", "3", "--portable"});
+    EXPECT_EQ(0, converted.exitCode);
+    EXPECT_EQ("", converted.output);
+    const std::string head = "pelkraft: ";
+    for (const std::string& line :
+         {std::string("; 3 threads\n"), head + Path("in.tif") + ": opened, " + size("in.tif"),
+          head + Path("in.tif") +
+              ": page 1: direct road of the library; ink: none is 255, all is 0",
+          head + "convert " + Path("out.tif") + ": 30 rows in ", std::string(" rows per second\n"),
+          head + Path("out.tif") + ": written, " + size("out.tif")})
+        EXPECT_NE(std::string::npos, converted.errors.find(line)) << line << converted.errors;
+
+    const Outcome simulated = Run({"simulate", "-v", Path("pattern.txt"), Path("in.tif"),
+                                   Path("out.tif"), "--engine", "x86", "--levels", "quantize"});
+    for (const std::string& line : {head + Path("pattern.txt") + ": opened, " + size("pattern.txt"),
+                                    std::string(": page 1: x86 engine; Cyan from channel 0"),
+                                    std::string(", quantized; Black"),
+                                    head + Path("out.tif") + ": written, " + size("out.tif")})
+        EXPECT_NE(std::string::npos, simulated.errors.find(line)) << line << simulated.errors;
+    EXPECT_TRUE(EndedSilently(Convert()));
+}
+
 TEST_F(CommonOptions, DryRunWritesNothingAndFindsWhatIsWrong)
 {
     for (const auto& call : WarningCalls()) {

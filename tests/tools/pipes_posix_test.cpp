@@ -190,7 +190,8 @@ TEST_F(Pipes, ThatNobodyReadsAnyMoreEndTheProgram)
     WriteInput({RandomImage(600, 500, 4, 8, 1)});
     const Outcome outcome =
         Shell("$P convert in.tif - | head -c 100 > /dev/null; exit ${PIPESTATUS[0]}");
-    EXPECT_TRUE(Refused(outcome, 6, {"-: cannot be written: whoever read the pipe has closed it"}));
+    EXPECT_TRUE(Refused(
+        outcome, 6, {"standard output: cannot be written: whoever read the pipe has closed it"}));
     EXPECT_EQ(Files(), std::vector<std::string>{"in.tif"});
 }
 
@@ -201,7 +202,7 @@ TEST_F(Pipes, AreKeptUpToALimitAlone)
     const auto run = [&](std::size_t limit) {
         return Shell("cat in.tif | $P convert - out.tif --spool-limit " + std::to_string(limit));
     };
-    EXPECT_TRUE(Refused(run(size - 1), 5, {"-: gives more than", "--spool-limit"}));
+    EXPECT_TRUE(Refused(run(size - 1), 5, {"standard input: gives more than", "--spool-limit"}));
     EXPECT_EQ(Files(), std::vector<std::string>{"in.tif"});
     EXPECT_TRUE(EndedSilently(run(size)));
 }
@@ -229,7 +230,7 @@ TEST_F(Pipes, TakeNothingCompressed)
     for (const char* const scheme : {"lzw", "zip"}) {
         const Outcome outcome =
             Shell(std::string("$P convert in.tif - > none --compress ") + scheme);
-        EXPECT_TRUE(Refused(outcome, 2, {"-: is a pipe, which takes no --compress"}));
+        EXPECT_TRUE(Refused(outcome, 2, {"standard output: is a pipe, which takes no --compress"}));
         EXPECT_EQ(Bytes(Path("none")), "");
         EXPECT_EQ(
             2, Shell(std::string("$P convert in.tif - --dry-run --compress ") + scheme).exitCode);
@@ -256,11 +257,12 @@ TEST_F(Pipes, CarryNoWords)
 TEST_F(Pipes, ThatGiveNothingOrNoPictureAreRefused)
 {
     EXPECT_TRUE(Refused(Shell(": | $P convert - out.tif"), 3,
-                        {"-: is not a TIFF file, since it is empty"}));
-    EXPECT_TRUE(Refused(Shell("echo text | $P convert - -"), 3, {"-: is not a TIFF file"}));
-    EXPECT_TRUE(Refused(Shell("$P convert - out.tif <&-"), 6, {"-: cannot be read"}));
+                        {"standard input: is not a TIFF file, since it is empty"}));
+    EXPECT_TRUE(
+        Refused(Shell("echo text | $P convert - -"), 3, {"standard input: is not a TIFF file"}));
+    EXPECT_TRUE(Refused(Shell("$P convert - out.tif <&-"), 6, {"standard input: cannot be read"}));
     EXPECT_TRUE(Refused(Shell("$P convert - out.tif < /dev/zero"), 6,
-                        {"-: cannot be read: it is not a regular file or a pipe"}));
+                        {"standard input: cannot be read: it is not a regular file or a pipe"}));
     EXPECT_TRUE(Files().empty());
 }
 
@@ -269,7 +271,7 @@ TEST_F(Pipes, ThatKeepSilentCanBeInterrupted)
     const Outcome outcome = Shell("mkfifo pipe; timeout -s INT 0.5 $P convert pipe out.tif; "
                                   "sleep 2 | timeout -s INT 0.5 $P convert - out.tif");
     EXPECT_EQ("pelkraft: pipe: interrupted; nothing was written\n"
-              "pelkraft: -: interrupted; nothing was written\n",
+              "pelkraft: standard input: interrupted; nothing was written\n",
               outcome.errors);
 }
 

@@ -157,6 +157,16 @@ TEST_F(SimulatePreview, KeepsItsSizeInBoundsAndThePixelsShape)
     }
 }
 
+TEST_F(SimulatePreview, IsMissedWhereColoursAreGiven)
+{
+    WriteInput(RandomImage(8, 3, 2, 8, 8), "Cyan Black");
+    const Outcome outcome = Simulate({"--ink", "Cyan=#123456"});
+    EXPECT_EQ(0, outcome.exitCode);
+    EXPECT_EQ("pelkraft: warning: --ink is about the preview, and there is none without "
+              "--preview\n",
+              outcome.errors);
+}
+
 TEST_F(SimulatePreview, IsTheSameForAnyThreads)
 {
     WriteInput(RandomImage(500, 600, 2, 8, 4));

@@ -3,8 +3,12 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/system_calls.h"
+#include "tools/pelkraft/text_output.h"
 
 #include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace zvk::Pelkraft::Client {
@@ -16,6 +20,13 @@ constexpr const char* keptByNoClobber =
 [[noreturn]] void ThrowWriteFailure(const std::string& path, const std::string& text)
 {
     throw Failure(ExitCode::ReadWrite, path, "cannot be written: " + text);
+}
+
+std::string SizeWords(const std::string& path)
+{
+    std::error_code unknown;
+    const std::uintmax_t size = std::filesystem::file_size(PathOf(path), unknown);
+    return unknown ? std::string() : ", " + ByteWords(size);
 }
 
 } // namespace
@@ -96,6 +107,7 @@ void AtomicOutput::Write(const std::string& bytes)
 
 void AtomicOutput::Commit()
 {
+    const std::string words = NotesAreWanted() ? SizeWords(temporaryPath) : std::string();
     const int error =
         rules.noClobber ? PlaceNew(temporaryPath, targetPath) : Replace(temporaryPath, targetPath);
     if (rules.noClobber && error == EEXIST)
@@ -103,6 +115,7 @@ void AtomicOutput::Commit()
     if (error != 0)
         ThrowWriteFailure(shownPath, ErrorText(error));
     temporaryPath.clear();
+    PrintNote(shownPath, "written" + words);
 }
 
 void AtomicOutput::RemoveAll() noexcept

@@ -21,14 +21,6 @@ constexpr const char* vectorRoad = "built in, taken from level 3 on";
 constexpr const char* vectorRoad = "not built";
 #endif
 
-std::string LevelText()
-{
-    constexpr std::array<const char*, 8> names = {"none",   "SSE",    "SSE2", "SSSE3",
-                                                  "SSE4.1", "SSE4.2", "AVX2", "AVX-512"};
-    const int level = SystemTools::GetSseVersion();
-    return std::to_string(level) + ", " + names.at(static_cast<std::size_t>(level));
-}
-
 // The library that runs, which need not be the one whose headers were there at the build.
 std::string TiffVersion()
 {
@@ -52,6 +44,14 @@ std::string BuildInfo()
 }
 
 } // namespace
+
+std::string LevelText()
+{
+    constexpr std::array<const char*, 8> names = {"none",   "SSE",    "SSE2", "SSSE3",
+                                                  "SSE4.1", "SSE4.2", "AVX2", "AVX-512"};
+    const int level = SystemTools::GetSseVersion();
+    return std::to_string(level) + ", " + names.at(static_cast<std::size_t>(level));
+}
 
 void AddBuildInfo(CLI::App& program)
 {

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <string>
 
 namespace zvk::Pelkraft::Client {
@@ -57,6 +58,14 @@ void AddMessageOptions(CLI::App& verb)
 }
 
 } // namespace
+
+void TakeColourWish(const std::vector<std::string>& words)
+{
+    const auto option = std::find(words.begin(), words.end(), "--color");
+    const bool isApart = option != words.end() && option + 1 != words.end() && option[1] == "never";
+    if (isApart || std::find(words.begin(), words.end(), "--color=never") != words.end())
+        ChangeStyle([](MessageStyle& style) { style.colour = false; });
+}
 
 void AddCommonOptions(CLI::App& verb, CommonOptions& options, JsonUse jsonUse)
 {

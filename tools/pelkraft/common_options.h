@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 namespace CLI {
 class App;
 }
@@ -18,6 +21,9 @@ struct CommonOptions
     // Checks everything that can be known beforehand, and writes nothing.
     bool dryRun = false;
 };
+
+// Lets --color never count where the command line is wrong, and its options take no effect.
+void TakeColourWish(const std::vector<std::string>& words);
 
 enum class JsonUse
 {

@@ -37,6 +37,7 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
     WarningCounts warnings;
     Json pages = Json::array();
     PageGroups plans;
+    PageGroups choices;
     VisitPages(file, options.input.pages, [&](int page) {
         const PagePlan plan = PlanPage(file, options);
         const auto rowBytes = static_cast<std::uint64_t>(plan.to.RowBytes());
@@ -49,12 +50,15 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
             pages.push_back(ExplainPageJson(plan, options, page));
         else if (options.common.explain)
             plans.Add(page, ExplainPage(plan, options));
+        if (NotesAreWanted())
+            choices.Add(page, ChoiceOf(plan));
         for (const std::string& warning : plan.tags.warnings)
             warnings.Add(warning);
     });
     if (TIFFIsBigTIFF(file.Get()) != 0 && !NeedsBigForm(total.bytes))
         for (int page = 0; page < total.pages; ++page)
             warnings.Add("the form for more than 4 GB is not kept: the new file is smaller");
+    NotePages(options.input.path, choices);
     warnings.Print(options.input.path);
     if (options.common.json)
         PrintBeside(options.output.path, JsonText({{"schema", 1}, {"pages", std::move(pages)}}));
@@ -68,7 +72,7 @@ bool ConvertAll(const TiffFile& file, const ConvertOptions& options, const Total
                 TiffOutput& output)
 {
     bool cutSamples = false;
-    Progress progress("convert " + options.output.path, total.rows, total.pages);
+    Progress progress("convert " + OutputName(options.output.path), total.rows, total.pages);
     VisitPages(file, options.input.pages, [&](int) {
         const PagePlan plan = PlanPage(file, options);
         cutSamples = ConvertPage(file, output.File(), plan, options, progress) || cutSamples;
@@ -135,7 +139,8 @@ private:
         verb->add_option("--bits", bits, "Bits per sample")->check(CLI::IsMember({1, 2, 8, 16}));
         verb->add_option("--channels", options.channels,
                          "New channels, each by the number or name of an old one, or - for an "
-                         "empty one: 2,1,0,3 or Cyan,Black");
+                         "empty one: 2,1,0,3 or Cyan,Black")
+            ->type_name("LIST");
         verb->add_option("--repeat", options.repeat, "Write each pixel of a row this many times")
             ->check(CLI::IsMember({1, 2, 4}));
         verb->add_flag("--mirror", options.mirror,

@@ -151,6 +151,13 @@ std::string ExplainPage(const PagePlan& plan, const ConvertOptions& options)
     return text;
 }
 
+std::string ChoiceOf(const PagePlan& plan)
+{
+    const Json description = ReadDescription(plan);
+    return description["road"].get<std::string>() +
+           " road of the library; ink: " + InkText(plan.range);
+}
+
 Json ExplainPageJson(const PagePlan& plan, const ConvertOptions& options, int page)
 {
     const RowRequest& request = plan.rows.Request();

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/failure.h"
 
 #include "pelkraft/plan.hpp"
+#include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/memory_end.h"
 #include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/page_warnings.h"
@@ -21,7 +22,7 @@ constexpr const char* usualColour = "\033[0m";
 void PrintLine(const char* colour, const char* kind, const std::string& file,
                const std::string& text)
 {
-    const std::string where = file.empty() ? std::string() : Shown(file) + ": ";
+    const std::string where = file.empty() ? std::string() : Shown(InputName(file)) + ": ";
     const bool coloured = *colour != 0 && GetMessageStyle().colour && ErrorsTakeColours();
     const char* const start = coloured ? colour : "";
     const char* const end = coloured ? usualColour : "";
@@ -71,9 +72,14 @@ void PrintWarning(const std::string& file, const std::string& text)
         PrintLine(warningColour, "warning: ", file, text);
 }
 
+bool NotesAreWanted()
+{
+    return GetMessageStyle().verbose;
+}
+
 void PrintNote(const std::string& file, const std::string& text)
 {
-    if (GetMessageStyle().verbose)
+    if (NotesAreWanted())
         PrintLine("", "", file, text);
 }
 

@@ -32,6 +32,7 @@ void PrintError(const std::string& file, const std::string& text);
 void PrintWarning(const std::string& file, const std::string& text);
 // Tells those who ask for it what was done.
 void PrintNote(const std::string& file, const std::string& text);
+bool NotesAreWanted();
 
 // Prints what the exception that is being handled says, and gives the code to exit with.
 ExitCode ReportCurrentException() noexcept;

@@ -4,6 +4,7 @@
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/system_calls.h"
+#include "tools/pelkraft/text_output.h"
 
 #include <cerrno>
 #include <utility>
@@ -34,7 +35,7 @@ std::size_t ReadPiece(int pipe, std::vector<char>& piece, const std::string& pat
 {
     for (;;) {
         const std::int64_t count = ReadNext(pipe, piece.data(), piece.size());
-        StopIfInterrupted(path);
+        StopIfInterrupted(InputName(path));
         if (count >= 0)
             return static_cast<std::size_t>(count);
         if (count != -EINTR && count != -EAGAIN)
@@ -62,6 +63,16 @@ std::uint64_t CopyPipe(int pipe, int file, const std::string& path, std::uint64_
 
 } // namespace
 
+std::string InputName(const std::string& path)
+{
+    return path == standardStream ? "standard input" : path;
+}
+
+std::string OutputName(const std::string& path)
+{
+    return path == standardStream ? "standard output" : path;
+}
+
 InputFile::InputFile(const std::string& path, FileKind kind, const Spool& spool)
 {
     OpenedFile file;
@@ -80,6 +91,7 @@ InputFile::InputFile(const std::string& path, FileKind kind, const Spool& spool)
         std::swap(opened.descriptor, kept.descriptor);
     }
     descriptor = std::exchange(opened.descriptor, -1);
+    PrintNote(path, "opened, " + ByteWords(size) + (file.pipe ? " through a pipe" : ""));
 }
 
 InputFile::~InputFile()

@@ -11,6 +11,11 @@ namespace zvk::Pelkraft::Client {
 // written.
 inline constexpr const char* standardStream = "-";
 
+// The names of an input and of an output for messages. A message about a path that is the stream's
+// own is about the input.
+std::string InputName(const std::string& path);
+std::string OutputName(const std::string& path);
+
 // Tells where a pipe may be kept, and how much of it.
 struct Spool
 {

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/interrupt.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/input_file.h"
 
 #include <atomic>
 
@@ -20,7 +21,8 @@ void NoteInterrupt() noexcept
 void StopIfInterrupted(const std::string& outputPath)
 {
     if (interrupted)
-        throw Failure(ExitCode::Interrupted, outputPath, "interrupted; nothing was written");
+        throw Failure(ExitCode::Interrupted, OutputName(outputPath),
+                      "interrupted; nothing was written");
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -100,7 +100,8 @@ public:
         verb->add_option("PLATE", arguments, "The plates, each a path or NAME=PATH")->required();
         verb->add_option("--order", order,
                          "Inks that come first, in this order: Black,Cyan; the others follow as "
-                         "usual");
+                         "usual")
+            ->type_name("LIST");
         AddInputOptions(*verb, input, RangeWords::ReadingAlone);
         AddOutputOptions(*verb, output);
         AddCommonOptions(*verb, common);
@@ -223,7 +224,7 @@ private:
 
     void JoinAll(const std::vector<OpenGroup>& groups, TiffOutput& out, const Total& total) const
     {
-        Progress progress("join " + output.path, total.rows, total.pages);
+        Progress progress("join " + OutputName(output.path), total.rows, total.pages);
         for (const OpenGroup& group : groups) {
             group.VisitPages(input.pages, [&](int) {
                 progress.StartPage();

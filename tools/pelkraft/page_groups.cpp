@@ -1,5 +1,6 @@
 #include "tools/pelkraft/page_groups.h"
 
+#include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/message_style.h"
 
 #include <algorithm>
@@ -37,6 +38,12 @@ std::string PlanText(const PageGroups& plans)
     for (const PageGroup& group : plans.All())
         text += PageLabel(group.pages) + group.text;
     return text;
+}
+
+void NotePages(const std::string& file, const PageGroups& groups)
+{
+    for (const PageGroup& group : groups.All())
+        PrintNote(file, PageLabel(group.pages) + ": " + group.text);
 }
 
 std::string PageCountWords(const std::vector<int>& pages, bool severalPages)

@@ -34,6 +34,9 @@ std::string PageLabel(const std::vector<int>& pages);
 // The plans of pages, each after the label of its pages.
 std::string PlanText(const PageGroups& plans);
 
+// Tells of each group who asks for notes.
+void NotePages(const std::string& file, const PageGroups& groups);
+
 // The start of a warning: the page, or the number of pages where nobody asked for more; nothing if
 // the file has a single page.
 std::string PageCountWords(const std::vector<int>& pages, bool severalPages);

@@ -313,7 +313,8 @@ void PreviewPages(const PreviewOptions& options)
         return;
 
     std::list<PictureOutput> outputs;
-    Progress progress("preview " + options.output, rows, static_cast<int>(paths.size()));
+    Progress progress("preview " + OutputName(options.output), rows,
+                      static_cast<int>(paths.size()));
     std::size_t shown = 0;
     VisitPages(file, options.input.pages, [&](int) {
         const std::string& path = paths[shown++];

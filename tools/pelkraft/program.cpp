@@ -2,6 +2,7 @@
 
 #include "tools/pelkraft/build_info.h"
 #include "tools/pelkraft/check_command.h"
+#include "tools/pelkraft/common_options.h"
 #include "tools/pelkraft/convert_command.h"
 #include "tools/pelkraft/coverage_command.h"
 #include "tools/pelkraft/failure.h"
@@ -17,6 +18,7 @@
 #include "tools/pelkraft/split_command.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/usage_errors.h"
+#include "tools/pelkraft/workers.h"
 #include "zvk/diagnostics.h"
 
 #include <CLI/CLI.hpp>
@@ -58,9 +60,23 @@ int Answer(const CLI::App& program, const CLI::Success& success)
 
 using Verbs = std::vector<std::unique_ptr<ISubcommand>>;
 
+// Tells those who ask what the work runs on, where a verb works at all.
+void NoteMachine(const CLI::App& program)
+{
+    const CLI::App* verb = &program;
+    while (!verb->get_subcommands().empty())
+        verb = verb->get_subcommands().front();
+    const CLI::Option* const option = verb->get_option_no_throw("--threads");
+    const int threads =
+        option != nullptr && option->count() != 0 ? option->as<int>() : DefaultThreads();
+    PrintNote({}, "processor level " + LevelText() + "; " + std::to_string(threads) +
+                      (threads == 1 ? " thread" : " threads"));
+}
+
 int ParseAndRun(CLI::App& program, const Verbs& verbs, int argc, const char* const* argv)
 {
     const std::vector<std::string> words(argv + 1, argv + argc);
+    TakeColourWish(words);
     try {
         program.parse(argc, argv);
     } catch (const CLI::Success& success) {
@@ -71,6 +87,7 @@ int ParseAndRun(CLI::App& program, const Verbs& verbs, int argc, const char* con
         throw Failure(ExitCode::Usage, {}, UsageError(program, error));
     }
     RefuseEmptyValues(program, words);
+    NoteMachine(program);
     const auto chosen =
         std::find_if(verbs.begin(), verbs.end(), [](const auto& verb) { return verb->Chosen(); });
     return static_cast<int>((*chosen)->Run());

@@ -1,9 +1,11 @@
 #include "tools/pelkraft/progress.h"
 
+#include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/message_style.h"
 #include "tools/pelkraft/shown_text.h"
 #include "tools/pelkraft/terminal.h"
+#include "tools/pelkraft/text_output.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -37,6 +39,9 @@ Progress::~Progress()
 {
     if (shownColumns != 0)
         WipeLine();
+    // Whatever ended ahead of its last row will say so itself.
+    if (state.rows == state.allRows)
+        PrintNote(state.label, SpeedWords(state.rows, Clock::now() - start));
 }
 
 void Progress::Advance(std::uint64_t rows)

@@ -91,9 +91,10 @@ public:
             ->check(CLI::IsMember({"raw", "quantize", "dither"}));
         AddToneOptions();
         verb->add_option("--preview", options.preview,
-                         "Also write a PNG that shows the first page as a person sees it");
-        verb->add_option("--ink", inks,
-                         "Colour of an out-ink in the preview, NAME=#RRGGBB; may be repeated");
+                         "Also write a PNG that shows the first page as a person sees it")
+            ->type_name("FILE");
+        verb->add_option("--ink", inks, "Colour of an out-ink in the preview; may be repeated")
+            ->type_name("NAME=#RRGGBB");
         AddInputOptions(*verb, options.input, RangeWords::ReadingAlone);
         AddOutputOptions(*verb, options.output);
         AddCommonOptions(*verb, options.common);
@@ -114,6 +115,8 @@ public:
         const LoadedPattern pattern(text, options.engine);
         findings.StopAtErrors();
         RefuseUnknownInks(pattern);
+        if (!inks.empty() && options.preview.empty())
+            PrintWarning({}, "--ink is about the preview, and there is none without --preview");
         const StepChoice steps = ChooseSteps(pattern, options.levels, options.tone);
         TiffFile file = OpenInput(options.input, options.output.path);
         Total total = PlanAll(file, pattern, steps);
@@ -148,14 +151,16 @@ private:
                          "Ink of each step for the dither: coverage, by the shares and values of "
                          "the pattern; equal, in equal distances; or a CSV file with lines of an "
                          "in-colour, a step and its ink")
+            ->type_name("TONE")
             ->capture_default_str();
         verb->add_option("--bits", options.bits,
                          "Bits per sample of the new file; 2 takes inks of values up to 3")
             ->check(CLI::IsMember({2, 8}))
             ->capture_default_str();
         verb->add_option("--origin", origin,
-                         "X,Y: the place of a page's first pixel, for the dither and, with Y, for "
-                         "the pattern's rows")
+                         "The place of a page's first pixel, for the dither and, with Y, for the "
+                         "pattern's rows")
+            ->type_name("X,Y")
             ->default_str("0,0");
         verb->add_flag("--pages", options.runsOn,
                        "Let the rows of the pattern and of the dither run on from page to page, "
@@ -251,6 +256,7 @@ private:
         Total total;
         std::set<std::size_t> flat;
         PageGroups plans;
+        PageGroups choices;
         Json pages = Json::array();
         VisitPages(file, options.input.pages, [&](int page) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern, steps);
@@ -263,6 +269,8 @@ private:
             else if (options.common.explain)
                 plans.Add(page, ExplainSimulation(plan, pattern));
             WarnOfGuesses(plan, pattern);
+            if (NotesAreWanted())
+                choices.Add(page, ChoicesOf(plan, pattern));
             total.warned = WarnOfUnused(plan) || total.warned;
             for (std::size_t i = 0; i < steps.topSteps.size(); ++i)
                 if (steps.IsFlat(i, plan.steps.toneCount))
@@ -271,6 +279,7 @@ private:
         PrintBeside(options.output.path,
                     options.common.json ? JsonText({{"schema", 1}, {"pages", std::move(pages)}})
                                         : PlanText(plans));
+        NotePages(options.input.path, choices);
         for (const std::size_t inColour : flat)
             PrintWarning(options.pattern, FlatInksWords(pattern, steps, inColour));
         total.warned = total.warned || !flat.empty();
@@ -302,7 +311,7 @@ private:
         bool sawHighStep = false;
         bool first = true;
         SimulationRun run = {options, pattern};
-        Progress progress("simulate " + options.output.path, total.rows, total.pages);
+        Progress progress("simulate " + OutputName(options.output.path), total.rows, total.pages);
         VisitPages(file, options.input.pages, [&](int) {
             const SimulationPlan plan = PlanSimulation(file, options, pattern, steps);
             std::string shown;

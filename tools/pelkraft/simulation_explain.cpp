@@ -32,6 +32,16 @@ std::string ExplainSimulation(const SimulationPlan& plan, const LoadedPattern& p
     return text + "  out-inks " + Shown(Joined(pattern.outInks, ", ")) + '\n';
 }
 
+std::string ChoicesOf(const SimulationPlan& plan, const LoadedPattern& pattern)
+{
+    std::string text = EngineName(pattern.engine) + " engine";
+    for (std::size_t i = 0; i < pattern.inColours.size(); ++i)
+        text += "; " + pattern.inColours[i] + " from channel " +
+                ChannelWords(plan.channels, plan.choice.map[i]) + " by " + ChoiceWords(plan, i) +
+                ", " + WayWords(plan.steps.ways[i]);
+    return text;
+}
+
 Json ExplainSimulationJson(const SimulationPlan& plan, const LoadedPattern& pattern, int page)
 {
     Json inColours = Json::array();

@@ -34,15 +34,25 @@ void PrintBeside(const std::string& outputPath, const std::string& text)
     [[maybe_unused]] const int ignored = WriteAll(standardError, text.data(), text.size());
 }
 
-void PrintSpeed(const std::string& outputPath, std::uint64_t rows,
-                std::chrono::steady_clock::duration time)
+std::string ByteWords(std::uint64_t count)
+{
+    return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+std::string SpeedWords(std::uint64_t rows, std::chrono::steady_clock::duration time)
 {
     const double seconds = std::chrono::duration<double>(time).count();
     const double rate = seconds > 0 ? static_cast<double>(rows) / seconds : 0;
     char line[128];
-    std::snprintf(line, sizeof line, "%llu rows in %.3f s, %.0f rows per second\n",
+    std::snprintf(line, sizeof line, "%llu rows in %.3f s, %.0f rows per second",
                   static_cast<unsigned long long>(rows), seconds, rate);
-    PrintBeside(outputPath, line);
+    return line;
+}
+
+void PrintSpeed(const std::string& outputPath, std::uint64_t rows,
+                std::chrono::steady_clock::duration time)
+{
+    PrintBeside(outputPath, SpeedWords(rows, time) + '\n');
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -18,6 +18,12 @@ void PrintText(const std::string& text);
 // The same, but to the standard error stream where a picture goes to the other.
 void PrintBeside(const std::string& outputPath, const std::string& text);
 
+// "1 byte", "2 bytes".
+std::string ByteWords(std::uint64_t count);
+
+// "30 rows in 0.012 s, 2500 rows per second".
+std::string SpeedWords(std::uint64_t rows, std::chrono::steady_clock::duration time);
+
 // The line that ends an explained run.
 void PrintSpeed(const std::string& outputPath, std::uint64_t rows,
                 std::chrono::steady_clock::duration time);

@@ -2,7 +2,9 @@
 
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/file_calls.h"
+#include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/system_calls.h"
+#include "tools/pelkraft/text_output.h"
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -10,11 +12,11 @@ namespace {
 void CheckPipe(const OutputOptions& options)
 {
     if (options.compression.value_or(COMPRESSION_NONE) != COMPRESSION_NONE)
-        throw Failure(ExitCode::Usage, options.path,
+        throw Failure(ExitCode::Usage, OutputName(options.path),
                       "is a pipe, which takes no --compress: where each strip begins is told "
                       "before the first is written");
     if (OutputIsSeen())
-        throw Failure(ExitCode::Usage, options.path,
+        throw Failure(ExitCode::Usage, OutputName(options.path),
                       "is a terminal; a picture goes to a file or into a pipe");
 }
 
@@ -23,9 +25,9 @@ TiffFile OpenPipe(const OutputOptions& options, bool big, int pages)
     CheckPipe(options);
     const int descriptor = DuplicateOutput();
     if (descriptor < 0)
-        throw Failure(ExitCode::ReadWrite, options.path,
+        throw Failure(ExitCode::ReadWrite, OutputName(options.path),
                       "cannot be written: " + ErrorText(-descriptor));
-    return TiffFile::OpenForSending(descriptor, options.path, big, pages);
+    return TiffFile::OpenForSending(descriptor, OutputName(options.path), big, pages);
 }
 
 OutputRules RulesFor(const OutputOptions& options)
@@ -58,6 +60,8 @@ void TiffOutput::Commit()
 {
     if (output)
         output->Commit();
+    else
+        PrintNote(file.Path(), "written, " + ByteWords(file.Size()));
 }
 
 } // namespace zvk::Pelkraft::Client
