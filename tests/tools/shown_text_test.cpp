@@ -54,6 +54,14 @@ TEST(ShownText, HasAMarkForEachByteThatIsNoText)
     EXPECT_EQ("????", Shown("\xF4\x90\x80\x80"));
 }
 
+TEST(ShownText, IsPaddedByItsColumns)
+{
+    EXPECT_EQ("\xC3\xB6  ", PaddedRight("\xC3\xB6", 3));
+    EXPECT_EQ("  \xC3\xB6", PaddedLeft("\xC3\xB6", 3));
+    EXPECT_EQ("abc", PaddedRight("abc", 3));
+    EXPECT_EQ("abcd", PaddedLeft("abcd", 3));
+}
+
 TEST(ShownText, IsCutAtTheStartOfACharacter)
 {
     const std::string text = "a\xC3\xB6\xE8\x89\xB2z";

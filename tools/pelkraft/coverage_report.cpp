@@ -2,7 +2,6 @@
 
 #include "tools/pelkraft/findings.h"
 
-#include <algorithm>
 #include <cstdio>
 
 namespace zvk::Pelkraft::Client {
@@ -26,8 +25,7 @@ std::string Fixed(double number)
 
 std::string Row(const std::string& name, const std::string& mean, const std::string& largest)
 {
-    std::string row = "  " + name;
-    row.resize(std::max(row.size() + 1, nameColumn), ' ');
+    const std::string row = PaddedRight("  " + name + ' ', nameColumn);
     char cells[160];
     std::snprintf(cells, sizeof cells, "%10s %10s\n", mean.c_str(), largest.c_str());
     return row + cells;

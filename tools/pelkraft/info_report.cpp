@@ -87,12 +87,9 @@ const char* PolarityName(const InkCodes& codes)
     return codes.InkIsHigh() ? "ink-high" : "ink-low";
 }
 
-std::string Cell(const std::string& text, int width)
+std::string Cell(const std::string& text, std::size_t width)
 {
-    std::string cell = text;
-    if (cell.size() < static_cast<std::size_t>(width))
-        cell.insert(0, static_cast<std::size_t>(width) - cell.size(), ' ');
-    return ' ' + cell;
+    return ' ' + PaddedLeft(text, width);
 }
 
 std::string StatisticsCells(const ChannelStatistics& statistics, bool hasCodes)
@@ -109,9 +106,7 @@ std::string StatisticsCells(const ChannelStatistics& statistics, bool hasCodes)
 std::string ChannelLine(const PageFacts& facts, std::size_t index)
 {
     const Channel& channel = facts.channels[index];
-    std::string name = channel.name.empty() ? "-" : Shown(channel.name);
-    name.resize(std::max(name.size(), nameColumn), ' ');
-    std::string line = name;
+    std::string line = PaddedRight(channel.name.empty() ? "-" : Shown(channel.name), nameColumn);
     if (!channel.ink)
         line += Cell(channel.IsAlpha() ? "alpha" : "extra", 9) + Cell("-", 6) + Cell("-", 6);
     else if (facts.codes)
@@ -126,8 +121,7 @@ std::string ChannelLine(const PageFacts& facts, std::size_t index)
 
 std::string ChannelHeading(bool statistics)
 {
-    std::string line = "name";
-    line.resize(nameColumn, ' ');
+    std::string line = PaddedRight("name", nameColumn);
     line += Cell("polarity", 9) + Cell("0 %", 6) + Cell("100 %", 6);
     if (statistics)
         line += Cell("lowest", 7) + Cell("highest", 7) + Cell("mean", 10) + Cell("used", 9);

@@ -75,6 +75,18 @@ std::size_t ShownColumns(std::string_view text)
     return columns;
 }
 
+std::string PaddedRight(std::string text, std::size_t columns)
+{
+    const std::size_t taken = ShownColumns(text);
+    return text.append(taken < columns ? columns - taken : 0, ' ');
+}
+
+std::string PaddedLeft(const std::string& text, std::size_t columns)
+{
+    const std::size_t taken = ShownColumns(text);
+    return std::string(taken < columns ? columns - taken : 0, ' ') + text;
+}
+
 std::string LastColumns(const std::string& text, std::size_t columns)
 {
     std::string_view rest = text;

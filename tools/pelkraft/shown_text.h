@@ -14,6 +14,10 @@ std::string Shown(std::string_view text);
 // Columns that a terminal takes for such a text at most: letters that may be wide count twice.
 std::size_t ShownColumns(std::string_view text);
 
+// Such a text with spaces after it, or ahead of it, so that it takes at least so many columns.
+std::string PaddedRight(std::string text, std::size_t columns);
+std::string PaddedLeft(const std::string& text, std::size_t columns);
+
 // The end of such a text, as far as it fits so many columns.
 std::string LastColumns(const std::string& text, std::size_t columns);
 
