@@ -132,6 +132,8 @@ TEST(InkFile, NamesTheFirstLineThatIsWrong)
         {"Cyan #0090D0 2", "found \"2\""},
         {"Cyan #0090D0 0.0000000001", "found \"0.0000000001\""},
         {"Cyan #0090D0 0 40%", "found \"40%\", expected a strength from 0 to 1"},
+        {"Light Cyan #0090D0 0", "expected quotes around a name of several: \"Light Cyan\""},
+        {"Warm Light Cyan #0090D0 0 1", "found 3 words ahead of the colour"},
         {"MAGENTA #0090D0 0", "found \"MAGENTA\" a second time"},
     };
     for (const auto& [line, found] : faults) {

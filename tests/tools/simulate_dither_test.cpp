@@ -194,6 +194,8 @@ TEST_F(DitheredSimulation, RefusesTablesThatDoNotFit)
             << line;
     }
     EXPECT_TRUE(Refused(Simulate({"--tone", Path("none.csv")}), 6, {"none.csv"}));
+    EXPECT_TRUE(Refused(Simulate({"--tone", "equla"}), 2, {"--tone equla", "Did you mean equal?"}));
+    EXPECT_TRUE(Refused(Simulate({"--tone", "Coverage"}), 2, {"Did you mean coverage?"}));
     EXPECT_TRUE(
         Refused(Simulate({"--tone", "equal", "--levels", "raw"}), 2, {"--tone", "--levels raw"}));
 }

@@ -54,9 +54,26 @@ std::string Found(const std::string& word, const char* expected)
     return "found \"" + word + "\", expected " + expected;
 }
 
+// The words ahead of a colour, where there is one, are a name that wants quotes.
+std::string UnquotedName(const std::vector<std::string>& words)
+{
+    const auto colour = std::find_if(words.begin(), words.end(), [](const std::string& word) {
+        return ReadColour(word).has_value();
+    });
+    if (colour == words.end() || colour - words.begin() < 2)
+        return {};
+    std::string name;
+    for (auto word = words.begin(); word != colour; ++word)
+        name += (name.empty() ? "" : " ") + *word;
+    return "found " + std::to_string(colour - words.begin()) +
+           " words ahead of the colour, expected quotes around a name of several: \"" + name + '"';
+}
+
 // Answers what is wrong, or nothing.
 std::string AddInk(const std::vector<std::string>& words, InkTable& inks)
 {
+    if (const std::string fault = UnquotedName(words); !fault.empty())
+        return fault;
     if (words.size() < 3 || words.size() > 4)
         return "found " + std::to_string(words.size()) +
                " words, expected a name, a colour, an opacity and, if it is not 1, a strength";
