@@ -213,9 +213,9 @@ TEST_F(ConvertWork, TellsItsExitCodesInTheHelp)
         const Outcome outcome = Run(arguments);
         EXPECT_TRUE(EndedSilently(outcome));
         for (const char* words :
-             {"0    done", "1    findings in a pattern", "2    wrong usage", "3    bad input file",
-              "4    bad pattern", "5    conversion not supported", "6    reading or writing failed",
-              "7    out of memory", "130  interrupted"})
+             {"0    done", "1    findings of check or in a pattern", "2    wrong usage",
+              "3    bad input file", "4    bad pattern", "5    conversion not supported",
+              "6    reading or writing failed", "7    out of memory", "130  interrupted"})
             EXPECT_NE(std::string::npos, outcome.output.find(words)) << words;
     }
     const Outcome verb = Run({"convert", "--help"});

@@ -28,6 +28,7 @@ public:
         verb->add_option("FILE", paths, "The files to check");
         verb->add_option("--rules", rules,
                          "Rules to check by, their names between commas; list shows them")
+            ->type_name("LIST")
             ->default_str("all");
         verb->add_option("--format", format, "Form of the findings")
             ->check(CLI::IsMember({"text", "json", "sarif"}))

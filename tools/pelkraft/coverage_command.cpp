@@ -45,12 +45,15 @@ public:
         verb->add_option_function<std::string>(
                 "--limit", [this](const std::string& words) { limit = ReadLimit(words); },
                 "Percent of all inks together that a pixel may have")
+            ->type_name("PCT")
             ->default_str("300");
         verb->add_option_function<std::string>(
                 "--window", [this](const std::string& words) { window = ReadWindowSize(words); },
                 "Side of the window, in mm, in or px")
+            ->type_name("SIDE")
             ->default_str("1mm");
-        verb->add_option("--map", map, "Also write a PNG that shows where the ink lies");
+        verb->add_option("--map", map, "Also write a PNG that shows where the ink lies")
+            ->type_name("FILE");
         verb->add_flag("--no-clobber", rules.noClobber, "Refuse to overwrite a file");
         AddInputOptions(*verb, input, RangeWords::ReadingAlone);
         AddCommonOptions(*verb, common, JsonUse::Result);

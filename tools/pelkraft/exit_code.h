@@ -20,9 +20,10 @@ enum class ExitCode : int
 inline constexpr const char* exitCodeHelp =
     "Exit codes:\n"
     "  0    done, perhaps with warnings about tags\n"
-    "  1    findings in a pattern, or done with a warning about pixels: raw samples that exceed\n"
-    "       the levels or steps, channels that no in-colour takes, in-colours whose ink does not\n"
-    "       rise from step to step, so that they are not dithered; or a mask that differs\n"
+    "  1    findings of check or in a pattern, ink above the limit of coverage, patterns that\n"
+    "       differ, a mask that differs; or done with a warning about pixels: raw samples that\n"
+    "       exceed the levels or steps, channels that no in-colour takes, in-colours whose ink\n"
+    "       does not rise from step to step, so that they are not dithered\n"
     "  2    wrong usage\n"
     "  3    bad input file\n"
     "  4    bad pattern\n"

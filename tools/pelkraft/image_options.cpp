@@ -170,7 +170,8 @@ void AddInputOptions(CLI::App& verb, InputOptions& input, RangeWords known)
 {
     verb.add_option_function<std::string>(
             "--page", [&input](const std::string& words) { input.pages = PageChoice(words); },
-            "Pages to take: all, or numbers and ranges as in 1,3-5")
+            "Pages to take, in the order of the file: all, or numbers and ranges as in 1,3-5")
+        ->type_name("PAGES")
         ->default_str("all");
     const std::map<std::string, Polarity> polarities = {
         {"auto", Polarity::Auto}, {"ink-high", Polarity::InkHigh}, {"ink-low", Polarity::InkLow}};
@@ -192,12 +193,14 @@ void AddInputOptions(CLI::App& verb, InputOptions& input, RangeWords known)
                   "becomes of them: keep lets samples stay, scale maps them to the same range at "
                   "the new depth, full to all that it has; may be given for both"
                 : "Samples of no ink and of full ink, LO,HI; keep takes those in the tags")
+        ->type_name("RANGE")
         ->allow_extra_args(false)
         ->default_str("keep");
     verb.add_option_function<std::string>(
             "--spool-limit",
             [&input](const std::string& words) { input.spoolLimit = ReadSize(words); },
             "Bytes of a pipe that may be kept in a file, as in 500M")
+        ->type_name("SIZE")
         ->default_str("16G");
 }
 

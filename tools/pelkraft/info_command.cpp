@@ -9,13 +9,17 @@
 
 #include <CLI/CLI.hpp>
 
+#include <chrono>
+
 namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr const char* infoHelp =
     "Shows each page's size, samples, kind and colour profile, and of each channel its name, its\n"
-    "polarity, and the samples of no and of full ink. Without --stats no sample is read, however\n"
-    "large the file is. A file that can't be read doesn't keep the others from being shown.\n\n";
+    "polarity, and the samples of no and of full ink. Without --stats, and in a dry run, no "
+    "sample\n"
+    "is read, however large the file is. A file that can't be read doesn't keep the others from\n"
+    "being shown.\n\n";
 
 class InfoCommand final : public ISubcommand
 {
@@ -38,6 +42,9 @@ public:
         CatchInterrupts();
         ExitCode code = ExitCode::Done;
         Json files = Json::array();
+        const auto start = std::chrono::steady_clock::now();
+        if (common.explain && !common.json)
+            PrintText(Plan());
         for (const std::string& path : paths) {
             try {
                 const FileFacts facts = ReadFacts(path);
@@ -55,10 +62,23 @@ public:
         }
         if (common.json)
             PrintText(JsonText({{"schema", 1}, {"files", std::move(files)}}));
+        else if (common.explain && statistics && !common.dryRun)
+            PrintSpeed({}, rows, std::chrono::steady_clock::now() - start);
         return code;
     }
 
 private:
+    std::string Plan() const
+    {
+        if (!statistics)
+            return "plan: the tags of each page, and no sample\n";
+        return "plan: the tags of each page, and " +
+               std::string(common.dryRun ? "no sample in a dry run"
+                                         : "all samples, on " + std::to_string(common.threads) +
+                                               (common.threads == 1 ? " thread" : " threads")) +
+               '\n';
+    }
+
     FileFacts ReadFacts(const std::string& path)
     {
         const TiffFile file = TiffFile::OpenForReading(path, {{}, input.spoolLimit});
@@ -69,7 +89,8 @@ private:
         facts.bigEndian = TIFFIsBigEndian(file.Get()) != 0;
         VisitPages(file, input.pages, [&](int page) {
             facts.pages.push_back(ReadPageFacts(file, input, page));
-            if (statistics)
+            rows += facts.pages.back().picture.height;
+            if (statistics && !common.dryRun)
                 Count(file, facts.pages.back());
         });
         file.RequireSound();
@@ -89,6 +110,7 @@ private:
     std::vector<std::string> paths;
     CommonOptions common;
     bool statistics = false;
+    std::uint64_t rows = 0;
 };
 
 } // namespace

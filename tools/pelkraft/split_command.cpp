@@ -81,7 +81,8 @@ public:
         verb = program.add_subcommand("split", "Split a page into a plate for each ink");
         verb->add_option("IN.tif", input.path, "The file to read")->required();
         verb->add_option("BASE", base, "Path and first part of the plates' names")->required();
-        verb->add_option("--inks", inks, "Inks to split off, by number or name: 0,Black");
+        verb->add_option("--inks", inks, "Inks to split off, by number or name: 0,Black")
+            ->type_name("LIST");
         verb->add_option("--naming", naming, "Names as in page(Cyan).tif, or as in page.Cyan.tif")
             ->check(CLI::IsMember({"gs", "dot"}))
             ->capture_default_str();
