@@ -38,7 +38,7 @@ TEST_F(SimulateFailures, NamePatternsThatTheEngineRefuses)
     EXPECT_TRUE(EndedSilently(Simulate({"--engine", "reference", "--levels", "quantize"})));
 }
 
-// Of both byte orders and both formats, and before their size is complained of.
+// Both byte orders and both formats count, and the size is complained of later.
 TEST_F(SimulateFailures, KnowPicturesInThePlaceOfTexts)
 {
     for (const std::string& start : {std::string("II*\0", 4), std::string("MM\0*", 4),

@@ -17,7 +17,7 @@ using namespace std::string_view_literals;
 
 constexpr std::uint64_t largestFile = std::uint64_t{1} << 20;
 
-// Of both byte orders, in the plain format and in that of large files.
+// A TIFF file begins so, in both byte orders, in the plain format and in that of large files.
 constexpr std::string_view pictureStarts[] = {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv};
 
 // A picture is known before its size is complained of.
