@@ -41,11 +41,12 @@ void AddSamples(const Sample* samples, std::int64_t count, const InkCodes& codes
 }
 
 template <typename Sample>
-void AddRow(const SamplePlanes& planes, const SamplePlanes::Row& row, const InkCodes& codes,
-            std::vector<ChannelStatistics>& totals)
+void AddRow(const SamplePlanes& planes, const SamplePlanes::Row& row,
+            const std::vector<InkCodes>& codes, std::vector<ChannelStatistics>& totals)
 {
     for (int channel = 0; channel < planes.Channels(); ++channel)
-        AddSamples(row.Channel<Sample>(channel), planes.Width(), codes,
+        AddSamples(row.Channel<Sample>(channel), planes.Width(),
+                   codes[static_cast<std::size_t>(channel)],
                    totals[static_cast<std::size_t>(channel)]);
 }
 
@@ -61,7 +62,7 @@ void ChannelStatistics::Add(const ChannelStatistics& other)
 }
 
 std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPicture& picture,
-                                            const InkCodes& codes, int threads)
+                                            const std::vector<InkCodes>& codes, int threads)
 {
     const SamplePlanes planes(file, picture, {});
     const std::vector<ChannelStatistics> none(static_cast<std::size_t>(picture.channels));

@@ -26,6 +26,6 @@ struct ChannelStatistics
 
 // Counts the page at which the file stands. Samples beyond that of no ink have none either.
 std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPicture& picture,
-                                            const InkCodes& codes, int threads);
+                                            const std::vector<InkCodes>& codes, int threads);
 
 } // namespace zvk::Pelkraft::Client

@@ -101,8 +101,9 @@ private:
 
     void Count(const TiffFile& file, PageFacts& facts) const
     {
-        facts.statistics = CountSamples(file, ReadPicture(file),
-                                        facts.codes.value_or(InkCodes{0, 1}), common.threads);
+        std::vector<InkCodes> codes = facts.codes;
+        codes.resize(facts.channels.size(), {0, 1});
+        facts.statistics = CountSamples(file, ReadPicture(file), codes, common.threads);
     }
 
     CLI::App* verb = nullptr;

@@ -109,13 +109,14 @@ std::string ChannelLine(const PageFacts& facts, std::size_t index)
     std::string line = PaddedRight(channel.name.empty() ? "-" : Shown(channel.name), nameColumn);
     if (!channel.ink)
         line += Cell(channel.IsAlpha() ? "alpha" : "extra", 9) + Cell("-", 6) + Cell("-", 6);
-    else if (facts.codes)
-        line += Cell(PolarityName(*facts.codes), 9) + Cell(std::to_string(facts.codes->none), 6) +
-                Cell(std::to_string(facts.codes->full), 6);
+    else if (!facts.codes.empty())
+        line += Cell(PolarityName(facts.codes[index]), 9) +
+                Cell(std::to_string(facts.codes[index].none), 6) +
+                Cell(std::to_string(facts.codes[index].full), 6);
     else
         line += Cell("-", 9) + Cell("-", 6) + Cell("-", 6);
     if (!facts.statistics.empty())
-        line += StatisticsCells(facts.statistics[index], facts.codes.has_value());
+        line += StatisticsCells(facts.statistics[index], !facts.codes.empty());
     return Line("channel " + std::to_string(index), line);
 }
 
@@ -174,10 +175,10 @@ Json ChannelJson(const PageFacts& facts, std::size_t index)
     const Channel& channel = facts.channels[index];
     Json json = {
         {"channel", index}, {"name", channel.name}, {"extra", channel.extra}, {"ink", channel.ink}};
-    if (facts.codes && channel.ink) {
-        json["polarity"] = PolarityName(*facts.codes);
-        json["code_0"] = facts.codes->none;
-        json["code_100"] = facts.codes->full;
+    if (!facts.codes.empty() && channel.ink) {
+        json["polarity"] = PolarityName(facts.codes[index]);
+        json["code_0"] = facts.codes[index].none;
+        json["code_100"] = facts.codes[index].full;
     }
     if (facts.statistics.empty())
         return json;
@@ -186,7 +187,7 @@ Json ChannelJson(const PageFacts& facts, std::size_t index)
     json["highest"] = counted.highest;
     json["sum"] = counted.sum;
     json["mean"] = counted.Mean();
-    if (facts.codes)
+    if (!facts.codes.empty())
         json["used"] = counted.UsedShare();
     return json;
 }

@@ -19,15 +19,6 @@ bool HasAmounts(std::uint16_t photometric)
            photometric == PHOTOMETRIC_RGB;
 }
 
-std::optional<DotRange> ReadRangeTag(const TiffFile& file)
-{
-    std::uint16_t none = 0;
-    std::uint16_t full = 0;
-    if (TIFFGetField(file.Get(), TIFFTAG_DOTRANGE, &none, &full) != 1)
-        return std::nullopt;
-    return DotRange{none, full};
-}
-
 // Plans one page: the old codes, the new ones, the work between them, and the tags.
 class RangePlanner
 {
@@ -36,7 +27,9 @@ public:
                  const InputOptions& newInput, const RangeRequest& newRequest)
         : file(newFile), picture(newPicture), input(newInput), request(newRequest),
           highest((1 << picture.bits) - 1), newHighest((1 << request.newBits) - 1),
-          separated(picture.photometric == PHOTOMETRIC_SEPARATED), oldTag(ReadRangeTag(file))
+          separated(picture.photometric == PHOTOMETRIC_SEPARATED),
+          oldTag(ReadRangeTag(file, picture)),
+          unequal(separated && !input.dotRange && HasUnequalRanges(file, picture))
     {}
 
     InkRange Plan()
@@ -59,12 +52,29 @@ private:
     void ReadCodes()
     {
         InputOptions options = input;
-        const bool plain = !input.dotRange && input.rangeWork == RangeWork::Keep;
+        const bool plain = !input.dotRange && !unequal && input.rangeWork == RangeWork::Keep;
         if (plain && separated && oldTag && !HasSense(*oldTag)) {
             options.dotRange = DotRange{0, highest};
             LeaveSenseless();
         }
-        range.old = ReadInkCodes(file, picture, options);
+        if (unequal && input.rangeWork == RangeWork::Full)
+            channelCodes = ReadChannelCodes(file, picture, input);
+        else if (unequal)
+            LeaveUnequal(options);
+        range.old = channelCodes.empty() ? ReadInkCodes(file, picture, options) : channelCodes[0];
+    }
+
+    // No tag that can be written says it of the new page.
+    void LeaveUnequal(InputOptions& options)
+    {
+        if (input.rangeWork == RangeWork::Scale)
+            throw Failure(ExitCode::Unsupported, file.Path(),
+                          "has a dot range for each channel, and one for all is written; supported "
+                          "is --dot-range full");
+        options.dotRange = DotRange{0, highest};
+        range.losses.push_back("DotRange is not kept: it has a pair for each channel, and one for "
+                               "all is written; --dot-range full maps each channel to all samples");
+        oldTag.reset();
     }
 
     // It stays as it is where nothing else changes.
@@ -134,7 +144,7 @@ private:
     {
         const bool sameDepth = picture.bits == request.newBits;
         const bool mapped = HasAmounts(picture.photometric) && input.rangeWork != RangeWork::Keep &&
-                            (!sameDepth || range.fresh != range.old);
+                            (!sameDepth || range.fresh != range.old || unequal);
         SampleLine line = {range.old.none, range.old.full, range.fresh.none, range.fresh.full};
         // The library would turn all samples.
         const bool turned =
@@ -155,8 +165,13 @@ private:
     SampleLines LinesOf(const SampleLine& ink) const
     {
         SampleLines lines;
-        for (const bool holdsInk : request.inks)
-            lines.push_back(holdsInk ? ink : SampleLine{0, highest, 0, newHighest});
+        for (std::size_t i = 0; i < request.inks.size(); ++i) {
+            lines.push_back(request.inks[i] ? ink : SampleLine{0, highest, 0, newHighest});
+            if (request.inks[i] && !channelCodes.empty()) {
+                lines[i].none = channelCodes[i].none;
+                lines[i].full = channelCodes[i].full;
+            }
+        }
         return lines;
     }
 
@@ -214,6 +229,10 @@ private:
     int newHighest;
     bool separated;
     std::optional<DotRange> oldTag;
+    // Each channel has a range of its own.
+    bool unequal;
+    // Where each is mapped to all samples.
+    std::vector<InkCodes> channelCodes;
     InkRange range;
 };
 

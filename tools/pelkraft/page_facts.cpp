@@ -2,6 +2,9 @@
 
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/page_orientation.h"
+#include "tools/pelkraft/stored_tags.h"
+
+#include <algorithm>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -32,6 +35,15 @@ std::optional<ProfileHeader> ReadProfile(const TiffFile& file)
     return ReadProfileHeader({profile, bytes});
 }
 
+// libtiff cuts long strips into short ones.
+std::uint32_t StoredRows(const TiffFile& file, const TiffPicture& picture)
+{
+    const std::vector<std::uint64_t> rows = StoredNumbers(file, TIFFTAG_ROWSPERSTRIP, 1);
+    return rows.empty() ? picture.height
+                        : static_cast<std::uint32_t>(
+                              std::min<std::uint64_t>(rows[0], std::max(picture.height, 1U)));
+}
+
 // Samples of these kinds are more or less of something that has a name.
 bool HasInks(const PageFacts& facts)
 {
@@ -54,6 +66,7 @@ PageFacts ReadPageFacts(const TiffFile& file, const InputOptions& input, int pag
     PageFacts facts;
     facts.page = page;
     facts.picture = DescribePicture(file);
+    facts.picture.rowsPerStrip = StoredRows(file, facts.picture);
     facts.sampleKind = SampleKind(file);
     facts.resolution = ReadResolution(file);
     facts.orientation = ReadOrientation(file);
@@ -65,7 +78,7 @@ PageFacts ReadPageFacts(const TiffFile& file, const InputOptions& input, int pag
     if (!HasInks(facts))
         return facts;
     try {
-        facts.codes = ReadInkCodes(file, facts.picture, input);
+        facts.codes = ReadChannelCodes(file, facts.picture, input);
     } catch (const Failure& failure) {
         facts.codesFault = failure.what();
     }

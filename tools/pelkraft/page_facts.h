@@ -27,9 +27,9 @@ struct PageFacts
     std::optional<ProfileHeader> profile;
     std::optional<std::uint16_t> inkSet;
     std::vector<Channel> channels;
-    // The samples of no and of full ink; none for pages of other colours, and where the tags
-    // contradict each other, which codesFault tells.
-    std::optional<InkCodes> codes;
+    // The samples of no and of full ink, by channel; none for pages of other colours, and where the
+    // tags contradict each other, which codesFault tells.
+    std::vector<InkCodes> codes;
     std::string codesFault;
     // One for each channel where they were counted.
     std::vector<ChannelStatistics> statistics;

@@ -41,6 +41,9 @@ int NoteWarning(TIFF*, void* userData, const char*, const char* format, va_list 
     // Inks beyond the fourth are no extra samples to us, whatever libtiff makes of them.
     if (text.find("Defining non-color channels as ExtraSamples") != std::string::npos)
         return 1;
+    // Pairs for all channels are read by others; an odd number of samples makes no sense.
+    if (text.find("field \"DotRange\", expected 2") != std::string::npos && text.back() % 2 == 0)
+        return 1;
     if (messages.warnings.All().size() < mostWarnings || messages.warnings.Has(text))
         messages.warnings.Add(messages.page, text);
     return 1;
