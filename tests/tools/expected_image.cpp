@@ -62,10 +62,9 @@ TiffImage Expected(const TiffImage& image, const Wish& wish)
             const int oldX = wish.mirror ? image.width - 1 - x / wish.repeat : x / wish.repeat;
             for (int c = 0; c < result.channels; ++c) {
                 const int from = channels[static_cast<std::size_t>(c)];
-                const int sample =
-                    from < 0 ? wish.empty
-                             : ConvertSample(image.At(oldX, y, from), image.bits, wish.bits,
-                                             wish.scaleTones);
+                const int sample = from < 0 ? wish.empty
+                                            : ConvertSample(image.At(oldX, y, from), image.bits,
+                                                            wish.bits, wish.scaleTones);
                 result.At(x, y, c) = static_cast<std::uint16_t>(sample);
             }
         }

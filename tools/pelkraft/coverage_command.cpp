@@ -20,9 +20,9 @@ namespace {
 
 constexpr const char* coverageHelp =
     "Of each ink the mean and the largest coverage, and of all inks of a pixel together the\n"
-    "largest with its place, from 0, 0 at the first stored pixel, and how many pixels are above\n"
-    "the limit. A square window moves over the page, and the place is shown where its mean is "
-    "largest: an\n"
+    "largest with its place, from 0, 0 at the first stored pixel, and how many are above the\n"
+    "limit.\n"
+    "A square window moves over the page, and the place is shown where its mean is largest: an\n"
     "amount of ink that matters to the press, where a single pixel doesn't. Sums are exact, and\n"
     "samples beyond full ink count as full. The exit code is 1 where a pixel is above the limit.\n"
     "The map shows the first of the pages: white without ink, over blue to yellow at the limit,\n"

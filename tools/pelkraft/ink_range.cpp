@@ -231,7 +231,7 @@ private:
     std::optional<DotRange> oldTag;
     // Each channel has a range of its own.
     bool unequal;
-    // Where each is mapped to all samples.
+    // They are read where each is mapped to all samples.
     std::vector<InkCodes> channelCodes;
     InkRange range;
 };
