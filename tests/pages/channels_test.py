@@ -12,8 +12,6 @@ CMYK = tuple(map(Channel, ("Cyan", "Magenta", "Yellow", "Black")))
 VARNISH = Channel("Varnish", 0)
 
 
-UNNAMED = (Channel("Gray"), Channel(), Channel("", 0))
-
 
 def page_of(channels, photometric=5, ink_names=True):
     names = tuple(channel.name for channel in channels) if ink_names else ()
@@ -31,27 +29,20 @@ def test_in_colours_take_channels_by_name(names, channels, chosen, unused):
 
 
 @pytest.mark.parametrize("names, channels, chosen, said", [
+    (["Gold", "Cyan", "Silver"], CMYK, [1, 0, 2],
+     "Gold from channel 1 (Magenta), Silver from channel 2 (Yellow)"),
+    (["Cyan", "Cyan"], CMYK, [0, 1], "Cyan from channel 1 (Magenta)"),
     (["Gold"], (Channel(), VARNISH), [0], "Gold from channel 0"),
     (["Gold", "varnish"], (VARNISH, Channel("Channel 1")), [1, 0],
      "Gold from channel 1 (Channel 1)"),
     (["Gold", "Tin"], (Channel(), Channel("", 1), Channel("", 0)), [0, 2],
      "Gold from channel 0, Tin from channel 2")])
-def test_unnamed_channels_are_taken_in_their_order(names, channels, chosen, said):
+def test_other_channels_are_taken_in_their_order(names, channels, chosen, said):
     choice = choose_channels(names, page_of(channels), "a.tif")
     assert choice.entries == chosen
     assert choice.notes[0].endswith("in their order: " + said)
     alpha = ["channel 1 is alpha, which is no ink, and is left out"]
     assert choice.notes[1:] == (alpha if channels[1].extra else [])
-
-
-def test_names_of_the_photometric_kind_speak_for_process_inks_alone():
-    gray = choose_channels(["Gold", "Tin", "Lead"], page_of(UNNAMED, 1, False), "a.tif")
-    assert gray.entries == [0, 1, 2]
-    assert choose_channels(["Gold"], page_of(CMYK[:2], 5, False), "a.tif").entries == [0]
-    with pytest.raises(PageError, match="no channel for in-colour Gold: .*, 0 \\(Cyan\\), 1 "):
-        choose_channels(["Gold"], page_of(CMYK, 5, False), "a.tif")
-    with pytest.raises(PageError, match="no channel for in-colour Gold"):
-        choose_channels(["Gold", "Cyan"], page_of(CMYK[:2]), "a.tif")
 
 
 def test_alpha_makes_no_in_colour():

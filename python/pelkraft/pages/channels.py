@@ -37,8 +37,8 @@ class Choice:
 
 
 def choose_channels(in_colours: Sequence[str], picture: Picture, path: str) -> Choice:
-    """Each in-colour takes the ink of its name in any case of letters, else the next one that has
-    no name. Alpha is no ink, and a page whose names leave nothing for an in-colour is refused."""
+    """Each in-colour takes the ink of its name in any case of letters, else the next one that no
+    name claims. Alpha is no ink."""
     channels = picture.channels
     alphas = [i for i, channel in enumerate(channels) if channel.extra]
     free = [i for i in range(len(channels)) if i not in alphas]
@@ -58,11 +58,7 @@ def choose_channels(in_colours: Sequence[str], picture: Picture, path: str) -> C
     for place, name in enumerate(in_colours):
         if place in entries:
             continue
-        found = next((i for i in free if not _is_named(picture, i)), None)
-        if found is None:
-            raise PageError(INPUT, f"{path}: has no channel for in-colour {name}: the names of "
-                                   "those that are left say other inks, " +
-                                   ", ".join(shown(channels, i) for i in free))
+        found = free[0]
         entries[place] = found
         free.remove(found)
         pairs.append(f"{name} from channel {shown(channels, found)}")
@@ -125,16 +121,6 @@ def _find(entry: ChannelEntry, channels: Sequence[Channel], path: str) -> Entry:
         raise PageError(INPUT, f"{path}: has no channel {entry!r}; supported are 0 to "
                                f"{len(channels) - 1}{names} and - for an empty channel")
     return found[0]
-
-
-def _is_named(picture: Picture, index: int) -> bool:
-    """True if the name says which ink it is: one of the page's tag that is no mere number, or that
-    of a process ink on a page that has all four."""
-    name = picture.channels[index].name
-    if picture.tags.ink_names:
-        numbers = {f"Channel {i}" for i in range(len(picture.channels))}
-        return bool(name) and name not in numbers
-    return bool(name) and picture.tags.photometric == SEPARATED and len(picture.channels) >= 4
 
 
 def _upper(name: str) -> str:
