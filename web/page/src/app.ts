@@ -25,6 +25,7 @@ export class App {
     readonly #shares: SharesView;
     readonly #tabs: Tabs;
     #compare: CompareView | null = null;
+    #saidNotKept = false;
 
     constructor() {
         const start = this.#drafts.load() ?? examples.light_ink;
@@ -91,9 +92,9 @@ export class App {
     }
 
     #keep(): void {
-        const wasAllowed = this.#drafts.allowed;
         this.#drafts.save(this.#editor.text);
-        if (wasAllowed && !this.#drafts.allowed) {
+        if (!this.#drafts.allowed && !this.#saidNotKept) {
+            this.#saidNotKept = true;
             this.#say(en.status.notKept);
         }
     }

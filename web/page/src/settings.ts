@@ -32,7 +32,7 @@ export function pictureOf({ kind, own }: Settings): Picture | BuiltInPicture {
     if (kind === "own" && own !== null) {
         return own;
     }
-    return { kind: kind === "patches" ? "patches" : "ramp", width: 512, height: 256 };
+    return { kind: kind === "patches" ? "patches" : "ramp", width: 192, height: 128 };
 }
 
 export function jobOf(text: string, chosen: Settings): PictureJob {

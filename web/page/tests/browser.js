@@ -28,13 +28,20 @@ export async function startBrowser(all) {
     return { browser, address: given ?? `http://127.0.0.1:${server.address().port}/` };
 }
 
-/** Opens the page for one test, in which no script may fail and no policy be broken. */
-export async function openPage(test, { browser, address }, options = {}, hash = "") {
+/**
+ * Opens the page for one test, in which no script may fail and no policy be broken. A script may run
+ * before those of the page.
+ */
+export async function openPage(test, { browser, address }, options = {}, hash = "", first = null) {
     const context = await browser.newContext({
         viewport: { width: 1440, height: 900 }, permissions: ["clipboard-read", "clipboard-write"],
         ...options,
     });
+    context.setDefaultTimeout(10_000);
     const page = await context.newPage();
+    if (first !== null) {
+        await page.addInitScript(first);
+    }
     const failures = [];
     page.on("pageerror", (error) => failures.push(error.stack));
     page.on("console", (message) => {
