@@ -2,9 +2,11 @@
 // touch.
 import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
+import { join } from "node:path";
 import { test } from "node:test";
 
 import { dotsAreSeen, openPage, startBrowser, summaryIs, textOf } from "./browser.js";
+import { root } from "./sources.js";
 
 const typed = `DotWeavePattern
 VERSION 3
@@ -156,6 +158,14 @@ test("journeys", async (all) => {
         await dotsAreSeen(page);
         await page.getByLabel("Show").selectOption("Cyan alone");
         await page.getByRole("img", { name: "Cyan alone" }).waitFor();
+
+        await page.getByLabel("Own picture").check();
+        await page.getByLabel("PNG, JPEG or TIFF").setInputFiles(
+            join(root, "docs/pictures/balls.png"));
+        await page.getByText("C, M, Y are 255 less R, G, B").waitFor();
+        await dotsAreSeen(page);
+        await page.getByText("What is seen, in numbers").click();
+        await page.getByRole("row", { name: /^Cyan/ }).waitFor();
 
         await page.getByRole("tab", { name: "Compare" }).click();
         await page.getByText("Both texts are the same.").waitFor();

@@ -12,14 +12,17 @@ export const en = {
     newPattern: `DotWeavePattern
 VERSION 3
 
-BEGIN_OUT_INKS Black END_OUT_INKS     # the inks of the machine
-BEGIN_IN_COLORS Black END_IN_COLORS   # the colours of the picture
+# The inks of the machine, and the colours of the picture.
+BEGIN_OUT_INKS Black END_OUT_INKS
+BEGIN_IN_COLORS Black END_IN_COLORS
 
 BEGIN_IN_COLOR Black
-BEGIN_INKS Black END_INKS             # position 0 is Black
+# The inks that this colour prints with; the first one is at position 0.
+BEGIN_INKS Black END_INKS
 BEGIN_VALUES
-1 1:1 0-255 0-0                       # step 1: a drop at every other pixel
-2 1   0-255                           # step 2: a drop at each pixel
+# At step 1 every other pixel gets a drop, at step 2 each one.
+1 1:1 0-255 0-0
+2 1   0-255
 END_VALUES
 END_IN_COLOR
 `,
@@ -125,6 +128,8 @@ END_IN_COLOR
     },
 
     table: {
+        lead: "The same pattern as the text: a change here writes there. A step is how dark the "
+            + "picture is; each of its alternatives comes at its share of the pixels.",
         outInks: "Inks of the machine",
         inkName: (number: number) => `Name of ink ${number} of the machine`,
         newInk: "Name of a new ink",
@@ -139,6 +144,7 @@ END_IN_COLOR
         removeColour: (colour: string) => `Remove in-colour ${colour}`,
         feeds: "prints with",
         removeInk: (ink: string, colour: string) => `Take ${ink} from ${colour}`,
+        positionOf: "position ",
         noInk: (position: number) => `position ${position}: no ink`,
         head: {
             step: "Step", ink: "Ink", value: "Value", weight: "Weight", share: "Share %",

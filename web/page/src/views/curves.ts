@@ -20,7 +20,7 @@ interface Scale {
 
 function scaleFor(highestX: number, highestY: number): Scale {
     return {
-        x: (value) => left + (value / Math.max(highestX, 1e-9)) * (width - left - 10),
+        x: (value) => left + 8 + (value / Math.max(highestX, 1e-9)) * (width - left - 18),
         y: (value) => height - bottom - (value / Math.max(highestY, 1e-9)) * (height - bottom - top),
     };
 }

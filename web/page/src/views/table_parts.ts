@@ -112,7 +112,8 @@ function inkList(state: TableState, block: Block, data: Data): HTMLElement {
         .filter((name) => !inks.some((ink) => sameName(ink, name)));
     return h("div", { class: "chips" }, h("span", { class: "label" }, words.feeds),
         h("ul", {}, ...inks.map((ink, position) => h("li", { class: "chip" },
-            h("span", { class: "position" }, String(position)), swatch(state.looks, ink), ink,
+            h("span", { class: "position" },
+                h("span", { class: "unseen" }, words.positionOf), String(position)), swatch(state.looks, ink), ink,
             button("remove-ink", { ...data, position }, words.removeInk(ink, block.name), "×")))),
         others.length > 0 && h("select", {
             "aria-label": words.addInkTo(block.name), ...dataOf("add-ink", data),
