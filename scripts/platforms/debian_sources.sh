@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2154
 # Sourced by scripts that build Debian's source packages for another system: they set `work` to a
 # folder, call prepare_sources, then unpack for each package.
 

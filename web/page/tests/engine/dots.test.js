@@ -89,6 +89,11 @@ test("dots", async (all) => {
                     picture: ownPicture(173, 61, ["Cyan", "Magenta", "Yellow", "Black", "A", "B"]),
                 }));
         }
+        await all.test("a picture of several bands", () =>
+            expectProgramsBytes(page, {
+                text: example("six_ink"),
+                picture: ownPicture(700, 650, ["Cyan", "Magenta", "Yellow", "Black"]),
+            }));
         await all.test("samples above the top step", () =>
             expectProgramsBytes(page, {
                 text: example("drop_sizes"), levels: "raw",
@@ -152,6 +157,8 @@ test("previews", async (all) => {
         const picture = { kind: "ramp", width: 200, height: 150 };
         const dots = await dotsOf(page, { text, picture });
         const inks = dots.inks;
+        const mixed = ownPicture(700, 500, ["Cyan", "Magenta", "Yellow", "Black"]);
+        const mixedDots = await dotsOf(page, { text, picture: mixed });
         const cases = [
             ["as usual", {}, ["--crop", "0,0,200,150"]],
             ["with gain, in another order", { gain: 17.5, order: [inks[3], inks[0]] },
@@ -171,15 +178,19 @@ test("previews", async (all) => {
                 assert.equal(digest(withoutAlpha(bytesOf(shown.rgba))), digest(expected.pixels));
             });
         }
-        await all.test("with colours of one's own", async () => {
-            const shown = await page.evaluate(async ([job, ink]) => {
-                const looks = [{ name: ink, colour: "#204060", opacity: 0.5 }];
-                return toBase64((await engine.preview({ ...job, looks })).rgba);
-            }, [{ text, picture }, inks[1]]);
-            const expected = inFolder({ "inks.txt": `"${inks[1]}" #204060 0.5\n` }, (folder) =>
-                programsPreview(dots, text,
-                    ["--inks", join(folder, "inks.txt"), "--crop", "0,0,200,150"]));
-            assert.equal(digest(withoutAlpha(bytesOf(shown))), digest(expected.pixels));
+        await all.test("with a colour of one's own, that hides those printed before", async () => {
+            for (const order of [[inks[1], inks[0]], [inks[0], inks[1]]]) {
+                const shown = await page.evaluate(async ([job, ink]) => {
+                    const looks = [{ name: ink, colour: "#204060", opacity: 0.75 }];
+                    const samples = fromBase64(job.picture.samples);
+                    const own = { ...job.picture, samples, notes: [] };
+                    return toBase64((await engine.preview({ ...job, picture: own, looks })).rgba);
+                }, [{ text, picture: mixed, order }, inks[1]]);
+                const expected = inFolder({ "inks.txt": `"${inks[1]}" #204060 0.75\n` }, (folder) =>
+                    programsPreview(mixedDots, text, ["--inks", join(folder, "inks.txt"),
+                        "--crop", "0,0,700,500", "--print-order", order.join(",")]));
+                assert.equal(digest(withoutAlpha(bytesOf(shown))), digest(expected.pixels));
+            }
         });
         await all.test("of no ink is white, of one ink has no other", async () => {
             const [none, one] = await page.evaluate(async ([job, ink]) => [

@@ -25,8 +25,15 @@ export function example(name) {
 export const exampleNames = readdirSync(join(root, "examples/patterns"))
     .map((file) => file.replace(/\.txt$/, ""));
 
+/** A test that waits for an answer that never comes fails. */
+function tooLate(limit) {
+    return new Promise((_, fail) => {
+        setTimeout(() => fail(new Error(`no end after ${limit / 1000} s`)), limit).unref();
+    });
+}
+
 /** Runs the test with a page that has the engine, and fails it for an error that nobody caught. */
-export async function withEngine(work) {
+export async function withEngine(work, limit = 300_000) {
     const server = await serve(process.env.PELKRAFT_ENGINE_PAGE);
     const browser = await chromium.launch({
         executablePath: process.env.PELKRAFT_CHROMIUM,
@@ -42,7 +49,7 @@ export async function withEngine(work) {
         page.on("pageerror", (error) => failures.push(error));
         await page.goto(`http://127.0.0.1:${server.address().port}/`);
         await page.waitForFunction("globalThis.engine !== undefined");
-        await work(page, context, server);
+        await Promise.race([work(page, context, server), tooLate(limit)]);
         if (failures.length > 0) {
             throw failures[0];
         }
