@@ -44,7 +44,8 @@ function copyAttributes(old: Element, fresh: Element): void {
             old.setAttribute(name, value);
         }
     }
-    if (old instanceof HTMLElement && fresh instanceof HTMLElement) {
+    if (old instanceof HTMLElement && fresh instanceof HTMLElement
+        && old.style.cssText !== fresh.style.cssText) {
         old.style.cssText = fresh.style.cssText;
     }
 }
