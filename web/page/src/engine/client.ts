@@ -29,11 +29,6 @@ function failureOf(failure: unknown): EngineFailure {
         : new EngineFailure("broken", engineTexts.workerDied(words));
 }
 
-/** A copy that can be handed over. */
-function copied(bytes: Uint8Array): Uint8Array {
-    return transfer(bytes, [bytes.buffer as ArrayBuffer]);
-}
-
 /** What the worker needs of a job. A picture stays here: its part is cut when it is sent. */
 function dotsJobOf(job: PictureJob): DotsJob {
     const origin = job.origin ?? { x: 0, y: 0 };
@@ -42,13 +37,9 @@ function dotsJobOf(job: PictureJob): DotsJob {
     const slice = "kind" in picture
         ? { builtIn: picture, window }
         : sliceOf(picture, window, origin);
-    if ("samples" in slice) {
-        copied(slice.samples);
-    }
-    return {
-        text: job.text, levels: job.levels ?? "automatic", tone: job.tone ?? "coverage", origin,
-        slice,
-    };
+    const { text, levels = "automatic", tone = "coverage" } = job;
+    const cut = "samples" in slice ? [slice.samples.buffer as ArrayBuffer] : [];
+    return transfer({ text, levels, tone, origin, slice }, cut);
 }
 
 /** One worker, and the requests that wait for it. */
@@ -107,7 +98,8 @@ class Client implements Engine {
     }
 
     readPicture(bytes: Uint8Array, slot = ""): Promise<Picture> {
-        return this.#request(`readPicture ${slot}`, (work) => work.readPicture(copied(bytes)));
+        return this.#request(`readPicture ${slot}`, (work) =>
+            work.readPicture(transfer(bytes, [bytes.buffer as ArrayBuffer])));
     }
 
     builtIn(

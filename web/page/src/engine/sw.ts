@@ -1,5 +1,6 @@
 // Keeps all files of the page, so that it opens without a network after the first time. A new build
-// has a store of another name, and takes the place of the old one when no page is open.
+// has a store of another name, and takes the place of the old one when no page is open. Where there
+// is a network the page itself comes from there, so that a new build is seen at once.
 interface ServiceWorkerEvents {
     addEventListener(
         type: "install" | "activate",
@@ -34,7 +35,15 @@ async function dropOlder(): Promise<void> {
 async function answer(request: Request): Promise<Response> {
     const store = await caches.open(STORE);
     const kept = await store.match(request, { ignoreSearch: true });
-    return kept ?? fetch(request);
+    if (kept === undefined || request.mode === "navigate") {
+        return fetch(request).catch((failure: unknown) => {
+            if (kept === undefined) {
+                throw failure;
+            }
+            return kept;
+        });
+    }
+    return kept;
 }
 
 worker.addEventListener("install", (event) => event.waitUntil(fill()));
