@@ -34,6 +34,7 @@ export class App {
         this.#tabs = this.#makeTabs();
         this.#connect();
         this.#workbench.setText(start);
+        this.#offerEarlier();
         this.#openLink();
     }
 
@@ -99,10 +100,26 @@ export class App {
         }
     }
 
-    #say(sentence: string, ...tools: HTMLElement[]): void {
-        const close = h("button", { class: "plain", click: () => refill(this.#notice) },
-            en.status.dismiss);
+    #say(sentence: string, tools: readonly HTMLElement[] = [], closed = () => {}): void {
+        const close = h("button", { class: "plain", click: () => {
+            refill(this.#notice);
+            closed();
+        } }, en.status.dismiss);
         refill(this.#notice, h("p", {}, sentence), ...tools, close);
+    }
+
+    /** The text that another one took the place of waits until its author has decided. */
+    #offerEarlier(): void {
+        const earlier = this.#drafts.loadEarlier();
+        if (earlier === null) {
+            return;
+        }
+        const bringBack = h("button", { class: "small", click: () => {
+            refill(this.#notice);
+            this.#drafts.dropEarlier();
+            this.#editor.replaceText(earlier);
+        } }, en.status.bringBack);
+        this.#say(en.status.putAside, [bringBack], () => this.#drafts.dropEarlier());
     }
 
     #openLink(): void {
@@ -129,10 +146,7 @@ export class App {
             return;
         }
         this.#drafts.keepEarlier(earlier);
-        this.#say(en.status.putAside, h("button", { class: "small", click: () => {
-            refill(this.#notice);
-            this.#editor.replaceText(earlier);
-        } }, en.status.bringBack));
+        this.#offerEarlier();
     }
 
     #header(): HTMLElement {

@@ -75,6 +75,16 @@ test("findings", async (all) => {
         assert.equal(await textOf(page), sound);
     });
 
+    await all.test("all fixes are taken at once", async (one) => {
+        const page = await openPage(one, started);
+        await paste(page, sound.replace("LightCyan END_INKS", "LightCyan end_inks")
+            .replace("END_VALUES", "end_values"));
+        await summaryIs(page, "2 errors");
+        await page.getByRole("button", { name: "Take all fixes" }).click();
+        await summaryIs(page, "Nothing is wrong");
+        assert.equal(await textOf(page), sound);
+    });
+
     await all.test("the mouse over a finding and over a keyword gets an explanation", async (one) => {
         const page = await openPage(one, started);
         await paste(page, sound.replace("LightCyan END_INKS", "LightCyan end_inks"));

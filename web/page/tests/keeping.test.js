@@ -41,6 +41,9 @@ test("keeping", async (all) => {
         await paste(page, mine);
         await page.getByText("doesn't let the page keep your text").waitFor();
         await summaryIs(page, "Nothing is wrong");
+        await page.getByRole("button", { name: "New" }).click();
+        await page.getByRole("button", { name: "Bring it back" }).click();
+        assert.equal(await textOf(page), mine);
     });
 
     await all.test("a link opens its pattern, and the own text comes back", async (one) => {
@@ -49,9 +52,10 @@ test("keeping", async (all) => {
         await page.evaluate((hash) => {
             location.hash = hash;
         }, encodeLink(theirs));
-        await page.getByText("your text is put aside").waitFor();
+        await page.getByText("your text, which is put aside").waitFor();
         assert.equal(await textOf(page), theirs);
         assert.equal(new URL(page.url()).hash, "");
+        await page.reload();
         await page.getByRole("button", { name: "Bring it back" }).click();
         assert.equal(await textOf(page), mine);
     });

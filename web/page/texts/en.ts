@@ -101,6 +101,7 @@ END_IN_COLOR
         place: (severity: string, line: number) => `${severity} in line ${line}:`,
         hint: (hint: string) => `Hint: ${hint}`,
         fix: (insert: string) => (insert === "" ? "Remove it" : `Write ${insert}`),
+        fixAll: "Take all fixes",
         more: (count: number) => `and ${plural(count, "more finding", "more findings")}`,
         summary: (errors: number, warnings: number, notes: number) => {
             if (errors + warnings + notes === 0) {
@@ -288,7 +289,7 @@ END_IN_COLOR
         stopped: "Stopped. The next change begins anew.",
         dismiss: "Dismiss",
         notKept: "This browser doesn't let the page keep your text: save it before you leave.",
-        putAside: "Another pattern is open now, and your text is put aside.",
+        putAside: "Another pattern took the place of your text, which is put aside.",
         bringBack: "Bring it back",
         linkFaults: {
             damaged: "The link is damaged: no pattern could be read from it.",

@@ -25,7 +25,7 @@ function findingItem(finding: Finding, index: number, editor: PatternEditor): HT
 }
 
 /** Tells in one sentence how a text stands; a live region repeats it. */
-export function summaryOf({ counts, runs, engines }: Reading): string {
+function summaryOf({ counts, runs, engines }: Reading): string {
     if (!runs) {
         const refusal = engines.find((engine) => engine.refusal !== null)?.refusal;
         return en.findings.refused(refusal ?? "", counts.errors);
@@ -33,11 +33,22 @@ export function summaryOf({ counts, runs, engines }: Reading): string {
     return en.findings.summary(counts.errors, counts.warnings, counts.notes);
 }
 
+/** Takes all hints that are certain, as "pelkraft pattern fix" does. */
+async function fixAll(workbench: Workbench, editor: PatternEditor): Promise<void> {
+    const { text } = editor;
+    const fixed = await workbench.ask(workbench.engine.fixed(text));
+    if (fixed !== null && !fixed.isGivenUp && text === editor.text) {
+        editor.replaceText(fixed.text);
+    }
+}
+
 /** All findings of the text as a list below the editor. */
 export function findingsList(workbench: Workbench, editor: PatternEditor): HTMLElement {
     const heading = h("h2", {}, en.findings.title);
     const summary = h("p", { class: "summary", role: "status" });
     const list = h("ol", { class: "findings" });
+    const all = h("button", { class: "small", click: () => void fixAll(workbench, editor) },
+        en.findings.fixAll);
     workbench.reading.follow((reading) => {
         const findings = reading?.result.findings ?? [];
         const words = reading === null ? en.findings.waiting : summaryOf(reading.result);
@@ -49,6 +60,8 @@ export function findingsList(workbench: Workbench, editor: PatternEditor): HTMLE
         findings.length > mostShown
             && h("li", {}, en.findings.more(findings.length - mostShown)));
         list.hidden = findings.length === 0;
+        all.hidden = findings.filter(({ fix }) => fix !== null).length < 2;
     });
-    return h("section", { class: "found", "aria-label": en.findings.title }, heading, summary, list);
+    return h("section", { class: "found", "aria-label": en.findings.title }, heading, summary, list,
+        all);
 }
