@@ -38,7 +38,7 @@ std::optional<std::vector<StepInks>> InksOfTone(const LoadedPattern& pattern,
 // True for levels that are asked about the inks of steps.
 bool TakesInks(Levels levels);
 
-// Where the way is dither without another choice, inks that do not rise are refused.
+// Inks that do not rise are refused where the way is dither without another choice.
 StepChoice ChooseStepsByInks(const LoadedPattern& pattern, Levels levels,
                              std::vector<StepInks> inks);
 

@@ -41,7 +41,7 @@ struct RowsRecord
     std::int32_t y;
     // The pixels before are not wanted; the pattern begins with them all the same.
     std::uint32_t firstPixel;
-    // Of dots a plane for each ink; of a preview four bytes for each pixel.
+    // It takes a plane of dots for each ink, or four bytes of a preview for each pixel.
     unsigned char* target;
 };
 

@@ -24,7 +24,7 @@ public:
         std::string tone;
         // By channel of the picture.
         std::vector<std::string> channels;
-        // Of the dither; empty where nobody knows yet whether it is needed.
+        // The dither takes it; it is empty where nobody knows yet whether it is needed.
         std::vector<std::uint16_t> mask;
     };
 
@@ -42,7 +42,7 @@ public:
     const unsigned char* MakeRow(const unsigned char* samples, std::size_t pixels, std::int64_t x,
                                  std::int64_t y);
 
-    // What the program would print.
+    // The program would print them.
     std::vector<std::string> Warnings() const;
 
 private:

@@ -6,9 +6,9 @@
 
 namespace zvk::Pelkraft::Page {
 
-// What the editor must know of a text beside the program's report: the places, as offset and
+// A JSON object tells the editor what the program's report leaves out: the places, as offset and
 // length in bytes or null, of all that the table shows; the looks of inks; and whether an engine
-// that draws takes the text. A JSON object.
+// that draws takes the text.
 std::string PlacesJson(const Client::PatternReport& report);
 
 } // namespace zvk::Pelkraft::Page

@@ -1,4 +1,4 @@
-/** What the engine says where neither the library nor the program has words for it. */
+/** The engine says this where neither the library nor the program has words for it. */
 
 function grouped(count: number): string {
     return count.toLocaleString("en");

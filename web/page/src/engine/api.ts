@@ -1,6 +1,6 @@
 /**
- * What the page asks of the engine. The work is done in a worker by the WebAssembly of the library
- * and of the program's own code, so that numbers, words and bytes are the program's.
+ * The page asks all this of the engine. The work is done in a worker by the WebAssembly of the
+ * library and of the program's own code, so that numbers, words and bytes are the program's.
  *
  * Texts are strings as the editor has them. Places are counted as the editor counts them, in UTF-16
  * units from the start of the text; lines and columns are those that the program prints, from 1.
@@ -96,7 +96,7 @@ export interface OutInk {
     readonly place: Place | null;
     /** The in-colours that name it. */
     readonly fedBy: readonly string[];
-    /** As a print of it looks, "#rrggbb", unless a preview is told otherwise. */
+    /** Its look in print, "#rrggbb", unless a preview is told otherwise. */
     readonly colour: string;
     readonly opacity: number;
 }
@@ -160,9 +160,9 @@ export interface Difference {
 }
 
 export interface Differences {
-    /** What the patterns do in different ways. */
+    /** The patterns do these things in different ways. */
     readonly differences: readonly Difference[];
-    /** How the letters differ, as "diff -u" shows it; empty where they don't. */
+    /** The difference of the letters, as "diff -u" shows it; empty where there is none. */
     readonly textual: string;
 }
 
@@ -179,7 +179,7 @@ export interface Picture {
     readonly height: number;
     readonly channels: readonly string[];
     readonly samples: Uint8Array;
-    /** What it was read from, such as "PNG, RGB", and what was done to it. */
+    /** They tell what it was read from, such as "PNG, RGB", and what was done to it. */
     readonly notes: readonly string[];
 }
 
@@ -287,7 +287,7 @@ export interface Engine {
     abort(): void;
     /** Ends the engine for good. */
     close(): void;
-    /** How often work was done and how much of it, for tests. */
+    /** Counts of work, for tests. */
     counts(): EngineCounts;
 }
 

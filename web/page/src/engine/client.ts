@@ -29,7 +29,7 @@ function failureOf(failure: unknown): EngineFailure {
         : new EngineFailure("broken", engineTexts.workerDied(words));
 }
 
-/** What the worker needs of a job. A picture stays here: its part is cut when it is sent. */
+/** The worker needs this of a job. A picture stays here: its part is cut when it is sent. */
 function dotsJobOf(job: PictureJob): DotsJob {
     const origin = job.origin ?? { x: 0, y: 0 };
     const window = job.window ?? null;

@@ -1,7 +1,7 @@
 import { engineTexts } from "../../texts/engine.js";
 import { Refusal } from "./refusal.js";
 
-// Of functions, each answers 0 where its answer is what was asked for, and 1 where it is a sentence.
+// Each function answers 0 where its answer is what was asked for, and 1 where it is a sentence.
 interface Exports {
     readonly memory: WebAssembly.Memory;
     readonly [name: string]: WebAssembly.ExportValue;

@@ -2,7 +2,7 @@ import { engineTexts } from "../../texts/engine.js";
 import { limits } from "./limits.js";
 import { Refusal } from "./refusal.js";
 
-// Of text in two or four bytes a letter, the marks at its start.
+// A text of two or four bytes a letter begins with one of these marks.
 const wideMarks: readonly (readonly [string, readonly number[]])[] = [
     ["UTF-32", [0xff, 0xfe, 0, 0]], ["UTF-32", [0, 0, 0xfe, 0xff]],
     ["UTF-16", [0xff, 0xfe]], ["UTF-16", [0xfe, 0xff]],
@@ -14,7 +14,7 @@ function lineOf(bytes: Uint8Array, place: number): number {
 
 /** The line of the first bytes that are no text, or 0. */
 function binaryLine(bytes: Uint8Array): number {
-    // What becomes a mark of replacement without being one is damaged.
+    // A letter that becomes a mark of replacement without being one is damaged.
     const decoded = new TextDecoder("utf-8", { ignoreBOM: true }).decode(bytes);
     const again = new TextEncoder().encode(decoded);
     const wrong = again.findIndex((byte, place) => byte === 0 || byte !== bytes[place]);

@@ -1,4 +1,4 @@
-/** What can't be served. The message is a sentence for the author. */
+/** Something can't be served. The message is a sentence for the author. */
 export class Refusal extends Error {}
 
 /** The answer of the worker: an error's class doesn't come across. */

@@ -36,7 +36,7 @@ interface Spans {
 
 type Plain<Type, Changed extends keyof Type> = Omit<Type, Changed>;
 
-/** What the program prints as JSON, as far as the page looks at it. */
+/** The program prints this as JSON, as far as the page looks at it. */
 interface Report extends Plain<Reading, "inColours" | "outInks" | "findings" | "runs" | "fullInk"> {
     readonly inColours: readonly (Plain<InColour, "feeds" | "steps"> & {
         readonly feeds: readonly (string | null)[];

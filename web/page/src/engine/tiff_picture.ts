@@ -168,7 +168,7 @@ export function readTiff(module: Module, bytes: Uint8Array): Picture {
             }
         });
     } catch (failure) {
-        // What libtiff says of a file that it can't read is half a sentence.
+        // For a file that it can't read libtiff has half a sentence.
         if (failure instanceof Refusal && !failure.message.endsWith(".")) {
             throw new Refusal(engineTexts.damagedPicture("TIFF", failure.message));
         }

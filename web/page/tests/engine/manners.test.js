@@ -127,7 +127,7 @@ test("the mask is the program's, and is loaded only to dither", async () => {
 test("memory stays within its budget", async () => {
     await withEngine(async (page) => {
         const heap = () => page.evaluate(() => engine.counts().memory);
-        // As many dots as are shown at once.
+        // So many dots are shown at once at most.
         await page.evaluate(async ([text, picture]) => {
             const { planes } = await engine.run({ text, picture });
             if (planes.length !== 6 * picture.width * picture.height) {

@@ -15,7 +15,7 @@ function fromBase64(letters: string): Uint8Array {
     return Uint8Array.from(atob(letters), (letter) => letter.charCodeAt(0));
 }
 
-/** What became of a request, in a form that goes from the page to the test. */
+/** Tells what became of a request, in a form that goes from the page to the test. */
 async function outcomeOf(work: Promise<unknown>): Promise<unknown> {
     try {
         return { value: await work };

@@ -1,4 +1,4 @@
-// What the tests of the engine share. The variables, which scripts/web.sh sets:
+// The tests of the engine share all this. The variables, which scripts/web.sh sets:
 //   PELKRAFT_ENGINE_PAGE   the folder of the page with the engine alone
 //   PELKRAFT_PROGRAM       the program, for the same bytes
 //   PELKRAFT_CHROMIUM      the browser

@@ -1,4 +1,4 @@
-// What the engine says of texts is what the program says, finding by finding.
+// The engine says of texts what the program says, finding by finding.
 import assert from "node:assert/strict";
 import { test } from "node:test";
 
@@ -13,7 +13,7 @@ function said(folder, ...words) {
     return runProgram(["pattern", ...words], folder).stdout.toString();
 }
 
-/** What the program says of the texts, in JSON and in SARIF, with the files numbered. */
+/** Tells what the program says of the texts, in JSON and in SARIF, with the files numbered. */
 function programSays(texts) {
     const files = Object.fromEntries(texts.map((text, index) => [`${index}.txt`, text]));
     return inFolder(files, (folder) => {
