@@ -20,7 +20,7 @@ template <typename Character>
 const char* Keep(const Character* text)
 {
     std::size_t length = 0;
-    for (; text[length] != 0 && length < keptText.size() - 1; ++length)
+    for (; length < keptText.size() - 1 && text[length] != 0; ++length)
         keptText[length] = static_cast<char>(text[length]);
     keptText[length] = '\0';
     return keptText.data();
