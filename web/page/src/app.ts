@@ -61,6 +61,7 @@ export class App {
             { name: "take", label: en.tabs.take, content: take.element },
         ]);
         tabs.onShow = (name) => {
+            this.#workbench.forget();
             this.#workbench.wantsPlot.set(name === "shares");
             dots.shown = name === "dots";
             take.shown = name === "take";

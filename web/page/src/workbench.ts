@@ -26,11 +26,12 @@ export class Workbench {
     /** The place of the cursor in the text. */
     readonly cursor = new Value(0);
     readonly working = new Value(0);
-    /** The last failure, in a sentence. */
+    /** The failures that stand, in sentences. */
     readonly trouble = new Value("");
     /** A view is shown that needs the shares as measured. */
     readonly wantsPlot = new Value(false);
 
+    readonly #troubles = new Map<string, string>();
     readonly #readSoon = afterPause(pause, () => void this.#read());
 
     constructor() {
@@ -44,32 +45,57 @@ export class Workbench {
         this.#readSoon();
     }
 
-    /** Awaits the engine, and tells of its failure; null then. */
-    async ask<T>(work: Promise<T>): Promise<T | null> {
+    /**
+     * Awaits the engine, and tells of its failure; null then. A failure stands until the engine has
+     * served the same subject, or until the author turns to something else.
+     */
+    async ask<T>(work: Promise<T>, subject = "action"): Promise<T | null> {
         this.working.set(this.working.get() + 1);
         try {
             const result = await work;
-            this.trouble.set("");
+            this.#troubles.delete(subject);
+            this.#tell();
             return result;
         } catch (failure) {
-            this.#tell(failure);
+            this.#keepTrouble(subject, failure);
             return null;
         } finally {
             this.working.set(this.working.get() - 1);
         }
     }
 
-    #tell(failure: unknown): void {
+    /** The last request about this subject was refused. */
+    failed(subject: string): boolean {
+        return this.#troubles.has(subject);
+    }
+
+    /** Forgets all failures but those of the text. */
+    forget(): void {
+        for (const subject of this.#troubles.keys()) {
+            if (subject !== "text") {
+                this.#troubles.delete(subject);
+            }
+        }
+        this.#tell();
+    }
+
+    #tell(): void {
+        this.trouble.set([...new Set(this.#troubles.values())].join(" "));
+    }
+
+    #keepTrouble(subject: string, failure: unknown): void {
         const isQuiet = failure instanceof EngineFailure
             && (failure.code === "superseded" || failure.code === "aborted");
         if (!isQuiet) {
-            this.trouble.set(failure instanceof Error ? failure.message : String(failure));
+            this.#troubles.set(subject,
+                failure instanceof Error ? failure.message : String(failure));
+            this.#tell();
         }
     }
 
     async #read(): Promise<void> {
         const text = this.text.get();
-        const result = await this.ask(this.engine.read(text));
+        const result = await this.ask(this.engine.read(text), "text");
         if (result !== null && text === this.text.get()) {
             this.reading.set({ text, result });
         }
@@ -81,7 +107,7 @@ export class Workbench {
             return;
         }
         const { text } = reading;
-        const result = await this.ask(this.engine.plot(text));
+        const result = await this.ask(this.engine.plot(text), "plot");
         if (result !== null && text === this.text.get()) {
             this.plot.set({ text, result });
         }

@@ -104,6 +104,20 @@ test("keeping", async (all) => {
         await page.getByRole("button", { name: "Stop" }).waitFor({ state: "hidden" });
     });
 
+    await all.test("dots that are refused give way to the reason", async (one) => {
+        const page = await openPage(one, started);
+        // Step 2 has less ink than step 1, so that no dither can lie between them.
+        await paste(page, mine.replace("END_VALUES", "2 1 0-1\nEND_VALUES"));
+        await page.getByRole("tab", { name: "Dots" }).click();
+        await dotsAreSeen(page);
+        await page.getByLabel("Tones").selectOption("Dithered");
+        await page.getByRole("alert").getByText("step 2 has no more ink than step 1").waitFor();
+        await page.getByRole("img", { name: "No dots" }).waitFor({ state: "attached" });
+        await page.getByLabel("Tones").selectOption("Quantized");
+        await dotsAreSeen(page);
+        assert.equal(await page.getByRole("alert").textContent(), "");
+    });
+
     await all.test("10 MB of text are answered with a sentence", async (one) => {
         const page = await openPage(one, started);
         await page.evaluate((size) => {

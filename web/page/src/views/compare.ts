@@ -85,9 +85,7 @@ export class CompareView {
 
     async #draw(pane: DotsPane, text: string): Promise<void> {
         const inks = readStructure(text).outInks?.names.map((word) => word.text) ?? [];
-        if (await pane.draw(text, inks) === null) {
-            pane.viewer.clear();
-        }
+        await pane.draw(text, inks);
     }
 }
 

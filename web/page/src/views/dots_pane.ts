@@ -32,8 +32,13 @@ export class DotsPane {
         }
         const job = { ...previewOf(text, chosen, inks), window };
         const { engine } = this.#workbench;
-        const image = await this.#workbench.ask(engine.preview(job, this.#slot));
+        const subject = `dots ${this.#slot}`;
+        const image = await this.#workbench.ask(engine.preview(job, this.#slot), subject);
         if (image === null) {
+            // Dots of something else would be taken for those that were asked for.
+            if (this.#workbench.failed(subject)) {
+                this.viewer.clear();
+            }
             return null;
         }
         const shown = inks.includes(chosen.ink) ? words.only(chosen.ink) : words.allInks;
