@@ -89,6 +89,12 @@ test("dots", async (all) => {
                     picture: ownPicture(173, 61, ["Cyan", "Magenta", "Yellow", "Black", "A", "B"]),
                 }));
         }
+        for (const [width, height] of [[1, 1], [20000, 2], [2, 20000]]) {
+            await all.test(`${width} x ${height} pixels`, () =>
+                expectProgramsBytes(page, {
+                    text: example("two_colours"), picture: { kind: "ramp", width, height },
+                }));
+        }
         await all.test("a picture of several bands", () =>
             expectProgramsBytes(page, {
                 text: example("six_ink"),
