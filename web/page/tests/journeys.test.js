@@ -115,6 +115,13 @@ test("journeys", async (all) => {
         }
         await page.waitForFunction(() => document.querySelector(".viewer").scrollLeft > 0);
 
+        await goToTab(page, "Compare");
+        await tabTo(page, "16:1");
+        await page.keyboard.press("ArrowLeft");
+        await page.keyboard.press("ArrowLeft");
+        assert.equal(await page.evaluate(() => document.activeElement.value), "4");
+        await page.getByRole("img", { name: "at 4 to 1" }).first().waitFor();
+
         await goToTab(page, "Take away");
         await tabTo(page, "Copy the link");
         await page.keyboard.press("Enter");

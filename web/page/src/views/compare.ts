@@ -1,13 +1,14 @@
-import { afterPause, h, refill } from "../dom.js";
+import { afterPause, h } from "../dom.js";
 import { PatternEditor } from "../editor/pattern_editor.js";
 import type { Difference, Differences } from "../engine/index.js";
 import { examples, type ExampleName } from "../examples.js";
 import { fileButton } from "../files.js";
+import { morphChildren } from "../morph.js";
 import { readStructure } from "../pattern/structure.js";
 import { change, settings } from "../settings.js";
 import { en } from "../../texts/en.js";
 import type { Workbench } from "../workbench.js";
-import { zoomField } from "./dots_controls.js";
+import { showFields, zoomField } from "./dots_controls.js";
 import { DotsPane } from "./dots_pane.js";
 
 const words = en.compare;
@@ -17,7 +18,8 @@ export class CompareView {
     readonly element = h("div", { class: "compare" });
     readonly #workbench: Workbench;
     readonly #other: PatternEditor;
-    readonly #found = h("div", { role: "status" });
+    readonly #count = h("p", { class: "summary", role: "status" });
+    readonly #found = h("div", {});
     readonly #left: DotsPane;
     readonly #right: DotsPane;
     readonly #soon: () => void;
@@ -36,7 +38,8 @@ export class CompareView {
         this.#left.viewer.follow(this.#right.viewer, soon);
         this.#right.viewer.follow(this.#left.viewer, soon);
         this.element.append(h("p", { class: "lead" }, words.lead), this.#choice(),
-            h("div", { class: "other-text" }, this.#other), this.#found, zoomChoice(),
+            h("div", { class: "other-text" }, this.#other), this.#count, this.#found,
+            zoomChoice(),
             h("div", { class: "pair-of-dots" },
                 h("figure", {}, h("figcaption", {}, words.dotsOfThis), this.#left.viewer.element),
                 h("figure", {}, h("figcaption", {}, words.dotsOfOther),
@@ -74,11 +77,16 @@ export class CompareView {
         }
         const { engine } = this.#workbench;
         const text = this.#workbench.text.get();
-        const differences = await this.#workbench.ask(engine.diff(text, this.#other.text));
+        const differences = await this.#workbench.ask(engine.diff(text, this.#other.text),
+            "differences");
         if (differences === null) {
             return;
         }
-        refill(this.#found, ...wordsOf(differences));
+        const count = countOf(differences);
+        if (this.#count.textContent !== count) {
+            this.#count.textContent = count;
+        }
+        morphChildren(this.#found, h("div", {}, ...detailsOf(differences)));
         await Promise.all([this.#draw(this.#left, text),
             this.#draw(this.#right, this.#other.text)]);
     }
@@ -93,7 +101,8 @@ function zoomChoice(): HTMLElement {
     const form = h("form", { input: (event: Event) => {
         change({ zoom: Number((event.target as HTMLInputElement).value) });
     } });
-    settings.follow(({ zoom }) => refill(form, zoomField("zoom-of-both", words.zoom, zoom)));
+    settings.follow(({ zoom }) => showFields(form,
+        [zoomField("zoom-of-both", words.zoom, zoom)]));
     return form;
 }
 
@@ -102,9 +111,11 @@ function placeOf({ inColour, step, ink }: Difference): string {
         .filter((word) => word !== null).join(", ");
 }
 
-function wordsOf({ differences, textual }: Differences): HTMLElement[] {
-    const count = h("p", { class: "summary" }, textual === "" ? words.sameText
-        : words.count(differences.length));
+function countOf({ differences, textual }: Differences): string {
+    return textual === "" ? words.sameText : words.count(differences.length);
+}
+
+function detailsOf({ differences, textual }: Differences): HTMLElement[] {
     const rows = differences.map((one) => h("tr", {}, h("th", { scope: "row" },
         words.kinds[one.kind as keyof typeof words.kinds] ?? one.kind),
     h("td", {}, placeOf(one)), h("td", {}, one.left), h("td", {}, one.right)));
@@ -113,7 +124,7 @@ function wordsOf({ differences, textual }: Differences): HTMLElement[] {
             h("th", { scope: "col" }, head)))), h("tbody", {}, ...rows)));
     const letters = h("details", { class: "as-table" }, h("summary", {}, words.letters),
         h("pre", { class: "diff", tabindex: 0 }, ...textual.split("\n").map(lineOfDiff)));
-    return [count, ...(rows.length > 0 ? [table] : []), ...(textual === "" ? [] : [letters])];
+    return [...(rows.length > 0 ? [table] : []), ...(textual === "" ? [] : [letters])];
 }
 
 function lineOfDiff(line: string): HTMLElement {

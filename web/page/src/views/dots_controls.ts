@@ -71,6 +71,14 @@ function content(inks: readonly string[], chosen: Settings): HTMLElement[] {
     ];
 }
 
+/** Shows fresh fields, in which a person may be at work, in place of the old ones. */
+export function showFields(form: HTMLFormElement, fields: readonly HTMLElement[]): void {
+    morphChildren(form, h("div", {}, ...fields));
+    for (const radio of form.querySelectorAll<HTMLInputElement>("[type=radio]")) {
+        radio.checked = radio.defaultChecked;
+    }
+}
+
 /** The fields that say which dots are shown, and how. */
 export class DotsControls {
     readonly element = h("form", { class: "controls" });
@@ -103,10 +111,7 @@ export class DotsControls {
     }
 
     #show(): void {
-        morphChildren(this.element, h("div", {}, ...content(this.#inks, settings.get())));
-        for (const radio of this.element.querySelectorAll<HTMLInputElement>("[type=radio]")) {
-            radio.checked = radio.defaultChecked;
-        }
+        showFields(this.element, content(this.#inks, settings.get()));
     }
 
     #changed(event: Event): void {
