@@ -103,7 +103,8 @@ export class Workbench {
 
     async #measure(): Promise<void> {
         const reading = this.reading.get();
-        if (!this.wantsPlot.get() || reading === null || reading.text === this.plot.get()?.text) {
+        const isKnown = reading?.text === this.plot.get()?.text;
+        if (!this.wantsPlot.get() || reading === null || isKnown || !reading.result.runs) {
             return;
         }
         const { text } = reading;

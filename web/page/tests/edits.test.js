@@ -132,6 +132,23 @@ test("an in-colour comes with an ink and a block, and goes with its block", () =
     assert.deepEqual(readStructure(less).inColours.names.map(({ text }) => text), ["Cyan"]);
 });
 
+for (const begun of ["DotWeavePattern", "DotWeavePattern VERSION 3 # begun\n"]) {
+    test(`a text of "${begun.trim()}" gets the lists that it lacks`, () => {
+        const grown = ["Black", "Red"].reduce((text, name) =>
+            edits.applyEdits(text, edits.addInColour(text, readStructure(text), name)), begun);
+        const structure = readStructure(grown);
+        assert.equal(structure.header.text, "DotWeavePattern");
+        for (const list of [structure.outInks, structure.inColours]) {
+            assert.deepEqual(list.names.map(({ text }) => text), ["Black", "Red"]);
+            assert.ok(list.close !== null);
+        }
+        assert.deepEqual(structure.blocks.map(({ name }) => name), ["Black", "Red"]);
+        assert.deepEqual(commentsOf(grown), commentsOf(begun));
+        const inked = edits.applyEdits(begun, edits.addOutInk(readStructure(begun), "Cyan"));
+        assert.deepEqual(readStructure(inked).outInks.names.map(({ text }) => text), ["Cyan"]);
+    });
+}
+
 test("a share gets exactly its hundredths of a percent, and the others keep their proportions", () => {
     for (const weights of [[1, 1], [1, 3], [2, 5, 3], [0, 4, 4], [7, 0, 0]]) {
         for (const hundredths of [1, 50, 3333, 5000, 9999]) {

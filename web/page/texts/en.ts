@@ -114,9 +114,7 @@ END_IN_COLOR
             ].filter((part) => part !== false);
             return `${parts.join(", ")}.`;
         },
-        refused: (words: string, errors: number) =>
-            `This text makes no dots yet${words === "" ? "" : `: ${words}`}`
-            + `${errors > 0 ? ` (${plural(errors, "error", "errors")})` : ""}.`,
+        refused: (summary: string) => `This text makes no dots yet: ${summary}`,
     },
 
     tabs: {

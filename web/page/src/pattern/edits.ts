@@ -144,8 +144,18 @@ function addName(list: List, name: string): Edit {
     return insertAfter(place, ` ${quoteName(name)}`);
 }
 
+/** Lists may stand wherever a section may: after the version, or after the first word. */
+function placeOfLists(structure: Structure): number {
+    return structure.version?.number?.to ?? structure.header?.to ?? 0;
+}
+
+function newList(stem: string, name: string): string {
+    return `\nBEGIN_${stem} ${quoteName(name)} END_${stem}`;
+}
+
 export function addOutInk(structure: Structure, name: string): Edit[] {
-    return structure.outInks === null ? [] : [addName(structure.outInks, name)];
+    return [structure.outInks !== null ? addName(structure.outInks, name)
+        : insertAfter(placeOfLists(structure), newList("OUT_INKS", name))];
 }
 
 /** Adds an ink to those of an in-colour, and to those of the machine where it is new. */
@@ -202,21 +212,24 @@ export function addBlock(text: string, structure: Structure, name: string): Edit
 /** A new in-colour prints an ink of its own name, which the machine gets where it is new. */
 export function addInColour(text: string, structure: Structure, name: string): Edit[] {
     const { inColours, outInks } = structure;
-    if (inColours === null || outInks === null) {
-        return [];
+    const block = addBlock(text, withInk(structure, name), name);
+    if (outInks === null && inColours === null) {
+        const lists = newList("OUT_INKS", name) + newList("IN_COLORS", name);
+        return [insertAfter(placeOfLists(structure), lists), ...block];
     }
-    const listed = inColours.names.some((word) => sameName(word.text, name));
-    const known = outInks.names.some((word) => sameName(word.text, name));
-    const names = { ...structure, outInks: known ? outInks : withName(outInks, name) };
-    return [
-        ...(known ? [] : addOutInk(structure, name)),
-        ...(listed ? [] : [addName(inColours, name)]),
-        ...addBlock(text, names, name),
-    ];
+    const known = outInks?.names.some((word) => sameName(word.text, name)) ?? false;
+    const listed = inColours?.names.some((word) => sameName(word.text, name)) ?? false;
+    const listing = inColours !== null ? addName(inColours, name)
+        : insertAfter(placeOfLists(structure), newList("IN_COLORS", name));
+    return [...(known ? [] : addOutInk(structure, name)), ...(listed ? [] : [listing]), ...block];
 }
 
-function withName(list: List, text: string): List {
-    return { ...list, names: [...list.names, { text, from: 0, to: 0 }] };
+function withInk(structure: Structure, text: string): Structure {
+    const names = structure.outInks?.names ?? [];
+    const known = names.some((word) => sameName(word.text, text));
+    const word = { text, from: 0, to: 0 };
+    return known ? structure : { ...structure,
+        outInks: { open: word, close: null, names: [...names, word] } };
 }
 
 /** Takes an in-colour with its block away; the inks of the machine stay. */

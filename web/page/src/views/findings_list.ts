@@ -25,12 +25,9 @@ function findingItem(finding: Finding, index: number, editor: PatternEditor): HT
 }
 
 /** Tells in one sentence how a text stands; a live region repeats it. */
-function summaryOf({ counts, runs, engines }: Reading): string {
-    if (!runs) {
-        const refusal = engines.find((engine) => engine.refusal !== null)?.refusal;
-        return en.findings.refused(refusal ?? "", counts.errors);
-    }
-    return en.findings.summary(counts.errors, counts.warnings, counts.notes);
+function summaryOf({ counts, runs }: Reading): string {
+    const summary = en.findings.summary(counts.errors, counts.warnings, counts.notes);
+    return runs ? summary : en.findings.refused(summary);
 }
 
 /** Takes all hints that are certain, as "pelkraft pattern fix" does. */
