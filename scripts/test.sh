@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs all tests: Release with GCC, the vector objects of a debug build, a sample of
-# the evidence, then everything under AddressSanitizer and UndefinedBehaviorSanitizer with Clang.
+# Builds and runs all tests: Release with GCC, then everything under AddressSanitizer and
+# UndefinedBehaviorSanitizer with Clang.
 #   --full   also sweeps the whole grid of conversions, which takes hours
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -22,18 +22,6 @@ test_build() {
 cmake --preset release
 cmake --build --preset release -j "$jobs"
 test_build release
-
-bash scripts/package.sh
-bash tests/package/deb_packages.sh .
-
-# Without inlining a header's function that slipped into a vector file shows itself.
-cmake --preset debug
-cmake --build --preset debug -j "$jobs" --target pelkraft_objects
-test_build debug -R vector_objects
-
-# A fixed sample of the evidence that is no test program of its own.
-bash scripts/evidence.sh --sample fuzzing threads undefined_bytes sizes mutants coverage \
-    static_analysis
 
 # The grid ran whole above; here its sample does.
 unset PELKRAFT_TEST_FULL

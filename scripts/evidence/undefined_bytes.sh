@@ -8,8 +8,8 @@
 # level 6: valgrind has no AVX-512, and MemorySanitizer does not follow its shuffles.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
-every_msan=997
-every_valgrind=3989
+every_msan=1999
+every_valgrind=9973
 export PELKRAFT_TEST_CASES=50
 if [ "$1" = whole ]; then
     every_msan=23

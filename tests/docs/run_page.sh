@@ -72,8 +72,8 @@ make_tree() {
 }
 
 # A script that builds for minutes is not run here but looked at: it must parse, and take the words
-# after its name. Whole, test.sh runs on each push, and with it setup.sh, package.sh, evidence.sh
-# --sample and, by the test reference_is_whole, docs.sh. By hand run demo.sh and package_check.sh
+# after its name. Whole, test.sh and samples.sh run on each push, and with them setup.sh, package.sh,
+# evidence.sh --sample and, by the test reference_is_whole, docs.sh. By hand run demo.sh and package_check.sh
 # before a release, mutants.sh and abi.sh as CONTRIBUTING.md says; bench.sh and evidence.sh write
 # docs/benchmarks.md with its picture and docs/reliability.md.
 look_at_script() {

@@ -25,11 +25,10 @@ std::uint16_t ReadOrientation(const TiffFile& file)
 
 std::string OrientationWords(std::uint64_t orientation)
 {
-    return std::to_string(orientation) +
-           (orientation > 0 && orientation < std::size(words)
-                ? ", which puts the first row and its first pixel at " +
-                      std::string(words[orientation])
-                : ", which means nothing");
+    const std::string number = std::to_string(orientation);
+    if (orientation == 0 || orientation >= std::size(words))
+        return number + ", which means nothing";
+    return number + ", which puts the first row and its first pixel at " + words[orientation];
 }
 
 void WarnOfOrientation(const TiffFile& file, const std::string& what)

@@ -31,7 +31,7 @@ export default {
     "a report finds each fault at its place": async ({ load }) => {
         const pelkraft = await load();
         const faults = [
-            ["RANDOM_SEED", "RANDOM_SEAD", "3:1 warning word-skipped"],
+            ["RANDOM_SEED", "RANDOM_SEAD", "3:1 warning keyword-misspelt"],
             ["2 1:3", "2 0:0", "18:3 error weight-sum"],
             ["2 1:3 1-128 0-40", "2 1:3 1-128", "18:3 error entry-missing"],
             ["END_IN_COLORS", "END_IN_COLOR", "10:1 error section-closed-wrongly"],
