@@ -34,6 +34,7 @@ const whole = [
     ["no version", pattern("1 1 0-1").replace("VERSION 3", "")],
     ["an early version", pattern("1 1 0-1", { version: 1 })],
     ["two versions", pattern("1 1 0-1", { head: "VERSION 2" })],
+    ["a version too high", pattern("1 1 0-1", { version: 9 })],
     ["an odd number", pattern("1x 1 0-1")],
     ["a suffix", pattern("1+ 1 0-1")],
     ["a step twice", pattern("1 1 0-1\n1 1 0-2")],
