@@ -44,5 +44,10 @@ export function completePattern(context: CompletionContext): CompletionResult | 
         : list === "BEGIN_IN_COLOR" ? structure.inColours : null;
     options.push(...(names?.names ?? []).map(({ text: name }) =>
         ({ label: quoteName(name), type: "variable", boost: 1 })));
-    return { from, options, validFor: /^[\w"]*$/ };
+    // A word that is whole needs no list, which would take the key that ends the line.
+    const isWhole = (typed: string) => options.some(({ label }) => label === typed);
+    if (!context.explicit && isWhole(word?.text ?? "")) {
+        return null;
+    }
+    return { from, options, validFor: (typed) => /^[\w"]*$/.test(typed) && !isWhole(typed) };
 }
