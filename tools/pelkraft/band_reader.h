@@ -63,7 +63,7 @@ void ShareOutRows(
     int threads, std::int64_t rows, std::int64_t rowBytes,
     const std::function<void(int worker, std::int64_t begin, std::int64_t end)>& work);
 
-// What is done with a page that is read: each row, by the thread that read it, and each band.
+// A page that is read goes through these: each row, by the thread that read it, and each band.
 struct PageWork
 {
     std::function<void(int worker, std::int64_t row, const unsigned char* bytes)> takeRow;

@@ -101,7 +101,7 @@ void WriteRows(const PageRows& page, const RowWork& work,
     const std::int64_t rowBytes = page.to.RowBytes();
     StripWriter writer(page.out, page.to);
     progress.StartPage();
-    // What is decoded or compressed is worth a thread of its own.
+    // Decoding and compressing are worth a thread of their own.
     const bool plain =
         page.from.compression == COMPRESSION_NONE && page.to.compression == COMPRESSION_NONE;
     if (page.same && plain) {
