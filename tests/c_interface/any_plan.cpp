@@ -1,5 +1,6 @@
 #include "tests/c_interface/any_plan.h"
 
+#include "tests/c_interface/fuzz_input.h"
 #include "tests/c_interface/plan_records.h"
 #include "tests/c_interface/sealed_record.h"
 #include "tests/support/random_bytes.h"
@@ -10,39 +11,6 @@
 
 namespace zvk::Pelkraft::TestSupport {
 namespace {
-
-// Takes numbers from the input; after its end all are 0.
-class Numbers
-{
-public:
-    Numbers(const std::uint8_t* newBytes, std::size_t newCount) : bytes(newBytes), count(newCount)
-    {}
-
-    int Next(int limit) { return Byte() % limit; }
-    int Signed(int limit) { return Next(2 * limit + 1) - limit; }
-
-    template <typename Record>
-    void Fill(Record& record)
-    {
-        std::array<unsigned char, sizeof(Record)> content;
-        std::generate(content.begin(), content.end(), [&] { return Byte(); });
-        std::memcpy(&record, content.data(), content.size());
-    }
-
-    Bytes Rest() const { return Bytes(bytes, bytes + count); }
-
-private:
-    unsigned char Byte()
-    {
-        if (count == 0)
-            return 0;
-        --count;
-        return *bytes++;
-    }
-
-    const std::uint8_t* bytes;
-    std::size_t count;
-};
 
 Bytes SavedBytes(const plk_plan* plan)
 {
@@ -76,15 +44,8 @@ std::string CheckSaved(const plk_plan* plan)
     return "";
 }
 
-std::string CheckRefused(plk_status status, const plk_failure& failure)
-{
-    if (failure.status != status || failure.text[0] == '\0')
-        return "a refusal says nothing";
-    return "";
-}
-
 // Any numbers, with a map of a few entries.
-std::string CheckSpecOf(Numbers& numbers)
+std::string CheckSpecOf(InputNumbers& numbers)
 {
     std::array<std::int32_t, 8> map;
     numbers.Fill(map);
@@ -123,14 +84,14 @@ std::string CheckSpecOf(Numbers& numbers)
     return status == PLK_OK ? CheckSaved(plan) : CheckRefused(status, failure);
 }
 
-NaiveGeometry TakeForm(Numbers& numbers, int width)
+NaiveGeometry TakeForm(InputNumbers& numbers, int width)
 {
     constexpr std::array depths = {1, 2, 8, 16, 8, 16, 8, 10};
     const int bits = depths[static_cast<std::size_t>(numbers.Next(8))];
     return {width, numbers.Next(5), bits, numbers.Next(2) == 1 && bits != 10};
 }
 
-NaiveJoin TakeSpec(Numbers& numbers)
+NaiveJoin TakeSpec(InputNumbers& numbers)
 {
     NaiveJoin join;
     join.repeat = 1 << numbers.Next(3);
@@ -184,20 +145,7 @@ std::string CheckRun(const NaiveTrial& trial, const plk_plan* plan, std::size_t 
     return "";
 }
 
-// The strides of dense rows, now and then with a little more or less.
-NaivePlacement TakePlacement(Numbers& numbers, const NaiveGeometry& form, int size)
-{
-    const int row = static_cast<int>(NaiveRowBytes(form));
-    const int plane = form.planar && form.channels != 0 ? row / form.channels : row;
-    const int kind = numbers.Next(8);
-    if (kind == 0)
-        return {numbers.Next(size), numbers.Signed(60), numbers.Signed(60)};
-    const NaivePlacement dense = {numbers.Next(kind < 5 ? 40 : size), row + numbers.Next(3) - 1,
-                                  plane + numbers.Next(3) - 1};
-    return kind % 2 == 0 ? dense : NaivePlacement{dense.offset, -dense.rowStep, -dense.planeStep};
-}
-
-std::string CheckSmallPlan(Numbers& numbers)
+std::string CheckSmallPlan(InputNumbers& numbers)
 {
     constexpr int size = 2000;
     NaiveTrial trial = {TakeSpec(numbers), {}, {}, numbers.Next(5), numbers.Next(2) == 1};
@@ -233,7 +181,7 @@ std::string CheckRecord(const Bytes& content)
 
 std::string CheckAnyPlan(const std::uint8_t* bytes, std::size_t count)
 {
-    Numbers numbers(bytes, count);
+    InputNumbers numbers(bytes, count);
     switch (numbers.Next(4)) {
     case 0:
         return CheckSpecOf(numbers);
