@@ -1,33 +1,14 @@
 #pragma once
 
-#include "pelkraft/dither.h"
-#include "tests/dither/naive_dither.h"
+#include "tests/dither/dither_record.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace zvk::Pelkraft::TestSupport {
 
-struct FreeDither
-{
-    void operator()(plk_dither* dither) const { plk_dither_free(dither); }
-};
-using DitherHandle = std::unique_ptr<plk_dither, FreeDither>;
-
-// The record of what the naive dither takes, with the lists that it refers to.
-struct DitherRecord
-{
-    explicit DitherRecord(const NaiveDither& naive, std::int32_t road = PLK_ROAD_AUTOMATIC);
-
-    std::vector<std::vector<std::uint32_t>> inks;
-    std::vector<plk_tones> tones;
-    std::vector<std::uint16_t> mask;
-    plk_dither_spec spec = {};
-};
-
-// The dither that must be made of it.
+// The dither that must be made of a spec.
 DitherHandle HandleOf(const NaiveDither& naive, std::int32_t road = PLK_ROAD_AUTOMATIC);
 
 // Status, field, given and needed of a refusal, "1 bits 9 8"; "OK" where there was none.
