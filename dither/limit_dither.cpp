@@ -40,8 +40,9 @@ public:
     explicit LimitDither(const DitherRequest& request)
         : kernel(KernelOf(request.road)), channels(request.scales.size()),
           planes(CountPlanes(request)), rowSamples(maskSide * channels + spareBytes),
-          // No sample is above the largest one.
-          limits(maskSide * planes * rowSamples, std::numeric_limits<Sample>::max()),
+          // No sample is above the largest one. The kernels step past the last row, or past nothing
+          // where no channel has a second step, so there is one row more than they read.
+          limits((maskSide * planes + 1) * rowSamples, std::numeric_limits<Sample>::max()),
           flips(rowSamples)
     {
         for (std::size_t channel = 0; channel != channels; ++channel)
