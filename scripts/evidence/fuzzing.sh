@@ -4,7 +4,7 @@
 # build/fuzz/. An interrupted run goes on where it was. If the target has changed since, what it had
 # before counts too, and the figure shows how much of it all was the last build's; remove
 # build/fuzz/found/*.rounds to begin anew, as after a finding.
-#   fuzzing.sh whole|sample [TARGET...]
+#   fuzzing.sh whole|sample fuzzing|fuzzing_program   the library's entry points, or each verb
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
@@ -14,14 +14,17 @@ if [ "$1" = sample ]; then
     wanted_seconds=1
     round_seconds=30
 fi
-targets=("${@:2}")
-[ ${#targets[@]} -ne 0 ] || targets=(row_conversion plan_run pattern_text
-    verb_{check,convert,coverage,info,join,pattern,preview,simulate,split})
+case $2 in
+fuzzing) targets=(row_conversion plan_run pattern_text dither_run) ;;
+fuzzing_program)
+    targets=(verb_{check,convert,coverage,info,join,pattern,preview,simulate,split})
+    ;;
+esac
 
 options_of() {
     case $1 in
     row_conversion) echo "-max_len=128" ;;
-    plan_run) echo "-max_len=256" ;;
+    plan_run | dither_run) echo "-max_len=256" ;;
     verb_*) echo "-max_len=4096 -rss_limit_mb=4096 -close_fd_mask=3" ;;
     pattern_text) echo "-max_len=2048 -dict=../../fuzz/pattern_text.dict" ;;
     esac
