@@ -158,9 +158,17 @@ void RunPrepared(const PreparedStep& prepared, const unsigned char* source,
     StepRow(*prepared.step, source, destination, prepared.destinationPixels);
 }
 
+void MovePrepared(const PreparedStep& prepared, const unsigned char* source,
+                  unsigned char* destination)
+{
+    const PixelStep& step = *prepared.step;
+    Move({step.sourceBytes, step.repeat, step.mirrored}, source, destination,
+         prepared.destinationPixels);
+}
+
 void Prepare(PreparedStep& prepared)
 {
-    prepared.run = RunPrepared;
+    prepared.run = MovesWholePixels(*prepared.step) ? MovePrepared : RunPrepared;
 }
 
 constexpr PixelKernels kernels = {Step, maxStepBytes, Move, Prepare};
