@@ -50,23 +50,23 @@ constexpr int BitOf(unsigned byte)
     return static_cast<int>(8 * (std::endian::native == std::endian::little ? byte : 3 - byte));
 }
 
-// The bytes that travel so many bits up in a word, or down where that is negative.
+// The bytes of a pixel that have so many bits to go up, round the word's end.
 template <unsigned order, int bits>
-std::uint32_t MoveBytes(std::uint32_t word)
+constexpr std::uint32_t rotatedBytes = [] {
+    std::uint32_t found = 0;
+    for (unsigned to = 0; to < 4; ++to)
+        if ((BitOf(to) - BitOf(ChannelFrom(order, to)) + 32) % 32 == bits)
+            found |= std::uint32_t{0xff} << BitOf(to);
+    return found;
+}();
+
+template <unsigned order, int bits>
+std::uint32_t RotateBytes(std::uint32_t word, std::uint32_t kept)
 {
-    constexpr std::uint32_t mask = [] {
-        std::uint32_t found = 0;
-        for (unsigned to = 0; to < 4; ++to)
-            if (BitOf(to) - BitOf(ChannelFrom(order, to)) == bits)
-                found |= std::uint32_t{0xff} << BitOf(to);
-        return found;
-    }();
-    if constexpr (mask == 0)
+    if constexpr (rotatedBytes<order, bits> == 0)
         return 0;
-    else if constexpr (bits < 0)
-        return word >> -bits & mask;
     else
-        return word << bits & mask;
+        return std::rotl(word, bits) & (rotatedBytes<order, bits> & kept);
 }
 
 template <unsigned order>
@@ -76,11 +76,9 @@ void PermuteBytes(const KeptBytes& keptBytes, const unsigned char* source,
     const auto kept = Get<std::uint32_t>(keptBytes.data());
     for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
         const auto word = Get<std::uint32_t>(source + 4 * pixel);
-        const std::uint32_t up =
-            MoveBytes<order, 8>(word) | MoveBytes<order, 16>(word) | MoveBytes<order, 24>(word);
-        const std::uint32_t down =
-            MoveBytes<order, -8>(word) | MoveBytes<order, -16>(word) | MoveBytes<order, -24>(word);
-        Put(destination + 4 * pixel, (MoveBytes<order, 0>(word) | up | down) & kept);
+        Put(destination + 4 * pixel,
+            RotateBytes<order, 0>(word, kept) | RotateBytes<order, 8>(word, kept) |
+                RotateBytes<order, 16>(word, kept) | RotateBytes<order, 24>(word, kept));
     }
 }
 
