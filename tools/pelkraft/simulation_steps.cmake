@@ -5,7 +5,6 @@ foreach(part IN ITEMS
         channel_choice
         loaded_pattern
         step_choice
-        step_inks
         step_levels)
     target_sources(pelkraft_simulation_steps PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${part}.cpp)
 endforeach()

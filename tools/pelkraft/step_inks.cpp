@@ -2,9 +2,9 @@
 
 #include "pattern/pattern_words.h"
 #include "tools/pelkraft/failure.h"
-#include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/ink_colours.h"
 #include "tools/pelkraft/ink_shares.h"
+#include "tools/pelkraft/shown_text.h"
 
 #include <algorithm>
 #include <charconv>
