@@ -5,6 +5,9 @@ Plan           a conversion from one format to another, decided once, run on arr
 Constant       a sample that a plan's map puts into a channel
 Needs          what a plan needs of the rows that it is run on
 Pattern        a dot pattern, which turns steps of in-colours into values of out-inks
+Dither         turns tones into such steps, so that even areas keep their ink
+Tones          the tones of a dither's channel: the ink of each step, the samples of none and of all
+dither_mask    the mask of a dither that is given no other
 PelkraftError  what is raised where something can't be served, with the field that is wrong
 Status         the kinds of such failures
 
@@ -17,16 +20,29 @@ Status         the kinds of such failures
 """
 
 # SPDX-License-Identifier: Apache-2.0
-from ._core import Constant, Format, Needs, Pattern, Plan, __version__
+from ._core import (
+    Constant,
+    Dither,
+    Format,
+    Needs,
+    Pattern,
+    Plan,
+    Tones,
+    __version__,
+    dither_mask,
+)
 from ._error import PelkraftError, Status
 
 __all__ = [
     "Constant",
+    "Dither",
     "Format",
     "Needs",
     "Pattern",
     "PelkraftError",
     "Plan",
     "Status",
+    "Tones",
     "__version__",
+    "dither_mask",
 ]

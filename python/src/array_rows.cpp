@@ -84,9 +84,11 @@ ArrayRows::ArrayRows(const plk_format& format, std::uint64_t planeBytes)
       inner(planar ? static_cast<std::int64_t>(planeBytes) / itemBytes : format.channels)
 {}
 
-ArrayRows ArrayRows::OfBytes(npy_intp channels)
+ArrayRows ArrayRows::OfSamples(npy_intp channels, int bits)
 {
     ArrayRows rows;
+    rows.type = bits > 8 ? NPY_UINT16 : NPY_UINT8;
+    rows.itemBytes = bits > 8 ? 2 : 1;
     rows.inner = channels;
     return rows;
 }

@@ -47,8 +47,8 @@ public:
     // Rows of a format whose planes, or whose row if it is interleaved, have so many bytes.
     ArrayRows(const plk_format& format, std::uint64_t planeBytes);
 
-    // Interleaved rows of bytes, of any number of pixels.
-    static ArrayRows OfBytes(npy_intp channels);
+    // Interleaved rows of samples of 8 or 16 bits, of any number of pixels.
+    static ArrayRows OfSamples(npy_intp channels, int bits = 8);
 
     // The same with as many pixels as are given.
     ArrayRows WithPixels(npy_intp pixels) const;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "array_rows.h"
+#include "dither.h"
 #include "formats.h"
 #include "pattern.h"
 #include "plan.h"
@@ -27,6 +28,8 @@ void AddAll(py::module_& module)
     AddFormats(module);
     AddPlan(module);
     AddPattern(module);
+    AddTones(module);
+    AddDither(module);
     module.attr("__version__") = PELKRAFT_VERSION;
     module.attr("_library") = LibraryPath();
     module.attr("_compiler") = __VERSION__;

@@ -61,8 +61,8 @@ void Pattern::Learn()
         Fetch([&](char* buffer, std::uint64_t bytes, std::uint64_t* needed, plk_failure* problem) {
             return plk_pattern_save(handle.get(), buffer, bytes, needed, problem);
         });
-    source = ArrayRows::OfBytes(facts.in_colours);
-    target = ArrayRows::OfBytes(facts.out_inks);
+    source = ArrayRows::OfSamples(facts.in_colours);
+    target = ArrayRows::OfSamples(facts.out_inks);
 }
 
 py::object Pattern::Run(py::handle rows, py::handle firstRow, py::handle out) const

@@ -24,6 +24,7 @@ public:
     pybind11::tuple Names(std::int32_t list) const;
     // The text and the engine that the pattern was made of.
     pybind11::str Text() const;
+    std::string TextBytes() const { return {text, static_cast<std::size_t>(textBytes)}; }
     std::int32_t Engine() const { return engine; }
 
     const plk_pattern_facts& Facts() const { return facts; }

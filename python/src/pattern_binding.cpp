@@ -3,6 +3,7 @@
 
 #include "arguments.h"
 #include "binding.h"
+#include "pattern_inks.h"
 
 namespace py = pybind11;
 
@@ -43,6 +44,31 @@ lock is given back during a run of 32 KiB or more, of both sides together.
 
 PelkraftError: dtype, shape, strides or the number of rows don't fit, out is read-only, or the two
 overlap; nothing has been written then. TypeError: no array, or a masked one.)";
+
+constexpr const char* stepInksWords =
+    R"(step_inks(self, tone='coverage')
+--
+
+The expected ink of each step, as a tuple for each in-colour, for Tones.
+
+tone  'coverage' for what the pattern says, in thousandths of an ink's value: for each alternative of
+      a step its share times the values of its inks, all added up, of which a light or grey ink
+      counts 0.4 of a full one; 'equal' for equal distances from step to step
+
+A Dither takes inks that begin with 0 and rise, which a pattern's own need not do.)";
+
+constexpr const char* readStepInksWords =
+    R"(read_step_inks(self, table)
+--
+
+The expected ink of each step by a table, in thousandths, as step_inks returns them.
+
+table  str or bytes with a line for each in-colour and step: the name, the step and its ink between
+       commas, "Cyan,1,12.8", in any order. An ink has up to three places after its point. Blank
+       lines, and those that begin with #, are passed over
+
+PelkraftError: a line breaks these rules, or one is missing. TypeError: the table is of another
+type.)";
 
 py::tuple TopStepsOf(const Pattern& pattern)
 {
@@ -102,6 +128,8 @@ void AddFacts(py::class_<Pattern>& type)
     add(
         "engine", [](const Pattern& pattern) { return engineChoices.NameOf(pattern.Engine()); },
         "The engine that was asked for.");
+    add("full_ink", &FullInkOf,
+        "The highest value that the text gives to an ink, 255 where it gives none.");
 }
 
 } // namespace
@@ -121,8 +149,11 @@ void AddPattern(py::module_& module)
 The pattern whose text stands in a file.
 
 OSError: the file can't be read. Otherwise as for Pattern.)");
+    type.def("step_inks", &StepInksOf, py::arg("tone") = "coverage", stepInksWords);
+    type.def("read_step_inks", &ReadStepInksOf, py::arg("table"), readStepInksWords);
     KnowByRecord(type, "pelkraft.Pattern");
     type.def("__repr__", &Show);
+    module.def("_flat_step", &FlatStepOf, py::arg("inks"));
 }
 
 } // namespace zvk::Pelkraft::Python

@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 cmake --install "$build_dir" --prefix "$work/prefix" >/dev/null
 # The commands work beside the sources, which stay as they are.
 mkdir "$work/tree" "$work/bin"
-cp -r "$source_dir/CMakeLists.txt" "$source_dir/python" "$work/tree"
+(cd "$source_dir" && cp -r CMakeLists.txt common pattern python tools "$work/tree")
 # Whatever Python comes first in the path, Debian's is meant.
 ln -s /usr/bin/python3 "$work/bin/python3"
 PATH=$work/bin:$PATH

@@ -12,7 +12,7 @@ from hypothesis import given, settings
 
 import formats
 import pelkraft
-from pelkraft import Constant, Format, PelkraftError, Plan, Status
+from pelkraft import Constant, Dither, Format, PelkraftError, Plan, Status, Tones
 
 SOURCE, TARGET = Format(5, 3, 8), Format(5, 3, 8, planar=True)
 PLAN = Plan(SOURCE, TARGET)
@@ -97,7 +97,8 @@ def test_others_are_not_equal(other):
     "value, name",
     [(PLAN, name) for name in ("source", "map", "repeat", "needs", "new", "__call__", "__dict__")]
     + [(SOURCE, name) for name in ("width", "planar", "new")]
-    + [(Constant(3), "sample"), (PLAN.needs, "in_place")],
+    + [(Constant(3), "sample"), (PLAN.needs, "in_place"), (Tones([0]), "inks")]
+    + [(Dither([Tones([0])]), name) for name in ("tones", "mask", "new", "__call__")],
     ids=str,
 )
 def test_nothing_can_be_set_or_deleted(value, name):
@@ -114,7 +115,9 @@ def test_a_second_init_changes_nothing():
     assert plan == PLAN and form == SOURCE
 
 
-@pytest.mark.parametrize("kind", [Plan, Format, Constant, pelkraft.Pattern, pelkraft.Needs])
+@pytest.mark.parametrize(
+    "kind", [Plan, Format, Constant, pelkraft.Pattern, pelkraft.Needs, Dither, Tones]
+)
 def test_there_is_no_object_without_content(kind):
     for make in (lambda: kind.__new__(kind), lambda: object.__new__(kind), kind):
         with pytest.raises(TypeError):
@@ -191,10 +194,15 @@ def test_signatures_are_told():
     assert str(inspect.signature(Plan)).startswith("(source, target, *, map=None, repeat=1, ")
     assert str(inspect.signature(Plan.__call__)) == "(self, rows, out=None)"
     assert str(inspect.signature(PLAN.explain)) == "(json=False)"
+    assert str(inspect.signature(Dither)) == "(tones, bits=8, *, mask=None, road='automatic')"
+    assert str(inspect.signature(Dither.__call__)) == "(self, rows, x=0, y=0, out=None)"
+    assert str(inspect.signature(Tones)) == "(inks, no_ink=0, full_ink=255)"
     assert str(inspect.signature(Format)) == "(width, channels, bits, planar=False)"
 
 
-@pytest.mark.parametrize("kind", [Plan, Format, Constant, pelkraft.Needs, pelkraft.Pattern])
+@pytest.mark.parametrize(
+    "kind", [Plan, Format, Constant, pelkraft.Needs, pelkraft.Pattern, Dither, Tones]
+)
 def test_everything_public_is_documented(kind):
     for name, value in {"": kind, **vars(kind)}.items():
         if not name.startswith("_") or name == "__call__":

@@ -12,7 +12,7 @@ import numpy as np
 import pytest
 
 import pelkraft
-from pelkraft import Format, Pattern, PelkraftError, Plan
+from pelkraft import Dither, Format, Pattern, PelkraftError, Plan, Tones
 
 SPLIT = Plan(Format(1000, 4, 8), Format(1000, 4, 8, planar=True))
 PATTERN = Pattern(
@@ -21,6 +21,8 @@ PATTERN = Pattern(
     BEGIN_IN_COLOR Cyan BEGIN_INKS Cyan LightCyan END_INKS
     BEGIN_VALUES 1 1:3 0-255 1-255 2 1:2 0-85 0-170 END_VALUES END_IN_COLOR"""
 )
+
+DITHER = Dither([Tones([0, 10, 30])] * 4)
 
 
 def picture(seed, rows=50):
@@ -46,6 +48,8 @@ def test_a_pool_of_processes_gives_the_same_bytes(method):
         pictures = [picture(seed) for seed in range(4)]
         for rows, result in zip(pictures, pool.map(SPLIT, pictures)):
             np.testing.assert_array_equal(result, rows.transpose(0, 2, 1))
+        for rows, result in zip(pictures, pool.map(DITHER, pictures)):
+            np.testing.assert_array_equal(result, DITHER(rows))
 
 
 def test_a_failure_of_a_pool_arrives_whole():
@@ -60,12 +64,14 @@ def test_many_threads_run_one_plan_and_one_pattern():
     steps = np.random.default_rng(9).integers(0, 3, (64, 1000, 1), np.uint8)
     expected = PATTERN(steps, 100)
     pictures = [picture(seed) for seed in range(16)]
+    dithered = [DITHER(rows, 3) for rows in pictures]
 
     def work(number):
         for _ in range(30):
             rows = pictures[number]
             np.testing.assert_array_equal(SPLIT(rows), rows.transpose(0, 2, 1))
             np.testing.assert_array_equal(PATTERN(steps, 100), expected)
+            np.testing.assert_array_equal(DITHER(rows, 3), dithered[number])
             row = number * 4
             np.testing.assert_array_equal(PATTERN(steps[row], 100 + row), expected[row])
             assert Plan.load(SPLIT.save()) == SPLIT
@@ -106,6 +112,8 @@ def test_another_thread_goes_on_during_a_long_run(other_thread):
     assert other_thread(lambda: SPLIT(rows, out))
     steps, inks = np.zeros((20_000, 1000, 1), np.uint8), np.zeros((20_000, 1000, 2), np.uint8)
     assert other_thread(lambda: PATTERN(steps, 0, inks))
+    dithered = np.zeros((20_000, 1000, 4), np.uint8)
+    assert other_thread(lambda: DITHER(rows, out=dithered))
     row, planes = picture(3, 1), np.zeros((1, 4, 1000), np.uint8)
     assert not other_thread(lambda: [SPLIT(row, planes) for _ in range(100)])
 
@@ -137,6 +145,11 @@ def calls():
         lambda: (repr(SPLIT), hash(SPLIT), SPLIT.source, SPLIT.needs, SPLIT == PATTERN),
         lambda: Plan.load(record).save(),
         lambda: (Pattern.load(PATTERN.save()), PATTERN.out_inks),
+        lambda: (DITHER(row), repr(DITHER), hash(DITHER), DITHER.tones, DITHER == SPLIT),
+        lambda: (PATTERN.step_inks(), PATTERN.read_step_inks("Cyan,0,0\nCyan,1,1\nCyan,2,2")),
+        lambda: fail(lambda: DITHER(narrow[:, :3])),
+        lambda: fail(lambda: Dither([Tones([0, 0])])),
+        lambda: fail(lambda: PATTERN.read_step_inks("Cyan")),
         lambda: fail(lambda: SPLIT(narrow)),
         lambda: fail(lambda: SPLIT(row, row.reshape(4, 1000))),
         lambda: fail(lambda: SPLIT([])),
