@@ -1,16 +1,18 @@
 # SPDX-License-Identifier: Apache-2.0
 """Which channels a job means."""
 
+from dataclasses import replace
+
 import numpy
 import pytest
 
 from pelkraft import Constant
 from pelkraft.pages import Channel, PageError, Picture, Tags
-from pelkraft.pages.channels import choose_channels, empty_sample, find_channels
+from pelkraft.pages.channels import choose_channels, find_channels, plan_tags
+from pelkraft.pages.ink_codes import plan_range
 
 CMYK = tuple(map(Channel, ("Cyan", "Magenta", "Yellow", "Black")))
 VARNISH = Channel("Varnish", 0)
-
 
 
 def page_of(channels, photometric=5, ink_names=True):
@@ -46,13 +48,8 @@ def test_other_channels_are_taken_in_their_order(names, channels, chosen, said):
 
 
 def test_alpha_makes_no_in_colour():
-    with pytest.raises(PageError, match="has 2 channels, 1 of them alpha; supported are"):
+    with pytest.raises(PageError, match=r"has 2 channels, of which alpha is no ink: 1 \(B\); "):
         choose_channels(["A", "B"], page_of((Channel("A"), Channel("B", 2))), "a.tif")
-
-
-@pytest.mark.parametrize("photometric, sample", [(0, 0), (1, 3), (2, 3), (5, 0)])
-def test_an_empty_channel_has_no_ink(photometric, sample):
-    assert empty_sample(photometric, 2) == sample
 
 
 def test_entries_are_numbers_names_and_constants():
@@ -63,3 +60,45 @@ def test_entries_are_numbers_names_and_constants():
     assert find_channels(entries, (*CMYK, VARNISH), "a.tif") == [3, 3, None, Constant(5), 4]
     with pytest.raises(PageError, match="has no channel 'black'; supported are 0 to 0 and - for"):
         find_channels(["black"], (Channel(),), "a.tif")
+
+
+def plan(channels, photometric, entries, bits=8):
+    page = page_of(channels, photometric)
+    page.tags = replace(page.tags, profile=b"profile", palette=b"palette")
+    return plan_tags(page, entries, bits, 1, plan_range(page, bits, False))
+
+
+ALPHA = Channel("", 2)
+
+
+@pytest.mark.parametrize("channels, photometric, entries", [
+    ((*CMYK, ALPHA), 5, [0, 1, 2, 3, 4]), (CMYK, 5, [0, 1, 2, 3]), ((Channel(),), 1, [0]),
+    ((Channel(),) * 3, 2, [0, 1, 2])])
+def test_channels_that_stay_keep_their_tags(channels, photometric, entries):
+    for given in (None, entries):
+        new, tags, losses = plan(channels, photometric, given)
+        assert (new, tags.profile, tags.ink_set, losses) == (channels, b"profile", None, [])
+
+
+@pytest.mark.parametrize("channels, photometric, entries, names, kinds, profile, said", [
+    (CMYK, 5, [3, None], ["Black", "Empty"], [None] * 2, False,
+     "the inks have changed; written without the colour profile"),
+    ((*CMYK, ALPHA), 5, [1, 4, 0, 4], ["Magenta", "Channel 4", "Cyan", ""], [None] * 3 + [2], False,
+     "the inks have changed; written without the colour profile"),
+    ((Channel("A"), VARNISH), 1, [1, 0], ["Varnish", "A"], [None, 0], False,
+     "the channels have changed; written without the colour profile"),
+    ((Channel("R"), Channel("G"), Channel("B")), 2, [2, 1, 0], ["B", "G", "R"], [None] * 3, True,
+     "the channels have changed, and the page still says RGB"),
+    ((Channel("R"), Channel("G"), Channel("B")), 2, [2], ["B"], [None], False,
+     "the chosen channels are no longer RGB; written as MinIsBlack")])
+def test_what_a_page_loses_with_its_channels_is_told(channels, photometric, entries, names, kinds,
+                                                     profile, said):
+    new, tags, losses = plan(channels, photometric, entries)
+    assert ([channel.name for channel in new], [channel.extra for channel in new]) == (names, kinds)
+    assert (bool(tags.profile), losses) == (profile, [said])
+
+
+def test_a_palette_means_nothing_at_another_depth():
+    _, tags, losses = plan((Channel(),), 3, None, bits=16)
+    assert (tags.photometric, tags.palette, tags.profile) == (1, b"", b"")
+    assert losses == ["palette numbers mean nothing at another depth; written as MinIsBlack"]

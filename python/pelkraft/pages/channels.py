@@ -10,8 +10,9 @@ from typing import Optional, Sequence, Union
 from .. import Constant
 from .errors import INPUT, PageError
 from .jobs import ChannelEntry
-from .picture import (INK_SET_OTHER, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, RGB, SEPARATED,
-                      UNSPECIFIED_EXTRA, Channel, Picture, Tags)
+from .ink_codes import TURNED, NewRange, kind_of
+from .picture import (INK_SET_OTHER, MASK, MIN_IS_BLACK, PALETTE, SEPARATED, UNSPECIFIED_EXTRA,
+                      Channel, Picture, Tags)
 
 # An entry of a plan's map; None is an empty channel.
 Entry = Union[int, Constant, None]
@@ -43,10 +44,12 @@ def choose_channels(in_colours: Sequence[str], picture: Picture, path: str) -> C
     alphas = [i for i, channel in enumerate(channels) if channel.extra]
     free = [i for i in range(len(channels)) if i not in alphas]
     if len(free) < len(in_colours):
-        alpha = f", {len(alphas)} of them alpha" if alphas else ""
-        raise PageError(INPUT, f"{path}: has {len(channels)} channels{alpha}; supported are "
-                               f"pictures with a channel for each of the pattern's {len(in_colours)} "
-                               "in-colours")
+        alpha = ", ".join(shown(channels, i) for i in alphas)
+        raise PageError(INPUT, f"{path}: has {len(channels)} "
+                               f"channel{'s' if len(channels) != 1 else ''}"
+                               f"{', of which alpha is no ink: ' if alphas else ''}{alpha}; "
+                               "supported are pictures with a channel for each of the pattern's "
+                               f"{len(in_colours)} in-colours")
     entries: dict[int, int] = {}
     for place, name in enumerate(in_colours):
         found = next((i for i in free if channels[i].name and
@@ -70,36 +73,76 @@ def choose_channels(in_colours: Sequence[str], picture: Picture, path: str) -> C
     return Choice([entries[place] for place in range(len(in_colours))], free, notes)
 
 
-def empty_sample(photometric: int, bits: int) -> int:
-    """The sample of no ink."""
-    return (1 << bits) - 1 if photometric in (MIN_IS_BLACK, RGB) else 0
-
-
-def plan_tags(picture: Picture, entries: Optional[Sequence[Entry]], bits: int,
-              repeat: int) -> tuple[tuple[Channel, ...], Tags]:
-    """Channels and tags of a converted page."""
-    tags = replace(picture.tags, resolution=_widened(picture.tags.resolution, repeat))
+def plan_tags(picture: Picture, entries: Optional[Sequence[Entry]], bits: int, repeat: int,
+              range_: NewRange) -> tuple[tuple[Channel, ...], Tags, list[str]]:
+    """Channels and tags of a converted page, and what it loses."""
+    losses = list(range_.losses)
+    tags = replace(picture.tags, resolution=_widened(picture.tags.resolution, repeat),
+                   photometric=range_.photometric, dot_ranges=range_.dot_ranges)
+    order = range(len(picture.channels)) if entries is None else entries
+    plan = _plan_inks if tags.photometric == SEPARATED else _plan_colours
+    channels, tags = plan(picture.channels, order, tags, losses)
     if bits != picture.bits:
         tags = replace(tags, palette=b"")
         if tags.photometric == PALETTE:
-            tags = replace(tags, photometric=MIN_IS_BLACK)
-    if entries is None:
-        return picture.channels, tags
-    tags = replace(tags, profile=b"", palette=b"")
-    moved = [picture.channels[i] if isinstance(i, int) else Channel() for i in entries]
-    if tags.photometric == SEPARATED:
-        names = tuple(_new_name(picture.channels, i) for i in entries)
-        return (tuple(map(Channel, names)),
-                replace(tags, ink_set=INK_SET_OTHER, ink_names=names))
-    colours = sum(channel.extra is None for channel in picture.channels)
-    keeps_colours = list(entries[:colours]) == list(range(colours))
-    if not keeps_colours:
+            tags = _drop_colour(tags, losses, "palette numbers mean nothing at another depth")
+        elif tags.photometric == MASK:
+            tags = _drop_colour(tags, losses, "a transparency mask has 1 bit")
+    return channels, tags, losses
+
+
+def _plan_inks(channels: Sequence[Channel], order: Sequence[Entry], tags: Tags,
+               losses: list[str]) -> tuple[tuple[Channel, ...], Tags]:
+    """Inks that moved are named anew; extra samples at the end stay what they are."""
+    count = len(order)
+    while count and isinstance(order[count - 1], int) and \
+            channels[order[count - 1]].extra is not None:
+        count -= 1
+    count = count or len(order)
+    if _starts_in_order(order, count) and \
+            count == sum(channel.extra is None for channel in channels):
+        return _moved(channels, order, count), tags
+    names = tuple(_new_name(channels, entry) for entry in order[:count])
+    new = _moved(channels, order, count)
+    if tags.profile:
+        losses.append("the inks have changed; written without the colour profile")
+    return ((*map(Channel, names), *new[count:]),
+            replace(tags, ink_set=INK_SET_OTHER, ink_names=names, profile=b"", palette=b""))
+
+
+def _plan_colours(channels: Sequence[Channel], order: Sequence[Entry], tags: Tags,
+                  losses: list[str]) -> tuple[tuple[Channel, ...], Tags]:
+    colours = sum(channel.extra is None for channel in channels)
+    kind = kind_of(tags.photometric)
+    if not _starts_in_order(order, colours):
+        if tags.photometric in TURNED:
+            if tags.profile:
+                losses.append("the channels have changed; written without the colour profile")
+            tags = replace(tags, profile=b"", palette=b"")
+        elif colours < 2 or len(order) < colours:
+            tags = _drop_colour(tags, losses, f"the chosen channels are no longer {kind}")
+        else:
+            losses.append(f"the channels have changed, and the page still says {kind}")
+    if tags.photometric in TURNED:
         colours = 1
-        if tags.photometric not in (MIN_IS_WHITE, MIN_IS_BLACK):
-            tags = replace(tags, photometric=MIN_IS_BLACK)
-    return (tuple(replace(channel, extra=None) if i < colours else
-                  replace(channel, extra=channel.extra or UNSPECIFIED_EXTRA)
-                  for i, channel in enumerate(moved)), tags)
+    return _moved(channels, order, colours), tags
+
+
+def _drop_colour(tags: Tags, losses: list[str], why: str) -> Tags:
+    losses.append(f"{why}; written as MinIsBlack")
+    return replace(tags, photometric=MIN_IS_BLACK, profile=b"", palette=b"")
+
+
+def _starts_in_order(order: Sequence[Entry], count: int) -> bool:
+    return list(order[:count]) == list(range(count))
+
+
+def _moved(channels: Sequence[Channel], order: Sequence[Entry],
+           colours: int) -> tuple[Channel, ...]:
+    """The channels in their new order, of which so many are inks or colours."""
+    new = [channels[entry] if isinstance(entry, int) else Channel() for entry in order]
+    return tuple(replace(channel, extra=None if i < colours else channel.extra or UNSPECIFIED_EXTRA)
+                 for i, channel in enumerate(new))
 
 
 def shown(channels: Sequence[Channel], index: int) -> str:

@@ -9,11 +9,12 @@ from typing import Optional, Sequence
 import numpy
 
 from .. import Constant, Format, Pattern, PelkraftError, Plan
-from .channels import (Entry, choose_channels, empty_sample, find_channels, plan_tags,
-                       shown)
+from .channels import Entry, choose_channels, find_channels, plan_tags, shown
 from .errors import PATTERN, UNSUPPORTED, PageError
+from .ink_codes import is_ink, plan_range
 from .jobs import Conversion, PageJob, Simulation
-from .picture import INK_SET_OTHER, SEPARATED, Channel, Picture, Tags, row_bytes, unpack_samples
+from .picture import (INK_SET_OTHER, SEPARATED, Channel, Picture, Tags, format_of, row_bytes,
+                      unpack_samples)
 
 # Rows that stay in the processor's cache from the conversion to the pattern.
 BAND_SAMPLES = 1 << 18
@@ -39,8 +40,10 @@ def _convert(step: Conversion, picture: Picture, path: str, warnings: list[str])
     planar = picture.planar if step.layout is None else step.layout == "planar"
     entries = None if step.channels is None else \
         find_channels(step.channels, picture.channels, path)
-    channels, tags = plan_tags(picture, entries, bits, step.repeat)
-    empty = Constant(empty_sample(picture.tags.photometric, bits))
+    range_ = plan_range(picture, bits, step.invert)
+    channels, tags, losses = plan_tags(picture, entries, bits, step.repeat, range_)
+    warnings += losses
+    empty = Constant(range_.empty)
     filled = None if entries is None else [empty if entry is None else entry for entry in entries]
     width = picture.width * step.repeat
     levels_meet_tones = (picture.bits < 8) != (bits < 8)
@@ -50,17 +53,26 @@ def _convert(step: Conversion, picture: Picture, path: str, warnings: list[str])
         depth = "1 bit" if bits == 1 else f"{bits} bits"
         warnings.append(f"samples exceed the levels of {depth}, and only their lowest bits were "
                         "kept; tones would be rounded to levels")
-    plan = Plan(_format_of(picture), Format(width, len(channels), bits, bits < 8 or planar),
+    inks, others = _find_inks(picture, entries)
+    plan = Plan(format_of(picture), Format(width, len(channels), bits, bits < 8 or planar),
                 map=filled, repeat=step.repeat, mirror=step.mirror, samples=samples,
-                invert=step.invert)
+                invert=step.invert and not others)
     pixels = _empty_rows(picture.height, width, len(channels), bits, planar)
     plan(picture.pixels, out=pixels)
+    if step.invert and others:
+        planes = pixels if bits < 8 or planar else pixels.transpose(0, 2, 1)
+        planes[:, inks] ^= numpy.iinfo(pixels.dtype).max
     return Picture(pixels, width, bits, planar, channels, tags, picture.compressed)
 
 
-def _format_of(picture: Picture) -> Format:
-    return Format(picture.width, len(picture.channels), picture.bits,
-                  picture.bits < 8 or picture.planar)
+def _find_inks(picture: Picture,
+               entries: Optional[Sequence[Entry]]) -> tuple[list[int], bool]:
+    """The new channels that hold samples of inks or colours, and whether others hold samples of
+    something else, which an inversion leaves as they are."""
+    taken = range(len(picture.channels)) if entries is None else entries
+    inks = [i for i, entry in enumerate(taken)
+            if isinstance(entry, int) and is_ink(picture, entry)]
+    return inks, len(inks) < sum(isinstance(entry, int) for entry in taken)
 
 
 def _empty_rows(height: int, width: int, channels: int, bits: int, planar: bool) -> numpy.ndarray:
@@ -81,7 +93,7 @@ def _exceeds(picture: Picture, entries: Optional[Sequence[Entry]], bits: int,
         pixels = unpack_samples(pixels, picture.width, picture.bits)
     elif picture.bits == 16 and samples == "fill":
         # These are narrowed to 8 bits before their low bits are taken.
-        form = _format_of(picture)
+        form = format_of(picture)
         pixels = Plan(form, Format(form.width, form.channels, 8, form.planar))(pixels)
     axis = 1 if picture.planar or picture.bits < 8 else 2
     return any(pixels.take(channel, axis).max() >= 1 << bits for channel in used)
@@ -142,7 +154,7 @@ class _InkRows:
             entries == list(range(len(picture.channels)))
         # A level counts as a tone where tones are divided over steps.
         self._plan = None if in_place else Plan(
-            _format_of(picture), Format(picture.width, len(entries), 8, False), map=entries,
+            format_of(picture), Format(picture.width, len(entries), 8, False), map=entries,
             samples="tones" if self._quantizes else "fill")
 
     def steps(self, first: int, end: int) -> numpy.ndarray:

@@ -12,7 +12,7 @@ from .. import Constant, PelkraftError
 from .errors import JobError
 
 # A later version that gives other bytes for the same job must raise this number.
-JOB_VERSION = 1
+JOB_VERSION = 2
 
 
 # A new channel is an old one by number, counted from 0, or by name; "-" is an empty one, and a

@@ -8,14 +8,20 @@ from typing import Optional
 
 import numpy
 
+from .. import Format
+
 MIN_IS_WHITE = 0
 MIN_IS_BLACK = 1
 RGB = 2
 PALETTE = 3
+MASK = 4
 SEPARATED = 5
 INK_SET_CMYK = 1
 INK_SET_OTHER = 2
 UNSPECIFIED_EXTRA = 0
+
+# The samples of no ink and of full ink.
+DotRange = tuple[int, int]
 
 
 @dataclass(frozen=True)
@@ -40,6 +46,8 @@ class Tags:
     orientation: Optional[int] = None
     profile: bytes = b""
     palette: bytes = b""
+    # One for all channels, or one for each; none where the page doesn't tell.
+    dot_ranges: tuple[DotRange, ...] = ()
 
 
 @dataclass
@@ -62,6 +70,12 @@ class Picture:
     @property
     def height(self) -> int:
         return self.pixels.shape[0]
+
+
+def format_of(picture: Picture) -> Format:
+    """The form of the picture's rows."""
+    return Format(picture.width, len(picture.channels), picture.bits,
+                  picture.bits < 8 or picture.planar)
 
 
 def row_bytes(samples: int, bits: int) -> int:

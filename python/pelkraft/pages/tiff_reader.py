@@ -17,7 +17,7 @@ import tifffile
 from .errors import INPUT, READ, UNSUPPORTED, PageError
 from .file_digest import digest_of
 from .picture import (INK_SET_CMYK, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, RGB, SEPARATED,
-                      UNSPECIFIED_EXTRA, Channel, Picture, Tags, pack_samples, row_bytes,
+                      UNSPECIFIED_EXTRA, Channel, DotRange, Picture, Tags, pack_samples, row_bytes,
                       unpack_samples)
 from .tiff_writer import Piece
 
@@ -200,7 +200,14 @@ class TiffPage:
                     value("ResolutionUnit") and self._number("ResolutionUnit"),
                     value("Orientation") and self._number("Orientation"),
                     profile if isinstance(profile, bytes) else b"",
-                    b"" if palette is None else numpy.asarray(palette, "<u2").tobytes())
+                    b"" if palette is None else numpy.asarray(palette, "<u2").tobytes(),
+                    self._read_dot_ranges())
+
+    def _read_dot_ranges(self) -> tuple[DotRange, ...]:
+        numbers = tuple(map(int, self._page.tags.valueof("DotRange", ())))
+        if len(numbers) not in (2, 2 * self.count):
+            return ()
+        return tuple(zip(numbers[::2], numbers[1::2]))
 
     def _description(self) -> bytes:
         facts = [self.width, self.height, self.count, self.bits, self.separate, self.compression,

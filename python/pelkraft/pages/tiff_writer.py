@@ -116,6 +116,8 @@ def _entries(picture: Picture, strip_rows: int, offsets: list[int], lengths: lis
             names = "".join(name + "\0" for name in tags.ink_names).encode("utf-8")
             yield 333, ASCII, names, len(names)
         extras = [0] * max(len(inks) - EXPECTED_INKS, 0) + extras
+    if tags.dot_ranges:
+        yield numbers(336, SHORT, *(code for pair in tags.dot_ranges for code in pair))
     if extras:
         yield numbers(338, SHORT, *extras)
     if tags.profile:
