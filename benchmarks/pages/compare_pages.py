@@ -25,7 +25,7 @@ from pelkraft.pages.dask_runner import DaskRunner
 PATTERN = pathlib.Path(__file__).resolve().parents[2] / "examples" / "patterns" / "six_ink.txt"
 ROUNDS = 3
 STEPS = {"split into planes": (Conversion(layout="planar"),),
-         "six inks": (Simulation(PATTERN.read_bytes()),)}
+         "six inks": (Simulation(PATTERN.read_bytes(), levels="quantize"),)}
 
 
 def make_pages(folder, count, dpi):

@@ -138,6 +138,29 @@ def test_a_warning_about_pixels_has_an_exit_code(tmp_path):
         assert (ended.returncode, ended.stderr) == (exit_codes.WARNINGS, words)
 
 
+def test_the_tone_of_the_command_line_is_that_of_a_list(make_jobs, tmp_path, pattern_path):
+    job, = make_jobs(1)
+    table = tmp_path / "inks.csv"
+    table.write_text("".join(f"{name},{step},{step}\n" for name, top in
+                             (("Cyan", 5), ("Magenta", 5), ("Yellow", 3), ("Black", 3))
+                             for step in range(top + 1)))
+    for tone in ([], ["--tone", "coverage"], ["--tone", "equal"], ["--tone", table]):
+        for levels in ([], ["--levels", "dither"]):
+            options = (tmp_path / "in", "--to", tmp_path / "out", "--runner", "serial",
+                       "--pattern", pattern_path, *tone, *levels)
+            assert run(*options).returncode == 0
+            fields = dict(zip(("tone", "levels"), [*tone[1:], *levels[1:]] if tone else
+                              [None, *levels[1:]]))
+            step = {"simulate": {"pattern": str(pattern_path),
+                                 **{name: value and str(value) for name, value in fields.items()}}}
+            (tmp_path / "jobs.json").write_text(json.dumps(
+                {"input": job.input, "output": job.output, "steps": [step]}))
+            # The stamp tells that it was the same job.
+            report = tmp_path / "report.jsonl"
+            assert run("--list", tmp_path / "jobs.json", "--report", report).returncode == 0
+            assert pages_of(report)[1]["kept"] == 1
+
+
 def test_a_list_has_steps_of_its_own(make_jobs, tmp_path):
     one, two = make_jobs(2)
     records = [{"input": one.input, "output": one.output},
@@ -164,6 +187,12 @@ def test_a_list_has_steps_of_its_own(make_jobs, tmp_path):
     (["in", "--to", "out", "--mirror", "--workers", "-2"], "--workers is -2; 1 or more"),
     (["in", "--to", "out", "--mirror", "--window", "0"], "window is 0; 1 or more would do"),
     (["in", "--to", "out", "--pattern", "none.txt"], "none.txt: cannot be read"),
+    (["in", "--to", "out", "--mirror", "--tone", "equal"], "--levels and --tone are about a pattern"),
+    (["in", "--to", "out", "--mirror", "--levels", "raw"], "--levels and --tone are about a pattern"),
+    (["in", "--to", "out", "--pattern", "in/1.tif", "--tone", "none.csv"],
+     "tone is 'none.csv', neither a kind of tone nor a file"),
+    (["in", "--to", "out", "--pattern", "in/1.tif", "--tone", "equal", "--levels", "raw"],
+     "tone is about the dither, which levels 'raw' does without"),
     (["in", "--to", "out", "--channels", "0,,1"], "a channel is ''"),
     (["in", "--to", "out", "--page", "0", "--mirror"], "page is 0; a number from 1 would do")])
 def test_wrong_usage_is_told_and_nothing_begun(make_jobs, tmp_path, options, words):

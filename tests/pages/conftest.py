@@ -3,6 +3,7 @@
 
 import os
 import pathlib
+import sys
 
 import numpy
 import pytest
@@ -11,6 +12,8 @@ import tifffile
 from pelkraft.pages import Conversion, PageJob
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
+# The naive dither stands there.
+sys.path.append(str(SOURCE / "tests" / "python"))
 
 
 @pytest.fixture

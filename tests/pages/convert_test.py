@@ -75,13 +75,13 @@ def test_an_empty_channel_is_that_of_the_program(tmp_path, tool, photometric, bi
 
 # Neither side takes samples of 16 bits for steps.
 @pytest.mark.parametrize("bits, planar, levels", [
-    (*form, levels) for form in FORMS for levels in ("quantize", "raw")
+    (*form, levels) for form in FORMS for levels in (None, "dither", "quantize", "raw")
     if (form[0], levels) != (16, "raw")])
 def test_a_simulation_gives_the_pixels_of_the_program(tmp_path, tool, pattern_path, bits, planar,
                                                       levels):
     write(tmp_path / "in.tif", random_picture(4, bits, planar, 203, 301, channels=4, inks=CMYK))
     ended = subprocess.run([tool, "simulate", pattern_path, tmp_path / "in.tif",
-                            tmp_path / "tool.tif", "--levels", levels],
+                            tmp_path / "tool.tif", *(["--levels", levels] if levels else [])],
                            capture_output=True, text=True)
     assert ended.returncode in (0, 1), ended.stderr
     result = make(PageJob(str(tmp_path / "in.tif"), str(tmp_path / "page.tif"),
@@ -141,7 +141,7 @@ def test_rows_of_a_page_are_rows_of_the_pattern(tmp_path, pattern_path):
     """A page of many bands, step by step, beside one call of the pattern for each row."""
     pixels = write_cmyk(tmp_path / "in.tif", 8, 90, 4099)
     make(PageJob(str(tmp_path / "in.tif"), str(tmp_path / "out.tif"),
-                 (Simulation(pattern_path.read_bytes()),)))
+                 (Simulation(pattern_path.read_bytes(), levels="quantize"),)))
     found = tifffile.imread(tmp_path / "out.tif")
     pattern = pelkraft.Pattern.from_file(pattern_path)
     tops = numpy.array(pattern.top_steps, numpy.int64)

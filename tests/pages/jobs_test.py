@@ -22,7 +22,10 @@ def test_a_digest_depends_on_each_field_of_each_step():
              Conversion(channels=("0",)), Conversion(channels=(Constant(0),)),
              Conversion(repeat=2), Conversion(mirror=True), Conversion(samples="fill"),
              Conversion(invert=True), Simulation(b"a"), Simulation(b"b"),
-             Simulation(b"a", engine="x86"), Simulation(b"a", levels="raw")]
+             Simulation(b"a", engine="x86"), Simulation(b"a", levels="raw"),
+             Simulation(b"a", levels="dither"), Simulation(b"a", levels="quantize"),
+             Simulation(b"a", tone="equal"), Simulation(b"a", tone=b"equal"),
+             Simulation(b"a", tone=b"x")]
     digests = [digest(step) for step in steps] + [digest(steps[0], steps[1]),
                                                   digest(steps[1], steps[0])]
     assert len(set(digests)) == len(digests)
@@ -31,6 +34,8 @@ def test_a_digest_depends_on_each_field_of_each_step():
 def test_a_digest_does_not_depend_on_paths_and_pages():
     assert digest() == PageJob("c", "d", (STEP,), page=3).digest()
     assert digest(Simulation(b"a", name="one")) == digest(Simulation(b"a", name="two"))
+    assert digest(Simulation(b"a", tone=b"", tone_name="a")) == digest(Simulation(b"a", tone=b""))
+    assert digest(Simulation(b"a", tone="coverage")) == digest(Simulation(b"a"))
 
 
 def test_jobs_are_records():
@@ -78,6 +83,7 @@ def list_of(tmp_path, text):
 
 def test_a_list_is_read(tmp_path):
     (tmp_path / "p.txt").write_bytes(b"pattern")
+    (tmp_path / "inks.csv").write_bytes(b"table")
     steps = [{"convert": {"channels": [0, "Black", "-", {"constant": 7}], "bits": 8}},
              {"simulate": {"pattern": "p.txt", "levels": "raw"}}]
     record = {"steps": [{"convert": {"mirror": True}}],
@@ -90,6 +96,12 @@ def test_a_list_is_read(tmp_path):
         Simulation(b"pattern", levels="raw")), 2)
     assert list_of(tmp_path, json.dumps(record["jobs"][1:])) == [two]
     assert list_of(tmp_path, json.dumps(record["jobs"][1])) == [two]
+    for tone, fields in ((None, {}), ("equal", {"tone": "equal"}),
+                         ("inks.csv", {"tone": b"table", "tone_name": str(tmp_path / "inks.csv")})):
+        simulate = {"pattern": "p.txt", "levels": None, "tone": tone}
+        job, = list_of(tmp_path, json.dumps({**record["jobs"][0],
+                                             "steps": [{"simulate": simulate}]}))
+        assert job.steps == (Simulation(b"pattern", **fields),)
     line = json.dumps(record["jobs"][1])
     assert list_of(tmp_path, f"{line}\n\n{line}\n") == [two, two]
 
@@ -115,6 +127,13 @@ def test_a_list_is_read(tmp_path):
     ('[{"input": "a", "output": "b", "steps": [{"simulate": {}}]}]', "job 1: pattern is None"),
     ('[{"input": "a", "output": "b", "steps": [{"simulate": {"pattern": "none.txt"}}]}]',
      "none.txt: cannot be read: No such file"),
+    ('[{"input": "a", "output": "b", "steps": [{"simulate": {"pattern": "jobs.json", "tone": 1}}]}]',
+     "job 1: tone is a number; coverage, equal or the path of a table would do"),
+    ('[{"input": "a", "output": "b", "steps": [{"simulate": {"pattern": "jobs.json", '
+     '"tone": "equla"}}]}]', "job 1: tone is 'equla', neither a kind of tone nor a file; coverage, "
+     "equal or the path of a table would do"),
+    ('[{"input": "a", "output": "b", "steps": [{"simulate": {"pattern": "jobs.json", '
+     '"tone": "equal", "levels": "raw"}}]}]', "job 1: tone is about the dither"),
     ('[{"input": "a", "output": "b", "page": "1", "steps": [{"convert": {}}]}]',
      "job 1: page is '1'")])
 def test_a_wrong_list_is_refused_with_its_place(tmp_path, text, words):

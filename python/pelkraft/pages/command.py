@@ -13,8 +13,8 @@ from typing import Optional, Sequence
 from . import exit_codes
 from .driver import DEFAULT_RETRIES, DEFAULT_TIMEOUT, check_jobs, run_pages
 from .errors import ClusterLost, JobError
-from .job_list import PatternFiles, jobs_for_files, read_job_list
-from .jobs import Conversion, PageJob, Simulation, Step
+from .job_list import StepFiles, jobs_for_files, read_job_list
+from .jobs import DITHER, QUANTIZE, RAW, Conversion, PageJob, Simulation, Step
 from .progress import Progress
 from .report import Report
 from .runners import ProcessRunner, Runner, SerialRunner
@@ -146,8 +146,13 @@ def _steps(options: argparse.Namespace) -> list[Step]:
     if conversion != Conversion():
         steps.append(conversion)
     if options.pattern:
-        text = PatternFiles().read(options.pattern)
-        steps.append(Simulation(text, options.engine, options.levels, options.pattern))
+        files = StepFiles()
+        tone = {} if options.tone is None else files.read_tone(options.tone)
+        steps.append(Simulation(files.read(options.pattern), options.engine, options.levels,
+                                options.pattern, **tone))
+    elif options.levels or options.tone is not None:
+        raise JobError("--levels and --tone are about a pattern, and there is none without "
+                       "--pattern")
     return steps
 
 
@@ -193,9 +198,14 @@ def _add_steps(parser: argparse.ArgumentParser) -> None:
     group.add_argument("--invert", action="store_true")
     group.add_argument("--pattern", metavar="FILE", help="the dot pattern, after the conversion")
     group.add_argument("--engine", choices=("automatic", "x86", "sse"), default="automatic")
-    group.add_argument("--levels", choices=("quantize", "raw"), default="quantize",
-                       help="whether tones are divided over the steps of each in-colour, or "
-                            "samples are steps")
+    group.add_argument("--levels", choices=(DITHER, QUANTIZE, RAW),
+                       help="dither mixes the two steps about a tone, by a mask; quantize divides "
+                            "tones evenly over the steps; raw takes samples as steps; without it, "
+                            "dither where there are more tones than steps, else quantize")
+    group.add_argument("--tone", metavar="TONE",
+                       help="ink of each step for the dither: coverage, by the shares and values "
+                            "of the pattern, the default; equal, in equal distances; or a CSV file "
+                            "with lines of an in-colour, a step and its ink")
 
 
 def _add_work(parser: argparse.ArgumentParser) -> None:

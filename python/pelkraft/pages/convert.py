@@ -11,14 +11,14 @@ import numpy
 from .. import Constant, Format, Pattern, PelkraftError, Plan
 from .channels import Entry, choose_channels, find_channels, plan_tags, shown
 from .errors import PATTERN, UNSUPPORTED, PageError
-from .ink_codes import is_ink, plan_range
-from .jobs import Conversion, PageJob, Simulation
+from .ink_codes import is_ink, plan_range, read_codes, refuse_other_colours
+from .ink_steps import StepChoice, StepRows
+from .jobs import RAW, Conversion, PageJob, Simulation
 from .picture import (INK_SET_OTHER, SEPARATED, Channel, Picture, Tags, format_of, row_bytes,
                       unpack_samples)
 
 # Rows that stay in the processor's cache from the conversion to the pattern.
 BAND_SAMPLES = 1 << 18
-NO_STEPS = 255
 
 
 def convert_page(job: PageJob, picture: Picture) -> tuple[Picture, tuple[str, ...]]:
@@ -109,19 +109,20 @@ def _simulate(step: Simulation, picture: Picture, path: str, warnings: list[str]
         pattern = _pattern_of(step.text, step.engine)
     except PelkraftError as error:
         raise PageError(PATTERN, f"{step.name}: {error}") from error
-    if step.levels == "raw" and picture.bits == 16:
+    refuse_other_colours(picture, path)
+    if step.levels == RAW and picture.bits == 16:
         raise PageError(UNSUPPORTED, f"{path}: has samples of 16 bits; raw levels support 1, 2 "
                                      "and 8")
-    choice = choose_channels(pattern.in_colours, picture, path)
-    entries = choice.entries
-    warnings += choice.notes
+    channels = choose_channels(pattern.in_colours, picture, path)
+    choice = StepChoice(step, pattern, read_codes(picture, path))
+    warnings += channels.notes
     warnings += [f"channel {shown(picture.channels, channel)} is not used: no in-colour of the "
-                 "pattern takes it" for channel in choice.unused]
-    tops = [0 if top == NO_STEPS else top for top in pattern.top_steps]
+                 "pattern takes it" for channel in channels.unused]
+    warnings += choice.warnings
     inks = tuple(pattern.out_inks)
     pixels = numpy.empty((picture.height, picture.width, len(inks)), numpy.uint8)
-    band = max(BAND_SAMPLES // (picture.width * max(len(entries), 1)), 1)
-    rows = _InkRows(picture, entries, tops, step.levels, min(band, picture.height))
+    band = max(BAND_SAMPLES // (picture.width * max(len(channels.entries), 1)), 1)
+    rows = StepRows(picture, channels.entries, choice, min(band, picture.height))
     for first in range(0, picture.height, band):
         steps = rows.steps(first, min(first + band, picture.height))
         pattern(steps, first_row=first, out=pixels[first:first + len(steps)])
@@ -130,42 +131,6 @@ def _simulate(step: Simulation, picture: Picture, path: str, warnings: list[str]
                         "divide tones over the steps")
     old = picture.tags
     tags = Tags(SEPARATED, INK_SET_OTHER, inks, old.resolution, old.resolution_unit,
-                old.orientation)
+                old.orientation, dot_ranges=((0, min(pattern.full_ink, 255)),))
     return Picture(pixels, picture.width, 8, False, tuple(map(Channel, inks)), tags,
                    picture.compressed)
-
-
-class _InkRows:
-    """Rows of a picture as steps of a pattern's in-colours, a band at a time. A band's memory is
-    that of the one before: new pages of memory would cost more than the work."""
-
-    def __init__(self, picture: Picture, entries: list[int], tops: list[int], levels: str,
-                 band: int) -> None:
-        self.saw_high_step = False
-        self._picture = picture
-        self._quantizes = levels == "quantize"
-        self._tops = numpy.array(tops, numpy.uint8)
-        self._factors = numpy.tile(numpy.array(tops, numpy.uint16) + 1, picture.width)
-        shape = (band, picture.width, len(entries))
-        self._tones = numpy.empty(shape, numpy.uint8)
-        self._wide = numpy.empty((band, picture.width * len(entries)), numpy.uint16)
-        self._steps = numpy.empty(shape, numpy.uint8)
-        in_place = not picture.planar and picture.bits == 8 and \
-            entries == list(range(len(picture.channels)))
-        # A level counts as a tone where tones are divided over steps.
-        self._plan = None if in_place else Plan(
-            format_of(picture), Format(picture.width, len(entries), 8, False), map=entries,
-            samples="tones" if self._quantizes else "fill")
-
-    def steps(self, first: int, end: int) -> numpy.ndarray:
-        rows, count = self._picture.pixels[first:end], end - first
-        if self._plan is not None:
-            rows = self._plan(rows, out=self._tones[:count])
-        if not self._quantizes:
-            self.saw_high_step = self.saw_high_step or bool((rows > self._tops).any())
-            return rows
-        # 0 to 255 is divided evenly over the steps.
-        wide = numpy.multiply(rows.reshape(count, -1), self._factors, out=self._wide[:count])
-        steps = self._steps[:count]
-        numpy.right_shift(wide, 8, out=steps.reshape(count, -1), casting="unsafe")
-        return steps

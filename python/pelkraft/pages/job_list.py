@@ -8,13 +8,13 @@ import os
 from typing import Any, Iterable, Mapping, Optional, Sequence
 
 from .errors import JobError
-from .jobs import Conversion, PageJob, Simulation, Step
+from .jobs import TONES, Conversion, PageJob, Simulation, Step
 
 TIFF_ENDINGS = (".tif", ".tiff")
 
 
-class PatternFiles:
-    """The bytes of pattern texts, each file read once."""
+class StepFiles:
+    """The bytes of pattern texts and tables of inks, each file read once."""
 
     def __init__(self) -> None:
         self._texts: dict[str, bytes] = {}
@@ -27,6 +27,16 @@ class PatternFiles:
             except OSError as error:
                 raise JobError(f"{path}: cannot be read: {error.strerror}") from error
         return self._texts[path]
+
+    def read_tone(self, tone: str, folder: str = "") -> dict[str, Any]:
+        """The fields of a simulation for a kind of tone, or for the path of a table."""
+        if tone in TONES:
+            return {"tone": tone}
+        path = os.path.join(folder, tone)
+        if not os.path.exists(path):
+            raise JobError(f"tone is {tone!r}, neither a kind of tone nor a file; "
+                           f"{', '.join(TONES)} or the path of a table would do")
+        return {"tone": self.read(path), "tone_name": path}
 
 
 def read_job_list(path: str, steps: Sequence[Step] = ()) -> list[PageJob]:
@@ -69,7 +79,7 @@ class _ListReader:
         self._path = path
         self._folder = os.path.dirname(os.path.abspath(path))
         self._steps = tuple(steps)
-        self._patterns = PatternFiles()
+        self._files = StepFiles()
 
     def read(self, text: str) -> list[PageJob]:
         try:
@@ -133,14 +143,20 @@ class _ListReader:
                 raise JobError(f"{self._path}: {where}: channels is "
                                f"{_kind(fields['channels'])}; a list would do")
             return self._told(where, Conversion, **fields)
-        self._refuse_unknown(fields, {"pattern", "engine", "levels"}, f"{where}: simulate")
+        self._refuse_unknown(fields, {"pattern", "engine", "levels", "tone"}, f"{where}: simulate")
         fields = dict(fields)
         name = fields.pop("pattern", None)
         if not isinstance(name, str) or not name:
             raise JobError(f"{self._path}: {where}: pattern is {name!r}; the path of a file would "
                            "do")
         path = os.path.join(self._folder, name)
-        return self._told(where, Simulation, self._patterns.read(path), name=path, **fields)
+        tone = fields.pop("tone", None)
+        if isinstance(tone, str):
+            fields |= self._told(where, self._files.read_tone, tone, self._folder)
+        elif tone is not None:
+            raise JobError(f"{self._path}: {where}: tone is {_kind(tone)}; {', '.join(TONES)} or "
+                           "the path of a table would do")
+        return self._told(where, Simulation, self._files.read(path), name=path, **fields)
 
     def _told(self, where: str, make: Any, *values: Any, **fields: Any) -> Any:
         try:

@@ -14,6 +14,11 @@ from .errors import JobError
 # A later version that gives other bytes for the same job must raise this number.
 JOB_VERSION = 2
 
+# The ways from samples to the steps of a pattern.
+DITHER = "dither"
+QUANTIZE = "quantize"
+RAW = "raw"
+TONES = ("coverage", "equal")
 
 # A new channel is an old one by number, counted from 0, or by name; "-" is an empty one, and a
 # constant holds one sample everywhere, as it stands in the new picture.
@@ -47,18 +52,30 @@ class Conversion:
 
 @dataclass(frozen=True)
 class Simulation:
-    """A dot pattern in place of the tones. `text` is the pattern itself, `name` where it stood."""
+    """A dot pattern in place of the tones. `text` is the pattern itself, `name` where it stood.
+
+    `levels` is "dither", "quantize" or "raw"; None dithers in-colours of fewer steps than the page
+    has tones, and quantizes the others. `tone` has the inks of steps for the dither: "coverage",
+    which None means too, "equal", or the bytes of a table, which stood in `tone_name`.
+    """
 
     text: bytes
     engine: str = "automatic"
-    levels: str = "quantize"
+    levels: Optional[str] = None
     name: str = field(default="pattern", compare=False)
+    tone: Union[None, str, bytes] = None
+    tone_name: str = field(default="table", compare=False)
 
     def __post_init__(self) -> None:
         if not isinstance(self.text, bytes):
             raise JobError("text is no bytes; the bytes of a pattern file would do")
         _one_of("engine", self.engine, ("automatic", "x86", "sse"))
-        _one_of("levels", self.levels, ("quantize", "raw"))
+        _one_of("levels", self.levels, (None, DITHER, QUANTIZE, RAW))
+        if not isinstance(self.tone, bytes):
+            _one_of("tone", self.tone, (None, *TONES))
+        if self.tone is not None and self.levels in (QUANTIZE, RAW):
+            raise JobError(f"tone is about the dither, which levels {self.levels!r} does without; "
+                           "leave one of them out")
 
 
 Step = Union[Conversion, Simulation]
@@ -119,8 +136,11 @@ def _checked_entry(entry: Any) -> ChannelEntry:
 
 def _canonical(step: Step) -> dict[str, Any]:
     if isinstance(step, Simulation):
+        tone = step.tone or TONES[0]
         return {"simulate": {"text": hashlib.sha256(step.text).hexdigest(),
-                             "engine": step.engine, "levels": step.levels}}
+                             "engine": step.engine, "levels": step.levels,
+                             "tone": tone if isinstance(tone, str) else
+                             {"table": hashlib.sha256(tone).hexdigest()}}}
     channels = step.channels and [
         {"constant": entry.sample} if isinstance(entry, Constant) else entry
         for entry in step.channels]
