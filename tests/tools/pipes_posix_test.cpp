@@ -221,6 +221,20 @@ TEST_F(Pipes, AreKeptBesideTheNewFileOrAmongTemporaryOnes)
     EXPECT_TRUE(Holds("out.tif", {image}));
 }
 
+TEST_F(Pipes, TakeTurnedPicturesThatAreKeptAmongTemporaryFiles)
+{
+    FileForm form;
+    form.photometric = PHOTOMETRIC_MINISWHITE;
+    form.setTags = [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_ORIENTATION, 6); };
+    WriteInput({RandomImage(1700, 1800, 1, 8, 1)}, form);
+    const std::string preview = "$P preview in.tif - --crop 0,0,1700,1800 > ";
+    EXPECT_TRUE(Refused(Shell("export TMPDIR=/no/such; " + preview + "none"), 6,
+                        {"cannot be written: no file can be made to keep its rows"}));
+    EXPECT_TRUE(EndedSilently(Shell("mkdir tmp; TMPDIR=tmp " + preview + "out.png; rmdir tmp")));
+    EXPECT_TRUE(EndedSilently(Shell("$P preview in.tif seen.png --crop 0,0,1700,1800; "
+                                    "cmp seen.png out.png")));
+}
+
 TEST_F(Pipes, TakeNothingCompressed)
 {
     FileForm form;

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -39,6 +40,30 @@ protected:
             TIFFSetField(tiff, TIFFTAG_INKNAMES, static_cast<int>(sizeof names), names);
         };
         return form;
+    }
+
+    static FileForm TurnedInks(int orientation)
+    {
+        FileForm form = FourInks();
+        const auto names = form.setTags;
+        form.setTags = [names, orientation](TIFF* tiff) {
+            names(tiff);
+            TIFFSetField(tiff, TIFFTAG_ORIENTATION, orientation);
+            TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 300.0);
+            TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 600.0);
+            TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+        };
+        return form;
+    }
+
+    // The column and the row in which a person sees a pixel of a page of this size.
+    static std::pair<int, int> SeenAt(int orientation, int width, int height, int x, int y)
+    {
+        const int right = width - 1 - x;
+        const int bottom = height - 1 - y;
+        const std::pair<int, int> places[] = {{x, y}, {right, y},  {right, bottom}, {x, bottom},
+                                              {y, x}, {bottom, x}, {bottom, right}, {y, right}};
+        return places[orientation - 1];
     }
 
     // Printed in this order of channels.
@@ -156,10 +181,20 @@ TEST_F(PreviewOfInks, ShowsWhatSimulateWritesAsItsOwnPreview)
                      std::string(from, 2) + (from[2] == '2' ? "3" : "1"));
     }
     WritePattern(text);
-    WriteInput(RandomImage(300, 200, 2, 8, 9), "Cyan Black");
-    ASSERT_TRUE(EndedSilently(Simulate({"--preview", Path("own.png")})));
-    ASSERT_TRUE(EndedSilently(Run({"preview", Path("out.tif"), Path("seen.png"), "--gain", "0"})));
-    EXPECT_TRUE(Bytes(Path("own.png")) == Bytes(Path("seen.png")));
+    for (const int orientation : {1, 3, 6}) {
+        FileForm form = InkForm("Cyan Black");
+        const auto names = form.setTags;
+        form.setTags = [names, orientation](TIFF* tiff) {
+            names(tiff);
+            TIFFSetField(tiff, TIFFTAG_ORIENTATION, orientation);
+        };
+        WriteTiff(Path("in.tif"), RandomImage(300, 200, 2, 8, 9), form);
+        ASSERT_TRUE(EndedSilently(Simulate({"--preview", Path("own.png")})));
+        ASSERT_TRUE(
+            EndedSilently(Run({"preview", Path("out.tif"), Path("seen.png"), "--gain", "0"})));
+        EXPECT_TRUE(Bytes(Path("own.png")) == Bytes(Path("seen.png")));
+        EXPECT_EQ(orientation > 4 ? 200 : 300, ReadPng(Path("seen.png")).width);
+    }
 }
 
 TEST_F(PreviewOfInks, NamesThePicturesOfPagesAfterTheirNumbers)
@@ -214,6 +249,86 @@ TEST_F(PreviewOfInks, TellsTheResolution)
     const std::string png = Bytes(Path("seen.png"));
     // 11811 and 23622 pixels per metre, in the order of the network.
     EXPECT_NE(std::string::npos, png.find(std::string("pHYs\0\0\x2E\x23\0\0\x5C\x46\1", 13)));
+}
+
+TEST_F(PreviewOfInks, TurnsPagesAsAPersonSeesThem)
+{
+    const TiffImage image = RandomImage(23, 31, 4, 8, 12);
+    for (int orientation = 1; orientation <= 8; ++orientation) {
+        SCOPED_TRACE(orientation);
+        WriteTiff(Path("in.tif"), image, TurnedInks(orientation));
+        ASSERT_TRUE(EndedSilently(
+            Preview({"--inks", Path("inks.txt"), "--crop", "3,5,17,24", "--threads", "3"})));
+        const PngImage seen = ReadPng(Path("seen.png"));
+        ASSERT_EQ(orientation > 4 ? 24 : 17, seen.width);
+        ASSERT_EQ(orientation > 4 ? 17 : 24, seen.height);
+        for (int y = 0; y < 24; ++y) {
+            for (int x = 0; x < 17; ++x) {
+                const auto [column, row] = SeenAt(orientation, 17, 24, x, y);
+                ASSERT_EQ(Expected(image, x + 3, y + 5, {0, 1, 2, 3}, 0, 255, 0),
+                          seen.At(column, row))
+                    << x << " " << y;
+            }
+        }
+        // 11811 and 23622 pixels per metre, across and down.
+        const std::string perMetre = orientation > 4
+                                         ? std::string("pHYs\0\0\x5C\x46\0\0\x2E\x23\1", 13)
+                                         : std::string("pHYs\0\0\x2E\x23\0\0\x5C\x46\1", 13);
+        EXPECT_NE(std::string::npos, Bytes(Path("seen.png")).find(perMetre));
+    }
+}
+
+// Kept in a file meanwhile, and turned some columns at a time.
+TEST_F(PreviewOfInks, TurnsLargeCropsToo)
+{
+    constexpr int width = 1700;
+    constexpr int height = 1900;
+    TiffImage image = RandomImage(width, height, 1, 8, 13);
+    for (auto& sample : image.samples)
+        sample = sample / 128 * 255;
+    WriteBytes(Path("inks.txt"), "Black #000000 0\n");
+    const std::string crop = "0,0," + std::to_string(width) + ',' + std::to_string(height);
+    for (const int orientation : {3, 4, 5, 6, 7, 8}) {
+        SCOPED_TRACE(orientation);
+        FileForm form;
+        form.photometric = PHOTOMETRIC_MINISWHITE;
+        form.setTags = [orientation](TIFF* tiff) {
+            TIFFSetField(tiff, TIFFTAG_ORIENTATION, orientation);
+        };
+        WriteTiff(Path("in.tif"), image, form);
+        // 1700 x 1900 pixels of 3 bytes.
+        ASSERT_TRUE(Refused(
+            Preview({"--crop", crop, "--spool-limit", "9689999"}), 5,
+            {"seen.png: takes 9690000 bytes to be turned", "9689999", "--spool-limit", "--crop"}));
+        ASSERT_TRUE(EndedSilently(
+            Preview({"--inks", Path("inks.txt"), "--crop", crop, "--spool-limit", "9690000"})));
+        EXPECT_EQ((std::vector<std::string>{"in.tif", "inks.txt", "pattern.txt", "seen.png"}),
+                  Files());
+        const PngImage seen = ReadPng(Path("seen.png"));
+        std::filesystem::remove(Path("seen.png"));
+        ASSERT_EQ(orientation > 4 ? height : width, seen.width);
+        int wrong = 0;
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                const auto [column, row] = SeenAt(orientation, width, height, x, y);
+                wrong += seen.At(column, row)[0] == 255 - image.At(x, y, 0) ? 0 : 1;
+            }
+        }
+        EXPECT_EQ(0, wrong);
+    }
+}
+
+TEST_F(PreviewOfInks, TellsOfTheTurn)
+{
+    WriteTiff(Path("in.tif"), BlankImage(20, 10, 4, 8), TurnedInks(6));
+    const std::vector<std::string> plan = {"--inks", Path("inks.txt"), "--explain", "--dry-run"};
+    const std::string words = Preview(plan).output;
+    EXPECT_NE(std::string::npos, words.find("page 1: 20 x 10 as 5 x 20 in ")) << words;
+    EXPECT_NE(std::string::npos, words.find("turned by its tag Orientation, 6, which puts the "
+                                            "first row and its first pixel at right, top\n"))
+        << words;
+    WriteTiff(Path("in.tif"), BlankImage(20, 10, 4, 8), TurnedInks(1));
+    EXPECT_EQ(std::string::npos, Preview(plan).output.find("turned"));
 }
 
 TEST_F(PreviewOfInks, IsTheSameForAnyThreads)

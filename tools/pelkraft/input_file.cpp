@@ -30,6 +30,15 @@ struct OpenDescriptor
     int descriptor;
 };
 
+int OpenPipeSpool(const std::string& path, const Spool& spool)
+{
+    int descriptor = -1;
+    if (const int error = OpenSpool(spool, descriptor); error != 0)
+        ThrowReadFailure(path, "no file can be made to keep what comes through the pipe: " +
+                                   ErrorText(error));
+    return descriptor;
+}
+
 // The next bytes of a pipe; none at its end.
 std::size_t ReadPiece(int pipe, std::vector<char>& piece, const std::string& path)
 {
@@ -86,7 +95,7 @@ InputFile::InputFile(const std::string& path, FileKind kind, const Spool& spool)
         NoteInput(file.identity, kind);
     size = file.size;
     if (file.pipe) {
-        OpenDescriptor kept(OpenSpool(path, spool));
+        OpenDescriptor kept(OpenPipeSpool(path, spool));
         size = CopyPipe(opened.descriptor, kept.descriptor, path, spool.limit);
         std::swap(opened.descriptor, kept.descriptor);
     }
@@ -105,7 +114,7 @@ int InputFile::TakeDescriptor()
     return std::exchange(descriptor, -1);
 }
 
-int OpenSpool(const std::string& path, const Spool& spool)
+int OpenSpool(const Spool& spool, int& descriptor)
 {
     std::string folder;
     if (!spool.besides.empty() && spool.besides != standardStream) {
@@ -113,11 +122,7 @@ int OpenSpool(const std::string& path, const Spool& spool)
         const std::u8string text = parent.empty() ? u8"." : parent.u8string();
         folder.assign(text.begin(), text.end());
     }
-    int descriptor = -1;
-    if (const int error = CreateSpool(folder, descriptor); error != 0)
-        ThrowReadFailure(path, "no file can be made to keep what comes through the pipe: " +
-                                   ErrorText(error));
-    return descriptor;
+    return CreateSpool(folder, descriptor);
 }
 
 void ThrowReadFailure(const std::string& path, const std::string& text)

@@ -45,8 +45,8 @@ private:
     std::uint64_t size = 0;
 };
 
-// Creates a file without a name for the bytes of a path, and answers its descriptor.
-int OpenSpool(const std::string& path, const Spool& spool);
+// Creates a file without a name. Answers 0 or the number of the error.
+int OpenSpool(const Spool& spool, int& descriptor);
 
 // The failure to read a file.
 [[noreturn]] void ThrowReadFailure(const std::string& path, const std::string& text);

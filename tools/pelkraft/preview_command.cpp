@@ -20,7 +20,8 @@ constexpr const char* previewHelp =
     "looks of their own; an ink file gives others, a line for each ink: its name, in double\n"
     "quotes if it holds blanks, a colour #RRGGBB, an opacity from 0 to 1 and, if it is not 1, a\n"
     "strength from 0 to 1. Of several pages the first one gets OUT.png, and page 2 OUT-2.png.\n"
-    "A picture has at most 1600 pixels on a side, unless it is a crop.\n\n";
+    "A picture has at most 1600 pixels on a side, unless it is a crop. It is turned by the tag\n"
+    "Orientation; a crop counts the pixels as they are stored, as coverage does.\n\n";
 
 class PreviewCommand final : public ISubcommand
 {

@@ -40,7 +40,7 @@ struct PagePlan
     // In the order of their printing.
     std::vector<PageInk> inks;
     std::vector<InkLayer> layers;
-    PageResolution resolution;
+    ShownPage page;
     // From a row of the file to samples of 8 or 16 bits side by side.
     RowPlan rows;
 };
@@ -79,6 +79,9 @@ PagePlan PlanPage(const TiffFile& file, const PreviewOptions& options, std::set<
     const PreviewFrame frame =
         options.crop ? PlainFrame(part.width, part.height)
                      : FitFrame(part.width, part.height, ReadResolution(file).PixelHeight());
+    const ShownPage page = {
+        ReadResolution(file), ReadOrientation(file), {options.output, options.input.spoolLimit}};
+    CheckTurn(OutputName(options.output), TurnShapeOf(frame, page.orientation), page.spool);
     return {picture,
             part,
             frame,
@@ -86,7 +89,7 @@ PagePlan PlanPage(const TiffFile& file, const PreviewOptions& options, std::set<
              codes.full, options.gain},
             inks,
             LayersOf(inks, options.inks, options.input.path, told),
-            ReadResolution(file),
+            page,
             PlanSamples(file, picture)};
 }
 
@@ -172,7 +175,7 @@ void ShowPage(const TiffFile& file, const PagePlan& plan, int threads, PictureOu
               const std::string& path, Progress& progress)
 {
     PreviewPng png(
-        path, plan.frame, InkLayers(plan.codes, plan.layers), plan.resolution,
+        path, plan.frame, InkLayers(plan.codes, plan.layers), plan.page,
         [&output](const void* bytes, std::size_t size) { return output.Append(bytes, size); });
     const std::size_t lightSize = png.Picture().LightSize();
     const std::uint32_t most = std::min(
@@ -217,14 +220,16 @@ std::string PathOfPage(const std::string& path, int page)
 
 Json ExplainJson(const PagePlan& plan, int page, const std::string& path)
 {
+    const bool swaps = TurnShapeOf(plan.frame, plan.page.orientation).SwapsSides();
     Json json = {{"page", page},
                  {"writes", path},
                  {"x", plan.part.x},
                  {"y", plan.part.y},
                  {"width", plan.part.width},
                  {"height", plan.part.height},
-                 {"shown_width", plan.frame.shownWidth},
-                 {"shown_height", plan.frame.shownHeight},
+                 {"orientation", plan.page.orientation},
+                 {"shown_width", swaps ? plan.frame.shownHeight : plan.frame.shownWidth},
+                 {"shown_height", swaps ? plan.frame.shownWidth : plan.frame.shownHeight},
                  {"no_ink", plan.codes.none},
                  {"full_ink", plan.codes.full},
                  {"gain", plan.codes.gain},
@@ -244,6 +249,9 @@ std::string ExplainWords(const Json& plan)
                         plan["shown_height"].dump() + " in " +
                         Shown(plan["writes"].get<std::string>()) + "\n  no ink is " +
                         plan["no_ink"].dump() + ", full ink " + plan["full_ink"].dump() + '\n';
+    const auto orientation = plan["orientation"].get<std::uint16_t>();
+    if (orientation != ORIENTATION_TOPLEFT)
+        words += "  turned by its tag Orientation, " + OrientationWords(orientation) + '\n';
     for (const Json& ink : plan["inks"])
         words += "  ink " + Shown(ink["name"].get<std::string>()) + ": channel " +
                  ink["channel"].dump() + ", " + ink["colour"].get<std::string>() + ", opacity " +
@@ -299,7 +307,6 @@ void PreviewPages(const PreviewOptions& options)
     std::vector<std::string> paths;
     VisitPages(file, options.input.pages, [&](int page) {
         const PagePlan plan = PlanPage(file, options, told);
-        WarnOfOrientation(file, "the picture shows the page as it is stored");
         rows += std::uint64_t{plan.part.y} + plan.part.height;
         paths.push_back(paths.empty() ? options.output : PathOfPage(options.output, page));
         plans.push_back(ExplainJson(plan, page, paths.back()));

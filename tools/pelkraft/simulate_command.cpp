@@ -7,6 +7,7 @@
 #include "tools/pelkraft/lint_first.h"
 #include "tools/pelkraft/option_values.h"
 #include "tools/pelkraft/page_inks.h"
+#include "tools/pelkraft/page_orientation.h"
 #include "tools/pelkraft/pattern_engines.h"
 #include "tools/pelkraft/simulation.h"
 #include "tools/pelkraft/simulation_explain.h"
@@ -344,7 +345,8 @@ private:
         preview.emplace(options.preview,
                         FitFrame(plan.to.width, plan.to.height, ReadResolution(file).PixelHeight()),
                         InkLayers(codes, LayersOf(pageInks, options.inks, options.preview, told)),
-                        ReadResolution(file), [&shown](const void* bytes, std::size_t size) {
+                        ShownPage{ReadResolution(file), ReadOrientation(file)},
+                        [&shown](const void* bytes, std::size_t size) {
                             shown.append(static_cast<const char*>(bytes), size);
                             return 0;
                         });

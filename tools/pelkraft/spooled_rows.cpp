@@ -11,9 +11,10 @@ namespace zvk::Pelkraft::Client {
 
 SpooledRows::SpooledRows(IRowReader& forward, const TiffPicture& picture, const Spool& spool,
                          const std::string& newPath)
-    : path(newPath), rowBytes(static_cast<std::size_t>(picture.RowBytes())),
-      descriptor(OpenSpool(path, spool))
+    : path(newPath), rowBytes(static_cast<std::size_t>(picture.RowBytes()))
 {
+    if (const int error = OpenSpool(spool, descriptor); error != 0)
+        ThrowReadFailure(path, "no file can be made to keep its rows: " + ErrorText(error));
     try {
         Keep(forward, picture.height, spool);
     } catch (...) {

@@ -23,7 +23,7 @@ private:
     std::string path;
     std::size_t rowBytes;
     std::uint64_t rowsLeft = 0;
-    int descriptor;
+    int descriptor = -1;
 };
 
 } // namespace zvk::Pelkraft::Client
