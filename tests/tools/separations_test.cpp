@@ -95,7 +95,7 @@ END_IN_COLOR
     // The tags of a plate don't say which ink it is.
     ASSERT_TRUE(Refused(Run({"simulate", Path("pattern.txt"), Path("page(Cyan).tif"),
                              Path("dots.tif"), "--levels", "quantize"}),
-                        0, {"Cyan from channel 0 (Gray)"}));
+                        0, {"Cyan from channel 0 (Black)"}));
     FileForm form;
     const TiffImage plate = ReadTiff(Path("page(Cyan).tif"), form);
     ASSERT_EQ(form.photometric, PHOTOMETRIC_MINISBLACK);

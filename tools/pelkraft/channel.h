@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pattern/pattern_words.h"
+
 #include <cstdint>
 #include <string>
 
@@ -10,6 +12,8 @@ struct Channel
 {
     // Empty where neither a tag nor the photometric kind gives it a name.
     std::string name;
+    // A second name that finds it, or none.
+    std::string otherName;
     // Beyond the colour channels: what the extra-sample tag says of it, 0 for nothing.
     bool extra = false;
     std::uint16_t extraKind = 0;
@@ -17,6 +21,12 @@ struct Channel
     // ink but alpha channels; on pages of other colours extra samples mean something else.
     bool ink = true;
 
+    // Names count in any case of letters.
+    bool Bears(const std::string& wanted) const
+    {
+        const std::string upper = UpperCase(wanted);
+        return !wanted.empty() && (UpperCase(name) == upper || UpperCase(otherName) == upper);
+    }
     bool IsAlpha() const { return extra && extraKind != 0; }
 };
 

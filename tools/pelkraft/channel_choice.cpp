@@ -1,6 +1,5 @@
 #include "tools/pelkraft/channel_choice.h"
 
-#include "pattern/pattern_words.h"
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 
@@ -42,9 +41,7 @@ public:
 
     int TakeByName(const std::string& name)
     {
-        return Take([&](const Channel& channel) {
-            return !channel.name.empty() && UpperCase(channel.name) == UpperCase(name);
-        });
+        return Take([&](const Channel& channel) { return channel.Bears(name); });
     }
 
     int TakeNext()

@@ -3,7 +3,6 @@
 #include "tools/pelkraft/failure.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 
 namespace zvk::Pelkraft::Client {
@@ -17,14 +16,6 @@ std::string Trimmed(const std::string& text)
     const auto first = text.find_first_not_of(' ');
     return first == std::string::npos ? ""
                                       : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-bool EqualInAnyCase(const std::string& left, const std::string& right)
-{
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
-        return std::tolower(static_cast<unsigned char>(a)) ==
-               std::tolower(static_cast<unsigned char>(b));
-    });
 }
 
 std::string Offer(const std::vector<Channel>& channels)
@@ -48,9 +39,8 @@ int FindChannel(const std::string& entry, const std::vector<Channel>& channels,
     if (read.ec == std::errc() && read.ptr == end && number >= 0 &&
         number < static_cast<int>(channels.size()))
         return number;
-    const auto found = std::find_if(channels.begin(), channels.end(), [&](const Channel& channel) {
-        return !entry.empty() && EqualInAnyCase(entry, channel.name);
-    });
+    const auto found = std::find_if(channels.begin(), channels.end(),
+                                    [&](const Channel& channel) { return channel.Bears(entry); });
     if (found == channels.end())
         throw Failure(ExitCode::Usage, path,
                       "has no channel \"" + entry + "\" for " + option + "; supported are " +

@@ -5,6 +5,8 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
+constexpr const char* grayName = "Gray";
+
 std::vector<std::string> UsualNames(std::uint16_t photometric)
 {
     switch (photometric) {
@@ -14,7 +16,7 @@ std::vector<std::string> UsualNames(std::uint16_t photometric)
         return {"Red", "Green", "Blue"};
     case PHOTOMETRIC_MINISWHITE:
     case PHOTOMETRIC_MINISBLACK:
-        return {"Gray"};
+        return {grayName};
     default:
         return {};
     }
@@ -40,6 +42,13 @@ void NameChannels(const TiffFile& file, const TiffPicture& picture, std::vector<
         names = UsualNames(picture.photometric);
     for (std::size_t i = 0; i < std::min(channels.size(), names.size()); ++i)
         channels[i].name = names[i];
+    const auto inks = std::count_if(channels.begin(), channels.end(),
+                                    [](const Channel& channel) { return channel.ink; });
+    // Beside other inks nobody knows which one the first is.
+    if (inks == 1 && channels[0].name == grayName) {
+        channels[0].name = "Black";
+        channels[0].otherName = grayName;
+    }
 }
 
 } // namespace

@@ -9,6 +9,10 @@ import tifffile
 
 from pictures import PROFILE, UNDEFINED, random_samples, reverse_strips, write_inks, write_plate
 
+PATTERN = """DotWeavePattern VERSION 2 BEGIN_OUT_INKS NAME END_OUT_INKS
+BEGIN_IN_COLORS NAME END_IN_COLORS
+BEGIN_IN_COLOR NAME BEGIN_INKS NAME END_INKS BEGIN_VALUES 1 1 0-255 END_VALUES END_IN_COLOR
+"""
 NAMES = ["Cyan", "Magenta", "Yellow", "Black", "Harbour Orange"]
 
 
@@ -100,6 +104,25 @@ def test_the_physical_size_follows_from_the_resolution(tmp_path, succeed, unit, 
     page = only_page(succeed("info", "--json", "in.tif"))
     assert page["width_mm"] == pytest.approx(50 / 360 * millimetres)
     assert page["height_mm"] == pytest.approx(90 / 720 * millimetres)
+
+
+@pytest.mark.parametrize("photometric", ["minisblack", "miniswhite"])
+def test_the_ink_of_a_gray_page_has_one_name(tmp_path, succeed, photometric):
+    samples = random_samples(1, (4, 6), 8)
+    tifffile.imwrite(tmp_path / "in.tif", samples, photometric=photometric, metadata=None)
+    assert only_page(succeed("info", "--json", "in.tif"))["inks"][0]["name"] == "Black"
+    assert " Black " in succeed("info", "in.tif").output
+    assert "\n  Black " in succeed("coverage", "in.tif", "--limit", "400", "--window", "1px").output
+    succeed("preview", "in.tif", "out.png", "--print-order", "Black")
+    succeed("split", "in.tif", "plate", "--inks", "Black")
+    assert (tmp_path / "plate(Black).tif").exists()
+    # Version 1.0.0 knew the second name alone.
+    for name in "black", "GRAY":
+        succeed("convert", "in.tif", "out.tif", "--channels", name)
+        assert numpy.array_equal(tifffile.imread(tmp_path / "out.tif"), samples)
+        (tmp_path / "pattern.txt").write_text(PATTERN.replace("NAME", name))
+        plan = succeed("simulate", "pattern.txt", "in.tif", "dots.tif", "--explain").output
+        assert f"in-colour {name}: channel 0 (Black) by name" in plan
 
 
 def make_profile(space, description):
