@@ -17,13 +17,19 @@ const char* ChoiceWords(const SimulationPlan& plan, std::size_t inColour)
     return plan.choice.byName[inColour] ? "name" : "order";
 }
 
+std::string EngineWords(const LoadedPattern& pattern)
+{
+    const bool automatic = pattern.engine == DotWeavePattern::Automatic;
+    return (automatic ? "automatic" : EngineName(pattern.engine)) + " engine";
+}
+
 } // namespace
 
 std::string ExplainSimulation(const SimulationPlan& plan, const LoadedPattern& pattern)
 {
     std::string text = ": " + std::to_string(plan.from.width) + " x " +
-                       std::to_string(plan.from.height) + " pixels, " + EngineName(pattern.engine) +
-                       " engine\n";
+                       std::to_string(plan.from.height) + " pixels, by the " +
+                       EngineWords(pattern) + '\n';
     for (std::size_t i = 0; i < pattern.inColours.size(); ++i)
         text += "  in-colour " + Shown(pattern.inColours[i]) + ": channel " +
                 Shown(ChannelWords(plan.channels, plan.choice.map[i])) + " by " +
@@ -34,7 +40,7 @@ std::string ExplainSimulation(const SimulationPlan& plan, const LoadedPattern& p
 
 std::string ChoicesOf(const SimulationPlan& plan, const LoadedPattern& pattern)
 {
-    std::string text = EngineName(pattern.engine) + " engine";
+    std::string text = EngineWords(pattern);
     for (std::size_t i = 0; i < pattern.inColours.size(); ++i)
         text += "; " + pattern.inColours[i] + " from channel " +
                 ChannelWords(plan.channels, plan.choice.map[i]) + " by " + ChoiceWords(plan, i) +
