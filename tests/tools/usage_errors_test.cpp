@@ -60,6 +60,14 @@ TEST_F(UsageErrors, SayWhatIsWrongAndWhereHelpIs)
          "convert --help"},
         {{"convert", "a", "b", "--json"},
          "--json is of no use without --explain. See pelkraft convert --help"},
+        {{"pattern", "explan"},
+         "there is neither a verb nor a file \"explan\". Did you mean explain? See pelkraft "
+         "pattern --help"},
+        {{"pattern", "expl", "--json"},
+         "there is neither a verb nor a file \"expl\". Did you mean explain? See pelkraft "
+         "pattern --help"},
+        {{"pattern", "explan", "a.txt"},
+         "there is no verb \"explan\". Did you mean explain? See pelkraft pattern --help"},
         {{"convert", "a", "b", "-q", "-v"},
          "--quiet and --verbose can't be given together. See pelkraft convert --help"}};
     for (const Wrong& wrong : cases) {
@@ -77,6 +85,21 @@ TEST_F(UsageErrors, NameAllVerbsWhereNoneIsNear)
         EXPECT_TRUE(Refused(Run(arguments), 2,
                             {"verb", "supported are ", "convert", "pattern", " and ", "simulate",
                              ". See pelkraft --help\n"}));
+}
+
+TEST_F(UsageErrors, AreNoFilesWithNamesLikeVerbs)
+{
+    for (const std::string name : {"explan", "lin", "explai.txt"}) {
+        // A path can't be a verb.
+        EXPECT_TRUE(Refused(Run({"pattern", Path(name)}), 6, {name + ": cannot be read"}));
+        WriteBytes(Path(name), "DotWeavePattern VERSION 2");
+        const auto here = std::filesystem::current_path();
+        std::filesystem::current_path(Path("."));
+        const Outcome read = Run({"pattern", name});
+        std::filesystem::current_path(here);
+        EXPECT_EQ(4, read.exitCode);
+        EXPECT_EQ(std::string::npos, read.errors.find("verb")) << read.errors;
+    }
 }
 
 // The file alone can say that these are wrong.

@@ -6,12 +6,16 @@
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/pattern_report.h"
 #include "tools/pelkraft/pattern_verbs.h"
+#include "tools/pelkraft/system_calls.h"
 #include "tools/pelkraft/text_output.h"
+#include "tools/pelkraft/usage_errors.h"
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
 #include <functional>
 #include <map>
+#include <system_error>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -153,10 +157,22 @@ private:
         AddFormat(*added, {"text", "json"});
     }
 
+    void RefuseMisspeltVerb() const
+    {
+        const std::string nearest = NearestVerb(input, *verb);
+        std::error_code unknown;
+        const bool isPath = input.find_first_of("/\\") != std::string::npos;
+        if (!nearest.empty() && !isPath && !std::filesystem::exists(PathOf(input), unknown))
+            throw Failure(ExitCode::Usage, {},
+                          "there is neither a verb nor a file \"" + input + "\". Did you mean " +
+                              nearest + "?");
+    }
+
     ExitCode RunWithoutVerb()
     {
         if (input.empty())
             throw Failure(ExitCode::Usage, {}, "FILE is required, or a verb such as lint");
+        RefuseMisspeltVerb();
         output.path = plot;
         output.rules.kind = FileKind::Svg;
         RefuseOtherEnding(plot, output.rules.kind);

@@ -174,6 +174,11 @@ bool HasExtraWords(const CLI::App& program, const CLI::App& verb, const CLI::Par
 
 } // namespace
 
+std::string NearestVerb(const std::string& word, const CLI::App& verb)
+{
+    return NearOrBegun(word, VerbsBelow(verb));
+}
+
 std::string UsageError(const CLI::App& program, const CLI::ParseError& error)
 {
     const CLI::App& verb = ChosenVerb(program);
