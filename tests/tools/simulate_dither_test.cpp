@@ -88,6 +88,9 @@ TEST_F(DitheredSimulation, QuantizesWhereThereAreEnoughSteps)
     }
     EXPECT_GT(mixed, 10);
     const Outcome told = Simulate({"--explain", "--dry-run"});
+    EXPECT_NE(std::string::npos, told.output.find(" pixels, by the automatic engine\n"));
+    EXPECT_NE(std::string::npos, Simulate({"--engine", "x86", "--explain", "--dry-run"})
+                                     .output.find(" pixels, by the x86 engine\n"));
     EXPECT_NE(std::string::npos, told.output.find("steps 0 to 3, quantized"));
     EXPECT_NE(std::string::npos, told.output.find("steps 0 to 1, dithered"));
     // A choice of it holds for all of them.
@@ -208,8 +211,8 @@ TEST_F(DitheredSimulation, QuantizesInksThatDoNotRise)
     WriteInput(image, "Cyan Black");
     EXPECT_TRUE(Refused(Simulate(), 1,
                         {"pattern.txt: warning: in-colour Cyan: step 2 has no more ink than step "
-                         "1, 10.000 after 10.000",
-                         "quantized"}));
+                         "1, 10.000 after 10.000, so that its tones are quantized: a dither wants "
+                         "more ink at each step, which --tone equal or a CSV file may give\n"}));
     const TiffImage out = Output();
     const NaiveDither naive = Naive(8, 0, 255);
     const int cyan[] = {0, 10, 10, 0};
@@ -217,8 +220,11 @@ TEST_F(DitheredSimulation, QuantizesInksThatDoNotRise)
         ASSERT_EQ(cyan[x / 64], out.At(x, 1, 1));
         ASSERT_EQ(200 * naive.StepOf(255 - x, 1, x, 1), out.At(x, 1, 0));
     }
-    EXPECT_TRUE(Refused(Simulate({"--levels", "dither"}), 4,
-                        {"pattern.txt", "in-colour Cyan: step 2 has no more ink than step 1"}));
+    EXPECT_TRUE(
+        Refused(Simulate({"--levels", "dither"}), 4,
+                {"pattern.txt: in-colour Cyan: step 2 has no more ink than step 1, 10.000 "
+                 "after 10.000; a dither wants more ink at each step, which --tone equal or "
+                 "a CSV file may give\n"}));
     EXPECT_TRUE(EndedSilently(Simulate({"--levels", "dither", "--tone", "equal"})));
     EXPECT_TRUE(EndedSilently(Simulate({"--levels", "quantize"})));
 }

@@ -282,7 +282,7 @@ private:
                                         : PlanText(plans));
         NotePages(options.input.path, choices);
         for (const std::size_t inColour : flat)
-            PrintWarning(options.pattern, FlatInksWords(pattern, steps, inColour));
+            PrintWarning(options.pattern, FlatInksWords(pattern, steps, inColour, toneAdvice));
         total.warned = total.warned || !flat.empty();
         return total;
     }

@@ -60,7 +60,7 @@ bool TakesInks(Levels levels)
 }
 
 StepChoice ChooseStepsByInks(const LoadedPattern& pattern, Levels levels,
-                             std::vector<StepInks> inks)
+                             std::vector<StepInks> inks, const std::string& advice)
 {
     StepChoice steps;
     steps.levels = levels;
@@ -72,20 +72,18 @@ StepChoice ChooseStepsByInks(const LoadedPattern& pattern, Levels levels,
         if (const auto step = FindFlatStep(steps.inks[i]))
             throw Failure(ExitCode::BadPattern, pattern.text.Path(),
                           FlatWords(pattern, steps, i, *step) +
-                              "; --levels dither wants more ink at each step, which --tone equal "
-                              "or a CSV file may give");
+                              "; a dither wants more ink at each step" + advice);
     return steps;
 }
 
 std::string FlatInksWords(const LoadedPattern& pattern, const StepChoice& steps,
-                          std::size_t inColour)
+                          std::size_t inColour, const std::string& advice)
 {
     const auto step = FindFlatStep(steps.inks[inColour]);
     if (!step)
         return {};
     return FlatWords(pattern, steps, inColour, *step) +
-           ", so that its tones are quantized; --tone equal or a CSV file may give inks that can "
-           "be dithered";
+           ", so that its tones are quantized: a dither wants more ink at each step" + advice;
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -38,12 +38,13 @@ std::optional<std::vector<StepInks>> InksOfTone(const LoadedPattern& pattern,
 // True for levels that are asked about the inks of steps.
 bool TakesInks(Levels levels);
 
-// Inks that do not rise are refused where the way is dither without another choice.
+// Inks that do not rise are refused where the way is dither without another choice. A sentence
+// about them ends with the advice, which says by what name a person chooses other ones.
 StepChoice ChooseStepsByInks(const LoadedPattern& pattern, Levels levels,
-                             std::vector<StepInks> inks);
+                             std::vector<StepInks> inks, const std::string& advice);
 
 // Says why an in-colour whose inks do not rise is quantized; empty for others.
 std::string FlatInksWords(const LoadedPattern& pattern, const StepChoice& steps,
-                          std::size_t inColour);
+                          std::size_t inColour, const std::string& advice);
 
 } // namespace zvk::Pelkraft::Client

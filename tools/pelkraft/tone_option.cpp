@@ -27,13 +27,13 @@ void RefuseMisspeltKind(const std::string& tone)
 StepChoice ChooseSteps(const LoadedPattern& pattern, Levels levels, const std::string& tone)
 {
     if (!TakesInks(levels))
-        return ChooseStepsByInks(pattern, levels, {});
+        return ChooseStepsByInks(pattern, levels, {}, toneAdvice);
     auto inks = InksOfTone(pattern, tone);
     if (!inks) {
         RefuseMisspeltKind(tone);
         inks = ReadStepInks(tone, ReadSmallFile(tone, {"a table of inks"}), ColoursOf(pattern));
     }
-    return ChooseStepsByInks(pattern, levels, *std::move(inks));
+    return ChooseStepsByInks(pattern, levels, *std::move(inks), toneAdvice);
 }
 
 } // namespace zvk::Pelkraft::Client

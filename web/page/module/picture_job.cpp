@@ -8,6 +8,8 @@ namespace {
 using Client::StepWay;
 
 constexpr int toneCount = 256;
+// The end of a sentence about inks that can't be dithered.
+constexpr const char* toneAdvice = ", which equal distances between the steps give";
 // The rows of a pattern repeat after so many.
 constexpr std::int64_t patternRows = 65536;
 
@@ -25,7 +27,7 @@ Client::StepChoice ChooseSteps(const Client::LoadedPattern& pattern,
     std::vector<Client::StepInks> inks;
     if (Client::TakesInks(request.levels))
         inks = Client::InksOfTone(pattern, request.tone).value();
-    return Client::ChooseStepsByInks(pattern, request.levels, std::move(inks));
+    return Client::ChooseStepsByInks(pattern, request.levels, std::move(inks), toneAdvice);
 }
 
 std::vector<StepWay> WaysOf(const Client::StepChoice& steps)
@@ -115,7 +117,7 @@ std::vector<std::string> PictureJob::Warnings() const
         warnings.push_back(Client::UnusedChannelWords(channels, channel));
     for (std::size_t i = 0; i < ways.size(); ++i)
         if (steps.IsFlat(i, toneCount))
-            warnings.push_back(Client::FlatInksWords(pattern, steps, i));
+            warnings.push_back(Client::FlatInksWords(pattern, steps, i, toneAdvice));
     if (sawHighStep)
         warnings.emplace_back(Client::highStepWords);
     return warnings;
