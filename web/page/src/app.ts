@@ -4,6 +4,7 @@ import { lineAt } from "./editor/explanations.js";
 import { PatternEditor } from "./editor/pattern_editor.js";
 import { examples } from "./examples.js";
 import { fileButton } from "./files.js";
+import { followHistoryKeys } from "./history_keys.js";
 import { registerMark } from "./icons.js";
 import { decodeLink, encodeLink } from "./links.js";
 import { Tabs } from "./tabs.js";
@@ -52,6 +53,7 @@ export class App {
         const dots = new DotsView(this.#workbench);
         const take = new TakeAwayView(this.#workbench);
         const table = new PatternTable(this.#workbench, this.#editor);
+        followHistoryKeys(table.element, (turn) => table.take(turn));
         const compare = h("div", {});
         const tabs = new Tabs(en.tabs.label, [
             { name: "table", label: en.tabs.table, content: table.element },

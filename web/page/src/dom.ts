@@ -65,6 +65,11 @@ export function refill(element: Element, ...children: Child[]): void {
     }
 }
 
+/** Lets a live region speak: it does when its content changes, so the same sentence comes anew. */
+export function announce(region: Element, sentence: string): void {
+    refill(region, h("span", {}, sentence));
+}
+
 function keyOfFocus(element: Element): string | null {
     const focused = document.activeElement;
     return focused !== null && element.contains(focused) ? focused.getAttribute("data-key") : null;

@@ -4,9 +4,10 @@
  * at the root.
  */
 export function morph(old: Element, fresh: Element): void {
+    const said = defaultOf(old);
     copyAttributes(old, fresh);
     morphChildren(old, fresh);
-    copyState(old, fresh);
+    copyState(old, fresh, said);
 }
 
 export function morphChildren(old: Element, fresh: ParentNode): void {
@@ -50,19 +51,32 @@ function copyAttributes(old: Element, fresh: Element): void {
     }
 }
 
+/** A field shows this while nobody has changed it. */
+function defaultOf(field: Element): string | null {
+    if (field instanceof HTMLSelectElement) {
+        return [...field.options].find((option) => option.defaultSelected)?.value ?? null;
+    }
+    return field instanceof HTMLInputElement ? field.defaultValue : null;
+}
+
 /**
- * A person's input isn't among the attributes of its field. A field in use keeps it, and so does one
- * that says nothing of the text.
+ * A person's input isn't among the attributes of its field. A field in use keeps it as long as the
+ * text says the same as before, and so does one that says nothing of the text.
  */
-function copyState(old: Element, fresh: Element): void {
-    if (old === document.activeElement) {
+function copyState(old: Element, fresh: Element, said: string | null): void {
+    if (old === document.activeElement && said === defaultOf(fresh)) {
         return;
     }
-    if (old instanceof HTMLInputElement && fresh instanceof HTMLInputElement) {
-        if (fresh.hasAttribute("value") && old.value !== fresh.value) {
-            old.value = fresh.value;
-        }
-    } else if (old instanceof HTMLSelectElement && fresh instanceof HTMLSelectElement) {
-        old.selectedIndex = [...fresh.options].findIndex((option) => option.defaultSelected);
+    if (!(fresh instanceof HTMLInputElement) || fresh.hasAttribute("value")) {
+        showDefault(old);
+    }
+}
+
+/** Makes a field show what the text says, whatever a person has put into it. */
+export function showDefault(field: Element): void {
+    if (field instanceof HTMLInputElement && field.value !== field.defaultValue) {
+        field.value = field.defaultValue;
+    } else if (field instanceof HTMLSelectElement) {
+        field.selectedIndex = [...field.options].findIndex((option) => option.defaultSelected);
     }
 }

@@ -57,7 +57,7 @@ END_IN_COLOR
             ["F8", "goes to the next finding and explains it"],
             ["Ctrl+.", "takes the fix of the finding at the cursor"],
             ["Ctrl+Enter", "goes from a value line to its bars; Enter on the bars goes back"],
-            ["Ctrl+Z", "takes a change back, also one that was made in the table"],
+            ["Ctrl+Z", "takes a change back, in the text and in the table; Ctrl+Y makes it again"],
         ],
         phrases: {
             "Control character": "Control character",
@@ -129,6 +129,12 @@ END_IN_COLOR
     table: {
         lead: "The same pattern as the text: a change here writes there. A step is how dark the "
             + "picture is; each of its alternatives comes at its share of the pixels.",
+        undo: "Undo",
+        redo: "Redo",
+        undone: "The last change is undone.",
+        redone: "The change is made again.",
+        nothingToUndo: "There is nothing to undo.",
+        nothingToRedo: "There is nothing to redo.",
         outInks: "Inks of the machine",
         inkName: (number: number) => `Name of ink ${number} of the machine`,
         newInk: "Name of a new ink",

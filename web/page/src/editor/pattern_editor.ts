@@ -1,5 +1,5 @@
 import { autocompletion, completionKeymap } from "@codemirror/autocomplete";
-import { defaultKeymap, history, historyKeymap } from "@codemirror/commands";
+import { defaultKeymap, history, historyKeymap, redo, undo } from "@codemirror/commands";
 import { forEachDiagnostic, lintGutter, lintKeymap, setDiagnostics, type Diagnostic }
     from "@codemirror/lint";
 import { EditorSelection, EditorState } from "@codemirror/state";
@@ -132,6 +132,16 @@ export class PatternEditor extends HTMLElement {
         const { text } = this;
         const changes = edits.map((edit) => smallest(text, edit));
         this.#view.dispatch({ changes, userEvent: "input.table" });
+    }
+
+    /** Takes the last change back, wherever it was made; false if there is none. */
+    undo(): boolean {
+        return undo(this.#view);
+    }
+
+    /** Makes the change again that was taken back last; false if there is none. */
+    redo(): boolean {
+        return redo(this.#view);
     }
 
     showFindings(findings: readonly Finding[]): void {

@@ -1,8 +1,9 @@
-import { afterPause, h } from "../dom.js";
+import { afterPause, announce, h } from "../dom.js";
 import { lineAt } from "../editor/explanations.js";
 import type { PatternEditor } from "../editor/pattern_editor.js";
 import type { Edit } from "../engine/index.js";
-import { morphChildren } from "../morph.js";
+import type { Turn } from "../history_keys.js";
+import { morphChildren, showDefault } from "../morph.js";
 import * as edits from "../pattern/edits.js";
 import type { Block, ValueLine } from "../pattern/structure.js";
 import { cutWords, sameName } from "../pattern/words.js";
@@ -28,20 +29,36 @@ type Act = (target: Target & { block: Block; line: ValueLine }, text: string) =>
 
 /** The pattern as a table, which can be changed like the text. */
 export class PatternTable {
-    readonly element = h("div", { class: "pattern-table" });
+    readonly element: HTMLElement;
+    readonly #table = h("div", { class: "pattern-table" });
+    readonly #said = h("p", { class: "said", role: "status" });
     readonly #workbench: Workbench;
     readonly #editor: PatternEditor;
 
     constructor(workbench: Workbench, editor: PatternEditor) {
         this.#workbench = workbench;
         this.#editor = editor;
+        const turn = (which: Turn) => h("button", { class: "small", click: () => this.take(which) },
+            words[which]);
+        this.element = h("div", { class: "table-view" },
+            h("div", { class: "row history" }, turn("undo"), turn("redo"), this.#said), this.#table);
         const soon = afterPause(0, () => this.#show());
         workbench.structure.follow(soon);
         workbench.reading.follow(soon);
         workbench.cursor.follow(soon);
-        this.element.addEventListener("change", (event) => this.#changed(event));
-        this.element.addEventListener("click", (event) => this.#clicked(event));
-        this.element.addEventListener("submit", (event) => this.#submitted(event));
+        this.#table.addEventListener("change", (event) => this.#changed(event));
+        this.#table.addEventListener("click", (event) => this.#clicked(event));
+        this.#table.addEventListener("submit", (event) => this.#submitted(event));
+    }
+
+    /** Takes the last change of the pattern back, or makes it again. */
+    take(turn: Turn): void {
+        if (turn === "undo") {
+            announce(this.#said, this.#editor.undo() ? words.undone : words.nothingToUndo);
+        } else {
+            announce(this.#said, this.#editor.redo() ? words.redone : words.nothingToRedo);
+        }
+        this.#show();
     }
 
     #state(): TableState {
@@ -57,7 +74,7 @@ export class PatternTable {
 
     #show(): void {
         const fresh = h("div", {}, ...this.#content());
-        morphChildren(this.element, fresh);
+        morphChildren(this.#table, fresh);
     }
 
     #content(): HTMLElement[] {
@@ -130,6 +147,8 @@ export class PatternTable {
             return;
         }
         this.#do(this.#targetOf(field));
+        // A refused value must not stay in its field.
+        showDefault(field);
     }
 
     #clicked(event: Event): void {
@@ -164,7 +183,6 @@ export class PatternTable {
         if (written.length > 0) {
             this.#editor.applyEdits(written);
         }
-        // A refused value must not stay in its field.
         this.#show();
     }
 

@@ -1,4 +1,4 @@
-import { afterPause, h, refill } from "../dom.js";
+import { afterPause, announce, h } from "../dom.js";
 import { commandOf, type Picture } from "../engine/index.js";
 import { copy, save } from "../files.js";
 import { encodeLink } from "../links.js";
@@ -76,8 +76,7 @@ export class TakeAwayView {
     }
 
     #tell(sentence: string): void {
-        // A region speaks when its content changes, so the same sentence must come anew.
-        refill(this.#said, h("span", {}, sentence));
+        announce(this.#said, sentence);
     }
 
     #show(): void {

@@ -1,0 +1,110 @@
+// The table is worked in by itself: changes are taken back there, and the focus is never lost.
+import assert from "node:assert/strict";
+import { test } from "node:test";
+
+import { openPage, paste, startBrowser, summaryIs, textOf } from "./browser.js";
+
+const pattern = `DotWeavePattern
+VERSION 3
+BEGIN_OUT_INKS Cyan LightCyan END_OUT_INKS
+BEGIN_IN_COLORS Cyan END_IN_COLORS
+BEGIN_IN_COLOR Cyan
+BEGIN_INKS Cyan LightCyan END_INKS
+BEGIN_VALUES
+1 1:3 1-255 1-0
+2 1 1-255
+3 1 0-255
+END_VALUES
+END_IN_COLOR
+`;
+
+async function openPattern(test, started, options) {
+    const page = await openPage(test, started, options);
+    await paste(page, pattern);
+    await page.getByLabel("Number of Cyan step 3").waitFor();
+    await summaryIs(page, "Nothing is wrong");
+    return page;
+}
+
+// The name of what has the focus; the page's body has none.
+function focused(page) {
+    return page.evaluate(() => document.activeElement.getAttribute("aria-label")
+        ?? document.activeElement.labels?.[0]?.textContent ?? document.activeElement.tagName);
+}
+
+async function said(page, words) {
+    await page.locator(".history [role=status]").getByText(words).waitFor();
+}
+
+async function type(page, label, value) {
+    const field = page.getByLabel(label, { exact: true });
+    await field.focus();
+    await page.keyboard.press("Control+A");
+    await page.keyboard.type(value);
+    return field;
+}
+
+test("the table", async (all) => {
+    const started = await startBrowser(all);
+
+    await all.test("a change is undone and made again from its own field", async (one) => {
+        const page = await openPattern(one, started);
+        const share = "Share of Cyan step 1, alternative 1 in percent";
+        const field = await type(page, share, "40");
+        await page.keyboard.press("Enter");
+        const changed = pattern.replace("1:3", "2:3");
+        assert.equal(await textOf(page), changed);
+
+        await page.keyboard.press("Control+Z");
+        assert.equal(await textOf(page), pattern);
+        await said(page, "The last change is undone.");
+        assert.equal(await focused(page), share);
+        assert.equal(await field.inputValue(), "25");
+
+        for (const key of ["Control+Y", "Control+Shift+Z"]) {
+            await page.keyboard.press(key);
+            assert.equal(await textOf(page), changed, key);
+            assert.equal(await field.inputValue(), "40");
+            await page.keyboard.press("Control+Z");
+            assert.equal(await textOf(page), pattern, key);
+        }
+    });
+
+    await all.test("what is being typed is undone ahead of the pattern", async (one) => {
+        const page = await openPattern(one, started);
+        const field = await type(page, "Weight of Cyan step 1, alternative 1", "7");
+        await page.keyboard.press("Control+Z");
+        assert.equal(await textOf(page), pattern);
+        assert.equal(await field.inputValue(), "1");
+    });
+
+    await all.test("a change is undone wherever the focus is, but in fields of others", async (one) => {
+        const page = await openPattern(one, started);
+        const changed = pattern.replace("3 1 0-255", "3 1 0-200");
+        await type(page, "Value of Cyan step 3, alternative 1", "200");
+        await page.keyboard.press("Tab");
+        assert.equal(await textOf(page), changed);
+        await page.getByRole("tab", { name: "Dots" }).click();
+        await page.getByLabel("Tones").focus();
+        await page.keyboard.press("Control+Z");
+        assert.equal(await textOf(page), changed);
+        await page.getByRole("tab", { name: "Dots" }).focus();
+        await page.keyboard.press("Control+Z");
+        assert.equal(await textOf(page), pattern);
+    });
+
+    await all.test("a finger undoes and makes again, and hears when nothing is left", async (one) => {
+        const page = await openPattern(one, started, { hasTouch: true, isMobile: true,
+            viewport: { width: 390, height: 780 } });
+        await page.getByLabel("Ink of Cyan step 3, alternative 1").selectOption("LightCyan");
+        const changed = pattern.replace("3 1 0-255", "3 1 1-255");
+        assert.equal(await textOf(page), changed);
+        await page.getByRole("button", { name: "Undo" }).tap();
+        assert.equal(await textOf(page), pattern);
+        await page.getByRole("button", { name: "Redo" }).tap();
+        assert.equal(await textOf(page), changed);
+        await said(page, "The change is made again.");
+        await page.getByRole("button", { name: "Redo" }).tap();
+        await said(page, "There is nothing to redo.");
+    });
+});
