@@ -29,7 +29,8 @@ async function openPattern(test, started, options) {
 // The name of what has the focus; the page's body has none.
 function focused(page) {
     return page.evaluate(() => document.activeElement.getAttribute("aria-label")
-        ?? document.activeElement.labels?.[0]?.textContent ?? document.activeElement.tagName);
+        ?? (document.activeElement === document.body ? "nothing"
+            : document.activeElement.textContent));
 }
 
 async function said(page, words) {
@@ -106,5 +107,55 @@ test("the table", async (all) => {
         await said(page, "The change is made again.");
         await page.getByRole("button", { name: "Redo" }).tap();
         await said(page, "There is nothing to redo.");
+    });
+
+    // A button that removes, what the page says then, and where the focus is: after that, and after
+    // the change was undone.
+    const removals = [
+        ["Remove Cyan step 2", "Cyan step 2", "Remove Cyan step 3", "Remove Cyan step 2"],
+        ["Remove Cyan step 3", "Cyan step 3", "Remove Cyan step 2", "Remove Cyan step 2"],
+        ["Remove Cyan step 1, alternative 1", "Cyan step 1, alternative 1",
+            "Add an alternative to Cyan step 1", "Add an alternative to Cyan step 1"],
+        ["Take Cyan from Cyan", "Cyan as an ink of Cyan", "Take LightCyan from Cyan",
+            "Take Cyan from Cyan"],
+        ["Take LightCyan from Cyan", "LightCyan as an ink of Cyan", "Take Cyan from Cyan",
+            "Take Cyan from Cyan"],
+        ["Remove in-colour Cyan", "in-colour Cyan", "Name of a new in-colour",
+            "Name of a new in-colour"],
+    ];
+    for (const [name, gone, next, back] of removals) {
+        await all.test(`the focus goes on from "${name}"`, async (one) => {
+            const page = await openPattern(one, started);
+            await page.getByRole("button", { name, exact: true }).focus();
+            await page.keyboard.press("Enter");
+            await said(page, `Removed: ${gone}. Undo brings it back.`);
+            assert.notEqual(await textOf(page), pattern);
+            assert.equal(await focused(page), next);
+            await page.waitForTimeout(400);
+            assert.equal(await focused(page), next, "after the findings have come");
+            await page.keyboard.press("Control+Z");
+            assert.equal(await textOf(page), pattern);
+            assert.equal(await focused(page), back);
+        });
+    }
+
+    await all.test("the last step, the last ink and a new in-colour keep the focus", async (one) => {
+        const page = await openPattern(one, started);
+        const press = async (name) => {
+            await page.getByRole("button", { name, exact: true }).focus();
+            await page.keyboard.press("Enter");
+        };
+        for (const step of [3, 2, 1]) {
+            await press(`Remove Cyan step ${step}`);
+        }
+        assert.equal(await focused(page), "Add step 1");
+        await press("Take Cyan from Cyan");
+        await press("Take LightCyan from Cyan");
+        assert.equal(await focused(page), "Add an ink to Cyan");
+        await page.getByLabel("Name of a new in-colour").focus();
+        await page.keyboard.type("Black");
+        await page.keyboard.press("Enter");
+        await page.getByLabel("Name of in-colour Black").waitFor();
+        assert.equal(await focused(page), "Name of a new in-colour");
     });
 });

@@ -5,10 +5,11 @@ import type { Edit } from "../engine/index.js";
 import type { Turn } from "../history_keys.js";
 import { morphChildren, showDefault } from "../morph.js";
 import * as edits from "../pattern/edits.js";
-import type { Block, ValueLine } from "../pattern/structure.js";
+import { inksOf, type Block, type ValueLine } from "../pattern/structure.js";
 import { cutWords, sameName } from "../pattern/words.js";
 import { en } from "../../texts/en.js";
 import { mostCharacters, type Workbench } from "../workbench.js";
+import { keepFocus } from "./table_focus.js";
 import { addForm, blockSection, nameField, swatch, type TableState }
     from "./table_parts.js";
 
@@ -73,8 +74,8 @@ export class PatternTable {
     }
 
     #show(): void {
-        const fresh = h("div", {}, ...this.#content());
-        morphChildren(this.#table, fresh);
+        keepFocus(this.#table, () =>
+            morphChildren(this.#table, h("div", {}, ...this.#content())));
     }
 
     #content(): HTMLElement[] {
@@ -181,7 +182,9 @@ export class PatternTable {
         const act = this.#acts[target.action];
         const written = act?.(target as Parameters<Act>[0], text) ?? [];
         if (written.length > 0) {
+            const removed = this.#removed[target.action]?.(target as Parameters<Act>[0]);
             this.#editor.applyEdits(written);
+            announce(this.#said, removed === undefined ? "" : words.removed(removed));
         }
         this.#show();
     }
@@ -189,6 +192,16 @@ export class PatternTable {
     get #structure() {
         return this.#workbench.structure.get();
     }
+
+    /** Names what an action takes away. */
+    readonly #removed: Readonly<Record<string, (target: Parameters<Act>[0]) => string>> = {
+        "remove-alternative": ({ block, line, alternative }) =>
+            words.alternative(block.name, line.step, alternative + 1),
+        "remove-step": ({ block, line }) => words.step(block.name, line.step),
+        "remove-ink": ({ block, position }) =>
+            words.inkOfColour(inksOf(this.#structure, block)[position] ?? "", block.name),
+        "remove-colour": ({ block }) => words.inColour(block.name),
+    };
 
     readonly #acts: Readonly<Record<string, Act>> = {
         "weight": ({ line, alternative, value }) =>
