@@ -101,9 +101,23 @@ for (const [name, act, before, after] of oneLine) {
 }
 
 test("an ink that goes takes its position along", () => {
-    assert.equal(change((structure, block) => edits.removeInk(weighty, structure, block, 0)),
+    assert.equal(change((structure, block) => edits.removeInk(weighty, structure, block, "Cyan")),
         weighty.replace("BEGIN_INKS Cyan LightCyan", "BEGIN_INKS LightCyan")
             .replace("1-255 1-0", "0-255 0-0").replace("2 1   0-255", "2 1   0-0"));
+});
+
+test("an ink goes from the machine and from all that print with it", () => {
+    const two = `${weighty}BEGIN_IN_COLOR Blue BEGIN_INKS lightcyan cyan END_INKS
+BEGIN_VALUES 1 1:1:1 0-1 1-2 2-3 END_VALUES END_IN_COLOR
+`;
+    const structure = readStructure(two);
+    assert.equal(edits.countUses(structure, "CYAN"), 2);
+    assert.equal(edits.countUses(structure, "lightcyan"), 2);
+    assert.equal(edits.countUses(structure, "Black"), 0);
+    assert.equal(edits.applyEdits(two, edits.removeOutInk(two, structure, "cyan")), two
+        .replaceAll("Cyan LightCyan", "LightCyan").replace("1-255 1-0", "0-255 0-0")
+        .replace("2 1   0-255", "2 1   0-0")
+        .replace("lightcyan cyan", "lightcyan").replace("0-1 1-2 2-3", "0-1 0-0 1-3"));
 });
 
 test("a renamed ink is renamed wherever it stands", () => {

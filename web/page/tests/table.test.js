@@ -139,6 +139,25 @@ test("the table", async (all) => {
         });
     }
 
+    await all.test("an ink of the machine goes with what is said of it, and comes back", async (one) => {
+        const page = await openPattern(one, started);
+        const label = "Remove Cyan from the machine, which 1 alternative prints";
+        await page.getByRole("button", { name: label, exact: true }).focus();
+        await page.keyboard.press("Enter");
+        assert.equal(await textOf(page), pattern.replaceAll("Cyan LightCyan", "LightCyan")
+            .replace("1-255 1-0", "0-255 0-0").replace("2 1 1-255", "2 1 0-255")
+            .replace("3 1 0-255", "3 1 0-0"));
+        await said(page, "Removed: Cyan as an ink of the machine; 1 alternative that printed it "
+            + "gives no drop now. Undo brings it back.");
+        assert.equal(await focused(page),
+            "Remove LightCyan from the machine, which 2 alternatives print");
+        await page.keyboard.press("Enter");
+        assert.equal(await focused(page), "Name of a new ink");
+        await page.getByRole("button", { name: "Undo" }).click();
+        await page.getByRole("button", { name: "Undo" }).click();
+        assert.equal(await textOf(page), pattern);
+    });
+
     await all.test("the last step, the last ink and a new in-colour keep the focus", async (one) => {
         const page = await openPattern(one, started);
         const press = async (name) => {

@@ -135,12 +135,17 @@ END_IN_COLOR
         redone: "The change is made again.",
         removed: (what: string) => `Removed: ${what}. Undo brings it back.`,
         inColour: (name: string) => `in-colour ${name}`,
+        inkOfMachine: (ink: string, uses: number) => `${ink} as an ink of the machine; ${uses === 0
+            ? "nothing printed it" : `${plural(uses, "alternative", "alternatives")} that printed it `
+            + `${uses === 1 ? "gives" : "give"} no drop now`}`,
         inkOfColour: (ink: string, colour: string) => `${ink} as an ink of ${colour}`,
         nothingToUndo: "There is nothing to undo.",
         nothingToRedo: "There is nothing to redo.",
         outInks: "Inks of the machine",
         inkName: (number: number) => `Name of ink ${number} of the machine`,
         newInk: "Name of a new ink",
+        removeOutInk: (ink: string, uses: number) => `Remove ${ink} from the machine${uses === 0 ? ""
+            : `, which ${plural(uses, "alternative prints", "alternatives print")}`}`,
         addInk: "Add an ink",
         addInkTo: (colour: string) => `Add an ink to ${colour}`,
         version: "Random source",

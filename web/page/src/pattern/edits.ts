@@ -144,6 +144,12 @@ function addName(list: List, name: string): Edit {
     return insertAfter(place, ` ${quoteName(name)}`);
 }
 
+/** Takes a name from a list, wherever it stands there. */
+function removeName(text: string, list: List | null, name: string): Edit[] {
+    return (list?.names ?? []).filter((word) => sameName(word.text, name))
+        .map((word) => removeWord(text, word));
+}
+
 /** Lists may stand wherever a section may: after the version, or after the first word. */
 function placeOfLists(structure: Structure): number {
     return structure.version?.number?.to ?? structure.header?.to ?? 0;
@@ -167,18 +173,29 @@ export function addInk(structure: Structure, block: Block, name: string): Edit[]
 
 /** Takes an ink from an in-colour: the positions after it move down, its own entries give none. */
 export function removeInk(
-    text: string, structure: Structure, block: Block, position: number,
+    text: string, structure: Structure, block: Block, name: string,
 ): Edit[] {
-    const name = inksOf(structure, block)[position];
-    const word = block.inks?.names.find((one) => name !== undefined && sameName(one.text, name));
-    if (word === undefined) {
-        return [];
-    }
+    const isGone = inksOf(structure, block).map((ink) => sameName(ink, name));
     const entries = (block.values?.lines ?? []).flatMap((line) => line.alternatives)
-        .filter((one) => one.position >= position)
-        .flatMap((one) => one.position > position
-            ? writeEntry(one, one.position - 1, one.value) : writeEntry(one, 0, 0));
-    return [removeWord(text, word), ...entries];
+        .flatMap((one) => {
+            const moved = one.position - isGone.slice(0, one.position).filter(Boolean).length;
+            return isGone[one.position] === true ? writeEntry(one, 0, 0)
+                : moved === one.position ? [] : writeEntry(one, moved, one.value);
+        });
+    return [...removeName(text, block.inks, name), ...entries];
+}
+
+/** Takes an ink from the machine, and from each in-colour that prints with it. */
+export function removeOutInk(text: string, structure: Structure, name: string): Edit[] {
+    return [...removeName(text, structure.outInks, name),
+        ...structure.blocks.flatMap((block) => removeInk(text, structure, block, name))];
+}
+
+/** Counts the alternatives that print an ink. */
+export function countUses(structure: Structure, name: string): number {
+    return structure.blocks.flatMap((block) => block.values?.lines ?? [])
+        .flatMap((line) => line.alternatives)
+        .filter(({ ink, value }) => ink !== null && value > 0 && sameName(ink, name)).length;
 }
 
 /** Gives an ink of the machine another name wherever it stands. */
@@ -234,9 +251,8 @@ function withInk(structure: Structure, text: string): Structure {
 
 /** Takes an in-colour with its block away; the inks of the machine stay. */
 export function removeInColour(text: string, structure: Structure, name: string): Edit[] {
-    const listed = structure.inColours?.names.filter((word) => sameName(word.text, name)) ?? [];
     const block = blockOf(structure, name);
-    const edits = listed.map((word) => removeWord(text, word));
+    const edits = removeName(text, structure.inColours, name);
     if (block === null) {
         return edits;
     }

@@ -10,7 +10,7 @@ import { cutWords, sameName } from "../pattern/words.js";
 import { en } from "../../texts/en.js";
 import { mostCharacters, type Workbench } from "../workbench.js";
 import { keepFocus } from "./table_focus.js";
-import { addForm, blockSection, nameField, swatch, type TableState }
+import { addForm, blockSection, button, nameField, swatch, type TableState }
     from "./table_parts.js";
 
 const words = en.table;
@@ -114,7 +114,10 @@ export class PatternTable {
             h("div", { class: "chips" }, h("span", { class: "label" }, words.outInks),
                 h("ul", {}, ...inks.map(({ text }, index) => h("li", { class: "chip" },
                     swatch(state.looks, text),
-                    nameField("rename-ink", { name: text }, words.inkName(index + 1), text)))),
+                    nameField("rename-ink", { name: text, position: index },
+                        words.inkName(index + 1), text),
+                    button("remove-out-ink", { name: text, position: index },
+                        words.removeOutInk(text, edits.countUses(structure, text)), "×")))),
                 addForm("add-out-ink", words.newInk, words.addInk)),
             h("div", { class: "numbers" },
                 h("label", {}, h("span", { class: "label" }, words.version),
@@ -200,6 +203,8 @@ export class PatternTable {
         "remove-step": ({ block, line }) => words.step(block.name, line.step),
         "remove-ink": ({ block, position }) =>
             words.inkOfColour(inksOf(this.#structure, block)[position] ?? "", block.name),
+        "remove-out-ink": ({ name }) =>
+            words.inkOfMachine(name, edits.countUses(this.#structure, name)),
         "remove-colour": ({ block }) => words.inColour(block.name),
     };
 
@@ -227,7 +232,9 @@ export class PatternTable {
         "remove-step": ({ line }, text) => edits.removeStep(text, line),
         "add-ink": ({ block, value }) => edits.addInk(this.#structure, block, value),
         "remove-ink": ({ block, position }, text) =>
-            edits.removeInk(text, this.#structure, block, position),
+            edits.removeInk(text, this.#structure, block,
+                inksOf(this.#structure, block)[position] ?? ""),
+        "remove-out-ink": ({ name }, text) => edits.removeOutInk(text, this.#structure, name),
         "rename-ink": ({ name, value }) => edits.renameOutInk(this.#structure, name, value),
         "add-out-ink": ({ value }) => edits.addOutInk(this.#structure, value),
         "rename-colour": ({ block, value }, text) =>

@@ -35,6 +35,9 @@ function* neighbours(about: About): Generator<About> {
         yield { do: action, block, line: oneLess(line) };
         yield { do: "add-step", block };
     }
+    if (action === "remove-out-ink") {
+        yield { do: "add-out-ink" };
+    }
     if (block !== undefined) {
         yield { do: "add-ink", block };
         yield { do: "rename-colour", block };
