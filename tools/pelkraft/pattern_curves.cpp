@@ -88,23 +88,29 @@ int HighestValue(const std::vector<StepShares>& shares)
     return highest;
 }
 
-// The curves of an in-colour, by out-ink; that of all together has none.
+// The curves of an in-colour, by out-ink; that of all together has none, and counts a light ink as
+// the dither does.
 constexpr int allInks = -1;
 using Curves = std::map<int, std::vector<MeanInk>>;
 
-Curves CurvesOf(int inColour, const std::vector<StepShares>& shares)
+Curves CurvesOf(int inColour, const std::vector<std::string>& outInks,
+                const std::vector<StepShares>& shares)
 {
     const double unit = 100.0 / HighestValue(shares);
     Curves curves;
     for (const StepShares& step : shares) {
         if (step.inColour != inColour)
             continue;
+        MeanInk sum;
         for (const InkShares& ink : step.inks) {
             const MeanInk mean = MeanOf(ink);
             curves[ink.outInk].push_back({unit * mean.expected, unit * mean.measured});
+            const double counted =
+                unit * StrengthOfInk(outInks[static_cast<std::size_t>(ink.outInk)]);
+            sum.expected += counted * mean.expected;
+            sum.measured += counted * mean.measured;
         }
-        const MeanInk sum = MeanOf(step);
-        curves[allInks].push_back({unit * sum.expected, unit * sum.measured});
+        curves[allInks].push_back(sum);
     }
     if (curves.size() <= 2)
         curves.erase(allInks);
@@ -116,7 +122,7 @@ Curves CurvesOf(int inColour, const std::vector<StepShares>& shares)
 SvgPart DrawCoverage(const CurvePlace& place, int inColour, const std::string& name,
                      const std::vector<std::string>& outInks, const std::vector<StepShares>& shares)
 {
-    const Curves curves = CurvesOf(inColour, shares);
+    const Curves curves = CurvesOf(inColour, outInks, shares);
     double highest = 100;
     std::size_t steps = 2;
     for (const auto& [ink, means] : curves) {
@@ -125,7 +131,9 @@ SvgPart DrawCoverage(const CurvePlace& place, int inColour, const std::string& n
             highest = std::max({highest, mean.expected, mean.measured});
     }
     Area area(place, static_cast<double>(steps - 1), std::ceil(highest / 100) * 100);
-    area.Title(name + ": mean ink by step, in percent of full ink; dots as measured");
+    const std::string allWords =
+        curves.count(allInks) == 0 ? "" : "; in all inks a light one counts 0.4";
+    area.Title(name + ": mean ink by step, in percent of full ink; dots as measured" + allWords);
     for (int row = 0; row <= std::ceil(highest / 100) * 100; row += 25)
         area.Row(row, std::to_string(row) + " %");
     for (std::size_t step = 0; step < steps; ++step)

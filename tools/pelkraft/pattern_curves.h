@@ -17,7 +17,8 @@ struct CurvePlace
 };
 
 // The mean of each ink over the steps of an in-colour, in percent of the highest value in all
-// shares: a line as the text asks, a dot as measured.
+// shares: a line as the text asks, a dot as measured. Where there are several inks, one more curve
+// has all of them together, each by its strength.
 SvgPart DrawCoverage(const CurvePlace& place, int inColour, const std::string& name,
                      const std::vector<std::string>& outInks,
                      const std::vector<StepShares>& shares);

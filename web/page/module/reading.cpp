@@ -51,7 +51,8 @@ Json OutInkJson(const Client::PatternOutline& outline, const std::string& name)
     return {{"place",
              found == outline.outInkNames.end() ? Json(nullptr) : PlaceJson(found->second.place)},
             {"colour", Client::HexWords(look.colour)},
-            {"opacity", look.opacity}};
+            {"opacity", look.opacity},
+            {"strength", look.strength}};
 }
 
 Json FindingJson(const Client::Finding& finding)

@@ -202,10 +202,13 @@ END_IN_COLOR
         goTo: (line: number) => `Go to line ${line}`,
         tableOf: (colour: string) => `Shares of ${colour} as a table`,
         curves: "Ink and grain",
-        inkTitle: (colour: string) => `Ink of ${colour}, by step`,
+        inkLead: "The mean ink is the tone that the dither takes a step for, unless told otherwise.",
+        inkCounts: (ink: string, strength: number) =>
+            `In it ${ink} counts ${strength} of a full ink.`,
+        inkTitle: (colour: string) => `Mean ink of ${colour} by step, in percent of full ink`,
         inkLabel: (colour: string) =>
             `Curve of the mean ink of ${colour} over its steps; the table below has the numbers`,
-        inkTable: (colour: string) => `Ink of ${colour} as a table`,
+        inkTable: (colour: string) => `Mean ink of ${colour} as a table`,
         spectrumTitle: (colour: string, step: number, ink: string) =>
             `Spectrum of ${ink}, ${colour} step ${step}`,
         spectrumLabel: (title: string, highest: string) =>

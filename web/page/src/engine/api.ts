@@ -99,6 +99,8 @@ export interface OutInk {
     /** Its look in print, "#rrggbb", unless a preview is told otherwise. */
     readonly colour: string;
     readonly opacity: number;
+    /** A drop of it counts as this part of a drop of a full ink: 0.4 for light inks, else 1. */
+    readonly strength: number;
 }
 
 export interface Reading {

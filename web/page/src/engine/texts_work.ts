@@ -30,6 +30,7 @@ interface Spans {
         readonly place: ByteSpan;
         readonly colour: string;
         readonly opacity: number;
+        readonly strength: number;
     }[];
     readonly findings: readonly (readonly [number, number])[];
 }
@@ -88,6 +89,7 @@ function outInksOf({ report, places: spans }: Known, places: Places): OutInk[] {
         place: places.of(spans.outInks[index]?.place),
         colour: spans.outInks[index]?.colour ?? "#000000",
         opacity: spans.outInks[index]?.opacity ?? 0,
+        strength: spans.outInks[index]?.strength ?? 1,
     }));
 }
 

@@ -1,7 +1,8 @@
 import { h, svg } from "../dom.js";
-import type { InColour, Spectrum } from "../engine/index.js";
+import type { InColour, Spectrum, Step } from "../engine/index.js";
 import { percent, rounded } from "../numbers.js";
 import { en } from "../../texts/en.js";
+import { strengthOf, type Looks } from "./looks.js";
 import { dataTable } from "./share_bars.js";
 
 const words = en.shares;
@@ -50,27 +51,37 @@ function drawing(label: string, ...parts: SVGElement[]): SVGSVGElement {
         "aria-label": label }, ...parts);
 }
 
+/** The mean ink of a step in full inks, in which a light ink counts as it does for the dither. */
+function inkOf(step: Step, measure: "expected" | "measured", looks: Looks, fullInk: number)
+    : number | null {
+    return step.shares.reduce<number | null>((sum, { ink, mean }) => {
+        const part = mean[measure];
+        return sum === null || part === null ? null
+            : sum + part * strengthOf(looks, ink) / Math.max(fullInk, 1);
+    }, 0);
+}
+
 /** The mean ink of each step in percent of full ink: a line as asked for, dots as measured. */
-export function inkCurve(colour: InColour, fullInk: number): HTMLElement {
-    const full = Math.max(fullInk, 1);
-    const expected = colour.steps.map((step) =>
-        [step.step, step.meanInk.expected / full] as const);
-    const highest = Math.max(1, ...expected.map(([, ink]) => ink));
+export function inkCurve(colour: InColour, looks: Looks, fullInk: number): HTMLElement {
+    const inks = colour.steps.map((step) => ({
+        step: step.step,
+        expected: inkOf(step, "expected", looks, fullInk) ?? 0,
+        measured: inkOf(step, "measured", looks, fullInk),
+    }));
+    const highest = Math.max(1, ...inks.map(({ expected }) => expected));
     const scale = scaleFor(Math.max(1, colour.topStep ?? 1), highest);
-    const dots = colour.steps.filter((step) => step.meanInk.measured !== null).map((step) =>
-        svg("circle", { class: "measured", r: 4, cx: scale.x(step.step),
-            cy: scale.y((step.meanInk.measured ?? 0) / full) }));
-    const rows = colour.steps.map((step) => h("tr", {}, h("td", {}, String(step.step)),
-        h("td", {}, percent(step.meanInk.expected / full)),
-        h("td", {}, step.meanInk.measured === null ? "–"
-            : percent(step.meanInk.measured / full))));
+    const dots = inks.filter(({ measured }) => measured !== null).map(({ step, measured }) =>
+        svg("circle", { class: "measured", r: 4, cx: scale.x(step), cy: scale.y(measured ?? 0) }));
+    const rows = inks.map(({ step, expected, measured }) => h("tr", {}, h("td", {}, String(step)),
+        h("td", {}, percent(expected)), h("td", {}, measured === null ? "–" : percent(measured))));
+    const line = inks.map(({ step, expected }) => [step, expected] as const);
     return h("figure", {},
         h("figcaption", {}, words.inkTitle(colour.name)),
         drawing(words.inkLabel(colour.name),
             ...axes(scale, colour.steps.map(({ step }) => step),
                 [[0, "0 %"], [highest / 2, percent(highest / 2, 0)],
                     [highest, percent(highest, 0)]], words.head.step),
-            svg("path", { class: "expected", d: pathOf(expected, scale) }), ...dots),
+            svg("path", { class: "expected", d: pathOf(line, scale) }), ...dots),
         dataTable(words.inkTable(colour.name),
             [words.head.step, words.head.expected, words.head.measured], rows));
 }

@@ -2,7 +2,7 @@ import { h, styled } from "../dom.js";
 import type { InColour, InkShares, Step } from "../engine/index.js";
 import { percent } from "../numbers.js";
 import { en } from "../../texts/en.js";
-import type { Looks } from "./table_parts.js";
+import { colourOf, type Looks } from "./looks.js";
 
 const words = en.shares;
 
@@ -11,7 +11,7 @@ type Measure = "expected" | "measured";
 /** An ink at a value is between paper and its full colour; the text on it is black or white. */
 function tint(looks: Looks, ink: string | null, value: number, fullInk: number)
     : Record<string, string> {
-    const colour = looks.get((ink ?? "").toLowerCase()) ?? "#555555";
+    const colour = colourOf(looks, ink) ?? "#555555";
     const part = fullInk === 0 ? 0 : Math.min(1, value / fullInk);
     const channels = [1, 3, 5].map((at) => Number.parseInt(colour.slice(at, at + 2), 16))
         .map((channel) => Math.round(255 + part * (channel - 255)));

@@ -1,20 +1,15 @@
 import { afterPause, h } from "../dom.js";
 import { lineAt } from "../editor/explanations.js";
 import type { PatternEditor } from "../editor/pattern_editor.js";
-import type { InColour, Reading } from "../engine/index.js";
+import type { InColour } from "../engine/index.js";
 import { morphChildren } from "../morph.js";
 import { en } from "../../texts/en.js";
 import type { Workbench } from "../workbench.js";
 import { inkCurve, spectrumCurve } from "./curves.js";
+import { looksOf } from "./looks.js";
 import { shareBars, shareTable } from "./share_bars.js";
-import type { Looks } from "./table_parts.js";
 
 const words = en.shares;
-
-export function looksOf(reading: Reading | undefined): Looks {
-    return new Map((reading?.outInks ?? []).map(({ name, colour }) =>
-        [name.toLowerCase(), colour]));
-}
 
 /** Expected and measured shares, ink by step, and the spectrum. */
 export class SharesView {
@@ -59,13 +54,17 @@ export class SharesView {
         if (reading === undefined || colours.length === 0) {
             return [h("p", {}, words.nothing)];
         }
+        const looks = looksOf(reading);
+        const light = reading.outInks.filter(({ strength }) => strength < 1);
         const spectra = this.#workbench.plot.get()?.result.spectra ?? [];
         return [h("p", { class: "lead" }, words.lead), legend(),
             ...colours.map((colour) => h("section", {}, h("h3", {}, colour.name),
-                shareBars(colour, looksOf(reading), reading.fullInk), shareTable(colour))),
+                shareBars(colour, looks, reading.fullInk), shareTable(colour))),
             h("h3", {}, words.curves),
+            h("p", { class: "lead" }, words.inkLead,
+                ...light.map(({ name, strength }) => ` ${words.inkCounts(name, strength)}`)),
             h("div", { class: "curves" },
-                ...colours.map((colour) => inkCurve(colour, reading.fullInk)),
+                ...colours.map((colour) => inkCurve(colour, looks, reading.fullInk)),
                 ...spectra.map(spectrumCurve)),
             spectra.length > 0 && h("p", { class: "lead" }, words.spectrumLead)];
     }

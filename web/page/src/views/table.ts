@@ -9,8 +9,9 @@ import { inksOf, type Block, type ValueLine } from "../pattern/structure.js";
 import { cutWords, sameName } from "../pattern/words.js";
 import { en } from "../../texts/en.js";
 import { mostCharacters, type Workbench } from "../workbench.js";
+import { looksOf, swatch } from "./looks.js";
 import { keepFocus } from "./table_focus.js";
-import { addForm, blockSection, button, nameField, swatch, type TableState }
+import { addForm, blockSection, button, nameField, type TableState }
     from "./table_parts.js";
 
 const words = en.table;
@@ -63,11 +64,10 @@ export class PatternTable {
     }
 
     #state(): TableState {
-        const inks = this.#workbench.reading.get()?.result.outInks ?? [];
         const structure = this.#workbench.structure.get();
         return {
             structure,
-            looks: new Map(inks.map(({ name, colour }) => [name.toLowerCase(), colour])),
+            looks: looksOf(this.#workbench.reading.get()?.result),
             current: lineAt(structure, this.#workbench.cursor.get())?.line.from ?? -1,
             lineNumber: (place) => this.#editor.lineNumber(place),
         };

@@ -4,9 +4,7 @@ import { inksOf, type Alternative, type Block, type Structure, type ValueLine }
     from "../pattern/structure.js";
 import { sameName } from "../pattern/words.js";
 import { en } from "../../texts/en.js";
-
-/** The looks of inks by name in small letters, as far as the engine has told them. */
-export type Looks = ReadonlyMap<string, string>;
+import { swatch, type Looks } from "./looks.js";
 
 export interface TableState {
     readonly structure: Structure;
@@ -17,12 +15,6 @@ export interface TableState {
 }
 
 const words = en.table;
-
-export function swatch(looks: Looks, name: string): HTMLElement {
-    const dot = h("span", { class: "swatch", "aria-hidden": "true" });
-    const colour = looks.get(name.toLowerCase());
-    return colour === undefined ? dot : styled(dot, { background: colour });
-}
 
 type Data = Readonly<Record<string, string | number>>;
 
