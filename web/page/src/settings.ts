@@ -28,23 +28,25 @@ export function change(changes: Partial<Settings>): void {
     settings.set({ ...settings.get(), ...changes });
 }
 
-export function pictureOf({ kind, own }: Settings): Picture | BuiltInPicture {
-    if (kind === "own" && own !== null) {
+/** The picture that is chosen; null while the author's own is meant and there is none yet. */
+export function pictureOf({ kind, own }: Settings): Picture | BuiltInPicture | null {
+    if (kind === "own") {
         return own;
     }
     return { kind: kind === "patches" ? "patches" : "ramp", width: 192, height: 128 };
 }
 
-export function jobOf(text: string, chosen: Settings): PictureJob {
+export function jobOf(text: string, chosen: Settings, picture: PictureJob["picture"]): PictureJob {
     const { levels, tone, origin } = chosen;
-    return { text, picture: pictureOf(chosen), levels, tone, origin };
+    return { text, picture, levels, tone, origin };
 }
 
 /** The job of the picture that is seen. */
-export function previewOf(text: string, chosen: Settings, inks: readonly string[]): PreviewJob {
+export function previewOf(text: string, chosen: Settings, picture: PictureJob["picture"],
+    inks: readonly string[]): PreviewJob {
     const { ink, order, gain } = chosen;
     const shown = inks.includes(ink) ? [ink] : inks;
-    return { ...jobOf(text, chosen), shown, order: orderOf(order, inks), gain };
+    return { ...jobOf(text, chosen, picture), shown, order: orderOf(order, inks), gain };
 }
 
 /** The inks in the order of their printing: first those with a place, then the others. */

@@ -170,10 +170,18 @@ test("journeys", async (all) => {
         await page.getByRole("img", { name: "Cyan alone" }).waitFor();
 
         await page.getByLabel("Own picture").check();
+        // Nobody takes the ramp for a picture of their own.
+        await page.getByText("No picture is chosen yet.").waitFor();
+        await page.getByRole("img", { name: "No dots" }).waitFor({ state: "attached" });
+        await page.getByRole("tab", { name: "Take away" }).click();
+        await page.getByRole("button", { name: "Save picture.tif" }).click();
+        await page.locator(".take .said").getByText("No picture is chosen yet.").waitFor();
+        await page.getByRole("tab", { name: "Dots" }).click();
         await page.getByLabel("PNG, JPEG or TIFF").setInputFiles(
             join(root, "docs/pictures/balls.png"));
         await page.getByText("C, M, Y are 255 less R, G, B").waitFor();
         await dotsAreSeen(page);
+        assert.equal(await page.getByText("No picture is chosen yet.").filter({ visible: true }).count(), 0);
         await page.getByText("What is seen, in numbers").click();
         await page.getByRole("row", { name: /^Cyan/ }).waitFor();
 

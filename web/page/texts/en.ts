@@ -225,6 +225,8 @@ END_IN_COLOR
         patches: "Patches",
         own: "Own picture",
         file: "PNG, JPEG or TIFF",
+        noPicture: "No picture is chosen yet. Choose a PNG, JPEG or TIFF file in the view Dots, or "
+            + "drop one there. An RGB picture becomes C, M, Y = 255 − R, G, B and K = 0.",
         zoom: "Size of a dot",
         shown: "Show",
         allInks: "All inks in print",

@@ -64,11 +64,12 @@ export class DotsView {
         const { text } = reading;
         const drawn = await this.#pane.draw(text, this.#controls.inks);
         if (drawn === null) {
+            this.#warn([]);
             return;
         }
         this.#warn(drawn.warnings);
         if (this.#details.open) {
-            const job = { ...jobOf(text, settings.get()), window: drawn.window };
+            const job = { ...jobOf(text, settings.get(), drawn.picture), window: drawn.window };
             const dots = await this.#workbench.ask(this.#workbench.engine.run(job));
             if (dots !== null) {
                 refill(this.#numbers, numbersOf(dots));

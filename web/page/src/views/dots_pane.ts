@@ -1,10 +1,16 @@
-import type { Window } from "../engine/index.js";
+import type { PictureJob, Window } from "../engine/index.js";
 import { pictureOf, previewOf, settings } from "../settings.js";
 import { en } from "../../texts/en.js";
 import type { Workbench } from "../workbench.js";
 import { DotsViewer } from "./dots_viewer.js";
 
 const words = en.dots;
+
+export interface Drawn {
+    readonly picture: PictureJob["picture"];
+    readonly window: Window;
+    readonly warnings: readonly string[];
+}
 
 /** Draws the dots of a text as the settings ask for them, as far as its viewer shows them. */
 export class DotsPane {
@@ -22,15 +28,19 @@ export class DotsPane {
 
     /** Tells what was drawn, and the warnings on the way; null if nothing was. */
     async draw(text: string, inks: readonly string[])
-        : Promise<{ window: Window; warnings: readonly string[] } | null> {
+        : Promise<Drawn | null> {
         const chosen = settings.get();
-        const { width, height } = pictureOf(chosen);
-        this.viewer.setSize(width, height, chosen.zoom);
+        const picture = pictureOf(chosen);
+        if (picture === null) {
+            this.viewer.clear(words.noPicture);
+            return null;
+        }
+        this.viewer.setSize(picture.width, picture.height, chosen.zoom);
         const window = this.viewer.window();
         if (window === null) {
             return null;
         }
-        const job = { ...previewOf(text, chosen, inks), window };
+        const job = { ...previewOf(text, chosen, picture, inks), window };
         const { engine } = this.#workbench;
         const subject = `dots ${this.#slot}`;
         const image = await this.#workbench.ask(engine.preview(job, this.#slot), subject);
@@ -43,6 +53,6 @@ export class DotsPane {
         }
         const shown = inks.includes(chosen.ink) ? words.only(chosen.ink) : words.allInks;
         this.viewer.draw(image, window, words.label(shown, window, chosen.zoom));
-        return { window, warnings: image.warnings };
+        return { picture, window, warnings: image.warnings };
     }
 }

@@ -11,6 +11,8 @@ export class DotsViewer {
     readonly #canvas = h("canvas", { role: "img" });
     readonly #extent = h("div", { class: "extent" }, this.#canvas);
     readonly #scroller = h("div", { class: "viewer", tabindex: 0, role: "group" }, this.#extent);
+    /** Tells why there are no dots. */
+    readonly #why = h("p", { class: "why" });
     #zoom = 1;
     #width = 0;
     #height = 0;
@@ -19,7 +21,7 @@ export class DotsViewer {
 
     constructor(label: string) {
         this.#scroller.setAttribute("aria-label", label);
-        this.element = h("div", { class: "sheet" }, this.#scroller);
+        this.element = h("div", { class: "sheet" }, this.#scroller, this.#why);
         this.#scroller.addEventListener("scroll", () => this.onMove(), { passive: true });
         new ResizeObserver(() => this.onMove()).observe(this.#scroller);
     }
@@ -72,10 +74,12 @@ export class DotsViewer {
             height: `${image.height * this.#zoom}px`,
             transform: `translate(${x * this.#zoom - scrollLeft}px, ${y * this.#zoom - scrollTop}px)`,
         });
+        this.#why.textContent = "";
         this.element.classList.remove("empty");
     }
 
-    clear(): void {
+    clear(why = ""): void {
+        this.#why.textContent = why;
         this.#canvas.width = this.#canvas.height = 0;
         this.#canvas.setAttribute("aria-label", en.dots.nothing);
         this.element.classList.add("empty");

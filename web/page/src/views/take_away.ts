@@ -2,7 +2,7 @@ import { afterPause, announce, h } from "../dom.js";
 import { commandOf, type Picture } from "../engine/index.js";
 import { copy, save } from "../files.js";
 import { encodeLink } from "../links.js";
-import { jobOf, pictureOf, previewOf, settings } from "../settings.js";
+import { pictureOf, previewOf, settings } from "../settings.js";
 import { en } from "../../texts/en.js";
 import type { Workbench } from "../workbench.js";
 
@@ -89,7 +89,7 @@ export class TakeAwayView {
         const fits = link.length <= longestLink;
         this.#link.value = fits ? link : "";
         this.#linkNote.textContent = fits ? words.linkLead(link.length) : words.linkTooLong;
-        this.#command.textContent = commandOf(jobOf(text, settings.get()), names);
+        this.#command.textContent = commandOf(settings.get(), names);
     }
 
     async #saveText(): Promise<string> {
@@ -100,6 +100,10 @@ export class TakeAwayView {
     async #picture(): Promise<Picture | null> {
         const chosen = settings.get();
         const picture = pictureOf(chosen);
+        if (picture === null) {
+            announce(this.#said, en.dots.noPicture);
+            return null;
+        }
         return "kind" in picture ? this.#workbench.ask(this.#workbench.engine.builtIn(
             this.#workbench.text.get(), picture, chosen.levels)) : picture;
     }
@@ -128,7 +132,11 @@ export class TakeAwayView {
 
     async #savePng(): Promise<string | null> {
         const inks = this.#workbench.reading.get()?.result.outInks.map(({ name }) => name) ?? [];
-        const job = previewOf(this.#workbench.text.get(), settings.get(), inks);
+        const picture = await this.#picture();
+        if (picture === null) {
+            return null;
+        }
+        const job = previewOf(this.#workbench.text.get(), settings.get(), picture, inks);
         const image = await this.#workbench.ask(this.#workbench.engine.preview(job));
         if (image === null) {
             return null;
