@@ -83,7 +83,7 @@ const oneLine = [
         "  2 1   0-255       # dark", "  2 1:1   0-255 0-0       # dark"],
     ["one alternative less", (s, b, [line]) => edits.removeAlternative(weighty, line, 0),
         "  1 1:3 1-255 1-0   # light", "  1 1 1-0   # light"],
-    ["one step more", (s, b) => edits.addStep(weighty, b, 3, 255),
+    ["one step more", (s, b) => edits.addStep(weighty, b, { step: 3, position: 0, value: 255 }),
         "  2 1   0-255       # dark\n", "  2 1   0-255       # dark\n  3 1 0-255\n"],
     ["one step less", (s, b, [line]) => edits.removeStep(weighty, line),
         "  1 1:3 1-255 1-0   # light", "   # light"],
@@ -186,7 +186,7 @@ for (const [name, text] of examples) {
                 for (const written of [
                     edits.writeWeight(line, 0, 9), edits.writeStep(line, line.step ^ 1),
                     edits.addAlternative(line), edits.removeStep(text, line),
-                    edits.addStep(text, block, line.step + 1, 1),
+                    edits.addStep(text, block, { step: line.step + 1, position: 1, value: 1 }),
                 ]) {
                     const result = edits.applyEdits(text, written);
                     assert.notEqual(result, text);

@@ -158,6 +158,18 @@ test("the table", async (all) => {
         assert.equal(await textOf(page), pattern);
     });
 
+    await all.test("a step goes on from the last one, as the table says before", async (one) => {
+        const page = await openPattern(one, started);
+        await paste(page, pattern.replace("2 1 1-255\n3 1 0-255\n", ""));
+        for (const [offered, written] of [["LightCyan 255", "2 1 1-255"], ["Cyan 255", "3 1 0-255"]]) {
+            await page.locator(".next-step").getByText(`It begins with ${offered} at every pixel`)
+                .waitFor();
+            await page.getByRole("button", { name: "Add step" }).click();
+            assert.match(await textOf(page), new RegExp(`^${written}$`, "m"));
+        }
+        assert.equal(await textOf(page), pattern);
+    });
+
     await all.test("the last step, the last ink and a new in-colour keep the focus", async (one) => {
         const page = await openPattern(one, started);
         const press = async (name) => {

@@ -178,6 +178,8 @@ END_IN_COLOR
         removeStep: (name: string) => `Remove ${name}`,
         goToLine: (line: number) => `Go to line ${line}`,
         addStep: (step: number) => `Add step ${step}`,
+        newStep: (ink: string, value: number, goesOn: boolean) => `It begins with ${ink} ${value} at `
+            + `every pixel${goesOn ? ", which goes on from the last step" : ""}.`,
         unfinished: "This line isn't finished.",
         noValues: "It has no value lines yet.",
         noHeader: "A pattern begins with the word DotWeavePattern.",

@@ -1,4 +1,5 @@
 import type { Edit } from "../engine/index.js";
+import type { NewStep } from "./next_step.js";
 import {
     blockOf, inksOf, type Alternative, type Block, type List, type Structure, type ValueLine,
 } from "./structure.js";
@@ -112,14 +113,14 @@ function endsItsLine(text: string, place: number): boolean {
     return /^[ \t]*(#.*)?$/.test(text.slice(place, lineEnd(text, place)));
 }
 
-export function addStep(text: string, block: Block, step: number, value: number): Edit[] {
+export function addStep(text: string, block: Block, { step, position, value }: NewStep): Edit[] {
     const values = block.values;
     if (values === null) {
         return [];
     }
     const last = [...values.lines].reverse().find((line) => line.step < step);
     const place = last?.to ?? values.open.to;
-    const written = `${step} 1 0-${value}`;
+    const written = `${step} 1 ${position}-${value}`;
     if (!endsItsLine(text, place)) {
         return [insertAfter(place, ` ${written}`)];
     }

@@ -11,7 +11,7 @@ import { en } from "../../texts/en.js";
 import { mostCharacters, type Workbench } from "../workbench.js";
 import { looksOf, swatch } from "./looks.js";
 import { keepFocus } from "./table_focus.js";
-import { addForm, blockSection, button, nameField, type TableState }
+import { addForm, blockSection, button, nameField, newStep, type TableState }
     from "./table_parts.js";
 
 const words = en.table;
@@ -225,10 +225,8 @@ export class PatternTable {
         "add-alternative": ({ line }) => edits.addAlternative(line),
         "remove-alternative": ({ line, alternative }, text) =>
             edits.removeAlternative(text, line, alternative),
-        "add-step": ({ block }, text) => {
-            const steps = block.values?.lines.map(({ step }) => step) ?? [];
-            return edits.addStep(text, block, Math.max(0, ...steps) + 1, 255);
-        },
+        "add-step": ({ block }, text) =>
+            edits.addStep(text, block, newStep(this.#state(), block)),
         "remove-step": ({ line }, text) => edits.removeStep(text, line),
         "add-ink": ({ block, value }) => edits.addInk(this.#structure, block, value),
         "remove-ink": ({ block, position }, text) =>

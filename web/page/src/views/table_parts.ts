@@ -1,10 +1,11 @@
 import { h, styled } from "../dom.js";
 import { rounded } from "../numbers.js";
+import { nextStep, type NewStep } from "../pattern/next_step.js";
 import { inksOf, type Alternative, type Block, type Structure, type ValueLine }
     from "../pattern/structure.js";
 import { sameName } from "../pattern/words.js";
 import { en } from "../../texts/en.js";
-import { swatch, type Looks } from "./looks.js";
+import { strengthOf, swatch, type Looks } from "./looks.js";
 
 export interface TableState {
     readonly structure: Structure;
@@ -118,7 +119,7 @@ export function blockSection(state: TableState, block: Block, index: number): HT
     const lines = block.values?.lines ?? [];
     const heads = [words.head.step, words.head.ink, words.head.value, words.head.weight,
         words.head.share].map((head) => h("th", { scope: "col" }, head));
-    const next = Math.max(0, ...lines.map((line) => line.step)) + 1;
+    const next = newStep(state, block);
     return h("section", { class: "in-colour" },
         h("h3", {}, nameField("rename-colour", data, words.nameOf(block.name), block.name),
             button("remove-colour", data, words.removeColour(block.name), "×")),
@@ -130,8 +131,16 @@ export function blockSection(state: TableState, block: Block, index: number): HT
             ...lines.slice(0, 32).map((line, number) =>
                 stepRows(state, block, line, { ...data, line: number }))),
         block.values === null ? h("p", {}, words.noValues)
-            : next <= 7 && h("button", { class: "small", ...dataOf("add-step", data) },
-                words.addStep(next)));
+            : next.step <= 7 && h("p", { class: "row next-step" },
+                h("button", { class: "small", ...dataOf("add-step", data) }, words.addStep(next.step)),
+                h("span", { class: "soft" }, words.newStep(
+                    inksOf(state.structure, block)[next.position] ?? words.noInk(next.position),
+                    next.value, lines.length > 0))));
+}
+
+/** The step that the table offers to add. */
+export function newStep({ structure, looks }: TableState, block: Block): NewStep {
+    return nextStep(structure, block, (ink) => strengthOf(looks, ink));
 }
 
 export function addForm(action: string, label: string, say: string): HTMLElement {
