@@ -9,7 +9,9 @@ import subprocess
 import sys
 import time
 
+import numpy
 import pytest
+import tifffile
 from conftest import check_mirrored, write_cmyk
 
 from pelkraft.pages import exit_codes
@@ -136,6 +138,21 @@ def test_a_warning_about_pixels_has_an_exit_code(tmp_path):
     for _ in ("made", "kept"):
         ended = run(*options)
         assert (ended.returncode, ended.stderr) == (exit_codes.WARNINGS, words)
+
+
+def test_a_note_about_tags_has_none(tmp_path):
+    tifffile.imwrite(tmp_path / "a.tif", numpy.zeros((3, 5, 4), numpy.uint8), metadata=None,
+                     photometric="separated", extratags=[(34675, 7, 7, b"profile", True)])
+    (tmp_path / "out").mkdir()
+    report = tmp_path / "report.jsonl"
+    words = "the inks have changed; written without the colour profile"
+    for status in ("made", "kept"):
+        ended = run(tmp_path / "a.tif", "--to", tmp_path / "out", "--channels", "3,0",
+                    "--runner", "serial", "--report", report)
+        assert (ended.returncode, ended.stderr) == \
+            (exit_codes.DONE, f"pelkraft.pages: {tmp_path / 'a.tif'}: {words}\n")
+        page, = pages_of(report)[0]
+        assert (page["status"], page["notes"], "warnings" in page) == (status, [words], False)
 
 
 def test_the_tone_of_the_command_line_is_that_of_a_list(make_jobs, tmp_path, pattern_path):

@@ -82,15 +82,17 @@ def test_leftovers_of_the_files_in_question_are_removed(tmp_path):
 
 
 @pytest.mark.parametrize("text", ["", "{", "[]", "7", '{"stamp": 1}', '{"stamp": 2}',
+                                  '{"stamp": 2, "job": "", "input": "", "output": "", '
+                                  '"warnings": 3, "notes": []}',
                                   '{"stamp": 1, "job": "", "input": "", "output": "", '
-                                  '"warnings": 3}'])
+                                  '"warnings": [], "notes": []}'])
 def test_a_stamp_that_is_none_is_no_stamp(tmp_path, text):
     (tmp_path / "a.tif.stamp").write_text(text)
     assert read_stamp(str(tmp_path / "a.tif")) is None
 
 
 def test_a_stamp_is_read_again(tmp_path):
-    stamp = Stamp("j", "i", "o", ("w",), "r")
+    stamp = Stamp("j", "i", "o", ("w",), "r", ("n",))
     stamp.write(str(tmp_path / "a.tif"))
     assert read_stamp(str(tmp_path / "a.tif")) == stamp
 

@@ -204,7 +204,8 @@ def test_alpha_is_no_ink_as_in_the_program(tmp_path, tool):
                                 tmp_path / "tool.tif"], capture_output=True, text=True)
         if alphas == 1:
             assert (result.status, ended.returncode) == ("made", 0)
-            assert any("channel 2 is alpha, which is no ink" in words for words in result.warnings)
+            assert result.warnings == () and \
+                any("channel 2 is alpha, which is no ink" in words for words in result.notes)
             assert pixel_digest(read(tmp_path / "page.tif")) == \
                 pixel_digest(read(tmp_path / "tool.tif"))
         else:

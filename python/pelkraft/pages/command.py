@@ -55,12 +55,13 @@ def _run(jobs: Sequence[PageJob], runner: Runner, options: argparse.Namespace) -
     try:
         for done, result in enumerate(results, 1):
             report.add(result)
-            if result.status in (FAILED, LEFT) or result.warnings:
+            said = (*result.notes, *result.warnings)
+            if result.status in (FAILED, LEFT) or said:
                 progress.wipe()
             if result.status == FAILED:
                 _say(result.message)
-            for warning in result.warnings:
-                _say(f"{result.job.input}: {warning}")
+            for words in said:
+                _say(f"{result.job.input}: {words}")
             progress.show(done, report.counts[KEPT], report.counts[FAILED])
     except KeyboardInterrupt:
         interrupted = True

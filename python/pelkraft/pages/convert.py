@@ -14,6 +14,7 @@ from .errors import PATTERN, UNSUPPORTED, PageError
 from .ink_codes import is_ink, plan_range, read_codes, refuse_other_colours
 from .ink_steps import StepChoice, StepRows
 from .jobs import RAW, Conversion, PageJob, Simulation
+from .notes import Note
 from .picture import (INK_SET_OTHER, SEPARATED, Channel, Picture, Tags, format_of, row_bytes,
                       unpack_samples)
 
@@ -22,7 +23,7 @@ BAND_SAMPLES = 1 << 18
 
 
 def convert_page(job: PageJob, picture: Picture) -> tuple[Picture, tuple[str, ...]]:
-    """The new picture, and warnings about its pixels."""
+    """The new picture, warnings about its pixels, and notes."""
     warnings: list[str] = []
     for step in job.steps:
         try:
@@ -42,7 +43,7 @@ def _convert(step: Conversion, picture: Picture, path: str, warnings: list[str])
         find_channels(step.channels, picture.channels, path)
     range_ = plan_range(picture, bits, step.invert)
     channels, tags, losses = plan_tags(picture, entries, bits, step.repeat, range_)
-    warnings += losses
+    warnings += map(Note, losses)
     empty = Constant(range_.empty)
     filled = None if entries is None else [empty if entry is None else entry for entry in entries]
     width = picture.width * step.repeat
@@ -115,7 +116,7 @@ def _simulate(step: Simulation, picture: Picture, path: str, warnings: list[str]
                                      "and 8")
     channels = choose_channels(pattern.in_colours, picture, path)
     choice = StepChoice(step, pattern, read_codes(picture, path))
-    warnings += channels.notes
+    warnings += map(Note, channels.notes)
     warnings += [f"channel {shown(picture.channels, channel)} is not used: no in-colour of the "
                  "pattern takes it" for channel in channels.unused]
     warnings += choice.warnings

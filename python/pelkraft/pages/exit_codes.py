@@ -12,7 +12,7 @@ INTERRUPTED = 130
 HELP = """\
 exit codes:
   0    every page is made, or was there already
-  1    the same, with warnings, which a page's result holds
+  1    the same, with a warning about pixels, which a page's result holds
   2    wrong usage, or a wrong list of jobs; nothing was begun
   6    the report could not be written; pages were made all the same
   10   some pages failed; all others are done

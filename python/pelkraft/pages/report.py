@@ -59,8 +59,9 @@ def page_record(result: PageResult) -> dict[str, Any]:
     for name in ("kind", "message", "input_digest", "output_digest", "worker"):
         if value := getattr(result, name):
             record[name] = value
-    if result.warnings:
-        record["warnings"] = list(result.warnings)
+    for name in ("warnings", "notes"):
+        if said := getattr(result, name):
+            record[name] = list(said)
     record.update(attempts=result.attempts, losses=result.losses,
                   seconds=round(result.seconds, 4))
     return record

@@ -9,7 +9,7 @@ from typing import Optional
 
 from .output import write_note
 
-STAMP_VERSION = 1
+STAMP_VERSION = 2
 
 
 @dataclass(frozen=True)
@@ -22,6 +22,7 @@ class Stamp:
     output: str
     warnings: tuple[str, ...] = ()
     run: str = ""
+    notes: tuple[str, ...] = ()
 
     def write(self, output_path: str) -> None:
         record = {"stamp": STAMP_VERSION, **asdict(self)}
@@ -39,6 +40,7 @@ def read_stamp(output_path: str) -> Optional[Stamp]:
             record = json.loads(file.read())
         if record.pop("stamp") != STAMP_VERSION:
             return None
-        return Stamp(**{**record, "warnings": tuple(record["warnings"])})
+        return Stamp(**{**record, "warnings": tuple(record["warnings"]),
+                        "notes": tuple(record["notes"])})
     except (OSError, ValueError, TypeError, KeyError, AttributeError):
         return None

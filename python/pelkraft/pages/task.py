@@ -13,6 +13,7 @@ from .convert import convert_page
 from .errors import MEMORY, READ, WRITE, PageError
 from .file_digest import file_digest
 from .jobs import PageJob
+from .notes import part
 from .output import new_file
 from .picture import Picture
 from .stamp import Stamp, read_stamp
@@ -25,7 +26,7 @@ FAILED = "failed"
 LEFT = "left"
 
 # A page's picture goes through such a function, which leaves it as it is and answers a new one,
-# and warnings.
+# and warnings, some of which may be notes.
 Converter = Callable[[PageJob, Picture], tuple[Picture, tuple[str, ...]]]
 
 
@@ -34,7 +35,7 @@ class PageResult:
     """The fate of a page.
 
     `status` is "made", "kept" (it was there already), "failed" or "left" (not tried, since the
-    cluster went away). Of a failed page `kind` and `message` say why; `attempts` counts how often
+    cluster went away). `warnings` are about pixels, `notes` about all else. Of a failed page `kind` and `message` say why; `attempts` counts how often
     it was begun and `losses` how often its worker was lost.
     """
 
@@ -50,6 +51,7 @@ class PageResult:
     worker: str = ""
     attempts: int = 1
     losses: int = 0
+    notes: tuple[str, ...] = ()
 
 
 @dataclass(frozen=True)
@@ -71,7 +73,7 @@ def make_page(task: Task) -> PageResult:
              "worker": f"{socket.gethostname()}:{os.getpid()}"}
     try:
         status, stamp = _make_or_keep(task)
-        facts.update(warnings=stamp.warnings, input_digest=stamp.input,
+        facts.update(warnings=stamp.warnings, notes=stamp.notes, input_digest=stamp.input,
                      output_digest=stamp.output)
     except PageError as error:
         if error.kind in (READ, WRITE):
@@ -94,9 +96,10 @@ def _make_or_keep(task: Task) -> tuple[str, Stamp]:
             stamp.input == input_digest and stamp.output == _present_digest(job.output):
         # An earlier attempt may have made the page before its worker was lost.
         return MADE if stamp.run == task.run else KEPT, stamp
-    result, warnings = (task.convert or convert_page)(job, picture)
+    result, said = (task.convert or convert_page)(job, picture)
+    warnings, notes = part(said)
     with new_file(job.output, tiff_pieces(result)) as output_digest:
-        stamp = Stamp(job_digest, input_digest, output_digest, warnings, task.run)
+        stamp = Stamp(job_digest, input_digest, output_digest, warnings, task.run, notes)
         # Before the file takes its place: a worker that is killed in between leaves a stamp that
         # fits no file, and one that is killed later a page that need not be made again.
         stamp.write(job.output)
