@@ -162,6 +162,21 @@ def test_inks_that_do_not_rise_are_quantized_with_a_warning(tmp_path):
         assert (result.status, result.warnings) == ("made", ())
 
 
+def test_as_many_tones_as_steps_are_quantized(tmp_path):
+    # Their inks are not those of four even levels.
+    text = TEXT.replace(b"2 1 0-20", b"2 1 0-25")
+    picture = page_of(2)
+    expected = {}
+    for levels, way in ((None, "quantize"), ("dither", "dither")):
+        result, = simulate(tmp_path, picture, text, levels=levels)
+        assert result.status == "made", result.message
+        expected[way] = naive_inks(levels_of(picture), (0, 3), [way, "dither"],
+                                   ((0, 10, 25, 30), (0, 200)))
+        expected[way][..., 1][expected[way][..., 1] == 20] = 25
+        numpy.testing.assert_array_equal(read(tmp_path / "page.tif").pixels, expected[way])
+    assert (expected["quantize"] != expected["dither"]).any()
+
+
 def test_levels_without_tones_to_lose_need_no_rising_inks(tmp_path):
     result, = simulate(tmp_path, page_of(1), FLAT)
     assert (result.status, result.warnings) == ("made", ())
