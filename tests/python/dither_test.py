@@ -1,6 +1,7 @@
 """Dithers on arrays, against the formulas sample by sample."""
 
 import copy
+import itertools
 import pickle
 
 import numpy as np
@@ -124,7 +125,8 @@ def test_dithers_of_other_arguments_are_others():
                Dither([LOW, HIGH], mask=MASK[::-1]), Dither([LOW, HIGH], mask=MASK ^ 1),
                Dither([LOW, HIGH], road="portable"), Dither([LOW, Tones([0, 7], 200, 31)]),
                Dither([LOW, Tones([0, 8], 200, 30)]), Dither([LOW, Tones([0, 7], 201, 30)])]
-    assert len(set(dithers)) == len(dithers)
+    for one, other in itertools.combinations(dithers, 2):
+        assert one != other and hash(one) != hash(other)
     assert DITHER == Dither((LOW, HIGH)) and DITHER != "text"
     assert (DITHER.tones, DITHER.bits, DITHER.mask, DITHER.road) == \
         ((LOW, HIGH), 8, None, "automatic")
