@@ -6,6 +6,7 @@
 #include "tools/pelkraft/unified_diff.h"
 
 #include <filesystem>
+#include <set>
 #include <utility>
 
 namespace zvk::Pelkraft::TestSupport {
@@ -81,6 +82,77 @@ TEST(PatternFix, PutsBackEveryMisspeltKeyword)
             EXPECT_EQ(smallPattern, Fixed(odd).bytes);
         }
     }
+}
+
+// Every gap beside a keyword of the small pattern, closed.
+TEST(PatternFix, PutsABlankBesideEveryGluedKeyword)
+{
+    const std::set<std::string> keywords = {
+        "DotWeavePattern", "VERSION",       "RANDOM_SEED",    "BEGIN_OUT_INKS", "END_OUT_INKS",
+        "BEGIN_IN_COLORS", "END_IN_COLORS", "BEGIN_IN_COLOR", "END_IN_COLOR",   "BEGIN_INKS",
+        "END_INKS",        "BEGIN_VALUES",  "END_VALUES"};
+    const std::string whole = smallPattern;
+    int closed = 0;
+    for (std::size_t gap = whole.find_first_of(" \n"); gap + 1 < whole.size();
+         gap = whole.find_first_of(" \n", gap + 1)) {
+        const std::size_t start = whole.find_last_of(" \n", gap - 1) + 1;
+        const std::string before = whole.substr(start, gap - start);
+        const std::string after =
+            whole.substr(gap + 1, whole.find_first_of(" \n", gap + 1) - gap - 1);
+        // The comment's words are none, and without a blank it would be none itself.
+        const bool isComment = before == "line" || after.front() == '#';
+        if (isComment || keywords.count(before) + keywords.count(after) == 0)
+            continue;
+        ++closed;
+        std::string glued = whole;
+        glued.erase(gap, 1);
+        SCOPED_TRACE(before + after);
+        const PatternText text("text", glued);
+        const PatternReport report(text);
+        ASSERT_EQ(1U, report.findings.size());
+        EXPECT_EQ("keyword-glued", report.findings.front().kind);
+        EXPECT_EQ(start, report.findings.front().place.offset);
+        EXPECT_EQ(before.size() + after.size(), report.findings.front().place.length);
+        std::string parted = whole;
+        parted[gap] = ' ';
+        EXPECT_EQ(parted, Fixed(glued).bytes);
+    }
+    EXPECT_EQ(27, closed);
+}
+
+TEST(PatternFix, PartsKeywordsFromQuotesAndFromEachOther)
+{
+    const std::string spaced =
+        With({{"LightCyan Black", "\"Light Cyan\" Black"},
+              {"Cyan LightCyan\nEND_INKS\nBEGIN", "\"Light Cyan\" Cyan END_INKS BEGIN"},
+              {"BEGIN_INKS\n", "BEGIN_INKS "}});
+    for (const char* glued : {"BEGIN_INKS\"Light Cyan\"", "\"BEGIN_INKS\"\"Light Cyan\""})
+        EXPECT_EQ(1, Fixed(std::string(spaced).replace(
+                               spaced.find("BEGIN_INKS "),
+                               std::string("BEGIN_INKS \"Light Cyan\"").size(), glued))
+                         .changes);
+    std::string all = spaced;
+    const std::string list = "BEGIN_INKS \"Light Cyan\" Cyan END_INKS BEGIN";
+    all.replace(all.find(list), list.size(), "BEGIN_INKS\"Light Cyan\" CyanEND_INKSBEGIN");
+    EXPECT_EQ(spaced, Fixed(all).bytes);
+    // The text speaks of Sky, so that this is the block and not the list.
+    const std::string sky = With({{"Cyan Black\nEND_IN_COLORS", "Sky Black\nEND_IN_COLORS"},
+                                  {"BEGIN_IN_COLOR\nCyan", "BEGIN_IN_COLORSky"}});
+    EXPECT_NE(std::string::npos, Fixed(sky).bytes.find("BEGIN_IN_COLOR Sky\n"));
+}
+
+TEST(PatternFix, LeavesNamesWhole)
+{
+    // An ink of a strange name is one where it is listed and fed.
+    const std::string named = With({{"LightCyan Black", "END_INKS2 Black"},
+                                    {"LightCyan\nEND_INKS\n", "END_INKS2\nEND_INKS\n"}});
+    const PatternText text("text", named);
+    EXPECT_TRUE(PatternReport(text).findings.empty());
+    // In quotes too, and where a letter too many is a slip.
+    EXPECT_EQ("keyword-misspelt",
+              PatternReport(PatternText("text", With({{"BEGIN_VALUES", "BEGIN_VALUESX"}})))
+                  .findings.front()
+                  .kind);
 }
 
 // One letter parts the words for the list and for a block, and a wrong letter may stand for both.

@@ -53,6 +53,8 @@ const std::vector<FindingRule>& FindingRules()
          "Name the in-colour after BEGIN_IN_COLOR, ahead of BEGIN_INKS."},
         {"keyword-case", error, "A keyword is written in another case of letters",
          "Write keywords in capitals, and the header word as DotWeavePattern."},
+        {"keyword-glued", error, "Nothing parts a keyword from the word beside it",
+         "Put a blank or a line end between them."},
         {"keyword-misspelt", error, "A word is a keyword but for a slip or two",
          "Correct its spelling, or begin a comment with #."},
         {"line-broken", warning, "A value line ends after its step number",

@@ -96,4 +96,14 @@ std::string NearestKeyword(const std::string& word)
     return nearest.empty() ? std::string() : nearest.front();
 }
 
+std::string StrayHint(const std::string& word)
+{
+    if (IsKeyword(word))
+        return word.starts_with("END_") ? "open what it closes with BEGIN_" + word.substr(4)
+                                        : "put it between BEGIN_IN_COLOR and END_IN_COLOR";
+    const std::string nearest = NearestKeyword(word);
+    return nearest.empty() ? "begin a comment with #, and a list with its BEGIN_ keyword"
+                           : "did you mean " + nearest + "?";
+}
+
 } // namespace zvk::Pelkraft::Client

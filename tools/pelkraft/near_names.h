@@ -19,4 +19,7 @@ std::string NearestName(const std::string& word, const std::vector<std::string>&
 std::string NearestKeyword(const std::string& word);
 std::vector<std::string> NearestKeywords(const std::string& word);
 
+// Says what to do about a word outside of all sections of a pattern.
+std::string StrayHint(const std::string& word);
+
 } // namespace zvk::Pelkraft::Client

@@ -27,10 +27,9 @@ constexpr const char* patternHelp =
     "that is named like a verb is written with its folder: ./lint.\n\n";
 
 constexpr const char* fixHelp =
-    "Takes the hints that are certainly what the author meant: a known name or keyword in place "
-    "of\n"
-    "a misspelled one, and no byte order mark. The text stays as it is where it would not load\n"
-    "then. The exit code is that of the text as it becomes.\n\n";
+    "Takes the hints that are certainly what the author meant: a known name or keyword in place\n"
+    "of a misspelled one, a blank beside a keyword, and no byte order mark. The text stays as it\n"
+    "is where it would not load then. The exit code is that of the text as it becomes.\n\n";
 
 constexpr const char* diffHelp =
     "Compares random source and seed, names and their order, steps, the alternatives of each with\n"

@@ -2,6 +2,7 @@
 
 #include "pattern/early_check.h"
 #include "pattern/pattern_words.h"
+#include "tools/pelkraft/glued_keywords.h"
 #include "tools/pelkraft/keyword_slips.h"
 #include "tools/pelkraft/near_names.h"
 #include "tools/pelkraft/value_line_lints.h"
@@ -49,7 +50,6 @@ public:
 
     void LintHeader()
     {
-        const std::string hint = "begin the text with the word DotWeavePattern";
         if (!text.WideCode().empty()) {
             const TextSpan place = tokens.empty() ? TextSpan() : tokens.front().place;
             AddFinding(findings, Severity::Error, "header-missing", place,
@@ -59,7 +59,7 @@ public:
         }
         if (tokens.empty()) {
             AddFinding(findings, Severity::Error, "header-missing", {}, "the text holds no word",
-                       hint);
+                       "begin the text with the word DotWeavePattern");
             return;
         }
         const PatternToken& first = tokens.front();
@@ -70,8 +70,7 @@ public:
             Error("header-missing", first, "a byte order mark stands ahead of the header word",
                   "save the text as UTF-8 without a byte order mark", patternHeader);
         else if (!Means(first, patternHeader))
-            Error("header-missing", first,
-                  Quoted(first.text) + " stands where the header word must", hint);
+            LintOtherHeader(first);
     }
 
     void Finish()
@@ -88,7 +87,8 @@ public:
     // The check ahead of the parser sees keywords alone, and would find no version at all.
     void TakeVersion(std::int32_t version, const PatternToken& keyword) override
     {
-        if (!outline.earlyVersion && !IsKeyword(keyword.text)) {
+        if (!StandsAlone(text.Bytes(), keyword) ||
+            (!outline.earlyVersion && !IsKeyword(keyword.text))) {
             outline.earlyVersion = version;
             outline.earlyVersionPlace = keyword.place;
         }
@@ -316,6 +316,17 @@ public:
     }
 
 private:
+    // A word ahead of the first keyword takes the header's place.
+    void LintOtherHeader(const PatternToken& first)
+    {
+        const bool takesPlace = KeywordInAnyCase(first.text) == nullptr && !slips.IsSlip(first) &&
+                                tokens.size() > 1 && IsKeyword(tokens[1].text);
+        Error("header-missing", first, Quoted(first.text) + " stands where the header word must",
+              takesPlace ? "did you mean DotWeavePattern?"
+                         : "begin the text with the word DotWeavePattern",
+              takesPlace ? std::optional<std::string>(patternHeader) : std::nullopt);
+    }
+
     bool MeansBySlip(const PatternToken& token, std::string_view keyword)
     {
         // A letter parts the two words, and a block is of no use ahead of the list.
@@ -424,15 +435,13 @@ private:
 
     void LintStray(const PatternToken& word, std::ptrdiff_t more)
     {
-        const std::string nearest = NearestKeyword(word.text);
         const std::string others = more == 0 ? ""
                                    : more == 1
                                        ? ", and so is the word after it"
                                        : ", and so are " + std::to_string(more) + " words after it";
         Warn("word-skipped", word,
              Quoted(word.text) + " stands outside of all sections and is skipped" + others,
-             nearest.empty() ? "begin a comment with #, and a list with its BEGIN_ keyword"
-                             : "did you mean " + nearest + "?");
+             StrayHint(word.text));
     }
 
     void Error(const char* kind, const PatternToken& token, std::string message, std::string hint,
@@ -472,7 +481,8 @@ PatternOutline ReadIntention(const PatternText& text, Findings& findings)
 {
     PatternOutline outline;
     outline.earlyVersion = FindEarlyVersion(text.Bytes(), zvk::split, outline.earlyVersionPlace);
-    const std::vector<PatternToken> tokens = CutTokens(text.Bytes(), patternComment);
+    const std::vector<PatternToken> tokens =
+        PartGluedKeywords(text.Bytes(), CutTokens(text.Bytes(), patternComment), findings);
     IntentionHandler handler(text, tokens, outline, findings);
     handler.LintHeader();
     NameTable inColors;

@@ -7,6 +7,7 @@ foreach(part IN ITEMS
         draw_lints
         finding_rules
         findings
+        glued_keywords
         keyword_slips
         near_names
         pattern_diff
