@@ -96,6 +96,27 @@ test("for everyone", async (all) => {
         });
     }
 
+    await all.test("every sign has a word that is seen, and that its label holds", async (one) => {
+        const page = await openPage(one, started, { viewport: { width: 320, height: 800 } });
+        await paste(page, faulty);
+        await summaryIs(page, "warning");
+        for (const tab of ["table", "dots"]) {
+            await show(page, tab);
+            const panel = page.locator("[role=tabpanel]:not([hidden])");
+            // Signs that have no room for a word are explained in a sentence.
+            const [, explained = ""] =
+                /The signs (.*) remove what they stand at\./.exec(await panel.innerText()) ?? [];
+            const signs = await panel.locator("button").filter({ visible: true }).evaluateAll((all) =>
+                all.map((one) => [one.innerText.trim(), one.getAttribute("aria-label") ?? one.innerText]));
+            assert.ok(signs.length > 3, tab);
+            for (const [words, label] of signs) {
+                const letters = words.replace(/^\W+/, "");
+                assert.ok(letters === "" ? explained.split(" and ").includes(words)
+                    : label.includes(letters), `${words}: ${label}`);
+            }
+        }
+    });
+
     await all.test("the text is left by the key Tab, both ways", async (one) => {
         const page = await openPage(one, started);
         await page.locator("pattern-editor .cm-content").first().focus();

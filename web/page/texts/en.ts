@@ -129,6 +129,7 @@ END_IN_COLOR
     table: {
         lead: "The same pattern as the text: a change here writes there. A step is how dark the "
             + "picture is; each of its alternatives comes at its share of the pixels.",
+        signs: "The signs − and × remove what they stand at.",
         undo: "Undo",
         redo: "Redo",
         undone: "The last change is undone.",
@@ -177,6 +178,9 @@ END_IN_COLOR
         removeAlternative: (name: string) => `Remove ${name}`,
         removeStep: (name: string) => `Remove ${name}`,
         goToLine: (line: number) => `Go to line ${line}`,
+        // They stand beside the signs of buttons, whose labels hold them too.
+        line: (line: number) => `line ${line}`,
+        word: { alternative: "alternative", step: "step", colour: "in-colour" },
         addStep: (step: number) => `Add step ${step}`,
         newStep: (ink: string, value: number, goesOn: boolean) => `It begins with ${ink} ${value} at `
             + `every pixel${goesOn ? ", which goes on from the last step" : ""}.`,
@@ -242,6 +246,7 @@ END_IN_COLOR
         toneNames: { coverage: "By the pattern", equal: "Equal distances" },
         press: "On press",
         order: "Printed in this order",
+        word: { earlier: "earlier", later: "later" },
         earlier: (ink: string) => `Print ${ink} earlier`,
         later: (ink: string) => `Print ${ink} later`,
         gain: "Dot gain",

@@ -39,7 +39,8 @@ function orderList(inks: readonly string[], chosen: Settings): HTMLElement {
         }, sign);
     return h("fieldset", { class: "order" }, h("legend", {}, words.order),
         h("ol", {}, ...order.map((ink, index) => h("li", {}, h("span", {}, ink),
-            tool(index, -1, words.earlier(ink), "↑"), tool(index, 1, words.later(ink), "↓")))));
+            tool(index, -1, words.earlier(ink), `↑ ${words.word.earlier}`),
+            tool(index, 1, words.later(ink), `↓ ${words.word.later}`)))));
 }
 
 function content(inks: readonly string[], chosen: Settings): HTMLElement[] {

@@ -91,7 +91,7 @@ export class PatternTable {
         const undescribed = (structure.inColours?.names ?? []).filter(({ text }) =>
             !structure.blocks.some((block) => sameName(block.name, text)));
         return [
-            h("p", { class: "lead" }, words.lead),
+            h("p", { class: "lead" }, words.lead, " ", words.signs),
             this.#machine(state),
             ...structure.blocks.map((block, index) => blockSection(state, block, index)),
             ...undescribed.map(({ text }) => h("p", { class: "undescribed" },

@@ -24,9 +24,11 @@ function dataOf(action: string, data: Data): Record<string, string | number> {
     return { "data-do": action, ...Object.fromEntries(pairs) };
 }
 
-export function button(action: string, data: Data, label: string, sign: string): HTMLElement {
+/** A button with a sign. A word beside it is a part of the label, and seen by those who can't point. */
+export function button(action: string, data: Data, label: string, sign: string, word = "")
+    : HTMLElement {
     return h("button", { class: "sign", title: label, "aria-label": label, ...dataOf(action, data) },
-        sign);
+        sign, word !== "" && ` ${word}`);
 }
 
 function numberField(action: string, data: Data, label: string, value: string, range: {
@@ -87,12 +89,13 @@ function stepRows(state: TableState, block: Block, line: ValueLine, data: Data):
     const rows = Math.max(line.alternatives.length, 1);
     const current = line.from === state.current;
     const name = words.step(block.name, line.step);
+    const lineNumber = state.lineNumber(line.from);
     const lead = h("th", { scope: "rowgroup", rowspan: rows },
         numberField("step", data, words.stepOf(name), String(line.step), { min: 0, max: 7 }),
         h("div", { class: "step-tools" },
-            button("go", data, words.goToLine(state.lineNumber(line.from)), "↦"),
-            button("add-alternative", data, words.addAlternative(name), "+"),
-            button("remove-step", data, words.removeStep(name), "−")));
+            button("go", data, words.goToLine(lineNumber), "↦", words.line(lineNumber)),
+            button("add-alternative", data, words.addAlternative(name), "+", words.word.alternative),
+            button("remove-step", data, words.removeStep(name), "−", words.word.step)));
     const trs = Array.from({ length: rows }, (_, index) => h("tr", {}, index === 0 && lead,
         ...(line.alternatives.length === 0 ? [h("td", { colspan: 5 }, words.unfinished)]
             : alternativeCells(state, block, line, index, data))));
@@ -122,7 +125,7 @@ export function blockSection(state: TableState, block: Block, index: number): HT
     const next = newStep(state, block);
     return h("section", { class: "in-colour" },
         h("h3", {}, nameField("rename-colour", data, words.nameOf(block.name), block.name),
-            button("remove-colour", data, words.removeColour(block.name), "×")),
+            button("remove-colour", data, words.removeColour(block.name), "×", words.word.colour)),
         inkList(state, block, data),
         lines.length > 0 && h("table", { class: "steps" },
             h("caption", { class: "unseen" }, words.caption(block.name)),
