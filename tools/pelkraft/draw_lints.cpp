@@ -187,11 +187,12 @@ private:
         if (model.places > placeLimit)
             Add(Severity::Warning, "places-surplus", outline.outInksPlace,
                 "a combination needs " + std::to_string(model.places) +
-                    " stored values, and the sse engine has room for 16: it refuses the pattern",
+                    " stored values, and the fast way to draw has room for 16: it refuses "
+                    "the pattern",
                 "let inks use the same runs of values, or use fewer steps");
         if (!first && model.combinations < 2 && outline.hasHeader)
             Add(Severity::Warning, "draw-missing", outline.versionPlace,
-                "there is nothing to draw, and at this version the x86 engine refuses that",
+                "there is nothing to draw, and at this version old processors refuse that",
                 "write VERSION 2, or give a step two alternatives");
     }
 

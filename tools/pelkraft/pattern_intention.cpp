@@ -171,7 +171,7 @@ public:
             if (outline.earlyVersion && !std::exchange(toldOfVersion, true))
                 Error("version-low", at,
                       "values are read at version " + std::to_string(outline.version) +
-                          ", which the reference engine alone takes",
+                          ", which the slow reference alone takes",
                       "write VERSION 2 or VERSION 3 ahead of the first BEGIN_IN_COLOR");
             break;
         case PatternRefusal::TooManyPositions:

@@ -37,7 +37,7 @@ public:
             if (outline.feeders.count(entry.index) == 0)
                 Add(Severity::Warning, "ink-unfed", entry.place,
                     "no in-colour feeds " + Quoted(entry.spelling) +
-                        ": the sse engine leaves it 0, the x86 engine refuses the pattern",
+                        ": it gets no drop, and old processors refuse the pattern",
                     "name it between BEGIN_INKS and END_INKS of an in-colour, or drop it here");
         }
     }

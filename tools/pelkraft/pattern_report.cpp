@@ -227,8 +227,7 @@ void PatternReport::AddRefusal()
     const std::string words = Refusal();
     const bool isPlaced = outline.refused && words == TextOf(outline.refused->refusal);
     AddFinding(findings, Severity::Error, "refused", isPlaced ? outline.refused->place : TextSpan{},
-               "every engine refuses the text" + std::string(isPlaced ? " here" : "") + ": \"" +
-                   words + "\"",
+               "the text is refused" + std::string(isPlaced ? " here" : "") + ": \"" + words + "\"",
                "correct what the other findings name");
 }
 

@@ -43,9 +43,9 @@ public:
                 "begin a value line with its step number, 0 to 7");
         else if (line.hasSuffix)
             Add(Severity::Note, "step-suffix", token,
-                "the suffix + counts for the reference engine alone, which copies the step to all "
+                "the suffix + counts for the slow reference alone, which copies the step to all "
                 "higher ones",
-                "leave it out: the other engines take any higher step as the highest anyway");
+                "leave it out: any higher step is taken as the highest anyway");
     }
 
     void LintRatio()

@@ -118,6 +118,21 @@ test("keeping", async (all) => {
         assert.equal(await page.getByRole("alert").textContent(), "");
     });
 
+    await all.test("another pattern that has no dots says why", async (one) => {
+        const page = await openPage(one, started);
+        // Step 1 has no line, which the library refuses.
+        await paste(page, mine.replace("1 1:2", "2 1 0-1\n3 1:2"));
+        await page.getByRole("tab", { name: "Compare" }).click();
+        const why = page.locator(".pair-of-dots figure").getByText(
+            "No dots yet. Line 7: step 1 of \"Grün\" has no line, and step 2 has one.");
+        await why.first().waitFor();
+        assert.equal(await why.count(), 2);
+        assert.equal(await page.getByRole("alert").textContent(), "");
+        await paste(page, mine);
+        await dotsAreSeen(page);
+        assert.equal(await why.filter({ visible: true }).count(), 1);
+    });
+
     await all.test("10 MB of text are answered with a sentence", async (one) => {
         const page = await openPage(one, started);
         await page.evaluate((size) => {

@@ -283,6 +283,7 @@ END_IN_COLOR
             "mean-ink": "Mean ink",
         },
         letters: "Differences in letters",
+        refused: (line: number, message: string) => `No dots yet. Line ${line}: ${message}.`,
         dotsOfThis: "Dots of this pattern",
         dotsOfOther: "Dots of the other pattern",
     },

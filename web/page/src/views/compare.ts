@@ -4,7 +4,6 @@ import type { Difference, Differences } from "../engine/index.js";
 import { examples, type ExampleName } from "../examples.js";
 import { fileButton } from "../files.js";
 import { morphChildren } from "../morph.js";
-import { readStructure } from "../pattern/structure.js";
 import { change, settings } from "../settings.js";
 import { en } from "../../texts/en.js";
 import type { Workbench } from "../workbench.js";
@@ -87,13 +86,22 @@ export class CompareView {
             this.#count.textContent = count;
         }
         morphChildren(this.#found, h("div", {}, ...detailsOf(differences)));
-        await Promise.all([this.#draw(this.#left, text),
-            this.#draw(this.#right, this.#other.text)]);
+        await Promise.all([this.#draw(this.#left, text, "left"),
+            this.#draw(this.#right, this.#other.text, "right")]);
     }
 
-    async #draw(pane: DotsPane, text: string): Promise<void> {
-        const inks = readStructure(text).outInks?.names.map((word) => word.text) ?? [];
-        await pane.draw(text, inks);
+    async #draw(pane: DotsPane, text: string, slot: string): Promise<void> {
+        const reading = await this.#workbench.ask(this.#workbench.engine.read(text, slot), slot);
+        if (reading === null) {
+            return;
+        }
+        if (!reading.runs) {
+            const [first] = reading.findings;
+            pane.viewer.clear(first === undefined ? en.dots.refused
+                : words.refused(first.place.line, first.message));
+            return;
+        }
+        await pane.draw(text, reading.outInks.map(({ name }) => name));
     }
 }
 
