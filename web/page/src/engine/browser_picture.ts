@@ -1,5 +1,5 @@
 import type { Picture } from "./api.js";
-import { engineTexts } from "../../texts/engine.js";
+import { engineTexts } from "../../texts/en.js";
 import { requireSize } from "./built_in.js";
 import { sizeOf } from "./picture_header.js";
 import { Refusal } from "./refusal.js";
@@ -37,7 +37,7 @@ function copyStrips(bitmap: ImageBitmap, samples: Uint8Array): boolean {
     const canvas = new OffscreenCanvas(width, rows);
     const context = canvas.getContext("2d", { willReadFrequently: true });
     if (context === null) {
-        throw new RangeError("there is no memory for a canvas");
+        throw new RangeError(engineTexts.noCanvas);
     }
     let hasAlpha = false;
     for (let y = 0; y < height; y += rows) {

@@ -1,5 +1,5 @@
 import type { BuiltInPicture, Levels, Picture } from "./api.js";
-import { engineTexts } from "../../texts/engine.js";
+import { engineTexts } from "../../texts/en.js";
 import { limits } from "./limits.js";
 import { Refusal } from "./refusal.js";
 

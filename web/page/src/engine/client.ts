@@ -5,7 +5,7 @@ import {
     type FixedText, type Levels, type Picture, type PictureJob, type Plot, type PreviewImage,
     type PreviewJob, type Reading,
 } from "./api.js";
-import { engineTexts } from "../../texts/engine.js";
+import { engineTexts } from "../../texts/en.js";
 import { type DotsJob, sliceOf } from "./dots_work.js";
 import { openText } from "./open_text.js";
 import { type Outcome, Refusal } from "./refusal.js";
@@ -194,7 +194,7 @@ class Client implements Engine {
             worker.addEventListener("error", (event) => {
                 event.preventDefault();
                 if (worker === this.#worker) {
-                    this.#end(failureOf(new Error(event.message || "its worker ended")));
+                    this.#end(failureOf(new Error(event.message || engineTexts.workerEnded)));
                 }
             });
             ++this.#counts.workersStarted;

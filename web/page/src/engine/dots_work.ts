@@ -1,7 +1,7 @@
 import type {
     BuiltInPicture, Dots, Levels, Picture, PreviewImage, PreviewJob, Window,
 } from "./api.js";
-import { engineTexts } from "../../texts/engine.js";
+import { engineTexts } from "../../texts/en.js";
 import { makeBuiltIn, type SteppedColour } from "./built_in.js";
 import { limits } from "./limits.js";
 import { type Module, record } from "./module.js";

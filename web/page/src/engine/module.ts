@@ -1,4 +1,4 @@
-import { engineTexts } from "../../texts/engine.js";
+import { engineTexts } from "../../texts/en.js";
 import { Refusal } from "./refusal.js";
 
 // Each function answers 0 where its answer is what was asked for, and 1 where it is a sentence.
@@ -27,7 +27,7 @@ export class Module {
             env: { emscripten_notify_memory_growth: () => undefined },
             wasi_snapshot_preview1: {
                 proc_exit: (code: number) => {
-                    throw new WebAssembly.RuntimeError(`it ended with ${code}`);
+                    throw new WebAssembly.RuntimeError(engineTexts.moduleEnded(code));
                 },
                 // There are no files and no variables.
                 environ_get: () => notSupported,
@@ -87,7 +87,7 @@ export class Module {
         const bytes = typeof content === "number" ? content : content.length;
         const address = this.#call("allocate", [bytes]);
         if (address === 0) {
-            throw new RangeError(`there is no memory for ${bytes} bytes`);
+            throw new RangeError(engineTexts.noMemory(bytes));
         }
         if (typeof content !== "number") {
             this.bytes().set(content, address);

@@ -1,4 +1,4 @@
-import { engineTexts } from "../../texts/engine.js";
+import { engineTexts } from "../../texts/en.js";
 import { limits } from "./limits.js";
 import { Refusal } from "./refusal.js";
 

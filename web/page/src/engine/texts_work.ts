@@ -3,7 +3,7 @@ import { createTwoFilesPatch } from "diff";
 import type {
     Difference, Differences, FixedText, InColour, OutInk, Plot, Reading, Spectrum, Step,
 } from "./api.js";
-import { engineTexts } from "../../texts/engine.js";
+import { engineTexts } from "../../texts/en.js";
 import { limits } from "./limits.js";
 import type { Module } from "./module.js";
 import { type ByteSpan, Places } from "./places.js";

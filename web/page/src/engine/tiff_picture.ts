@@ -1,5 +1,5 @@
 import type { Picture } from "./api.js";
-import { engineTexts } from "../../texts/engine.js";
+import { engineTexts } from "../../texts/en.js";
 import { inksOfRgb, rgbChannels } from "./browser_picture.js";
 import { requireSize } from "./built_in.js";
 import type { Module } from "./module.js";

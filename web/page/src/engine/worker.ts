@@ -5,7 +5,7 @@ import pageAddress from "module:pelkraft_page.wasm";
 import tiffAddress from "module:pelkraft_tiff.wasm";
 
 import type { BuiltInPicture, Levels, Picture } from "./api.js";
-import { engineTexts } from "../../texts/engine.js";
+import { engineTexts } from "../../texts/en.js";
 import { readBrowserPicture } from "./browser_picture.js";
 import { makeBuiltIn } from "./built_in.js";
 import { coloursOf, type DotsJob, type Looks, preview, run } from "./dots_work.js";
