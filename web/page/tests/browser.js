@@ -6,6 +6,7 @@ import { join } from "node:path";
 import { chromium } from "playwright-core";
 
 import { serve } from "../serve.mjs";
+import { listenForFailures } from "./failures.js";
 import { root } from "./sources.js";
 
 const folder = process.env.PELKRAFT_WEB ?? join(root, "build/web");
@@ -42,13 +43,7 @@ export async function openPage(test, { browser, address }, options = {}, hash = 
     if (first !== null) {
         await page.addInitScript(first);
     }
-    const failures = [];
-    page.on("pageerror", (error) => failures.push(error.stack));
-    page.on("console", (message) => {
-        if (message.type() === "error") {
-            failures.push(message.text());
-        }
-    });
+    const failures = await listenForFailures(page);
     test.after(async () => {
         await context.close();
         if (failures.length > 0) {

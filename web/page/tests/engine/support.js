@@ -12,6 +12,7 @@ import { fileURLToPath } from "node:url";
 import { chromium } from "playwright-core";
 
 import { serve } from "../../serve.mjs";
+import { listenForFailures } from "../failures.js";
 
 const root = join(dirname(fileURLToPath(import.meta.url)), "../../../..");
 
@@ -45,13 +46,14 @@ export async function withEngine(work, limit = 300_000) {
     try {
         const context = await browser.newContext();
         const page = await context.newPage();
-        const failures = [];
-        page.on("pageerror", (error) => failures.push(error));
+        const all = await listenForFailures(page);
         await page.goto(`http://127.0.0.1:${server.address().port}/`);
         await page.waitForFunction("globalThis.engine !== undefined");
         await Promise.race([work(page, context, server), tooLate(limit)]);
+        // Some tests stop files on their way, of which the console tells.
+        const failures = all.filter((words) => !words.startsWith("Failed to load resource"));
         if (failures.length > 0) {
-            throw failures[0];
+            throw new Error(failures.join("\n"));
         }
     } finally {
         await browser.close();
