@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 
-import { openPage, startBrowser } from "./browser.js";
+import { startBrowser } from "./browser.js";
 import { listenForFailures } from "./failures.js";
 
 // Things that the page must never do, and what is heard of each.
@@ -49,19 +49,4 @@ test("failures", async (all) => {
             await context.close();
         });
     }
-
-    await all.test("the key Enter in any field leaves the page quiet", async (one) => {
-        const page = await openPage(one, started);
-        for (const tab of ["table", "shares", "dots", "compare", "take"]) {
-            await page.locator(`[data-tab=${tab}]`).click();
-            const panel = page.locator("[role=tabpanel]:not([hidden])");
-            for (const field of await panel.locator("input:not([type=file]), select").all()) {
-                if (await field.isVisible()) {
-                    await field.focus();
-                    await page.keyboard.press("Enter");
-                    await page.keyboard.press("Escape");
-                }
-            }
-        }
-    });
 });
