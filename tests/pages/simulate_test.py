@@ -149,7 +149,7 @@ def test_inks_that_do_not_rise_are_quantized_with_a_warning(tmp_path):
     result, = simulate(tmp_path, picture, FLAT, name="flat.txt")
     words = "flat.txt: in-colour Cyan: step 2 has no more ink than step 1, 10.000 after 10.000"
     assert len(result.warnings) == 1
-    assert result.warnings[0].startswith(words + ", so that its tones are quantized; ")
+    assert result.warnings[0].startswith(words + ", so that its tones are quantized: ")
     expected = naive_inks(levels_of(picture), (0, 255), ["quantize", "dither"])
     expected[..., 1][expected[..., 1] == 20] = 10
     numpy.testing.assert_array_equal(read(tmp_path / "page.tif").pixels, expected)
@@ -247,3 +247,29 @@ def test_a_tone_without_use_is_refused(fields, words):
     with pytest.raises(JobError) as caught:
         Simulation(TEXT, **fields)
     assert words in str(caught.value)
+
+
+ONE_INK = b"""DotWeavePattern VERSION 2
+BEGIN_OUT_INKS Black END_OUT_INKS BEGIN_IN_COLORS Black END_IN_COLORS
+BEGIN_IN_COLOR Black BEGIN_INKS Black END_INKS BEGIN_VALUES 1 1 0-255 END_VALUES END_IN_COLOR
+"""
+
+
+@pytest.mark.parametrize("photometric", [0, 1])
+@pytest.mark.parametrize("extras, name", [((), "Black"), ((2,), "Black"), ((0,), "Gray")])
+def test_the_only_ink_of_a_gray_page_is_black(tmp_path, tool, photometric, extras, name):
+    picture = random_picture(3, 8, False, 9, 5, channels=1 + len(extras))
+    picture.tags = Tags(photometric)
+    picture.channels = (Channel(), *(Channel("", kind) for kind in extras))
+    write(tmp_path / "in.tif", picture)
+    first = read(tmp_path / "in.tif").channels[0]
+    assert first.name == name and first.bears("gray") and first.bears("BLACK") == (name == "Black")
+    result, = simulate(tmp_path, picture, ONE_INK)
+    (tmp_path / "text").write_bytes(ONE_INK)
+    ended = subprocess.run([tool, "simulate", tmp_path / "text", tmp_path / "in.tif",
+                            tmp_path / "tool.tif"], capture_output=True, text=True)
+    assert ended.returncode == (1 if result.warnings else 0)
+    by_order = "in-colours, which take channels in their order"
+    assert by_order in "".join(result.notes) if name == "Gray" else by_order not in str(result)
+    assert (by_order in ended.stderr) == (name == "Gray")
+    assert pixel_digest(read(tmp_path / "page.tif")) == pixel_digest(read(tmp_path / "tool.tif"))

@@ -3,7 +3,6 @@
 
 from __future__ import annotations
 
-import string
 from dataclasses import dataclass, replace
 from typing import Optional, Sequence, Union
 
@@ -16,8 +15,6 @@ from .picture import (INK_SET_OTHER, MASK, MIN_IS_BLACK, PALETTE, SEPARATED, UNS
 
 # An entry of a plan's map; None is an empty channel.
 Entry = Union[int, Constant, None]
-
-UPPER_CASE = str.maketrans(string.ascii_lowercase, string.ascii_uppercase)
 
 
 def find_channels(entries: Sequence[ChannelEntry], channels: Sequence[Channel],
@@ -52,8 +49,7 @@ def choose_channels(in_colours: Sequence[str], picture: Picture, path: str) -> C
                                f"{len(in_colours)} in-colours")
     entries: dict[int, int] = {}
     for place, name in enumerate(in_colours):
-        found = next((i for i in free if channels[i].name and
-                      _upper(channels[i].name) == _upper(name)), None)
+        found = next((i for i in free if channels[i].bears(name)), None)
         if found is not None:
             entries[place] = found
             free.remove(found)
@@ -158,16 +154,12 @@ def _find(entry: ChannelEntry, channels: Sequence[Channel], path: str) -> Entry:
     if isinstance(entry, int) and entry < len(channels):
         return entry
     found = [i for i, channel in enumerate(channels)
-             if isinstance(entry, str) and _upper(channel.name) == _upper(entry)]
+             if isinstance(entry, str) and channel.bears(entry)]
     if not found:
         names = "".join(f", {channel.name}" for channel in channels if channel.name)
         raise PageError(INPUT, f"{path}: has no channel {entry!r}; supported are 0 to "
                                f"{len(channels) - 1}{names} and - for an empty channel")
     return found[0]
-
-
-def _upper(name: str) -> str:
-    return name.translate(UPPER_CASE)
 
 
 def _new_name(channels: Sequence[Channel], entry: Entry) -> str:

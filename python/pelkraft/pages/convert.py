@@ -72,7 +72,8 @@ def _find_inks(picture: Picture,
     something else, which an inversion leaves as they are."""
     taken = range(len(picture.channels)) if entries is None else entries
     inks = [i for i, entry in enumerate(taken)
-            if isinstance(entry, int) and is_ink(picture, entry)]
+            if isinstance(entry, int) and
+            is_ink(picture.channels[entry], picture.tags.photometric)]
     return inks, len(inks) < sum(isinstance(entry, int) for entry in taken)
 
 

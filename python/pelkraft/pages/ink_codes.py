@@ -7,7 +7,7 @@ from dataclasses import dataclass
 
 from .errors import INPUT, UNSUPPORTED, PageError
 from .picture import (MASK, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, RGB, SEPARATED, UNSPECIFIED_EXTRA,
-                      DotRange, Picture)
+                      Channel, DotRange, Picture)
 
 INKS = (SEPARATED, MIN_IS_WHITE, MIN_IS_BLACK)
 # Samples of other kinds are numbers, or differences.
@@ -29,10 +29,10 @@ def refuse_other_colours(picture: Picture, path: str) -> None:
                                      "of it")
 
 
-def is_ink(picture: Picture, channel: int) -> bool:
+def is_ink(channel: Channel, photometric: int) -> bool:
     """Alpha is no ink. Beside colours extra samples of no told kind mean something else too."""
-    extra = picture.channels[channel].extra
-    return extra is None or (extra == UNSPECIFIED_EXTRA and picture.tags.photometric in INKS)
+    return channel.extra is None or \
+        (channel.extra == UNSPECIFIED_EXTRA and photometric in INKS)
 
 
 def read_codes(picture: Picture, path: str) -> DotRange:

@@ -56,11 +56,10 @@ class StepChoice:
         if not flat:
             return DITHER
         words = f"{step.name}: in-colour {name}: {flat}"
+        advice = "a dither wants more ink at each step, which the tone equal or a CSV file may give"
         if step.levels == DITHER:
-            raise PageError(PATTERN, f"{words}; the dither wants more ink at each step, which the "
-                                     "tone equal or a CSV file may give")
-        self.warnings.append(f"{words}, so that its tones are quantized; the tone equal or a CSV "
-                             "file may give inks that can be dithered")
+            raise PageError(PATTERN, f"{words}; {advice}")
+        self.warnings.append(f"{words}, so that its tones are quantized: {advice}")
         return QUANTIZE
 
     def dither(self, bits: int, stretch: int) -> Dither:

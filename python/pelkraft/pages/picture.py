@@ -3,6 +3,7 @@
 
 from __future__ import annotations
 
+import string
 from dataclasses import dataclass, field
 from typing import Optional
 
@@ -20,17 +21,24 @@ INK_SET_CMYK = 1
 INK_SET_OTHER = 2
 UNSPECIFIED_EXTRA = 0
 
+UPPER_CASE = str.maketrans(string.ascii_lowercase, string.ascii_uppercase)
+
 # The samples of no ink and of full ink.
 DotRange = tuple[int, int]
 
 
 @dataclass(frozen=True)
 class Channel:
-    """A channel's name, or "", and its kind among a TIFF file's extra samples, None for an ink or
-    a colour."""
+    """A channel's name, or "", its kind among a TIFF file's extra samples, None for an ink or a
+    colour, and a second name that finds it, or ""."""
 
     name: str = ""
     extra: Optional[int] = None
+    other_name: str = ""
+
+    def bears(self, name: str) -> bool:
+        """Names count in any case of letters."""
+        return bool(name) and _upper(name) in (_upper(self.name), _upper(self.other_name))
 
 
 @dataclass(frozen=True)
@@ -70,6 +78,10 @@ class Picture:
     @property
     def height(self) -> int:
         return self.pixels.shape[0]
+
+
+def _upper(name: str) -> str:
+    return name.translate(UPPER_CASE)
 
 
 def format_of(picture: Picture) -> Format:

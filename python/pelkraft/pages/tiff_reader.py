@@ -9,6 +9,7 @@ import logging
 import lzma
 import os
 import zlib
+from dataclasses import replace
 from typing import Any, BinaryIO, Optional
 
 import numpy
@@ -16,6 +17,7 @@ import tifffile
 
 from .errors import INPUT, READ, UNSUPPORTED, PageError
 from .file_digest import digest_of
+from .ink_codes import is_ink
 from .picture import (INK_SET_CMYK, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, RGB, SEPARATED,
                       UNSPECIFIED_EXTRA, Channel, DotRange, Picture, Tags, pack_samples, row_bytes,
                       unpack_samples)
@@ -34,8 +36,9 @@ LARGEST_EXPANSION = 65536
 
 COLOURS = {MIN_IS_WHITE: 1, MIN_IS_BLACK: 1, RGB: 3, PALETTE: 1, 4: 4, SEPARATED: 4, 6: 3, 8: 3,
            9: 3, 10: 3}
+GRAY = "Gray"
 USUAL_NAMES = {SEPARATED: ("Cyan", "Magenta", "Yellow", "Black"), RGB: ("Red", "Green", "Blue"),
-               MIN_IS_WHITE: ("Gray",), MIN_IS_BLACK: ("Gray",)}
+               MIN_IS_WHITE: (GRAY,), MIN_IS_BLACK: (GRAY,)}
 
 REVERSED_BITS = bytes(int(f"{byte:08b}"[::-1], 2) for byte in range(256))
 
@@ -186,9 +189,14 @@ class TiffPage:
                           self._number("InkSet", INK_SET_CMYK) == INK_SET_CMYK):
             names = USUAL_NAMES.get(self.photometric, ())
         first_kind = self.count - len(kinds)
-        return tuple(Channel(names[i] if i < len(names) else "",
-                             kinds[i - first_kind] if i >= colours else None)
-                     for i in range(self.count))
+        channels = tuple(Channel(names[i] if i < len(names) else "",
+                                 kinds[i - first_kind] if i >= colours else None)
+                         for i in range(self.count))
+        # Beside other inks nobody knows which one the first is.
+        inks = sum(is_ink(channel, self.photometric) for channel in channels)
+        if inks != 1 or channels[0].name != GRAY:
+            return channels
+        return (replace(channels[0], name="Black", other_name=GRAY), *channels[1:])
 
     def _read_tags(self) -> Tags:
         value = self._page.tags.valueof
