@@ -116,3 +116,13 @@ def test_alpha_is_not_inverted(tmp_path, tool, photometric, extra, inverted, bit
         found = [i for i in range(count) if numpy.array_equal(
             new.take(i, axis), 255 - old.take(i, axis))]
         assert found == inverted
+
+
+@pytest.mark.parametrize("kind, values, ranges", [
+    (3, (26, 217), ((26, 217),)), (1, (26, 217), ((26, 217),)),
+    (3, (0, 255, 1, 254, 2, 253, 3, 252), ((0, 255), (1, 254), (2, 253), (3, 252))),
+    (3, (7,), ()), (3, (0, 1, 2), ()), (3, (0, 255) * 3, ())])
+def test_a_range_of_another_form_tells_nothing(tmp_path, kind, values, ranges):
+    tifffile.imwrite(tmp_path / "in.tif", numpy.zeros((2, 3, 4), numpy.uint8), metadata=None,
+                     photometric="separated", extratags=[(336, kind, len(values), values, True)])
+    assert read(tmp_path / "in.tif").tags.dot_ranges == ranges

@@ -212,9 +212,11 @@ class TiffPage:
                     self._read_dot_ranges())
 
     def _read_dot_ranges(self) -> tuple[DotRange, ...]:
-        numbers = tuple(map(int, self._page.tags.valueof("DotRange", ())))
-        if len(numbers) not in (2, 2 * self.count):
+        value = self._page.tags.valueof("DotRange", ())
+        # A tag of another form tells nothing, and is no reason to refuse the page.
+        if not isinstance(value, (tuple, bytes)) or len(value) not in (2, 2 * self.count):
             return ()
+        numbers = tuple(map(int, value))
         return tuple(zip(numbers[::2], numbers[1::2]))
 
     def _description(self) -> bytes:
