@@ -155,6 +155,15 @@ def test_a_note_about_tags_has_none(tmp_path):
         assert (page["status"], page["notes"], "warnings" in page) == (status, [words], False)
 
 
+def test_what_a_file_is_called_does_not_act_on_a_terminal(tmp_path):
+    name = "a\x1b[31m\u202e\n\udce4\u00e9.tif"
+    (tmp_path / "out").mkdir()
+    (tmp_path / name).write_bytes(b"no picture")
+    ended = run(tmp_path / name, "--to", tmp_path / "out", "--mirror", "--runner", "serial")
+    assert ended.returncode == exit_codes.PAGES_FAILED
+    assert ended.stderr.startswith(f"pelkraft.pages: {tmp_path}/a?[31m???\u00e9.tif: ")
+
+
 def test_the_tone_of_the_command_line_is_that_of_a_list(make_jobs, tmp_path, pattern_path):
     job, = make_jobs(1)
     table = tmp_path / "inks.csv"

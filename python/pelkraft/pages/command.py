@@ -8,6 +8,7 @@ import os
 import signal
 import sys
 import time
+import unicodedata
 from typing import Optional, Sequence
 
 from . import exit_codes
@@ -19,6 +20,9 @@ from .progress import Progress
 from .report import Report
 from .runners import ProcessRunner, Runner, SerialRunner
 from .task import FAILED, KEPT, LEFT
+
+# Control characters, those that turn the direction of writing, what is no text, and line ends.
+ACTING = ("Cc", "Cf", "Cs", "Zl", "Zp")
 
 
 def main(arguments: Optional[Sequence[str]] = None) -> int:
@@ -91,7 +95,10 @@ def _told(report: Report, interrupted: bool, pages: int) -> int:
 
 
 def _say(text: str) -> None:
-    print(f"pelkraft.pages: {text}", file=sys.stderr)
+    """Names in files may hold anything; a terminal must not act on it."""
+    shown = "".join("?" if unicodedata.category(letter) in ACTING and letter != "\t" else letter
+                    for letter in text)
+    print(f"pelkraft.pages: {shown}", file=sys.stderr)
 
 
 def _interrupt(*_: object) -> None:
