@@ -11,7 +11,8 @@ plan = pelkraft.Plan(pelkraft.Format(1000, 4, 8), pelkraft.Format(1000, 4, 8, pl
 assert (plan(rows) == rows.transpose(0, 2, 1)).all()
 assert pelkraft.Plan.load(plan.save()) == plan
 pattern = pelkraft.Pattern.from_file(sys.argv[1])
-inks = pattern(np.ones((20, 1000, len(pattern.in_colours)), np.uint8))
+dither = pelkraft.Dither([pelkraft.Tones(inks) for inks in pattern.step_inks()])
+inks = pattern(dither(rows))
 assert inks.shape == (20, 1000, len(pattern.out_inks)) and inks.any()
 try:
     plan(rows[:, :999])

@@ -16,6 +16,12 @@ def split(picture: NDArray[np.uint8]) -> NDArray[np.uint8]:
     return planes
 
 
+def dithered(picture: NDArray[np.uint8], pattern: pelkraft.Pattern) -> NDArray[np.uint8]:
+    """The steps of a picture's tones."""
+    tones = [pelkraft.Tones(inks, full_ink=255) for inks in pattern.step_inks("coverage")]
+    return pelkraft.Dither(tones, mask=pelkraft.dither_mask())(picture, x=3)
+
+
 def describe(error: pelkraft.PelkraftError) -> str:
     """A failure in one line."""
     return f"{error.status.name} {error.field} {error.given} {error.needed}"
@@ -29,6 +35,12 @@ def main() -> None:
     plan = pelkraft.Plan.load(pelkraft.Plan(form, form).save())
     entries: tuple[int | pelkraft.Constant | None, ...] | None = plan.map
     print(entries, plan.needs.in_place, {plan: plan.samples})
+    pattern = pelkraft.Pattern(
+        "DotWeavePattern VERSION 2 BEGIN_OUT_INKS Black END_OUT_INKS "
+        "BEGIN_IN_COLORS Black END_IN_COLORS BEGIN_IN_COLOR Black BEGIN_INKS Black END_INKS "
+        "BEGIN_VALUES 1 1 0-255 END_VALUES END_IN_COLOR"
+    )
+    assert dithered(np.full((2, 2, 1), pattern.full_ink, np.uint8), pattern).min() == 1
     try:
         pelkraft.Pattern("", engine="sse")
     except pelkraft.PelkraftError as error:
