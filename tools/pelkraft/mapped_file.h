@@ -6,7 +6,8 @@
 namespace zvk::Pelkraft::Client {
 
 // A file to be read in place. What the file can't give any more, because it was cut or its disk
-// fails, reads as zeros and is noted, where by itself it would end the program. One at a time.
+// fails, reads as zeros and is noted, where by itself it would end the program. The
+// system's own file says how many there can be at a time; others are not mapped.
 class MappedFile
 {
 public:

@@ -44,7 +44,8 @@ LONG CALLBACK FillMissingPage(EXCEPTION_POINTERS* pointers)
 
 MappedFile::MappedFile(int descriptor, std::uint64_t newSize) : size(newSize)
 {
-    if (size == 0 || size > std::numeric_limits<std::size_t>::max())
+    // One at a time.
+    if (size == 0 || size > std::numeric_limits<std::size_t>::max() || mappedEnd != 0)
         return;
     const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
     const HANDLE section =

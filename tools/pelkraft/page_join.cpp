@@ -132,8 +132,10 @@ public:
     PlateBands(const std::vector<TiffFile>& files, const JoinPlan& newPlan, std::uint32_t rows)
         : plan(newPlan), planeBytes(plan.plates[0].picture.RowBytes())
     {
+        RowOrder order;
+        order.readers = static_cast<int>(files.size());
         for (std::size_t plate = 0; plate < files.size(); ++plate)
-            readers.emplace_back(files[plate], plan.plates[plate].picture, rows);
+            readers.emplace_back(files[plate], plan.plates[plate].picture, rows, order);
     }
 
     void Next(std::uint32_t count)

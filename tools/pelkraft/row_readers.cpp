@@ -11,13 +11,13 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-// Strips up to this size, all planes together, are decoded whole.
+// Strips up to this size, all planes together, are decoded whole. Readers side by side share it.
 constexpr std::int64_t largestHeldBytes = std::int64_t{8} << 20;
 // This decoder knows no single rows.
 constexpr std::int64_t largestHeldJbigBytes = std::int64_t{64} << 20;
 // Each compressed plane takes a decoder.
 constexpr int mostPlaneFiles = 256;
-// After so many bytes of rows the pages of the file are given back.
+// After so many bytes of rows the pages of the files are given back.
 constexpr std::size_t releasedBytes = std::size_t{4} << 20;
 
 std::string RowName(std::uint32_t row)
@@ -62,6 +62,8 @@ public:
     {
         const std::uint32_t rows = std::min(grid.blockLength, picture.height);
         held.resize(rowBytes * rows);
+        if (!IsPlaced())
+            return;
         block.resize(static_cast<std::size_t>(grid.blockRowBytes *
                                               (picture.tiled ? grid.blockLength : rows)));
     }
@@ -98,6 +100,9 @@ public:
     }
 
 private:
+    // False for strips that are rows as they are handed out.
+    bool IsPlaced() const { return picture.tiled || grid.planes > 1; }
+
     void ReadStrip(unsigned char* rows, std::uint32_t length)
     {
         const auto wanted = static_cast<tmsize_t>(rowBytes * length);
@@ -113,7 +118,8 @@ private:
         for (std::uint32_t plane = 0; plane < grid.planes; ++plane) {
             for (std::uint32_t column = 0; column < grid.columns; ++column) {
                 ReadBlock(plane, column, rows);
-                Place(plane, column, rows);
+                if (IsPlaced())
+                    Place(plane, column, rows);
             }
         }
     }
@@ -122,15 +128,16 @@ private:
     {
         const auto x = static_cast<std::uint32_t>(column * grid.blockWidth);
         const auto sample = static_cast<std::uint16_t>(plane);
+        unsigned char* const to = IsPlaced() ? block.data() : held.data();
         tmsize_t wanted = static_cast<tmsize_t>(block.size());
         tmsize_t got = 0;
         if (picture.tiled) {
             const std::uint32_t tile = TIFFComputeTile(file.Get(), x, blockRow, 0, sample);
-            got = TIFFReadEncodedTile(file.Get(), tile, block.data(), wanted);
+            got = TIFFReadEncodedTile(file.Get(), tile, to, wanted);
         } else {
             wanted = static_cast<tmsize_t>(grid.blockRowBytes * rows);
             const std::uint32_t strip = TIFFComputeStrip(file.Get(), blockRow, sample);
-            got = TIFFReadEncodedStrip(file.Get(), strip, block.data(), wanted);
+            got = TIFFReadEncodedStrip(file.Get(), strip, to, wanted);
         }
         if (got != wanted)
             file.Throw(ExitCode::BadInput, RowName(blockRow));
@@ -166,8 +173,9 @@ private:
 class ScanlineReader final : public IRowReader
 {
 public:
-    ScanlineReader(const TiffFile& newFile, const TiffPicture& newPicture, bool newFlip)
-        : height(newPicture.height), flip(newFlip),
+    ScanlineReader(const TiffFile& newFile, const TiffPicture& newPicture, const RowOrder& order)
+        : height(newPicture.height), flip(order.flip),
+          mostReadBytes(releasedBytes / static_cast<std::size_t>(order.readers)),
           planes(newPicture.separate ? newPicture.channels : 1),
           planeBytes(static_cast<std::size_t>(MakeGrid(newPicture).planeBytes)),
           mapping(newFile.Descriptor(), newFile.Size())
@@ -199,7 +207,7 @@ public:
             readBytes += planeBytes;
         }
         ++nextRow;
-        if (readBytes < releasedBytes)
+        if (readBytes < mostReadBytes)
             return;
         readBytes = 0;
         mapping.Release();
@@ -208,6 +216,7 @@ public:
 private:
     std::uint32_t height;
     bool flip;
+    std::size_t mostReadBytes;
     int planes;
     std::size_t planeBytes;
     MappedFile mapping;
@@ -230,13 +239,14 @@ std::unique_ptr<IRowReader> OpenRows(const TiffFile& file, const TiffPicture& pi
     const BlockGrid grid = MakeGrid(picture);
     const std::int64_t heldBytes =
         grid.planeBytes * grid.planes * std::min(grid.blockLength, picture.height);
-    const std::int64_t mostBytes =
-        picture.compression == COMPRESSION_JBIG ? largestHeldJbigBytes : largestHeldBytes;
+    const std::int64_t mostBytes = picture.compression == COMPRESSION_JBIG
+                                       ? largestHeldJbigBytes
+                                       : largestHeldBytes / order.readers;
     if (picture.tiled || heldBytes <= mostBytes || picture.rowsPerStrip == 1)
         return std::make_unique<BlockReader>(file, picture, order.flip);
     if (!order.flip || picture.compression == COMPRESSION_NONE)
-        return std::make_unique<ScanlineReader>(file, picture, order.flip);
-    ScanlineReader forward(file, picture, false);
+        return std::make_unique<ScanlineReader>(file, picture, order);
+    ScanlineReader forward(file, picture, {});
     return std::make_unique<SpooledRows>(forward, picture, order.spool, file.Path());
 }
 

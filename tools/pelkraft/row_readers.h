@@ -18,13 +18,15 @@ public:
     virtual void ReadRows(unsigned char* rows, std::uint32_t count, std::int64_t rowBytes);
 };
 
-// Tells in which order rows are read.
+// Tells in which order rows are read, and by how many readers side by side, which share the memory
+// for strips.
 struct RowOrder
 {
     // From the last to the first.
     bool flip = false;
     // Decoders of large strips know one way alone, so that their rows are kept here.
     Spool spool;
+    int readers = 1;
 };
 
 // A reader for the page at which the file stands; the file must stay there while it is used.
