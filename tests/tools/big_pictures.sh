@@ -19,7 +19,8 @@ make() {
 run() {
     local row=$((width * $1)) limit said # of 8 channels
     limit=$(((64 << 20) + 4 * row * $2))
-    said=$("$peak_memory" $((limit / 1024)) "$pelkraft" "${@:3}" --threads "$2") ||
+    said=$("$peak_memory" $((limit / 1024)) "$pelkraft" "${@:3}" --threads "$2" |
+        tail -n 1) ||
         { echo "$said: ${*:3}, failed" && return 1; }
     echo "$said: ${*:3} --threads $2" | sed "s|$folder/||g"
     said=${said#peak }
@@ -65,6 +66,20 @@ for threads in 1 2; do
     check 8 interleaved same
     rm "$folder"/plate*.tif
 done
+# Plates in strips that are decoded whole by themselves, and in one that is never held.
+run 8 1 split "$in" "$folder/plate" --inks 0,1,2,3,4,5,6,7
+for rows in 80 "$height"; do
+    mkdir "$folder/packed"
+    for plate in "$folder"/plate*.tif; do
+        tiffcp -c lzw -r "$rows" "$plate" "$folder/packed/${plate##*/}"
+    done
+    for threads in 1 2; do
+        run 8 $threads join "$out" "$folder"/packed/*.tif --compress none
+        check 8 interleaved same
+    done
+    rm -r "$folder/packed"
+done
+rm "$folder"/plate*.tif
 # Counting alone, and the picture of where the ink lies.
 for threads in 1 8; do
     run 8 $threads info "$in" --stats
@@ -97,5 +112,8 @@ make 16 interleaved 4
 for threads in 1 2; do
     run 16 $threads convert "$in" "$out" --layout planar --bits 1
     check 1 planar halves
+    # Windows as wide as the page, and as high but for a row.
+    run 16 $threads coverage "$in" --limit 100000 --window "$((height - 1))px"
+    run 16 $threads coverage "$in" --limit 100000 --window 100000px
 done
 echo "largest peak: $(((largest + 1023) / 1024)) MiB"

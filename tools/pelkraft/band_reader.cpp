@@ -116,8 +116,8 @@ void ForEachBand(const TiffFile& file, const TiffPicture& picture, int threads,
                  const PageWork& work)
 {
     const std::int64_t rowBytes = picture.RowBytes();
-    const std::uint32_t most = RowsOfBand(rowBytes, picture.height);
-    BandReader reader(file, picture, most);
+    const std::uint32_t most = std::min(RowsOfBand(rowBytes, picture.height), work.mostRows);
+    BandReader reader(file, picture, most, work.order);
     for (std::uint32_t first = 0, rows = 0; first < picture.height; first += rows) {
         rows = std::min(most, picture.height - first);
         StopIfInterrupted(file.Path());

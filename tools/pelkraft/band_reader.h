@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -68,6 +69,9 @@ struct PageWork
 {
     std::function<void(int worker, std::int64_t row, const unsigned char* bytes)> takeRow;
     std::function<void(std::uint32_t first, std::uint32_t count)> endBand;
+    // No band has more.
+    std::uint32_t mostRows = std::numeric_limits<std::uint32_t>::max();
+    RowOrder order = {};
 };
 
 // Reads a page from end to end, with all threads.

@@ -7,13 +7,35 @@
 
 namespace zvk::Pelkraft::Client {
 
+namespace {
+
+// Rows of windows and bands that take more are not held.
+constexpr std::int64_t mostRingBytes = std::int64_t{16} << 20;
+// Each thread has the columns below a window for itself, all together no more than these.
+constexpr std::int64_t mostColumnBytes = std::int64_t{4} << 20;
+
+int ThreadsFor(const WindowShape& shape, int threads)
+{
+    const std::int64_t columnBytes = shape.width * std::int64_t{sizeof(std::uint64_t)};
+    return static_cast<int>(
+        std::clamp<std::int64_t>(mostColumnBytes / columnBytes, 1, std::int64_t{threads}));
+}
+
+} // namespace
+
 template <typename Total>
 WindowScan<Total>::WindowScan(const WindowShape& newShape, std::uint32_t newBandRows,
                               int newThreads)
-    : shape(newShape), ringRows(shape.height + newBandRows), threads(newThreads),
-      ring(static_cast<std::size_t>(ringRows * shape.pageWidth)),
-      stripes(static_cast<std::size_t>(threads))
-{}
+    : shape(newShape), bandRows(newBandRows), ringRows(shape.height + bandRows),
+      threads(ThreadsFor(shape, newThreads)), stripes(static_cast<std::size_t>(threads))
+{
+    const std::int64_t rowBytes = shape.pageWidth * std::int64_t{sizeof(Total)};
+    if (shape.height > 0 && ringRows > std::max<std::int64_t>(mostRingBytes / rowBytes, 1)) {
+        ringRows = bandRows;
+        leaving.resize(static_cast<std::size_t>(bandRows * shape.pageWidth));
+    }
+    ring.resize(static_cast<std::size_t>(ringRows * shape.pageWidth));
+}
 
 template <typename Total>
 void WindowScan<Total>::Scan(std::int64_t first, std::int64_t end)
@@ -42,7 +64,8 @@ void WindowScan<Total>::AddRow(Stripe& stripe, std::int64_t start, std::int64_t 
             columns[x] += added[x];
         return;
     }
-    const Total* const left = Row(row - shape.height) + start;
+    const std::int64_t gone = row - shape.height;
+    const Total* const left = (WantsLeaving() ? Leaving(gone) : Row(gone)) + start;
     for (std::size_t x = 0; x < count; ++x)
         columns[x] = columns[x] + added[x] - left[x];
 }

@@ -34,7 +34,8 @@ struct WindowShape
 };
 
 // Moves a window over the rows of a page and keeps the place where its sum is largest. Of the rows
-// it holds as many as the window and a band have. Sums are exact.
+// it holds as many as the window and a band have, or those of a band alone where that is too much:
+// then it wants rows again as they leave the window. Sums are exact.
 template <typename Total>
 class WindowScan
 {
@@ -45,6 +46,14 @@ public:
     Total* Row(std::int64_t row)
     {
         return ring.data() + static_cast<std::size_t>(row % ringRows * shape.pageWidth);
+    }
+
+    // True if it holds no row until it leaves the window.
+    bool WantsLeaving() const { return !leaving.empty(); }
+    // The place for the sums of a row that leaves the window within the band, before it is scanned.
+    Total* Leaving(std::int64_t row)
+    {
+        return leaving.data() + static_cast<std::size_t>(row % bandRows * shape.pageWidth);
     }
 
     // Takes the next rows, from first to end - 1, with all threads.
@@ -64,9 +73,11 @@ private:
     void ScanRow(Stripe& stripe, std::int64_t start, std::int64_t row) const;
 
     WindowShape shape;
+    std::int64_t bandRows;
     std::int64_t ringRows;
     int threads;
     std::vector<Total> ring;
+    std::vector<Total> leaving;
     std::vector<Stripe> stripes;
 };
 

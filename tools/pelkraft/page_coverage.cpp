@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string_view>
 
 namespace zvk::Pelkraft::Client {
@@ -104,14 +105,18 @@ class Counter
 public:
     Counter(const TiffFile& newFile, const CoveragePlan& newPlan, int newThreads)
         : file(newFile), plan(newPlan), planes(file, plan.picture, ChannelsOf(plan)),
-          amounts(AmountsFor<Sample>(plan)), threads(newThreads),
-          bandRows(RowsOfBand(plan.picture.RowBytes(), plan.picture.height)),
+          amounts(AmountsFor<Sample>(plan)), threads(newThreads), bandRows(BandRowsOf(plan)),
           scan(ShapeOrNone(plan), bandRows, threads), parts(static_cast<std::size_t>(threads))
     {
         for (Counted& part : parts) {
             part.inks.resize(plan.inks.size());
             rows.emplace_back(planes);
         }
+        if (!scan.WantsLeaving())
+            return;
+        order.readers = 2;
+        leaving.emplace(file, plan.picture, bandRows, order);
+        uncounted.resize(parts.size(), std::vector<InkAmounts>(plan.inks.size()));
     }
 
     PageCoverage Count(CoverageMap* map, Progress& progress)
@@ -122,13 +127,15 @@ public:
             CountRow(row, y, parts[static_cast<std::size_t>(worker)]);
         };
         const auto endBand = [&](std::uint32_t first, std::uint32_t count) {
+            if (scan.WantsLeaving())
+                ReadLeaving(std::int64_t{first} + count - plan.window->height);
             if (plan.window)
                 scan.Scan(first, std::int64_t{first} + count);
             for (std::uint32_t i = 0; map != nullptr && i < count; ++i)
                 map->AddRow(scan.Row(std::int64_t{first} + i));
             progress.Advance(count);
         };
-        ForEachBand(file, plan.picture, threads, {takeRow, endBand});
+        ForEachBand(file, plan.picture, threads, {takeRow, endBand, bandRows, order});
         return Sum();
     }
 
@@ -139,6 +146,47 @@ private:
         for (const PageInk& ink : plan.inks)
             channels.push_back(static_cast<int>(ink.sample));
         return channels;
+    }
+
+    // Of samples as of sums, which take more than bits do.
+    static std::uint32_t BandRowsOf(const CoveragePlan& plan)
+    {
+        const std::uint32_t height = plan.picture.height;
+        return std::min(RowsOfBand(plan.picture.RowBytes(), height),
+                        RowsOfBand(plan.picture.width * std::int64_t{sizeof(Total)}, height));
+    }
+
+    // Sums the rows up to end once more, from the one where the last band stopped.
+    void ReadLeaving(std::int64_t end)
+    {
+        const std::int64_t count = end - nextLeaving;
+        if (count <= 0)
+            return;
+        leaving->Next(static_cast<std::uint32_t>(count));
+        ShareOutRows(threads, count, plan.picture.RowBytes(),
+                     [&](int worker, std::int64_t begin, std::int64_t stop) {
+                         const auto index = static_cast<std::size_t>(worker);
+                         leaving->Fetch(begin, stop);
+                         for (std::int64_t row = begin; row < stop; ++row) {
+                             rows[index].Take(leaving->Row(row));
+                             Total* const totals = scan.Leaving(nextLeaving + row);
+                             for (std::int64_t x = 0; x < planes.Width(); x += blockPixels)
+                                 SumPiece(rows[index], x, totals, uncounted[index]);
+                         }
+                     });
+        nextLeaving = end;
+    }
+
+    // Answers the pixels of the piece from x on.
+    std::int64_t SumPiece(const SamplePlanes::Row& row, std::int64_t x, Total* totals,
+                          std::vector<InkAmounts>& inks)
+    {
+        const std::int64_t count = std::min<std::int64_t>(blockPixels, planes.Width() - x);
+        std::fill_n(totals + x, count, Total{0});
+        for (int ink = 0; ink < planes.Channels(); ++ink)
+            AddInk(row.Channel<Sample>(ink) + x, count, amounts, totals + x,
+                   inks[static_cast<std::size_t>(ink)]);
+        return count;
     }
 
     static WindowShape ShapeOrNone(const CoveragePlan& plan)
@@ -153,11 +201,7 @@ private:
         const auto threshold = static_cast<Total>(
             std::min<std::uint64_t>(plan.threshold, std::numeric_limits<Total>::max()));
         for (std::int64_t x = 0; x < planes.Width(); x += blockPixels) {
-            const std::int64_t count = std::min<std::int64_t>(blockPixels, planes.Width() - x);
-            std::fill_n(totals + x, count, Total{0});
-            for (int ink = 0; ink < planes.Channels(); ++ink)
-                AddInk(row.Channel<Sample>(ink) + x, count, amounts, totals + x,
-                       counted.inks[static_cast<std::size_t>(ink)]);
+            const std::int64_t count = SumPiece(row, x, totals, counted.inks);
             AddTotals(totals + x, count, x, y, threshold, counted);
         }
     }
@@ -188,6 +232,11 @@ private:
     WindowScan<Total> scan;
     std::vector<Counted> parts;
     std::vector<SamplePlanes::Row> rows;
+    RowOrder order;
+    // Reads the rows that leave the window, where they are not held. Their inks were counted.
+    std::optional<BandReader> leaving;
+    std::int64_t nextLeaving = 0;
+    std::vector<std::vector<InkAmounts>> uncounted;
 };
 
 // Takes a number off the start of rest, of up to nine digits before the point and three after it.

@@ -107,6 +107,30 @@ def test_windows_of_any_size_are_as_large_as_the_page_at_most(tmp_path, run, win
     assert found_of(page) == naive(samples, 255, 300, *totals)
 
 
+@pytest.mark.parametrize("form", [{}, {"compression": "zlib", "rowsperstrip": 2400},
+                                  {"compression": "zlib", "rowsperstrip": 100},
+                                  {"tile": (256, 512)}])
+def test_windows_of_many_rows_are_counted_too(tmp_path, run, form):
+    """Their rows are not held, but read again as they leave the window."""
+    rows, columns = 2400, 5000
+    samples = random_samples(7, (rows, columns), 8)
+    # The most ink is at the lower right, so that no window at a border wins.
+    samples[1700:2390, 2500:4900] |= 3
+    tifffile.imwrite(tmp_path / "in.tif", samples, photometric="miniswhite", metadata=None, **form)
+    sums = numpy.zeros((rows + 1, columns + 1), numpy.int64)
+    sums[1:, 1:] = samples.cumsum(axis=0, dtype=numpy.int64).cumsum(axis=1)
+    for side in 2000, 2399:
+        windows = sums[side:, side:] - sums[:-side, side:] - sums[side:, :-side] + \
+            sums[:-side, :-side]
+        y, x = divmod(int(windows.argmax()), windows.shape[1])
+        for threads in 1, 3:
+            (page,) = run("coverage", "in.tif", "--json", "--window", f"{side}px", "--threads",
+                          threads).json["pages"]
+            assert found_of(page)["window"] == (int(windows.max()), x, y)
+            # Nothing counts twice.
+            assert found_of(page)["sums"] == [int(samples.sum(dtype=numpy.int64))]
+
+
 def test_a_page_of_many_bands_is_one_page(tmp_path, run):
     """Rows of 400 KB: a dozen of them make a band."""
     samples = numpy.zeros((40, 100000, 4), numpy.uint8)
