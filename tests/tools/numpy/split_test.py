@@ -49,17 +49,30 @@ def test_a_plate_is_dark_where_its_ink_is(tmp_path, succeed, bits, form):
             assert numpy.array_equal(plate.asarray(), (1 << bits) - 1 - samples[..., channel])
 
 
-def join_and_split(tmp_path, succeed, plates, naming, compression):
+def join(tmp_path, run, output, *arguments):
+    """Joins plates. Names that differ in their case alone are told, and nothing else is."""
+    outcome = run("join", output, *arguments)
+    names = read_inks(tmp_path / output, with_samples=False)[0].names
+    twins = [name for number, name in enumerate(names)
+             if name.upper() in (before.upper() for before in names[:number])]
+    told = [line.split(": warning: ") for line in outcome.errors.splitlines()]
+    assert [words for _, words in told] == [
+        f'more than one ink of the new page is named "{name}"; whoever goes by names takes the '
+        "first" for name in twins]
+    assert all(where.startswith("pelkraft: ") for where, _ in told)
+    assert (outcome.code, outcome.output) == (0, "")
+
+
+def join_and_split(tmp_path, run, succeed, plates, naming, compression):
     """A page made by join is the same file after split and join."""
-    # Some names differ in their case alone, of which join warns.
-    succeed("join", "page.tif", *plates, "--compress", compression, "-q")
+    join(tmp_path, run, "page.tif", *plates, "--compress", compression)
     (tmp_path / "split").mkdir()
     succeed("split", "page.tif", "split/part", "--naming", naming)
     parts = plates_in(tmp_path / "split")
     assert len(parts) == len(plates)
     names = [os.path.basename(part).upper() for part in parts]
     assert len(set(names)) == len(names)
-    succeed("join", "again.tif", *parts, "--order", order_of(tmp_path / "page.tif"), "-q")
+    join(tmp_path, run, "again.tif", *parts, "--order", order_of(tmp_path / "page.tif"))
     assert (tmp_path / "again.tif").read_bytes() == (tmp_path / "page.tif").read_bytes()
 
 
@@ -72,7 +85,7 @@ def order_of(path):
 @pytest.mark.parametrize("compression", ["none", "lzw", "zip"])
 @pytest.mark.parametrize("bits", [1, 8, 16])
 @pytest.mark.parametrize("seed", [1, 2])
-def test_join_gives_its_bytes_again(tmp_path, succeed, seed, bits, compression, naming):
+def test_join_gives_its_bytes_again(tmp_path, run, succeed, seed, bits, compression, naming):
     chance = random.Random(f"{seed} {bits} {compression} {naming}")
     inks = chance.sample(HOSTILE[:20] + INKS, chance.randint(1, 8))
     shape = (chance.randint(1, 60), chance.randint(1, 90))
@@ -88,11 +101,11 @@ def test_join_gives_its_bytes_again(tmp_path, succeed, seed, bits, compression, 
         name = f"plain{number}(" + "".join(f"%{byte:02X}" for byte in ink.encode()) + ").tif"
         (tmp_path / f"{number}.tif").rename(tmp_path / name)
         plates.append(name)
-    join_and_split(tmp_path, succeed, plates, naming, compression)
+    join_and_split(tmp_path, run, succeed, plates, naming, compression)
 
 
 @pytest.mark.parametrize("naming", ["gs", "dot"])
-def test_no_name_leaves_the_folder_and_no_two_are_equal(tmp_path, succeed, naming):
+def test_no_name_leaves_the_folder_and_no_two_are_equal(tmp_path, run, succeed, naming):
     (tmp_path / "split").mkdir()
     samples = page_of(tmp_path, inks=HOSTILE, shape=(7, 11))
     before = sorted(os.listdir(tmp_path))
@@ -104,7 +117,7 @@ def test_no_name_leaves_the_folder_and_no_two_are_equal(tmp_path, succeed, namin
         name = os.path.basename(part)
         assert name.isascii() and name.isprintable() and len(name) < 256
         assert not set(name) & set("/\\:*?\"<>|")
-    succeed("join", "out.tif", *parts, "-q")
+    join(tmp_path, run, "out.tif", *parts)
     (page,) = read_inks(tmp_path / "out.tif")
     assert sorted(page.names) == sorted(HOSTILE)
     for channel, ink in enumerate(HOSTILE):
