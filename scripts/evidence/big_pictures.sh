@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sends pictures of 100,000 x 2,000 pixels and 8 channels through the program, of 1.6 and 3.2 GB,
 # holds its memory to 64 MiB and 4 rows for each thread, and checks every sample of what comes out.
-# Needs 7 GB below TMPDIR. The sample has 160 rows, and is what scripts/test.sh runs anyway.
+# Needs 9 GB below TMPDIR. The sample has 160 rows, and is what scripts/test.sh runs anyway.
 #   big_pictures.sh whole|sample
 set -euo pipefail
 cd "$(dirname "$0")/../.."
