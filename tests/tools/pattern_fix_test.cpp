@@ -155,6 +155,24 @@ TEST(PatternFix, LeavesNamesWhole)
                   .kind);
 }
 
+// A file that is no pattern ends in time, and without a call for each keyword.
+TEST(PatternFix, PartsNoMoreThanAnAuthorGlues)
+{
+    std::string keywords = "DotWeavePattern VERSION 2 ";
+    std::string words = keywords;
+    for (int i = 0; i < 100000; ++i)
+        keywords += "END_INKS";
+    for (int i = 0; i < 80000; ++i)
+        words += "BEGIN_INKSx ";
+    for (const std::string& bytes : {keywords, words}) {
+        const PatternText text("text", bytes);
+        const PatternReport report(text);
+        for (const Finding& finding : report.findings)
+            EXPECT_NE("keyword-glued", finding.kind);
+        EXPECT_FALSE(report.findings.empty());
+    }
+}
+
 // One letter parts the words for the list and for a block, and a wrong letter may stand for both.
 TEST(PatternFix, TellsTheListOfInColoursFromABlock)
 {

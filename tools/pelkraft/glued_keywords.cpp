@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -15,6 +16,9 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr std::string_view whiteSpace = " \t\r\n";
+// A file that is no pattern has words of any length, and no author glues so many.
+constexpr std::size_t longestWord = 256;
+constexpr std::size_t mostParted = 10000;
 constexpr std::string_view versionKeyword = "VERSION";
 // No name looks like these. A longer one stands ahead of one that it begins with.
 constexpr std::string_view plainKeywords[] = {"BEGIN_OUT_INKS", "END_OUT_INKS",   "BEGIN_IN_COLORS",
@@ -54,6 +58,7 @@ private:
             parted.push_back(token);
             return;
         }
+        ++partedCount;
         Tell(token, *parts);
         Take(Piece(token.place.offset, parts->cut));
         Take(Piece(token.place.offset + parts->cut, token.place.length - parts->cut));
@@ -72,9 +77,11 @@ private:
         return piece;
     }
 
-    std::optional<Parts> FindParts(const PatternToken& token) const
+    std::optional<Parts> FindParts(const PatternToken& token)
     {
-        if (token.openQuote || KeywordInAnyCase(token.text) != nullptr)
+        const bool isPlain = token.openQuote || token.place.length > longestWord ||
+                             partedCount >= mostParted || KeywordInAnyCase(token.text) != nullptr;
+        if (isPlain)
             return std::nullopt;
         if (const auto parts = PartsAtStart(token))
             return parts;
@@ -85,7 +92,7 @@ private:
         return std::nullopt;
     }
 
-    std::optional<Parts> PartsAtStart(const PatternToken& token) const
+    std::optional<Parts> PartsAtStart(const PatternToken& token)
     {
         const std::string_view bytes = BytesOf(token);
         if (parted.empty() && bytes.starts_with(patternHeader))
@@ -95,16 +102,15 @@ private:
             bytes.starts_with(versionKeyword) && IsNumber(bytes.substr(versionKeyword.size()));
         if (followsHeader && isVersion)
             return Parts{versionKeyword, versionKeyword.size()};
-        // A letter too many is a slip, unless it stands for something.
-        const bool isSlip = !NearestKeywords(token.text).empty();
         std::optional<Parts> found;
         for (const std::string_view keyword : plainKeywords) {
             const std::size_t cut = EndOfKeyword(bytes, keyword);
             if (cut == 0 || !IsWord(bytes.substr(cut)))
                 continue;
-            // BEGIN_IN_COLORSky is about Sky if the text speaks of it.
-            const bool isOther = IsOtherToken(bytes.substr(cut));
-            if (isOther || (!found && (!isSlip || IsNumber(bytes.substr(cut)))))
+            // BEGIN_IN_COLORSky is about Sky if the text speaks of it, and a letter too many is a
+            // slip unless it stands for something.
+            const std::string_view rest = bytes.substr(cut);
+            if (IsOtherToken(rest) || (!found && (IsNumber(rest) || !IsSlip(token))))
                 found = Parts{keyword, cut};
         }
         return found;
@@ -128,17 +134,19 @@ private:
     // Not all bytes make a word by themselves: a comment begins with #, and a quote has an end.
     static bool IsWord(std::string_view bytes)
     {
-        const std::vector<PatternToken> words = CutTokens(bytes, patternComment);
-        return words.size() == 1 && words.front().place.length == bytes.size() &&
-               !words.front().openQuote;
+        const std::vector<PatternToken> cut = CutTokens(bytes, patternComment);
+        return cut.size() == 1 && cut.front().place.length == bytes.size() &&
+               !cut.front().openQuote;
     }
 
-    bool IsOtherToken(std::string_view word) const
+    static bool IsSlip(const PatternToken& token) { return !NearestKeywords(token.text).empty(); }
+
+    bool IsOtherToken(std::string_view word)
     {
-        const std::string upper = UpperCase(std::string(word));
-        return std::any_of(tokens.begin(), tokens.end(), [&](const PatternToken& token) {
-            return UpperCase(token.text) == upper;
-        });
+        if (words.empty())
+            for (const PatternToken& token : tokens)
+                words.insert(UpperCase(token.text));
+        return words.count(UpperCase(std::string(word))) != 0;
     }
 
     // A name that is listed and then used is one, whatever it looks like.
@@ -177,7 +185,10 @@ private:
     const std::vector<PatternToken>& tokens;
     Findings& findings;
     std::vector<PatternToken> parted;
-    // As the library reads the text; only where a word is in doubt.
+    std::size_t partedCount = 0;
+    // Both are made for the first word that is in doubt: all words of the text, and the text by the
+    // rules of the library.
+    std::set<std::string> words;
     std::optional<PatternOutline> outline;
 };
 

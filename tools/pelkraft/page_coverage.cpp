@@ -148,7 +148,7 @@ private:
         return channels;
     }
 
-    // Of samples as of sums, which take more than bits do.
+    // Sums take more than bits do, and are counted too.
     static std::uint32_t BandRowsOf(const CoveragePlan& plan)
     {
         const std::uint32_t height = plan.picture.height;
