@@ -13,7 +13,7 @@ struct Channel
     // Empty where neither a tag nor the photometric kind gives it a name.
     std::string name;
     // A second name that finds it, or none.
-    std::string otherName;
+    std::string otherName = {};
     // Beyond the colour channels: what the extra-sample tag says of it, 0 for nothing.
     bool extra = false;
     std::uint16_t extraKind = 0;
