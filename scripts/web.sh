@@ -3,6 +3,7 @@
 #   web.sh [PORT]    builds and serves, at http://127.0.0.1:8321/ if no other port is named
 #   web.sh --build   only builds, and says how large the page is
 #   web.sh --test    builds, and runs all tests of the page, beside the program and in Chromium
+#   web.sh --measure builds, and measures the page in Chromium; the machine must do nothing else
 # It installs what is missing. The folder can be put on any server of files as it is.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -12,7 +13,7 @@ page=build/web
 engine_page=build/web-engine
 port=8321
 case "${1:-}" in
---build | --test | "") ;;
+--build | --test | --measure | "") ;;
 *[!0-9]*)
     sed -n 's/^#   web.sh/usage: bash scripts\/web.sh/p' "$0" >&2
     exit 2
@@ -45,15 +46,20 @@ build_program() {
     quietly cmake --build build/release --target pelkraft_tool
 }
 
-run_tests() {
+# Chromium, and a page that has the engine and nothing else.
+prepare_browser() {
     bash scripts/setup.sh web_test
-    build_program
     node web/page/tests/engine/build_engine_page.mjs "$modules" "$engine_page"
+    PELKRAFT_CHROMIUM=$(command -v chromium)
+    export PELKRAFT_CHROMIUM
+}
+
+run_tests() {
+    prepare_browser
+    build_program
     export PELKRAFT_MODULES=$PWD/$modules PELKRAFT_WEB=$PWD/$page
     export PELKRAFT_ENGINE_PAGE=$PWD/$engine_page
     export PELKRAFT_PROGRAM=$PWD/build/release/tools/pelkraft/pelkraft
-    PELKRAFT_CHROMIUM=$(command -v chromium)
-    export PELKRAFT_CHROMIUM
     node --test web/page/tests/*.test.js web/page/tests/engine/*.test.js
 }
 
@@ -61,5 +67,9 @@ build
 case "${1:-}" in
 --build) ;;
 --test) run_tests ;;
+--measure)
+    prepare_browser
+    node web/page/measure.mjs "$page" "$engine_page"
+    ;;
 *) exec node web/page/serve.mjs "$page" "$port" ;;
 esac

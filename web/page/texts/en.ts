@@ -352,6 +352,9 @@ export const engineTexts = {
         `The part has ${grouped(width)} × ${grouped(height)} pixels of ${inks} inks, which are ` +
         `${grouped(width * height * inks)} dots; this page shows up to ${grouped(most)} at once. ` +
         "Choose a smaller one.",
+    tooManyPixels: (width: number, height: number, most: number) =>
+        `The part has ${grouped(width)} × ${grouped(height)} pixels; this page shows up to ` +
+        `${grouped(most)} at once. Choose a smaller one.`,
     badSize: (width: number, height: number) =>
         `A picture can't have ${width} × ${height} pixels; at least one each way is needed.`,
     badWindow: "The part lies outside the picture.",

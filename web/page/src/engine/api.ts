@@ -252,7 +252,7 @@ export interface PreviewImage {
     readonly width: number;
     readonly height: number;
     /** Opaque, ready for ImageData. */
-    readonly rgba: Uint8ClampedArray;
+    readonly rgba: Uint8ClampedArray<ArrayBuffer>;
     readonly warnings: readonly string[];
 }
 

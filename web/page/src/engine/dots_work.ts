@@ -221,6 +221,10 @@ export async function preview(
     try {
         const { slice, facts, width } = await start(module, job, loadMask);
         const { shownWidth, shownHeight } = shownSize(width, slice.rows, looks.longestSide);
+        if (shownWidth * shownHeight > limits.shownPixels) {
+            throw new Refusal(
+                engineTexts.tooManyPixels(shownWidth, shownHeight, limits.shownPixels));
+        }
         beginPreview(module, looks, facts.inks, [width, slice.rows, shownWidth, shownHeight]);
         const rgba = new Uint8ClampedArray(shownWidth * shownHeight * 4);
         let filled = 0;

@@ -10,7 +10,9 @@ export const limits = {
     /** A file with a picture. */
     fileBytes: 48 * mebi,
     /** All samples of a picture. */
-    pictureBytes: 48 * mebi,
+    pictureBytes: 24 * mebi,
     /** Dots that are shown at once. */
-    dots: 48 * mebi,
+    dots: 32 * mebi,
+    /** Pixels that are shown or saved at once, four bytes each. */
+    shownPixels: 6 * mebi,
 } as const;

@@ -65,8 +65,7 @@ export class DotsViewer {
         const { scrollLeft, scrollTop } = this.#scroller;
         this.#canvas.width = image.width;
         this.#canvas.height = image.height;
-        const data = new ImageData(image.width, image.height);
-        data.data.set(image.rgba);
+        const data = new ImageData(image.rgba, image.width, image.height);
         this.#canvas.getContext("2d")!.putImageData(data, 0, 0);
         this.#canvas.setAttribute("aria-label", label);
         styled(this.#canvas, {

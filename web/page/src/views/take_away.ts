@@ -142,8 +142,7 @@ export class TakeAwayView {
             return null;
         }
         const canvas = h("canvas", { width: image.width, height: image.height });
-        const data = new ImageData(image.width, image.height);
-        data.data.set(image.rgba);
+        const data = new ImageData(image.rgba, image.width, image.height);
         canvas.getContext("2d")!.putImageData(data, 0, 0);
         const blob = await new Promise<Blob | null>((done) => canvas.toBlob(done, "image/png"));
         if (blob === null) {

@@ -10,7 +10,7 @@ import { writeTiff } from "./naive_tiff.js";
 import { base64, digest, example, program, runProgram, withEngine } from "./support.js";
 
 const mebi = 1 << 20;
-const large = { kind: "ramp", width: 2800, height: 2800 };
+const large = { kind: "ramp", width: 2300, height: 2300 };
 
 test("of requests that wait the newest of its kind and slot is served", async () => {
     await withEngine(async (page) => {
@@ -136,14 +136,14 @@ test("memory stays within its budget", async () => {
         }, [example("six_ink"), large]);
         const afterDots = await heap();
         assert.ok(afterDots <= 16 * mebi, `${afterDots} bytes`);
-        // 48 MiB of samples, the largest picture.
-        const [width, height] = [4096, 3072];
+        // 24 MiB of samples, the largest picture.
+        const [width, height] = [3072, 2048];
         const png = writePng(width, height, 3, Buffer.alloc(width * height * 3, 7));
         const read = await page.evaluate(async (letters) => {
             const picture = await engine.readPicture(fromBase64(letters));
             return picture.samples.length;
         }, base64(png));
-        assert.equal(read, 48 * mebi);
+        assert.equal(read, 24 * mebi);
         const again = await page.evaluate(async ([text, count]) => {
             for (let index = 0; index < count; ++index) {
                 await engine.preview({ text: `${text}\n# ${index}`,
