@@ -1,6 +1,20 @@
 # shellcheck shell=bash disable=SC2154
-# Sourced by scripts that build Debian's source packages for another system: they set `work` to a
-# folder, call prepare_sources, then unpack for each package.
+# Sourced by scripts that build Debian's source packages for another system: they call
+# begin_libraries, then unpack for each package, and end_libraries.
+
+# begin_libraries NAME: what is built goes to $prefix, build/NAME-libraries/, and sources to $work.
+# It ends the script where all has been built before.
+begin_libraries() {
+    prefix=$PWD/build/$1-libraries
+    work=$PWD/build/$1-sources
+    licences=$prefix/licences
+    [ ! -e "$prefix/complete" ] || exit 0
+    rm -rf "$prefix" "$work"
+    mkdir -p "$prefix"
+    prepare_sources
+}
+
+end_libraries() { touch "$prefix/complete"; }
 
 quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2 && return 1; }; }
 

@@ -4,19 +4,12 @@
 # they keep none, LZW, deflate and PackBits, which need no other library.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
-prefix=$PWD/build/page-libraries
-work=$PWD/build/page-sources
-[ ! -e "$prefix/complete" ] || exit 0
-
-rm -rf "$prefix" "$work"
-mkdir -p "$prefix"
-licences=$prefix/licences
 # shellcheck source=scripts/platforms/debian_sources.sh
 source scripts/platforms/debian_sources.sh
+begin_libraries page
 
 small=(-Oz -DNDEBUG)
 
-prepare_sources
 mkdir -p "$prefix"/{include,lib}
 
 # Its rules for CMake name a file that Debian leaves out.
@@ -41,4 +34,4 @@ quietly cmake --build "$work/tiff-build" --target tiff
 cp "$work/tiff/libtiff"/{tiff,tiffio,tiffvers}.h "$work/tiff-build/libtiff/tiffconf.h" \
     "$prefix/include/"
 cp "$work/tiff-build/libtiff/libtiff.a" "$prefix/lib/"
-touch "$prefix/complete"
+end_libraries

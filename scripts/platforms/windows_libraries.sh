@@ -8,16 +8,10 @@
 # can't do inside a DLL, and because nobody else shares them.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
-prefix=$PWD/build/windows-libraries
-work=$PWD/build/windows-sources
-[ ! -e "$prefix/complete" ] || exit 0
-
-rm -rf "$prefix" "$work"
-mkdir -p "$prefix"/{include,share/cmake}
-
-licences=$prefix/licences
 # shellcheck source=scripts/platforms/debian_sources.sh
 source scripts/platforms/debian_sources.sh
+begin_libraries windows
+mkdir -p "$prefix"/{include,share/cmake}
 
 # build NAME FLAG...: by CMake, with the flags.
 build() {
@@ -31,7 +25,6 @@ build() {
     quietly cmake --install "$work/$name-build"
 }
 
-prepare_sources
 # The decoder gives the same samples with and without its vector code, which wants an assembler.
 build libjpeg-turbo -DENABLE_SHARED=OFF -DWITH_SIMD=OFF -DWITH_TURBOJPEG=OFF
 build libpng1.6 -DPNG_SHARED=OFF -DPNG_TESTS=OFF
@@ -49,4 +42,4 @@ cp -r /usr/share/cmake/CLI11 /usr/share/cmake/nlohmann_json "$prefix/share/cmake
 for package in libz-mingw-w64-dev libcli11-dev nlohmann-json3-dev; do
     cp "/usr/share/doc/$package/copyright" "$prefix/licences/$package"
 done
-touch "$prefix/complete"
+end_libraries
