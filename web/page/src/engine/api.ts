@@ -7,6 +7,13 @@
  * Whatever is refused is an EngineFailure, whose message is a sentence for the author.
  */
 
+import type {
+    Alternative as PlainAlternative, Finding as PlainFinding, InColor as PlainInColour, PatternReport,
+    Use,
+} from "../../../src/reports.js";
+
+export type { Use };
+
 export interface Place {
     readonly from: number;
     readonly to: number;
@@ -21,16 +28,10 @@ export interface Edit {
     readonly insert: string;
 }
 
-export type Severity = "note" | "warning" | "error";
+export type Severity = PlainFinding["severity"];
 
-export interface Finding {
-    readonly severity: Severity;
-    /** Short words joined by dashes, the same for the same kind of finding. */
-    readonly kind: string;
+export interface Finding extends Pick<PlainFinding, "severity" | "kind" | "message" | "hint"> {
     readonly place: Place;
-    readonly message: string;
-    /** A sentence about what to do, or empty. */
-    readonly hint: string;
     /** There is one where it is certainly what the author meant. */
     readonly fix: Edit | null;
 }
@@ -47,14 +48,7 @@ export interface InkShares {
     readonly values: readonly ({ readonly value: number } & Expected)[];
 }
 
-export interface Alternative {
-    readonly weight: number;
-    readonly probability: number;
-    readonly values: readonly {
-        readonly position: number;
-        readonly ink: string | null;
-        readonly value: number;
-    }[];
+export interface Alternative extends PlainAlternative {
     /** The entry in the value line, or null where the step has no line. */
     readonly place: Place | null;
 }
@@ -72,21 +66,13 @@ export interface Step {
     readonly meanInk: Expected;
 }
 
-export interface Use {
-    readonly used: number;
-    readonly limit: number;
-}
-
-export interface InColour {
-    readonly name: string;
+export interface InColour extends Pick<PlainInColour, "name" | "topStep" | "combinations"> {
     /** Its name in the list of in-colours. */
     readonly place: Place | null;
     /** Its name in the block that describes it, if there is one. */
     readonly blockPlace: Place | null;
-    readonly topStep: number | null;
     /** The out-inks by position, with the places of their names in the block. */
     readonly feeds: readonly { readonly ink: string | null; readonly place: Place | null }[];
-    readonly combinations: Use;
     readonly steps: readonly Step[];
 }
 
@@ -103,27 +89,9 @@ export interface OutInk {
     readonly strength: number;
 }
 
-export interface Reading {
-    readonly version: {
-        readonly parser: number;
-        readonly check: number | null;
-        readonly generation: number;
-    };
-    readonly seed: number;
+export interface Reading extends Pick<PatternReport, "version" | "seed" | "limits" | "engines"> {
     readonly inColours: readonly InColour[];
     readonly outInks: readonly OutInk[];
-    readonly limits: {
-        readonly combinations: Use;
-        readonly obstacle?: string;
-        readonly places?: Use & { readonly combination: number };
-        readonly commonDenominator?: number;
-        readonly fieldEntries?: number;
-    };
-    readonly engines: readonly {
-        readonly name: string;
-        readonly loads: boolean;
-        readonly refusal: string | null;
-    }[];
     readonly counts: {
         readonly errors: number;
         readonly warnings: number;
