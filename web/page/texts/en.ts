@@ -235,8 +235,9 @@ END_IN_COLOR
         patches: "Patches",
         own: "Own picture",
         file: "PNG, JPEG or TIFF",
-        noPicture: "No picture is chosen yet. Choose a PNG, JPEG or TIFF file in the view Dots, or "
-            + "drop one there. An RGB picture becomes C, M, Y = 255 − R, G, B and K = 0.",
+        noPicture: "No picture is chosen yet. Choose a PNG, JPEG or TIFF file above, or drop one here. "
+            + "An RGB picture becomes C, M, Y = 255 − R, G, B and K = 0.",
+        noPictureElsewhere: "No picture is chosen yet. Choose one in the view Dots.",
         zoom: "Size of a dot",
         shown: "Show",
         allInks: "All inks in print",

@@ -32,7 +32,7 @@ export class DotsPane {
         const chosen = settings.get();
         const picture = pictureOf(chosen);
         if (picture === null) {
-            this.viewer.clear(words.noPicture);
+            this.viewer.clear(this.#slot === "" ? words.noPicture : words.noPictureElsewhere);
             return null;
         }
         this.viewer.setSize(picture.width, picture.height, chosen.zoom);

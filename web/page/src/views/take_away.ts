@@ -101,7 +101,7 @@ export class TakeAwayView {
         const chosen = settings.get();
         const picture = pictureOf(chosen);
         if (picture === null) {
-            announce(this.#said, en.dots.noPicture);
+            announce(this.#said, en.dots.noPictureElsewhere);
             return null;
         }
         return "kind" in picture ? this.#workbench.ask(this.#workbench.engine.builtIn(
