@@ -1,3 +1,5 @@
+import { afterPause } from "./dom.js";
+
 /** A value that tells of its changes. */
 export class Value<T> {
     #value: T;
@@ -26,4 +28,17 @@ export class Value<T> {
         this.#listeners.push(listener);
         listener(this.#value);
     }
+}
+
+/**
+ * Runs a function soon after some values have changed, once for all of them; the answer is how others
+ * ask for it.
+ */
+export function followSoon(milliseconds: number, run: () => void,
+    ...values: readonly { follow(listener: () => void): void }[]): () => void {
+    const soon = afterPause(milliseconds, run);
+    for (const value of values) {
+        value.follow(soon);
+    }
+    return soon;
 }

@@ -1,4 +1,4 @@
-import { afterPause, h } from "../dom.js";
+import { h } from "../dom.js";
 import { PatternEditor } from "../editor/pattern_editor.js";
 import type { Difference, Differences } from "../engine/index.js";
 import { examples, type ExampleName } from "../examples.js";
@@ -6,6 +6,7 @@ import { fileButton } from "../files.js";
 import { morphChildren } from "../morph.js";
 import { change, settings } from "../settings.js";
 import { en } from "../../texts/en.js";
+import { followSoon } from "../value.js";
 import type { Workbench } from "../workbench.js";
 import { showFields, zoomField } from "./dots_controls.js";
 import { DotsPane } from "./dots_pane.js";
@@ -29,11 +30,9 @@ export class CompareView {
         this.#other = new PatternEditor(words.editor, workbench.text.get());
         this.#left = new DotsPane(workbench, words.dotsOfThis, "left");
         this.#right = new DotsPane(workbench, words.dotsOfOther, "right");
-        const soon = afterPause(150, () => void this.#show());
+        const soon = followSoon(150, () => void this.#show(), workbench.reading, settings);
         this.#soon = soon;
         this.#other.onChange = soon;
-        workbench.reading.follow(soon);
-        settings.follow(soon);
         this.#left.viewer.follow(this.#right.viewer, soon);
         this.#right.viewer.follow(this.#left.viewer, soon);
         this.element.append(h("p", { class: "lead" }, words.lead), this.#choice(),

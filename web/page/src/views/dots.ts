@@ -1,8 +1,9 @@
-import { afterPause, h, refill } from "../dom.js";
+import { h, refill } from "../dom.js";
 import type { Dots } from "../engine/index.js";
 import { percent, rounded } from "../numbers.js";
 import { jobOf, settings } from "../settings.js";
 import { en } from "../../texts/en.js";
+import { followSoon } from "../value.js";
 import type { Workbench } from "../workbench.js";
 import { DotsControls } from "./dots_controls.js";
 import { DotsPane } from "./dots_pane.js";
@@ -28,10 +29,8 @@ export class DotsView {
         this.#pane = new DotsPane(workbench, words.viewer);
         this.element = h("div", { class: "dots" }, this.#controls.element, this.#pane.viewer.element,
             this.#warnings, this.#details);
-        const soon = afterPause(16, () => void this.#show());
+        const soon = followSoon(16, () => void this.#show(), workbench.reading, settings);
         this.#pane.viewer.onMove = soon;
-        workbench.reading.follow(soon);
-        settings.follow(soon);
         this.#details.addEventListener("toggle", soon);
         this.element.addEventListener("dragover", (event) => event.preventDefault());
         this.element.addEventListener("drop", (event) => this.#dropped(event));

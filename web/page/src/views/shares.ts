@@ -1,9 +1,10 @@
-import { afterPause, h } from "../dom.js";
+import { h } from "../dom.js";
 import { lineAt } from "../editor/explanations.js";
 import type { PatternEditor } from "../editor/pattern_editor.js";
 import type { InColour } from "../engine/index.js";
 import { morphChildren } from "../morph.js";
 import { en } from "../../texts/en.js";
+import { followSoon } from "../value.js";
 import type { Workbench } from "../workbench.js";
 import { inkCurve, spectrumCurve } from "./curves.js";
 import { looksOf } from "./looks.js";
@@ -20,9 +21,7 @@ export class SharesView {
     constructor(workbench: Workbench, editor: PatternEditor) {
         this.#workbench = workbench;
         this.#editor = editor;
-        const soon = afterPause(0, () => this.#show());
-        workbench.reading.follow(soon);
-        workbench.plot.follow(soon);
+        followSoon(0, () => this.#show(), workbench.reading, workbench.plot);
         workbench.cursor.follow(() => this.#markCurrent());
         this.element.addEventListener("click", (event) => this.#goToLine(event));
     }

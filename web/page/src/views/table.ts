@@ -1,4 +1,4 @@
-import { afterPause, announce, h } from "../dom.js";
+import { announce, h } from "../dom.js";
 import { lineAt } from "../editor/explanations.js";
 import type { PatternEditor } from "../editor/pattern_editor.js";
 import type { Edit } from "../engine/index.js";
@@ -8,6 +8,7 @@ import * as edits from "../pattern/edits.js";
 import { inksOf, type Block, type ValueLine } from "../pattern/structure.js";
 import { cutWords, sameName } from "../pattern/words.js";
 import { en } from "../../texts/en.js";
+import { followSoon } from "../value.js";
 import { mostCharacters, type Workbench } from "../workbench.js";
 import { looksOf, swatch } from "./looks.js";
 import { keepFocus } from "./table_focus.js";
@@ -44,10 +45,7 @@ export class PatternTable {
             words[which]);
         this.element = h("div", { class: "table-view" },
             h("div", { class: "row history" }, turn("undo"), turn("redo"), this.#said), this.#table);
-        const soon = afterPause(0, () => this.#show());
-        workbench.structure.follow(soon);
-        workbench.reading.follow(soon);
-        workbench.cursor.follow(soon);
+        followSoon(0, () => this.#show(), workbench.structure, workbench.reading, workbench.cursor);
         this.#table.addEventListener("change", (event) => this.#changed(event));
         this.#table.addEventListener("click", (event) => this.#clicked(event));
         this.#table.addEventListener("submit", (event) => this.#submitted(event));

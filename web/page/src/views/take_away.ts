@@ -1,9 +1,10 @@
-import { afterPause, announce, h } from "../dom.js";
+import { announce, h } from "../dom.js";
 import { commandOf, type Picture } from "../engine/index.js";
 import { copy, save } from "../files.js";
 import { encodeLink } from "../links.js";
 import { pictureOf, previewOf, settings } from "../settings.js";
 import { en } from "../../texts/en.js";
+import { followSoon } from "../value.js";
 import type { Workbench } from "../workbench.js";
 
 const words = en.take;
@@ -25,9 +26,7 @@ export class TakeAwayView {
 
     constructor(workbench: Workbench) {
         this.#workbench = workbench;
-        const soon = afterPause(150, () => this.#show());
-        workbench.text.follow(soon);
-        settings.follow(soon);
+        followSoon(150, () => this.#show(), workbench.text, settings);
         this.element = h("div", { class: "take" }, this.#linkSection(),
             this.#commandSection(), this.#fileSection(), this.#said);
     }
