@@ -7,7 +7,7 @@
 namespace zvk::Pelkraft::TestSupport {
 
 // Takes a spec, two views and a place of the page from any bytes. The spec must be accepted or
-// refused as the header says, and rows be refused or dithered as the naive reference does it. Gives
+// refused by its own numbers, and rows be refused or dithered as the naive reference does it. Gives
 // what is wrong, or nothing.
 std::string CheckAnyDither(const std::uint8_t* bytes, std::size_t count);
 
