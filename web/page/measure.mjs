@@ -1,6 +1,6 @@
 // Measures the built page in Chromium, and prints a table in Markdown:
 //   node web/page/measure.mjs PAGE ENGINE_PAGE
-// PELKRAFT_CHROMIUM names the browser. Figures say something only while the machine does nothing else.
+// PELKRAFT_CHROMIUM names the browser. Figures count only while the machine does nothing else.
 import { readFileSync, mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { dirname, join } from "node:path";
@@ -18,7 +18,9 @@ const pause = 150;
 async function launch() {
     return chromium.launch({
         executablePath: process.env.PELKRAFT_CHROMIUM ?? "/usr/bin/chromium",
-        args: ["--no-sandbox", "--disable-gpu", "--no-first-run", "--disable-background-networking"],
+        args: [
+            "--no-sandbox", "--disable-gpu", "--no-first-run", "--disable-background-networking",
+        ],
     });
 }
 
@@ -33,7 +35,7 @@ function milliseconds(what, times, most) {
         `${most} ms`];
 }
 
-/** Opens the page in a context that has never seen it, and waits until the first findings are there. */
+/** Opens the page in a context that has never seen it, and waits for the first findings. */
 async function openFresh(browser, address) {
     const context = await browser.newContext({ viewport: { width: 1440, height: 900 } });
     const page = await context.newPage();
@@ -68,10 +70,12 @@ async function timesToInteract(browser, address) {
     return times;
 }
 
-/** Presses a key that brings a finding, or one that takes it away, and counts from the pause's end. */
+/** Presses a key that brings a finding or takes it away, and counts from the end of the pause. */
 async function timesToFindings(browser, address) {
     const page = await openFresh(browser, address);
-    await page.evaluate((text) => document.querySelector("pattern-editor").replaceText(text), pattern);
+    await page.evaluate((text) => {
+        document.querySelector("pattern-editor").replaceText(text);
+    }, pattern);
     await page.locator("pattern-editor .cm-content").focus();
     await page.keyboard.press("Control+End");
     const times = [];

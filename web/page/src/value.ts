@@ -31,8 +31,8 @@ export class Value<T> {
 }
 
 /**
- * Runs a function soon after some values have changed, once for all of them; the answer is how others
- * ask for it.
+ * Runs a function soon after some values have changed, once for all of them. Others ask for it by
+ * what is answered.
  */
 export function followSoon(milliseconds: number, run: () => void,
     ...values: readonly { follow(listener: () => void): void }[]): () => void {

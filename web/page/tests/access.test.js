@@ -106,8 +106,9 @@ test("for everyone", async (all) => {
             // Signs that have no room for a word are explained in a sentence.
             const [, explained = ""] =
                 /The signs (.*) remove what they stand at\./.exec(await panel.innerText()) ?? [];
-            const signs = await panel.locator("button").filter({ visible: true }).evaluateAll((all) =>
-                all.map((one) => [one.innerText.trim(), one.getAttribute("aria-label") ?? one.innerText]));
+            const buttons = panel.locator("button").filter({ visible: true });
+            const signs = await buttons.evaluateAll((found) => found.map((one) =>
+                [one.innerText.trim(), one.getAttribute("aria-label") ?? one.innerText]));
             assert.ok(signs.length > 3, tab);
             for (const [words, label] of signs) {
                 const letters = words.replace(/^\W+/, "");

@@ -79,7 +79,7 @@ test("the table", async (all) => {
         assert.equal(await field.inputValue(), "1");
     });
 
-    await all.test("a change is undone wherever the focus is, but in fields of others", async (one) => {
+    await all.test("a change is undone wherever the focus is but in other fields", async (one) => {
         const page = await openPattern(one, started);
         const changed = pattern.replace("3 1 0-255", "3 1 0-200");
         await type(page, "Value of Cyan step 3, alternative 1", "200");
@@ -94,7 +94,7 @@ test("the table", async (all) => {
         assert.equal(await textOf(page), pattern);
     });
 
-    await all.test("a finger undoes and makes again, and hears when nothing is left", async (one) => {
+    await all.test("a finger undoes, and hears when nothing is left", async (one) => {
         const page = await openPattern(one, started, { hasTouch: true, isMobile: true,
             viewport: { width: 390, height: 780 } });
         await page.getByLabel("Ink of Cyan step 3, alternative 1").selectOption("LightCyan");
@@ -139,7 +139,7 @@ test("the table", async (all) => {
         });
     }
 
-    await all.test("an ink of the machine goes with what is said of it, and comes back", async (one) => {
+    await all.test("an ink of the machine goes, and comes back", async (one) => {
         const page = await openPattern(one, started);
         const label = "Remove Cyan from the machine, which 1 alternative prints";
         await page.getByRole("button", { name: label, exact: true }).focus();
@@ -161,7 +161,8 @@ test("the table", async (all) => {
     await all.test("a step goes on from the last one, as the table says before", async (one) => {
         const page = await openPattern(one, started);
         await paste(page, pattern.replace("2 1 1-255\n3 1 0-255\n", ""));
-        for (const [offered, written] of [["LightCyan 255", "2 1 1-255"], ["Cyan 255", "3 1 0-255"]]) {
+        const steps = [["LightCyan 255", "2 1 1-255"], ["Cyan 255", "3 1 0-255"]];
+        for (const [offered, written] of steps) {
             await page.locator(".next-step").getByText(`It begins with ${offered} at every pixel`)
                 .waitFor();
             await page.getByRole("button", { name: "Add step" }).click();
@@ -170,7 +171,7 @@ test("the table", async (all) => {
         assert.equal(await textOf(page), pattern);
     });
 
-    await all.test("the last step, the last ink and a new in-colour keep the focus", async (one) => {
+    await all.test("last steps, last inks and new in-colours keep the focus", async (one) => {
         const page = await openPattern(one, started);
         const press = async (name) => {
             await page.getByRole("button", { name, exact: true }).focus();

@@ -1,4 +1,4 @@
-/** All that the page says, in English. What the library and the program say is in their own words. */
+/** All that the page says, in English. The library and the program say the rest in their words. */
 
 const plural = (count: number, one: string, many: string) => `${count} ${count === 1 ? one : many}`;
 

@@ -8,8 +8,8 @@
  */
 
 import type {
-    Alternative as PlainAlternative, Finding as PlainFinding, InColor as PlainInColour, PatternReport,
-    Use,
+    Alternative as PlainAlternative, Finding as PlainFinding, InColor as PlainInColour,
+    PatternReport, Use,
 } from "../../../src/reports.js";
 
 export type { Use };

@@ -17,7 +17,8 @@ function quoted(word: string): string {
  * The line for a shell that makes the dots of a whole picture, from the files that the page saves:
  * the text as it is, and the picture's TIFF.
  */
-export function commandOf(job: Pick<PictureJob, "levels" | "tone" | "origin">, names: Partial<CommandNames> = {}): string {
+export function commandOf(job: Pick<PictureJob, "levels" | "tone" | "origin">,
+    names: Partial<CommandNames> = {}): string {
     const files = { ...usualNames, ...names };
     const words = ["pelkraft", "simulate"];
     if (job.levels !== undefined && job.levels !== "automatic") {

@@ -10,8 +10,8 @@ export interface NewStep {
 const full = 255;
 
 /**
- * The step that goes on from the last one. Where the last one mixes, all pixels get the strongest of
- * its alternatives; where it doesn't, the drop grows by as much as it did last, and after a full
+ * The step that goes on from the last one. Where the last one mixes, all pixels get the strongest
+ * of its alternatives; where it doesn't, the drop grows by as much as it did last, and after a full
  * drop comes the strongest ink of the in-colour.
  */
 export function nextStep(structure: Structure, block: Block,

@@ -44,7 +44,8 @@ export class PatternTable {
         const turn = (which: Turn) => h("button", { class: "small", click: () => this.take(which) },
             words[which]);
         this.element = h("div", { class: "table-view" },
-            h("div", { class: "row history" }, turn("undo"), turn("redo"), this.#said), this.#table);
+            h("div", { class: "row history" }, turn("undo"), turn("redo"), this.#said),
+            this.#table);
         followSoon(0, () => this.#show(), workbench.structure, workbench.reading, workbench.cursor);
         this.#table.addEventListener("change", (event) => this.#changed(event));
         this.#table.addEventListener("click", (event) => this.#clicked(event));

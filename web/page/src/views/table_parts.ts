@@ -24,7 +24,7 @@ function dataOf(action: string, data: Data): Record<string, string | number> {
     return { "data-do": action, ...Object.fromEntries(pairs) };
 }
 
-/** A button with a sign. A word beside it is a part of the label, and seen by those who can't point. */
+/** A button with a sign. A word beside it is part of the label, and needs no mouse to be read. */
 export function button(action: string, data: Data, label: string, sign: string, word = "")
     : HTMLElement {
     return h("button", { class: "sign", title: label, "aria-label": label, ...dataOf(action, data) },
@@ -94,7 +94,8 @@ function stepRows(state: TableState, block: Block, line: ValueLine, data: Data):
         numberField("step", data, words.stepOf(name), String(line.step), { min: 0, max: 7 }),
         h("div", { class: "step-tools" },
             button("go", data, words.goToLine(lineNumber), "↦", words.line(lineNumber)),
-            button("add-alternative", data, words.addAlternative(name), "+", words.word.alternative),
+            button("add-alternative", data, words.addAlternative(name), "+",
+                words.word.alternative),
             button("remove-step", data, words.removeStep(name), "−", words.word.step)));
     const trs = Array.from({ length: rows }, (_, index) => h("tr", {}, index === 0 && lead,
         ...(line.alternatives.length === 0 ? [h("td", { colspan: 5 }, words.unfinished)]
@@ -135,7 +136,8 @@ export function blockSection(state: TableState, block: Block, index: number): HT
                 stepRows(state, block, line, { ...data, line: number }))),
         block.values === null ? h("p", {}, words.noValues)
             : next.step <= 7 && h("p", { class: "row next-step" },
-                h("button", { class: "small", ...dataOf("add-step", data) }, words.addStep(next.step)),
+                h("button", { class: "small", ...dataOf("add-step", data) },
+                    words.addStep(next.step)),
                 h("span", { class: "soft" }, words.newStep(
                     inksOf(state.structure, block)[next.position] ?? words.noInk(next.position),
                     next.value, lines.length > 0))));

@@ -96,7 +96,8 @@ test("jobs", async (all) => {
         await all.test("a gain beyond all", async () =>
             expectSentence(await preview({ gain: 51 }), /51 %/));
         await all.test("more pixels than are shown", async () => {
-            const job = { text: example("one_drop"), picture: { ...ramp, width: 2900, height: 2900 } };
+            const picture = { ...ramp, width: 2900, height: 2900 };
+            const job = { text: example("one_drop"), picture };
             await expectSentence(await preview(job), /2,900 × 2,900 pixels.* 6,291,456/);
             const { value } = await preview({ ...job, longestSide: 29 });
             assert.equal(value.width, 29);
