@@ -8,6 +8,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 out=demo-out
 build=build/demo
+trap '[ $? -eq 0 ] || echo "demo.sh: this step failed" >&2' EXIT
 
 say() { printf '\n== %s\n' "$*"; }
 
@@ -146,10 +147,10 @@ pages python --runner serial
 pages dask --runner dask --workers 2
 
 say "Digests of the pixels"
-/usr/bin/python3 -m pelkraft.pages.digest "$out"/{inks,{python,dask}/{page,back}}.tif |
+/usr/bin/python3 -m pelkraft.pages.digest "$out"/{dithered,{python,dask}/{page,back}}.tif |
     tee "$out/digests"
 if [ "$(cut -d ' ' -f 1 "$out/digests" | sort -u | wc -l)" -ne 1 ]; then
-    echo "the pages differ" >&2
+    echo "the pixels of these pages differ: all must have one digest" >&2
     exit 1
 fi
 rm "$out/digests"
