@@ -159,5 +159,34 @@ TEST(UsualInks, CoverWhatTheyShould)
     EXPECT_EQ((ScreenColour{255, 255, 255}), LookOfInk("Varnish", {}).colour);
 }
 
+// A ramp from a light ink to the full one would turn back where a layer of the light one took more
+// light than the tone that it stands for.
+TEST(UsualInks, AreLightByTheirStrength)
+{
+    for (const auto& [light, full] : {std::pair{"Light Cyan", "Cyan"},
+                                      {"LC", "C"},
+                                      {"LightMagenta", "Magenta"},
+                                      {"LM", "M"},
+                                      {"Light Yellow", "Yellow"},
+                                      {"LY", "Y"},
+                                      {"LightBlack", "Black"},
+                                      {"LK", "K"},
+                                      {"Gray", "Black"},
+                                      {"Grey", "Black"},
+                                      {"Light Gray", "Black"},
+                                      {"LLK", "K"}}) {
+        const double strength = StrengthOfInk(light);
+        EXPECT_LT(strength, 1) << light;
+        const ScreenColour lightColour = LookOfInk(light, {}).colour;
+        const ScreenColour fullColour = LookOfInk(full, {}).colour;
+        for (std::size_t c = 0; c < 3; ++c) {
+            const double taken = 1 - NaiveLight(lightColour[c] / 255.0);
+            const double wanted = strength * (1 - NaiveLight(fullColour[c] / 255.0));
+            // Half a step of a screen's colour.
+            EXPECT_NEAR(wanted, taken, 0.004) << light;
+        }
+    }
+}
+
 } // namespace
 } // namespace zvk::Pelkraft::TestSupport

@@ -12,6 +12,12 @@ namespace zvk::Pelkraft::Client {
 namespace {
 
 constexpr double lightStrength = 0.4;
+// A light ink takes as much of the light as 0.4 of a layer of the full one, so that tones that go
+// from one to the other stay even.
+constexpr ScreenColour lightCyan = {203, 223, 243};
+constexpr ScreenColour lightMagenta = {244, 203, 215};
+constexpr ScreenColour lightYellow = {255, 248, 203};
+constexpr ScreenColour lightBlack = {204, 204, 204};
 // White and metals hide what lies below them, if not all of it.
 constexpr double whiteOpacity = 0.9;
 constexpr double metalOpacity = 0.8;
@@ -33,19 +39,19 @@ constexpr UsualInk usualInks[] = {{"CYAN", {0, 158, 224}},
                                   {"Y", {255, 237, 0}},
                                   {"BLACK", {26, 23, 27}},
                                   {"K", {26, 23, 27}},
-                                  {"LIGHTCYAN", {139, 207, 240}, lightStrength},
-                                  {"LC", {139, 207, 240}, lightStrength},
-                                  {"LIGHTMAGENTA", {241, 155, 193}, lightStrength},
-                                  {"LM", {241, 155, 193}, lightStrength},
-                                  {"LIGHTYELLOW", {255, 246, 150}, lightStrength},
-                                  {"LY", {255, 246, 150}, lightStrength},
-                                  {"LIGHTBLACK", {135, 135, 137}, lightStrength},
-                                  {"LK", {135, 135, 137}, lightStrength},
-                                  {"GRAY", {135, 135, 137}, lightStrength},
-                                  {"GREY", {135, 135, 137}, lightStrength},
-                                  {"LIGHTGRAY", {197, 198, 200}, lightStrength},
-                                  {"LIGHTGREY", {197, 198, 200}, lightStrength},
-                                  {"LLK", {197, 198, 200}, lightStrength},
+                                  {"LIGHTCYAN", lightCyan, lightStrength},
+                                  {"LC", lightCyan, lightStrength},
+                                  {"LIGHTMAGENTA", lightMagenta, lightStrength},
+                                  {"LM", lightMagenta, lightStrength},
+                                  {"LIGHTYELLOW", lightYellow, lightStrength},
+                                  {"LY", lightYellow, lightStrength},
+                                  {"LIGHTBLACK", lightBlack, lightStrength},
+                                  {"LK", lightBlack, lightStrength},
+                                  {"GRAY", lightBlack, lightStrength},
+                                  {"GREY", lightBlack, lightStrength},
+                                  {"LIGHTGRAY", lightBlack, lightStrength},
+                                  {"LIGHTGREY", lightBlack, lightStrength},
+                                  {"LLK", lightBlack, lightStrength},
                                   {"PHOTOBLACK", {26, 23, 27}},
                                   {"MATTEBLACK", {40, 38, 40}},
                                   {"RED", {227, 6, 19}},
