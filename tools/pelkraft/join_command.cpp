@@ -23,9 +23,11 @@ constexpr const char* joinHelp =
     "A plate is a picture of one channel, and tells its ink by its name: page(Cyan).tif or\n"
     "page.Cyan.tif, with %XX for any byte; Cyan=PLATE names any other file. Cyan, magenta, yellow\n"
     "and black come first, then all others by name. Plates of several pages, page1(Cyan).tif and\n"
-    "page2(Cyan).tif, make as many pages, and plates of many pages are joined page by page. Where\n"
-    "0 is full ink, as in MinIsBlack plates, the samples are turned: the new pages are separated\n"
-    "inks, and 0 is none.\n\n";
+    "page2(Cyan).tif, make as many pages, and plates of many pages are joined page by page. Two\n"
+    "plates of one ink whose names tell no two pages apart are refused. Where 0 is full ink, as "
+    "in\n"
+    "MinIsBlack plates, the samples are turned: the new pages are separated inks, and 0 is "
+    "none.\n\n";
 
 // The sum of all pages.
 struct Total

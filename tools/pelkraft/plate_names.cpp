@@ -168,8 +168,8 @@ std::optional<PlateName> ReadPlateName(const std::string& path)
     const std::string_view ink = stem.substr(open + 1, stem.size() - open - (closed ? 2 : 1));
     if (ink.empty())
         return std::nullopt;
-    return PlateName{path.substr(0, path.size() - name.size()) + std::string(stem.substr(0, open)),
-                     Decoded(ink)};
+    const std::string page(stem.substr(0, open));
+    return PlateName{path.substr(0, path.size() - name.size()) + page, page, Decoded(ink)};
 }
 
 std::vector<std::string> PlatePaths(const std::string& base, const std::vector<std::string>& inks,

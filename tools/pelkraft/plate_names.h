@@ -18,6 +18,8 @@ struct PlateName
 {
     // All before the ink: folder, page and its number.
     std::string base;
+    // The same without the folder.
+    std::string page;
     std::string ink;
 };
 

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -19,35 +18,53 @@ std::vector<std::string> InksOf(const PlateGroup& group)
     return inks;
 }
 
-bool HasTwins(const std::vector<PlateArgument>& plates)
+// A plate without a page could be of any.
+bool MayBeOfOnePage(const PlateArgument& one, const PlateArgument& other)
 {
-    const std::vector<std::string> inks = InksOf(plates);
-    return std::set<std::string>(inks.begin(), inks.end()).size() < inks.size();
+    return one.page.empty() || other.page.empty() || one.page == other.page;
+}
+
+// Plates of one ink need pages of their own. Answers whether there are any.
+bool CheckTwins(const std::vector<PlateArgument>& plates)
+{
+    std::map<std::string, std::vector<const PlateArgument*>> byInk;
+    for (const PlateArgument& plate : plates) {
+        std::vector<const PlateArgument*>& earlier = byInk[plate.ink];
+        for (const PlateArgument* twin : earlier) {
+            if (MayBeOfOnePage(*twin, plate))
+                throw Failure(ExitCode::Usage, plate.path,
+                              "is a second plate of ink " + Quoted(plate.ink) + " beside " +
+                                  twin->path +
+                                  ", and no name of a page tells them apart; leave one out, give "
+                                  "it another ink by NAME=PLATE, or name the pages as in "
+                                  "page1(Cyan).tif");
+        }
+        earlier.push_back(&plate);
+    }
+    return byInk.size() < plates.size();
+}
+
+void RefusePlatesOfNoPage(const std::vector<PlateArgument>& plates)
+{
+    for (const PlateArgument& plate : plates) {
+        if (plate.page.empty())
+            throw Failure(ExitCode::Usage, plate.path,
+                          "names no page, and the other plates are of several; name it as in "
+                          "page1(Cyan).tif");
+    }
 }
 
 // Pages in the order of their numbers.
-std::vector<PlateGroup> GroupByBase(const std::vector<PlateArgument>& plates)
+std::vector<PlateGroup> GroupByPage(const std::vector<PlateArgument>& plates)
 {
     std::map<std::string, PlateGroup, bool (*)(const std::string&, const std::string&)> pages(
         NumbersBefore);
     for (const PlateArgument& plate : plates)
-        pages[plate.base].push_back(plate);
+        pages[plate.page].push_back(plate);
     std::vector<PlateGroup> groups;
-    for (auto& [base, group] : pages)
+    for (auto& [page, group] : pages)
         groups.push_back(std::move(group));
     return groups;
-}
-
-void RefuseTwins(const PlateGroup& group)
-{
-    std::map<std::string, std::string> paths;
-    for (const PlateArgument& plate : group) {
-        const auto [first, added] = paths.emplace(plate.ink, plate.path);
-        if (!added)
-            throw Failure(ExitCode::Usage, plate.path,
-                          "is a second plate of ink " + Quoted(plate.ink) + " beside " +
-                              first->second + "; give one for each ink, or NAME=PLATE");
-    }
 }
 
 // Both in the order of their inks.
@@ -81,13 +98,14 @@ PlateArgument ReadPlateArgument(const std::string& argument)
 {
     const std::size_t equals = argument.find('=');
     const std::size_t slash = argument.find_first_of("/\\");
-    PlateArgument plate = {argument, {}, {}};
+    PlateArgument plate = {argument, {}, {}, {}};
     if (equals != std::string::npos && (slash == std::string::npos || equals < slash)) {
         plate.ink = argument.substr(0, equals);
         plate.path = argument.substr(equals + 1);
     } else if (const auto name = ReadPlateName(argument)) {
         plate.ink = name->ink;
         plate.base = name->base;
+        plate.page = name->page;
     }
     if (plate.ink.empty() || plate.path.empty())
         throw Failure(ExitCode::Usage, argument,
@@ -103,10 +121,11 @@ std::vector<PlateGroup> GroupPlates(const std::vector<PlateArgument>& plates,
                                     const std::string& list)
 {
     std::vector<PlateGroup> groups = {plates};
-    if (HasTwins(plates))
-        groups = GroupByBase(plates);
+    if (CheckTwins(plates)) {
+        RefusePlatesOfNoPage(plates);
+        groups = GroupByPage(plates);
+    }
     for (PlateGroup& group : groups) {
-        RefuseTwins(group);
         group = Ordered(group, list);
         RefuseOtherInks(groups[0], group);
     }

@@ -14,8 +14,9 @@ struct PlateArgument
 {
     std::string path;
     std::string ink;
-    // The file name up to the ink; empty where the command line gives the ink.
+    // As of PlateName; empty where the command line gives the ink.
     std::string base;
+    std::string page;
 };
 
 // Reads "NAME=PLATE", or a path whose file name tells the ink. Before an equals sign of a path
@@ -25,8 +26,10 @@ PlateArgument ReadPlateArgument(const std::string& argument);
 // The plates of pages that were separated at once, in the order of their inks.
 using PlateGroup = std::vector<PlateArgument>;
 
-// Sorts plates into pages by what their names have before the ink: one page, unless an ink comes
-// more than once. Every page has the same inks. list is an order of inks as of PlateOrder.
+// Sorts plates into pages by what their file names have before the ink, whatever folders they are
+// in: one page, unless an ink comes more than once. Two plates of one ink that belong to no
+// different pages are refused. Every page has the same inks. list is an order of inks as of
+// PlateOrder.
 std::vector<PlateGroup> GroupPlates(const std::vector<PlateArgument>& plates,
                                     const std::string& list);
 

@@ -209,6 +209,39 @@ def test_twins_and_missing_inks_are_refused(tmp_path, refuse):
     refuse(2, ["p2(C).tif", '"C"'], "join", "out.tif", "p1(A).tif", "p2(A).tif", "p2(C).tif")
 
 
+@pytest.mark.parametrize("first, second", [
+    ("page(Cyan).tif", "Cyan=page(Black).tif"), ("Cyan=page(Black).tif", "page(Cyan).tif"),
+    ("page(Cyan).tif", "s1/page(Cyan).tif"), ("s1/page(Cyan).tif", "page(Cyan).tif"),
+    ("s1/page(Cyan).tif", "s2/page.Cyan.tif"), ("page(Cyan).tif", "s1/(Cyan).tif")])
+def test_two_plates_of_one_ink_and_no_pages_of_their_own_are_refused(tmp_path, refuse, first,
+                                                                     second):
+    for folder in (tmp_path, tmp_path / "s1", tmp_path / "s2"):
+        folder.mkdir(exist_ok=True)
+        for name in ("page(Cyan).tif", "page.Cyan.tif", "page(Black).tif", "(Cyan).tif"):
+            write_plate(folder / name, random_samples(1, (3, 4), 8))
+    path = second.split("=")[-1]
+    outcome = refuse(2, ['second plate of ink "Cyan"', first.split("=")[-1], "page1(Cyan).tif",
+                         "NAME=PLATE"], "join", "out.tif", first, second)
+    assert outcome.errors.startswith(f"pelkraft: {path}: ")
+    assert not (tmp_path / "out.tif").exists()
+
+
+def test_pages_have_names_or_numbers_wherever_their_plates_lie(tmp_path, succeed, refuse):
+    (tmp_path / "s1").mkdir()
+    for width, name in enumerate(("front(Cyan).tif", "s1/front(Black).tif", "s1/back(Cyan).tif",
+                                  "back(Black).tif"), 3):
+        write_plate(tmp_path / name, random_samples(width, (3, 4 + (width > 4)), 8))
+    succeed("join", "out.tif", "s1/front(Black).tif", "back(Black).tif", "s1/back(Cyan).tif",
+            "front(Cyan).tif")
+    pages = read_inks(tmp_path / "out.tif")
+    assert [page.names for page in pages] == [["Cyan", "Black"]] * 2
+    assert [page.samples.shape[1] for page in pages] == [5, 4]
+    write_plate(tmp_path / "gold.tif", random_samples(9, (3, 4), 8))
+    refuse(2, ["gold.tif: names no page", "page1(Cyan).tif"], "join", "other.tif",
+           "front(Cyan).tif", "s1/back(Cyan).tif", "Gold=gold.tif")
+    assert not (tmp_path / "other.tif").exists()
+
+
 @pytest.mark.parametrize("size", [0, 4, 8, 60, 200, 600])
 def test_cut_plates_are_refused(tmp_path, run, size):
     write_plates(tmp_path, inks=["A", "B"], rowsperstrip=5)
