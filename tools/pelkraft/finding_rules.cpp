@@ -61,6 +61,8 @@ const std::vector<FindingRule>& FindingRules()
         {"line-broken", warning, "A value line ends after its step number",
          "Write the ratio of the alternatives and an entry for each of them."},
         {"name-repeated", warning, "A name is listed twice", "List each name once."},
+        {"name-separator", warning, "A name begins or ends with a comma or a semicolon",
+         "Part names by blanks alone."},
         {"number-missing", error, "A keyword lacks its number", "Write a number after it."},
         {"number-odd", warning, "A word is read as a number that it isn't",
          "Write whole numbers in digits."},

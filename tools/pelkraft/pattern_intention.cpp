@@ -4,6 +4,7 @@
 #include "pattern/pattern_words.h"
 #include "tools/pelkraft/glued_keywords.h"
 #include "tools/pelkraft/keyword_slips.h"
+#include "tools/pelkraft/name_separators.h"
 #include "tools/pelkraft/near_names.h"
 #include "tools/pelkraft/value_line_lints.h"
 #include "zvk/split.h"
@@ -384,19 +385,15 @@ private:
         const auto& names = Names(list);
         std::vector<std::string> spellings;
         for (auto name = names.begin(); name != names.end() && spellings.size() < mostCompared;
-             ++name)
-            spellings.push_back(name->second.spelling);
+             ++name) {
+            // One that holds a comma is likely to be two.
+            if (name->second.spelling.find_first_of(",;") == std::string::npos)
+                spellings.push_back(name->second.spelling);
+        }
         std::vector<const NamedIndex*> nearest;
         for (const std::string& name : NearestNames(word, spellings))
             nearest.push_back(&names.at(UpperCase(name)));
         return nearest;
-    }
-
-    static std::string AsWord(const std::string& name)
-    {
-        const bool isPlain =
-            name.find_first_of(" \t\r\n") == std::string::npos && name.front() != patternComment;
-        return isPlain ? name : '"' + name + '"';
     }
 
     // A name that is certainly meant can be put in its place.
@@ -413,7 +410,7 @@ private:
                         : " and selects no in-colour"),
              name.empty() ? "list it in " + listed
                           : "did you mean " + name + "? Otherwise list it in " + listed,
-             isCertain ? std::optional<std::string>(AsWord(name)) : std::nullopt);
+             isCertain ? std::optional<std::string>(NameAsWord(name)) : std::nullopt);
     }
 
     // The lines of a list whose opening keyword nobody could guess make many of them.
@@ -481,8 +478,9 @@ PatternOutline ReadIntention(const PatternText& text, Findings& findings)
 {
     PatternOutline outline;
     outline.earlyVersion = FindEarlyVersion(text.Bytes(), zvk::split, outline.earlyVersionPlace);
-    const std::vector<PatternToken> tokens =
-        PartGluedKeywords(text.Bytes(), CutTokens(text.Bytes(), patternComment), findings);
+    const std::vector<PatternToken> tokens = DropNameSeparators(
+        PartGluedKeywords(text.Bytes(), CutTokens(text.Bytes(), patternComment), findings),
+        findings);
     IntentionHandler handler(text, tokens, outline, findings);
     handler.LintHeader();
     NameTable inColors;

@@ -9,6 +9,7 @@ foreach(part IN ITEMS
         findings
         glued_keywords
         keyword_slips
+        name_separators
         near_names
         pattern_diff
         pattern_engines
