@@ -225,6 +225,17 @@ TEST(PatternFix, GivesUpWhereTheTextWouldNotLoad)
     EXPECT_TRUE(fixed.isGivenUp);
 }
 
+// Without its values the text loads on the slow reference, whose limits no printer has.
+TEST(PatternFix, AsksTheEnginesThatPrint)
+{
+    for (const char* ratio : {"3:7", "30:70", "1:30"}) {
+        const std::string whole = With({{"2 1:3 1-128", "2 " + std::string(ratio) + " 1-128"}});
+        const FixedText fixed = Fixed(Replaced(whole, "BEGIN_VALUES", "BEGIN_VALUE"));
+        EXPECT_EQ(whole, fixed.bytes) << ratio;
+        EXPECT_FALSE(fixed.isGivenUp);
+    }
+}
+
 TEST(UnifiedDiff, IsWhatPatchReads)
 {
     EXPECT_EQ("", UnifiedDiff("a", "x\ny\n", "x\ny\n"));

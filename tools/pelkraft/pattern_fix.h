@@ -13,8 +13,8 @@ struct FixedText
     std::string bytes;
     // Places that have changed; none if the text is the old one.
     std::size_t changes = 0;
-    // There were safe hints, but the text would load on fewer engines with them, on none at all, or
-    // have as many findings: it is the old one.
+    // There were safe hints, but the text would load on fewer engines that draw combinations with
+    // them, on none at all, or have as many findings: it is the old one.
     bool isGivenUp = false;
 };
 
