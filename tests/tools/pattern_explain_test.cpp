@@ -197,6 +197,72 @@ TEST_F(PatternExplained, PlotsExpectedBesideMeasuredShares)
     }
 }
 
+// The fills of the two bars of an ink value.
+std::vector<int> RedOfBars(const std::string& svg, const std::string& what)
+{
+    std::vector<int> red;
+    std::size_t at = svg.find("<title>" + what + ",");
+    EXPECT_NE(std::string::npos, at) << what;
+    const std::size_t end = svg.find("</g>", at);
+    const std::string fill = "<rect ";
+    for (at = svg.find(fill, at); at < end; at = svg.find(fill, at + 1))
+        red.push_back(std::stoi(svg.substr(svg.find("fill=\"#", at) + 7, 2), nullptr, 16));
+    return red;
+}
+
+// Drops of 1 and 2 are as plain to see as those of 64 and 128. Cyan holds no red.
+TEST_F(PatternExplained, PlotsShadesThatCanBeToldApart)
+{
+    for (const auto& values :
+         {std::vector<int>{1, 2, 3}, {1, 2, 255}, {64, 128, 255}, {253, 254, 255}, {5, 5, 5}}) {
+        const std::string odd = Replaced(
+            Replaced(Replaced(smallPattern, "1 1 1-64", "1 1 0-" + std::to_string(values[0])),
+                     "2 1:3 1-128 0-40", "2 1 0-" + std::to_string(values[1])),
+            "3 1 0-255", "3 1 0-" + std::to_string(values[2]));
+        Explain(Replaced(odd, "1 1 0-255", "1 1 0-" + std::to_string(values[2])),
+                {"--plot", Path("plot.svg")});
+        const std::string svg = Bytes(Path("plot.svg"));
+        EXPECT_TRUE(IsWellFormed(svg));
+        const int full = RedOfBars(svg, "Cyan step 3: Cyan " + std::to_string(values[2]))[0];
+        int last = RedOfBars(svg, "Cyan step 0: Cyan 0")[0];
+        EXPECT_EQ(255, last);
+        for (std::size_t step = 1; step <= 3; ++step) {
+            const int value = values[step - 1];
+            const std::vector<int> bars = RedOfBars(svg, "Cyan step " + std::to_string(step) +
+                                                             ": Cyan " + std::to_string(value));
+            ASSERT_EQ(2U, bars.size());
+            EXPECT_EQ(bars[0], bars[1]);
+            const bool isSame = step > 1 && value == values[step - 2];
+            EXPECT_LE(bars[0], isSame ? last : last - (255 - full) / 26) << value;
+            last = bars[0];
+        }
+        EXPECT_LT(full, 100);
+        EXPECT_NE(std::string::npos, svg.find(">full colour is the highest value, " +
+                                              std::to_string(values[2]) + "; "));
+    }
+}
+
+TEST_F(PatternExplained, NamesTheCurvesOfItsPlot)
+{
+    EXPECT_TRUE(EndedSilently(Explain(smallPattern, {"--plot", Path("plot.svg")})));
+    const std::string svg = Bytes(Path("plot.svg"));
+    const std::size_t title = svg.find("Cyan: mean ink by step");
+    const std::string curves = svg.substr(title, svg.find("translate", title) - title);
+    // A line of its own colour stands ahead of each name, and a curve of it in the area.
+    for (const char* name : {"all inks", "Cyan", "LightCyan"}) {
+        const std::size_t at = curves.find(std::string(">").append(name).append("</text>"));
+        ASSERT_NE(std::string::npos, at) << name;
+        const std::size_t line = curves.rfind("stroke=\"#", at);
+        const std::string colour = curves.substr(line, 16);
+        std::size_t strokes = 0;
+        for (std::size_t next = curves.find(colour); next != std::string::npos;
+             next = curves.find(colour, next + 1))
+            ++strokes;
+        EXPECT_LE(2U, strokes) << name << colour;
+    }
+    EXPECT_EQ(std::string::npos, curves.find(">Black</text>"));
+}
+
 TEST_F(PatternExplained, PlotsNamesThatXmlCantHold)
 {
     const std::string text =

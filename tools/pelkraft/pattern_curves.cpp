@@ -1,6 +1,7 @@
 #include "tools/pelkraft/pattern_curves.h"
 
 #include "tools/pelkraft/ink_colours.h"
+#include "tools/pelkraft/value_shades.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +14,8 @@ namespace {
 constexpr int titleHeight = 34;
 constexpr int areaHeight = 150;
 constexpr int footHeight = 28;
+constexpr int legendRow = 16;
+constexpr int legendLine = 24;
 constexpr const char* gridColour = "#c0c0c0";
 constexpr const char* sumColour = "#606060";
 
@@ -33,7 +36,7 @@ public:
     double X(double x) const { return place.left + place.width * x / highestX; }
     double Y(double y) const { return titleHeight + areaHeight * (1 - y / highestY); }
 
-    void Title(const std::string& words) { body += SvgText(place.left, 22, 13, words); }
+    void Title(const std::string& words) { body += SvgText(place.legendLeft, 22, 13, words); }
 
     void Row(double y, const std::string& label)
     {
@@ -47,7 +50,6 @@ public:
         body += SvgText(X(x) - 4, titleHeight + areaHeight + 14, 10, label);
     }
 
-    // Pale colours stand out by their edge.
     void Curve(const std::vector<Point>& points, const std::string& colour)
     {
         std::string places;
@@ -56,10 +58,18 @@ public:
                 places += ' ';
             places.append(SvgNumber(X(point.x))).append(",").append(SvgNumber(Y(point.y)));
         }
-        for (const auto& [stroke, width] :
-             {std::pair<std::string, const char*>{sumColour, "3"}, {colour, "2"}})
-            body += "<polyline points=\"" + places + "\" fill=\"none\" stroke=\"" + stroke +
-                    "\" stroke-width=\"" + width + "\"/>\n";
+        Stroke(places, colour);
+    }
+
+    // One line of the legend, left of the area.
+    void Name(const std::string& name, const std::string& colour)
+    {
+        const double y = titleHeight + legendRow * (0.5 + names++);
+        const std::string height = SvgNumber(y);
+        Stroke(SvgNumber(place.legendLeft) + "," + height + " " +
+                   SvgNumber(place.legendLeft + legendLine) + "," + height,
+               colour);
+        body += SvgText(place.legendLeft + legendLine + 8, y + 4, 12, name);
     }
 
     void Dot(const Point& point, const std::string& colour, const std::string& told)
@@ -69,24 +79,28 @@ public:
                 colour + "\" stroke=\"" + sumColour + "\" stroke-width=\"0.5\"/>\n</g>\n";
     }
 
-    SvgPart Finish() { return {std::move(body), titleHeight + areaHeight + footHeight}; }
+    SvgPart Finish()
+    {
+        return {std::move(body),
+                titleHeight + std::max(areaHeight, legendRow * names) + footHeight};
+    }
 
 private:
+    // Pale colours stand out by their edge.
+    void Stroke(const std::string& places, const std::string& colour)
+    {
+        for (const auto& [stroke, width] :
+             {std::pair<std::string, const char*>{sumColour, "3"}, {colour, "2"}})
+            body += "<polyline points=\"" + places + "\" fill=\"none\" stroke=\"" + stroke +
+                    "\" stroke-width=\"" + width + "\"/>\n";
+    }
+
     CurvePlace place;
     double highestX;
     double highestY;
+    int names = 0;
     std::string body;
 };
-
-int HighestValue(const std::vector<StepShares>& shares)
-{
-    int highest = 1;
-    for (const StepShares& step : shares)
-        for (const InkShares& ink : step.inks)
-            for (const ValueShare& share : ink.values)
-                highest = std::max(highest, share.value);
-    return highest;
-}
 
 // The curves of an in-colour, by out-ink; that of all together has none, and counts a light ink as
 // the dither does.
@@ -133,7 +147,8 @@ SvgPart DrawCoverage(const CurvePlace& place, int inColour, const std::string& n
     Area area(place, static_cast<double>(steps - 1), std::ceil(highest / 100) * 100);
     const std::string allWords =
         curves.count(allInks) == 0 ? "" : "; in all inks a light one counts 0.4";
-    area.Title(name + ": mean ink by step, in percent of full ink; dots as measured" + allWords);
+    area.Title(name + ": mean ink by step, in percent of full ink, value " +
+               std::to_string(HighestValue(shares)) + "; dots as measured" + allWords);
     for (int row = 0; row <= std::ceil(highest / 100) * 100; row += 25)
         area.Row(row, std::to_string(row) + " %");
     for (std::size_t step = 0; step < steps; ++step)
@@ -146,6 +161,7 @@ SvgPart DrawCoverage(const CurvePlace& place, int inColour, const std::string& n
         for (const MeanInk& mean : means)
             points.push_back({static_cast<double>(points.size()), mean.expected});
         area.Curve(points, colour);
+        area.Name(inkName, colour);
         for (std::size_t step = 0; step < means.size(); ++step)
             area.Dot({static_cast<double>(step), means[step].measured}, colour,
                      name + " step " + std::to_string(step) + ": mean of " + inkName +

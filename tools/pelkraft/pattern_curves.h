@@ -14,6 +14,8 @@ struct CurvePlace
 {
     int left = 0;
     int width = 0;
+    // The title begins here, and names of curves stand between here and the left.
+    int legendLeft = 0;
 };
 
 // The mean of each ink over the steps of an in-colour, in percent of the highest value in all

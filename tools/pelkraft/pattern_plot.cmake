@@ -5,7 +5,8 @@ foreach(part IN ITEMS
         pattern_curves
         share_plot
         spectrum
-        svg_parts)
+        svg_parts
+        value_shades)
     target_sources(pelkraft_pattern_plot PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${part}.cpp)
 endforeach()
 target_link_libraries(pelkraft_pattern_plot

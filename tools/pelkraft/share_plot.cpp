@@ -2,6 +2,7 @@
 
 #include "tools/pelkraft/ink_colours.h"
 #include "tools/pelkraft/pattern_curves.h"
+#include "tools/pelkraft/value_shades.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -16,24 +17,17 @@ constexpr int barWidth = 640;
 constexpr int barHeight = 13;
 constexpr int inkHeight = 2 * barHeight + 9;
 constexpr int headHeight = 34;
-constexpr int titleHeight = 66;
+constexpr int titleHeight = 82;
 constexpr int pageWidth = 2 * margin + labelWidth + barWidth;
 // Narrower pieces hold no number.
 constexpr double narrowest = 34;
-
-ScreenColour OnPaper(const ScreenColour& ink, int value)
-{
-    ScreenColour mixed = {};
-    for (std::size_t i = 0; i < mixed.size(); ++i)
-        mixed[i] = static_cast<std::uint8_t>(255 - (255 - ink[i]) * value / 255);
-    return mixed;
-}
 
 class Plot
 {
 public:
     Plot(const PatternOutline& outline, const std::vector<StepShares>& newShares)
-        : inColours(outline.InColourList()), outInks(outline.OutInkList()), shares(newShares)
+        : inColours(outline.InColourList()), outInks(outline.OutInkList()), shares(newShares),
+          shades(newShares)
     {}
 
     SvgPart Draw(const std::string& title)
@@ -41,6 +35,7 @@ public:
         body += SvgText(margin, 30, 17, "Ink values of " + title);
         body += SvgText(margin, 50, 12,
                         "upper bar: as the pattern says; lower bar: as measured over its field");
+        body += SvgText(margin, 66, 12, shades.Words());
         int inColour = -1;
         for (const StepShares& step : shares) {
             if (step.inColour != inColour)
@@ -87,7 +82,7 @@ private:
     // Mixed here: not every program that shows drawings knows of opacity.
     void DrawPiece(int top, double start, double share, int value, const ScreenColour& ink)
     {
-        const ScreenColour fill = OnPaper(ink, value);
+        const ScreenColour fill = shades.Shade(ink, value);
         const double x = margin + labelWidth + barWidth * start;
         const double width = barWidth * share;
         body += "<rect x=\"" + SvgNumber(x) + "\" y=\"" + std::to_string(top) + "\" width=\"" +
@@ -107,6 +102,7 @@ private:
     std::vector<std::string> inColours;
     std::vector<std::string> outInks;
     const std::vector<StepShares>& shares;
+    ValueShades shades;
     std::string body;
     int y = titleHeight;
 };
@@ -117,7 +113,7 @@ void DrawPattern(SvgPage& page, const PatternPlot& plot)
 {
     const std::vector<std::string> inColours = plot.outline.InColourList();
     const std::vector<std::string> outInks = plot.outline.OutInkList();
-    const CurvePlace place = {margin + labelWidth, barWidth};
+    const CurvePlace place = {margin + labelWidth, barWidth, margin};
     page.Add(Plot(plot.outline, plot.shares).Draw(plot.title));
     int inColour = -1;
     for (const StepShares& step : plot.shares) {
