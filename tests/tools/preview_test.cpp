@@ -324,8 +324,10 @@ TEST_F(PreviewOfInks, TellsOfTheTurn)
     const std::vector<std::string> plan = {"--inks", Path("inks.txt"), "--explain", "--dry-run"};
     const std::string words = Preview(plan).output;
     EXPECT_NE(std::string::npos, words.find("page 1: 20 x 10 as 5 x 20 in ")) << words;
-    EXPECT_NE(std::string::npos, words.find("turned by its tag Orientation, 6, which puts the "
-                                            "first row and its first pixel at right, top\n"))
+    EXPECT_NE(std::string::npos,
+              words.find("turned by its tag Orientation, 6, which puts the "
+                         "first row and its first pixel at right, top: a "
+                         "person sees the page turned by 90 degrees clockwise\n"))
         << words;
     WriteTiff(Path("in.tif"), BlankImage(20, 10, 4, 8), TurnedInks(1));
     EXPECT_EQ(std::string::npos, Preview(plan).output.find("turned"));

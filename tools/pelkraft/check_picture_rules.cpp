@@ -224,7 +224,9 @@ void CheckOrientation(const CheckedPage& page, const CheckedPage&, CheckFindings
     if (orientation != ORIENTATION_TOPLEFT)
         Add(findings, page, "Orientation", OrientationWords(orientation),
             "1, for pages that stand as they are stored",
-            "turn the stored pixels, and set it to 1: many programs never look at it");
+            "have the program that made the page write it upright: many others never look at the "
+            "tag; pelkraft preview shows the page turned, and convert --mirror and --flip turn the "
+            "stored pixels and keep the tag");
 }
 
 void CheckTruncation(const CheckedPage& page, const CheckedPage&, CheckFindings& findings)

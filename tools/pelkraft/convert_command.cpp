@@ -4,6 +4,7 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/page_conversion.h"
+#include "tools/pelkraft/page_orientation.h"
 #include "tools/pelkraft/text_output.h"
 #include "tools/pelkraft/tiff_output.h"
 #include "tools/pelkraft/warning_counts.h"
@@ -30,6 +31,16 @@ struct Total
     std::uint64_t bytes = 0;
 };
 
+// A tag that turns the page is about the pixels as they were.
+void WarnOfTurn(const TiffFile& file, const ConvertOptions& options)
+{
+    if (options.mirror && options.flip)
+        WarnOfOrientation(file, "--mirror and --flip turn the stored pixels and keep the tag");
+    else if (options.mirror || options.flip)
+        WarnOfOrientation(file, std::string(options.mirror ? "--mirror" : "--flip") +
+                                    " turns the stored pixels and keeps the tag");
+}
+
 // Refuses before the first row of the first page what is wrong with the last.
 Total PlanAll(const TiffFile& file, const ConvertOptions& options)
 {
@@ -54,6 +65,7 @@ Total PlanAll(const TiffFile& file, const ConvertOptions& options)
             choices.Add(page, ChoiceOf(plan));
         for (const std::string& warning : plan.tags.warnings)
             warnings.Add(warning);
+        WarnOfTurn(file, options);
     });
     if (TIFFIsBigTIFF(file.Get()) != 0 && !NeedsBigForm(total.bytes))
         for (int page = 0; page < total.pages; ++page)

@@ -270,6 +270,8 @@ private:
             else if (options.common.explain)
                 plans.Add(page, ExplainSimulation(plan, pattern));
             WarnOfGuesses(plan, pattern);
+            WarnOfOrientation(file, "a press doesn't look at the tag, and the dots are those of "
+                                    "the stored pixels");
             if (NotesAreWanted())
                 choices.Add(page, ChoicesOf(plan, pattern));
             total.warned = WarnOfUnused(plan) || total.warned;
