@@ -24,6 +24,8 @@ TEST_F(ConvertFailures, NameAnOutputThatCantBe)
         EXPECT_TRUE(Refused(Run({"convert", Path("in.tif"), target}), 6,
                             {target + ": cannot be written: "}));
     }
+    EXPECT_TRUE(Refused(Run({"convert", Path("in.tif"), Path("missing/out.tif")}), 6,
+                        {"there is no folder " + Path("missing") + "; make it first"}));
     EXPECT_TRUE(LeftNothing());
 }
 

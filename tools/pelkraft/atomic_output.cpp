@@ -40,7 +40,7 @@ AtomicOutput::AtomicOutput(const std::string& newPath, const OutputRules& newRul
     targetPath = std::move(target.path);
     if (const int error = CreateBeside(targetPath, target.present, descriptor, temporaryPath);
         error != 0)
-        ThrowWriteFailure(shownPath, ErrorText(error));
+        ThrowWriteFailure(shownPath, MakingErrorText(error, targetPath));
     latest = this;
 }
 
@@ -67,7 +67,7 @@ void AtomicOutput::Check(const std::string& path, const OutputRules& rules)
 {
     const Target target = Find(path, rules);
     if (const int error = TryBeside(target.path); error != 0)
-        ThrowWriteFailure(path, ErrorText(error));
+        ThrowWriteFailure(path, MakingErrorText(error, target.path));
 }
 
 AtomicOutput::~AtomicOutput()

@@ -4,6 +4,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -77,6 +79,16 @@ int StoreAndClose(int descriptor)
 std::string ErrorText(int error)
 {
     return std::strerror(error);
+}
+
+std::string MakingErrorText(int error, const std::string& path)
+{
+    const std::filesystem::path folder = PathOf(path).parent_path();
+    std::error_code unknown;
+    if (error != ENOENT || folder.empty() || std::filesystem::exists(folder, unknown))
+        return ErrorText(error);
+    const std::u8string name = folder.u8string();
+    return "there is no folder " + std::string(name.begin(), name.end()) + "; make it first";
 }
 
 } // namespace zvk::Pelkraft::Client

@@ -23,5 +23,7 @@ int ReadUpTo(int descriptor, void* bytes, std::size_t size, std::uint64_t offset
 int StoreAndClose(int descriptor);
 
 std::string ErrorText(int error);
+// The same for a file that could not be made, whose folder may be missing.
+std::string MakingErrorText(int error, const std::string& path);
 
 } // namespace zvk::Pelkraft::Client

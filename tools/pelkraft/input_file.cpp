@@ -33,7 +33,12 @@ struct OpenDescriptor
 int OpenPipeSpool(const std::string& path, const Spool& spool)
 {
     int descriptor = -1;
-    if (const int error = OpenSpool(spool, descriptor); error != 0)
+    const int error = OpenSpool(spool, descriptor);
+    // The output's folder is to hold the file.
+    if (error == ENOENT && !spool.besides.empty() && spool.besides != standardStream)
+        throw Failure(ExitCode::ReadWrite, spool.besides,
+                      "cannot be written: " + MakingErrorText(error, spool.besides));
+    if (error != 0)
         ThrowReadFailure(path, "no file can be made to keep what comes through the pipe: " +
                                    ErrorText(error));
     return descriptor;

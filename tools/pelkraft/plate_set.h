@@ -14,7 +14,7 @@ struct PlateArgument
 {
     std::string path;
     std::string ink;
-    // As of PlateName; empty where the command line gives the ink.
+    // PlateName tells what these are. Both are empty where the command line gives the ink.
     std::string base;
     std::string page;
 };

@@ -13,7 +13,7 @@ ORIENTATION = 274
 WHERE = {2: "top, right", 3: "bottom, right", 4: "bottom, left", 5: "left, top", 6: "right, top",
          7: "right, bottom", 8: "left, bottom"}
 
-# What words do to a stored picture, by NumPy, whose rot90 turns counterclockwise.
+# Each does to a stored picture what the words say; rot90 turns counterclockwise.
 ACTIONS = {"mirrored left to right": numpy.fliplr, "mirrored top to bottom": numpy.flipud,
            "turned by 180 degrees": lambda seen: numpy.rot90(seen, 2),
            "turned by 90 degrees clockwise": lambda seen: numpy.rot90(seen, -1),

@@ -231,9 +231,17 @@ def test_cut_pages_leave_nothing(tmp_path, run, size):
     assert os.listdir(tmp_path) == ["in.tif"]
 
 
-def test_a_folder_that_is_missing_is_named(tmp_path, refuse):
+def test_a_folder_that_is_missing_is_named(tmp_path, refuse, run):
     page_of(tmp_path, shape=(7, 11))
-    refuse(6, ["nowhere/page(Cyan).tif", "cannot be written"], "split", "in.tif", "nowhere/page")
+    words = "cannot be written: there is no folder no/where; make it first\n"
+    for more in ([], ["--dry-run"]):
+        refuse(6, [f"pelkraft: no/where/page(Cyan).tif: {words}"], "split", "in.tif",
+               "no/where/page", *more)
+    piped = run("split", "-", "no/where/page", stdin=(tmp_path / "in.tif").read_bytes())
+    assert (piped.code, piped.errors) == (6, f"pelkraft: no/where/page: {words}")
+    (tmp_path / "link.tif").symlink_to("no/other/x.tif")
+    refuse(6, ["pelkraft: link.tif: cannot be written: there is no folder no/other; make"],
+           "convert", "in.tif", "link.tif")
 
 
 def test_a_plate_that_cannot_be_written_leaves_no_other(tmp_path, refuse):
