@@ -95,7 +95,8 @@ InputFile::InputFile(const std::string& path, FileKind kind, const Spool& spool)
     if (error != 0)
         ThrowReadFailure(path, ErrorText(error));
     if (!file.regular && !file.pipe)
-        ThrowReadFailure(path, "it is not a regular file or a pipe");
+        ThrowReadFailure(path, file.terminal ? "it is a terminal, and no regular file or pipe"
+                                             : "it is not a regular file or a pipe");
     if (file.regular)
         NoteInput(file.identity, kind);
     size = file.size;

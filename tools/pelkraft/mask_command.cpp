@@ -91,6 +91,8 @@ private:
             bytes.push_back(static_cast<char>(ranks[place] >> 8));
         }
         const bool streams = output == "-";
+        if (streams)
+            RefuseTerminal("the mask");
         if (common.explain && !streams)
             PrintText("writes 256 x 256 ranks of 16 bits, 131072 bytes\n");
         if (common.dryRun) {

@@ -266,6 +266,7 @@ void CheckOutputs(const std::vector<std::string>& paths, const OutputRules& rule
             throw Failure(ExitCode::Usage, {},
                           "the standard output takes one page, and here are " +
                               std::to_string(paths.size()) + "; --page chooses one");
+        RefuseTerminal("a picture");
         return;
     }
     for (const std::string& path : paths)

@@ -41,6 +41,7 @@ struct OpenedFile
     int descriptor = -1;
     bool regular = false;
     bool pipe = false;
+    bool terminal = false;
     std::uint64_t size = 0;
     FileIdentity identity;
 };

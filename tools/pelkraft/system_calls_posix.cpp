@@ -31,6 +31,7 @@ int Describe(OpenedFile& file)
         return errno;
     file.regular = S_ISREG(status.st_mode);
     file.pipe = S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode);
+    file.terminal = isatty(file.descriptor) != 0;
     file.size = static_cast<std::uint64_t>(status.st_size);
     file.identity = IdentityOf(status);
     return 0;

@@ -110,6 +110,8 @@ int Describe(HANDLE handle, OpenedFile& file)
 {
     file.regular = IsRegular(handle, file.identity);
     file.pipe = GetFileType(handle) == FILE_TYPE_PIPE;
+    DWORD mode = 0;
+    file.terminal = GetConsoleMode(handle, &mode) != 0;
     LARGE_INTEGER size = {};
     if (file.regular && GetFileSizeEx(handle, &size) == 0)
         return LastError();

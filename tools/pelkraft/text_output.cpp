@@ -5,6 +5,7 @@
 #include "tools/pelkraft/file_calls.h"
 #include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/system_calls.h"
 
 #include <cstdio>
 
@@ -32,6 +33,13 @@ void PrintBeside(const std::string& outputPath, const std::string& text)
         return;
     }
     [[maybe_unused]] const int ignored = WriteAll(standardError, text.data(), text.size());
+}
+
+void RefuseTerminal(const std::string& what)
+{
+    if (OutputIsSeen())
+        throw Failure(ExitCode::Usage, OutputName(standardStream),
+                      "is a terminal; " + what + " goes to a file or into a pipe");
 }
 
 std::string ByteWords(std::uint64_t count)

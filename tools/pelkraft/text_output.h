@@ -18,6 +18,9 @@ void PrintText(const std::string& text);
 // The same, but to the standard error stream where a picture goes to the other.
 void PrintBeside(const std::string& outputPath, const std::string& text);
 
+// Refuses a terminal as the standard output stream of bytes; what they are is told.
+void RefuseTerminal(const std::string& what);
+
 // "1 byte", "2 bytes".
 std::string ByteWords(std::uint64_t count);
 

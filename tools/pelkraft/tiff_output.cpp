@@ -15,9 +15,7 @@ void CheckPipe(const OutputOptions& options)
         throw Failure(ExitCode::Usage, OutputName(options.path),
                       "is a pipe, which takes no --compress: where each strip begins is told "
                       "before the first is written");
-    if (OutputIsSeen())
-        throw Failure(ExitCode::Usage, OutputName(options.path),
-                      "is a terminal; a picture goes to a file or into a pipe");
+    RefuseTerminal("a picture");
 }
 
 TiffFile OpenPipe(const OutputOptions& options, bool big, int pages)
