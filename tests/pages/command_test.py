@@ -201,7 +201,8 @@ def test_a_list_has_steps_of_its_own(make_jobs, tmp_path):
     ([], "files and --to FOLDER are needed, or --list FILE"),
     (["in/1.tif", "--to", "out"], "there is nothing to do to the pages"),
     (["in/1.tif", "--mirror"], "files and --to FOLDER are needed"),
-    (["in/1.tif", "--to", "nowhere", "--mirror"], "nowhere: is no folder"),
+    (["in/1.tif", "--to", "nowhere", "--mirror"], "nowhere: there is no such folder; make it first"),
+    (["in/1.tif", "--to", "in/1.tif", "--mirror"], "in/1.tif: is no folder"),
     (["in/1.tif", "--to", "in", "--mirror"], "is an input of the list"),
     (["--list", "jobs.json", "in/1.tif"], "--list names all files"),
     (["--list", "jobs.json"], "jobs.json: cannot be read: No such file"),
@@ -229,6 +230,16 @@ def test_wrong_usage_is_told_and_nothing_begun(make_jobs, tmp_path, options, wor
     assert os.listdir(tmp_path / "out") == []
 
 
+def test_a_list_with_a_missing_folder_names_it(make_jobs, tmp_path):
+    job, = make_jobs(1)
+    (tmp_path / "jobs.json").write_text(json.dumps(
+        {"input": job.input, "output": "none/1.tif", "steps": [{"convert": {"mirror": True}}]}))
+    ended = run("--list", tmp_path / "jobs.json", "--runner", "serial")
+    assert ended.returncode == exit_codes.PAGES_FAILED
+    assert (f"pelkraft.pages: {tmp_path / 'none' / '1.tif'}: cannot be written: there is no folder "
+            f"{tmp_path / 'none'}; make it first\n") in ended.stderr
+
+
 def test_no_cluster_has_an_exit_code(make_jobs, tmp_path, monkeypatch):
     pytest.importorskip("distributed")
     monkeypatch.setenv("DASK_DISTRIBUTED__COMM__TIMEOUTS__CONNECT", "1s")
@@ -250,7 +261,8 @@ def test_a_report_that_cannot_be_written_has_an_exit_code(make_jobs, tmp_path):
     options = (tmp_path / "in", "--to", tmp_path / "out", "--mirror", "--runner", "serial")
     ended = run(*options, "--report", tmp_path / "nowhere" / "report")
     assert ended.returncode == exit_codes.REPORT
-    assert "cannot be written: No such file or directory" in ended.stderr
+    assert f"cannot be written: there is no folder {tmp_path / 'nowhere'}; make it first\n" in \
+        ended.stderr
     assert os.listdir(tmp_path / "out") == []
     ended = run(*options, "--report", "/dev/full")
     assert ended.returncode == exit_codes.REPORT

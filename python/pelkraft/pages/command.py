@@ -16,6 +16,7 @@ from .driver import DEFAULT_RETRIES, DEFAULT_TIMEOUT, check_jobs, run_pages
 from .errors import ClusterLost, JobError
 from .job_list import StepFiles, jobs_for_files, read_job_list
 from .jobs import DITHER, QUANTIZE, RAW, Conversion, PageJob, Simulation, Step
+from .output import making_words
 from .progress import Progress
 from .report import Report
 from .runners import ProcessRunner, Runner, SerialRunner
@@ -49,7 +50,7 @@ def _run(jobs: Sequence[PageJob], runner: Runner, options: argparse.Namespace) -
     try:
         report = Report(options.report)
     except OSError as error:
-        _say(f"{options.report}: cannot be written: {error.strerror}")
+        _say(f"{options.report}: cannot be written: {making_words(error, options.report)}")
         return exit_codes.REPORT
     progress = Progress(len(jobs), options.progress)
     start = time.monotonic()
@@ -142,6 +143,8 @@ def _jobs(options: argparse.Namespace) -> list[PageJob]:
     if not steps:
         raise JobError("there is nothing to do to the pages; --pattern or an option of the "
                        "conversion would do")
+    if not os.path.exists(options.to):
+        raise JobError(f"{options.to}: there is no such folder; make it first")
     if not os.path.isdir(options.to):
         raise JobError(f"{options.to}: is no folder")
     return jobs_for_files(options.files, options.to, steps, options.page)

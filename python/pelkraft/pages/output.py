@@ -34,9 +34,17 @@ def new_file(path: str, pieces: Sequence[Piece]) -> Iterator[str]:
         os.replace(temporary, path)
         _sync_folder(path)
     except OSError as error:
-        raise PageError(WRITE, f"{path}: cannot be written: {error.strerror}") from error
+        raise PageError(WRITE, f"{path}: cannot be written: {making_words(error, path)}") from error
     finally:
         _remove(temporary)
+
+
+def making_words(error: OSError, path: str) -> str:
+    """Says why a file could not be made: its folder may be missing."""
+    folder = os.path.dirname(path)
+    if isinstance(error, FileNotFoundError) and folder and not os.path.exists(folder):
+        return f"there is no folder {folder}; make it first"
+    return str(error.strerror)
 
 
 def write_note(path: str, text: bytes) -> None:
