@@ -30,7 +30,7 @@ test_packages=(perl clang libclang-rt-14-dev libgtest-dev libbenchmark-dev binut
 # To build the Python package, and what its tests and pages ask for.
 python_packages=(python3-dev pybind11-dev python3-numpy)
 python_test_packages=("${python_packages[@]}" python3-setuptools python3-wheel python3-pip
-    python3-venv python3-pytest python3-hypothesis python3-tifffile python3-xxhash
+    python3-venv python3-pytest python3-hypothesis python3-pil python3-tifffile python3-xxhash
     python3-matplotlib python3-dask python3-distributed python3-mpi4py openmpi-bin mypy)
 bench_packages=(libbenchmark-dev python3 util-linux)
 cross_packages=(g++ cmake ninja-build pkg-config googletest)
@@ -39,7 +39,7 @@ peer_packages=(libopencv-dev libyuv-dev libswscale-dev python3-dev python3-numpy
 case "${1:-test}" in
 demo)
     wanted=("${build_packages[@]}" "${picture_packages[@]}" "${python_packages[@]}" ghostscript-doc
-        python3-tifffile python3-xxhash python3-distributed)
+        python3-pil python3-tifffile python3-xxhash python3-distributed)
     ;;
 test)
     wanted=("${build_packages[@]}" "${picture_packages[@]}" "${test_packages[@]}"

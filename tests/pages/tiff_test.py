@@ -4,6 +4,7 @@
 import random
 import struct
 import subprocess
+import sys
 
 import numpy
 import pytest
@@ -150,12 +151,58 @@ def test_pages_that_are_not_served_are_refused(tmp_path, options, kind, words):
     assert caught.value.kind == kind
 
 
-def test_lzw_is_refused_by_name(tmp_path):
+@pytest.mark.parametrize("kind, bits", [(bool, 1), (numpy.uint8, 8), (numpy.uint16, 16)])
+@pytest.mark.parametrize("options", [
+    [], ["-r", "7"], ["-B"], ["-f", "lsb2msb"], ["-p", "separate"], ["-t", "-w", "16", "-l", "32"],
+    ["-c", "lzw:2"], ["-c", "lzw:2", "-B", "-t", "-w", "32", "-l", "16"]])
+def test_lzw_is_read(tmp_path, kind, bits, options):
+    if bits == 1 and ("-t" in options or "lzw:2" in options) or bits != 8 and "-p" in options:
+        pytest.skip("no such page is served, or tiffcp makes none")
+    shape = (37, 41) if bits == 1 else (37, 41, 4)
+    pixels = numpy.random.default_rng(1).integers(0, min(1 << bits, 900), shape).astype(kind)
+    tifffile.imwrite(tmp_path / "a.tif", pixels, metadata=None,
+                     photometric="minisblack" if bits == 1 else "separated")
+    subprocess.run(["tiffcp", "-c", "lzw", *options, tmp_path / "a.tif", tmp_path / "b.tif"],
+                   check=True)
+    assert numpy.array_equal(levels_of(read(tmp_path / "b.tif")).reshape(shape), pixels)
+
+
+def test_lzw_without_a_decoder_names_the_way_out(tmp_path, monkeypatch):
     write_cmyk(tmp_path / "a.tif", 1)
     subprocess.run(["tiffcp", "-c", "lzw", tmp_path / "a.tif", tmp_path / "b.tif"], check=True)
-    if 5 in tifffile.TIFF.DECOMPRESSORS:
-        pytest.skip("this tifffile reads LZW")
-    with pytest.raises(PageError, match="has LZW, which this tifffile does not read"):
+    monkeypatch.delitem(tifffile.TIFF.DECOMPRESSORS, 5, raising=False)
+    monkeypatch.setitem(sys.modules, "PIL.TiffImagePlugin", None)
+    with pytest.raises(PageError, match="has LZW, .*python3-pil.*convert --compress zip") as caught:
+        read(tmp_path / "b.tif")
+    assert caught.value.kind == "unsupported"
+
+
+def test_lzw_cannot_hold_what_its_tags_claim(tmp_path, monkeypatch):
+    """A tile of 16 GB is no reason to ask for 16 GB."""
+    def refuse(_):
+        raise MemoryError("a decoder was asked")
+
+    monkeypatch.delitem(tifffile.TIFF.DECOMPRESSORS, 5, raising=False)
+    monkeypatch.setattr("PIL.TiffImagePlugin.TiffImageFile", refuse)
+    write_cmyk(tmp_path / "a.tif", 1)
+    subprocess.run(["tiffcp", "-c", "lzw", "-t", "-w", "16", "-l", "16", tmp_path / "a.tif",
+                    tmp_path / "b.tif"], check=True)
+    with tifffile.TiffFile(tmp_path / "b.tif", mode="r+b") as file:
+        for name in ("TileWidth", "TileLength"):
+            file.pages[0].tags[name].overwrite(65520)
+    with pytest.raises(PageError, match="block 1 is damaged or too short"):
+        read(tmp_path / "b.tif")
+
+
+def test_damaged_lzw_is_told(tmp_path):
+    write_cmyk(tmp_path / "a.tif", 1)
+    subprocess.run(["tiffcp", "-c", "lzw", tmp_path / "a.tif", tmp_path / "b.tif"], check=True)
+    with tifffile.TiffFile(tmp_path / "b.tif") as file:
+        start = file.pages[0].dataoffsets[0]
+    data = bytearray((tmp_path / "b.tif").read_bytes())
+    data[start + 4:start + 12] = b"\xff" * 8
+    (tmp_path / "b.tif").write_bytes(data)
+    with pytest.raises(PageError, match="block 1 is damaged or too short"):
         read(tmp_path / "b.tif")
 
 

@@ -15,6 +15,7 @@ from typing import Any, BinaryIO, Optional
 import numpy
 import tifffile
 
+from . import lzw
 from .errors import INPUT, READ, UNSUPPORTED, PageError
 from .file_digest import digest_of
 from .ink_codes import is_ink
@@ -142,11 +143,12 @@ class TiffPage:
         if self.predictor != NO_PREDICTOR and (self.predictor != HORIZONTAL or self.bits < 8):
             refuse(f"predictor {self.predictor} on samples of {self.bits} bits",
                    "horizontal differences of 8 and 16 bits")
-        if self.compression in tifffile.TIFF.IMAGE_COMPRESSIONS or \
-                self.compression not in tifffile.TIFF.DECOMPRESSORS:
-            name = "LZW" if self.compression == LZW else f"compression {self.compression}"
-            refuse(f"{name}, which this tifffile does not read",
-                   "none, PackBits, Deflate and LZMA")
+        if self.compression == LZW and not (_tifffile_reads(LZW) or lzw.is_there()):
+            refuse("LZW, which Pillow (python3-pil) reads, and it is not here",
+                   "none, PackBits, LZMA, and Deflate, which pelkraft convert --compress zip writes")
+        if self.compression != LZW and not _tifffile_reads(self.compression):
+            refuse(f"compression {self.compression}, which this tifffile does not read",
+                   "none, PackBits, Deflate, LZMA and LZW")
 
     def _refuse_missing_data(self) -> None:
         size = os.fstat(self._file.fileno()).st_size
@@ -273,7 +275,10 @@ class TiffPage:
     def _segment(self, data: bytes, number: int, rows: int, width: int) -> numpy.ndarray:
         if self._reversed:
             data = data.translate(REVERSED_BITS)
-        data = _decompress(self.compression, data, rows * width)
+        if self.compression == LZW and not _tifffile_reads(LZW):
+            data = lzw.decompress(data, rows, width)
+        else:
+            data = _decompress(self.compression, data, rows * width)
         if len(data) < rows * width:
             raise PageError(INPUT, f"{self.path}: block {number + 1} is damaged or too short")
         segment = numpy.frombuffer(data, numpy.uint8, rows * width).reshape(rows, width)
@@ -303,6 +308,11 @@ class TiffPage:
                 samples.reshape(self.height, self.width, self.count)
         return Picture(pixels, self.width, self.bits, self.separate, self.channels, self.tags,
                        self.compression != NONE)
+
+
+def _tifffile_reads(compression: int) -> bool:
+    return compression in tifffile.TIFF.DECOMPRESSORS and \
+        compression not in tifffile.TIFF.IMAGE_COMPRESSIONS
 
 
 def _open(path: str) -> BinaryIO:
