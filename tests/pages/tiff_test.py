@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """TIFF files read and written, beside tifffile and libtiff's programs."""
 
+import os
 import random
 import struct
 import subprocess
@@ -204,6 +205,24 @@ def test_damaged_lzw_is_told(tmp_path):
     (tmp_path / "b.tif").write_bytes(data)
     with pytest.raises(PageError, match="block 1 is damaged or too short"):
         read(tmp_path / "b.tif")
+
+
+@pytest.mark.parametrize("start", [
+    b"", b"I", b"II*", b"MM\0", b"II*\0", b"MM\0+" + bytes(20), b"no picture", b"\xff\xd8\xff\xe0",
+    b"\xff\xd8", b"\x89PNG\r\n", b"GIF89a", b"%PDF-1.4", b"%!PS", b"8BPS", b"BM12", b"RIFF1234WEBP",
+    b"PK\3\4", b"\x1f\x8b\x08", b"DotWeavePattern", b"DotWeave", b"II\0*", b"MM*\0"])
+def test_other_files_are_told_as_the_program_does(tmp_path, start):
+    path = tmp_path / "a.tif"
+    path.write_bytes(start)
+    with pytest.raises(PageError) as caught:
+        read(path)
+    told = subprocess.run([os.environ["PELKRAFT_TOOL"], "info", path], capture_output=True,
+                          text=True, check=False).stderr
+    assert caught.value.kind == "input"
+    if "is not a TIFF file" in told:
+        assert f"pelkraft: {caught.value}\n" == told
+    else:
+        assert "is not a TIFF file" not in str(caught.value)
 
 
 def test_a_missing_file_is_told(tmp_path):

@@ -18,6 +18,7 @@ import tifffile
 from . import lzw
 from .errors import INPUT, READ, UNSUPPORTED, PageError
 from .file_digest import digest_of
+from .file_kind import START_BYTES, words_of_other
 from .ink_codes import is_ink
 from .picture import (INK_SET_CMYK, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, RGB, SEPARATED,
                       UNSPECIFIED_EXTRA, Channel, DotRange, Picture, Tags, pack_samples, row_bytes,
@@ -54,6 +55,7 @@ class TiffPage:
         self.path = path
         self._file = _open(path)
         try:
+            self._refuse_other_kind()
             self._page = self._find(number)
             self._read_shape()
             self._refuse_unserved()
@@ -79,6 +81,12 @@ class TiffPage:
             return self._picture(raw), digest_of(pieces)
         except Exception as error:
             raise _told(error, self.path) from error
+
+    def _refuse_other_kind(self) -> None:
+        words = words_of_other(self._file.read(START_BYTES))
+        if words:
+            raise PageError(INPUT, f"{self.path}: {words}")
+        self._file.seek(0)
 
     def _find(self, number: Optional[int]) -> Any:
         pages = tifffile.TiffFile(self._file, name=os.path.basename(self.path)).pages
