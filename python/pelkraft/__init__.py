@@ -20,18 +20,23 @@ Status         the kinds of such failures
 """
 
 # SPDX-License-Identifier: Apache-2.0
-from ._core import (
-    Constant,
-    Dither,
-    Format,
-    Needs,
-    Pattern,
-    Plan,
-    Tones,
-    __version__,
-    dither_mask,
-)
-from ._error import PelkraftError, Status
+from ._missing import explain as _explain
+
+try:
+    from ._core import (
+        Constant,
+        Dither,
+        Format,
+        Needs,
+        Pattern,
+        Plan,
+        Tones,
+        __version__,
+        dither_mask,
+    )
+    from ._error import PelkraftError, Status
+except ModuleNotFoundError as _lack:
+    raise _explain(_lack) from None
 
 __all__ = [
     "Constant",

@@ -14,6 +14,7 @@ import pytest
 import tifffile
 from conftest import check_mirrored, write_cmyk
 
+import pelkraft
 from pelkraft.pages import exit_codes
 from pelkraft.pages.progress import Progress
 
@@ -238,6 +239,29 @@ def test_a_list_with_a_missing_folder_names_it(make_jobs, tmp_path):
     assert ended.returncode == exit_codes.PAGES_FAILED
     assert (f"pelkraft.pages: {tmp_path / 'none' / '1.tif'}: cannot be written: there is no folder "
             f"{tmp_path / 'none'}; make it first\n") in ended.stderr
+
+
+@pytest.mark.parametrize("there, lacking", [
+    ([], "numpy"), (["numpy"], "xxhash"), (["numpy", "xxhash"], "tifffile")])
+def test_a_python_without_a_module_says_so_in_a_sentence(tmp_path, there, lacking):
+    for name in there:
+        (tmp_path / name).symlink_to(os.path.dirname(sys.modules[name].__file__))
+    package = os.path.dirname(os.path.dirname(pelkraft.__file__))
+    environment = {**os.environ, "PYTHONPATH": os.pathsep.join([package, str(tmp_path)])}
+
+    def run_bare(*options):
+        return subprocess.run([sys.executable, "-S", *options], capture_output=True, text=True,
+                              env=environment, check=False)
+
+    ended = run_bare("-m", "pelkraft.pages", "--help")
+    assert (ended.returncode, ended.stdout) == (exit_codes.USAGE, "")
+    assert ended.stderr.startswith(f"pelkraft: this Python, {sys.executable}, has no module "
+                                   f"{lacking}; Debian's package python3-{lacking} ")
+    assert ended.stderr.count("\n") == 1
+    # A program that imports the package can catch what is wrong.
+    caught = run_bare("-c", "try:\n    import pelkraft.pages\n"
+                            "except ModuleNotFoundError as error:\n    print(error.name)")
+    assert (caught.returncode, caught.stdout, caught.stderr) == (0, lacking + "\n", "")
 
 
 def test_no_cluster_has_an_exit_code(make_jobs, tmp_path, monkeypatch):

@@ -13,13 +13,18 @@ not at all. A stamp beside the file holds digests of input, job and output, so t
 what is done. `python3 -m pelkraft.pages --help` tells the same for the command line.
 """
 
-from .driver import check_jobs, run_pages
-from .errors import ClusterLost, JobError, PageError
-from .job_list import jobs_for_files, read_job_list
-from .jobs import Conversion, PageJob, Simulation
-from .picture import Channel, Picture, Tags
-from .runners import ProcessRunner, Runner, SerialRunner, Verdict
-from .task import PageResult
+from .._missing import explain as _explain
+
+try:
+    from .driver import check_jobs, run_pages
+    from .errors import ClusterLost, JobError, PageError
+    from .job_list import jobs_for_files, read_job_list
+    from .jobs import Conversion, PageJob, Simulation
+    from .picture import Channel, Picture, Tags
+    from .runners import ProcessRunner, Runner, SerialRunner, Verdict
+    from .task import PageResult
+except ModuleNotFoundError as _lack:
+    raise _explain(_lack) from None
 
 __all__ = [
     "Channel", "ClusterLost", "Conversion", "JobError", "PageError", "PageJob",
