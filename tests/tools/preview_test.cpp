@@ -379,6 +379,12 @@ TEST_F(PreviewOfInks, NamesInksThatItDoesntKnow)
     EXPECT_EQ(0, outcome.exitCode);
     EXPECT_NE(std::string::npos,
               outcome.errors.find("the look of ink \"D e\" isn't known; it is shown as #"));
+    EXPECT_NE(std::string::npos,
+              outcome.errors.find("; --inks FILE with a line \"D e\" #RRGGBB 0 (name, colour, "
+                                  "opacity) gives it its own\n"))
+        << outcome.errors;
+    WriteBytes(Path("looks.txt"), "\"D e\" #123456 0\nA #123456 0\n");
+    EXPECT_TRUE(EndedSilently(Preview({"--inks", Path("looks.txt")})));
     // A and "D e", once and not for each page; B and C are blue and cyan.
     EXPECT_EQ(2, std::count(outcome.errors.begin(), outcome.errors.end(), '\n'));
 }

@@ -48,9 +48,10 @@ TEST_F(SimulatePreview, ShowsFullInksInTheirColours)
     const auto unknown = Show().At(0, 0);
     EXPECT_EQ(unknown, Show().At(0, 0));
     EXPECT_NE(white, unknown);
-    char words[80];
+    char words[160];
     std::snprintf(words, sizeof words,
-                  "the look of ink \"Gold Leaf\" isn't known; it is shown as #%02x%02x%02x\n",
+                  "the look of ink \"Gold Leaf\" isn't known; it is shown as #%02x%02x%02x; "
+                  "--ink \"Gold Leaf=#RRGGBB\" gives it its own\n",
                   static_cast<unsigned>(unknown[0]), static_cast<unsigned>(unknown[1]),
                   static_cast<unsigned>(unknown[2]));
     EXPECT_NE(std::string::npos, said.find(words)) << said;

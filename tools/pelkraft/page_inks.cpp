@@ -67,15 +67,17 @@ void SortByPrintOrder(std::vector<PageInk>& inks, const std::vector<std::string>
 }
 
 std::vector<InkLayer> LayersOf(const std::vector<PageInk>& inks, const InkTable& table,
-                               const std::string& path, std::set<std::string>& told)
+                               const LookWarnings& warnings)
 {
     std::vector<InkLayer> layers;
     for (const PageInk& ink : inks) {
         const InkLook look = LookOfInk(ink.name, table);
         layers.push_back({ink.sample, look});
-        if (!IsKnownInk(ink.name, table) && told.insert(ink.name).second)
-            PrintWarning(path, "the look of ink \"" + ink.name + "\" isn't known; it is shown as " +
-                                   HexWords(look.colour));
+        if (!IsKnownInk(ink.name, table) && warnings.told.insert(ink.name).second)
+            PrintWarning(warnings.path, "the look of ink \"" + ink.name +
+                                            "\" isn't known; it is shown as " +
+                                            HexWords(look.colour) + "; " +
+                                            warnings.advice(ink.name) + " gives it its own");
     }
     return layers;
 }

@@ -30,9 +30,18 @@ std::vector<PageInk> ReadPageInks(const TiffFile& file, const TiffPicture& pictu
 void SortByPrintOrder(std::vector<PageInk>& inks, const std::vector<std::string>& order,
                       const std::string& path);
 
+// The warnings of inks whose looks nobody knows: about a file, with what gives an ink its own look,
+// and each ink once for all of told.
+struct LookWarnings
+{
+    const std::string& path;
+    std::string (*advice)(const std::string& ink);
+    std::set<std::string>& told;
+};
+
 // Gives inks their looks, and names those that the table doesn't know with the colours that they
-// got, each once for all of told.
+// got.
 std::vector<InkLayer> LayersOf(const std::vector<PageInk>& inks, const InkTable& table,
-                               const std::string& path, std::set<std::string>& told);
+                               const LookWarnings& warnings);
 
 } // namespace zvk::Pelkraft::Client

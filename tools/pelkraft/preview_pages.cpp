@@ -69,6 +69,11 @@ RowPlan PlanSamples(const TiffFile& file, const TiffPicture& picture)
     return PlanRows(file, request);
 }
 
+std::string AdviseInkFile(const std::string& ink)
+{
+    return "--inks FILE with a line \"" + ink + "\" #RRGGBB 0 (name, colour, opacity)";
+}
+
 PagePlan PlanPage(const TiffFile& file, const PreviewOptions& options, std::set<std::string>& told)
 {
     const TiffPicture picture = ReadPicture(file);
@@ -88,7 +93,7 @@ PagePlan PlanPage(const TiffFile& file, const PreviewOptions& options, std::set<
             {picture.bits == 16 ? 16 : 8, static_cast<std::size_t>(picture.channels), codes.none,
              codes.full, options.gain},
             inks,
-            LayersOf(inks, options.inks, options.input.path, told),
+            LayersOf(inks, options.inks, {options.input.path, AdviseInkFile, told}),
             page,
             PlanSamples(file, picture)};
 }

@@ -40,6 +40,11 @@ constexpr const char* simulateHelp =
     "The new file has one channel for each out-ink. The reference engine goes on from row to row\n"
     "and always runs on one thread.\n\n";
 
+std::string AdviseInkOption(const std::string& ink)
+{
+    return "--ink \"" + ink + "=#RRGGBB\"";
+}
+
 Levels LevelsOf(const std::string& name)
 {
     return name == "raw"        ? Levels::Raw
@@ -346,7 +351,8 @@ private:
         const LayerCodes codes = {8, pageInks.size(), 0, pattern.fullInk, 0};
         preview.emplace(options.preview,
                         FitFrame(plan.to.width, plan.to.height, ReadResolution(file).PixelHeight()),
-                        InkLayers(codes, LayersOf(pageInks, options.inks, options.preview, told)),
+                        InkLayers(codes, LayersOf(pageInks, options.inks,
+                                                  {options.preview, AdviseInkOption, told})),
                         ShownPage{ReadResolution(file), ReadOrientation(file)},
                         [&shown](const void* bytes, std::size_t size) {
                             shown.append(static_cast<const char*>(bytes), size);
