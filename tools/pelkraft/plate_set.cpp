@@ -109,8 +109,9 @@ PlateArgument ReadPlateArgument(const std::string& argument)
     }
     if (plate.ink.empty() || plate.path.empty())
         throw Failure(ExitCode::Usage, argument,
-                      "tells no ink; supported are names such as page(Cyan).tif and "
-                      "page.Cyan.tif, and Cyan=PLATE");
+                      "tells no ink; leave it out if it shows all inks together, as tiffsep's "
+                      "page.tif does; plates have names such as page(Cyan).tif and page.Cyan.tif, "
+                      "and Cyan=PLATE names any other");
     if (plate.ink.find('\0') != std::string::npos)
         throw Failure(ExitCode::Usage, argument,
                       "names an ink with a zero byte, which no TIFF file can hold");
