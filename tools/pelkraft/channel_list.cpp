@@ -1,6 +1,7 @@
 #include "tools/pelkraft/channel_list.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/near_names.h"
 
 #include <algorithm>
 #include <charconv>
@@ -18,18 +19,26 @@ std::string Trimmed(const std::string& text)
                                       : text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-std::string Offer(const std::vector<Channel>& channels)
+// The words of a message about an entry that is no channel.
+std::string Offer(const std::string& entry, const std::vector<Channel>& channels,
+                  const ChannelListOption& option)
 {
     std::string offer = "0 to " + std::to_string(channels.size() - 1);
+    std::vector<std::string> names;
     for (const Channel& channel : channels) {
-        if (!channel.name.empty())
-            offer += ", " + channel.name;
+        if (channel.name.empty())
+            continue;
+        offer += ", " + channel.name;
+        names.push_back(channel.name);
     }
-    return offer + " and - for an empty channel";
+    if (option.takesEmpty)
+        offer += " and - for an empty channel";
+    const std::string near = NearestName(entry, names);
+    return offer + (near.empty() ? std::string() : "; did you mean " + near + '?');
 }
 
 int FindChannel(const std::string& entry, const std::vector<Channel>& channels,
-                const std::string& path, const std::string& option)
+                const std::string& path, const ChannelListOption& option)
 {
     if (entry == "-")
         return -1;
@@ -43,15 +52,15 @@ int FindChannel(const std::string& entry, const std::vector<Channel>& channels,
                                     [&](const Channel& channel) { return channel.Bears(entry); });
     if (found == channels.end())
         throw Failure(ExitCode::Usage, path,
-                      "has no channel \"" + entry + "\" for " + option + "; supported are " +
-                          Offer(channels));
+                      "has no channel \"" + entry + "\" for " + option.name + "; supported are " +
+                          Offer(entry, channels, option));
     return static_cast<int>(found - channels.begin());
 }
 
 } // namespace
 
 std::vector<int> ParseChannelList(const std::string& list, const std::vector<Channel>& channels,
-                                  const std::string& path, const std::string& option)
+                                  const std::string& path, const ChannelListOption& option)
 {
     std::vector<int> map;
     std::size_t start = 0;
@@ -62,7 +71,8 @@ std::vector<int> ParseChannelList(const std::string& list, const std::vector<Cha
         start = end + 1;
         if (map.size() > mostChannels)
             throw Failure(ExitCode::Usage, path,
-                          option + " names too many channels; supported are up to 65535");
+                          std::string(option.name) +
+                              " names too many channels; supported are up to 65535");
     }
     return map;
 }

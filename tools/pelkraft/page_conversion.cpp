@@ -68,7 +68,8 @@ PagePlan PlanPage(const TiffFile& file, const ConvertOptions& options)
     const std::vector<Channel> channels = ReadChannels(file, from);
     RowRequest request;
     if (!options.channels.empty())
-        request.map = ParseChannelList(options.channels, channels, file.Path());
+        request.map =
+            ParseChannelList(options.channels, channels, file.Path(), {"--channels", true});
     const TiffPicture to = PlanPicture(from, options, request.map, file.Path());
     RangeRequest rangeRequest = {{}, to.bits, options.invert};
     for (const Channel& channel : channels)

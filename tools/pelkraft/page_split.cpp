@@ -27,7 +27,7 @@ std::vector<int> ChooseChannels(const TiffFile& file, const std::vector<Channel>
                                 PageTags& tags)
 {
     if (!list.empty()) {
-        std::vector<int> chosen = ParseChannelList(list, channels, file.Path(), "--inks");
+        std::vector<int> chosen = ParseChannelList(list, channels, file.Path(), {"--inks", false});
         if (std::find(chosen.begin(), chosen.end(), -1) != chosen.end())
             throw Failure(ExitCode::Usage, file.Path(),
                           "an empty channel makes no plate; --inks takes numbers and names");

@@ -21,10 +21,10 @@ namespace {
 
 constexpr const char* splitHelp =
     "BASE is the path and the first part of the plates' names: out/page makes out/page(Cyan).tif,\n"
-    "and with --naming dot out/page.Cyan.tif. In an ink's name, bytes that no file name takes are\n"
-    "written as %XX. A plate has one channel, is MinIsBlack, and 0 is full ink, so that it looks\n"
-    "like a print of that ink; pelkraft join makes the page again. Alpha channels are left\n"
-    "out, unless --inks names them.\n\n";
+    "and with --naming dot out/page.Cyan.tif; out/ names them after IN.tif. In an ink's name,\n"
+    "bytes that no file name takes are written as %XX. A plate has one channel, is MinIsBlack,\n"
+    "and 0 is full ink, so that it looks like a print of that ink; pelkraft join makes the page\n"
+    "again. Alpha channels are left out, unless --inks names them.\n\n";
 
 // The sum of all pages, and what all of them share.
 struct Total
@@ -97,6 +97,7 @@ public:
     ExitCode Run() override
     {
         CatchInterrupts();
+        NamePlatesInFolder();
         const auto start = std::chrono::steady_clock::now();
         TiffFile file = OpenInput(input, base);
         const Total total = PlanAll(file);
@@ -124,6 +125,20 @@ public:
     }
 
 private:
+    // In a folder the plates are named after the picture.
+    void NamePlatesInFolder()
+    {
+        if (base.empty() || PathOf(base).has_filename())
+            return;
+        if (input.path == standardStream)
+            throw Failure(ExitCode::Usage, base,
+                          "is a folder, and what comes through a pipe has no name for the plates; "
+                          "give the first part of their names too: " +
+                              base + "page");
+        const std::u8string name = PathOf(input.path).filename().u8string();
+        base.append(name.begin(), name.end());
+    }
+
     SplitPlan PlanPage(const TiffFile& file) const { return PlanSplit(file, input, inks, output); }
 
     OutputOptions PlateOptions(const std::string& path) const

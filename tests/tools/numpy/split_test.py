@@ -231,6 +231,33 @@ def test_cut_pages_leave_nothing(tmp_path, run, size):
     assert os.listdir(tmp_path) == ["in.tif"]
 
 
+@pytest.mark.parametrize("naming, plate", [("gs", "in({}).tif"), ("dot", "in.{}.tif")])
+def test_plates_in_a_folder_are_named_after_the_picture(tmp_path, succeed, run, naming, plate):
+    page_of(tmp_path, shape=(7, 11))
+    (tmp_path / "s1").mkdir()
+    (tmp_path / "in.tif").rename(tmp_path / "s1" / "in.tif")
+    for picture, folder in (("s1/in.tif", "s1/"), ("s1/in.tif", "./")):
+        succeed("split", picture, folder, "--naming", naming, "--inks", "Cyan,5")
+        for ink in ("Cyan", "Zinc"):
+            assert (tmp_path / folder / plate.format(ink)).is_file()
+    assert len(os.listdir(tmp_path)) == len(os.listdir(tmp_path / "s1")) == 3
+    piped = run("split", "-", "s1/", stdin=(tmp_path / "s1" / "in.tif").read_bytes())
+    assert piped.code == 2
+    assert piped.errors.startswith("pelkraft: s1/: is a folder, ") and "s1/page" in piped.errors
+
+
+def test_inks_that_are_none_are_answered_with_the_nearest(tmp_path, refuse):
+    page_of(tmp_path, inks=[*INKS[:3], "Warm Red"], shape=(7, 11))
+    outcome = refuse(2, ['has no channel "wamred" for --inks; supported are 0 to 3, Cyan, Magenta, '
+                         "Yellow, Warm Red; did you mean Warm Red?"], "split", "in.tif", "page", "--inks", "wamred")
+    assert "empty channel" not in outcome.errors
+    outcome = refuse(2, ["Yellow, Warm Red."], "split", "in.tif", "page", "--inks", "Silver")
+    assert "did you mean" not in outcome.errors
+    refuse(2, ["an empty channel makes no plate"], "split", "in.tif", "page", "--inks", "-")
+    refuse(2, ["Warm Red and - for an empty channel; did you mean Warm Red?"], "convert", "in.tif",
+           "out.tif", "--channels", "warmred")
+
+
 def test_a_folder_that_is_missing_is_named(tmp_path, refuse, run):
     page_of(tmp_path, shape=(7, 11))
     words = "cannot be written: there is no folder no/where; make it first\n"
