@@ -145,7 +145,8 @@ TEST_F(PatternVerbs, PlotTextsOnOnePage)
         EXPECT_NE(std::string::npos, both.output.find("Ink values of " + Path(name)));
     EXPECT_EQ(4, Verb({"plot", Path("bad.txt"), "--output", Path("bad.svg")}).exitCode);
     EXPECT_FALSE(std::filesystem::exists(Path("bad.svg")));
-    EXPECT_EQ(2, Verb({"plot", Path("good.txt"), "--output", Path("one.png")}).exitCode);
+    EXPECT_TRUE(Refused(Verb({"plot", Path("good.txt"), "--output", Path("one.png")}), 2,
+                        {"one.png: would be an SVG file under an ending that says PNG"}));
     EXPECT_EQ(
         6, Verb({"plot", Path("good.txt"), "--output", Path("one.svg"), "--no-clobber"}).exitCode);
 }

@@ -132,6 +132,10 @@ TEST_F(Pipes, ServeOtherVerbs)
     EXPECT_TRUE(Holds("out.tif", dots));
     EXPECT_EQ(2U, dots.size());
     EXPECT_EQ(0, Shell("cat in.tif | $P info - && cat in.tif | $P preview - seen.png").exitCode);
+    for (const char* verb : {"info", "coverage"})
+        EXPECT_TRUE(Shell("cat in.tif | $P " + std::string(verb) + " -")
+                        .output.starts_with("standard input"))
+            << verb;
 }
 
 // A reader that can't go back has met a page's directory when its samples come.

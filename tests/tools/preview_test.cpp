@@ -397,9 +397,11 @@ TEST_F(PreviewOfInks, RefusesWhatItCantShow)
         EXPECT_EQ(2, Preview({"--crop", crop}).exitCode) << crop;
     for (const char* crop : {"10,0,1,1", "0,10,1,1", "5,5,6,1", "5,5,1,6", "4294967295,0,2,2"})
         EXPECT_TRUE(Refused(Preview({"--crop", crop}), 2, {"in.tif", "10 x 10 pixels"})) << crop;
-    EXPECT_TRUE(
-        Refused(Preview({"--print-order", "A,Gold"}), 2, {"in.tif", "\"Gold\"", "A, B, C, D e"}));
-    EXPECT_TRUE(Refused(Preview({"--print-order", "A,B,A"}), 2, {"\"A\""}));
+    EXPECT_TRUE(Refused(
+        Preview({"--print-order", "A,Gold"}), 2,
+        {"in.tif: has no ink \"Gold\", which --print-order names; its inks are A, B, C, D e"}));
+    EXPECT_TRUE(Refused(Preview({"--print-order", "A,B,A"}), 2,
+                        {"--print-order names the ink \"A\" again"}));
     for (const char* gain : {"-1", "51", "half"})
         EXPECT_EQ(2, Preview({"--gain", gain}).exitCode) << gain;
     EXPECT_TRUE(Refused(Preview({"--page", "2"}), 2, {"in.tif", "has no page 2"}));

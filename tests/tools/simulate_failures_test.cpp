@@ -145,7 +145,7 @@ TEST_F(SimulateFailures, NameWrongUsage)
          {"Cyan", "Cyan=00FF00", "Cyan=#00FF0", "=#00FF00", "Cyan=#00FG00", "Cyan=#-0FF00"})
         EXPECT_TRUE(Refused(Simulate({"--ink", ink}), 2, {ink, "NAME=#RRGGBB"}));
     EXPECT_TRUE(
-        Refused(Simulate({"--ink", "Gold=#00FF00"}), 2, {"GOLD", "Cyan, LightCyan, Black"}));
+        Refused(Simulate({"--ink", "Gold=#00FF00"}), 2, {"\"Gold\"", "Cyan, LightCyan, Black"}));
     EXPECT_TRUE(Refused(Run({"simulate", Path("pattern.txt")}), 2, {"IN.tif is missing"}));
     EXPECT_TRUE(LeftNothing());
 }

@@ -11,6 +11,13 @@ struct Wrong
     std::string said;
 };
 
+TEST_F(UsageErrors, CallAnExampleOne)
+{
+    EXPECT_TRUE(Refused(Run({"coverage", "in.tif", "--limit", "0"}), 2,
+                        {"supported are numbers above 0, in percent, such as 300"}));
+    EXPECT_TRUE(Refused(Run({"coverage", "in.tif", "--window", "0"}), 2, {"px, such as 1mm"}));
+}
+
 TEST_F(UsageErrors, SayWhatIsWrongAndWhereHelpIs)
 {
     const std::vector<Wrong> cases = {

@@ -6,6 +6,7 @@
 #include "tools/pelkraft/failure.h"
 #include "tools/pelkraft/findings.h"
 #include "tools/pelkraft/image_options.h"
+#include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/interrupt.h"
 #include "tools/pelkraft/page_coverage.h"
 #include "tools/pelkraft/page_orientation.h"
@@ -117,7 +118,7 @@ private:
     bool CountAll(const TiffFile& file, const Total& total) const
     {
         bool above = false;
-        std::string words = Shown(input.path) + '\n';
+        std::string words = Shown(InputName(input.path)) + '\n';
         Json pages = Json::array();
         std::string picture;
         {

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/info_report.h"
 
 #include "tools/pelkraft/findings.h"
+#include "tools/pelkraft/input_file.h"
 #include "tools/pelkraft/page_orientation.h"
 
 #include <algorithm>
@@ -223,7 +224,7 @@ Json PageJson(const PageFacts& facts)
 
 std::string InfoWords(const FileFacts& file)
 {
-    std::string text = Shown(file.path) + ": " + FormName(file) + ", " +
+    std::string text = Shown(InputName(file.path)) + ": " + FormName(file) + ", " +
                        Counted(file.bytes, "byte", "bytes") + ", " +
                        Counted(file.pages.size(), "page", "pages") + "\n";
     for (const PageFacts& page : file.pages)

@@ -89,8 +89,9 @@ void RefuseOtherEnding(const std::string& path, FileKind kind)
     if (found == std::end(known) || found->name == name)
         return;
     throw Failure(ExitCode::Usage, path,
-                  "would be a " + name + " file under an ending that says " + found->name +
-                      "; give it the ending " + written[static_cast<std::size_t>(kind)].ending);
+                  (name == "SVG" ? "would be an " : "would be a ") + name +
+                      " file under an ending that says " + found->name + "; give it the ending " +
+                      written[static_cast<std::size_t>(kind)].ending);
 }
 
 void NoteInput(const FileIdentity& identity, FileKind kind)

@@ -301,7 +301,7 @@ WindowSize ReadWindowSize(const std::string& words)
         throw Failure(ExitCode::Usage, {},
                       "--window " + words +
                           " is no size; supported are a number above 0 and its unit, mm, in or "
-                          "px: 1mm");
+                          "px, such as 1mm");
     size.length = static_cast<double>(*thousandths) / 1000;
     return size;
 }
@@ -312,7 +312,8 @@ std::uint64_t ReadLimit(const std::string& words)
     const std::optional<std::uint64_t> thousandths = TakeThousandths(rest);
     if (!thousandths || *thousandths == 0 || !rest.empty())
         throw Failure(ExitCode::Usage, {},
-                      "--limit " + words + " is no limit; supported is percent above 0: 300");
+                      "--limit " + words +
+                          " is no limit; supported are numbers above 0, in percent, such as 300");
     return *thousandths;
 }
 

@@ -53,13 +53,17 @@ void SortByPrintOrder(std::vector<PageInk>& inks, const std::vector<std::string>
 {
     auto place = inks.begin();
     for (const std::string& name : order) {
-        const auto found = std::find_if(place, inks.end(), [&](const PageInk& ink) {
+        const auto isMeant = [&](const PageInk& ink) {
             return PlainInkName(ink.name) == PlainInkName(name);
-        });
-        if (found == inks.end())
+        };
+        const auto found = std::find_if(place, inks.end(), isMeant);
+        if (found == inks.end()) {
+            const bool again = std::any_of(inks.begin(), place, isMeant);
             throw Failure(ExitCode::Usage, path,
-                          "has no ink \"" + name + "\" that --print-order hasn't named already; " +
-                              "its inks are " + Names(inks));
+                          (again ? "--print-order names the ink \"" + name + "\" again"
+                                 : "has no ink \"" + name + "\", which --print-order names") +
+                              "; its inks are " + Names(inks));
+        }
         // Those between keep their order.
         std::rotate(place, found, std::next(found));
         ++place;

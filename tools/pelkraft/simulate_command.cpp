@@ -245,10 +245,12 @@ private:
 
     void RefuseUnknownInks(const LoadedPattern& pattern) const
     {
-        for (const auto& [name, look] : options.inks) {
-            const bool known = std::any_of(
-                pattern.outInks.begin(), pattern.outInks.end(),
-                [&name = name](const std::string& ink) { return PlainInkName(ink) == name; });
+        for (const std::string& given : inks) {
+            const std::string name = given.substr(0, given.rfind("=#"));
+            const bool known = std::any_of(pattern.outInks.begin(), pattern.outInks.end(),
+                                           [plain = PlainInkName(name)](const std::string& ink) {
+                                               return PlainInkName(ink) == plain;
+                                           });
             if (!known)
                 throw Failure(ExitCode::Usage, options.pattern,
                               "has no out-ink \"" + name + "\" for --ink; supported are " +
