@@ -236,6 +236,29 @@ TEST(PatternFix, AsksTheEnginesThatPrint)
     }
 }
 
+TEST(PatternFix, JoinsTheWeightsOfARatio)
+{
+    for (const char* ratio : {"1 : 3", "1: 3", "1 :3", "1\t:  3"}) {
+        const std::string odd = With({{"2 1:3", "2 " + std::string(ratio)}});
+        const PatternText text("text", odd);
+        const PatternReport report(text);
+        ASSERT_EQ(1U, report.findings.size()) << ratio;
+        EXPECT_EQ("weights-parted", report.findings.front().kind);
+        EXPECT_EQ("write \"1:3\" without blanks", report.findings.front().hint);
+        EXPECT_EQ(smallPattern, Fixed(odd).bytes);
+    }
+    EXPECT_EQ(With({{"2 1:3 1-128 0-40", "2 1:3:4 1-128 0-40 0-2"}}),
+              Fixed(With({{"2 1:3 1-128 0-40", "2 1 : 3 : 4 1-128 0-40 0-2"}})).bytes);
+    // The step may be what is missing here, and there the ratio ends with the line.
+    for (const auto& [from, to] : {std::pair<const char*, const char*>{"2 1:3", "1 : 3"},
+                                   {"2 1:3 1-128", "2 1 #1\n:3 1-128"},
+                                   {"Cyan LightCyan Black", "Cyan LightCyan Black 1 2 : 3"}}) {
+        const PatternText text("text", With({{from, to}}));
+        for (const Finding& finding : PatternReport(text).findings)
+            EXPECT_NE("weights-parted", finding.kind) << to;
+    }
+}
+
 TEST(UnifiedDiff, IsWhatPatchReads)
 {
     EXPECT_EQ("", UnifiedDiff("a", "x\ny\n", "x\ny\n"));

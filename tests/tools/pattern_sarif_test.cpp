@@ -111,9 +111,9 @@ TEST_F(PatternSarif, HasARuleForEveryKind)
     }
     // All that the sources call by a kind.
     std::set<std::string> kinds;
-    for (const char* source : {"draw_lints", "glued_keywords", "name_separators",
-                               "pattern_intention", "pattern_lints", "pattern_report",
-                               "value_line_lints"}) {
+    for (const char* source :
+         {"draw_lints", "glued_keywords", "name_separators", "pattern_intention", "pattern_lints",
+          "pattern_report", "ratio_blanks", "value_line_lints"}) {
         const std::string text =
             Bytes(PELKRAFT_SOURCES "/tools/pelkraft/" + std::string(source) + ".cpp");
         ASSERT_FALSE(text.empty());

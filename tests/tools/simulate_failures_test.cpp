@@ -28,7 +28,7 @@ TEST_F(SimulateFailures, NamePatternsThatTheEngineRefuses)
     EXPECT_TRUE(StoppedAtFindings(
         Simulate(), 4,
         {"pattern.txt:19:1: error: step 8 is outside of 0 to 7\n    8 1 0-255\n    ^\n    hint: "},
-        {"pattern.txt", "the auto engine", "\"step out of range in pattern\"",
+        {"pattern.txt", "the auto engine doesn't load it; the engine says: \"step out of range",
          "pelkraft pattern shows where"}));
     text = smallPattern;
     WritePattern(text.replace(text.find("VERSION 2"), 9, "VERSION 1"));

@@ -117,6 +117,8 @@ const std::vector<FindingRule>& FindingRules()
          "Leave it out, or give it a weight."},
         {"weights-apart", warning, "Two steps mean the same shares but are drawn apart",
          "Write the same ratio in both, to share the draw."},
+        {"weights-parted", error, "Blanks part the weights of a ratio",
+         "Write no blanks at the colons of a ratio."},
         {"weights-permuted", note, "Two steps have the same weights in another order",
          "Write the same ratio in both and move the entries, to share the draw."},
         {"weights-surplus", warning, "A ratio has more than 16 weights",

@@ -37,8 +37,8 @@ std::unique_ptr<DotWeavePattern> LoadedPattern::Make() const
     auto pattern = TryPattern(text, engine, refusal);
     if (pattern == nullptr)
         throw Failure(ExitCode::BadPattern, text.Path(),
-                      "the " + EngineName(engine) + " engine refuses it: \"" + refusal +
-                          "\"; pelkraft pattern shows where, and which engines load it");
+                      "the " + EngineName(engine) + " engine doesn't load it; the engine says: \"" +
+                          refusal + "\"; pelkraft pattern shows where, and which engines load it");
     return pattern;
 }
 

@@ -6,6 +6,7 @@
 #include "tools/pelkraft/keyword_slips.h"
 #include "tools/pelkraft/name_separators.h"
 #include "tools/pelkraft/near_names.h"
+#include "tools/pelkraft/ratio_blanks.h"
 #include "tools/pelkraft/value_line_lints.h"
 #include "zvk/split.h"
 
@@ -478,9 +479,10 @@ PatternOutline ReadIntention(const PatternText& text, Findings& findings)
 {
     PatternOutline outline;
     outline.earlyVersion = FindEarlyVersion(text.Bytes(), zvk::split, outline.earlyVersionPlace);
-    const std::vector<PatternToken> tokens = DropNameSeparators(
-        PartGluedKeywords(text.Bytes(), CutTokens(text.Bytes(), patternComment), findings),
-        findings);
+    std::vector<PatternToken> tokens = CutTokens(text.Bytes(), patternComment);
+    tokens = PartGluedKeywords(text.Bytes(), tokens, findings);
+    tokens = DropNameSeparators(tokens, findings);
+    tokens = JoinRatios(text.Bytes(), tokens, findings);
     IntentionHandler handler(text, tokens, outline, findings);
     handler.LintHeader();
     NameTable inColors;

@@ -20,6 +20,7 @@ foreach(part IN ITEMS
         pattern_report
         pattern_sarif
         pattern_text
+        ratio_blanks
         sarif
         unified_diff
         value_line_lints)
