@@ -59,6 +59,13 @@ _pelkraft_values() {
     esac
 }
 
+# Prints the rules of the verb check by their names.
+_pelkraft_rules() {
+    echo 'ink-names number-of-inks ink-set duplicate-ink misspelt-ink dot-range polarity extra-samples'
+    echo 'profile resolution-missing resolution-unequal resolution-implausible orientation truncated'
+    echo 'byte-count'
+}
+
 _pelkraft() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local verb= word offered values
@@ -80,14 +87,21 @@ _pelkraft() {
         --channels | --origin | --page | --dot-range | --spool-limit | --threads | --ink | --plot | --preview)
             return
             ;;
-        --inks | --rules | --map | --window | --limit | --order | --output | --print-order) return ;;
+        --rules)
+            mapfile -t COMPREPLY < <(compgen -W "list $(_pelkraft_rules)" -- "$current")
+            return
+            ;;
+        --inks | --map | --window | --limit | --order | --output | --print-order) return ;;
         --gain | --crop) return ;;
         esac
         # Files follow a verb, and verbs below it, unless an option is begun.
         if [[ -n $verb && $current != -* ]]; then
             offered=$(tr ' ' '\n' <<<"$offered" | grep -v -e '^-' || true)
-            [[ -z $offered ]] && return
+            [[ -z $offered && $verb != pattern* ]] && return
             mapfile -t COMPREPLY < <(compgen -W "$offered" -f -- "$current")
+            # A pattern is a text, and no picture.
+            [[ $verb == pattern* ]] && mapfile -t COMPREPLY < <(printf '%s\n' "${COMPREPLY[@]}" |
+                grep -viE '^$|\.(tiff?|png|jpe?g|pdf|svg|icc|raw)$' || true)
             return
         fi
     fi

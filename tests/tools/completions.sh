@@ -89,4 +89,11 @@ while read -r -a verb; do
         fi
     done < <(bash "$here/values_of.sh" "$tool" "${verb[@]}")
 done < <(echo && bash "$here/verbs_of.sh" "$tool")
+offered=$(bash_offers check --rules '' | sort | paste -sd ' ')
+rules=$( (echo list && "$tool" check --rules list | cut -d ' ' -f 1) | sort | paste -sd ' ')
+values bash "$offered" --rules $rules
+# Pictures are no patterns.
+touch a.txt b.TIF c.png
+offered=$(bash_offers pattern lint '' | paste -sd ' ')
+values bash "$offered" 'pattern lint' a.txt
 exit $status
