@@ -138,6 +138,20 @@ TEST_F(Pipes, ServeOtherVerbs)
             << verb;
 }
 
+TEST_F(Pipes, SayOnceThatAWindowIsCut)
+{
+    WriteInput({RandomImage(7, 5, 1, 8, 1), RandomImage(7, 5, 1, 8, 2)});
+    const Outcome outcome = Shell("$P coverage in.tif --page all --window 6px -q; "
+                                  "$P coverage in.tif --page all --window 6px");
+    EXPECT_NE(std::string::npos,
+              outcome.errors.find(
+                  "in.tif: warning: page 1: --window reaches beyond the page, and is cut to 6 x 5 "
+                  "pixels\n"))
+        << outcome.errors;
+    EXPECT_EQ(std::string::npos, outcome.errors.find("page 2")) << outcome.errors;
+    EXPECT_EQ("", Shell("$P coverage in.tif --page all --window 5px").errors);
+}
+
 // A reader that can't go back has met a page's directory when its samples come.
 TEST_F(Pipes, GetEachDirectoryBeforeItsStrips)
 {

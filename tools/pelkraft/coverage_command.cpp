@@ -15,6 +15,7 @@
 #include <CLI/CLI.hpp>
 
 #include <chrono>
+#include <utility>
 
 namespace zvk::Pelkraft::Client {
 namespace {
@@ -49,7 +50,11 @@ public:
             ->type_name("PCT")
             ->default_str("300");
         verb->add_option_function<std::string>(
-                "--window", [this](const std::string& words) { window = ReadWindowSize(words); },
+                "--window",
+                [this](const std::string& words) {
+                    window = ReadWindowSize(words);
+                    windowIsGiven = true;
+                },
                 "Side of the window, in mm, in or px")
             ->type_name("SIDE")
             ->default_str("1mm");
@@ -91,10 +96,15 @@ private:
     Total PlanAll(const TiffFile& file) const
     {
         Total total;
+        bool toldOfCut = false;
         PageGroups plans;
         VisitPages(file, input.pages, [&](int page) {
             const CoveragePlan plan = PlanPage(file);
             WarnOfOrientation(file, "places and the map are those of the stored pixels");
+            if (plan.windowIsCut && windowIsGiven && !std::exchange(toldOfCut, true))
+                PrintWarning(input.path, "--window reaches beyond the page, and is cut to " +
+                                             std::to_string(plan.window->width) + " x " +
+                                             std::to_string(plan.window->height) + " pixels");
             ++total.pages;
             total.rows += plan.picture.height;
             if (!common.explain || common.json)
@@ -156,6 +166,7 @@ private:
     CommonOptions common;
     OutputRules rules = {FileKind::Png, false};
     WindowSize window;
+    bool windowIsGiven = false;
     std::string map;
     std::uint64_t limit = 300000;
 };

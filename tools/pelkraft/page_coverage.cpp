@@ -266,26 +266,25 @@ std::optional<std::uint64_t> TakeThousandths(std::string_view& rest)
     return number;
 }
 
-std::int64_t PixelsOf(double length, double pixelsPerUnit, std::uint32_t most)
-{
-    const double pixels = std::round(length * pixelsPerUnit);
-    return static_cast<std::int64_t>(std::clamp(pixels, 1.0, static_cast<double>(most)));
-}
-
-std::optional<WindowShape> WindowOf(const TiffPicture& picture, const PageResolution& resolution,
-                                    const WindowSize& size)
+// A window as it is asked for, and the part of it that has room on the page.
+void SetWindow(CoveragePlan& plan, const WindowSize& size)
 {
     double across = 1;
     double down = 1;
     if (size.unit != "px") {
-        if (!resolution.HasLength())
-            return std::nullopt;
+        if (!plan.resolution.HasLength())
+            return;
         const double mm = size.unit == "in" ? mmPerInch : 1;
-        across = resolution.PixelsPerMmAcross() * mm;
-        down = resolution.PixelsPerMmDown() * mm;
+        across = plan.resolution.PixelsPerMmAcross() * mm;
+        down = plan.resolution.PixelsPerMmDown() * mm;
     }
-    return WindowShape{picture.width, PixelsOf(size.length, across, picture.width),
-                       PixelsOf(size.length, down, picture.height)};
+    const auto fit = [&](double pixels, std::uint32_t most) {
+        plan.windowIsCut = plan.windowIsCut || pixels > static_cast<double>(most);
+        return static_cast<std::int64_t>(std::clamp(pixels, 1.0, static_cast<double>(most)));
+    };
+    const std::int64_t width = fit(std::round(size.length * across), plan.picture.width);
+    const std::int64_t height = fit(std::round(size.length * down), plan.picture.height);
+    plan.window = WindowShape{plan.picture.width, width, height};
 }
 
 } // namespace
@@ -330,7 +329,7 @@ CoveragePlan PlanCoverage(const TiffFile& file, const InputOptions& input, const
     plan.resolution = ReadResolution(file);
     plan.inks = ReadPageInks(file, plan.picture);
     plan.codes = ReadInkCodes(file, plan.picture, input);
-    plan.window = WindowOf(plan.picture, plan.resolution, window);
+    SetWindow(plan, window);
     plan.threshold = limit * plan.Full() / thousandthsOfAll;
     return plan;
 }

@@ -39,6 +39,8 @@ struct CoveragePlan
     std::vector<PageInk> inks;
     // None where the page has no resolution and the size wants one.
     std::optional<WindowShape> window;
+    // The size asks for a window that reaches beyond the page.
+    bool windowIsCut = false;
     // Sums of a pixel above this are above the limit.
     std::uint64_t threshold = 0;
 
