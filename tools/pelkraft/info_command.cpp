@@ -5,6 +5,7 @@
 #include "tools/pelkraft/image_options.h"
 #include "tools/pelkraft/info_report.h"
 #include "tools/pelkraft/interrupt.h"
+#include "tools/pelkraft/missing_data.h"
 #include "tools/pelkraft/text_output.h"
 
 #include <CLI/CLI.hpp>
@@ -87,16 +88,31 @@ private:
         facts.bytes = file.Size();
         facts.bigForm = TIFFIsBigTIFF(file.Get()) != 0;
         facts.bigEndian = TIFFIsBigEndian(file.Get()) != 0;
+        bool truncated = false;
         VisitPages(file, input.pages, [&](int page) {
             facts.pages.push_back(ReadPageFacts(file, input, page));
             rows += facts.pages.back().picture.height;
             if (statistics && !common.dryRun)
                 Count(file, facts.pages.back());
+            else
+                truncated = WarnOfMissingData(file) || truncated;
         });
         file.RequireSound();
-        for (const std::string& warning : file.Warnings())
-            PrintWarning(path, warning);
+        for (const std::string& warning : file.Warnings()) {
+            // It is libtiff's word for the same.
+            if (!truncated || warning.find("Bogus \"StripByteCounts\"") == std::string::npos)
+                PrintWarning(path, warning);
+        }
         return facts;
+    }
+
+    // Answers whether the page has lost data.
+    static bool WarnOfMissingData(const TiffFile& file)
+    {
+        const std::string words = MissingDataWords(file);
+        if (!words.empty())
+            PrintWarning(file.Path(), words);
+        return !words.empty();
     }
 
     void Count(const TiffFile& file, PageFacts& facts) const

@@ -1,6 +1,7 @@
 #include "tools/pelkraft/tiff_picture.h"
 
 #include "tools/pelkraft/failure.h"
+#include "tools/pelkraft/missing_data.h"
 
 #include <algorithm>
 #include <limits>
@@ -97,6 +98,13 @@ void RefuseTileShape(const TiffFile& file, const TiffPicture& picture)
                       "needs over 4 GiB for one row of tiles; supported is up to 4 GiB");
 }
 
+// libtiff cuts long strips into short ones, which the file doesn't know.
+[[noreturn]] void ThrowMissing(const TiffFile& file, const std::string& seenByLibtiff)
+{
+    const std::string stored = MissingDataWords(file);
+    throw Failure(ExitCode::BadInput, file.Path(), stored.empty() ? seenByLibtiff : stored);
+}
+
 // A damaged or hostile directory is found here, before its sizes reach an allocation.
 void RefuseMissingData(const TiffFile& file, const TiffPicture& picture)
 {
@@ -120,11 +128,7 @@ void RefuseMissingData(const TiffFile& file, const TiffPicture& picture)
         if (failed != 0)
             file.Throw(ExitCode::BadInput, "does not say where its " + name + " is");
         if (offset > file.Size() || bytes > file.Size() - offset)
-            throw Failure(ExitCode::BadInput, file.Path(),
-                          "is truncated: its " + name + " of " + std::to_string(count) + " has " +
-                              std::to_string(bytes) + " bytes from byte " + std::to_string(offset) +
-                              " on, and the file ends after " + std::to_string(file.Size()) +
-                              "; get a whole copy of it");
+            ThrowMissing(file, MissingBlockWords(name, count, bytes, offset, file.Size()));
         if (bytes == 0)
             file.Throw(ExitCode::BadInput, "has no bytes in its " + name + " of " +
                                                std::to_string(count) +

@@ -7,7 +7,7 @@ import numpy
 import pytest
 import tifffile
 
-from pictures import PROFILE, UNDEFINED, random_samples, reverse_strips, write_inks, write_plate
+from pictures import PROFILE, UNDEFINED, cut, random_samples, reverse_strips, write_inks, write_plate
 
 PATTERN = """DotWeavePattern VERSION 2 BEGIN_OUT_INKS NAME END_OUT_INKS
 BEGIN_IN_COLORS NAME END_IN_COLORS
@@ -165,14 +165,27 @@ def test_pages_are_chosen(tmp_path, succeed, refuse):
     refuse(2, ["in.tif", "no page 4"], "info", "--page", "4", "in.tif")
 
 
-def test_no_sample_is_read_without_stats(tmp_path, succeed, refuse):
-    """The samples of the file aren't even there."""
-    tifffile.imwrite(tmp_path / "in.tif", numpy.zeros((100, 100), numpy.uint8), metadata=None,
-                     rowsperstrip=10)
-    whole = (tmp_path / "in.tif").read_bytes()
-    (tmp_path / "in.tif").write_bytes(whole[:-5000])
-    assert only_page(succeed("info", "--json", "in.tif"))["height"] == 100
-    refuse(3, ["in.tif", "truncated"], "info", "--stats", "in.tif")
+@pytest.mark.parametrize("rows, strip", [(10, 6), (200, 1)])
+def test_no_sample_is_read_without_stats(tmp_path, run, refuse, rows, strip):
+    """The samples of the file aren't even there, which all verbs tell in the same words."""
+    tifffile.imwrite(tmp_path / "in.tif", numpy.zeros((200, 100), numpy.uint8), metadata=None,
+                     rowsperstrip=rows)
+    with tifffile.TiffFile(tmp_path / "in.tif") as file:
+        place = file.pages[0].dataoffsets[strip - 1]
+        bytes_of_strip = file.pages[0].databytecounts[strip - 1]
+    size = place + bytes_of_strip // 2
+    cut(tmp_path / "in.tif", size)
+    count = 200 // rows
+    words = (f"is truncated: its strip {strip} of {count} has {bytes_of_strip} bytes from byte "
+             f"{place} on, and the file ends after {size}; get a whole copy of it\n")
+    outcome = run("info", "--json", "in.tif")
+    assert (outcome.code, outcome.errors) == (0, f"pelkraft: in.tif: warning: {words}")
+    assert only_page(outcome)["height"] == 200
+    for verb in (["info", "--stats", "in.tif"], ["coverage", "in.tif"],
+                 ["convert", "in.tif", "out.tif"]):
+        assert refuse(3, [], *verb).errors == f"pelkraft: in.tif: {words}"
+    assert f"strip {strip} of {count} with {bytes_of_strip} bytes from byte {place};" in \
+        run("check", "in.tif", "--rules", "truncated").output
 
 
 def test_samples_that_the_library_lacks_are_shown_and_not_counted(tmp_path, succeed, refuse):
