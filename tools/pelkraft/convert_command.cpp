@@ -148,7 +148,10 @@ private:
         verb->add_option("--layout", layout,
                          "Samples of a pixel side by side, or one plane per channel")
             ->check(CLI::IsMember({"interleaved", "planar"}));
-        verb->add_option("--bits", bits, "Bits per sample")->check(CLI::IsMember({1, 2, 8, 16}));
+        verb->add_option(
+                "--bits", bits,
+                "Bits per sample; 1 cuts tones at one half, and pelkraft simulate makes screens")
+            ->check(CLI::IsMember({1, 2, 8, 16}));
         verb->add_option("--channels", options.channels,
                          "New channels, each by the number or name of an old one, or - for an "
                          "empty one: 2,1,0,3 or Cyan,Black")

@@ -143,6 +143,11 @@ private:
     void PlanWork()
     {
         const bool sameDepth = picture.bits == request.newBits;
+        if (sameDepth && HasAmounts(picture.photometric) && input.rangeWork == RangeWork::Scale)
+            range.losses.push_back("--dot-range scale moves no sample: it maps " +
+                                   Words({range.old.none, range.old.full}) +
+                                   " to the same range at the new depth, which is the old one; "
+                                   "--dot-range full maps it to all samples");
         const bool mapped = HasAmounts(picture.photometric) && input.rangeWork != RangeWork::Keep &&
                             (!sameDepth || range.fresh != range.old || unequal);
         SampleLine line = {range.old.none, range.old.full, range.fresh.none, range.fresh.full};

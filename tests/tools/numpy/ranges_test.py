@@ -7,7 +7,7 @@ import numpy
 import pytest
 import tifffile
 
-from pictures import DOT_RANGE, SHORT, random_samples
+from pictures import DOT_RANGE, SHORT, random_samples, read_inks, write_inks
 
 RANGES = [(5, 250), (0, 255), (250, 5), (100, 120)]
 
@@ -80,3 +80,19 @@ def test_strips_are_those_of_the_file(tmp_path, succeed, rows, words):
     tifffile.imwrite(tmp_path / "in.tif", random_samples(5, (300, 400), 8), metadata=None,
                      photometric="minisblack", rowsperstrip=rows or 300)
     assert words in succeed("info", "in.tif").output
+
+
+@pytest.mark.parametrize("options, moves", [
+    (["5,250", "scale"], False), (["scale", "5,250"], False), (["scale"], False),
+    (["5,250", "full"], True)])
+def test_a_range_that_moves_no_sample_says_so(tmp_path, run, options, moves):
+    samples = random_samples(3, (9, 11, 4), 8)
+    write_inks(tmp_path / "in.tif", samples, ["Cyan", "Magenta", "Yellow", "Black"])
+    words = [word for option in options for word in ("--dot-range", option)]
+    outcome = run("convert", "in.tif", "out.tif", *words)
+    assert outcome.code == 0
+    assert ("--dot-range scale moves no sample" in outcome.errors) == (not moves)
+    assert ("--dot-range full maps it to all samples" in outcome.errors) == (not moves)
+    assert numpy.array_equal(read_inks(tmp_path / "out.tif")[0].samples, samples) == (not moves)
+    outcome = run("convert", "in.tif", "out.tif", *words, "--bits", "16")
+    assert "moves no sample" not in outcome.errors
