@@ -69,7 +69,7 @@ def test_dot_range(tmp_path, page_of, old, new, way):
     image = samples_of(old, (19, 23, 4))
     for low, high in RANGES[old]:
         write(tmp_path / "in.tif", image, INKS, (low, high))
-        # Where scale moves no sample there is a warning.
+        # There is a warning where scale moves no sample.
         page = page_of("-q", "--bits", new, "--dot-range", way)
         ends = tuple(nearest(Fraction(end * new_top, top)) for end in (low, high))
         target = (0, new_top) if way == "full" else ends
