@@ -40,6 +40,8 @@ const whole = [
     ["a step twice", pattern("1 1 0-1\n1 1 0-2")],
     ["a step beyond", pattern("9 1 0-1")],
     ["a gap", pattern("1 1 0-1\n3 1 0-1")],
+    ["a comma after a name", pattern("1 1 0-1", { inks: "A, B" })],
+    ["blanks in a ratio", pattern("1 1 : 3 0-1 0-2")],
     ["too many entries", pattern("1 1:1 0-1 0-2 0-3")],
     ["an entry too few", pattern("1 1:1 0-1\n")],
     ["a line that ends", pattern("1")],
