@@ -156,7 +156,9 @@ test("journeys", async (all) => {
         await bars.waitFor();
         await bars.click();
         assert.equal(await cursorLine(page), "Line 13: Cyan, step 4");
-        assert.equal(await page.locator("[aria-current=true].step-bars").count(), 1);
+        const current = page.locator("[aria-current=true].step-bars");
+        await current.waitFor();
+        assert.equal(await current.count(), 1);
         await page.getByRole("button", { name: "Show its shares" }).click();
         assert.match(await page.evaluate(() => document.activeElement.textContent), /^Cyan step 4/);
 
