@@ -41,7 +41,7 @@ def test_a_page_that_fails_is_told_and_the_others_are_made(make_jobs, tmp_path):
     jobs = make_jobs(5)
     (tmp_path / "in" / "3.tif").write_bytes(b"no picture")
     ended = run(3, tmp_path / "in", "--to", tmp_path / "out")
-    assert "3.tif: is no sound TIFF file" in ended.stderr
+    assert "3.tif: is not a TIFF file" in ended.stderr
     assert "1 of 5 pages failed" in ended.stderr
     assert ended.returncode == 10
     check_mirrored(jobs[:2] + jobs[3:])
