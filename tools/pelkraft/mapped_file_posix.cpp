@@ -44,9 +44,10 @@ extern "C" void FillMissingPage(int signalNumber, siginfo_t* information, void*)
 // The range with this end, 0 for one that is free; null if there is none.
 Range* RangeUpTo(std::uintptr_t end)
 {
-    auto* const found = std::find_if(ranges.begin(), ranges.end(),
-                                     [end](const Range& range) { return range.end == end; });
-    return found == ranges.end() ? nullptr : &*found;
+    Range* const last = ranges.data() + ranges.size();
+    Range* const found =
+        std::find_if(ranges.data(), last, [end](const Range& range) { return range.end == end; });
+    return found == last ? nullptr : found;
 }
 
 } // namespace
