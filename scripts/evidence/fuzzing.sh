@@ -43,7 +43,7 @@ run_round() {
     local target=$1 build=$2 record=$3 log=$4
     # shellcheck disable=SC2046 # a list of words
     (cd build/fuzz && TIMEFORMAT='processor: %U %S' && time ./fuzz/fuzz_"$target" \
-        -max_total_time=$round_seconds -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 \
+        -max_total_time=$round_seconds -timeout=300 -rss_limit_mb=2048 -print_final_stats=1 \
         $(options_of "$target") "found/$target" "../../fuzz/corpus/$(corpus_of "$target")") \
         >"$log" 2>&1 ||
         { tail -n 40 "$log" && return 1; }
