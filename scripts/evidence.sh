@@ -4,8 +4,8 @@
 #   evidence.sh [LINE...]            runs these lines whole, or all of them, which takes half a day
 #   evidence.sh --sample [LINE...]   runs a short fixed sample and writes nothing
 # A line has a script in scripts/evidence/, which gets "whole" or "sample", exits with 0 if all holds,
-# and prints its figure on a line that begins with "figure: ". A script of two lines gets the name
-# of the line too.
+# and prints its figure on a line that begins with "figure: ". A script of several lines gets
+# the name of the line too.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
@@ -24,7 +24,7 @@ all_lines() {
 run_script() {
     case $1 in
     guard_pages | outside_bytes) bash scripts/evidence/bounds.sh "$extent" "$1" ;;
-    fuzzing | fuzzing_program) bash scripts/evidence/fuzzing.sh "$extent" "$1" ;;
+    fuzz_*) bash scripts/evidence/fuzzing.sh "$extent" "$1" ;;
     *) bash "scripts/evidence/$1.sh" "$extent" ;;
     esac
 }

@@ -91,10 +91,18 @@ look_at_script() {
 code_of() { cat "$@" | grep -Ev '^ *(#|echo)'; }
 has_word() { grep -qE -- "(^|[ |\"])$1([ )|\"]|\$)"; }
 
-# A line of the evidence has a script of its own name, or evidence.sh names another one.
+# A line of the evidence is a target of fuzzing, or has a script of its own name, or evidence.sh names
+# another one.
 takes_line() {
-    [ -f "$source_dir/scripts/evidence/$1.sh" ] ||
-        grep -qE "[ |]$1[ )].* bash scripts/evidence/" "$source_dir/scripts/evidence.sh"
+    local targets=$source_dir/fuzz/CMakeLists.txt
+    case $1 in
+    fuzz_verb_*) grep -qE "^set\(verbs( .*)? ${1#fuzz_verb_}[ )]" "$targets" ;;
+    fuzz_*) grep -qE "^pelkraft_fuzzer\($1( |\$)" "$targets" ;;
+    *)
+        [ -f "$source_dir/scripts/evidence/$1.sh" ] ||
+            grep -qE "[ |]$1[ )].* bash scripts/evidence/" "$source_dir/scripts/evidence.sh"
+        ;;
+    esac
 }
 
 # Runs a command in the copy as a reader's shell would.
