@@ -124,29 +124,26 @@ void StepRow(const DirectPlan& plan, const unsigned char* source, unsigned char*
     plan.kernels->pixels->step(plan.step, {&source, &target, 1}, pixels);
 }
 
+// A method is made for its own kinds alone.
 template <PassKind kind>
 constexpr RowMethod MethodOf()
 {
-    switch (kind) {
-    case PassKind::Copy:
+    using enum PassKind;
+    if constexpr (kind == Copy)
         return CopyRow;
-    case PassKind::MirrorBits:
+    else if constexpr (kind == MirrorBits)
         return MirrorRow;
-    case PassKind::Move:
-    case PassKind::Clear:
+    else if constexpr (kind == Move || kind == Clear)
         return RunByPass;
-    case PassKind::Step:
+    else if constexpr (kind == Step)
         return StepRow;
-    case PassKind::Split:
-    case PassKind::PackSplit:
-    case PassKind::SplitWiden:
-    case PassKind::NarrowSplit:
+    else if constexpr (kind == Split || kind == PackSplit || kind == SplitWiden ||
+                       kind == NarrowSplit)
         return SplitRow<kind>;
-    case PassKind::Merge:
+    else if constexpr (kind == Merge)
         return MergeRow;
-    default:
+    else
         return SampleRow<kind>;
-    }
 }
 
 template <std::size_t... kind>
