@@ -1,4 +1,5 @@
 #include "tests/c_interface/pattern_calls.h"
+#include "tests/c_interface/sealed_record.h"
 #include "tests/direct/levels.h"
 #include "tests/pattern/pattern_support.h"
 #include "tests/support/guarded_buffer.h"
@@ -61,6 +62,22 @@ TEST(SavedPattern, IsRefusedWithAnyByteChangedAndAnyByteGone)
         ASSERT_EQ(LoadFailure(record.substr(0, i)).status, PLK_BAD_RECORD) << i;
     }
     EXPECT_EQ(LoadFailure(record + "x").status, PLK_BAD_RECORD);
+}
+
+TEST(SavedPattern, IsRefusedWithAnEngineThatKeepsNoRecords)
+{
+    const std::string text = exampleText;
+    for (const std::int32_t engine : {1, 4, -1}) {
+        Bytes content;
+        AppendNumber(content, static_cast<std::uint32_t>(engine), 4);
+        content.insert(content.end(), text.begin(), text.end());
+        const Bytes record = SealedRecord({'p', 'l', 'k', 'D'}, 1, content);
+        const plk_failure failure = LoadFailure(std::string(record.begin(), record.end()));
+        EXPECT_EQ(failure.status, PLK_BAD_RECORD);
+        EXPECT_EQ(failure.given, engine);
+        EXPECT_EQ(std::string(failure.text),
+                  "record names the engine " + std::to_string(engine) + "; it must be 0, 2 or 3");
+    }
 }
 
 TEST(SavedPattern, IsRefusedWithoutItsBytes)

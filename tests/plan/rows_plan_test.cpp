@@ -168,6 +168,8 @@ TEST(RowsPlan, OwnsItsMapAndMoves)
     RowsPlan plan(RequestOf({{1, 1, 8, false}, {1, 1, 8, false}}, 0));
     plan = std::move(made);
     CheckRows(kept, plan, 3, seed);
+    const RowsPlan last(std::move(plan));
+    CheckRows(kept, last, 3, seed);
 }
 
 } // namespace
