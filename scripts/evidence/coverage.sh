@@ -32,8 +32,10 @@ gcovr --root . "${filters[@]/%//}" -j "$(nproc)" \
     --exclude-throw-branches --exclude-unreachable-branches \
     --json build/coverage/coverage.json build/coverage
 
-# A file that no test program holds is in no report.
-for source in $(git ls-files "${rooms[@]/%//*.cpp}" ':!*_windows.cpp'); do
+# A file that no test program holds is in no report. The mask's maker is none of the library's, and
+# a test in Release makes the mask anew with it.
+for source in $(git ls-files "${rooms[@]/%//*.cpp}" ':!*_windows.cpp' \
+    ':!dither/mask_generator.cpp' ':!dither/write_mask_table.cpp'); do
     grep -q "\"file\": \"$source\"" build/coverage/coverage.json ||
         { echo "coverage.sh: $source is not in the report" >&2 && exit 1; }
 done
