@@ -24,6 +24,7 @@ all_lines() {
 run_script() {
     case $1 in
     guard_pages | outside_bytes) bash scripts/evidence/bounds.sh "$extent" "$1" ;;
+    mutants_*) bash scripts/evidence/mutants.sh "$extent" "$1" ;;
     fuzz_*) bash scripts/evidence/fuzzing.sh "$extent" "$1" ;;
     *) bash "scripts/evidence/$1.sh" "$extent" ;;
     esac

@@ -14,4 +14,5 @@ cmake --preset debug
 cmake --build --preset debug -j "$(nproc)" --target pelkraft_objects
 ctest --test-dir build/debug --output-on-failure -R vector_objects
 
-bash scripts/evidence.sh --sample threads undefined_bytes sizes mutants coverage static_analysis
+bash scripts/evidence.sh --sample threads undefined_bytes sizes mutants_planted mutants_automatic \
+    coverage static_analysis

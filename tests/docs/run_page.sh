@@ -91,8 +91,8 @@ look_at_script() {
 code_of() { cat "$@" | grep -Ev '^ *(#|echo)'; }
 has_word() { grep -qE -- "(^|[ |\"])$1([ )|\"]|\$)"; }
 
-# A line of the evidence is a target of fuzzing, or has a script of its own name, or evidence.sh names
-# another one.
+# A line of the evidence is a target of fuzzing, or has a script of its own name, or is named in that
+# of several lines.
 takes_line() {
     local targets=$source_dir/fuzz/CMakeLists.txt
     case $1 in
@@ -100,7 +100,7 @@ takes_line() {
     fuzz_*) grep -qE "^pelkraft_fuzzer\($1( |\$)" "$targets" ;;
     *)
         [ -f "$source_dir/scripts/evidence/$1.sh" ] ||
-            grep -qE "[ |]$1[ )].* bash scripts/evidence/" "$source_dir/scripts/evidence.sh"
+            grep -rqE "^#   .* whole\|sample (.*\|)?$1([ |]|$)" "$source_dir/scripts/evidence"
         ;;
     esac
 }
