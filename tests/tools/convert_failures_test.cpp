@@ -130,18 +130,32 @@ TEST_F(ConvertFailures, TellWhichStripIsMissing)
 
 TEST_F(ConvertFailures, TellWhichRowCantBeDecoded)
 {
-    FileForm form;
-    form.compression = COMPRESSION_ADOBE_DEFLATE;
-    WriteTiff(Path("in.tif"), RandomImage(40, 9, 3, 8, 5), form);
-    TIFF* tiff = TIFFOpen(Path("in.tif").c_str(), "r");
-    const auto start = static_cast<std::size_t>(TIFFGetStrileOffset(tiff, 1));
-    const auto size = static_cast<std::size_t>(TIFFGetStrileByteCount(tiff, 1));
-    TIFFClose(tiff);
-    std::string bytes = Bytes(Path("in.tif"));
-    bytes.replace(start, size, std::string(size, '\xFF'));
-    WriteBytes(Path("in.tif"), bytes);
-    EXPECT_TRUE(Refused(Convert(), 3, {"in.tif", "row 4", "damaged"}));
-    EXPECT_TRUE(LeftNothing());
+    struct Damage
+    {
+        FileForm form;
+        std::uint32_t block;
+        std::string row;
+    };
+    FileForm strips;
+    strips.compression = COMPRESSION_ADOBE_DEFLATE;
+    FileForm planes = strips;
+    planes.separate = true;
+    FileForm tiles = strips;
+    tiles.tile = 16;
+    // Three strips a plane, and three tiles side by side.
+    for (const auto& [form, block, row] : {Damage{strips, 1, "row 4"}, Damage{planes, 1, "row 4"},
+                                           Damage{planes, 8, "row 7"}, Damage{tiles, 2, "row 1"}}) {
+        WriteTiff(Path("in.tif"), RandomImage(40, 9, 3, 8, 5), form);
+        TIFF* tiff = TIFFOpen(Path("in.tif").c_str(), "r");
+        const auto start = static_cast<std::size_t>(TIFFGetStrileOffset(tiff, block));
+        const auto size = static_cast<std::size_t>(TIFFGetStrileByteCount(tiff, block));
+        TIFFClose(tiff);
+        std::string bytes = Bytes(Path("in.tif"));
+        bytes.replace(start, size, std::string(size, '\xFF'));
+        WriteBytes(Path("in.tif"), bytes);
+        EXPECT_TRUE(Refused(Convert(), 3, {"in.tif", row, "damaged"}));
+        EXPECT_TRUE(LeftNothing());
+    }
 }
 
 // Whatever a damaged file says, the program ends by itself and leaves a whole file or none.
