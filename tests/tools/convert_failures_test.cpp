@@ -121,11 +121,15 @@ TEST_F(ConvertFailures, TellWhichStripIsMissing)
     WriteDirectoryFirst(Path("in.tif"));
     ASSERT_EQ(0, Convert().exitCode);
     std::filesystem::remove(Path("out.tif"));
-    std::filesystem::resize_file(Path("in.tif"), std::filesystem::file_size(Path("in.tif")) - 1300);
-    EXPECT_TRUE(Refused(Convert(), 3,
-                        {"in.tif: is truncated: its strip 2 of 3 has 1200 bytes from byte ",
-                         "and the file ends after "}));
-    EXPECT_TRUE(LeftNothing());
+    const std::uintmax_t whole = std::filesystem::file_size(Path("in.tif"));
+    for (const auto& [lost, strip] : {std::pair(100U, "3"), std::pair(1300U, "2")}) {
+        std::filesystem::resize_file(Path("in.tif"), whole - lost);
+        EXPECT_TRUE(Refused(Convert(), 3,
+                            {std::string("in.tif: is truncated: its strip ") + strip +
+                                 " of 3 has 1200 bytes from byte ",
+                             "and the file ends after "}));
+        EXPECT_TRUE(LeftNothing());
+    }
 }
 
 TEST_F(ConvertFailures, TellWhichRowCantBeDecoded)
