@@ -37,6 +37,8 @@ TEST_F(UsageErrors, SayWhatIsWrongAndWhereHelpIs)
         {{"convert", "--lay", "planar"},
          "--lay is no option of pelkraft convert. Did you mean --layout? See pelkraft convert "
          "--help"},
+        // It begins --explain and --export.
+        {{"mask", "--exp"}, "--exp is no option of pelkraft mask. See pelkraft mask --help"},
         {{"convert", "a", "b", "-z"},
          "-z is no option of pelkraft convert. See pelkraft convert --help"},
         {{"simulate", "--colour", "never"},
