@@ -26,6 +26,28 @@ protected:
         form.rowsPerStrip = 50;
         WriteTiff(Path("in.tif"), RandomImage(3000, 1300, 2, 8, 77), form);
     }
+
+    // The small pattern, called for row after row of the input's tones as steps, gives the output.
+    void ExpectRowsOf(DotWeavePattern::Engine engine)
+    {
+        FileForm form;
+        const TiffImage in = ReadTiff(Path("in.tif"), form);
+        const TiffImage out = Output();
+        std::string text = smallPattern;
+        DotWeavePattern pattern(text.data(), engine);
+        for (int y = 0; y < in.height; ++y) {
+            std::vector<unsigned char> steps;
+            for (int x = 0; x < in.width; ++x) {
+                steps.push_back(static_cast<unsigned char>(in.At(x, y, 0) / 64));
+                steps.push_back(static_cast<unsigned char>(in.At(x, y, 1) / 128));
+            }
+            std::vector<unsigned char> inks(static_cast<std::size_t>(in.width) * 3);
+            pattern.ApplyPattern(steps.data(), inks.data(), static_cast<std::uint32_t>(in.width));
+            for (std::size_t i = 0; i < inks.size(); ++i)
+                ASSERT_EQ(inks[i], out.samples[static_cast<std::size_t>(y) * inks.size() + i])
+                    << "row " << y << " byte " << i;
+        }
+    }
 };
 
 // The bytes of the fixed pattern for a pixel's steps: Black, Cyan, Spot.
@@ -101,32 +123,21 @@ TEST_F(Simulation, GivesAColourWithoutABlockItsOnlyStep)
 TEST_F(Simulation, CallsThePatternOnceForEachRow)
 {
     WriteInput(RandomImage(700, 40, 2, 8, 5), "Cyan Black");
-    FileForm form;
-    const TiffImage in = ReadTiff(Path("in.tif"), form);
     const struct
     {
         const char* name;
         DotWeavePattern::Engine engine;
     } engines[] = {{"x86", DotWeavePattern::X86}, {"reference", DotWeavePattern::Reference}};
     for (const auto& [name, engine] : engines) {
+        SCOPED_TRACE(name);
         ASSERT_TRUE(
             EndedSilently(Simulate({"--levels", "quantize", "--engine", name, "--threads", "3"})));
-        const TiffImage out = Output();
-        std::string text = smallPattern;
-        DotWeavePattern pattern(text.data(), engine);
-        for (int y = 0; y < 40; ++y) {
-            std::vector<unsigned char> steps;
-            for (int x = 0; x < 700; ++x) {
-                steps.push_back(static_cast<unsigned char>(in.At(x, y, 0) / 64));
-                steps.push_back(static_cast<unsigned char>(in.At(x, y, 1) / 128));
-            }
-            std::vector<unsigned char> inks(std::size_t{700} * 3);
-            pattern.ApplyPattern(steps.data(), inks.data(), 700);
-            for (std::size_t i = 0; i < inks.size(); ++i)
-                ASSERT_EQ(inks[i], out.samples[static_cast<std::size_t>(y) * inks.size() + i])
-                    << name << " row " << y << " byte " << i;
-        }
+        ExpectRowsOf(engine);
     }
+    WriteLargeInput();
+    ASSERT_TRUE(
+        EndedSilently(Simulate({"--levels", "quantize", "--engine", "x86", "--threads", "2"})));
+    ExpectRowsOf(DotWeavePattern::X86);
 }
 
 TEST_F(Simulation, DrawsInThePatternsProportions)
