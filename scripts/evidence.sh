@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Gathers the evidence for what this library promises, line by line, and writes each line's figure,
 # date, machine and command into its row of docs/reliability.md.
-#   evidence.sh [LINE...]            runs these lines whole, or all of them, which takes half a day
+#   evidence.sh [LINE...]            runs these lines whole, or all of them, which takes most of a day
 #   evidence.sh --sample [LINE...]   runs a short fixed sample and writes nothing
 # A line has a script in scripts/evidence/, which gets "whole" or "sample", exits with 0 if all holds,
 # and prints its figure on a line that begins with "figure: ". A script of several lines gets
