@@ -50,7 +50,7 @@ TEST_F(Truncation, NamesTheBytesThatAreMissing)
     // A directory of one entry whose eight shorts lie at byte 26.
     const std::string header("II*\0\x08\0\0\0", 8);
     const std::string entry("\x02\x01\x03\0\x08\0\0\0\x1A\0\0\0", 12);
-    const std::string directory = std::string("\x01\0", 2) + entry + std::string(4, '\0');
+    const std::string directory = (std::string("\x01\0", 2) + entry).append(4, '\0');
     const std::string end = "; get a whole copy of it\n";
     EXPECT_EQ("is truncated: a header takes 8 bytes, and the file ends after 6" + end,
               Said(header.substr(0, 6)));
