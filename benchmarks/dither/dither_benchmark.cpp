@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <random>
-#include <string>
 #include <vector>
 
 // Pixels of four inks a second on one core: a page of many rows, of 8 and of 16 bits, at every
@@ -26,10 +25,12 @@ DitherPlan PlanOf(int bits, std::uint32_t steps)
     return DitherPlan({bits, std::vector<ChannelTones>(channels, tones)});
 }
 
-void DitherPage(benchmark::State& state, int level, int bits, std::uint32_t steps)
+// The level, the bits and the steps are the benchmark's arguments.
+void DitherPage(benchmark::State& state)
 {
-    SystemTools::LimitSseVersion(level);
-    const DitherPlan plan = PlanOf(bits, steps);
+    SystemTools::LimitSseVersion(static_cast<int>(state.range(0)));
+    const auto bits = static_cast<int>(state.range(1));
+    const DitherPlan plan = PlanOf(bits, static_cast<std::uint32_t>(state.range(2)));
     const std::uint64_t pixelBytes = channels * static_cast<std::uint64_t>(bits) / 8;
     std::mt19937 random(1);
     std::vector<unsigned char> page(width * height * pixelBytes);
@@ -49,17 +50,11 @@ void DitherPage(benchmark::State& state, int level, int bits, std::uint32_t step
 
 void RegisterAll()
 {
-    for (const int level : {7, 6, 3, 0}) {
-        if (level > SystemTools::GetSseVersion())
-            continue;
-        for (const int bits : {8, 16})
-            for (const std::uint32_t steps : {2U, 4U, 8U, 256U})
-                benchmark::RegisterBenchmark(("level" + std::to_string(level) + "/" +
-                                              std::to_string(bits) + "bits/" +
-                                              std::to_string(steps) + "steps")
-                                                 .c_str(),
-                                             DitherPage, level, bits, steps);
-    }
+    std::vector<std::int64_t> levels = {7, 6, 3, 0};
+    std::erase_if(levels, [](auto level) { return level > SystemTools::GetSseVersion(); });
+    benchmark::RegisterBenchmark("dither", DitherPage)
+        ->ArgNames({"level", "bits", "steps"})
+        ->ArgsProduct({levels, {8, 16}, {2, 4, 8, 256}});
 }
 
 } // namespace

@@ -37,7 +37,7 @@ std::string ClassAt(const ImageRowFormat& format, std::int32_t sseVersion)
 }
 
 // The classes of both ends differ by a word alone: an x stands for it.
-void ExpectClasses(std::string name, const ImageRowFormat& format, std::int32_t sseVersion)
+void ExpectClasses(const std::string& name, const ImageRowFormat& format, std::int32_t sseVersion)
 {
     const auto at = name.find('x');
     EXPECT_EQ(ClassAt<Load>(format, sseVersion), std::string(name).replace(at, 1, "Loader"));

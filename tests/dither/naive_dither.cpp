@@ -50,7 +50,7 @@ Bytes NaiveDither::RowOf(const Bytes& row, std::int64_t x, std::int64_t y) const
     for (std::size_t i = 0; i * sampleBytes != row.size(); ++i) {
         std::int64_t sample = row[i * sampleBytes];
         if (sampleBytes == 2)
-            sample += 256 * row[2 * i + 1];
+            sample += std::int64_t{256} * row[2 * i + 1];
         steps.push_back(static_cast<unsigned char>(StepOf(
             sample, i % channels.size(), x + static_cast<std::int64_t>(i / channels.size()), y)));
     }

@@ -121,7 +121,8 @@ PlacedRows PlaceRows(const NaiveGeometry& form, int rows, std::mt19937& engine)
     const std::ptrdiff_t inner = bytes + Below(4, engine);
     const bool rowsOutside = Below(2, engine) == 0;
     const int parts = rowsOutside ? planes : rows;
-    const std::ptrdiff_t outer = inner * std::max(parts, 1) + Below(2, engine) * Below(70, engine);
+    const std::ptrdiff_t outer =
+        inner * std::max(parts, 1) + std::ptrdiff_t{Below(2, engine)} * Below(70, engine);
     NaivePlacement at{0, rowsOutside ? outer : inner, rowsOutside ? inner : outer};
     if (rows == 0 || planes == 0)
         return {at, 0};

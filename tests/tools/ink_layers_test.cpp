@@ -47,7 +47,7 @@ TEST(InkLayers, MixLightByTheFormula)
                 }
                 layers.push_back({ink, look});
                 naive.push_back(
-                    {{look.colour[0], look.colour[1], look.colour[2]}, look.opacity, sample});
+                    {{look.colour[0], look.colour[1], look.colour[2]}, sample, look.opacity});
             }
             const Light light = InkLayers(codes, layers).LightOfPixel(pixel.data());
             const auto expected = NaivePrint(naive, codes.none, codes.full, codes.gain);

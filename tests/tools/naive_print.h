@@ -12,8 +12,8 @@ namespace zvk::Pelkraft::TestSupport {
 struct NaiveInk
 {
     std::array<int, 3> colour = {};
-    double opacity = 0;
     int sample = 0;
+    double opacity = 0;
 };
 
 inline double NaiveLight(double value)

@@ -12,9 +12,9 @@ namespace {
 
 constexpr const char* inkFile = "A #0090D0 0\nB #E0007A 0.25\nC #FFED00 0\n\"D e\" #FFFFFF 0.9\n";
 const NaiveInk looks[] = {{{0, 0x90, 0xD0}, 0, 0},
-                          {{0xE0, 0, 0x7A}, 0.25, 0},
+                          {{0xE0, 0, 0x7A}, 0, 0.25},
                           {{0xFF, 0xED, 0}, 0, 0},
-                          {{0xFF, 0xFF, 0xFF}, 0.9, 0}};
+                          {{0xFF, 0xFF, 0xFF}, 0, 0.9}};
 
 class PreviewOfInks : public SimulateFixture
 {

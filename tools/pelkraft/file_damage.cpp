@@ -9,7 +9,7 @@
 namespace zvk::Pelkraft::Client {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 constexpr const char* wanted = "; supported are TIFF and BigTIFF";
 constexpr const char* anew = "; get a whole copy of it";
