@@ -15,6 +15,7 @@ template <>
 struct FieldEnds<plk_dither_spec>
 {
     static constexpr std::array ends = {
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): the pointer itself is counted.
         DITHER_END(size),     DITHER_END(bits), DITHER_END(tones),
         DITHER_END(channels), DITHER_END(road), DITHER_END(mask),
     };

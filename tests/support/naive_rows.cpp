@@ -47,8 +47,8 @@ unsigned TargetSample(const NaiveJoin& join, const std::vector<unsigned>& sample
         return entry == -1 ? 0 : static_cast<unsigned>(-2 - entry);
     const int nth = pixel / join.repeat;
     const int from = join.mirrored ? join.source.width - 1 - nth : nth;
-    const unsigned value =
-        SampleOf(join, samples[static_cast<std::size_t>(from * join.source.channels + entry)]);
+    const std::ptrdiff_t sample = std::ptrdiff_t{from} * join.source.channels + entry;
+    const unsigned value = SampleOf(join, samples[static_cast<std::size_t>(sample)]);
     return join.inverted ? FullScale(TreatedBits(join.target)) - value : value;
 }
 

@@ -148,7 +148,7 @@ TEST_F(ConvertLosses, OfPrivateTagsAreNamedWhereTheirBytesCannotBeCarried)
             EXPECT_EQ(0, std::memcmp(values, bytes.data(), count));
             ASSERT_EQ(1, TIFFGetField(tiff, privateWords, &count, &values));
             ASSERT_EQ(words.size(), count);
-            EXPECT_EQ(0, std::memcmp(values, words.data(), 2 * count));
+            EXPECT_EQ(0, std::memcmp(values, words.data(), std::size_t{2} * count));
             EXPECT_EQ(0, TIFFGetField(tiff, privateFraction, &count, &values));
         } while (TIFFReadDirectory(tiff) == 1);
     });

@@ -29,10 +29,11 @@ std::vector<double> NaiveSpectrum(const std::vector<double>& field, int side)
     for (int v = -side / 2 + 1; v <= side / 2; ++v) {
         for (int u = -side / 2 + 1; u <= side / 2; ++u) {
             std::complex<double> wave = 0;
+            std::size_t at = 0;
             for (int y = 0; y < side; ++y) {
                 for (int x = 0; x < side; ++x)
-                    wave += (field[static_cast<std::size_t>(y * side + x)] - mean) *
-                            std::polar(1.0, -2 * pi * (u * x + v * y) / side);
+                    wave +=
+                        (field[at++] - mean) * std::polar(1.0, -2 * pi * (u * x + v * y) / side);
             }
             const long k = std::lround(std::sqrt(u * u + v * v));
             if (k > side / 2)
@@ -49,13 +50,12 @@ std::vector<double> NaiveSpectrum(const std::vector<double>& field, int side)
 
 TEST(Spectrum, EqualsTheSumOfEachWave)
 {
-    for (const int side : {2, 4, 8, 16, 32}) {
+    for (const std::size_t side : {2U, 4U, 8U, 16U, 32U}) {
         std::vector<double> field;
-        for (const unsigned char byte :
-             RandomBytes(static_cast<std::size_t>(side * side), static_cast<std::uint32_t>(side)))
+        for (const unsigned char byte : RandomBytes(side * side, static_cast<std::uint32_t>(side)))
             field.push_back(byte);
-        const auto expected = NaiveSpectrum(field, side);
-        const auto power = RadialSpectrum(field, static_cast<std::size_t>(side));
+        const auto expected = NaiveSpectrum(field, static_cast<int>(side));
+        const auto power = RadialSpectrum(field, side);
         ASSERT_EQ(expected.size(), power.size());
         for (std::size_t k = 0; k < power.size(); ++k)
             EXPECT_NEAR(expected[k], power[k], 1e-9) << side << " " << k;
@@ -65,8 +65,8 @@ TEST(Spectrum, EqualsTheSumOfEachWave)
 TEST(Spectrum, FindsAWaveAndNothingInAnEvenField)
 {
     std::vector<double> field;
-    for (int i = 0; i < 64 * 64; ++i)
-        field.push_back(std::cos(2 * pi * 5 * (i / 64) / 64));
+    for (int y = 0; y < 64; ++y)
+        field.insert(field.end(), 64, std::cos(2 * pi * 5 * y / 64));
     const auto power = RadialSpectrum(field, 64);
     for (std::size_t k = 0; k < power.size(); ++k)
         EXPECT_EQ(k == 5, power[k] > 1) << k;
@@ -77,7 +77,7 @@ TEST(Spectrum, FindsAWaveAndNothingInAnEvenField)
 TEST(Spectrum, IsOneForWhiteNoise)
 {
     std::vector<double> field;
-    for (const unsigned char byte : RandomBytes(256 * 256, 3))
+    for (const unsigned char byte : RandomBytes(std::size_t{256} * 256, 3))
         field.push_back(byte % 2);
     const auto power = RadialSpectrum(field, 256);
     for (std::size_t k = 20; k < power.size(); ++k)

@@ -222,6 +222,7 @@ void JoinPage(const std::vector<TiffFile>& files, const TiffFile& out, const Joi
     PlateBands plates(files, plan, bandRows);
     StripWriter writer(out, plan.to);
     std::vector<std::pair<RowPipeline, RowBuffer>> work;
+    work.reserve(static_cast<std::size_t>(threads));
     for (int worker = 0; worker < threads; ++worker)
         work.emplace_back(RowPipeline(plan.rows),
                           RowBuffer(static_cast<std::size_t>(planes.RowBytes())));

@@ -34,6 +34,7 @@ std::vector<int> ChooseChannels(const TiffFile& file, const std::vector<Channel>
         return chosen;
     }
     std::vector<int> chosen;
+    chosen.reserve(inks.size());
     for (const PageInk& ink : inks)
         chosen.push_back(static_cast<int>(ink.sample));
     if (chosen.size() < channels.size())
@@ -166,6 +167,7 @@ void SplitPage(const TiffFile& file, const std::vector<const TiffFile*>& plates,
     const std::uint32_t bandRows = BandRows(plan.from, planes);
     BandReader reader(file, plan.from, bandRows);
     std::vector<std::pair<RowPipeline, RowBuffer>> work;
+    work.reserve(static_cast<std::size_t>(threads));
     for (int worker = 0; worker < threads; ++worker)
         work.emplace_back(RowPipeline(plan.rows),
                           RowBuffer(static_cast<std::size_t>(planes.RowBytes())));

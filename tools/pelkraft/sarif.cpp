@@ -108,8 +108,9 @@ Json ResultJson(const SarifResult& result, const std::string& ruleId)
 
 std::string SarifFingerprint(const std::string& rule, const std::string& content, std::size_t count)
 {
+    const std::string place = rule + '\n' + content + '\n' + std::to_string(count);
     std::uint64_t hash = 14695981039346656037U;
-    for (const char letter : rule + '\n' + content + '\n' + std::to_string(count))
+    for (const char letter : place)
         hash = (hash ^ static_cast<unsigned char>(letter)) * 1099511628211U;
     char words[17];
     std::snprintf(words, sizeof words, "%016llx", static_cast<unsigned long long>(hash));
