@@ -10,7 +10,7 @@
 #define SPEC_END(field) PELKRAFT_FIELD_END(plk_spec, field)
 // The end of a field of one of the two formats.
 #define FORMAT_END(side, field)                                                                    \
-    static_cast<std::uint32_t>(offsetof(plk_spec, side)) + PELKRAFT_FIELD_END(plk_format, field)
+    (static_cast<std::uint32_t>(offsetof(plk_spec, side)) + PELKRAFT_FIELD_END(plk_format, field))
 
 namespace zvk::Pelkraft {
 

@@ -170,7 +170,7 @@ std::string TextOfRefusal(const ConversionPlan& plan, const Image& source, Image
         plan(source, target);
     } catch (const PelkraftError& error) {
         EXPECT_EQ(error.GetStatus(), PLK_INVALID);
-        const std::string text = error.what();
+        std::string text = error.what();
         EXPECT_EQ(text.find(std::string(error.GetField()) + " is "), 0U);
         return text;
     }

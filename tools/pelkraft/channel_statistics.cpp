@@ -68,6 +68,7 @@ std::vector<ChannelStatistics> CountSamples(const TiffFile& file, const TiffPict
     const std::vector<ChannelStatistics> none(static_cast<std::size_t>(picture.channels));
     std::vector<std::vector<ChannelStatistics>> totals(static_cast<std::size_t>(threads), none);
     std::vector<SamplePlanes::Row> rows;
+    rows.reserve(static_cast<std::size_t>(threads));
     for (int worker = 0; worker < threads; ++worker)
         rows.emplace_back(planes);
     const auto takeRow = [&](int worker, std::int64_t, const unsigned char* bytes) {

@@ -66,6 +66,7 @@ private:
         if (!common.explain || common.json || format != "text")
             return;
         std::vector<std::string> names;
+        names.reserve(chosen.size());
         for (const std::size_t rule : chosen)
             names.emplace_back(CheckRules()[rule].name);
         PrintText("all pages by the rules " + Enumerated(names) + '\n');
